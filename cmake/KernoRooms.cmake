@@ -1,0 +1,57 @@
+# How every room of the house is built: language level, warnings, sanitizers, and which rooms it may use.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+find_program(CCACHE ccache)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_library(kerno_options INTERFACE)
+target_compile_options(kerno_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+                                               -Wnon-virtual-dtor -Werror)
+# The same sums must come out on every platform and processor: no fused multiply-add.
+target_compile_options(kerno_options INTERFACE -ffp-contract=off)
+if(KERNO_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+# kerno_room(NAME DEPENDS room... SOURCES file...) makes the library kerno_NAME out of one folder of src/.
+# A room without sources yet is a header-only library.
+function(kerno_room name)
+  cmake_parse_arguments(ROOM "" "" "DEPENDS;SOURCES;LIBRARIES" ${ARGN})
+  list(TRANSFORM ROOM_DEPENDS PREPEND kerno_)
+  if(ROOM_SOURCES)
+    add_library(kerno_${name} STATIC ${ROOM_SOURCES})
+    target_include_directories(kerno_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(kerno_${name} PUBLIC ${ROOM_DEPENDS} PRIVATE kerno_options ${ROOM_LIBRARIES})
+  else()
+    add_library(kerno_${name} INTERFACE)
+    target_include_directories(kerno_${name} INTERFACE ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(kerno_${name} INTERFACE ${ROOM_DEPENDS})
+  endif()
+endfunction()
+
+# kerno_test(NAME ROOMS room... SOURCES file...) makes the GoogleTest program NAME_tests and one CTest entry.
+# The program finds its data through KERNO_TEST_DATA and the interpreter of the independent readers
+# through KERNO_PYTHON.
+function(kerno_test name)
+  cmake_parse_arguments(TEST "" "" "ROOMS;SOURCES;LIBRARIES" ${ARGN})
+  list(TRANSFORM TEST_ROOMS PREPEND kerno_)
+  add_executable(${name}_tests ${TEST_SOURCES})
+  target_include_directories(${name}_tests PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_compile_definitions(${name}_tests PRIVATE KERNO_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
+                             KERNO_TESTS="${PROJECT_SOURCE_DIR}/tests" KERNO_PYTHON="${KERNO_PYTHON}")
+  target_link_libraries(${name}_tests PRIVATE ${TEST_ROOMS} kerno_options GTest::gtest_main GTest::gmock
+                        ${TEST_LIBRARIES})
+  add_test(NAME ${name} COMMAND ${name}_tests)
+endfunction()

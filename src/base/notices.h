@@ -1,0 +1,33 @@
+// How the core tells the user something without knowing the user interface: the command line writes
+// to standard error, the dialog to its status line and to messages. Never silence.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace kerno {
+
+enum class Continue { kYes, kNo };
+
+class Notices {
+ public:
+  virtual ~Notices() = default;
+
+  // A message that the user should read (a failure, a warning).
+  virtual void Message(std::u16string_view text) = 0;
+
+  // The wait display: shown while a file that another process holds is waited for; ClearWait
+  // removes it.
+  virtual void ShowWait(std::u16string_view text) = 0;
+  virtual void ClearWait() = 0;
+
+  // Progress of a long operation: `done` of `total` steps. kNo asks the operation to stop.
+  virtual Continue Progress(std::u16string_view text, int64_t done, int64_t total) = 0;
+};
+
+// The process's notices; one that drops everything until a user interface sets its own.
+// ReplaceNotices returns the one before; null restores the silent one. The caller keeps ownership.
+Notices& CurrentNotices();
+Notices* ReplaceNotices(Notices* notices);
+
+}  // namespace kerno

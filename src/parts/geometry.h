@@ -1,0 +1,61 @@
+// Points and boxes. Plain doubles without a unit: coordinates are in whatever their producer uses.
+#pragma once
+
+#include <algorithm>
+
+namespace kerno {
+
+struct P2 {
+  double x = 0, y = 0;
+};
+
+struct P3 {
+  double x = 0, y = 0, z = 0;
+};
+
+// Neither less nor greater: 0.0 equals -0.0, and not-a-number equals everything. No tolerance,
+// meant so.
+inline bool SameCoordinate(double a, double b) {
+  return !(a < b) && !(a > b);
+}
+
+inline bool operator==(const P2& a, const P2& b) {
+  return SameCoordinate(a.x, b.x) && SameCoordinate(a.y, b.y);
+}
+inline bool operator==(const P3& a, const P3& b) {
+  return SameCoordinate(a.x, b.x) && SameCoordinate(a.y, b.y) && SameCoordinate(a.z, b.z);
+}
+
+// The sum first, then the half of it.
+inline P2 Midpoint(const P2& a, const P2& b) {
+  return {(a.x + b.x) * 0.5, (a.y + b.y) * 0.5};
+}
+inline P3 Midpoint(const P3& a, const P3& b) {
+  return {(a.x + b.x) * 0.5, (a.y + b.y) * 0.5, (a.z + b.z) * 0.5};
+}
+
+// An axis-aligned box.
+struct Extent3 {
+  P3 min, max;
+};
+
+// Widens the box to hold the point; a coordinate that is not a number widens nothing.
+inline void Include(Extent3* box, const P3& p) {
+  box->min = {std::min(box->min.x, p.x), std::min(box->min.y, p.y), std::min(box->min.z, p.z)};
+  box->max = {std::max(box->max.x, p.x), std::max(box->max.y, p.y), std::max(box->max.z, p.z)};
+}
+
+// The componentwise minimum and maximum of a list of points; zero for an empty list.
+template <class Points>
+Extent3 ExtentOf(const Points& points) {
+  Extent3 box;
+  bool first = true;
+  for (const P3& p : points) {
+    if (first) box = {p, p};
+    first = false;
+    Include(&box, p);
+  }
+  return box;
+}
+
+}  // namespace kerno

@@ -1,0 +1,120 @@
+// The parts model: the one in-memory form of geometry. y points up, units are the producer's.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "parts/color.h"
+#include "parts/elements.h"
+#include "parts/geometry.h"
+#include "parts/vertex_pool.h"
+
+namespace kerno {
+
+struct Placement {
+  P3 origin;
+  int32_t code = 0;
+};
+
+// One drawing: a vertex pool and thirteen element arrays in the order of the parts file.
+struct Parts {
+  P3A vertices;
+  TextA texts;
+  LineA lines;
+  CircleA circles;
+  std::array<FaceA, 3> faces;
+  EdgeA edges;
+  PointA point_sets;
+  TextA more_texts;
+  TextHA horizontal_texts;
+  TextVA vertical_texts;
+  PointA more_point_sets;
+
+  Placement placement;
+  std::vector<int32_t> codes;
+  int32_t keeps_order = 0;  // first trailing integer: non-zero keeps += from its shortcuts
+  int32_t trailing = 0;     // second trailing integer, carried
+  P3A more_vertices;        // not written to files
+  std::unique_ptr<Parts> child;
+
+  Parts() = default;
+  Parts(const Parts& other);  // deep, the child included
+  Parts& operator=(const Parts& other);
+  Parts(Parts&&) noexcept = default;
+  Parts& operator=(Parts&&) noexcept = default;
+  ~Parts() = default;
+
+  // Each adds one element, its points going through FindOrAddPoint. False when the element cannot
+  // be placed: a face of no points, or a pool that has no index left for a vertex.
+  bool AddText(const P3& anchor, std::u16string_view text);
+  bool AddLine(const P3& start, const P3& end);
+  bool AddCircle(const P3& centre, double radius, int32_t attribute, const P3& first,
+                 const P3& second);
+  bool AddFace(std::span<const P3> loop, int32_t attribute);
+  bool AddHorizontalText(const P3& anchor, const TextLine& line);  // line.anchor is not read
+  bool AddVerticalText(const P3& anchor, const TextLine& line);
+  bool AddPointSet(std::span<const P3> points, int32_t a, int32_t b, int32_t c);
+
+  // Appends another part. Onto an empty part it is copied whole; a smaller part is appended to a
+  // copy of the larger one (setting "Debug\Parts", "oprator+=...UseMerge", default 1), unless
+  // keeps_order says otherwise: the larger part's elements then stand first, which is meant.
+  Parts& operator+=(const Parts& other);
+
+  // The box over all vertices of the pool; zero when there are none.
+  Extent3 Extent() const { return ExtentOf(vertices); }
+};
+
+// The pen of a part: first attribute group of its header.
+struct PenAttributes {
+  int32_t color = 0;       // Color
+  double width = 0;        // 0: a hairline
+  int32_t style = 0;       // 0 solid, 1 dash, 2 dot, 3 dash-dot, 4 dash-dot-dot, 5 none
+  double unit_width = 0;   // carried
+  double unit_length = 0;  // length of the pen's dash pattern, 0: the writer's own
+};
+
+// The brush of a part: second attribute group.
+struct BrushAttributes {
+  int32_t color = 0;  // Color
+  int32_t style = 0;  // 0 solid, 1 hollow, 2 hatched
+  int32_t hatch = 0;  // index into the hatch names when hatched
+};
+
+// Third attribute group: carried and written.
+struct ExtraAttributes {
+  double first = 0;
+  int32_t second = 0;
+  double third = 0;
+};
+
+// One part inside the container: a Parts with the attributes of its header line.
+struct PartsElement : Parts {
+  int32_t header_first = 0;  // the two leading integers of the header line, carried
+  int32_t header_second = 0;
+  std::u16string name;         // the layer
+  std::u16string second_text;  // carried
+  PenAttributes pen;
+  BrushAttributes brush;
+  ExtraAttributes extra;
+};
+
+// An ordered array of parts.
+struct PartsA {
+  int32_t id = 0;
+  std::vector<PartsElement> parts;
+
+  // The box over the vertices of all parts; zero when there are none.
+  Extent3 Extent() const;
+};
+
+// The face name of a text element that names none: setting "Parts", "横書フェイス名" (horizontal)
+// or "縦書フェイス名" (vertical).
+enum class WritingDirection { kHorizontal, kVertical };
+std::u16string DefaultFaceName(WritingDirection direction);
+
+}  // namespace kerno

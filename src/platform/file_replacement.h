@@ -1,0 +1,35 @@
+// A file that is written whole or not at all: the bytes go to a new file beside the target, which
+// is renamed over it at the end. Every step is checked.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+#include "platform/status.h"
+
+namespace kerno {
+
+// Until Commit succeeds the target is what it was; destroying an uncommitted replacement removes
+// what was written. A target that is a device or a pipe is written through, a symbolic link keeps
+// pointing and the file that it points to is replaced.
+class FileReplacement {
+ public:
+  virtual ~FileReplacement() = default;
+
+  // Opens the replacement of `target`. Null on failure, with the reason in *status.
+  static std::unique_ptr<FileReplacement> Create(const std::filesystem::path& target,
+                                                 Status* status);
+
+  // Appends bytes. After a failure the replacement can only be destroyed.
+  virtual Status Write(std::string_view bytes) = 0;
+
+  // Flushes, closes and renames. The target then holds exactly the bytes written, or is untouched.
+  virtual Status Commit() = 0;
+};
+
+// Replaces `target` by `bytes` in one go.
+Status ReplaceFile(const std::filesystem::path& target, std::string_view bytes);
+
+}  // namespace kerno

@@ -1,0 +1,31 @@
+// The faces that the system has installed.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kerno {
+
+inline constexpr uint32_t kRasterFontType = 1;    // RASTER_FONTTYPE
+inline constexpr uint32_t kTrueTypeFontType = 4;  // TRUETYPE_FONTTYPE: outlines, of either kind
+
+// What the enumeration tells of a family (ENUMLOGFONT and the font type).
+struct InstalledFace {
+  std::u16string name;  // family name, "@" in front for the vertical form
+  uint8_t pitch_and_family = 0;
+  uint8_t char_set = 1;
+  uint32_t font_type = 0;  // kRasterFontType, kTrueTypeFontType or 0 (vector)
+};
+
+// One entry per family and, for faces that cover East Asian full-width characters, one for its "@"
+// form, in the system's order (EnumFontFamilies). Damaged files are passed over; each is named in
+// *skipped when that is given.
+std::vector<InstalledFace> EnumerateFaces(std::vector<std::u16string>* skipped = nullptr);
+
+// Whether a family of this name (any of its localized names, case ignored, both cut to kMaxFaceName
+// units) is installed; "@" in front asks for its vertical form.
+bool IsFaceInstalled(std::u16string_view name);
+
+}  // namespace kerno

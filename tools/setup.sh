@@ -1,0 +1,27 @@
+#!/bin/sh
+# Installs the Debian packages that building, running and testing need. Does nothing when all are there.
+set -e
+packages="g++ cmake ninja-build ccache pkg-config
+ libfreetype-dev libfontconfig-dev libharfbuzz-dev libcli11-dev
+ fonts-dejavu-core fonts-dejavu-extra fonts-ipafont
+ libgtest-dev libgmock-dev libbenchmark-dev
+ python3 python3-ezdxf"
+
+missing=""
+for package in $packages; do
+  case "$(dpkg-query -W -f '${Status}' "$package" 2>/dev/null)" in
+    "install ok installed") ;;
+    *) missing="$missing $package" ;;
+  esac
+done
+[ -n "$missing" ] || exit 0
+
+echo "installing:$missing"
+as_root=""
+if [ "$(id -u)" != 0 ]; then
+  command -v sudo >/dev/null || { echo "setup: run as root, or install sudo" >&2; exit 1; }
+  as_root="sudo"
+fi
+$as_root apt-get update -q
+$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends \
+  -o DPkg::Lock::Timeout=600 $missing
