@@ -117,4 +117,8 @@ struct PartsA {
 enum class WritingDirection { kHorizontal, kVertical };
 std::u16string DefaultFaceName(WritingDirection direction);
 
+// Forgets the settings that the model keeps for the life of the process, the vertex search's
+// included. For tests.
+void ForgetPartsSettings();
+
 }  // namespace kerno

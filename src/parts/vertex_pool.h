@@ -14,12 +14,12 @@ namespace kerno {
 // Keeps the points that were ever put in, in order: indices are stable.
 class P3A {
  public:
-  P3A() = default;
+  P3A() noexcept;
   P3A(const P3A& other);
   P3A& operator=(const P3A& other);
-  P3A(P3A&&) noexcept = default;
-  P3A& operator=(P3A&&) noexcept = default;
-  ~P3A() = default;
+  P3A(P3A&&) noexcept;
+  P3A& operator=(P3A&&) noexcept;
+  ~P3A();
 
   int32_t id = 0;  // written in the array's header line
 

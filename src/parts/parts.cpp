@@ -1,0 +1,207 @@
+#include "parts/parts.h"
+
+#include <optional>
+
+#include "base/settings.h"
+
+namespace kerno {
+namespace {
+
+constexpr size_t kMostVertices = 0x7FFFFFFF;
+
+std::optional<bool> use_merge;  // setting "oprator+=...UseMerge", read once
+
+bool UseMerge() {
+  if (!use_merge) {
+    // The key is misspelt and stays so.
+    use_merge = CurrentSettings().GetInt(u"Debug\\Parts", u"oprator+=...UseMerge", 1) != 0;
+  }
+  return *use_merge;
+}
+
+bool HasRoomFor(const P3A& pool, size_t points) {
+  return points <= kMostVertices && pool.size() <= kMostVertices - points;
+}
+
+// Re-creates elements of one part in another, vertex by vertex.
+class Appender {
+ public:
+  Appender(Parts* to, const Parts& from) : to_(to), from_(from) {}
+
+  void AppendAll() {
+    Each(&to_->texts, from_.texts, 5, [&](TextItem& e) { Move(&e.anchor); });
+    Each(&to_->lines, from_.lines, 10, [&](LineItem& e) {
+      Move(&e.start);
+      Move(&e.end);
+    });
+    Each(&to_->circles, from_.circles, 10, [&](CircleItem& e) {
+      Move(&e.centre);
+      Move(&e.first);
+      Move(&e.second);
+    });
+    for (size_t i = 0; i < to_->faces.size(); ++i) {
+      Each(&to_->faces[i], from_.faces[i], 10, [&](FaceItem& e) { MoveAll(&e.vertices); });
+    }
+    Each(&to_->edges, from_.edges, 10, [&](EdgeItem& e) {
+      Move(&e.values[0]);
+      Move(&e.values[1]);
+    });
+    const auto move_set = [&](PointSet& e) { MoveAll(&e.vertices); };
+    Each(&to_->point_sets, from_.point_sets, 10, move_set);
+    Each(&to_->more_texts, from_.more_texts, 10, [&](TextItem& e) { Move(&e.anchor); });
+    const auto move_line = [&](TextLine& e) { Move(&e.anchor); };
+    Each(&to_->horizontal_texts, from_.horizontal_texts, 10, move_line);
+    Each(&to_->vertical_texts, from_.vertical_texts, 10, move_line);
+    Each(&to_->more_point_sets, from_.more_point_sets, 10, move_set);
+    for (const P3& point : from_.more_vertices) to_->more_vertices.FindOrAddPoint(point);
+  }
+
+ private:
+  // An index that names no vertex of the source (such as -1) is carried as it is.
+  void Move(int32_t* index) {
+    if (*index < 0 || static_cast<size_t>(*index) >= from_.vertices.size()) return;
+    *index = to_->vertices.FindOrAddPoint(from_.vertices[static_cast<size_t>(*index)]);
+  }
+  void MoveAll(std::vector<int32_t>* indices) {
+    for (int32_t& index : *indices) Move(&index);
+  }
+
+  template <class Array, class MoveVertices>
+  static void Each(Array* to, const Array& from, size_t margin, const MoveVertices& move) {
+    if (from.items.empty()) return;
+    const size_t needed = to->items.size() + from.items.size();
+    if (to->items.capacity() < needed) {
+      to->items.reserve(std::max(needed + margin, to->items.capacity() * 2));
+    }
+    for (const auto& element : from.items) {
+      to->items.push_back(element);
+      move(to->items.back());
+    }
+  }
+
+  Parts* to_;
+  const Parts& from_;
+};
+
+}  // namespace
+
+Parts::Parts(const Parts& other)
+    : vertices(other.vertices),
+      texts(other.texts),
+      lines(other.lines),
+      circles(other.circles),
+      faces(other.faces),
+      edges(other.edges),
+      point_sets(other.point_sets),
+      more_texts(other.more_texts),
+      horizontal_texts(other.horizontal_texts),
+      vertical_texts(other.vertical_texts),
+      more_point_sets(other.more_point_sets),
+      placement(other.placement),
+      codes(other.codes),
+      keeps_order(other.keeps_order),
+      trailing(other.trailing),
+      more_vertices(other.more_vertices),
+      child(other.child ? std::make_unique<Parts>(*other.child) : nullptr) {}
+
+Parts& Parts::operator=(const Parts& other) {
+  if (this != &other) *this = Parts(other);
+  return *this;
+}
+
+bool Parts::AddText(const P3& anchor, std::u16string_view text) {
+  if (!HasRoomFor(vertices, 1)) return false;
+  texts.items.push_back({vertices.FindOrAddPoint(anchor), std::u16string(text)});
+  return true;
+}
+
+bool Parts::AddLine(const P3& start, const P3& end) {
+  if (!HasRoomFor(vertices, 2)) return false;
+  const int32_t first = vertices.FindOrAddPoint(start);
+  lines.items.push_back({first, vertices.FindOrAddPoint(end)});
+  return true;
+}
+
+bool Parts::AddCircle(const P3& centre, double radius, int32_t attribute, const P3& first,
+                      const P3& second) {
+  if (!HasRoomFor(vertices, 3)) return false;
+  CircleItem circle;
+  circle.centre = vertices.FindOrAddPoint(centre);
+  circle.radius = radius;
+  circle.attribute = attribute;
+  circle.first = vertices.FindOrAddPoint(first);
+  circle.second = vertices.FindOrAddPoint(second);
+  circles.items.push_back(circle);
+  return true;
+}
+
+bool Parts::AddFace(std::span<const P3> loop, int32_t attribute) {
+  if (loop.empty() || !HasRoomFor(vertices, loop.size())) return false;
+  FaceItem face;
+  face.attribute = attribute;
+  face.vertices.reserve(loop.size());
+  for (const P3& point : loop) face.vertices.push_back(vertices.FindOrAddPoint(point));
+  faces[0].items.push_back(std::move(face));
+  return true;
+}
+
+bool Parts::AddHorizontalText(const P3& anchor, const TextLine& line) {
+  if (!HasRoomFor(vertices, 1)) return false;
+  horizontal_texts.items.push_back(line);
+  horizontal_texts.items.back().anchor = vertices.FindOrAddPoint(anchor);
+  return true;
+}
+
+bool Parts::AddVerticalText(const P3& anchor, const TextLine& line) {
+  if (!HasRoomFor(vertices, 1)) return false;
+  vertical_texts.items.push_back(line);
+  vertical_texts.items.back().anchor = vertices.FindOrAddPoint(anchor);
+  return true;
+}
+
+bool Parts::AddPointSet(std::span<const P3> points, int32_t a, int32_t b, int32_t c) {
+  if (!HasRoomFor(vertices, points.size())) return false;
+  PointSet set{a, b, c, {}};
+  for (const P3& point : points) set.vertices.push_back(vertices.FindOrAddPoint(point));
+  point_sets.items.push_back(std::move(set));
+  return true;
+}
+
+Parts& Parts::operator+=(const Parts& other) {
+  if (this == &other) return *this += Parts(other);
+  if (vertices.empty() && keeps_order == 0) return *this = other;
+  if (keeps_order == 0 && vertices.size() < other.vertices.size() && UseMerge()) {
+    Parts larger(other);
+    Appender(&larger, *this).AppendAll();
+    return *this = std::move(larger);
+  }
+  Appender(this, other).AppendAll();
+  return *this;
+}
+
+Extent3 PartsA::Extent() const {
+  Extent3 box;
+  bool first = true;
+  for (const PartsElement& part : parts) {
+    if (part.vertices.empty()) continue;
+    const Extent3 of_part = part.Extent();
+    if (first) box = of_part;
+    first = false;
+    Include(&box, of_part.min);
+    Include(&box, of_part.max);
+  }
+  return box;
+}
+
+std::u16string DefaultFaceName(WritingDirection direction) {
+  return direction == WritingDirection::kHorizontal
+             ? CurrentSettings().GetStr(u"Parts", u"横書フェイス名", u"ＭＳ ゴシック")
+             : CurrentSettings().GetStr(u"Parts", u"縦書フェイス名", u"@ＭＳ 明朝");
+}
+
+void ForgetPartsSettings() {
+  use_merge.reset();
+  ResetVertexSearch();
+}
+
+}  // namespace kerno
