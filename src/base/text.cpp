@@ -1,5 +1,7 @@
 #include "base/text.h"
 
+#include "platform/code_page.h"
+
 namespace kerno {
 namespace {
 
@@ -116,6 +118,10 @@ void AppendCharacter(std::u16string* text, char32_t character) {
   const char32_t rest = character - 0x10000;
   text->push_back(static_cast<char16_t>(0xD800 + (rest >> 10)));
   text->push_back(static_cast<char16_t>(0xDC00 + (rest & 0x3FF)));
+}
+
+std::string ToShiftJis(std::u16string_view text) {
+  return EncodeCodePage932(text, '_');
 }
 
 std::u16string AsciiLower(std::u16string_view text) {

@@ -28,6 +28,9 @@ std::filesystem::path TextPath(std::u16string_view text);
 char32_t NextCharacter(std::u16string_view text, size_t* position);
 void AppendCharacter(std::u16string* text, char32_t character);
 
+// Bytes in code page 932, best-fit mappings included; "_" for each unit without mapping.
+std::string ToShiftJis(std::u16string_view text);
+
 // Upper-case ASCII letters as lower-case ones; everything else as it is.
 std::u16string AsciiLower(std::u16string_view text);
 

@@ -12,7 +12,8 @@ namespace kerno {
 std::string EncodeCodePage932(std::u16string_view text, char default_byte,
                               bool* used_default = nullptr);
 
-// Text of bytes in code page 932; a byte that starts nothing valid becomes U+30FB.
+// Text of bytes in code page 932. A byte that starts nothing valid becomes U+30FB, and so does a
+// pair of a lead and a trail byte that has no character.
 std::u16string DecodeCodePage932(std::string_view bytes);
 
 }  // namespace kerno
