@@ -1,0 +1,63 @@
+#include "outline/glyph_cache.h"
+
+#include <algorithm>
+
+#include "outline/glyph_outline.h"
+#include "outline/turn.h"
+
+namespace kerno {
+namespace {
+
+// A context that works with its stock font has no font object to keep a cache with.
+GlyphCache& Unkept(const TextMetrics& metrics, double angle) {
+  static std::unique_ptr<GlyphCache> last;
+  last = std::make_unique<GlyphCache>(metrics, angle);
+  return *last;
+}
+
+}  // namespace
+
+GlyphCache& GlyphCache::Of(DeviceContext& dc, const TextMetrics& metrics, double angle) {
+  Font* font = dc.SelectedFont();
+  if (!font) return Unkept(metrics, angle);
+  auto cache = std::static_pointer_cast<GlyphCache>(font->derived);
+  if (!cache || cache->angle_ != angle) {
+    cache = std::make_shared<GlyphCache>(metrics, angle);
+    font->derived = cache;
+  }
+  return *cache;
+}
+
+const CachedGlyph& GlyphCache::Get(DeviceContext& dc, char32_t ch) {
+  std::unique_ptr<CachedGlyph>& kept = ch < kDirect ? direct_[ch] : others_[ch];
+  if (kept) return *kept;
+  bool refused = false;
+  CachedGlyph glyph = Make(dc, ch, &refused);
+  if (refused) {
+    refused_ = std::move(glyph);
+    return refused_;
+  }
+  kept = std::make_unique<CachedGlyph>(std::move(glyph));
+  return *kept;
+}
+
+CachedGlyph GlyphCache::Make(DeviceContext& dc, char32_t ch, bool* refused) const {
+  CachedGlyph glyph;
+  const uint32_t contours = GetGlyphContours(dc, ch, &glyph.metrics, &glyph.contours);
+  // A refused character leaves its metrics as they were: all zero, which no glyph has.
+  *refused = contours == 0 && glyph.metrics.gmBlackBoxX == 0;
+  if (angle_ != 0) {
+    const Turn turn(angle_);
+    const P2 centre = {glyph.metrics.gmCellIncX * 0.5,
+                       (metrics_.tmAscent - metrics_.tmDescent) * 0.5};
+    for (P2& p : glyph.contours.points) p = turn.Apply(p, centre);
+  }
+  if (!glyph.contours.points.empty()) glyph.ink_min = glyph.ink_max = glyph.contours.points[0];
+  for (const P2& p : glyph.contours.points) {
+    glyph.ink_min = {std::min(glyph.ink_min.x, p.x), std::min(glyph.ink_min.y, p.y)};
+    glyph.ink_max = {std::max(glyph.ink_max.x, p.x), std::max(glyph.ink_max.y, p.y)};
+  }
+  return glyph;
+}
+
+}  // namespace kerno

@@ -1,0 +1,42 @@
+// One character's outline: the rasteriser's native records flattened into closed contours.
+//
+// The native form is a sequence of polygons: a 16-byte header (size of the polygon in bytes, type
+// 24, start point) and records of a 16-bit type (1 line, 2 quadratic spline), a 16-bit count and
+// that many points. Numbers are 16.16 in the machine's byte order, y points up.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "outline/glyph_contours.h"
+#include "platform/device_context.h"
+
+namespace kerno {
+
+// A point of the native form: two 16.16 numbers.
+struct PointFx {
+  int32_t x = 0;
+  int32_t y = 0;
+};
+
+// The outline of a character in the font selected into `dc`. Returns the number of contours; 0 for
+// a blank and on failure. *metrics receives the glyph's metrics unless the call fails. The contours
+// replace what was in *contours, which stays untouched on failure. Where the rasteriser has no
+// outline to give, "GDI_ERROR" is drawn into the context at (0, 0).
+uint32_t GetGlyphContours(DeviceContext& dc, char32_t ch, GlyphMetrics* metrics,
+                          GlyphContours* contours);
+
+// Flattens a buffer of native records. Returns the number of contours; reads nothing outside the
+// buffer. The walk ends at a polygon of another type, at one that is too short for its header and
+// at its first damaged or unknown record, whose contour is dropped. Each contour begins at the
+// first point that its records produce and ends with the polygon's start point and that first point
+// again: the turned order is meant. Its point count is kept in 16 bits and wraps.
+uint32_t ParseNativeOutline(const void* buffer, size_t size, GlyphContours* contours);
+
+// Appends the end points of n chords of the quadratic from a over control b to c, without a itself,
+// and returns n: a third of the largest extent of the control triangle in whole units, at least 2,
+// and 30 where that is above 20. The jump from 20 to 30 is meant.
+uint32_t FlattenQSpline(std::vector<P2>* points, PointFx a, PointFx b, PointFx c);
+
+}  // namespace kerno

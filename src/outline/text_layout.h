@@ -1,0 +1,90 @@
+// A string as placed contours: characters side by side, lines by CR and LF, the block slanted,
+// turned and moved to where the caller wants it.
+//
+// Units are logical units of the device context, angles degrees, counter-clockwise in y-up
+// coordinates. LayoutString works in y-up glyph coordinates with the pen starting at (0, 0);
+// PlaceBlock turns y down.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "outline/glyph_contours.h"
+#include "platform/device_context.h"
+
+namespace kerno {
+
+// How far a character of vertical text moves the pen down.
+enum class VerticalPitch {
+  kClassic,  // the mean of its advance and its ink height; can bring glyphs into contact
+  kCell,     // its advance
+};
+
+struct LayoutOptions {
+  bool vertical = false;
+  double character_angle =
+      0;  // turns each glyph about the centre of its cell; 0 leaves it untouched
+  VerticalPitch pitch = VerticalPitch::kClassic;
+};
+
+// What LayoutString noticed on its way.
+struct LayoutNotes {
+  uint32_t overlapping = 0;  // characters of vertical text whose ink box meets the one before
+};
+
+// The fields of SYSTEM_FONT with height, width, weight and face name (at most kMaxFaceName units of
+// it) put in, for the default character set.
+LogFont BuildLogFont(int32_t height, int32_t width, int32_t weight, std::u16string_view face);
+
+// Lays out the text, up to a NUL or its end, in the font selected into `dc`, and appends to
+// *contours. Returns the number of contours appended. CR returns the pen to x = 0, LF moves it down
+// by tmHeight, TAB right by tmAveCharWidth; vertical text moves the pen down before each character.
+// Characters without an outline add nothing but their advance; one that the rasteriser refuses adds
+// nothing at all.
+uint32_t LayoutString(DeviceContext& dc, std::u16string_view text, const LayoutOptions& options,
+                      GlyphContours* contours, LayoutNotes* notes = nullptr);
+
+// Where a block goes.
+struct BlockPlacement {
+  P2 insertion;  // where the block's centre lands, y down
+  double slant =
+      0;  // leans the block: each point turns about its own x at the height of the centre
+  double angle = 0;  // turns the block about its centre
+};
+
+// Slants, turns, negates y and moves: from y-up layout coordinates to y-down drawing coordinates.
+// The centre is that of the box around all points and the pen's origin; that it holds the origin is
+// meant.
+void PlaceBlock(std::vector<P2>* points, const BlockPlacement& placement);
+
+// Everything that a string's outline depends on.
+struct TextRequest {
+  std::u16string text;
+  std::u16string face;  // "@" in front for the vertical form
+  int32_t height = 100;
+  int32_t width = 0;
+  int32_t weight = 400;
+  LayoutOptions layout;
+  BlockPlacement placement;
+};
+
+// Creates and selects the font, lays out and places the text (y down), and selects the font before
+// it back. *contours is replaced. Returns the number of contours.
+uint32_t StringOutline(DeviceContext& dc, const TextRequest& request, GlyphContours* contours);
+
+// The extent of a text that is set in one line.
+struct StringExtent {
+  int32_t length = 0;  // along the line
+  int32_t height = 0;
+};
+
+// Measures the whole string with the system's own extent, or estimates it by columns (two for
+// characters above U+007F that are not half-width forms) when `dc` is null or height or width is
+// 5,000 or more. Height and width swap their roles for vertical text, which is meant.
+StringExtent MeasureString(DeviceContext* dc, std::u16string_view text, bool vertical,
+                           int32_t height, int32_t width, double slant, double angle,
+                           std::u16string_view face, int32_t weight);
+
+}  // namespace kerno
