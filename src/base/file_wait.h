@@ -1,0 +1,19 @@
+// Waiting for a file that another process holds.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+
+#include "platform/status.h"
+
+namespace kerno {
+
+enum class FileWait { kRead, kWrite };
+
+// Makes `attempt` up to 100 times, 100 ms apart, while it answers with a sharing violation. The
+// wait display tells the path after the first such answer and is cleared at the end. The result is
+// that of the last attempt.
+Status WaitForFile(const std::filesystem::path& path, FileWait wait,
+                   const std::function<Status()>& attempt);
+
+}  // namespace kerno

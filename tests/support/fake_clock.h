@@ -1,0 +1,46 @@
+// A clock that stands still until it is told or slept on, in UTC.
+#pragma once
+
+#include <cstdint>
+#include <ctime>
+#include <functional>
+
+#include "platform/clock.h"
+
+namespace kerno::test {
+
+// The process's clock while it lives.
+class FakeClock final : public Clock {
+ public:
+  FakeClock() : before_(ReplaceClock(this)) {}
+  ~FakeClock() override { ReplaceClock(before_); }
+  FakeClock(const FakeClock&) = delete;
+  FakeClock& operator=(const FakeClock&) = delete;
+
+  int64_t seconds = 1795251600;  // 2026-11-21 09:00:00
+  uint32_t ticks = 1000;
+  int sleeps = 0;
+  uint64_t slept = 0;              // milliseconds
+  std::function<void()> on_sleep;  // what happens elsewhere meanwhile
+
+  int64_t Seconds() override { return seconds; }
+  LocalTime Local(int64_t moment) override {
+    const auto time = static_cast<time_t>(moment);
+    tm parts{};
+    gmtime_r(&time, &parts);
+    return {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
+            parts.tm_hour,        parts.tm_min,     parts.tm_sec};
+  }
+  uint32_t Ticks() override { return ticks; }
+  void Sleep(uint32_t milliseconds) override {
+    ++sleeps;
+    slept += milliseconds;
+    ticks += milliseconds;
+    if (on_sleep) on_sleep();
+  }
+
+ private:
+  Clock* before_;
+};
+
+}  // namespace kerno::test

@@ -1,0 +1,64 @@
+// A system whose answers a test sets.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+#include "platform/system.h"
+
+namespace kerno::test {
+
+// The process's system while it lives. Folders that are not set are unknown.
+class FakeSystem final : public System {
+ public:
+  FakeSystem() : before_(ReplaceSystem(this)) {}
+  ~FakeSystem() override { ReplaceSystem(before_); }
+  FakeSystem(const FakeSystem&) = delete;
+  FakeSystem& operator=(const FakeSystem&) = delete;
+
+  std::map<std::u16string, std::u16string, std::less<>> environment;
+  std::filesystem::path program = "/nowhere/bin/kerno";
+  std::u16string user = u"someone";
+  std::u16string computer = u"machine";
+  std::filesystem::path current = "/nowhere";
+  std::filesystem::path temporary;
+  std::filesystem::path config;
+  std::filesystem::path cache;
+  std::map<SpecialFolderId, std::filesystem::path> special;
+  std::filesystem::path system_place;  // it and what lies under it
+  bool private_folders = true;         // false: MakePrivateFolder is refused
+
+  std::optional<std::u16string> Environment(std::u16string_view name) override {
+    const auto found = environment.find(name);
+    if (found == environment.end()) return std::nullopt;
+    return found->second;
+  }
+  std::filesystem::path ProgramPath() override { return program; }
+  std::u16string UserName() override { return user; }
+  std::u16string ComputerName() override { return computer; }
+  std::filesystem::path CurrentFolder() override { return current; }
+  std::filesystem::path TemporaryPath() override { return temporary; }
+  std::filesystem::path ConfigFolder() override { return config; }
+  std::filesystem::path CacheFolder() override { return cache; }
+  std::filesystem::path SpecialFolder(SpecialFolderId id) override {
+    const auto found = special.find(id);
+    return found == special.end() ? std::filesystem::path() : found->second;
+  }
+  bool IsSystemPlace(const std::filesystem::path& path) override {
+    return !system_place.empty() && path.native().starts_with(system_place.native());
+  }
+  Status MakePrivateFolder(const std::filesystem::path& folder) override {
+    if (private_folders) {
+      std::error_code error;
+      std::filesystem::create_directory(folder, error);
+      if (!error) return Status::Ok();
+    }
+    return Status::Error(Failure::kAccessDenied, u"folder", u"refused");
+  }
+
+ private:
+  System* before_;
+};
+
+}  // namespace kerno::test
