@@ -1,0 +1,61 @@
+#include "app/text_source.h"
+
+#include <gtest/gtest.h>
+
+#include "base/text.h"
+
+namespace kerno {
+namespace {
+
+using namespace std::string_literals;
+
+TEST(DecodeText, EncodingsAndTheOffsetOfWhatIsWrong) {
+  const struct {
+    std::string bytes;
+    std::u16string text;
+    const char* why;  // null: it decodes
+  } cases[] = {
+      {"A\xE3\x81\x82", u"Aあ", nullptr},
+      {"\xEF\xBB\xBF"
+       "A",
+       u"A", nullptr},
+      {"\xFF\xFE"
+       "A\0\x42\x30"s,
+       u"Aあ", nullptr},
+      {"\xFE\xFF\0A\x30\x42"s, u"Aあ", nullptr},
+      {"\xF0\xA0\xAE\xB7", u"𠮷", nullptr},
+      {"", u"", nullptr},
+      {"\xFF\xFE", u"", nullptr},
+      {"AB\xFF", u"", "is not UTF-8 (byte offset 2)"},
+      {"\xEF\xBB\xBF\xE3\x81", u"", "is not UTF-8 (byte offset 3)"},
+      {"x\xED\xA0\x80", u"", "is not UTF-8 (byte offset 1)"},  // an encoded surrogate
+      {"x\xC0\x80", u"", "is not UTF-8 (byte offset 1)"},      // an overlong form
+      {"\xF4\x90\x80\x80", u"", "is not UTF-8 (byte offset 0)"},
+      {"\xFF\xFE"
+       "A",
+       u"", "is not UTF-16: half a unit stands at the end (byte offset 2)"},
+  };
+  for (const auto& c : cases) {
+    std::u16string text;
+    const Status status = DecodeText(c.bytes, u"name", &text);
+    EXPECT_EQ(c.why == nullptr, status.ok()) << testing::PrintToString(c.bytes);
+    EXPECT_EQ(c.text, text) << testing::PrintToString(c.bytes);
+    EXPECT_EQ(c.why ? c.why : "", Utf16ToUtf8(status.why));
+  }
+}
+
+TEST(LoadText, NamesWhatCannotBeRead) {
+  std::u16string text = u"kept";
+  EXPECT_EQ(Failure::kNotFound, LoadText("/nonexistent/x.txt", &text).failure);
+  EXPECT_EQ(Failure::kIsFolder, LoadText("/", &text).failure);
+  EXPECT_EQ(u"kept", text);
+}
+
+TEST(WithCrLf, EveryLineEndBecomesCrLf) {
+  EXPECT_EQ(u"a\r\nb\r\nc\r\n\r\nd\r\n\r\ne", WithCrLf(u"a\nb\r\nc\r\rd\n\r\ne"));
+  EXPECT_EQ(u"\r\n", WithCrLf(u"\n"));
+  EXPECT_EQ(u"", WithCrLf(u""));
+}
+
+}  // namespace
+}  // namespace kerno
