@@ -1,0 +1,253 @@
+#include "platform/posix/font_catalog.h"
+
+#include <fontconfig/fontconfig.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <tuple>
+
+#include "platform/device_context.h"
+#include "platform/posix/unicode.h"
+
+namespace kerno {
+namespace {
+
+// One of each script that is set in full-width cells: kana, ideographs, Hangul, Bopomofo, and the
+// full-width form of a Latin letter.
+constexpr std::array<FcChar32, 6> kWideSamples = {0x3042, 0x30A2, 0x4E00, 0xAC00, 0x3105, 0xFF21};
+
+std::string KeyOf(std::u16string_view name, bool vertical) {
+  return FaceNameKey(name, vertical ? kMaxFaceName - 1 : kMaxFaceName);
+}
+
+std::unique_ptr<FontCatalog>& CurrentSlot() {
+  static std::unique_ptr<FontCatalog> catalog;
+  return catalog;
+}
+
+std::string StringAt(FcPattern* pattern, const char* object, int index) {
+  FcChar8* text = nullptr;
+  return FcPatternGetString(pattern, object, index, &text) == FcResultMatch
+             ? std::string(reinterpret_cast<const char*>(text))
+             : std::string();
+}
+
+int IntegerOf(FcPattern* pattern, const char* object, int otherwise) {
+  int value = 0;
+  return FcPatternGetInteger(pattern, object, 0, &value) == FcResultMatch ? value : otherwise;
+}
+
+bool IsTrue(FcPattern* pattern, const char* object) {
+  FcBool value = FcFalse;
+  return FcPatternGetBool(pattern, object, 0, &value) == FcResultMatch && value == FcTrue;
+}
+
+bool CoversWide(FcPattern* pattern) {
+  FcCharSet* covered = nullptr;
+  return FcPatternGetCharSet(pattern, FC_CHARSET, 0, &covered) == FcResultMatch &&
+         std::any_of(kWideSamples.begin(), kWideSamples.end(),
+                     [covered](FcChar32 ch) { return FcCharSetHasChar(covered, ch) == FcTrue; });
+}
+
+int32_t WeightOf(FcPattern* pattern) {
+  double weight = 0;
+  if (FcPatternGetDouble(pattern, FC_WEIGHT, 0, &weight) != FcResultMatch) {
+    return 400;
+  }
+  const double open_type = FcWeightToOpenTypeDouble(weight);
+  return open_type > 0 ? static_cast<int32_t>(std::lround(open_type)) : 400;
+}
+
+// The families of a face: each has a name in one language or more, and the names of one language
+// stand in the order of the families.
+std::vector<CatalogFace::Name> FamiliesOf(FcPattern* pattern) {
+  std::vector<CatalogFace::Name> names;
+  std::vector<std::string> languages;
+  for (int i = 0;; ++i) {
+    const std::string text = StringAt(pattern, FC_FAMILY, i);
+    if (text.empty()) {
+      break;
+    }
+    CatalogFace::Name name;
+    name.text = FromFontconfigText(text);
+    names.push_back(std::move(name));
+    languages.push_back(StringAt(pattern, FC_FAMILYLANG, i));
+  }
+  std::vector<size_t> english;
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (languages[i].starts_with("en")) {
+      english.push_back(i);
+    }
+  }
+  for (size_t i = 0; i < names.size(); ++i) {
+    const auto family = static_cast<size_t>(
+        std::count(languages.begin(), languages.begin() + static_cast<ptrdiff_t>(i), languages[i]));
+    const bool translated = !languages[i].starts_with("en") && !english.empty();
+    names[i].system =
+        (translated ? names[english[std::min(family, english.size() - 1)]].text : names[i].text)
+            .substr(0, kMaxFaceName);
+  }
+  return names;
+}
+
+CatalogFace FaceOf(FcPattern* pattern) {
+  CatalogFace face;
+  face.path = StringAt(pattern, FC_FILE, 0);
+  face.index = IntegerOf(pattern, FC_INDEX, 0);
+  face.families = FamiliesOf(pattern);
+  face.weight = WeightOf(pattern);
+  face.width = IntegerOf(pattern, FC_WIDTH, FC_WIDTH_NORMAL);
+  face.slanted = IntegerOf(pattern, FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;
+  const int spacing = IntegerOf(pattern, FC_SPACING, FC_PROPORTIONAL);
+  face.fixed_pitch = spacing == FC_DUAL || spacing == FC_MONO || spacing == FC_CHARCELL;
+  face.has_outlines = IsTrue(pattern, FC_OUTLINE);
+  face.covers_wide = face.has_outlines && CoversWide(pattern);
+  return face;
+}
+
+auto Rank(const CatalogFace& face, const FaceWish& wish) {
+  const int32_t distance = std::abs(face.weight - wish.weight);
+  // Of two as near, the one farther from the normal weight, on the side of the wish.
+  const bool wrong_side = (face.weight < wish.weight) != (wish.weight < 400);
+  return std::make_tuple(!face.has_outlines, face.slanted != wish.italic,
+                         std::abs(face.width - FC_WIDTH_NORMAL), distance, wrong_side,
+                         std::cref(face.path), face.index);
+}
+
+}  // namespace
+
+FontCatalog& FontCatalog::Current() {
+  auto& slot = CurrentSlot();
+  if (!slot) {
+    slot = std::make_unique<FontCatalog>();
+  }
+  return *slot;
+}
+
+void FontCatalog::Refresh() {
+  auto& slot = CurrentSlot();
+  if (slot && !slot->IsUpToDate()) {
+    slot.reset();
+  }
+}
+
+void FontCatalog::Forget() {
+  CurrentSlot().reset();
+}
+
+FontCatalog::FontCatalog() : config_(FcInitLoadConfigAndFonts()) {
+  if (config_ == nullptr) {
+    return;
+  }
+  for (const FcSetName set_name : {FcSetSystem, FcSetApplication}) {
+    const FcFontSet* set = FcConfigGetFonts(config_, set_name);
+    for (int i = 0; set != nullptr && i < set->nfont; ++i) {
+      // A variable face is listed once as such and once for each of its named instances.
+      if (!IsTrue(set->fonts[i], FC_VARIABLE)) {
+        faces_.push_back(FaceOf(set->fonts[i]));
+      }
+    }
+  }
+  for (size_t i = 0; i < faces_.size(); ++i) {
+    for (const CatalogFace::Name& name : faces_[i].families) {
+      by_name_.emplace(KeyOf(name.text, false), i);
+      if (faces_[i].covers_wide) {
+        by_vertical_name_.emplace(KeyOf(name.text, true), i);
+      }
+    }
+  }
+}
+
+FontCatalog::~FontCatalog() {
+  if (config_ != nullptr) {
+    FcConfigDestroy(config_);
+  }
+}
+
+bool FontCatalog::IsUpToDate() const {
+  return config_ == nullptr || FcConfigUptoDate(config_) == FcTrue;
+}
+
+std::vector<const CatalogFace*> FontCatalog::FindFamily(std::u16string_view name,
+                                                        const FaceWish& wish) const {
+  std::vector<const CatalogFace*> found;
+  const auto& names = wish.vertical ? by_vertical_name_ : by_name_;
+  const auto [begin, end] = names.equal_range(KeyOf(name, wish.vertical));
+  for (auto at = begin; at != end; ++at) {
+    found.push_back(&faces_[at->second]);
+  }
+  std::sort(found.begin(), found.end(), [&wish](const CatalogFace* a, const CatalogFace* b) {
+    return Rank(*a, wish) < Rank(*b, wish);
+  });
+  found.erase(std::unique(found.begin(), found.end()), found.end());
+  return found;
+}
+
+std::vector<const CatalogFace*> FontCatalog::Substitutes(std::u16string_view name,
+                                                         const FaceWish& wish) const {
+  std::vector<const CatalogFace*> found;
+  FcPattern* pattern = FcPatternCreate();
+  if (config_ == nullptr || pattern == nullptr) {
+    return found;
+  }
+  const std::string family = ToFontconfigText(name.substr(0, kMaxFaceName));
+  if (!family.empty()) {
+    FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(family.c_str()));
+  }
+  FcPatternAddDouble(pattern, FC_WEIGHT, FcWeightFromOpenTypeDouble(wish.weight));
+  FcPatternAddInteger(pattern, FC_SLANT, wish.italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+  FcConfigSubstitute(config_, pattern, FcMatchPattern);
+  FcDefaultSubstitute(pattern);
+  FcResult result = FcResultNoMatch;
+  FcFontSet* sorted = FcFontSort(config_, pattern, FcFalse, nullptr, &result);
+  for (int i = 0; sorted != nullptr && i < sorted->nfont; ++i) {
+    const std::string first = StringAt(sorted->fonts[i], FC_FAMILY, 0);
+    const auto members = FindFamily(FromFontconfigText(first), wish);
+    found.insert(found.end(), members.begin(), members.end());
+  }
+  if (sorted != nullptr) {
+    FcFontSetDestroy(sorted);
+  }
+  FcPatternDestroy(pattern);
+  std::stable_partition(found.begin(), found.end(),
+                        [](const CatalogFace* face) { return face->has_outlines; });
+  return found;
+}
+
+const SfntFacts& FontCatalog::FactsOf(const CatalogFace& face) const {
+  auto known = facts_.find(&face);
+  if (known == facts_.end()) {
+    const auto index = static_cast<uint32_t>(face.index) & 0xFFFF;
+    known = facts_.emplace(&face, ReadSfntFacts(face.path, index)).first;
+  }
+  return known->second;
+}
+
+std::vector<std::string> FontCatalog::Folders() const {
+  std::vector<std::string> folders;
+  FcStrList* list = config_ != nullptr ? FcConfigGetFontDirs(config_) : nullptr;
+  if (list == nullptr) {
+    return folders;
+  }
+  while (const FcChar8* folder = FcStrListNext(list)) {
+    folders.emplace_back(reinterpret_cast<const char*>(folder));
+  }
+  FcStrListDone(list);
+  return folders;
+}
+
+std::u16string SystemName(const CatalogFace& face, std::u16string_view name, bool vertical) {
+  const std::string key = KeyOf(name, vertical);
+  auto found = std::find_if(
+      face.families.begin(), face.families.end(),
+      [&](const CatalogFace::Name& family) { return KeyOf(family.text, vertical) == key; });
+  if (found == face.families.end()) {
+    found = face.families.begin();
+  }
+  const std::u16string mark = vertical ? u"@" : u"";
+  return (mark + (found != face.families.end() ? found->system : u"")).substr(0, kMaxFaceName);
+}
+
+}  // namespace kerno

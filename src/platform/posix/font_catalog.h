@@ -1,0 +1,93 @@
+// The installed faces as Fontconfig knows them, found by family name and weight.
+//
+// Fontconfig is started when the first face is asked for, and reads its configuration from where
+// the user's environment points (FONTCONFIG_FILE and its fellows).
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/posix/sfnt_file.h"
+
+struct _FcConfig;
+
+namespace kerno {
+
+// One face of one file.
+struct CatalogFace {
+  struct Name {
+    std::u16string text;    // as the file spells it
+    std::u16string system;  // the name of the same family that the system shows: the English one,
+                            // cut to kMaxFaceName units
+  };
+
+  std::string path;
+  int index = 0;               // face, and instance of a variable face in the upper 16 bits
+  std::vector<Name> families;  // every localized name of its families
+  int32_t weight = 400;        // 100 to 1000
+  int32_t width = 100;         // percent of the normal width
+  bool slanted = false;        // italic or oblique
+  bool fixed_pitch = false;    // every character as wide as the next, or half as wide (dual)
+  bool has_outlines = false;   // TrueType, CFF or Type 1
+  bool covers_wide = false;    // covers East Asian full-width characters
+};
+
+// How a face is wanted.
+struct FaceWish {
+  int32_t weight = 400;
+  bool italic = false;
+  bool vertical = false;  // the "@" form: only faces that cover full-width characters
+};
+
+class FontCatalog {
+ public:
+  // The catalogue of the process, read at the first call.
+  static FontCatalog& Current();
+
+  // Makes the next call of Current read the configuration anew when it, or a folder, has changed
+  // since. Faces found before lose their place.
+  static void Refresh();
+  // The same, whether something has changed or not.
+  static void Forget();
+
+  FontCatalog();
+  ~FontCatalog();
+  FontCatalog(const FontCatalog&) = delete;
+  FontCatalog& operator=(const FontCatalog&) = delete;
+
+  const std::vector<CatalogFace>& faces() const { return faces_; }
+
+  // Members of the family with this name (without "@", which counts among the units that are
+  // compared), the best for the wish first: outlines,
+  // then slant, width nearest to normal, weight nearest to the wanted one.
+  std::vector<const CatalogFace*> FindFamily(std::u16string_view name, const FaceWish& wish) const;
+
+  // What the font mapper takes for a name that is not installed, best first.
+  std::vector<const CatalogFace*> Substitutes(std::u16string_view name, const FaceWish& wish) const;
+
+  // Whether the face's file is whole. Looks at the file at the first call.
+  const SfntFacts& FactsOf(const CatalogFace& face) const;
+
+  // Folders that are searched for font files, sub-folders included.
+  std::vector<std::string> Folders() const;
+
+  bool IsUpToDate() const;
+
+ private:
+  std::vector<CatalogFace> faces_;
+  std::multimap<std::string, size_t> by_name_;
+  std::multimap<std::string, size_t> by_vertical_name_;  // "@" leaves a unit less to compare
+  mutable std::map<const CatalogFace*, SfntFacts> facts_;
+  _FcConfig* config_ = nullptr;
+};
+
+// The name by which the system shows the family that `face` was found by when `name` was asked for,
+// with "@" in front for the vertical form. The first family when none matches.
+std::u16string SystemName(const CatalogFace& face, std::u16string_view name, bool vertical);
+
+}  // namespace kerno

@@ -1,0 +1,171 @@
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <map>
+#include <set>
+
+#include "platform/device_context.h"
+#include "platform/font_faces.h"
+#include "platform/posix/font_catalog.h"
+#include "platform/posix/free_type.h"
+#include "platform/posix/unicode.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint8_t kFixedPitch = 1;       // FIXED_PITCH
+constexpr uint8_t kVariablePitch = 2;    // VARIABLE_PITCH
+constexpr uint8_t kFamilyRoman = 0x10;   // FF_ROMAN
+constexpr uint8_t kFamilySwiss = 0x20;   // FF_SWISS
+constexpr uint8_t kFamilyModern = 0x30;  // FF_MODERN
+constexpr uint8_t kFamilyScript = 0x40;  // FF_SCRIPT
+constexpr uint8_t kFamilyDecorative = 0x50;
+
+// The character set of a face by the bits of its code page range, in this order of preference: the
+// system's own code page is 932.
+struct CodePageBit {
+  int bit;
+  uint8_t char_set;
+};
+constexpr std::array<CodePageBit, 6> kCharSets = {
+    {{17, 128}, {18, 134}, {19, 129}, {20, 136}, {21, 130}, {31, 2}}};
+constexpr uint8_t kAnsiCharSet = 0;
+constexpr uint8_t kShiftJisCharSet = 128;
+
+uint8_t CharSetOf(const CatalogFace& face, const SfntFacts& facts) {
+  for (const CodePageBit& known : kCharSets) {
+    if ((facts.code_page_range1 >> known.bit & 1) != 0) {
+      return known.char_set;
+    }
+  }
+  return !facts.has_os2 && face.covers_wide ? kShiftJisCharSet : kAnsiCharSet;
+}
+
+// The family bits from the PANOSE classification.
+uint8_t FamilyOf(const CatalogFace& face, const SfntFacts& facts) {
+  if (face.fixed_pitch) {
+    return kFamilyModern;
+  }
+  switch (facts.panose_family) {
+    case 2:
+      if (facts.panose_serif < 2) {
+        return 0;
+      }
+      return facts.panose_serif < 11 ? kFamilyRoman : kFamilySwiss;
+    case 3:
+      return kFamilyScript;
+    case 4:
+      return kFamilyDecorative;
+    default:
+      return 0;
+  }
+}
+
+InstalledFace Describe(const std::u16string& name, const CatalogFace& face,
+                       const SfntFacts& facts) {
+  InstalledFace described;
+  described.name = name;
+  const uint8_t pitch = face.fixed_pitch ? kFixedPitch : kVariablePitch;
+  described.pitch_and_family = static_cast<uint8_t>(pitch | FamilyOf(face, facts));
+  described.char_set = CharSetOf(face, facts);
+  described.font_type = face.has_outlines ? kTrueTypeFontType : kRasterFontType;
+  return described;
+}
+
+// Families under the names that the system shows; each with the member that stands for it.
+std::map<std::string, std::u16string> ShownFamilies(const FontCatalog& catalog) {
+  std::map<std::string, std::u16string> families;
+  for (const CatalogFace& face : catalog.faces()) {
+    for (const CatalogFace::Name& name : face.families) {
+      families.emplace(FaceNameKey(name.system, kMaxFaceName), name.system);
+    }
+  }
+  return families;
+}
+
+const CatalogFace* FirstWhole(const FontCatalog& catalog,
+                              const std::vector<const CatalogFace*>& members) {
+  const auto whole =
+      std::find_if(members.begin(), members.end(),
+                   [&catalog](const CatalogFace* face) { return catalog.FactsOf(*face).whole; });
+  return whole != members.end() ? *whole : nullptr;
+}
+
+bool LooksLikeFontFile(const fs::path& path) {
+  static const std::set<std::string> kExtensions = {".ttf", ".ttc", ".otf", ".otc",  ".pfa",
+                                                    ".pfb", ".pcf", ".bdf", ".woff", ".woff2"};
+  std::string extension = path.extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(), [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  });
+  return kExtensions.contains(extension);
+}
+
+// Font files that nothing can be had of: Fontconfig passes them over, or they end too early.
+std::vector<std::u16string> DamagedFiles(const FontCatalog& catalog) {
+  std::set<std::string> damaged;
+  std::set<std::string> listed;
+  for (const CatalogFace& face : catalog.faces()) {
+    listed.insert(face.path);
+    if (!catalog.FactsOf(face).whole) {
+      damaged.insert(face.path);
+    }
+  }
+  for (const std::string& folder : catalog.Folders()) {
+    std::error_code error;
+    for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
+      const std::string path = at->path().string();
+      std::error_code no_file;
+      if (LooksLikeFontFile(at->path()) && !listed.contains(path) && at->is_regular_file(no_file) &&
+          !OpenFace(path, 0)) {
+        damaged.insert(path);
+      }
+    }
+  }
+  std::vector<std::u16string> names;
+  names.reserve(damaged.size());
+  for (const std::string& path : damaged) {
+    names.push_back(FromFontconfigText(path));
+  }
+  return names;
+}
+
+}  // namespace
+
+std::vector<InstalledFace> EnumerateFaces(std::vector<std::u16string>* skipped) {
+  FontCatalog::Refresh();
+  const FontCatalog& catalog = FontCatalog::Current();
+  std::vector<InstalledFace> faces;
+  for (const auto& [key, name] : ShownFamilies(catalog)) {
+    const auto* face = FirstWhole(catalog, catalog.FindFamily(name, FaceWish{}));
+    if (face == nullptr) {
+      continue;
+    }
+    faces.push_back(Describe(name, *face, catalog.FactsOf(*face)));
+    FaceWish vertical;
+    vertical.vertical = true;
+    if (const auto* wide = FirstWhole(catalog, catalog.FindFamily(name, vertical))) {
+      faces.push_back(
+          Describe((u"@" + name).substr(0, kMaxFaceName), *wide, catalog.FactsOf(*wide)));
+    }
+  }
+  if (skipped != nullptr) {
+    *skipped = DamagedFiles(catalog);
+  }
+  return faces;
+}
+
+bool IsFaceInstalled(std::u16string_view name) {
+  name = name.substr(0, kMaxFaceName);
+  FaceWish wish;
+  wish.vertical = name.starts_with(u'@');
+  if (wish.vertical) {
+    name.remove_prefix(1);
+  }
+  const FontCatalog& catalog = FontCatalog::Current();
+  return FirstWhole(catalog, catalog.FindFamily(name, wish)) != nullptr;
+}
+
+}  // namespace kerno

@@ -1,0 +1,45 @@
+#include "platform/posix/free_type.h"
+
+#include <cstdlib>
+
+#include FT_MODULE_H
+
+namespace kerno {
+namespace {
+
+void* Allocate(FT_Memory /*memory*/, long size) {
+  return size > 0 ? std::malloc(static_cast<size_t>(size)) : nullptr;
+}
+
+void Release(FT_Memory /*memory*/, void* block) {
+  std::free(block);
+}
+
+void* Reallocate(FT_Memory /*memory*/, long /*old_size*/, long new_size, void* block) {
+  return new_size > 0 ? std::realloc(block, static_cast<size_t>(new_size)) : nullptr;
+}
+
+std::shared_ptr<FT_LibraryRec_> CreateLibrary() {
+  static FT_MemoryRec_ memory = {nullptr, Allocate, Release, Reallocate};
+  FT_Library library = nullptr;
+  if (FT_New_Library(&memory, &library) != 0) {
+    return nullptr;
+  }
+  FT_Add_Default_Modules(library);
+  FT_UInt interpreter = 40;
+  FT_Property_Set(library, "truetype", "interpreter-version", &interpreter);
+  return {library, [](FT_Library done) { FT_Done_Library(done); }};
+}
+
+}  // namespace
+
+FacePtr OpenFace(const std::string& path, long index) {
+  static const std::shared_ptr<FT_LibraryRec_> library = CreateLibrary();
+  FT_Face face = nullptr;
+  if (!library || FT_New_Face(library.get(), path.c_str(), index, &face) != 0) {
+    return FacePtr(nullptr, FaceCloser{library});
+  }
+  return FacePtr(face, FaceCloser{library});
+}
+
+}  // namespace kerno

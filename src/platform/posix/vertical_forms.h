@@ -1,0 +1,51 @@
+// Which glyph stands for a character in vertical writing, and whether it is turned.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "platform/posix/free_type.h"
+
+struct hb_face_t;
+
+namespace kerno {
+
+// The Unicode property Vertical_Orientation (UAX #50).
+enum class VerticalOrientation : uint8_t {
+  kRotated,             // R: lies on its side
+  kUpright,             // U: stands as in horizontal text
+  kTransformedUpright,  // Tu: has a form of its own, else stands
+  kTransformedRotated,  // Tr: has a form of its own, else lies on its side
+};
+
+VerticalOrientation VerticalOrientationOf(char32_t ch);
+
+struct VerticalForm {
+  FT_UInt glyph = 0;
+  bool turned = false;  // by 90 degrees counter-clockwise about the centre of its cell
+};
+
+// The font's vertical alternates, from the features vert and vrt2 of its GSUB table.
+//
+// An "@" face is a horizontal one whose upright characters lie on their backs: a line of it that is
+// turned clockwise, or a column of glyphs each turned so, reads from top to bottom. Characters that
+// lie on their side in vertical writing therefore stay as they are here, with their common glyph.
+class VerticalForms {
+ public:
+  VerticalForm Find(FT_Face face, char32_t ch, FT_UInt glyph);
+
+ private:
+  struct HarfBuzzDeleter {
+    void operator()(hb_face_t* face) const noexcept;
+  };
+
+  void Load(FT_Face face);
+  FT_UInt Alternate(FT_UInt glyph) const;
+
+  bool loaded_ = false;
+  std::unique_ptr<hb_face_t, HarfBuzzDeleter> face_;
+  std::vector<unsigned> lookups_;  // of vert, then of vrt2
+};
+
+}  // namespace kerno

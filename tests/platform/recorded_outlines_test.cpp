@@ -1,0 +1,118 @@
+// Every value that was recorded of the desktop's graphics interface, met exactly.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "platform/device_context.h"
+#include "support/native_records.h"
+
+namespace kerno {
+namespace {
+
+using nlohmann::json;
+using testing::ReadNativeRecords;
+
+std::u16string Ascii(const std::string& text) {
+  return {text.begin(), text.end()};
+}
+
+json MetricsOf(DeviceContext& context) {
+  TextMetrics m;
+  EXPECT_TRUE(context.GetTextMetrics(&m));
+  return {{"tmHeight", m.tmHeight},
+          {"tmAscent", m.tmAscent},
+          {"tmDescent", m.tmDescent},
+          {"tmInternalLeading", m.tmInternalLeading},
+          {"tmExternalLeading", m.tmExternalLeading},
+          {"tmAveCharWidth", m.tmAveCharWidth},
+          {"tmMaxCharWidth", m.tmMaxCharWidth},
+          {"tmWeight", m.tmWeight}};
+}
+
+// A number of 16.16 as 26.6; one that is none stays a fraction and so differs.
+json Rounded(int32_t fixed) {
+  return fixed % 1024 == 0 ? json(fixed / 1024) : json(fixed / 1024.0);
+}
+
+json PointJson(const testing::FixedPoint& point) {
+  return json::array({Rounded(point.first), Rounded(point.second)});
+}
+
+json ContoursJson(const std::vector<std::byte>& buffer) {
+  json contours = json::array();
+  for (const auto& contour : ReadNativeRecords(buffer)) {
+    json records = json::array();
+    for (const auto& record : contour.records) {
+      json points = json::array();
+      for (const auto& point : record.points) {
+        points.push_back(PointJson(point));
+      }
+      records.push_back({{"type", record.type}, {"points", points}});
+    }
+    contours.push_back({{"start", PointJson(contour.start)}, {"records", records}});
+  }
+  return contours;
+}
+
+json GlyphOf(DeviceContext& context, char32_t ch) {
+  GlyphMetrics m;
+  const uint32_t size = context.GetGlyphOutline(ch, kGgoNative, &m, 0, nullptr, Mat2{});
+  if (size == kGdiError) {
+    return "GDI_ERROR";
+  }
+  std::vector<std::byte> buffer(size);
+  GlyphMetrics again;
+  EXPECT_EQ(context.GetGlyphOutline(ch, kGgoNative, &again, size, buffer.data(), Mat2{}), size);
+  Extent extent;
+  const char16_t unit = static_cast<char16_t>(ch);
+  EXPECT_TRUE(context.GetTextExtent({&unit, 1}, &extent));
+  return {{"ch", static_cast<uint32_t>(ch)},
+          {"size", size},
+          {"gmBlackBoxX", m.gmBlackBoxX},
+          {"gmBlackBoxY", m.gmBlackBoxY},
+          {"gmptGlyphOrigin", {m.gmptGlyphOriginX, m.gmptGlyphOriginY}},
+          {"gmCellIncX", m.gmCellIncX},
+          {"gmCellIncY", m.gmCellIncY},
+          {"extent", {extent.cx, extent.cy}},
+          {"contours", ContoursJson(buffer)}};
+}
+
+TEST(RecordedOutlines, EveryValueIsMet) {
+  std::ifstream lines(KERNO_TEST_DATA "/gdi-outlines.jsonl");
+  const auto context = CreateMeasuringContext();
+  int fonts = 0;
+  int wrong = 0;
+  for (std::string line; std::getline(lines, line); ++fonts) {
+    json recorded = json::parse(line);
+    LogFont wanted;
+    wanted.face_name = Ascii(recorded["face"]);
+    wanted.height = recorded["height"];
+    wanted.width = recorded["width"];
+    wanted.weight = recorded["weight"];
+    const auto font = context->CreateFontIndirect(wanted);
+    ASSERT_NE(font, nullptr);
+    EXPECT_EQ(font->FaceName(), wanted.face_name);
+    context->SelectFont(font.get());
+    const std::string what =
+        recorded["face"].get<std::string>() + " height " + std::to_string(wanted.height) +
+        " width " + std::to_string(wanted.width) + " weight " + std::to_string(wanted.weight);
+    const json metrics = MetricsOf(*context);
+    for (const auto& [name, value] : metrics.items()) {
+      EXPECT_EQ(value, recorded[name]) << what << ": " << name;
+    }
+    for (const json& glyph : recorded["glyphs"]) {
+      const json got = GlyphOf(*context, glyph["ch"].get<char32_t>());
+      if (got != glyph && ++wrong <= 10) {
+        ADD_FAILURE() << what << ", character " << glyph["ch"] << ": " << json::diff(glyph, got);
+      }
+    }
+    context->SelectFont(nullptr);
+  }
+  EXPECT_EQ(fonts, 60);
+  EXPECT_EQ(wrong, 0);
+}
+
+}  // namespace
+}  // namespace kerno
