@@ -28,8 +28,10 @@ FaceChoice ChooseFace(std::u16string_view name, WritingDirection direction) {
   if (vertical && !name.starts_with(u'@')) choice.face.insert(0, 1, u'@');
   choice.installed = IsFaceInstalled(choice.face);
   if (!choice.installed) {
+    const bool has_plain_form = vertical && IsFaceInstalled(choice.face.substr(1));
     choice.what = u"face";
-    choice.why = u"\"" + choice.face + u"\" is not installed";
+    choice.why = has_plain_form ? u"\"" + choice.face.substr(1) + u"\" has no \"@\" form"
+                                : u"\"" + choice.face + u"\" is not installed";
   }
   return choice;
 }

@@ -1,0 +1,118 @@
+#include "cli/console.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "base/text.h"
+
+namespace kerno {
+namespace {
+
+bool warnings_silenced = false;
+bool print_failed = false;
+
+void WriteLine(std::string_view line) {
+  std::fwrite(line.data(), 1, line.size(), stderr);
+  if (!line.ends_with('\n')) std::fputc('\n', stderr);
+}
+
+void Report(std::string_view kind, std::string_view what, std::string_view why) {
+  std::string line = "kerno: ";
+  line.append(kind).append(what);
+  if (!what.empty() && !why.empty()) line += ": ";
+  line += why;
+  WriteLine(line);
+}
+
+bool PrintingFailed() {
+  if (!print_failed) ReportError("standard output", std::strerror(errno));
+  print_failed = true;
+  return false;
+}
+
+}  // namespace
+
+void ReportError(std::string_view what, std::string_view why) {
+  Report("", what, why);
+}
+
+void ReportError(const Status& status) {
+  ReportError(Utf16ToUtf8(status.what), Utf16ToUtf8(status.why));
+}
+
+void ReportWarning(std::string_view what, std::string_view why) {
+  if (!warnings_silenced) Report("warning: ", what, why);
+}
+
+void SilenceWarnings() {
+  warnings_silenced = true;
+}
+
+bool Print(std::string_view text) {
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) return PrintingFailed();
+  return true;
+}
+
+bool FinishPrinting() {
+  if (std::fflush(stdout) != 0) return PrintingFailed();
+  return !print_failed;
+}
+
+void AppendJsonString(std::string* out, std::u16string_view text) {
+  out->push_back('"');
+  for (const char c : Utf16ToUtf8(text)) {
+    if (c == '"' || c == '\\') {
+      out->push_back('\\');
+      out->push_back(c);
+    } else if (static_cast<unsigned char>(c) < 0x20) {
+      char escape[8];
+      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(c));
+      out->append(escape);
+    } else {
+      out->push_back(c);
+    }
+  }
+  out->push_back('"');
+}
+
+ConsoleNotices::ConsoleNotices()
+    : before_(ReplaceNotices(this)), terminal_(isatty(STDERR_FILENO)) {}
+
+ConsoleNotices::~ConsoleNotices() {
+  EndBar();
+  ReplaceNotices(before_);
+}
+
+void ConsoleNotices::Message(std::u16string_view text) {
+  EndBar();
+  if (!warnings_silenced) Report("", "", Utf16ToUtf8(text));
+}
+
+void ConsoleNotices::ShowWait(std::u16string_view text) {
+  EndBar();
+  WriteLine(Utf16ToUtf8(text));
+}
+
+Continue ConsoleNotices::Progress(std::u16string_view text, int64_t done, int64_t total) {
+  if (!terminal_ || warnings_silenced || total <= 0) return Continue::kYes;
+  constexpr int kBarLength = 40;
+  const int percent = static_cast<int>(done * 100 / total);
+  if (percent == shown_percent_) return Continue::kYes;
+  shown_percent_ = percent;
+  const auto filled = static_cast<size_t>(percent * kBarLength / 100);
+  std::string bar = "\r" + Utf16ToUtf8(text) + " [" + std::string(filled, '#') +
+                    std::string(kBarLength - filled, ' ') + "] " + std::to_string(percent) + "%";
+  std::fwrite(bar.data(), 1, bar.size(), stderr);
+  if (done >= total) EndBar();
+  return Continue::kYes;
+}
+
+void ConsoleNotices::EndBar() {
+  if (shown_percent_ >= 0) std::fputc('\n', stderr);
+  shown_percent_ = -1;
+}
+
+}  // namespace kerno

@@ -1,0 +1,86 @@
+// The command line: finds the command, reads its options, runs it.
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/console.h"
+#include "cli/contours_command.h"
+#include "cli/faces_command.h"
+#include "cli/measure_command.h"
+
+namespace kerno {
+namespace {
+
+std::vector<std::unique_ptr<Command>> AllCommands() {
+  std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(std::make_unique<ContoursCommand>());
+  commands.push_back(std::make_unique<MeasureCommand>());
+  commands.push_back(std::make_unique<FacesCommand>());
+  return commands;
+}
+
+ExitStatus PrintText(const std::string& text) {
+  return Print(text) && FinishPrinting() ? kDone : kFailed;
+}
+
+// kerno help [COMMAND]
+ExitStatus PrintHelp(const CLI::App& app, const std::string& command) {
+  if (command.empty()) return PrintText(app.help());
+  try {
+    return PrintText(app.get_subcommand(command)->help(app.get_name()));
+  } catch (const CLI::OptionNotFound&) {
+    ReportError(command, "is no command of kerno");
+    return kWrongUsage;
+  }
+}
+
+ExitStatus Main(int argc, char** argv) {
+  CLI::App app("Turns text into outline geometry for machines that cut.", "kerno");
+  app.require_subcommand(0, 1);
+  app.set_version_flag("--version", "kerno " KERNO_VERSION);
+  app.set_help_flag("--help", "print this help and exit");
+  const auto commands = AllCommands();
+  std::vector<CLI::App*> entries;
+  for (const auto& command : commands) {
+    entries.push_back(app.add_subcommand(command->Name(), command->Description()));
+    command->AddOptions(*entries.back());
+  }
+  std::string topic;
+  CLI::App* help = app.add_subcommand("help", "explain a command");
+  help->add_option("COMMAND", topic, "the command to explain");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    const auto chosen = app.get_subcommands();
+    return PrintText(chosen.empty() ? app.help() : chosen[0]->help(app.get_name()));
+  } catch (const CLI::CallForVersion& version) {
+    return PrintText(std::string(version.what()) + "\n");
+  } catch (const CLI::ParseError& error) {
+    ReportError("usage", error.what());
+    return kWrongUsage;
+  }
+  if (help->parsed()) return PrintHelp(app, topic);
+  const ConsoleNotices notices;
+  for (size_t i = 0; i < commands.size(); ++i) {
+    if (entries[i]->parsed()) return commands[i]->Run();
+  }
+  ReportError("usage", "no command given (kerno help lists them)");
+  return kWrongUsage;
+}
+
+}  // namespace
+}  // namespace kerno
+
+int main(int argc, char** argv) {
+  try {
+    return kerno::Main(argc, argv);
+  } catch (const std::bad_alloc&) {
+    kerno::ReportError("memory", "there is not enough for this text");
+    return kerno::kFailed;
+  } catch (const std::exception& error) {
+    kerno::ReportError("kerno", error.what());
+    return kerno::kFailed;
+  }
+}

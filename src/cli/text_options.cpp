@@ -1,0 +1,227 @@
+#include "cli/text_options.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "app/face_choice.h"
+#include "app/text_source.h"
+#include "base/text.h"
+#include "cli/arguments.h"
+#include "cli/console.h"
+
+namespace kerno {
+namespace {
+
+constexpr int32_t kLowestHeight = -32768;
+constexpr int32_t kHighestHeight = 32767;
+constexpr size_t kMostListed = 40;  // characters without a glyph in one warning
+
+bool ReadStandardInput(std::string* bytes) {
+  char chunk[65536];
+  size_t count = 0;
+  while ((count = std::fread(chunk, 1, sizeof chunk, stdin)) > 0) bytes->append(chunk, count);
+  return std::ferror(stdin) == 0;
+}
+
+std::string CharacterName(char32_t ch) {
+  std::u16string text;
+  AppendCharacter(&text, ch);
+  char code[16];
+  std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(ch));
+  const bool shown = ch >= 0x20 && ch != 0x7F && !(ch >= 0xD800 && ch < 0xE000);
+  return shown ? Utf16ToUtf8(text) + " (" + code + ")" : code;
+}
+
+std::string CharacterNames(const std::vector<char32_t>& characters) {
+  std::string names;
+  for (size_t i = 0; i < characters.size() && i < kMostListed; ++i) {
+    if (i > 0) names += ", ";
+    names += CharacterName(characters[i]);
+  }
+  if (characters.size() > kMostListed) {
+    names += " and " + std::to_string(characters.size() - kMostListed) + " more";
+  }
+  return names;
+}
+
+}  // namespace
+
+void TextOptions::AddTo(CLI::App& app) {
+  app_ = &app;
+  app.add_option("TEXT", positional_, "the text to set")->expected(0, 1);
+  app.add_option("--text", text_, "the text to set")->expected(1)->type_name("TEXT");
+  app.add_option("--text-file", text_file_,
+                 "read the text from FILE (\"-\": standard input), UTF-8 or UTF-16 with a mark")
+      ->type_name("FILE");
+  app.add_option("--line-ends", line_ends_,
+                 "crlf: every line end starts a new line; keep: as they stand (a lone LF does not "
+                 "return to the margin)")
+      ->type_name("crlf|keep")
+      ->capture_default_str();
+  app.add_option("--face", face_, "face name (kerno faces lists them)")->type_name("NAME");
+  app.add_option("--height", height_, "above 0 cell height, below 0 em height, 0 the default")
+      ->type_name("N")
+      ->capture_default_str();
+  app.add_option("--width", width_, "average character width, 0 the face's own")
+      ->type_name("N")
+      ->capture_default_str();
+  app.add_option("--weight", weight_, "400 normal, 700 bold")
+      ->type_name("N")
+      ->capture_default_str();
+  app.add_flag("--vertical", vertical_, "the \"@\" form of the face, for vertical writing");
+  app.add_option("--pitch", pitch_,
+                 "vertical advance: the mean of advance and ink height, or the full cell")
+      ->type_name("classic|cell")
+      ->capture_default_str();
+  app.add_option("--slant", slant_, "lean the block by DEG degrees")
+      ->type_name("DEG")
+      ->capture_default_str();
+  app.add_option("--angle", angle_, "turn the block by DEG degrees, counter-clockwise")
+      ->type_name("DEG")
+      ->capture_default_str();
+  app.add_option("--at", at_, "where the block's centre lands")
+      ->type_name("X,Y")
+      ->capture_default_str();
+  app.add_option("--scale", scale_, "multiply the finished geometry by F")
+      ->type_name("F")
+      ->capture_default_str();
+  app.add_flag("--substitute", substitute_, "take what the system offers for a missing face");
+  app.add_flag("--strict", strict_, "a character without a glyph is an error");
+  app.add_flag("--quiet", quiet_, "no warnings and no summary");
+}
+
+std::optional<TextRequest> TextOptions::Resolve(ExitStatus* status) {
+  *status = kWrongUsage;
+  if (quiet_) SilenceWarnings();
+  TextRequest request;
+  if (!ReadNumbers(&request)) return std::nullopt;
+  if (line_ends_ != "crlf" && line_ends_ != "keep") {
+    ReportChoice("--line-ends", line_ends_, "crlf, keep");
+    return std::nullopt;
+  }
+  const auto text = ReadText(status);
+  if (!text) return std::nullopt;
+  request.text = line_ends_ == "crlf" ? WithCrLf(*text) : *text;
+  *status = kWrongUsage;
+  const auto face = TextArgument("--face", face_);
+  if (!face) return std::nullopt;
+  request.face = *face;
+  if (!ChooseFace(&request)) {
+    *status = kFaceTrouble;
+    return std::nullopt;
+  }
+  *status = kDone;
+  return request;
+}
+
+bool TextOptions::ReadNumbers(TextRequest* request) {
+  const auto height = WholeNumber("--height", height_, kLowestHeight, kHighestHeight);
+  const auto width = height ? WholeNumber("--width", width_, 0, kHighestHeight) : std::nullopt;
+  const auto weight = width ? WholeNumber("--weight", weight_, 0, 1000) : std::nullopt;
+  const auto slant = weight ? Number("--slant", slant_) : std::nullopt;
+  const auto angle = slant ? Number("--angle", angle_) : std::nullopt;
+  const auto at = angle ? Point("--at", at_) : std::nullopt;
+  const auto scale = at ? Number("--scale", scale_) : std::nullopt;
+  if (!scale) return false;
+  if (*scale == 0) {
+    ReportError("--scale", "0 leaves no geometry");
+    return false;
+  }
+  if (pitch_ != "classic" && pitch_ != "cell") {
+    ReportChoice("--pitch", pitch_, "classic, cell");
+    return false;
+  }
+  request->height = *height;
+  request->width = *width;
+  request->weight = *weight;
+  request->layout.pitch = pitch_ == "cell" ? VerticalPitch::kCell : VerticalPitch::kClassic;
+  request->placement.slant = *slant;
+  request->placement.angle = *angle;
+  at_point_ = *at;
+  scale_number_ = *scale;
+  return true;
+}
+
+std::optional<std::u16string> TextOptions::ReadText(ExitStatus* status) const {
+  const bool from_file = app_->count("--text-file") > 0;
+  const size_t sources = positional_.size() + text_.size() + (from_file ? 1 : 0);
+  if (sources != 1) {
+    ReportError("text", sources == 0 ? "none is given (TEXT, --text or --text-file)"
+                                     : "is given more than once");
+    return std::nullopt;
+  }
+  std::u16string text;
+  if (from_file) {
+    *status = kFailed;
+    Status read;
+    if (text_file_ == "-") {
+      std::string bytes;
+      read = ReadStandardInput(&bytes)
+                 ? DecodeText(bytes, u"standard input", &text)
+                 : Status::Error(Failure::kOther, u"standard input", u"cannot be read");
+    } else {
+      read = LoadText(TextPath(Utf8ToUtf16Lossy(text_file_)), &text);
+    }
+    if (!read.ok()) {
+      ReportError(read);
+      return std::nullopt;
+    }
+  } else {
+    const auto argument = TextArgument("text", positional_.empty() ? text_[0] : positional_[0]);
+    if (!argument) return std::nullopt;
+    text = *argument;
+  }
+  if (text.empty() || text[0] == 0) {
+    *status = kWrongUsage;
+    ReportError(from_file ? text_file_ : "text", "holds no text");
+    return std::nullopt;
+  }
+  return text;
+}
+
+bool TextOptions::ChooseFace(TextRequest* request) const {
+  const FaceChoice choice = kerno::ChooseFace(
+      request->face, vertical_ ? WritingDirection::kVertical : WritingDirection::kHorizontal);
+  request->face = choice.face;
+  if (choice.installed) return true;
+  if (substitute_) return true;
+  ReportError(Utf16ToUtf8(choice.what), Utf16ToUtf8(choice.why));
+  return false;
+}
+
+std::optional<SetText> TextOptions::SetAndReport(const TextRequest& request, Placing placing,
+                                                 ExitStatus* status) const {
+  Typesetter typesetter;
+  auto set = placing == Placing::kPlaced ? typesetter.Set(request) : typesetter.Lay(request);
+  if (!set) {
+    ReportError("faces", "the system has none installed");
+    *status = kFaceTrouble;
+    return std::nullopt;
+  }
+  const std::string face = Utf16ToUtf8(set->face);
+  if (substitute_ && !IsNameOf(request.face, set->face)) {
+    ReportWarning(Utf16ToUtf8(request.face), "is not installed, " + face + " takes its place");
+  }
+  if (!set->missing.empty()) {
+    const std::string what = "no glyph in " + face;
+    if (strict_) {
+      ReportError(what, CharacterNames(set->missing));
+      *status = kFaceTrouble;
+      return std::nullopt;
+    }
+    ReportWarning(what, CharacterNames(set->missing));
+  }
+  if (set->ended_by_nul) {
+    ReportWarning("text", "ends at a NUL after " + std::to_string(set->characters) + " characters");
+  }
+  if (set->overlapping > 0) {
+    ReportWarning("vertical text", std::to_string(set->overlapping) +
+                                       " characters touch the one before (--pitch cell sets them "
+                                       "apart)");
+  }
+  if (set->contours.counts.empty()) ReportWarning("text", "has no outlines");
+  *status = kDone;
+  return set;
+}
+
+}  // namespace kerno

@@ -1,0 +1,60 @@
+// The options that every command shares which sets text.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/typesetter.h"
+#include "cli/command.h"
+
+namespace kerno {
+
+class TextOptions {
+ public:
+  void AddTo(CLI::App& app);
+
+  // Checks the values, reads the text and settles the face. What is wrong is reported, and *status
+  // says how the process ends.
+  std::optional<TextRequest> Resolve(ExitStatus* status);
+
+  // Sets text and reports what the user should know of it: missing glyphs, a substitute, contact in
+  // vertical text. Placed as the request says, or left as laid out.
+  enum class Placing { kPlaced, kUnplaced };
+  std::optional<SetText> SetAndReport(const TextRequest& request, Placing placing,
+                                      ExitStatus* status) const;
+
+  bool quiet() const { return quiet_; }
+  double scale() const { return scale_number_; }
+  const P2& at() const { return at_point_; }
+
+ private:
+  std::optional<std::u16string> ReadText(ExitStatus* status) const;
+  bool ReadNumbers(TextRequest* request);
+  bool ChooseFace(TextRequest* request) const;
+
+  std::vector<std::string> positional_;
+  std::vector<std::string> text_;
+  std::string text_file_;
+  bool has_text_file_ = false;
+  std::string line_ends_ = "crlf";
+  std::string face_;
+  std::string height_ = "100";
+  std::string width_ = "0";
+  std::string weight_ = "400";
+  std::string pitch_ = "classic";
+  std::string slant_ = "0";
+  std::string angle_ = "0";
+  std::string at_ = "0,0";
+  std::string scale_ = "1";
+  bool vertical_ = false;
+  bool substitute_ = false;
+  bool strict_ = false;
+  bool quiet_ = false;
+  double scale_number_ = 1;
+  P2 at_point_;
+  CLI::App* app_ = nullptr;
+};
+
+}  // namespace kerno
