@@ -2,7 +2,7 @@
 # Installs the Debian packages that building, running and testing need. Does nothing when all are there.
 set -e
 packages="g++ cmake ninja-build ccache pkg-config
- libfreetype-dev libfontconfig-dev libharfbuzz-dev libcli11-dev
+ libfreetype-dev libfontconfig-dev libharfbuzz-dev libcli11-dev libagg-dev
  fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  python3 python3-ezdxf"
