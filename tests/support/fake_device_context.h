@@ -63,7 +63,9 @@ class FakeFont final : public Font {
   std::u16string name_;
 };
 
-class FakeDeviceContext : public DeviceContext {
+// Over a DeviceContext, or over an interface derived from it.
+template <class Interface>
+class FakeContext : public Interface {
  public:
   std::unique_ptr<Font> CreateFontIndirect(const LogFont& wanted) override {
     created.push_back(wanted);
@@ -117,5 +119,7 @@ class FakeDeviceContext : public DeviceContext {
  private:
   Font* selected_ = nullptr;
 };
+
+class FakeDeviceContext : public FakeContext<DeviceContext> {};
 
 }  // namespace kerno
