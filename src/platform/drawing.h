@@ -61,6 +61,12 @@ struct BrushData {
   bool operator==(const BrushData&) const = default;
 };
 
+// How polygons of one call that lie over each other are filled (SetPolyFillMode).
+enum class FillMode : int32_t {
+  kAlternate = 1,  // ALTERNATE: every second one is a hole
+  kWinding = 2,    // WINDING: holes are only where opposite turns cancel
+};
+
 class Pen {
  public:
   virtual ~Pen() = default;
@@ -75,8 +81,9 @@ class Brush {
 
 // A context that draws. One pen and one brush are selected at a time; until the first selection
 // they are the stock ones: a black hairline and a white solid brush. Outlines are drawn by the pen
-// over what the brush filled; polygons are filled by the alternate rule, so that a contour within
-// another is a hole. Drawing operations answer false when the surface cannot take them.
+// over what the brush filled; polygons are filled by the alternate rule until another is set, so
+// that a contour within another is a hole. Drawing operations answer false when the surface cannot
+// take them.
 class DrawingContext : public DeviceContext {
  public:
   virtual std::unique_ptr<Pen> CreatePenIndirect(const PenData& data) = 0;
@@ -93,6 +100,9 @@ class DrawingContext : public DeviceContext {
 
   // The colour of TextOut, black at first; returns the one before.
   virtual uint32_t SetTextColor(uint32_t color) = 0;
+
+  // The rule by which polygons are filled; returns the one before.
+  virtual FillMode SetFillMode(FillMode mode) = 0;
 
   // How many logical units make a pixel, 1 at first and never below; returns the number before.
   // Fonts, PolyPolygon and TextOut count in logical units, everything else in pixels.

@@ -75,6 +75,52 @@ TEST_F(SurfaceTest, PolygonsCoverExactlyTheirPixelsAndLeaveHolesOpen) {
   }
 }
 
+TEST_F(SurfaceTest, WindingFillsWhatTurnsTheSameWay) {
+  Make(10, 10);
+  Select(kNoPen, kRedBrush);
+  EXPECT_EQ(Context().SetFillMode(FillMode::kWinding), FillMode::kAlternate);
+  std::vector<DevicePoint> points = Square(1, 1, 8);
+  const auto within = Square(3, 3, 4);
+  points.insert(points.end(), within.begin(), within.end());
+  const uint32_t counts[] = {4, 4};
+  ASSERT_TRUE(Context().DrawPolygons(points, counts));
+  EXPECT_EQ(InkCount(*surface_), 64);
+}
+
+TEST_F(SurfaceTest, TextHangsFromItsUpperLeftCornerInLogicalUnits) {
+  for (const int units : {1, 4}) {
+    Make(80, 80);
+    const auto font =
+        Context().CreateFontIndirect({.height = 48 * units, .face_name = u"DejaVu Sans"});
+    ASSERT_NE(font, nullptr);
+    Context().SelectFont(font.get());
+    Context().SetLogicalUnits(units);
+    Context().SetTextColor(kRed);
+    Extent extent;
+    ASSERT_TRUE(Context().GetTextExtent(u"O", &extent));
+    const int width = extent.cx / units;
+    ASSERT_TRUE(Context().TextOut(20 * units, 10 * units, u"O"));
+    int left = 80, right = 0, top = 80, bottom = 0;
+    for (int y = 0; y < 80; ++y) {
+      for (int x = 0; x < 80; ++x) {
+        if (At(x, y) == kWhite) continue;
+        left = std::min(left, x);
+        right = std::max(right, x);
+        top = std::min(top, y);
+        bottom = std::max(bottom, y);
+      }
+    }
+    EXPECT_GE(left, 20);
+    EXPECT_LE(right, 20 + width);
+    EXPECT_GT(right - left, width / 2);
+    EXPECT_GE(top, 10);
+    EXPECT_LE(bottom, 10 + 48);
+    EXPECT_GT(bottom - top, 24);
+    EXPECT_EQ(At((left + right) / 2, (top + bottom) / 2), kWhite) << "the counter is open";
+    Context().SelectFont(nullptr);
+  }
+}
+
 TEST_F(SurfaceTest, PartlyCoveredPixelsAreShaded) {
   Make(4, 4);
   Select(kNoPen, {.style = BrushStyle::kSolid, .color = 0});

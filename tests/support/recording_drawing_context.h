@@ -38,6 +38,7 @@ class RecordingDrawingContext final : public FakeContext<DrawingContext> {
     Kind kind;
     PenData pen;
     BrushData brush;
+    FillMode mode;
     int32_t units;
     std::vector<DevicePoint> points;  // of a circle or an arc: the centre
     std::vector<uint32_t> counts;
@@ -55,6 +56,7 @@ class RecordingDrawingContext final : public FakeContext<DrawingContext> {
   const Pen* CurrentPen() const override { return pen_ ? pen_ : &stock_pen_; }
   const Brush* CurrentBrush() const override { return brush_ ? brush_ : &stock_brush_; }
   uint32_t SetTextColor(uint32_t color) override { return std::exchange(text_color, color); }
+  FillMode SetFillMode(FillMode mode) override { return std::exchange(fill_mode, mode); }
   int32_t SetLogicalUnits(int32_t per_pixel) override { return std::exchange(units, per_pixel); }
 
   bool PolyPolygon(std::span<const IntPoint> points, std::span<const int32_t> counts) override {
@@ -93,12 +95,13 @@ class RecordingDrawingContext final : public FakeContext<DrawingContext> {
 
   std::vector<Call> calls;
   uint32_t text_color = 0;
+  FillMode fill_mode = FillMode::kAlternate;
   int32_t units = 1;
   int objects_alive = 0;  // pens and brushes not destroyed yet
 
  private:
   Call& Record(Kind kind) {
-    calls.push_back({kind, CurrentPen()->Data(), CurrentBrush()->Data(), units, {}, {}});
+    calls.push_back({kind, CurrentPen()->Data(), CurrentBrush()->Data(), fill_mode, units, {}, {}});
     return calls.back();
   }
 

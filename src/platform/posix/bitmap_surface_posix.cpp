@@ -180,6 +180,7 @@ class SurfaceContext : public DrawingContext {
   const Pen* CurrentPen() const override { return pen_ ? pen_ : &stock_pen_; }
   const Brush* CurrentBrush() const override { return brush_ ? brush_ : &stock_brush_; }
   uint32_t SetTextColor(uint32_t color) override { return std::exchange(text_color_, color); }
+  FillMode SetFillMode(FillMode mode) override { return std::exchange(fill_mode_, mode); }
   int32_t SetLogicalUnits(int32_t per_pixel) override {
     return std::exchange(units_, std::max(1, per_pixel));
   }
@@ -217,6 +218,7 @@ class SurfaceContext : public DrawingContext {
   Pen* pen_ = nullptr;
   Brush* brush_ = nullptr;
   uint32_t text_color_ = 0;
+  FillMode fill_mode_ = FillMode::kAlternate;
   int32_t units_ = 1;
 };
 
@@ -225,9 +227,10 @@ void SurfaceContext::RenderSolid(uint32_t color) {
   rasterizer_.reset();
 }
 
-// Fills what the rasteriser holds, by the alternate rule.
+// Fills what the rasteriser holds.
 void SurfaceContext::FillWithBrush() {
-  rasterizer_.filling_rule(agg::fill_even_odd);
+  rasterizer_.filling_rule(fill_mode_ == FillMode::kWinding ? agg::fill_non_zero
+                                                            : agg::fill_even_odd);
   const BrushData& brush = CurrentBrush()->Data();
   if (brush.style == BrushStyle::kHatched && brush.hatch >= 0 && brush.hatch <= 5) {
     HatchSpans hatch(ColorOf(brush.color), brush.hatch);
