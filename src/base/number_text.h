@@ -19,6 +19,9 @@ std::string NumberText(double value, int digits);
 // prints doubles; exponent form below 1e-4 and from 10^digits.
 void AppendGeneral(std::string* out, double value, int digits);
 
+// The same text written at `to`, at most `digits` + 8 characters; the position behind it.
+char* WriteGeneral(char* to, double value, int digits);
+
 // The shortest text that reads back to the same double, as JSON takes it; not-a-number and
 // infinities are "null".
 void AppendShortest(std::string* out, double value);

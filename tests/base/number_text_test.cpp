@@ -70,9 +70,14 @@ TEST(NumberText, GeneralNotationIsThatOfStreamsWithLongExponents) {
   std::mt19937_64 random(1);
   std::uniform_real_distribution<double> mantissa(-10, 10);
   std::uniform_int_distribution<int> exponent(-300, 300);
-  for (int i = 0; i < 20000; ++i) {
-    const double value = mantissa(random) * std::pow(10.0, exponent(random));
+  for (int i = 0; i < 80000; ++i) {
     const int digits = 1 + i % 20;
+    double value = mantissa(random) * std::pow(10.0, exponent(random) / (i % 4 ? 20 : 1));
+    const double near_power = std::pow(10.0, exponent(random) / 30);
+    // Sixty-fourths, as glyph coordinates are, halves of the last digit, neighbours of powers.
+    if (i % 4 == 1) value = std::round(value * 64) / 64;
+    if (i % 4 == 2) value = std::round(value * 2e4) / 2e4;
+    if (i % 4 == 3) value = std::nextafter(near_power, i % 8 == 3 ? 0.0 : 1e300);
     char printed[64];
     std::snprintf(printed, sizeof printed, "%.*g", digits, value);
     std::string wanted = printed;
