@@ -1,0 +1,223 @@
+#include "export/dxf_export.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <functional>
+#include <limits>
+
+#include "support/memory_file.h"
+#include "support/recording_notices.h"
+#include "support/run.h"
+#include "support/temporary_folder.h"
+
+namespace kerno {
+namespace {
+
+using test::ReadBytes;
+using test::TemporaryFolder;
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+// A part with a closed chain of lines.
+PartsElement Contour(std::u16string layer, Color color, std::initializer_list<P3> points) {
+  PartsElement part;
+  part.name = std::move(layer);
+  part.pen.color = static_cast<int32_t>(color);
+  const P3* before = points.end() - 1;
+  for (const P3* p = points.begin(); p != points.end(); before = p++) {
+    EXPECT_TRUE(part.AddLine(*before, *p));
+  }
+  return part;
+}
+
+TextLine TextSet(std::u16string text, double height, double width, double rotation,
+                 double oblique) {
+  TextLine line;
+  line.text = std::move(text);
+  line.values[0] = height;
+  line.values[1] = width;
+  line.values[2] = rotation;
+  line.values[3] = oblique;
+  return line;
+}
+
+constexpr Color kRed = RgbColor(255, 0, 0);
+constexpr Color kGreen = RgbColor(0, 255, 0);
+constexpr Color kBlue = RgbColor(0, 0, 255);
+
+std::string Written(const PartsA& model, const DxfOptions& options = {}) {
+  test::MemoryFile file;
+  EXPECT_TRUE(WriteDxf(model, options, "m.dxf", &file).ok());
+  return file.bytes;
+}
+
+// What the independent reader finds in the file that an export leaves.
+std::string ReadBack(const PartsA& model, const DxfOptions& options = {}) {
+  const TemporaryFolder folder;
+  EXPECT_TRUE(ExportDxf(model, folder / "m.dxf", options).ok());
+  return test::OutputOfPython("export/read_dxf.py " + (folder / "m.dxf").native());
+}
+
+TEST(DxfExport, ReadersFindTheModel) {
+  PartsA contours;
+  contours.parts.push_back(Contour(u"Text layer", kRed, {{0, 0}, {10, 0}, {10.5, 7.25}, {0, 7}}));
+  contours.parts.push_back(Contour(u"", kGreen, {{-20, 30.125}, {2, 3}, {1.0 / 3, 4}}));
+  contours.parts.push_back(Contour(u"日本語", kBlue, {{5, 5}, {6, 5}, {6, 6}}));
+
+  PartsA kinds;
+  PartsElement all;
+  all.pen.color = static_cast<int32_t>(kRed);
+  const P3 centre = {50, 50};
+  EXPECT_TRUE(all.AddText({1, 1}, u"plain"));
+  EXPECT_TRUE(all.AddCircle(centre, 5, 0, centre, centre));
+  EXPECT_TRUE(all.AddCircle(centre, 7, 0, {57, 50}, {50, 43}));
+  EXPECT_TRUE(all.AddCircle(centre, 7, 0, {50, 43}, {57, 50}));
+  all.circles.items.back().attribute = 1;
+  EXPECT_TRUE(all.AddFace(std::vector<P3>{{0, 0}, {1, 0}, {0, 1}}, 0));
+  EXPECT_TRUE(all.AddFace(std::vector<P3>{{0, 0}, {1, 0}, {1, 1}, {0, 1}, {0, 0}}, 0));
+  all.faces[1].items.push_back(all.faces[0].items[0]);
+  EXPECT_TRUE(all.AddFace(std::vector<P3>{{0, 0}, {4, 0}, {4, 4}, {2, 1}, {0, 4}}, 0));
+  all.faces[2].items.push_back(all.faces[0].items.back());
+  all.faces[0].items.pop_back();
+  EXPECT_TRUE(all.AddLine({0, 0}, {1, 1}));
+  EdgeItem edge;
+  edge.values[0] = 0;
+  edge.values[1] = 1;
+  all.edges.items.push_back(edge);
+  EXPECT_TRUE(all.AddHorizontalText({3, 4}, TextSet(u"横", 10, 4, 30, 15)));
+  EXPECT_TRUE(all.AddVerticalText({5, 6}, TextSet(u"縦", 10, 5, 0, 0)));
+  EXPECT_TRUE(all.AddPointSet(std::vector<P3>{{9, 9}}, 0, 0, 0));
+  kinds.parts.push_back(std::move(all));
+
+  const struct {
+    const char* what;
+    const PartsA& model;
+    DxfOptions options;
+    std::string facts;
+  } cases[] = {
+      {"an empty model",
+       {},
+       {},
+       "entities \nchains closed:0 open:0\nlayers \nused \nextents 0 0 0 0\n"},
+      {"contours",
+       contours,
+       {},
+       "entities LINE:10\nchains closed:3 open:0\nlayers Textlayer:1 Unknown:3 日本語:5\n"
+       "used Textlayer:1x4 Unknown:3x3 日本語:5x3\nextents -20 0 10.5 30.125\n"},
+      {"contours, layers by colour",
+       contours,
+       {.layers = DxfLayerRule::kColour},
+       "entities LINE:10\nchains closed:3 open:0\nlayers Textlayer:7 3:1 日本語:3\n"
+       "used 3:3x3 Textlayer:1x4 日本語:5x3\nextents -20 0 10.5 30.125\n"},
+      {"every kind",
+       kinds,
+       {},
+       "entities 3DFACE:6 ARC:2 CIRCLE:1 LINE:2 TEXT:3\nchains closed:0 open:1\n"
+       "layers Unknown:1\nused Unknown:1x14\nextents 0 0 50 50\n"
+       "text plain style Standard height 2.5 rotation 0 width 1 oblique 0\n"
+       "text 横 style Standard height 10 rotation 30 width 0.8 oblique 15\n"
+       "text 縦 style VTEXT height 10 rotation 0 width 1 oblique 0\n"
+       "arc 7 0 270\narc 7 270 0\n"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(ReadBack(c.model, c.options), "errors 0 fixes 0\n" + c.facts) << c.what;
+  }
+}
+
+// The rule that lists a layer with the colour of the element before.
+TEST(DxfExport, LayersByColourAreSetBeforeTheColour) {
+  PartsA model;
+  model.parts.push_back(Contour(u"", kRed, {{0, 0}, {1, 0}}));
+  const auto layers = [&] {
+    const std::string file = Written(model, {.layers = DxfLayerRule::kColour});
+    const size_t start = file.find("  2\r\nLAYER\r\n");
+    return file.substr(start, file.find("ENDTAB", start) - start);
+  };
+  const std::string listed = "LAYER\r\n  2\r\n1\r\n 70\r\n64\r\n 62\r\n";
+  EXPECT_NE(layers().find(listed + "7\r\n"), std::string::npos);
+  model.parts.push_back(Contour(u"", kRed, {{0, 0}, {1, 0}}));
+  EXPECT_NE(layers().find(listed + "1\r\n"), std::string::npos);
+  EXPECT_NE(layers().find(" 70\r\n1\r\n"), std::string::npos) << "one row";
+}
+
+TEST(DxfExport, AModelIsFlatWhenAllItsVerticesAre) {
+  const struct {
+    double z[2];
+    bool flat;
+  } cases[] = {{{0, 0}, true}, {{5, 5}, true}, {{0, 1}, false}, {{0, -0.0}, true}};
+  for (const auto& c : cases) {
+    PartsA model;
+    model.parts.push_back(Contour(u"", kRed, {{0, 0, c.z[0]}, {1, 0, c.z[1]}}));
+    const std::string file = Written(model);
+    EXPECT_EQ(file.substr(0, file.find("ENDSEC")).find(" 30\r\n") == file.npos, c.flat)
+        << c.z[0] << " " << c.z[1];
+  }
+}
+
+TEST(DxfExport, WarnsOnceForEachFile) {
+  PartsA plain, large, broken;
+  plain.parts.push_back(Contour(u"", kRed, {{0, 0}, {99999.5, 1.2345678}}));
+  for (int i = 0; i < 3; ++i) {
+    large.parts.push_back(Contour(u"", kRed, {{0, 1234567.5}, {1e9, 1.2345678}}));
+    broken.parts.push_back(Contour(u"", kRed, {{kNan, 0}, {1, 1}}));
+    EXPECT_TRUE(broken.parts.back().AddPointSet({}, 0, 0, 0));
+  }
+  const struct {
+    const PartsA& model;
+    std::vector<std::u16string> messages;
+  } cases[] = {
+      {plain, {}},
+      {large,
+       {u"m.dxf: coordinates of more than six digits are rounded in DXF; --scale makes the "
+        u"drawing smaller"}},
+      {broken,
+       {u"m.dxf: elements with coordinates that are not finite numbers are left out",
+        u"m.dxf: point sets have no form in DXF and are left out"}},
+  };
+  for (const auto& c : cases) {
+    test::RecordingNotices notices;
+    (void)Written(c.model);
+    EXPECT_EQ(notices.messages, c.messages);
+  }
+}
+
+// A part whose elements name vertices that are not there, as damaged files do.
+TEST(DxfExport, ElementsWithoutTheirVerticesAreLeftOut) {
+  PartsElement part = Contour(u"", kRed, {{0, 0}, {1, 0}});
+  for (const int32_t bad : {-1, -2, 2, std::numeric_limits<int32_t>::max()}) {
+    part.lines.items.push_back({0, bad});
+    part.circles.items.push_back({bad, 1, 0, 0, 0});
+    part.circles.items.push_back({0, 1, 0, 1, bad == -1 ? -2 : bad});
+    part.faces[0].items.push_back({0, {0, 1, bad}, {}, 0});
+    part.edges.items.push_back({});
+    part.texts.items.push_back({bad, u"x"});
+    part.horizontal_texts.items.push_back(TextSet(u"x", 1, 0, 0, 0));
+    part.horizontal_texts.items.back().anchor = bad;
+  }
+  PartsA model;
+  model.parts.push_back(std::move(part));
+  EXPECT_NE(ReadBack(model).find("entities LINE:2\n"), std::string::npos);
+}
+
+TEST(DxfExport, AFailureLeavesTheOldFileAndNoLitter) {
+  const TemporaryFolder folder;
+  test::WriteBytes(folder / "m.dxf", "old");
+  PartsA model;
+  for (int i = 0; i < 1000; ++i) {
+    model.parts.push_back(Contour(u"", kRed, {{0, 0}, {i * 1.0, 0}, {5, 5}}));
+  }
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const rlimit small = {10000, before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  const Status status = ExportDxf(model, folder / "m.dxf");
+  setrlimit(RLIMIT_FSIZE, &before);
+  EXPECT_EQ(status.failure, Failure::kNoSpace);
+  EXPECT_EQ(ReadBytes(folder / "m.dxf"), "old");
+  EXPECT_EQ(folder.Names(), std::set<std::string>{"m.dxf"});
+  EXPECT_EQ(ExportDxf(model, "/dev/full").why, u"the disk is full");
+}
+
+}  // namespace
+}  // namespace kerno

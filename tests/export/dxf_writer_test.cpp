@@ -1,0 +1,359 @@
+#include "export/dxf_writer.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "support/memory_file.h"
+#include "support/temporary_folder.h"
+
+namespace kerno {
+namespace {
+
+using test::MemoryFile;
+
+std::string Lines(std::initializer_list<std::string_view> lines) {
+  std::string text;
+  for (const std::string_view line : lines) text.append(line).append("\r\n");
+  return text;
+}
+
+std::string Finished(DxfWriter* dxf) {
+  MemoryFile file;
+  EXPECT_TRUE(dxf->FinishInto(&file).ok());
+  return file.bytes;
+}
+
+std::string Between(const std::string& text, std::string_view from, std::string_view to) {
+  const size_t start = text.find(from) + from.size();
+  return text.substr(start, text.find(to, start) - start);
+}
+
+// The entities of a finished drawing.
+std::string Entities(DxfWriter* dxf) {
+  return Between(Finished(dxf), "ENTITIES\r\n", "  0\r\nENDSEC");
+}
+
+std::string Header(DxfWriter* dxf) {
+  return Between(Finished(dxf), "HEADER\r\n", "  0\r\nENDSEC");
+}
+
+std::string Layers(DxfWriter* dxf) {
+  return Between(Finished(dxf), "  2\r\nLAYER\r\n", "  0\r\nENDTAB");
+}
+
+const std::string kTables = Lines({
+    "  0", "SECTION",    "  2", "TABLES", "  0", "TABLE",      "  2", "LTYPE",
+    " 70", "1",          "  0", "LTYPE",  "  2", "CONTINUOUS", " 70", "64",
+    "  3", "Solid line", " 72", "65",     " 73", "0",          " 40", "0.0",
+    "  0", "ENDTAB",     "  0", "TABLE",  "  2", "LAYER",      " 70",
+});
+const std::string kStyles = Lines({
+    "  0", "ENDTAB",   "  0", "TABLE",   "  2", "STYLE",  " 70", "3",       "  0", "STYLE",
+    "  2", "STANDARD", " 70", "64",      " 40", "0.0",    " 41", "1.0",     " 50", "0.0",
+    " 71", "0",        " 42", "3.5",     "  3", "txt",    "  4", "",        "  0", "STYLE",
+    "  2", "BIGFONT",  " 70", "64",      " 40", "0.0",    " 41", "1.0",     " 50", "0.0",
+    " 71", "0",        " 42", "3.5",     "  3", "txt",    "  4", "bigfont", "  0", "STYLE",
+    "  2", "VTEXT",    " 70", "68",      " 40", "0.0",    " 41", "1.0",     " 50", "0.0",
+    " 71", "0",        " 42", "3.5",     "  3", "txt",    "  4", "bigfont", "  0", "ENDTAB",
+    "  0", "ENDSEC",   "  0", "SECTION", "  2", "BLOCKS", "  0", "ENDSEC",
+});
+
+TEST(DxfWriter, AnEmptyDrawingIsAWholeFile) {
+  DxfWriter dxf(DxfMode::kFlat);
+  EXPECT_EQ(Finished(&dxf),
+            Lines({"  0", "SECTION", "  2", "HEADER",  "  9", "$LIMMIN", " 10", "0",
+                   " 20", "0",       "  9", "$LIMMAX", " 10", "420",     " 20", "296.985",
+                   "  9", "$EXTMIN", " 10", "0",       " 20", "0",       "  9", "$EXTMAX",
+                   " 10", "0",       " 20", "0",       "  0", "ENDSEC"}) +
+                kTables + Lines({"0"}) + kStyles +
+                Lines({"  0", "SECTION", "  2", "ENTITIES", "  0", "ENDSEC", "  0", "EOF"}));
+}
+
+TEST(DxfWriter, ASpatialDrawingWithEveryEntity) {
+  DxfWriter dxf(DxfMode::kSpatial);
+  dxf.SetColor(3);
+  dxf.SetLayerName(u"a b");
+  dxf.Line3D({1, 2, 3}, {-4, 5.5, 0});
+  dxf.Circle3D({1, 2, 3}, 10);
+  dxf.Arc3D({{1, 2, 3}, 10, 30, 400});
+  dxf.Text3D({{7, 8, 9}, u"日本,", 2.5});
+  dxf.Triangle({0, 0, 0}, {1, 0, 0}, {0, 1, -2});
+  EXPECT_EQ(
+      Finished(&dxf),
+      Lines({"  0", "SECTION", "  2", "HEADER", "  9", "$LIMMIN", " 10", "0",       " 20", "0",
+             "  9", "$LIMMAX", " 10", "420",    " 20", "296.985", "  9", "$EXTMIN", " 10", "-4",
+             " 20", "0",       " 30", "-2",     "  9", "$EXTMAX", " 10", "7",       " 20", "8",
+             " 30", "9",       "  0", "ENDSEC"}) +
+          kTables +
+          Lines({"1", "  0", "LAYER", "  2", "ab", " 70", "64", " 62", "3", "  6", "CONTINUOUS"}) +
+          kStyles +
+          Lines({"  0", "SECTION", "  2", "ENTITIES", "  0", "LINE", "  8", "ab",
+                 " 62", "3",       " 10", "1",        " 20", "2",    " 30", "3",
+                 " 11", "-4",      " 21", "5.5",      " 31", "0",    "  0", "CIRCLE",
+                 "  8", "ab",      " 62", "3",        " 10", "1",    " 20", "2",
+                 " 30", "3",       " 40", "10",       "  0", "ARC",  "  8", "ab",
+                 " 62", "3",       " 10", "1",        " 20", "2",    " 30", "3",
+                 " 40", "10",      " 50", "30",       " 51", "400",  "  0", "TEXT",
+                 "  8", "ab",      " 62", "3",        " 40", "2.5",  "  1", "\x93\xFA\x96{\\x2c",
+                 " 10", "7",       " 20", "8",        " 30", "9",    "  0", "3DFACE",
+                 "  8", "ab",      " 62", "3",        " 10", "0",    " 20", "0",
+                 " 30", "0",       " 11", "1",        " 21", "0",    " 31", "0",
+                 " 12", "0",       " 22", "1",        " 32", "-2",   " 13", "0",
+                 " 23", "1",       " 33", "-2",       " 70", "0",    "  0", "ENDSEC",
+                 "  0", "EOF"}));
+}
+
+TEST(DxfWriter, FlatEntitiesCarryNoZExceptFaces) {
+  DxfWriter dxf(DxfMode::kFlat);
+  dxf.Line2D({1, 2, 3}, {4, 5, 6});
+  dxf.Circle2D({1, 2, 3}, 0.5);
+  dxf.Arc2D({{1, 2, 3}, 0.5, 0, 90});
+  dxf.Face({0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1});
+  EXPECT_EQ(
+      Entities(&dxf),
+      Lines({"  0", "LINE", "  8", "0",   " 62",    "7",   " 10", "1",   " 20", "2",   " 11",
+             "4",   " 21",  "5",   "  0", "CIRCLE", "  8", "0",   " 62", "7",   " 10", "1",
+             " 20", "2",    " 40", "0.5", "  0",    "ARC", "  8", "0",   " 62", "7",   " 10",
+             "1",   " 20",  "2",   " 40", "0.5",    " 50", "0",   " 51", "90",  "  0", "3DFACE",
+             "  8", "0",    " 62", "7",   " 10",    "0",   " 20", "0",   " 30", "1",   " 11",
+             "1",   " 21",  "0",   " 31", "1",      " 12", "1",   " 22", "1",   " 32", "1",
+             " 13", "0",    " 23", "1",   " 33",    "1",   " 70", "0"}));
+}
+
+TEST(DxfWriter, TextsWriteOnlyTheGroupsThatSaySomething) {
+  const struct {
+    double rotation, width, oblique;
+    bool vertical;
+    std::string groups;
+  } cases[] = {
+      {0, 1, 0, false, ""},
+      {0, 0, 0, false, ""},
+      {-0.0, 0, -0.0, false, ""},
+      {30, 0.8, 15, false, Lines({" 50", "30", " 41", "0.8", " 51", "15"})},
+      {0, 2, 0, true, Lines({"  7", "VTEXT", " 41", "2"})},
+  };
+  for (const auto& c : cases) {
+    DxfWriter dxf(DxfMode::kFlat);
+    const DxfText text = {{1, 2, 3}, u"x", 4, c.rotation, c.width, c.oblique};
+    c.vertical ? dxf.VerticalText2D(text) : dxf.Text2D(text);
+    EXPECT_EQ(Entities(&dxf),
+              Lines({"  0", "TEXT", "  8", "0", " 62", "7", " 40", "4", "  1", "x"}) + c.groups +
+                  Lines({" 10", "1", " 20", "2"}));
+  }
+}
+
+TEST(DxfWriter, NumbersHaveSixDigitsAndLongExponents) {
+  const struct {
+    double value;
+    const char* text;
+  } cases[] = {
+      {0, "0"},
+      {-0.0, "-0"},
+      {420, "420"},
+      {296.98484809834997, "296.985"},
+      {0.5, "0.5"},
+      {999999, "999999"},
+      {999999.4, "999999"},
+      {999999.5, "1e+006"},
+      {1500000, "1.5e+006"},
+      {0.0001, "0.0001"},
+      {0.00001, "1e-005"},
+      {0.000012345678, "1.23457e-005"},
+      {-1234567.8, "-1.23457e+006"},
+      {1e300, "1e+300"},
+      {123.4565, "123.457"},
+      {12.34375, "12.3438"},
+      {12.28125, "12.2812"},
+      {1.0 / 3, "0.333333"},
+  };
+  for (const auto& c : cases) {
+    DxfWriter dxf(DxfMode::kFlat);
+    dxf.Circle2D({c.value, 0}, 1);
+    EXPECT_EQ(Between(Entities(&dxf), " 10\r\n", "\r\n"), c.text);
+  }
+}
+
+// A line that starts where the last one ended takes its text over: it must be the same text.
+TEST(DxfWriter, ChainsAreWrittenAsSingleLinesAre) {
+  const P3 points[] = {{1, 2, 3}, {-0.0, 1e7, 4}, {0.0, 1e7, 4}, {1, 2, 3}, {1, 2, 3}, {5, 6, 7}};
+  const auto write = [&](const P3& a, const P3& b, size_t i, DxfWriter* dxf) {
+    dxf->SetColor(static_cast<int16_t>(i));
+    i % 2 ? dxf->Line3D(a, b) : dxf->Line2D(a, b);
+  };
+  DxfWriter chain(DxfMode::kSpatial);
+  std::string singles;
+  for (size_t i = 0; i + 1 < std::size(points); ++i) {
+    DxfWriter single(DxfMode::kSpatial);
+    write(points[i], points[i + 1], i, &single);
+    singles += Entities(&single);
+    write(points[i], points[i + 1], i, &chain);
+  }
+  EXPECT_EQ(Entities(&chain), singles);
+}
+
+TEST(DxfWriter, TheExtentsHoldTheOriginAndCentresOnly) {
+  DxfWriter dxf(DxfMode::kFlat);
+  dxf.Line2D({5, 5}, {10, 10});
+  dxf.Circle2D({-1, 0}, 100);
+  EXPECT_EQ(Header(&dxf).substr(Header(&dxf).find("  9\r\n$EXTMIN")),
+            Lines({"  9", "$EXTMIN", " 10", "-1", " 20", "0", "  9", "$EXTMAX", " 10", "10", " 20",
+                   "10"}));
+}
+
+TEST(DxfWriter, Layers) {
+  DxfWriter dxf(DxfMode::kFlat);
+  dxf.SetLayerName(u"   ");
+  dxf.SetColor(5);
+  dxf.SetLayerName(u"Layer");
+  dxf.SetColor(6);
+  dxf.SetLayerName(u"layer");
+  dxf.SetLayerName(u"Lay er");
+  dxf.SetLayerNumber(-12);
+  EXPECT_EQ(Layers(&dxf),
+            Lines({" 70", "4",          "  0", "LAYER", "  2", "Unknown", " 70", "64", " 62", "7",
+                   "  6", "CONTINUOUS", "  0", "LAYER", "  2", "Layer",   " 70", "64", " 62", "6",
+                   "  6", "CONTINUOUS", "  0", "LAYER", "  2", "layer",   " 70", "64", " 62", "6",
+                   "  6", "CONTINUOUS", "  0", "LAYER", "  2", "-12",     " 70", "64", " 62", "6",
+                   "  6", "CONTINUOUS"}));
+}
+
+TEST(DxfWriter, TheLayerTableEndsAt500Rows) {
+  DxfWriter dxf(DxfMode::kFlat);
+  for (int i = 0; i < 500; ++i) {
+    const std::string name = "L" + std::to_string(i);
+    EXPECT_TRUE(dxf.RegisterLayer(std::u16string(name.begin(), name.end()), 1)) << i;
+  }
+  EXPECT_FALSE(dxf.RegisterLayer(u"L500", 1));
+  EXPECT_TRUE(dxf.RegisterLayer(u"L499", 2));
+  dxf.SetLayerName(u"L500");
+  dxf.Line2D({0, 0}, {1, 1});
+  const std::string file = Finished(&dxf);
+  EXPECT_NE(file.find("LAYER\r\n 70\r\n500\r\n"), file.npos);
+  EXPECT_EQ(file.find("LAYER\r\n  2\r\nL500\r\n"), file.npos);
+  EXPECT_NE(file.find("LINE\r\n  8\r\nL500\r\n"), file.npos);
+}
+
+TEST(DxfWriter, TextsAreCutBeforeTheCharacterThatDoesNotFit) {
+  const struct {
+    std::u16string text;
+    std::string bytes;
+  } cases[] = {
+      {u"\x0E01\x2028\xD83D\xDE00x", "____x"},
+      {std::u16string(1023, u'x'), std::string(1023, 'x')},
+      {std::u16string(1024, u'x'), std::string(1023, 'x')},
+      {u"x" + std::u16string(511, u'あ'), "x" +
+                                              [] {
+                                                std::string s;
+                                                for (int i = 0; i < 511; ++i) s += "\x82\xA0";
+                                                return s;
+                                              }()},
+      {std::u16string(1022, u'x') + u"あy", std::string(1022, 'x')},
+      {std::u16string(1021, u'x') + u",y", std::string(1021, 'x')},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(DxfTextBytes(c.text), c.bytes) << c.text.size();
+    EXPECT_LE(DxfTextBytes(c.text).size(), 1023u);
+  }
+}
+
+TEST(DxfWriter, StylesOfSingleEntities) {
+  DxfWriter dxf(DxfMode::kFlat);
+  const DxfStyle style = {u"own", 12};
+  dxf.Line2D({0, 0}, {1, 1}, &style);
+  dxf.Line2D({1, 1}, {2, 2});
+  EXPECT_EQ(Entities(&dxf),
+            Lines({"  0", "LINE", "  8", "own", " 62", "12",   " 10", "0", " 20", "0",
+                   " 11", "1",    " 21", "1",   "  0", "LINE", "  8", "0", " 62", "7",
+                   " 10", "1",    " 20", "1",   " 11", "2",    " 21", "2"}));
+}
+
+TEST(DxfWriter, WhatIsNotFiniteIsLeftOutAndCounted) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double inf = std::numeric_limits<double>::infinity();
+  DxfWriter dxf(DxfMode::kFlat);
+  dxf.Line2D({nan, 0}, {1, 1});
+  dxf.Line2D({0, 0}, {1, -inf});
+  dxf.Circle2D({0, 0}, nan);
+  dxf.Arc2D({{0, 0}, 1, inf, 0});
+  dxf.Text2D({{0, 0}, u"x", nan});
+  dxf.Triangle({0, 0, inf}, {1, 0}, {0, 1});
+  EXPECT_EQ(dxf.left_out(), 6);
+  dxf.Line2D({1, 1, nan}, {2, 2, inf});  // z is not written here
+  EXPECT_EQ(dxf.left_out(), 6);
+  EXPECT_EQ(Header(&dxf).find("nan"), std::string::npos);
+}
+
+TEST(DxfWriter, DigitsThatGetLostAreNoticed) {
+  const struct {
+    double x;
+    bool lost;
+  } cases[] = {{99999.96, false}, {123456, false},    {-123456.5, true}, {1e6, true},
+               {1e-9, false},     {0.1234567, false}, {-1e9, true}};
+  for (const auto& c : cases) {
+    DxfWriter dxf(DxfMode::kFlat);
+    dxf.Line2D({0, 0}, {0, c.x});
+    EXPECT_EQ(dxf.lost_precision(), c.lost) << c.x;
+  }
+}
+
+TEST(DxfWriter, AFailureAtAnyByteIsReported) {
+  size_t whole = 0;
+  for (size_t capacity = 0; whole == 0; ++capacity) {
+    DxfWriter dxf(DxfMode::kFlat);
+    dxf.Line2D({0, 0}, {1, 1});
+    MemoryFile file(capacity);
+    const Status status = dxf.FinishInto(&file);
+    if (status.ok()) whole = capacity;
+    ASSERT_TRUE(status.ok() || status.failure == Failure::kNoSpace) << capacity;
+    ASSERT_LT(capacity, 10000u);
+  }
+  DxfWriter dxf(DxfMode::kFlat);
+  dxf.Line2D({0, 0}, {1, 1});
+  EXPECT_EQ(whole, Finished(&dxf).size());
+}
+
+TEST(DxfWriter, AFailedDrawingWritesNoFile) {
+  const test::TemporaryFolder folder;
+  DxfWriter dxf(DxfMode::kSpatial);
+  EXPECT_EQ(dxf.output_name(), "DXF_3d.dxf");
+  dxf.SetOutputName(folder / "x.dxf");
+  dxf.SetFailure(1);
+  EXPECT_FALSE(dxf.Finish().ok());
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+// Sections that outgrow their memory go to scratch files and come out the same.
+TEST(DxfWriter, LargeSectionsGoThroughScratchFiles) {
+  std::string bytes[2];
+  for (const size_t limit : {SectionBuffer::kMemoryLimit, size_t{10000}}) {
+    DxfWriter dxf(DxfMode::kFlat, limit);
+    for (int i = 0; i < 50000; ++i) dxf.Line2D({i * 0.5, 1.0}, {i * 0.5 + 0.5, 1.0});
+    bytes[limit == 10000] = Finished(&dxf);
+  }
+  EXPECT_GT(bytes[0].size(), 3000000u);
+  EXPECT_EQ(bytes[0], bytes[1]);
+}
+
+TEST(SectionBuffer, SpillsAndCopiesBackAndLeavesNothing) {
+  const test::TemporaryFolder folder;
+  for (const bool can_spill : {true, false}) {
+    SectionBuffer section(can_spill ? folder.path() : folder / "missing", "DxE", 100000);
+    std::string expected;
+    for (int i = 0; i < 200000; ++i) {
+      section.Append(std::to_string(i));
+      expected += std::to_string(i);
+    }
+    EXPECT_EQ(section.spilled(), can_spill);
+    EXPECT_TRUE(folder.Names().empty());
+    for (int copy = 0; copy < 2; ++copy) {
+      MemoryFile file;
+      EXPECT_TRUE(section.CopyTo(&file).ok());
+      EXPECT_EQ(file.bytes, expected);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kerno

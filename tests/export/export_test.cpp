@@ -1,0 +1,61 @@
+#include "export/export.h"
+
+#include <gtest/gtest.h>
+
+#include "support/temporary_folder.h"
+
+namespace kerno {
+namespace {
+
+using test::TemporaryFolder;
+
+TEST(Export, TheExtensionChoosesExactly) {
+  const TemporaryFolder folder;
+  const struct {
+    const char* name;
+    int32_t result;
+  } cases[] = {
+      {"a.dxf", 1},  {"b.c.dxf", 1}, {".dxf", 1},  {"a.DXF", 0}, {"a.Dxf", 0},
+      {"a.dxf ", 0}, {"a.stl", 0},   {"a.wrl", 0}, {"a.3ds", 0}, {"a.obj", 0},
+      {"a.imo", 0},  {"a.off", 0},   {"a.nxr", 0}, {"a.dae", 0}, {"a.ix3", 0},
+      {"a.ipa", 0},  {"a.txt", 0},   {"a", 0},     {"a.", 0},    {"dxf", 0},
+  };
+  for (const auto& c : cases) {
+    Status status;
+    EXPECT_EQ(Export({}, folder / c.name, {}, &status), c.result) << c.name;
+    EXPECT_EQ(status.ok(), c.result == 1) << c.name;
+    EXPECT_EQ(status.why.empty(), c.result == 1) << c.name;
+    EXPECT_EQ(std::filesystem::exists(folder / c.name), c.result == 1) << c.name;
+  }
+  EXPECT_EQ(folder.Names().size(), 3u);
+}
+
+TEST(Export, TheStepAfterwardsRunsAfterSuccessOnly) {
+  const TemporaryFolder folder;
+  std::vector<std::filesystem::path> written;
+  ExportOptions options;
+  options.after_export = [&](const PartsA& model, const std::filesystem::path& file) {
+    EXPECT_EQ(model.parts.size(), 1u);
+    written.push_back(file);
+  };
+  PartsA model;
+  model.parts.resize(1);
+  EXPECT_EQ(Export(model, folder / "a.dxf", options), 1);
+  EXPECT_EQ(Export(model, folder / "a.stl", options), 0);
+  EXPECT_EQ(Export(model, folder / "missing/a.dxf", options), 0);
+  EXPECT_EQ(ExportAs(ExportFormat::kDxf, model, folder / "b.DXF", options), 1);
+  EXPECT_EQ(written, (std::vector<std::filesystem::path>{folder / "a.dxf", folder / "b.DXF"}));
+}
+
+TEST(Export, AFailureSaysWhatAndWhy) {
+  const TemporaryFolder folder;
+  Status status;
+  EXPECT_EQ(Export({}, folder / "missing/a.dxf", {}, &status), 0);
+  EXPECT_EQ(status.what, (folder / "missing/a.dxf").u16string());
+  EXPECT_EQ(status.why, u"its folder does not exist");
+  EXPECT_EQ(FormatOfExtension(u"IPX"), ExportFormat::kIpx);
+  EXPECT_EQ(FormatOfExtension(u"ipa"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace kerno
