@@ -16,22 +16,18 @@ void ColourByIndex(size_t index, PartsElement* part) {
   part->brush.color = static_cast<int32_t>(HlsColor(hue + 180, kLightness, kSaturation));
 }
 
-// The contour without points that repeat the one before, and without its closing point.
-void CollectLoop(std::span<const P2> contour, std::vector<P3>* loop) {
-  loop->clear();
+// The contour without points that repeat the one before, and without its closing point: the first
+// of `room`, which is at least as long as the contour.
+std::span<const P3> CollectLoop(std::span<const P2> contour, std::vector<P3>* room) {
+  if (room->size() < contour.size()) room->resize(contour.size());
+  P3* const loop = room->data();
+  size_t count = 0;
   for (const P2& p : contour) {
-    const P3 point = {p.x, p.y, 0};
-    if (loop->empty() || !(loop->back() == point)) loop->push_back(point);
+    loop[count] = {p.x, p.y, 0};
+    if (count == 0 || !(loop[count] == loop[count - 1])) ++count;
   }
-  while (loop->size() > 1 && loop->back() == loop->front()) loop->pop_back();
-}
-
-void AddClosedLines(std::span<const P3> loop, Parts* part) {
-  if (loop.size() < 2) return;
-  part->vertices.Reserve(loop.size());
-  part->lines.items.reserve(loop.size());
-  for (size_t i = 0; i + 1 < loop.size(); ++i) part->AddLine(loop[i], loop[i + 1]);
-  part->AddLine(loop.back(), loop.front());
+  while (count > 1 && loop[count - 1] == loop[0]) --count;
+  return {loop, count};
 }
 
 }  // namespace
@@ -44,15 +40,16 @@ void StoreContours(const RebuildOptions& options, GlyphContours* contours) {
 
 void BuildParts(const GlyphContours& stored, const RebuildOptions& options, PartsA* parts) {
   parts->parts.reserve(parts->parts.size() + stored.counts.size());
-  std::vector<P3> loop;
+  std::vector<P3> room;
   size_t first = 0;
   for (size_t i = 0; i < stored.counts.size(); ++i) {
-    CollectLoop(std::span(stored.points).subspan(first, stored.counts[i]), &loop);
+    const auto contour = std::span(stored.points).subspan(first, stored.counts[i]);
+    const std::span<const P3> loop = CollectLoop(contour, &room);
     first += stored.counts[i];
     PartsElement& part = parts->parts.emplace_back();
     part.name = options.layer;
     ColourByIndex(i, &part);
-    if (options.elements != ContourElements::kFaces) AddClosedLines(loop, &part);
+    if (options.elements != ContourElements::kFaces && loop.size() > 1) part.AddClosedLines(loop);
     if (options.elements != ContourElements::kLines && !loop.empty()) part.AddFace(loop, 0);
   }
 }

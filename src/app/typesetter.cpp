@@ -58,16 +58,14 @@ std::optional<SetText> Typesetter::Lay(const TextRequest& request) {
     options.vertical = true;
     options.character_angle = -90;
   }
-  LayoutNotes notes;
-  LayoutString(*context_, request.text, options, &set.contours, &notes);
-  set.overlapping = notes.overlapping;
+  LayoutString(*context_, request.text, options, &set.contours, &set.notes);
   Inspect(*font_, request.text, &set);
   return set;
 }
 
 std::optional<SetText> Typesetter::Set(const TextRequest& request) {
   std::optional<SetText> set = Lay(request);
-  if (set) PlaceBlock(&set->contours.points, request.placement);
+  if (set) PlaceBlock(&set->contours.points, set->notes.low, set->notes.high, request.placement);
   return set;
 }
 

@@ -18,7 +18,7 @@ struct SetText {
   TextMetrics metrics;
   GlyphContours contours;
   std::vector<char32_t> missing;  // distinct characters without a glyph, in order of appearance
-  uint32_t overlapping = 0;       // characters of vertical text that meet the one before
+  LayoutNotes notes;
   size_t characters = 0;          // up to a NUL; line ends and tabs do not count
   bool ended_by_nul = false;
 };

@@ -214,8 +214,8 @@ std::optional<SetText> TextOptions::SetAndReport(const TextRequest& request, Pla
   if (set->ended_by_nul) {
     ReportWarning("text", "ends at a NUL after " + std::to_string(set->characters) + " characters");
   }
-  if (set->overlapping > 0) {
-    ReportWarning("vertical text", std::to_string(set->overlapping) +
+  if (set->notes.overlapping > 0) {
+    ReportWarning("vertical text", std::to_string(set->notes.overlapping) +
                                        " characters touch the one before (--pitch cell sets them "
                                        "apart)");
   }

@@ -28,6 +28,12 @@ GlyphCache& GlyphCache::Of(DeviceContext& dc, const TextMetrics& metrics, double
   return *cache;
 }
 
+const CachedGlyph* GlyphCache::Find(char32_t ch) const {
+  if (ch < kDirect) return direct_[ch].get();
+  const auto found = others_.find(ch);
+  return found == others_.end() ? nullptr : found->second.get();
+}
+
 const CachedGlyph& GlyphCache::Get(DeviceContext& dc, char32_t ch) {
   std::unique_ptr<CachedGlyph>& kept = ch < kDirect ? direct_[ch] : others_[ch];
   if (kept) return *kept;

@@ -27,6 +27,9 @@ class GlyphCache {
 
   GlyphCache(const TextMetrics& metrics, double angle) : metrics_(metrics), angle_(angle) {}
 
+  // The glyph if it is kept, else null.
+  const CachedGlyph* Find(char32_t ch) const;
+
   // What the rasteriser refuses is not kept: its message is drawn each time. The reference is good
   // until the next call.
   const CachedGlyph& Get(DeviceContext& dc, char32_t ch);

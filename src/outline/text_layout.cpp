@@ -1,5 +1,7 @@
 #include "outline/text_layout.h"
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "outline/glyph_cache.h"
 #include "outline/turn.h"
@@ -16,6 +18,10 @@ struct Pen {
   int64_t x = 0;
   int64_t y = 0;
 };
+
+bool IsPenControl(char32_t ch) {
+  return ch == U'\r' || ch == U'\n' || ch == U'\t';
+}
 
 void AppendGlyph(const CachedGlyph& glyph, const Pen& pen, GlyphContours* contours) {
   contours->counts.insert(contours->counts.end(), glyph.contours.counts.begin(),
@@ -36,29 +42,50 @@ int64_t VerticalAdvance(const GlyphMetrics& metrics, VerticalPitch pitch) {
   return (int64_t{metrics.gmCellIncX} + int64_t{metrics.gmBlackBoxY}) / 2;
 }
 
-// Notices where the ink of a vertical text's character meets that of the one before.
-class OverlapWatch {
+// The boxes of the placed glyphs: their union with the pen's origin, and where vertical ink meets.
+// The box of a placed glyph is the moved box of the glyph: rounding keeps the order of numbers.
+class InkWatch {
  public:
-  void Place(const CachedGlyph& glyph, const Pen& pen) {
+  void Place(const CachedGlyph& glyph, const Pen& pen, bool vertical, LayoutNotes* notes) {
     if (glyph.contours.points.empty()) return;
     const auto x = static_cast<double>(pen.x);
     const auto y = static_cast<double>(pen.y);
     const P2 low = {glyph.ink_min.x + x, glyph.ink_min.y + y};
     const P2 high = {glyph.ink_max.x + x, glyph.ink_max.y + y};
+    notes->low = {std::min(notes->low.x, low.x), std::min(notes->low.y, low.y)};
+    notes->high = {std::max(notes->high.x, high.x), std::max(notes->high.y, high.y)};
     const bool meets =
         any_ && high.y > low_.y && low.y < high_.y && high.x > low_.x && low.x < high_.x;
-    if (meets) ++count_;
+    if (vertical && meets) ++notes->overlapping;
     low_ = low;
     high_ = high;
     any_ = true;
   }
-  uint32_t count() const { return count_; }
 
  private:
   P2 low_, high_;
   bool any_ = false;
-  uint32_t count_ = 0;
 };
+
+// Makes room at once for what a long text has of glyphs met before, so that its points are not
+// copied again and again.
+void ReserveFor(const GlyphCache& glyphs, std::u16string_view text, GlyphContours* contours) {
+  constexpr size_t kLongText = 2000;
+  if (text.size() < kLongText) return;
+  size_t points = contours->points.size();
+  size_t counts = contours->counts.size();
+  for (size_t at = 0; at < text.size();) {
+    const char32_t ch = NextCharacter(text, &at);
+    if (ch == 0) break;
+    if (IsPenControl(ch)) continue;
+    const CachedGlyph* glyph = glyphs.Find(ch);
+    if (!glyph) continue;
+    points += glyph->contours.points.size();
+    counts += glyph->contours.counts.size();
+  }
+  contours->points.reserve(points);
+  contours->counts.reserve(counts);
+}
 
 LogFont MeasuringFont(bool vertical, int32_t height, int32_t width, double slant, double angle,
                       std::u16string_view face, int32_t weight) {
@@ -104,7 +131,9 @@ uint32_t LayoutString(DeviceContext& dc, std::u16string_view text, const LayoutO
   (void)dc.GetTextMetrics(&metrics);
   const size_t before = contours->counts.size();
   GlyphCache& glyphs = GlyphCache::Of(dc, metrics, options.character_angle);
-  OverlapWatch overlaps;
+  ReserveFor(glyphs, text, contours);
+  LayoutNotes noted;
+  InkWatch ink;
   Pen pen;
   for (size_t at = 0; at < text.size();) {
     const char32_t ch = NextCharacter(text, &at);
@@ -117,15 +146,13 @@ uint32_t LayoutString(DeviceContext& dc, std::u16string_view text, const LayoutO
       pen.x += metrics.tmAveCharWidth;
     } else {
       const CachedGlyph& glyph = glyphs.Get(dc, ch);
-      if (options.vertical) {
-        pen.y -= VerticalAdvance(glyph.metrics, options.pitch);
-        overlaps.Place(glyph, pen);
-      }
+      if (options.vertical) pen.y -= VerticalAdvance(glyph.metrics, options.pitch);
+      ink.Place(glyph, pen, options.vertical, &noted);
       AppendGlyph(glyph, pen, contours);
       if (!options.vertical) pen.x += glyph.metrics.gmCellIncX;
     }
   }
-  if (notes) notes->overlapping = overlaps.count();
+  if (notes) *notes = noted;
   return static_cast<uint32_t>(contours->counts.size() - before);
 }
 
@@ -135,6 +162,10 @@ void PlaceBlock(std::vector<P2>* points, const BlockPlacement& placement) {
     low = {std::min(low.x, p.x), std::min(low.y, p.y)};
     high = {std::max(high.x, p.x), std::max(high.y, p.y)};
   }
+  PlaceBlock(points, low, high, placement);
+}
+
+void PlaceBlock(std::vector<P2>* points, P2 low, P2 high, const BlockPlacement& placement) {
   const P2 centre = Midpoint(low, high);
   if (placement.slant != 0) {
     const Turn slant(placement.slant);
@@ -155,9 +186,10 @@ uint32_t StringOutline(DeviceContext& dc, const TextRequest& request, GlyphConto
       BuildLogFont(request.height, request.width, request.weight, request.face));
   if (!font) return 0;
   Font* before = dc.SelectFont(font.get());
-  const uint32_t count = LayoutString(dc, request.text, request.layout, contours);
+  LayoutNotes notes;
+  const uint32_t count = LayoutString(dc, request.text, request.layout, contours, &notes);
   dc.SelectFont(before);
-  PlaceBlock(&contours->points, request.placement);
+  PlaceBlock(&contours->points, notes.low, notes.high, request.placement);
   return count;
 }
 

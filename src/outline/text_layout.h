@@ -32,6 +32,7 @@ struct LayoutOptions {
 // What LayoutString noticed on its way.
 struct LayoutNotes {
   uint32_t overlapping = 0;  // characters of vertical text whose ink box meets the one before
+  P2 low, high;              // the box around the points and the pen's origin
 };
 
 // The fields of SYSTEM_FONT with height, width, weight and face name (at most kMaxFaceName units of
@@ -57,7 +58,9 @@ struct BlockPlacement {
 // Slants, turns, negates y and moves: from y-up layout coordinates to y-down drawing coordinates.
 // The centre is that of the box around all points and the pen's origin; that it holds the origin is
 // meant.
+// `low` and `high` are that box where it is known already.
 void PlaceBlock(std::vector<P2>* points, const BlockPlacement& placement);
+void PlaceBlock(std::vector<P2>* points, P2 low, P2 high, const BlockPlacement& placement);
 
 // Everything that a string's outline depends on.
 struct TextRequest {

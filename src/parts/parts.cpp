@@ -122,6 +122,20 @@ bool Parts::AddLine(const P3& start, const P3& end) {
   return true;
 }
 
+bool Parts::AddClosedLines(std::span<const P3> corners) {
+  const size_t count = corners.size();
+  if (count == 0 || !HasRoomFor(vertices, count)) return false;
+  lines.items.reserve(lines.items.size() + count);
+  if (vertices.FillWithChain(corners)) {
+    const auto last = static_cast<int32_t>(count - 1);
+    for (int32_t i = 0; i < last; ++i) lines.items.push_back({i, i + 1});
+    lines.items.push_back({last, 0});
+    return true;
+  }
+  for (size_t i = 0; i < count; ++i) AddLine(corners[i], corners[(i + 1) % count]);
+  return true;
+}
+
 bool Parts::AddCircle(const P3& centre, double radius, int32_t attribute, const P3& first,
                       const P3& second) {
   if (!HasRoomFor(vertices, 3)) return false;

@@ -53,6 +53,8 @@ struct Parts {
   // be placed: a face of no points, or a pool that has no index left for a vertex.
   bool AddText(const P3& anchor, std::u16string_view text);
   bool AddLine(const P3& start, const P3& end);
+  // A closed chain: AddLine from each corner to the next and from the last to the first.
+  bool AddClosedLines(std::span<const P3> corners);
   bool AddCircle(const P3& centre, double radius, int32_t attribute, const P3& first,
                  const P3& second);
   bool AddFace(std::span<const P3> loop, int32_t attribute);

@@ -1,6 +1,7 @@
 #include "parts/vertex_pool.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 
@@ -43,6 +44,55 @@ uint64_t Hash(const P3& p) {
   h = (h ^ (h >> 32)) * 0xD6E8FEB86659FD93u;
   return h ^ (h >> 32);
 }
+
+// Whether `searches` more searches of large pools look at every point, without reading the limit
+// again.
+bool NoLimitFor(size_t searches) {
+  const uint32_t since_read = state.limited_calls % kReadLimitEvery;
+  return state.max_search < 0 && since_read != 0 && since_read + searches <= kReadLimitEvery;
+}
+
+// Tells whether all points of a loop differ. The table is never cleared: entries carry the number
+// of their loop, and those of other loops count as free.
+class DistinctTest {
+ public:
+  static constexpr size_t kMostPoints = 2048;
+
+  bool AllDistinct(std::span<const P3> points) {
+    if (++loop_ > kMostLoops) {
+      slots_.fill(0);
+      loop_ = 1;
+    }
+    for (size_t i = 0; i < points.size(); ++i) {
+      if (HasNan(points[i]) || !Insert(points, i)) return false;
+    }
+    return true;
+  }
+
+ private:
+  static constexpr size_t kSlots = 2 * kMostPoints;
+  static constexpr int kSlotBits = 12;
+  static constexpr uint32_t kMostLoops = 0xFFFF;
+
+  bool Insert(std::span<const P3> points, size_t i) {
+    const P3& p = points[i];
+    const auto bits = [](double v) { return std::bit_cast<uint64_t>(v + 0.0); };
+    const uint64_t hash = bits(p.x) * 0x9E3779B97F4A7C15u + bits(p.y) * 0xC2B2AE3D27D4EB4Fu +
+                          bits(p.z) * 0x165667B19E3779F9u;
+    for (size_t at = hash >> (64 - kSlotBits);; at = (at + 1) % kSlots) {
+      if (slots_[at] >> 16 != loop_) {
+        slots_[at] = loop_ << 16 | static_cast<uint32_t>(i);
+        return true;
+      }
+      if (points[slots_[at] & 0xFFFF] == p) return false;
+    }
+  }
+
+  std::array<uint32_t, kSlots> slots_{};
+  uint32_t loop_ = 0;
+};
+
+DistinctTest distinct_test;
 
 int64_t ScanBackward(const P3* points, size_t lowest, size_t count, const P3& wanted) {
   for (size_t i = count; i-- > lowest;) {
@@ -202,6 +252,21 @@ int32_t P3A::FindOrAddPoint(const P3& point) {
   if (found >= 0) return found;
   Append(point);
   return static_cast<int32_t>(points_.size() - 1);
+}
+
+bool P3A::FillWithChain(std::span<const P3> corners) {
+  const size_t count = corners.size();
+  if (!points_.empty() || count < 2 || count > DistinctTest::kMostPoints) return false;
+  // Both ends of each line are searched for: two searches at each pool size from kLimitApplies on,
+  // and those of the closing line.
+  const size_t limited = count < kLimitApplies ? 0 : 2 * (count - kLimitApplies) + 2;
+  if (limited > 0 && !NoLimitFor(limited)) return false;
+  if (!distinct_test.AllDistinct(corners)) return false;
+  points_.assign(corners.begin(), corners.end());
+  index_.reset();
+  state.limited_calls += static_cast<uint32_t>(limited);
+  state.backward = false;  // the chain ends with its first corner, found in the near half
+  return true;
 }
 
 void ResetVertexSearch() {

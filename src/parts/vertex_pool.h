@@ -51,6 +51,12 @@ class P3A {
   // Search, and where that finds nothing the point is appended. The index of the point.
   int32_t FindOrAddPoint(const P3& point);
 
+  // Fills an empty pool with the corners of a closed chain of lines, as FindOrAddPoint for both
+  // ends of each line in turn would, at a fraction of the cost. False, with nothing done, where the
+  // outcome could differ from the corners in their order: equal corners, not-a-numbers, a limit on
+  // the search, fewer than two corners.
+  bool FillWithChain(std::span<const P3> corners);
+
  private:
   class Index;
 

@@ -5,6 +5,7 @@
 #include <limits>
 #include <random>
 
+#include "parts/parts.h"
 #include "support/fake_settings.h"
 
 namespace kerno {
@@ -119,6 +120,67 @@ TEST(VertexPool, LimitIsReadOnEveryThousandthSearchOfALargePool) {
   EXPECT_EQ(1, settings.reads);
   EXPECT_EQ(5, pool.Search({5, 0, 0}));
   EXPECT_EQ(2, settings.reads);
+  ResetVertexSearch();
+}
+
+// The short cut for a closed chain must leave what line by line leaves: points, order, direction,
+// limit.
+TEST(VertexPool, ChainEqualsItsLinesOneByOne) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 400; ++round) {
+    const size_t count = round % 40 == 0 ? 90 + random() % 900 : random() % 130;
+    const int range = round % 3 == 0 ? 12 : 100000;  // with equal corners, or hardly
+    std::vector<P3> corners;
+    for (size_t i = 0; i < count; ++i) {
+      corners.push_back(
+          {double(random() % static_cast<unsigned>(range)) / 64, double(random() % 50), 0});
+    }
+    if (round % 17 == 0 && count > 0) corners[random() % count].y = kNan;
+    const bool forward_before = round % 2 != 0;
+    const auto turn = [&] {
+      ResetVertexSearch();
+      P3A other;
+      for (const double x : {0, 1, 2, 3}) other.Append({x, 0, 0});
+      if (forward_before) other.Search({0, 0, 0});
+    };
+    // The direction shows in which of two equal points is found.
+    const auto direction = [] {
+      P3A twins;
+      for (int i = 0; i < 4; ++i) twins.Append({1, 1, 1});
+      return twins.Search({1, 1, 1});
+    };
+    turn();
+    Parts chain;
+    chain.AddClosedLines(corners);
+    const int chain_direction = direction();
+    turn();
+    Parts one_by_one;
+    for (size_t i = 0; i < count; ++i) one_by_one.AddLine(corners[i], corners[(i + 1) % count]);
+    ASSERT_EQ(direction(), chain_direction) << round;
+    ASSERT_EQ(one_by_one.vertices.size(), chain.vertices.size()) << round;
+    ASSERT_EQ(one_by_one.lines.items.size(), chain.lines.items.size());
+    for (size_t i = 0; i < count; ++i) {
+      ASSERT_EQ(one_by_one.lines.items[i].start, chain.lines.items[i].start) << round << " " << i;
+      ASSERT_EQ(one_by_one.lines.items[i].end, chain.lines.items[i].end) << round << " " << i;
+    }
+  }
+  ResetVertexSearch();
+}
+
+TEST(VertexPool, ChainsCountAsSearchesOfTheLimit) {
+  FakeSettings settings;
+  ResetVertexSearch();
+  std::vector<P3> corners;
+  for (int i = 0; i < 300; ++i) corners.push_back({double(i), 0, 0});
+  for (int chain = 0; chain < 5; ++chain) {  // 400 searches of large pools each
+    Parts part;
+    part.AddClosedLines(corners);
+  }
+  EXPECT_EQ(2, settings.reads);
+  settings.ints[kMaxSearch] = 10;
+  Parts part;
+  part.AddClosedLines(corners);  // reads the limit: the first corner is not found again
+  EXPECT_EQ(301u, part.vertices.size());
   ResetVertexSearch();
 }
 
