@@ -12,7 +12,7 @@ namespace kerno {
 namespace {
 
 using nlohmann::json;
-using testing::ReadNativeRecords;
+using test::ReadNativeRecords;
 
 std::u16string Ascii(const std::string& text) {
   return {text.begin(), text.end()};
@@ -36,7 +36,7 @@ json Rounded(int32_t fixed) {
   return fixed % 1024 == 0 ? json(fixed / 1024) : json(fixed / 1024.0);
 }
 
-json PointJson(const testing::FixedPoint& point) {
+json PointJson(const test::FixedPoint& point) {
   return json::array({Rounded(point.first), Rounded(point.second)});
 }
 

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace kerno::testing {
+namespace kerno::test {
 
 using FixedPoint = std::pair<int32_t, int32_t>;  // x, y in 16.16
 
@@ -53,4 +53,4 @@ inline std::vector<NativeContour> ReadNativeRecords(const std::vector<std::byte>
   return contours;
 }
 
-}  // namespace kerno::testing
+}  // namespace kerno::test

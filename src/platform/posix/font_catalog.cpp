@@ -1,7 +1,5 @@
 #include "platform/posix/font_catalog.h"
 
-#include <fontconfig/fontconfig.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>

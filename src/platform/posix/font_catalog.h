@@ -4,6 +4,8 @@
 // the user's environment points (FONTCONFIG_FILE and its fellows).
 #pragma once
 
+#include <fontconfig/fontconfig.h>
+
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -13,8 +15,6 @@
 #include <vector>
 
 #include "platform/posix/sfnt_file.h"
-
-struct _FcConfig;
 
 namespace kerno {
 
@@ -83,7 +83,7 @@ class FontCatalog {
   std::multimap<std::string, size_t> by_name_;
   std::multimap<std::string, size_t> by_vertical_name_;  // "@" leaves a unit less to compare
   mutable std::map<const CatalogFace*, SfntFacts> facts_;
-  _FcConfig* config_ = nullptr;
+  FcConfig* config_ = nullptr;
 };
 
 // The name by which the system shows the family that `face` was found by when `name` was asked for,

@@ -207,10 +207,10 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
   return glyph;
 }
 
-// Thickens the strokes by 1/24 em, half of it on either side, so that the glyph stays where it was
+// Thickens the strokes by 1/32 em, half of it on either side, so that the glyph stays where it was
 // and keeps its advance; columns of a fixed-pitch face stay columns.
 void RealizedFont::Embolden(FT_GlyphSlot slot) const {
-  const FT_Pos strength = static_cast<FT_Pos>(pixels_per_em_ * 64 / 24);
+  const FT_Pos strength = static_cast<FT_Pos>(pixels_per_em_ * 64 / 32);
   FT_Outline* outline = &slot->outline;
   if (outline->n_points == 0 || FT_Outline_Embolden(outline, strength) != 0) {
     return;

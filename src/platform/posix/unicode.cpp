@@ -57,7 +57,7 @@ std::string ToFontconfigText(std::u16string_view text) {
 }
 
 std::string FaceNameKey(std::u16string_view name, size_t units) {
-  const std::string cut = ToFontconfigText(name.substr(0, units));
+  std::string cut = ToFontconfigText(name.substr(0, units));
   FcChar8* folded = FcStrDowncase(reinterpret_cast<const FcChar8*>(cut.c_str()));
   if (folded == nullptr) {
     return cut;

@@ -20,6 +20,40 @@ constexpr OrientationRange kOrientations[] = {
 #include "platform/posix/vertical_orientation.inc"
 };
 
+// Lookups of a GSUB feature for every script, each in its default language: a font files its comma
+// under the script of its text, and the face was chosen for its language already.
+std::vector<unsigned> LookupsOf(hb_face_t* face, hb_tag_t feature) {
+  std::vector<unsigned> lookups;
+  const unsigned scripts =
+      hb_ot_layout_table_get_script_tags(face, HB_OT_TAG_GSUB, 0, nullptr, nullptr);
+  for (unsigned script = 0; script < scripts; ++script) {
+    unsigned index = 0;
+    if (!hb_ot_layout_language_find_feature(face, HB_OT_TAG_GSUB, script,
+                                            HB_OT_LAYOUT_DEFAULT_LANGUAGE_INDEX, feature, &index)) {
+      continue;
+    }
+    unsigned count =
+        hb_ot_layout_feature_get_lookups(face, HB_OT_TAG_GSUB, index, 0, nullptr, nullptr);
+    const size_t before = lookups.size();
+    lookups.resize(before + count);
+    hb_ot_layout_feature_get_lookups(face, HB_OT_TAG_GSUB, index, 0, &count,
+                                     lookups.data() + before);
+    lookups.resize(before + count);
+  }
+  return lookups;
+}
+
+// The glyph that a lookup puts in place of another, or the same glyph.
+hb_codepoint_t Substitute(hb_face_t* face, unsigned lookup, hb_codepoint_t glyph) {
+  hb_set_t* glyphs = hb_set_create();
+  hb_set_add(glyphs, glyph);
+  hb_ot_layout_lookup_substitute_closure(face, lookup, glyphs);
+  hb_set_del(glyphs, glyph);
+  const hb_codepoint_t found = hb_set_get_min(glyphs);
+  hb_set_destroy(glyphs);
+  return found == HB_SET_VALUE_INVALID ? glyph : found;
+}
+
 }  // namespace
 
 VerticalOrientation VerticalOrientationOf(char32_t ch) {
@@ -34,28 +68,22 @@ void VerticalForms::HarfBuzzDeleter::operator()(hb_face_t* face) const noexcept 
   hb_face_destroy(face);
 }
 
-// A character with a form of its own (a comma at the upper right, an upright bracket) gets it
-// whatever script the font files it under: the lookups of all scripts are tried.
 void VerticalForms::Load(FT_Face face) {
   loaded_ = true;
   face_.reset(hb_ft_face_create_referenced(face));
   for (const hb_tag_t feature : {HB_TAG('v', 'e', 'r', 't'), HB_TAG('v', 'r', 't', '2')}) {
-    const hb_tag_t features[] = {feature, HB_TAG_NONE};
-    hb_set_t* found = hb_set_create();
-    hb_ot_layout_collect_lookups(face_.get(), HB_OT_TAG_GSUB, nullptr, nullptr, features, found);
-    for (hb_codepoint_t lookup = HB_SET_VALUE_INVALID; hb_set_next(found, &lookup) != 0;) {
-      lookups_.push_back(lookup);
+    for (const unsigned lookup : LookupsOf(face_.get(), feature)) {
+      if (std::find(lookups_.begin(), lookups_.end(), lookup) == lookups_.end()) {
+        lookups_.push_back(lookup);
+      }
     }
-    hb_set_destroy(found);
   }
 }
 
 FT_UInt VerticalForms::Alternate(FT_UInt glyph) const {
   for (const unsigned lookup : lookups_) {
-    unsigned count = 1;
-    hb_codepoint_t alternate = 0;
-    hb_ot_layout_lookup_get_glyph_alternates(face_.get(), lookup, glyph, 0, &count, &alternate);
-    if (count == 1 && alternate != glyph) {
+    const hb_codepoint_t alternate = Substitute(face_.get(), lookup, glyph);
+    if (alternate != glyph) {
       return alternate;
     }
   }
@@ -70,9 +98,10 @@ VerticalForm VerticalForms::Find(FT_Face face, char32_t ch, FT_UInt glyph) {
   if (!loaded_) {
     Load(face);
   }
-  const FT_UInt alternate = Alternate(glyph);
-  const bool lies = orientation == VerticalOrientation::kTransformedRotated && alternate == glyph;
-  return {alternate, !lies};
+  // A font with vertical alternates says by leaving a bracket or a bar out that it stands as it is;
+  // one without any never thought of vertical writing, and such characters then lie on their side.
+  const bool lies = orientation == VerticalOrientation::kTransformedRotated && lookups_.empty();
+  return {Alternate(glyph), !lies};
 }
 
 }  // namespace kerno

@@ -1,0 +1,248 @@
+// Sizes, texts and files at and beyond what a font can be asked.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+
+#include "platform/font_faces.h"
+#include "platform/posix/realized_font.h"
+#include "support/font_files.h"
+#include "support/font_probe.h"
+
+namespace kerno {
+namespace {
+
+using test::FontProbe;
+using ::testing::ElementsAre;
+
+constexpr char32_t kSample[] = {U'A', U'%', U' ', U'永', U'ー', 0, 0xD800, 0x20BB7, 0x10FFFF};
+
+// An outline that can be had is well formed, and its advance is what a text of it measures.
+void ExpectConsistent(const FontProbe& font, char32_t ch) {
+  const test::ProbedGlyph glyph = font.Glyph(ch);
+  if (!glyph.ok()) return;
+  ASSERT_EQ(glyph.size, glyph.buffer.size());
+  size_t size = 0;
+  for (const auto& contour : test::ReadNativeRecords(glyph.buffer)) {
+    size += 16;
+    for (const auto& record : contour.records) size += 4 + 8 * record.points.size();
+  }
+  EXPECT_EQ(size, glyph.size);
+  EXPECT_GE(glyph.metrics.gmBlackBoxX, 1U);
+  EXPECT_GE(glyph.metrics.gmBlackBoxY, 1U);
+}
+
+TEST(FontLimits, AnyHeightAndWidth) {
+  for (const char16_t* name : {u"DejaVu Sans", u"IPAMincho", u"@IPAPGothic", u"Tlwg Mono"}) {
+    for (const int32_t height : {-32768, -32767, -20000, -4096, -2, -1, 0, 1, 2, 3, 5, 4095, 16384,
+                                 32766, 32767, 70000, -70000, INT32_MAX, INT32_MIN}) {
+      for (const int32_t width : {0, 1, -7, 32767, INT32_MIN}) {
+        for (const int32_t weight : {400, 700}) {
+          const FontProbe font(name, height, width, weight);
+          ASSERT_NE(font.font(), nullptr);
+          const TextMetrics m = font.metrics();
+          EXPECT_EQ(m.tmHeight, m.tmAscent + m.tmDescent);
+          for (const char32_t ch : kSample) ExpectConsistent(font, ch);
+        }
+      }
+    }
+  }
+  // Every height of the 16 bits that a cell may have keeps its letters.
+  for (int32_t height = -32768; height <= 32767; height += 331) {
+    EXPECT_TRUE(FontProbe(u"DejaVu Serif", height).Glyph(U'i').ok()) << height;
+  }
+  EXPECT_FALSE(FontProbe(u"DejaVu Serif", INT32_MAX).Glyph(U'i').ok());
+  // Coordinates that 16.16 cannot hold are no outline.
+  EXPECT_FALSE(FontProbe(u"DejaVu Sans", 32767, 32767).Glyph(U'W').ok());
+}
+
+TEST(FontLimits, CharactersAndTheirGlyphs) {
+  const FontProbe sans(u"DejaVu Sans", 100);
+  const auto box = sans.Points(0x10FFFF);
+  EXPECT_FALSE(box.empty());
+  for (const char32_t ch : {char32_t{0xD800}, char32_t{0xDFFF}, U'永', char32_t{0x110000},
+                            char32_t{0xFFFFFFFF}, char32_t{1}}) {
+    EXPECT_FALSE(sans.font()->HasGlyph(ch)) << uint32_t{ch};
+    EXPECT_EQ(sans.Points(ch), box) << uint32_t{ch};
+  }
+  EXPECT_TRUE(sans.font()->HasGlyph(U'A'));
+  EXPECT_TRUE(sans.font()->HasGlyph(0x1D538));  // 𝔸, outside the first plane
+
+  const auto advance = [&](char32_t ch) { return sans.Glyph(ch).metrics.gmCellIncX; };
+  const char16_t lone[] = {0xD835, u'A'};
+  EXPECT_EQ(sans.TextExtent(u"𝔸A").cx, advance(0x1D538) + advance(U'A'));
+  EXPECT_EQ(sans.TextExtent({lone, 2}).cx, advance(0xD835) + advance(U'A'));
+  EXPECT_EQ(sans.TextExtent({lone, 1}).cx, advance(0xD835));
+  EXPECT_EQ(sans.TextExtent(u"").cx, 0);
+  EXPECT_EQ(sans.TextExtent(u"").cy, 100);
+  const FontProbe huge(u"DejaVu Sans", 32767);
+  EXPECT_EQ(huge.TextExtent(std::u16string(100000, u'W')).cx, INT32_MAX);
+}
+
+TEST(FontLimits, OutlineIsHadOnlyAsAskedFor) {
+  const auto context = CreateMeasuringContext();
+  GlyphMetrics metrics;
+  Mat2 turned;
+  turned.eM12 = 1;
+  EXPECT_EQ(context->GetGlyphOutline(U'A', kGgoNative, &metrics, 0, nullptr, turned), kGdiError);
+  EXPECT_EQ(context->GetGlyphOutline(U'A', 77, &metrics, 0, nullptr, Mat2{}), kGdiError);
+  EXPECT_EQ(context->GetGlyphOutline(U'A', kGgoMetrics, &metrics, 0, nullptr, Mat2{}), 0U);
+  EXPECT_GT(metrics.gmCellIncX, 0);
+  char small[4] = {1, 2, 3, 4};
+  EXPECT_EQ(context->GetGlyphOutline(U'A', kGgoNative, &metrics, 4, small, Mat2{}), kGdiError);
+  EXPECT_EQ(std::string(small, 4), std::string("\1\2\3\4"));
+}
+
+constexpr const char* kRasterFont = R"(STARTFONT 2.1
+FONT -test-Dots-Medium-R-Normal--8-80-75-75-C-80-ISO10646-1
+SIZE 8 75 75
+FONTBOUNDINGBOX 8 8 0 0
+STARTPROPERTIES 5
+FAMILY_NAME "Dots"
+FONT_ASCENT 7
+FONT_DESCENT 1
+CHARSET_REGISTRY "ISO10646"
+CHARSET_ENCODING "1"
+ENDPROPERTIES
+CHARS 1
+STARTCHAR A
+ENCODING 65
+SWIDTH 1000 0
+DWIDTH 6 0
+BBX 8 8 0 0
+BITMAP
+FF
+81
+81
+81
+81
+81
+81
+FF
+ENDCHAR
+ENDFONT
+)";
+
+TEST(FontLimits, RasterFaceHasMetricsButNoOutlines) {
+  test::OnlyTheseFonts fonts;
+  fonts.Install("dots.bdf", kRasterFont);
+  const auto faces = EnumerateFaces();
+  ASSERT_EQ(faces.size(), 1U);
+  EXPECT_EQ(faces[0].name, u"Dots");
+  EXPECT_EQ(faces[0].font_type, kRasterFontType);
+  const FontProbe font(u"dots", 20, 0, 700);
+  EXPECT_EQ(font.name(), u"Dots");
+  EXPECT_EQ(font.metrics().tmHeight, 8);
+  EXPECT_EQ(font.metrics().tmAscent, 7);
+  EXPECT_EQ(font.TextExtent(u"AA").cx, 12);
+  EXPECT_FALSE(font.Glyph(U'A').ok());
+}
+
+TEST(FontLimits, DamagedFilesArePassedOverAndNamed) {
+  const auto good = test::ReadFontFile(test::InstalledFontPath(u"DejaVu Sans Mono"));
+  const auto expected = FontProbe(u"DejaVu Sans Mono", 40).Points(U'g');
+  test::OnlyTheseFonts fonts;
+  fonts.Install("aa-truncated.ttf", good.substr(0, good.size() / 2));
+  fonts.Install("ab-truncated.ttf", good.substr(0, good.size() - 100000));
+  fonts.Install("empty.ttf", "");
+  fonts.Install("head.otf", good.substr(0, 40));
+  fonts.Install("noise.ttc", "ttcf\0\1\0\0\xFF\xFF\xFF\xFF this is no font");
+  fonts.Install("notes.txt", "no font, and not taken for one");
+  const auto other = test::WithFamilyName(good, u"Only Broken");
+  fonts.Install("only.ttf", other.substr(0, other.size() / 3));
+  fonts.Install("whole.ttf", good);
+  std::vector<std::u16string> skipped;
+  const auto faces = EnumerateFaces(&skipped);
+  ASSERT_EQ(faces.size(), 1U);
+  EXPECT_EQ(faces[0].name, u"DejaVu Sans Mono");
+  std::vector<std::string> names;
+  for (const auto& path : skipped) names.push_back(std::filesystem::path(path).filename().native());
+  EXPECT_THAT(names, ElementsAre("aa-truncated.ttf", "ab-truncated.ttf", "empty.ttf", "head.otf",
+                                 "noise.ttc", "only.ttf"));
+  EXPECT_EQ(FontProbe(u"DejaVu Sans Mono", 40).Points(U'g'), expected);
+  EXPECT_FALSE(IsFaceInstalled(u"Only Broken"));
+  EXPECT_EQ(FontProbe(u"Only Broken", 40).name(), u"DejaVu Sans Mono");
+}
+
+// A file that is taken away after it was listed leaves the next best.
+TEST(FontLimits, FileThatVanishes) {
+  const auto good = test::ReadFontFile(test::InstalledFontPath(u"DejaVu Sans Mono"));
+  test::OnlyTheseFonts fonts;
+  fonts.Install("b.ttf", good);
+  const std::string gone = fonts.Install("a.ttf", test::WithFamilyName(good, u"Gone"));
+  ASSERT_TRUE(FontCatalog::Current().FindFamily(u"Gone", FaceWish{}).size() == 1);
+  std::filesystem::remove(gone);
+  EXPECT_EQ(FontProbe(u"Gone", 40).name(), u"DejaVu Sans Mono");
+}
+
+// Tables that say what cannot be: whatever the rasteriser lets through must not break the sums.
+TEST(FontLimits, AbsurdTables) {
+  const auto good = test::ReadFontFile(test::InstalledFontPath(u"DejaVu Sans Mono"));
+  const size_t head = test::TableOffset(good, "head");
+  const size_t hhea = test::TableOffset(good, "hhea");
+  const size_t os2 = test::TableOffset(good, "OS/2");
+  struct Change {
+    size_t at;
+    int size;
+    uint32_t value;
+  };
+  const std::vector<std::vector<Change>> cases = {
+      {{head + 18, 2, 0}},  // units per em
+      {{head + 18, 2, 1}},
+      {{head + 18, 2, 0xFFFF}},
+      {{os2 + 74, 4, 0}},                    // Windows ascent and descent
+      {{os2 + 74, 4, 0}, {hhea + 4, 4, 0}},  // and those of hhea
+      {{os2 + 74, 4, 0}, {hhea + 4, 4, 0x80007FFF}, {hhea + 8, 2, 0x8000}},
+      {{os2 + 74, 4, 0xFFFFFFFF}},
+      {{os2 + 74, 4, 0x00000001}},
+      {{os2 + 2, 2, 0}},  // average width
+      {{os2 + 2, 2, 0x8000}},
+      {{head + 36, 4, 0x7FFF7FFF}, {head + 40, 4, 0x80008000}},  // box of all glyphs
+      {{hhea + 34, 2, 0}},                                       // number of advances
+      {{os2 + 4, 2, 0xFFFF}},                                    // weight class
+  };
+  test::OnlyTheseFonts fonts;
+  for (size_t i = 0; i < cases.size(); ++i) {
+    test::FontBytes bytes = good;
+    for (const Change& change : cases[i]) {
+      test::PutBig(&bytes, change.at, change.size, change.value);
+    }
+    fonts.Install("absurd.ttf", bytes);
+    for (const int32_t height : {-32768, -20, 0, 1, 30, 32767}) {
+      const FontProbe font(u"DejaVu Sans Mono", height, 0, 700);
+      if (font.font() == nullptr) continue;
+      EXPECT_GE(font.metrics().tmHeight, 0) << "case " << i << " height " << height;
+      for (const char32_t ch : kSample) ExpectConsistent(font, ch);
+    }
+  }
+}
+
+TEST(FontLimits, RandomDamage) {
+  std::mt19937 random(11);
+  test::TemporaryFolder folder;
+  for (const char16_t* name : {u"DejaVu Sans Mono", u"Tlwg Mono", u"IPAGothic"}) {
+    const auto good = test::ReadFontFile(test::InstalledFontPath(name));
+    const size_t tables = std::min<size_t>(good.size(), 4000);
+    for (int round = 0; round < 60; ++round) {
+      test::FontBytes bytes = good;
+      for (int i = 0; i < 1 + round; ++i) {
+        const size_t range = i % 2 == 0 ? good.size() : tables;
+        bytes[random() % range] = static_cast<char>(random());
+      }
+      test::WriteBytes(folder / "damaged", bytes);
+      FontChoice choice;
+      choice.path = folder / "damaged";
+      choice.embolden = round % 3 == 0;
+      choice.vertical = round % 2 == 0;
+      const auto font = RealizedFont::Create(choice, round % 5 == 0 ? 32767 : 50, 0);
+      for (const char32_t ch : kSample) {
+        if (font) font->Glyph(ch);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kerno

@@ -1,0 +1,158 @@
+#include "platform/posix/vertical_forms.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "platform/font_faces.h"
+#include "support/font_files.h"
+#include "support/font_probe.h"
+
+namespace kerno {
+namespace {
+
+using test::FixedPoint;
+using test::FontProbe;
+
+constexpr int32_t kOne = 0x10000;
+
+struct FixedBox {
+  int32_t left, bottom, right, top;
+  int32_t width() const { return right - left; }
+  int32_t height() const { return top - bottom; }
+};
+
+FixedBox BoxOf(const std::vector<FixedPoint>& points) {
+  FixedBox box{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+  for (const auto& [x, y] : points) {
+    box = {std::min(box.left, x), std::min(box.bottom, y), std::max(box.right, x),
+           std::max(box.top, y)};
+  }
+  return box;
+}
+
+// By quarter turns, counter-clockwise, about the centre of the cell of this character.
+std::vector<FixedPoint> Turned(const FontProbe& font, char32_t ch, std::vector<FixedPoint> points,
+                               int quarters) {
+  const TextMetrics m = font.metrics();
+  const int32_t centre_x = font.Glyph(ch).metrics.gmCellIncX * (kOne / 2);
+  const int32_t centre_y = (m.tmAscent - m.tmDescent) * (kOne / 2);
+  for (auto& [x, y] : points) {
+    const int32_t dx = x - centre_x;
+    const int32_t dy = y - centre_y;
+    x = centre_x + (quarters > 0 ? -dy : dy);
+    y = centre_y + (quarters > 0 ? dx : -dx);
+  }
+  return points;
+}
+
+// What a reader of a column sees: each glyph turned clockwise, in its cell.
+std::vector<FixedPoint> InColumn(const FontProbe& font, char32_t ch) {
+  return Turned(font, ch, font.Points(ch), -1);
+}
+
+TEST(VerticalForms, UprightCharactersAreTurnedAndOthersStay) {
+  for (const char16_t* name : {u"IPAGothic", u"IPAPGothic", u"IPAMincho", u"IPAPMincho"}) {
+    for (const int32_t height : {7, 16, 99, 100, -100, 1000}) {
+      const FontProbe plain(name, height);
+      const FontProbe vertical(u"@" + std::u16string(name), height);
+      const std::string what = std::to_string(height);
+      ASSERT_EQ(vertical.name(), u"@" + std::u16string(name));
+      EXPECT_EQ(vertical.metrics().tmHeight, plain.metrics().tmHeight) << what;
+      EXPECT_EQ(vertical.metrics().tmAveCharWidth, plain.metrics().tmAveCharWidth) << what;
+      // The proportional faces have full-width alternates for their narrow kana.
+      const bool proportional = std::u16string_view(name).starts_with(u"IPAP");
+      const std::u32string_view characters = proportional ? U"永龍!A8ｱ" : U"永龍!A8ｱあアＡ";
+      for (const char32_t ch : characters) {
+        const bool stays = ch < 0x100 || ch == U'ｱ';
+        const auto expected = stays ? plain.Points(ch) : Turned(plain, ch, plain.Points(ch), 1);
+        EXPECT_EQ(vertical.Points(ch), expected) << what << " U+" << std::hex << uint32_t{ch};
+        EXPECT_EQ(vertical.Glyph(ch).metrics.gmCellIncX, plain.Glyph(ch).metrics.gmCellIncX);
+      }
+    }
+  }
+}
+
+TEST(VerticalForms, MetricsAgreeWithTheOutline) {
+  for (const char16_t* name : {u"@IPAGothic", u"@IPAPMincho"}) {
+    const FontProbe font(name, 100);
+    for (const char32_t ch : std::u32string_view(U"永あ、。ー「（）龍ゃッＡＷ〒…ｱAgW8")) {
+      const GlyphMetrics m = font.Glyph(ch).metrics;
+      const FixedBox box = BoxOf(font.Points(ch));
+      const int32_t slack = 2 * kOne;  // hinted boxes are whole pixels around the outline
+      const auto near = [slack](int32_t outer, int32_t inner, int sign) {
+        return sign * (inner - outer) >= 0 && sign * (inner - outer) < slack;
+      };
+      const int32_t left = m.gmptGlyphOriginX * kOne;
+      const int32_t top = m.gmptGlyphOriginY * kOne;
+      EXPECT_TRUE(near(left, box.left, 1) && near(top, box.top, -1) &&
+                  near(left + static_cast<int32_t>(m.gmBlackBoxX) * kOne, box.right, -1) &&
+                  near(top - static_cast<int32_t>(m.gmBlackBoxY) * kOne, box.bottom, 1))
+          << "U+" << std::hex << uint32_t{ch};
+    }
+  }
+}
+
+// The outcome that a reader expects of a column: marks in their corner, bars and brackets along it.
+TEST(VerticalForms, ColumnsReadAsExpected) {
+  for (const char16_t* name : {u"@IPAGothic", u"@IPAMincho"}) {
+    const FontProbe font(name, 100);
+    const TextMetrics m = font.metrics();
+    const int32_t middle_y = (m.tmAscent - m.tmDescent) * (kOne / 2);
+    for (const char32_t ch : {U'、', U'。'}) {
+      const FixedBox box = BoxOf(InColumn(font, ch));
+      EXPECT_GT(box.left, font.Glyph(ch).metrics.gmCellIncX * (kOne / 2));
+      EXPECT_GT(box.bottom, middle_y);
+    }
+    for (const char32_t ch : {U'ー', U'〜', U'…', U'―'}) {
+      const FixedBox box = BoxOf(InColumn(font, ch));
+      EXPECT_GT(box.height(), 3 * box.width()) << std::hex << uint32_t{ch};
+    }
+    for (const char32_t ch : {U'（', U'「', U'』'}) {
+      const FixedBox box = BoxOf(InColumn(font, ch));
+      EXPECT_GT(box.width(), box.height()) << std::hex << uint32_t{ch};
+    }
+    // An opening bracket keeps near what it opens: in the lower half of its cell.
+    EXPECT_LT(BoxOf(InColumn(font, U'（')).top, middle_y);
+    EXPECT_GT(BoxOf(InColumn(font, U'）')).bottom, middle_y);
+    // Latin lies on its side: what was up points right.
+    const FixedBox letter = BoxOf(InColumn(font, U'l'));
+    EXPECT_GT(letter.width(), letter.height());
+  }
+}
+
+// Without vertical alternates in the font, a bar still runs along the column.
+TEST(VerticalForms, FaceWithoutAlternatesTurnsBarsAndBrackets) {
+  auto bytes = test::ReadFontFile(test::InstalledFontPath(u"IPAGothic"));
+  bytes.replace(test::TableEntry(bytes, "GSUB"), 4, "GSUX");
+  test::OnlyTheseFonts fonts;
+  fonts.Install("plain.ttf", test::WithFamilyName(bytes, u"No Alternates"));
+  const FontProbe font(u"@No Alternates", 100);
+  ASSERT_EQ(font.name(), u"@No Alternates");
+  const FixedBox bar = BoxOf(InColumn(font, U'ー'));
+  EXPECT_GT(bar.height(), 3 * bar.width());
+  const FontProbe plain(u"No Alternates", 100);
+  EXPECT_EQ(InColumn(font, U'、'), plain.Points(U'、'));
+}
+
+TEST(VerticalForms, OrientationOfCharacters) {
+  EXPECT_EQ(VerticalOrientationOf(U'A'), VerticalOrientation::kRotated);
+  EXPECT_EQ(VerticalOrientationOf(U'§'), VerticalOrientation::kUpright);
+  EXPECT_EQ(VerticalOrientationOf(U'、'), VerticalOrientation::kTransformedUpright);
+  EXPECT_EQ(VerticalOrientationOf(U'ー'), VerticalOrientation::kTransformedRotated);
+  EXPECT_EQ(VerticalOrientationOf(0x20BB7), VerticalOrientation::kUpright);
+  EXPECT_EQ(VerticalOrientationOf(0), VerticalOrientation::kRotated);
+  EXPECT_EQ(VerticalOrientationOf(0xFFFFFFFF), VerticalOrientation::kRotated);
+}
+
+TEST(VerticalForms, OnlyFacesWithFullWidthCharactersHaveAVerticalForm) {
+  EXPECT_TRUE(IsFaceInstalled(u"@IPAMincho"));
+  EXPECT_TRUE(IsFaceInstalled(u"@IPA明朝"));
+  EXPECT_FALSE(IsFaceInstalled(u"@DejaVu Sans"));
+  EXPECT_FALSE(IsFaceInstalled(u"@"));
+  EXPECT_TRUE(FontProbe(u"@DejaVu Sans", 20).name().starts_with(u"@"));  // the mapper's choice
+}
+
+}  // namespace
+}  // namespace kerno
