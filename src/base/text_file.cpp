@@ -67,16 +67,22 @@ std::u16string DecodeText(std::string_view bytes, TextForm form) {
   return DecodeCodePage932(bytes);
 }
 
+Status ReadFileBytes(const fs::path& path, std::string* bytes, size_t most) {
+  Status status = WaitForFile(path, FileWait::kRead, [&] {
+    Status opened;
+    const auto file = HeldFile::Open(path, Deny::kWrite, &opened);
+    return file ? file->Read(bytes, most) : opened;
+  });
+  if (!status.ok()) bytes->clear();
+  return status;
+}
+
 bool ReadText(const fs::path& path, std::u16string* text, TextForm form, Status* why) {
   text->clear();
   Status ignored;
   Status& status = why ? *why : ignored;
   std::string bytes;
-  status = WaitForFile(path, FileWait::kRead, [&] {
-    Status opened;
-    const auto file = HeldFile::Open(path, Deny::kWrite, &opened);
-    return file ? file->Read(&bytes) : opened;
-  });
+  status = ReadFileBytes(path, &bytes);
   if (!status.ok() || bytes.empty()) return false;
   *text = DecodeText(bytes, form);
   return true;
@@ -110,12 +116,7 @@ bool HasUtf16Mark(std::string_view bytes) {
 
 bool IsUtf16File(const fs::path& path) {
   std::string bytes;
-  const Status status = WaitForFile(path, FileWait::kRead, [&] {
-    Status opened;
-    const auto file = HeldFile::Open(path, Deny::kWrite, &opened);
-    return file ? file->Read(&bytes, kLittleEndianMark.size()) : opened;
-  });
-  return status.ok() && HasUtf16Mark(bytes);
+  return ReadFileBytes(path, &bytes, kLittleEndianMark.size()).ok() && HasUtf16Mark(bytes);
 }
 
 Status MakeUtf16File(const fs::path& path) {

@@ -20,6 +20,10 @@ enum class TextForm {
 // UTF-8 becomes U+FFFD.
 std::u16string DecodeText(std::string_view bytes, TextForm form = TextForm::kDetect);
 
+// The bytes of a whole file, which others may not write meanwhile. After a failure they are none.
+Status ReadFileBytes(const std::filesystem::path& path, std::string* bytes,
+                     size_t most = std::string::npos);
+
 // Reads a whole file. False, with an empty text, when the path is empty, or the file does not
 // exist, is empty, or cannot be read; *why, when given, then tells the reason (ok for an empty
 // file).

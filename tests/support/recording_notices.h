@@ -19,10 +19,22 @@ class RecordingNotices final : public Notices {
   std::vector<std::u16string> messages;
   std::vector<std::u16string> waits;  // an empty text for each time that the display is cleared
 
+  struct Step {
+    std::u16string text;
+    int64_t done;
+    int64_t total;
+    bool operator==(const Step&) const = default;
+  };
+  std::vector<Step> steps;  // of progress
+  int64_t stop_at = -1;     // the step at which the user stops the operation
+
   void Message(std::u16string_view text) override { messages.emplace_back(text); }
   void ShowWait(std::u16string_view text) override { waits.emplace_back(text); }
   void ClearWait() override { waits.emplace_back(); }
-  Continue Progress(std::u16string_view, int64_t, int64_t) override { return Continue::kYes; }
+  Continue Progress(std::u16string_view text, int64_t done, int64_t total) override {
+    steps.push_back({std::u16string(text), done, total});
+    return done == stop_at ? Continue::kNo : Continue::kYes;
+  }
 
  private:
   Notices* before_;

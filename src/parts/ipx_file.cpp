@@ -1,0 +1,212 @@
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "base/file_wait.h"
+#include "base/notices.h"
+#include "base/text.h"
+#include "base/text_file.h"
+#include "parts/ipx.h"
+#include "parts/ipx_lexer.h"
+#include "parts/ipx_parts.h"
+#include "platform/code_page.h"
+#include "platform/file_replacement.h"
+#include "platform/held_file.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kLittleEndianMark = "\xFF\xFE";
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+// A text that stands in the file unescaped, and what it is to the user.
+struct PlainText {
+  std::u16string_view what;
+  std::u16string_view text;
+};
+
+// Calls `visit` with each unescaped text of a part until it answers false; false then.
+template <class Visit>
+bool EachPlainText(const PartsElement& part, const Visit& visit) {
+  if (!visit(PlainText{u"layer name", part.name})) return false;
+  if (!visit(PlainText{u"second text", part.second_text})) return false;
+  const auto face_name = [&](const TextLine& line) {
+    return visit(PlainText{u"face name", line.face_name});
+  };
+  return std::ranges::all_of(part.horizontal_texts.items, face_name) &&
+         std::ranges::all_of(part.vertical_texts.items, face_name);
+}
+
+// Why a part cannot stand in a parts file; empty when it can.
+std::u16string Unwritable(const PartsElement& part) {
+  std::u16string why;
+  EachPlainText(part, [&](const PlainText& plain) {
+    if (plain.text.find_first_of(u"\"\r\n") == plain.text.npos) return true;
+    why = u"the " + std::u16string(plain.what) + u" \u201C" + std::u16string(plain.text) +
+          u"\u201D holds a double quote or a line break, which a parts file cannot hold";
+    return false;
+  });
+  return why;
+}
+
+bool ReadsBackFromCodePage(std::u16string_view text) {
+  if (std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; })) return true;
+  bool used_default = false;
+  const std::string bytes = EncodeCodePage932(text, '_', &used_default);
+  return !used_default && DecodeCodePage932(bytes) == text;
+}
+
+// The texts decide alone: everything else in the file is ASCII, and the code page has no state that
+// one text could leave to the next.
+TextEncoding EncodingFor(const PartsA& container, std::u16string_view program) {
+  const auto item_fits = [](const auto& item) { return ReadsBackFromCodePage(item.text); };
+  const auto fits = [&](const PartsElement& part) {
+    return EachPlainText(part, [](const PlainText& p) { return ReadsBackFromCodePage(p.text); }) &&
+           std::ranges::all_of(part.texts.items, item_fits) &&
+           std::ranges::all_of(part.more_texts.items, item_fits) &&
+           std::ranges::all_of(part.horizontal_texts.items, item_fits) &&
+           std::ranges::all_of(part.vertical_texts.items, item_fits);
+  };
+  return ReadsBackFromCodePage(program) && std::ranges::all_of(container.parts, fits)
+             ? TextEncoding::kCodePage932
+             : TextEncoding::kUtf16;
+}
+
+std::string Utf16Bytes(std::string_view packed) {
+  std::string bytes;
+  bytes.reserve(packed.size() * 2);
+  for (const char16_t unit : ipx::Unpack(packed)) {
+    bytes.push_back(static_cast<char>(unit & 0xFF));
+    bytes.push_back(static_cast<char>(unit >> 8));
+  }
+  return bytes;
+}
+
+std::string CodePageBytes(std::string_view packed) {
+  std::string bytes;
+  bytes.reserve(packed.size());
+  while (!packed.empty()) {
+    const size_t plain = ipx::AsciiPrefix(packed);
+    bytes.append(packed.substr(0, plain));
+    packed.remove_prefix(plain);
+    size_t other = 0;
+    while (other < packed.size() && static_cast<unsigned char>(packed[other]) >= 0x80) ++other;
+    bytes += EncodeCodePage932(ipx::Unpack(packed.substr(0, other)), '_');
+    packed.remove_prefix(other);
+  }
+  return bytes;
+}
+
+bool HasMark(std::string_view bytes) {
+  return HasUtf16Mark(bytes) || bytes.substr(0, kUtf8Mark.size()) == kUtf8Mark;
+}
+
+// The packed form of bytes in code page 932. Line breaks are never half of a character, so that
+// what lies between them is decoded by itself.
+std::string PackCodePage(std::string_view bytes) {
+  std::string packed;
+  packed.reserve(bytes.size() + bytes.size() / 8);
+  while (!bytes.empty()) {
+    const size_t plain = ipx::AsciiPrefix(bytes);
+    packed.append(bytes.substr(0, plain));
+    bytes.remove_prefix(plain);
+    size_t line = 0;
+    while (line < bytes.size() && bytes[line] != '\r' && bytes[line] != '\n') ++line;
+    ipx::AppendPacked(&packed, DecodeCodePage932(bytes.substr(0, line)));
+    bytes.remove_prefix(line);
+  }
+  return packed;
+}
+
+Status Stopped(std::u16string_view name) {
+  return Status::Error(Failure::kOther, std::u16string(name), u"stopped by the user");
+}
+
+// Opens the replacement of a file once nobody else holds it.
+std::unique_ptr<FileReplacement> OpenReplacement(const fs::path& path, Status* status) {
+  std::unique_ptr<FileReplacement> file;
+  *status = WaitForFile(path, FileWait::kWrite, [&] {
+    Status opened;
+    std::error_code ignored;
+    if (fs::is_regular_file(path, ignored)) {
+      HeldFile::Open(path, Deny::kAll, &opened);
+      if (opened.failure == Failure::kSharingViolation) return opened;
+    }
+    file = FileReplacement::Create(path, &opened);
+    return file ? Status::Ok() : opened;
+  });
+  return file;
+}
+
+}  // namespace
+
+bool IsIpx(std::u16string_view path) {
+  return AsciiLower(Extension(path)) == u"ipx";
+}
+
+Status EncodeIpx(const PartsA& container, std::u16string_view program, std::u16string_view name,
+                 const IpxSink& sink) {
+  for (const PartsElement& part : container.parts) {
+    std::u16string why = Unwritable(part);
+    if (!why.empty()) return Status::Error(Failure::kOther, std::u16string(name), std::move(why));
+  }
+  const TextEncoding encoding = EncodingFor(container, program);
+  Status taken;
+  if (encoding == TextEncoding::kUtf16) taken = sink(kLittleEndianMark);
+  if (!taken.ok()) return taken;
+  ipx::Writer out([&](std::string_view packed) {
+    if (encoding == TextEncoding::kUtf16) {
+      taken = sink(Utf16Bytes(packed));
+    } else if (ipx::AsciiPrefix(packed) == packed.size()) {
+      taken = sink(packed);
+    } else {
+      taken = sink(CodePageBytes(packed));
+    }
+    return taken.ok();
+  });
+  const bool whole = Write(&out, container, program);
+  if (!taken.ok()) return taken;
+  if (!whole) return Stopped(name);
+  if (out.wrote_non_finite()) {
+    CurrentNotices().Message(
+        std::u16string(name) +
+        u": some numbers are not finite; they are written as nan, inf or -inf");
+  }
+  return Status::Ok();
+}
+
+Status WriteIpxFile(const fs::path& path, const PartsA& container, std::u16string_view program) {
+  Status status;
+  const auto file = OpenReplacement(path, &status);
+  if (!file) return status;
+  status = EncodeIpx(container, program, PathText(path),
+                     [&](std::string_view bytes) { return file->Write(bytes); });
+  return status.ok() ? file->Commit() : status;
+}
+
+bool DecodeIpx(std::string_view bytes, PartsA* container) {
+  std::string packed;
+  if (HasMark(bytes)) {
+    packed = ipx::Pack(DecodeText(bytes));
+    bytes = packed;
+  } else if (ipx::AsciiPrefix(bytes) < bytes.size()) {
+    packed = PackCodePage(bytes);
+    bytes = packed;
+  }
+  ipx::Lines lines(bytes);
+  return Read(&lines, container);
+}
+
+Status ReadIpxFile(const fs::path& path, PartsA* container) {
+  *container = PartsA();
+  std::string bytes;
+  Status status = ReadFileBytes(path, &bytes);
+  if (!status.ok()) return status;
+  if (bytes.empty()) return Status::Error(Failure::kOther, PathText(path), u"the file is empty");
+  return DecodeIpx(bytes, container) ? Status::Ok() : Stopped(PathText(path));
+}
+
+}  // namespace kerno

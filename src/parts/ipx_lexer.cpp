@@ -1,0 +1,346 @@
+#include "parts/ipx_lexer.h"
+
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+#include "base/number_text.h"
+#include "base/text.h"
+
+namespace kerno::ipx {
+namespace {
+
+constexpr int kDigits = 15;
+constexpr size_t kPiece = 1 << 16;  // bytes that a writer gathers before it hands them over
+
+bool IsSeparator(char c) {
+  return c == ' ' || c == '\r' || c == '\n';
+}
+bool IsQuote(char c) {
+  return c == '"' || c == '\'';
+}
+bool IsSpace(char c) {
+  return IsSeparator(c) || c == '\t' || c == '\v' || c == '\f';
+}
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+const char* FindSeparator(const char* at, const char* end) {
+  while (at != end && !IsSeparator(*at)) ++at;
+  return at;
+}
+
+// The quote at or after `at` that stands before a separator or at the end; null when there is none.
+const char* FindClosingQuote(const char* at, const char* end, char quote) {
+  while (at != end) {
+    at = static_cast<const char*>(std::memchr(at, quote, static_cast<size_t>(end - at)));
+    if (!at) return nullptr;
+    if (at + 1 == end || IsSeparator(at[1])) return at;
+    ++at;
+  }
+  return nullptr;
+}
+
+// What a number out of a double's range comes to: the text names one above the largest or one below
+// the smallest.
+enum class Base { kDecimal, kHexadecimal };
+double OutOfRange(std::string_view number, Base base) {
+  const size_t e = number.find_first_of(base == Base::kDecimal ? "eE" : "pP");
+  int64_t exponent = 0;
+  if (e != number.npos) exponent = LeadingInteger(number.substr(e + 1));
+  exponent = std::clamp<int64_t>(exponent, -1000000000, 1000000000);
+  const std::string_view mantissa = number.substr(0, e);
+  const size_t point = std::min(mantissa.find('.'), mantissa.size());
+  const size_t first = mantissa.find_first_not_of("0.");
+  if (first == mantissa.npos) return 0;
+  const int64_t scale = base == Base::kDecimal ? 1 : 4;
+  exponent += scale * (static_cast<int64_t>(point) - static_cast<int64_t>(first));
+  return exponent > 0 ? std::numeric_limits<double>::infinity() : 0;
+}
+
+const char* SkipSpaces(const char* at, const char* end) {
+  while (at != end && IsSpace(*at)) ++at;
+  return at;
+}
+
+int32_t To32(int64_t value) {
+  return static_cast<int32_t>(std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(),
+                                                  std::numeric_limits<int32_t>::max()));
+}
+
+}  // namespace
+
+void AppendPacked(std::string* packed, std::u16string_view text) {
+  const auto put = [&](int byte) { packed->push_back(static_cast<char>(byte)); };
+  for (const char16_t unit : text) {
+    if (unit < 0x80) {
+      put(unit);
+    } else if (unit < 0x800) {
+      put(0xC0 | (unit >> 6));
+      put(0x80 | (unit & 0x3F));
+    } else {
+      put(0xE0 | (unit >> 12));
+      put(0x80 | ((unit >> 6) & 0x3F));
+      put(0x80 | (unit & 0x3F));
+    }
+  }
+}
+
+std::string Pack(std::u16string_view text) {
+  std::string packed;
+  packed.reserve(text.size());
+  AppendPacked(&packed, text);
+  return packed;
+}
+
+std::u16string Unpack(std::string_view packed) {
+  std::u16string text;
+  text.reserve(packed.size());
+  for (size_t at = 0; at < packed.size();) {
+    const auto byte = [&](size_t i) -> unsigned {
+      return at + i < packed.size() ? static_cast<unsigned char>(packed[at + i]) : 0u;
+    };
+    const unsigned lead = byte(0);
+    if (lead < 0x80) {
+      text.push_back(static_cast<char16_t>(lead));
+      at += 1;
+    } else if (lead < 0xE0) {
+      text.push_back(static_cast<char16_t>((lead & 0x1F) << 6 | (byte(1) & 0x3F)));
+      at += 2;
+    } else {
+      text.push_back(
+          static_cast<char16_t>((lead & 0x0F) << 12 | (byte(1) & 0x3F) << 6 | (byte(2) & 0x3F)));
+      at += 3;
+    }
+  }
+  return text;
+}
+
+size_t AsciiPrefix(std::string_view bytes) {
+  size_t at = 0;
+  for (; at + 8 <= bytes.size(); at += 8) {
+    uint64_t eight = 0;
+    std::memcpy(&eight, bytes.data() + at, 8);
+    if (eight & 0x8080808080808080u) break;
+  }
+  while (at < bytes.size() && static_cast<unsigned char>(bytes[at]) < 0x80) ++at;
+  return at;
+}
+
+void Writer::Integer(int64_t value) {
+  AppendInteger(&text_, value);
+  text_.push_back(' ');
+}
+
+void Writer::Number(double value) {
+  if (!std::isfinite(value)) wrote_non_finite_ = true;
+  AppendNumberText(&text_, value, kDigits);
+  text_.push_back(' ');
+}
+
+void Writer::IntegerItem(int64_t value) {
+  text_.push_back('\'');
+  AppendInteger(&text_, value);
+  text_.append("' ");
+}
+
+void Writer::NumberItem(double value) {
+  text_.push_back('\'');
+  Number(value);
+  text_.back() = '\'';
+  text_.push_back(' ');
+}
+
+void Writer::Field(std::u16string_view text) {
+  text_.push_back('"');
+  AppendPacked(&text_, text);
+  text_.append("\" ");
+}
+
+void Writer::TextField(std::u16string_view text) {
+  Field(EscapeText(text));
+}
+
+void Writer::List(const std::vector<int32_t>& values) {
+  text_.push_back('"');
+  for (const int32_t value : values) Integer(value);
+  text_.append("\" ");
+}
+
+void Writer::Point(const P3& point) {
+  Number(point.x);
+  Number(point.y);
+  Number(point.z);
+}
+
+void Writer::EndLine() {
+  text_.append("\r\n");
+  if (drain_ && text_.size() >= kPiece) HandOver();
+}
+
+bool Writer::Finish() {
+  if (drain_) HandOver();
+  return !stopped_;
+}
+
+void Writer::HandOver() {
+  if (!stopped_ && !text_.empty()) stopped_ = !drain_(text_);
+  text_.clear();
+}
+
+bool Tokens::SkipSeparators() {
+  while (at_ != end_ && IsSeparator(*at_)) ++at_;
+  return at_ != end_;
+}
+
+bool Tokens::Next(std::string_view* token) {
+  if (!SkipSeparators()) return false;
+  const char* first = at_;
+  if (IsQuote(*first)) {
+    bool& none_left = *first == '"' ? no_double_ : no_single_;
+    const char* close = none_left ? nullptr : FindClosingQuote(first + 1, end_, *first);
+    if (close) {
+      at_ = close + 1;
+      *token = {first + 1, static_cast<size_t>(close - first - 1)};
+      return true;
+    }
+    none_left = true;
+  }
+  at_ = FindSeparator(first, end_);
+  *token = {first, static_cast<size_t>(at_ - first)};
+  return true;
+}
+
+void Tokens::Skip() {
+  std::string_view token;
+  Next(&token);
+}
+
+void Tokens::Integer(int32_t* value) {
+  if (!SkipSeparators()) return;
+  if (IsQuote(*at_) || IsSpace(*at_)) {
+    std::string_view token;
+    if (Next(&token)) *value = To32(LeadingInteger(token));
+    return;
+  }
+  *value = To32(LeadingInteger({at_, static_cast<size_t>(end_ - at_)}, &at_));
+  at_ = FindSeparator(at_, end_);
+}
+
+void Tokens::Number(double* value) {
+  if (!SkipSeparators()) return;
+  if (IsQuote(*at_) || IsSpace(*at_)) {
+    std::string_view token;
+    if (Next(&token)) *value = LeadingNumber(token);
+    return;
+  }
+  *value = LeadingNumber({at_, static_cast<size_t>(end_ - at_)}, &at_);
+  at_ = FindSeparator(at_, end_);
+}
+
+void Tokens::Text(std::u16string* text) {
+  std::string_view token;
+  if (Next(&token)) *text = Unpack(token);
+}
+
+void Tokens::List(std::vector<int32_t>* values) {
+  std::string_view token;
+  if (!Next(&token)) return;
+  values->clear();
+  for (Tokens items(token); items.SkipSeparators();) {
+    values->push_back(0);
+    items.Integer(&values->back());
+  }
+}
+
+void Tokens::Point(P3* point) {
+  Number(&point->x);
+  Number(&point->y);
+  Number(&point->z);
+}
+
+Tokens Tokens::Group() {
+  std::string_view token;
+  Next(&token);
+  return Tokens(token);
+}
+
+Lines::Lines(std::string_view text) : rest_(text) {
+  while (!rest_.empty()) {
+    Cut();
+    ++remaining_;
+  }
+  rest_ = text;
+}
+
+std::string_view Lines::Next() {
+  if (remaining_ == 0) return {};
+  --remaining_;
+  return Cut();
+}
+
+// Takes the first line off the rest.
+std::string_view Lines::Cut() {
+  for (size_t at = 0;; ++at) {
+    const void* found = std::memchr(rest_.data() + at, '\n', rest_.size() - at);
+    if (!found) return std::exchange(rest_, {});
+    at = static_cast<size_t>(static_cast<const char*>(found) - rest_.data());
+    if (at > 0 && rest_[at - 1] == '\r') {
+      const std::string_view line = rest_.substr(0, at - 1);
+      rest_.remove_prefix(at + 1);
+      return line;
+    }
+  }
+}
+
+double LeadingNumber(std::string_view text, const char** stop) {
+  const char* const end = text.data() + text.size();
+  const char* at = SkipSpaces(text.data(), end);
+  if (stop) *stop = text.data();
+  if (at == end) return 0;
+  const bool negative = *at == '-';
+  if (negative || *at == '+') ++at;
+  if (at == end || *at == '-') return 0;
+
+  double value = 0;
+  Base base = Base::kDecimal;
+  std::from_chars_result read{at, std::errc::invalid_argument};
+  if (end - at > 2 && at[0] == '0' && (at[1] == 'x' || at[1] == 'X') && at[2] != '-') {
+    base = Base::kHexadecimal;
+    read = std::from_chars(at + 2, end, value, std::chars_format::hex);
+  }
+  if (read.ec == std::errc::invalid_argument) {
+    base = Base::kDecimal;
+    read = std::from_chars(at, end, value);
+  }
+  if (read.ec == std::errc::invalid_argument) return 0;
+  if (read.ec == std::errc::result_out_of_range) {
+    value = OutOfRange({at, static_cast<size_t>(read.ptr - at)}, base);
+  }
+  if (stop) *stop = read.ptr;
+  return negative ? -value : value;
+}
+
+int64_t LeadingInteger(std::string_view text, const char** stop) {
+  const char* const end = text.data() + text.size();
+  const char* at = SkipSpaces(text.data(), end);
+  if (stop) *stop = text.data();
+  if (at == end) return 0;
+  const bool negative = *at == '-';
+  if (negative || *at == '+') ++at;
+  uint64_t value = 0;
+  constexpr uint64_t kMost = std::numeric_limits<int64_t>::max();
+  for (; at != end && IsDigit(*at); ++at) {
+    value =
+        value > kMost / 10 ? kMost : std::min(value * 10 + static_cast<uint64_t>(*at - '0'), kMost);
+  }
+  if (stop) *stop = at;
+  return negative ? -static_cast<int64_t>(value) : static_cast<int64_t>(value);
+}
+
+}  // namespace kerno::ipx

@@ -1,0 +1,126 @@
+// The lexical floor of the parts file: lines ended by CR LF, fields followed by a blank, groups in
+// double quotes, items of a group in single quotes.
+//
+// Text is formed and parsed in a packed form: each UTF-16 unit as one to three bytes, in the manner
+// of UTF-8 but unit by unit. Every text goes there and back, lone surrogates included, and
+// everything that means something to the format is one byte.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "parts/geometry.h"
+
+namespace kerno::ipx {
+
+// UTF-16 to the packed form and back.
+void AppendPacked(std::string* packed, std::u16string_view text);
+std::string Pack(std::u16string_view text);
+std::u16string Unpack(std::string_view packed);
+
+// The bytes before the first that is not ASCII.
+size_t AsciiPrefix(std::string_view bytes);
+
+// Writes fields into a packed text. Every field is followed by its blank.
+class Writer {
+ public:
+  // Takes a piece of the text that ends at a line's end; false when it can go no further, and then
+  // nothing more is handed over.
+  using Drain = std::function<bool(std::string_view packed)>;
+
+  // Keeps the whole text.
+  Writer() = default;
+  // Hands the text over whenever it has grown long, and at Finish.
+  explicit Writer(Drain drain) : drain_(std::move(drain)) {}
+
+  void Integer(int64_t value);
+  void Number(double value);
+  void IntegerItem(int64_t value);  // in single quotes
+  void NumberItem(double value);
+  void Field(std::u16string_view text);      // in double quotes, unchanged
+  void TextField(std::u16string_view text);  // escaped, in double quotes
+  void List(const std::vector<int32_t>& values);
+  void Point(const P3& point);  // the three numbers
+  void Raw(std::string_view ascii) { text_.append(ascii); }
+  void RawPacked(std::u16string_view text) { AppendPacked(&text_, text); }
+  void EndLine();
+
+  // Hands over what is left. Whether everything was taken.
+  bool Finish();
+
+  const std::string& text() const { return text_; }
+  bool stopped() const { return stopped_; }
+  // Whether a number written so far was not finite.
+  bool wrote_non_finite() const { return wrote_non_finite_; }
+
+ private:
+  void HandOver();
+
+  std::string text_;
+  Drain drain_;
+  bool stopped_ = false;
+  bool wrote_non_finite_ = false;
+};
+
+// The fields of a line. A field in quotes (single or double) that end before a separator or at the
+// line's end keeps its blanks and loses the quotes; any other ends at the next blank, CR or LF.
+class Tokens {
+ public:
+  explicit Tokens(std::string_view line) : at_(line.data()), end_(line.data() + line.size()) {}
+
+  // The next field; false when there is none.
+  bool Next(std::string_view* token);
+  void Skip();
+
+  // Each reads the next field into its target and leaves the target alone when there is none. What
+  // is no number is 0; an integer beyond 32 bits becomes the nearest.
+  void Integer(int32_t* value);
+  void Number(double* value);
+  void Text(std::u16string* text);
+  void List(std::vector<int32_t>* values);
+  void Point(P3* point);
+
+  // The fields of the next field.
+  Tokens Group();
+
+ private:
+  bool SkipSeparators();
+
+  const char* at_;
+  const char* end_;
+  // Whether no closing quote of the kind is left in the line: what was sought once is not sought
+  // again.
+  bool no_single_ = false;
+  bool no_double_ = false;
+};
+
+// The lines of a text; an end that lacks its CR LF is a line too.
+class Lines {
+ public:
+  explicit Lines(std::string_view text);
+
+  size_t remaining() const { return remaining_; }
+  // The next line without its CR LF; empty when none is left.
+  std::string_view Next();
+
+ private:
+  std::string_view Cut();
+
+  std::string_view rest_;
+  size_t remaining_ = 0;
+};
+
+// The number that a text begins with, after white space: as the C library reads it (a sign,
+// hexadecimal, "inf" and "nan" included) but the same in every locale; 0 where there is none.
+// *stop, when given, is where the reading ended.
+double LeadingNumber(std::string_view text, const char** stop = nullptr);
+
+// The decimal integer that a text begins with, after white space; 0 where there is none. What
+// passes 64 bits becomes the nearest.
+int64_t LeadingInteger(std::string_view text, const char** stop = nullptr);
+
+}  // namespace kerno::ipx

@@ -1,0 +1,327 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "base/text.h"
+#include "parts/ipx.h"
+#include "parts/ipx_models.h"
+#include "platform/held_file.h"
+#include "support/fake_clock.h"
+#include "support/recording_notices.h"
+#include "support/temporary_folder.h"
+
+namespace kerno {
+namespace {
+
+using test::ReadBytes;
+using test::RecordingNotices;
+using test::TemporaryFolder;
+using test::WriteBytes;
+using namespace std::string_literals;
+
+constexpr std::u16string_view kProgram = u"/opt/kerno/kerno";
+
+std::string Fixture() {
+  return ReadBytes(KERNO_TEST_DATA "/ipx/every-kind.ipx");
+}
+
+std::string Encoded(const PartsA& container, std::u16string_view program = kProgram) {
+  std::string bytes;
+  const Status status = EncodeIpx(container, program, u"test", [&](std::string_view piece) {
+    bytes += piece;
+    return Status::Ok();
+  });
+  EXPECT_TRUE(status.ok()) << Utf16ToUtf8(status.why);
+  return bytes;
+}
+
+PartsA Decoded(std::string_view bytes) {
+  PartsA container;
+  EXPECT_TRUE(DecodeIpx(bytes, &container));
+  return container;
+}
+
+// Goes everywhere that the model's own operations go.
+void Walk(const PartsA& container) {
+  container.Extent();
+  Parts sum;
+  for (const PartsElement& part : container.parts) {
+    sum += part;
+    Parts other = part;
+    other.keeps_order = 1;
+    other += sum;
+    other.AddLine({1, 2, 3}, {4, 5, 6});
+  }
+}
+
+std::string Utf16Of(std::u16string_view text, bool big_endian) {
+  std::string bytes = big_endian ? "\xFE\xFF" : "\xFF\xFE";
+  for (const char16_t unit : text) {
+    const char low = static_cast<char>(unit & 0xFF);
+    const char high = static_cast<char>(unit >> 8);
+    bytes += big_endian ? high : low;
+    bytes += big_endian ? low : high;
+  }
+  return bytes;
+}
+
+TEST(IpxFile, WritesTheBytesThatWereCheckedByHand) {
+  EXPECT_EQ(Encoded(test::EveryKind()), Fixture());
+}
+
+TEST(IpxFile, ReadsWhatItWroteFromEveryEncoding) {
+  const std::string bytes = Fixture();
+  const std::u16string text = ToText(test::EveryKind(), kProgram);
+  for (const std::string& file :
+       {bytes, Utf16Of(text, false), Utf16Of(text, true), "\xEF\xBB\xBF" + Utf16ToUtf8(text)}) {
+    EXPECT_EQ(Encoded(Decoded(file)), bytes) << file.substr(0, 3);
+  }
+  PartsA read;
+  ASSERT_TRUE(FromText(text, &read));
+  EXPECT_EQ(Encoded(read), bytes);
+
+  // Fields that the text form cannot tell from their neighbours are looked at by name.
+  ASSERT_EQ(read.parts.size(), 2u);
+  const PartsElement& part = read.parts[0];
+  EXPECT_EQ(read.id, 7);
+  EXPECT_EQ(part.name, u"外形線 A'1");
+  EXPECT_EQ(part.second_text, u"注記");
+  EXPECT_EQ(part.pen.color, 255);
+  EXPECT_EQ(part.pen.unit_length, 12);
+  EXPECT_EQ(part.brush.hatch, 5);
+  EXPECT_TRUE(std::signbit(part.extra.first));
+  EXPECT_EQ(part.placement.origin, (P3{1.5, -2.25, 1e22}));
+  EXPECT_EQ(part.codes, (std::vector<int32_t>{1, -1, 2147483647}));
+  EXPECT_EQ(part.faces[0].items[0].parallel, (std::vector<int32_t>{2, 1, 0}));
+  EXPECT_EQ(part.more_texts.items[0].text, u"ｶﾀｶﾅ ～ ①");
+  EXPECT_EQ(part.vertical_texts.items[0].face_name, u"@ＭＳ 明朝");
+}
+
+TEST(IpxFile, EncodingFollowsTheTexts) {
+  const struct {
+    const char* what;
+    std::u16string text;
+    bool utf16;
+  } kCases[] = {
+      {"ASCII", u"~\x7F", false},
+      {"Japanese", u"日本語ｱ①", false},
+      {"another script", u"한", true},
+      {"a pair of surrogates", u"\U0001F600", true},
+      {"a lone surrogate", std::u16string(1, u'\xD83D'), true},
+      {"a best fit that reads back as something else", u"é", true},
+      {"NUL", u"a\0b"s, false},
+  };
+  for (const auto& c : kCases) {
+    for (int place = 0; place < 6; ++place) {
+      PartsA container = test::EveryKind();
+      PartsElement& part = container.parts[1];
+      if (place == 0) part.name = c.text;
+      if (place == 1) part.texts.items.push_back({-1, c.text});
+      if (place == 2) part.horizontal_texts.items.push_back({-1, c.text, {}, u"", 0, {}});
+      if (place == 3) part.vertical_texts.items.push_back({-1, u"", {}, c.text, 0, {}});
+      if (place == 4) part.more_texts.items.push_back({-1, c.text});
+      const std::u16string program = place == 5 ? c.text : u"kerno";
+      const std::string bytes = Encoded(container, program);
+      EXPECT_EQ(bytes.substr(0, 2) == "\xFF\xFE", c.utf16) << c.what << place;
+      const PartsA read = Decoded(bytes);
+      EXPECT_EQ(ToText(read, program), ToText(container, program)) << c.what << place;
+    }
+  }
+}
+
+TEST(IpxFile, LongFilesArePiecedTogether) {
+  PartsA container = test::EveryKind();
+  for (int i = 0; i < 7; ++i) {
+    const auto half = container.parts;
+    container.parts.insert(container.parts.end(), half.begin(), half.end());
+  }
+  const std::u16string text = ToText(container, kProgram);
+  EXPECT_GT(text.size(), 150000u);
+  EXPECT_EQ(ToText(Decoded(Encoded(container)), kProgram), text);
+  container.parts[200].name = u"한";
+  EXPECT_EQ(ToText(Decoded(Encoded(container)), kProgram), ToText(container, kProgram));
+}
+
+TEST(IpxFile, SmallestFiles) {
+  const PartsA empty;
+  const std::string header =
+      "0 0 ;\tPartsA\t\t\tExporter  Ver.1.20 2018/07/26\t\"/opt/kerno/kerno\"\r\n";
+  EXPECT_EQ(Encoded(empty), header);
+  EXPECT_TRUE(Decoded(header).parts.empty());
+  EXPECT_TRUE(Decoded("").parts.empty());
+  EXPECT_EQ(Encoded(empty, u"a\r\nb").find("a  b\"\r\n"), header.find("/opt"));
+}
+
+TEST(IpxFile, TruncatedAnywhereIsStillRead) {
+  const std::string code_page = Fixture();
+  const std::u16string text = ToText(test::EveryKind(), kProgram);
+  for (const std::string& file : {code_page, Utf16Of(text, false)}) {
+    size_t vertices = 0;
+    for (size_t length = 0; length <= file.size(); ++length) {
+      const PartsA read = Decoded(std::string_view(file).substr(0, length));
+      ASSERT_LE(read.parts.size(), 2u) << length;
+      Walk(read);
+      const size_t now = read.parts.empty() ? 0 : read.parts[0].vertices.size();
+      ASSERT_GE(now, vertices) << length;
+      vertices = now;
+    }
+    EXPECT_EQ(vertices, 6u);
+  }
+}
+
+TEST(IpxFile, WildContentsAreRead) {
+  const std::string part = Fixture().substr(Fixture().find("\r\n") + 2);
+  const struct {
+    std::string bytes;
+    size_t parts;
+  } kCases[] = {
+      {"-1 0\r\n" + part, 0},
+      {"x\r\n" + part, 0},
+      {"1\r\n", 0},
+      {"1\r\n\r\n", 1},
+      {"2147483648\r\n" + part, 55},
+      {"1000000000000000000\r\n" + std::string(2 * 15015, '\n'), 1},
+      {"99999999999999999999999\r\n\r\n\r\n", 2},
+      {"3\r\n" + part, 3},
+      {"1\n" + part, 1},
+      {std::string(1000, '\0'), 0},
+      {"1 \0 0\r\n\0\r\n\0"s, 1},
+      {"\"1\" '5' ;\r\n" + part, 1},
+      {"1 0 ;\r\n" + std::string(50000, '"') + "\r\n" + std::string(50000, '\''), 1},
+      {"1 0 ;\r\n0 0 \"'\"'\"'\"' '\" \"''\"'\r\n", 1},
+      {"1\r\n0 0\r\n0\r\n0\r\n0\r\n2 0\r\n-5 2147483647\r\n7 99\r\n", 1},
+      {"\xFF\xFE", 0},
+      {"\xFF", 0},
+      {"1\r\n\x81\r\n\x82\x0D\x0A"s, 1},
+  };
+  for (const auto& c : kCases) {
+    const PartsA read = Decoded(c.bytes);
+    EXPECT_EQ(read.parts.size(), c.parts) << c.bytes.substr(0, 60);
+    Walk(read);
+  }
+  // A wild number of parts gives no more than what lines can stand for, and some.
+  std::string lines = "1000000000000000000\r\n";
+  for (int i = 0; i < 30000; ++i) lines += "\r\n";
+  EXPECT_EQ(Decoded(lines).parts.size(), 3000u);
+}
+
+TEST(IpxFile, RefusesWhatTheFileCannotHold) {
+  const TemporaryFolder folder;
+  const std::filesystem::path path = folder / "a.ipx";
+  for (const std::u16string bad : {u"a\"b", u"a\rb", u"a\nb", u"\""}) {
+    for (int place = 0; place < 4; ++place) {
+      PartsA container = test::EveryKind();
+      PartsElement& part = container.parts[1];
+      const TextLine line = {-1, u"", {}, bad, 0, {}};
+      if (place == 0) part.name = bad;
+      if (place == 1) part.second_text = bad;
+      if (place == 2) part.horizontal_texts.items = {line};
+      if (place == 3) part.vertical_texts.items = {line};
+      const Status status = WriteIpxFile(path, container, kProgram);
+      EXPECT_FALSE(status.ok());
+      EXPECT_EQ(status.what, PathText(path));
+      EXPECT_NE(status.why.find(bad), status.why.npos) << Utf16ToUtf8(status.why);
+    }
+  }
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(IpxFile, NumbersThatAreNotFiniteAreWarnedOfOnce) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  PartsA container;
+  container.parts.resize(2);
+  container.parts[0].vertices.Append({std::nan(""), kInfinity, -kInfinity});
+  container.parts[1].vertices.Append({1, kInfinity, 2});
+  const RecordingNotices notices;
+  const std::string bytes = Encoded(container);
+  EXPECT_EQ(notices.messages.size(), 1u);
+  EXPECT_NE(bytes.find("\r\nnan inf -inf \r\n"), bytes.npos);
+  EXPECT_EQ(Encoded(Decoded(bytes)), bytes);
+  Walk(Decoded(bytes));
+}
+
+TEST(IpxFile, ProgressCanBeStopped) {
+  const TemporaryFolder folder;
+  const std::filesystem::path path = folder / "a.ipx";
+  RecordingNotices notices;
+  ASSERT_TRUE(WriteIpxFile(path, test::EveryKind(), kProgram).ok());
+  PartsA read;
+  ASSERT_TRUE(ReadIpxFile(path, &read).ok());
+  const std::u16string writing = u"書き込み中．．．";
+  const std::u16string reading = u"読み込み中．．．";
+  EXPECT_EQ(notices.steps, (std::vector<RecordingNotices::Step>{{writing, 0, 2},
+                                                                {writing, 1, 2},
+                                                                {writing, 2, 2},
+                                                                {reading, 0, 2},
+                                                                {reading, 1, 2},
+                                                                {reading, 2, 2}}));
+  const std::string before = ReadBytes(path);
+  for (const int64_t step : {0, 1, 2}) {
+    notices.stop_at = step;
+    EXPECT_FALSE(WriteIpxFile(path, test::EveryKind(), u"another").ok());
+    EXPECT_FALSE(WriteIpxFile(folder / "b.ipx", test::EveryKind(), kProgram).ok());
+    read = test::EveryKind();
+    EXPECT_FALSE(ReadIpxFile(path, &read).ok());
+    EXPECT_TRUE(read.parts.empty());
+    EXPECT_EQ(read.id, 0);
+    EXPECT_EQ(ReadBytes(path), before);
+  }
+  EXPECT_EQ(folder.Names(), std::set<std::string>{"a.ipx"});
+}
+
+TEST(IpxFile, FilesThatCannotBeReadOrWritten) {
+  const TemporaryFolder folder;
+  PartsA read = test::EveryKind();
+  WriteBytes(folder / "empty.ipx", "");
+  const struct {
+    std::filesystem::path path;
+    Failure failure;
+  } kCases[] = {
+      {folder / "missing.ipx", Failure::kNotFound},
+      {folder / "empty.ipx", Failure::kOther},
+      {folder.path(), Failure::kIsFolder},
+  };
+  for (const auto& c : kCases) {
+    const Status status = ReadIpxFile(c.path, &read);
+    EXPECT_EQ(status.failure, c.failure) << c.path;
+    EXPECT_EQ(status.what, PathText(c.path));
+    EXPECT_FALSE(status.why.empty());
+    EXPECT_TRUE(read.parts.empty());
+  }
+  EXPECT_EQ(WriteIpxFile(folder / "no/a.ipx", {}, kProgram).failure, Failure::kNotFound);
+
+  const Status full = EncodeIpx(test::EveryKind(), kProgram, u"x", [](std::string_view) {
+    return Status::Error(Failure::kNoSpace, u"x", u"full");
+  });
+  EXPECT_EQ(full.failure, Failure::kNoSpace);
+}
+
+TEST(IpxFile, WaitsForAFileThatIsHeld) {
+  const TemporaryFolder folder;
+  const std::filesystem::path path = folder / "a.ipx";
+  WriteBytes(path, "old");
+  test::FakeClock clock;
+  const RecordingNotices notices;
+  Status status;
+  const auto holder = HeldFile::Open(path, Deny::kAll, &status);
+  ASSERT_TRUE(holder) << Utf16ToUtf8(status.why);
+  EXPECT_EQ(WriteIpxFile(path, {}, kProgram).failure, Failure::kSharingViolation);
+  PartsA read;
+  EXPECT_EQ(ReadIpxFile(path, &read).failure, Failure::kSharingViolation);
+  EXPECT_EQ(notices.waits,
+            (std::vector<std::u16string>{u"FileWait OpenWrite " + PathText(path), u"",
+                                         u"FileWait OpenRead  " + PathText(path), u""}));
+  EXPECT_EQ(ReadBytes(path), "old");
+}
+
+TEST(IpxFile, NamesOfPartsFiles) {
+  EXPECT_TRUE(IsIpx(u"a.ipx"));
+  EXPECT_TRUE(IsIpx(u"C:\\x.y\\a.IPX"));
+  EXPECT_FALSE(IsIpx(u"a.ipa"));
+  EXPECT_FALSE(IsIpx(u"a.ipx/b"));
+  EXPECT_FALSE(IsIpx(u"ipx"));
+}
+
+}  // namespace
+}  // namespace kerno
