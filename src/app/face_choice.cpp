@@ -1,5 +1,9 @@
 #include "app/face_choice.h"
 
+#include <utility>
+#include <vector>
+
+#include "base/nearest_names.h"
 #include "platform/font_faces.h"
 
 namespace kerno {
@@ -10,6 +14,24 @@ std::u16string FirstVerticalFace() {
     if (face.name.starts_with(u'@') && face.font_type == kTrueTypeFontType) return face.name;
   }
   return {};
+}
+
+// The installed names that a missing one may have meant, as the end of a sentence.
+std::u16string NearestInstalled(std::u16string_view face) {
+  constexpr size_t kSuggestions = 3;
+  const bool vertical = face.starts_with(u'@');
+  std::vector<std::u16string> names;
+  for (InstalledFace& installed : EnumerateFaces()) {
+    const bool alike = installed.name.starts_with(u'@') == vertical;
+    if (installed.font_type == kTrueTypeFontType && alike) {
+      names.push_back(std::move(installed.name));
+    }
+  }
+  std::u16string text;
+  for (const std::u16string& name : NearestNames(face, names, kSuggestions)) {
+    text += (text.empty() ? u"; the nearest are \"" : u", \"") + name + u"\"";
+  }
+  return text;
 }
 
 }  // namespace
@@ -32,6 +54,7 @@ FaceChoice ChooseFace(std::u16string_view name, WritingDirection direction) {
     choice.what = u"face";
     choice.why = has_plain_form ? u"\"" + choice.face.substr(1) + u"\" has no \"@\" form"
                                 : u"\"" + choice.face + u"\" is not installed";
+    choice.why += NearestInstalled(choice.face);
   }
   return choice;
 }
