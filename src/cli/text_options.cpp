@@ -214,10 +214,11 @@ std::optional<SetText> TextOptions::SetAndReport(const TextRequest& request, Pla
   if (set->ended_by_nul) {
     ReportWarning("text", "ends at a NUL after " + std::to_string(set->characters) + " characters");
   }
-  if (set->notes.overlapping > 0) {
-    ReportWarning("vertical text", std::to_string(set->notes.overlapping) +
-                                       " characters touch the one before (--pitch cell sets them "
-                                       "apart)");
+  if (const uint32_t touching = set->notes.overlapping; touching > 0) {
+    ReportWarning("vertical text",
+                  std::to_string(touching) +
+                      (touching == 1 ? " character touches" : " characters touch") +
+                      " the one before (--pitch cell sets them apart)");
   }
   if (set->contours.counts.empty()) ReportWarning("text", "has no outlines");
   *status = kDone;

@@ -1,0 +1,257 @@
+#!/usr/bin/env python3
+"""Runs the real command line: exit status, messages, files left, and its numbers computed once more here.
+
+usage: command_line_test.py KERNO
+"""
+import json
+import math
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import ezdxf
+
+KERNO = ""
+SANS = ["--face", "DejaVu Sans"]
+
+
+def run(*arguments, stdin=b"", env=None):
+    done = subprocess.run([KERNO, *arguments], input=stdin, capture_output=True, timeout=300,
+                          env={**os.environ, **(env or {})}, check=False)
+    return done.returncode, done.stdout.decode("utf-8"), done.stderr.decode("utf-8", "replace")
+
+
+def contours(*arguments, **more):
+    status, out, err = run("contours", "--json", *arguments, **more)
+    assert status == 0, err
+    return json.loads(out)
+
+
+def lines_of(path):
+    drawing = ezdxf.readfile(path, encoding="cp932")
+    assert not drawing.audit().errors
+    return [(e.dxf.start, e.dxf.end) for e in drawing.modelspace().query("LINE")]
+
+
+class CommandLineTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+
+    def files(self):
+        return sorted(p.name for p in self.folder.iterdir())
+
+    def test_what_is_wrong_is_named_and_leaves_nothing(self):
+        out = str(self.folder / "out.dxf")
+        (self.folder / "latin1.txt").write_bytes(b"caf\xe9")
+        (self.folder / "empty.txt").write_bytes(b"")
+        (self.folder / "adir.dxf").mkdir()
+        here = lambda name: str(self.folder / name)
+        convert = ["convert", "A", *SANS]
+        cases = [  # arguments, exit status, what standard error must hold
+            ([], 2, "usage"),
+            (["frobnicate"], 2, "frobnicate"),
+            (["convert", "-o", out], 2, "text: none is given"),
+            (["convert", "A", "--text", "B", "-o", out], 2, "more than once"),
+            (["convert", "", *SANS, "-o", out], 2, "holds no text"),
+            ([*convert], 2, "-o: no file"),
+            ([*convert, "-o", here("a.doc")], 2, 'a.doc: the format "doc" is unknown'),
+            ([*convert, "-o", here("noext")], 2, "noext: has no extension"),
+            ([*convert, "-o", here("a.stl")], 2, '"stl" is known but not written'),
+            ([*convert, "-o", here("a.dae")], 2, '"dae" is known but not written'),
+            ([*convert, "-o", here("a.obj")], 2, '"obj" is known but not written'),
+            ([*convert, "-o", here("adir.dxf")], 1, "adir.dxf"),
+            ([*convert, "-o", here("no/such/a.dxf")], 1, "no/such/a.dxf"),
+            ([*convert, "-o", "/proc/a.dxf"], 1, "/proc/a.dxf"),
+            ([*convert, "--height", "12x", "-o", out], 2, '--height: "12x" is not a whole number'),
+            ([*convert, "--height", "", "-o", out], 2, "--height"),
+            ([*convert, "--height", "99999", "-o", out], 2, '"99999" is outside'),
+            ([*convert, "--height", "99999999999999999999", "-o", out], 2, "is outside"),
+            ([*convert, "--width", "-1", "-o", out], 2, "--width"),
+            ([*convert, "--scale", "1e999", "-o", out], 2, "--scale"),
+            ([*convert, "--scale", "nan", "-o", out], 2, "--scale"),
+            ([*convert, "--scale", "0", "-o", out], 2, "--scale"),
+            ([*convert, "--slant", "1,5", "-o", out], 2, "--slant"),
+            ([*convert, "--at", "5", "-o", out], 2, '--at: "5" is not a point X,Y'),
+            ([*convert, "--elements", "dots", "-o", out], 2, "lines, faces, both"),
+            ([*convert, "--pitch", "x", "-o", out], 2, "classic, cell"),
+            (["convert", "A", "--face", "No Such Face", "-o", out], 3, "No Such Face"),
+            (["convert", "A", "--face", "x" * 300, "-o", out], 3, "is not installed"),
+            (["convert", "A", *SANS, "--vertical", "-o", out], 3, 'has no "@" form'),
+            (["convert", "A龍", *SANS, "--strict", "-o", out], 3, "龍 (U+9F8D)"),
+            (["convert", "--text-file", here("missing.txt"), "-o", out], 1, "missing.txt"),
+            (["convert", "--text-file", here("adir.dxf"), "-o", out], 1, "is a folder"),
+            (["convert", "--text-file", here("latin1.txt"), "-o", out], 1, "byte offset 3"),
+            (["convert", "--text-file", here("empty.txt"), "-o", out], 2, "holds no text"),
+        ]
+        before = self.files()
+        for arguments, expected, message in cases:
+            with self.subTest(" ".join(arguments)[:100]):
+                status, stdout, stderr = run(*arguments)
+                self.assertEqual((expected, ""), (status, stdout), stderr)
+                self.assertIn(message, stderr)
+                for line in stderr.splitlines():
+                    self.assertTrue(line.startswith("kerno: "), line)
+                self.assertEqual(before, self.files())
+
+    def test_a_failed_output_leaves_the_old_file_and_the_others_are_written(self):
+        old = self.folder / "old.dxf"
+        old.write_text("old")
+        status, _, err = run("convert", "A", *SANS, "-o", str(self.folder / "x/y.dxf"),
+                             "-o", str(self.folder / "B.DXF"))
+        self.assertEqual(1, status, err)
+        self.assertEqual(["B.DXF", "old.dxf"], self.files())
+        status, _, err = run("convert", "A", *SANS, "-o", "/dev/full.dxf/a.dxf")
+        self.assertEqual(1, status)
+        link = self.folder / "link.dxf"
+        link.symlink_to("old.dxf")
+        self.assertEqual(0, run("convert", "A", *SANS, "-o", str(link))[0])
+        self.assertTrue(link.is_symlink())
+        self.assertGreater(len(lines_of(old)), 3)
+        full = self.folder / "full.dxf"
+        full.symlink_to("/dev/full")
+        status, _, err = run("convert", "A", *SANS, "-o", str(full))
+        self.assertEqual(1, status)
+        self.assertIn("full", err)
+
+    def test_every_edge_becomes_a_line_and_every_contour_closes(self):
+        texts = [("Kerno 8&@", SANS), ("龍あいう、ー", ["--face", "IPAMincho"]),
+                 ("縦、ーA", ["--face", "IPAGothic", "--vertical", "--pitch", "cell"])]
+        for text, face in texts:
+            with self.subTest(text):
+                path = self.folder / "text.dxf"
+                self.assertEqual(0, run("convert", text, *face, "-o", str(path))[0])
+                shape = contours(text, *face)
+                edges, at = 0, 0
+                for count in shape["counts"]:
+                    ring = shape["points"][at:at + count]
+                    self.assertEqual(ring[0], ring[-1])
+                    edges += sum(a != b for a, b in zip(ring, ring[1:]))
+                    at += count
+                lines = lines_of(path)
+                self.assertEqual(edges, len(lines))
+                ends = {}
+                for start, end in lines:
+                    ends[tuple(start)] = ends.get(tuple(start), 0) + 1
+                    ends[tuple(end)] = ends.get(tuple(end), 0) - 1
+                self.assertFalse(any(ends.values()), "as many lines end at a point as start there")
+
+    def test_placement_computed_once_more(self):
+        cases = [(0, 0, (0, 0)), (15, 0, (7, -3)), (0, 33.5, (0, 0)), (-20, 270, (1000.25, 4))]
+        for slant, angle, at in cases:
+            arguments = ["AgÖ8\r\nx", *SANS, "--height", "37", "--slant", str(slant),
+                         "--angle", str(angle), "--at", f"{at[0]},{at[1]}"]
+            laid = contours(*arguments, "--unplaced")["points"]
+            xs, ys = [p[0] for p in laid] + [0], [p[1] for p in laid] + [0]
+            cx, cy = (min(xs) + max(xs)) / 2, (min(ys) + max(ys)) / 2
+            placed = contours(*arguments)["points"]
+            for (x, y), got in zip(laid, placed):
+                a, d = math.radians(slant), y - cy
+                x, y = x - d * math.sin(a), cy + d * math.cos(a)
+                a, dx, dy = math.radians(angle), x - cx, y - cy
+                x, y = cx + dx * math.cos(a) - dy * math.sin(a), cy + dy * math.cos(a) + dx * math.sin(a)
+                self.assertAlmostEqual(x + at[0] - cx, got[0], 9, (slant, angle))
+                self.assertAlmostEqual(-y + at[1] + cy, got[1], 9, (slant, angle))
+
+    def test_scale_and_place_of_a_drawing(self):
+        path = self.folder / "a.dxf"
+        for scale in ("1", "0.01"):
+            self.assertEqual(0, run("convert", "HH", *SANS, "--height", "200", "--scale", scale,
+                                    "--at", "30,-40", "-o", str(path))[0])
+            points = [p for line in lines_of(path) for p in line]
+            low_y, high_y = min(p.y for p in points), max(p.y for p in points)
+            # The block's box begins at the pen, so the middle of the ink in y is the middle of the box.
+            self.assertAlmostEqual(-40, (low_y + high_y) / 2, 3)
+            height = 200 * float(scale)
+            self.assertTrue(0.5 * height < high_y - low_y < 0.8 * height, high_y - low_y)
+
+    def test_text_sources_and_line_ends(self):
+        expected = contours("A\r\nあ𠮷", "--face", "IPAMincho")
+        encodings = {"utf-8": b"", "utf-8-sig": b"", "utf-16-le": b"\xff\xfe", "utf-16-be": b"\xfe\xff"}
+        for encoding, mark in encodings.items():
+            path = self.folder / "text.txt"
+            path.write_bytes(mark + "A\nあ𠮷".encode(encoding))
+            for source in ([str(path)], ["-"]):
+                got = contours("--text-file", *source, "--face", "IPAMincho", stdin=path.read_bytes())
+                self.assertEqual(expected, got, encoding)
+        kept = contours("A\nB", *SANS, "--line-ends", "keep", "--unplaced")
+        lines = contours("A\nB", *SANS, "--unplaced")
+        self.assertNotEqual(kept["points"], lines["points"])
+
+    def test_warnings_tell_and_do_not_stop(self):
+        path = str(self.folder / "a.dxf")
+        cases = [
+            (["A龍鬱龍", *SANS], "no glyph in DejaVu Sans: 龍 (U+9F8D), 鬱 (U+9B31)"),
+            (["漢ー漢", "--face", "IPAGothic", "--vertical"], "--pitch cell"),
+            (["   ", *SANS], "has no outlines"),
+            (["8" * 16, *SANS, "--height", "30000"], "--scale"),
+            (["A", "--face", "Nowhere Gothic", "--substitute"], "takes its place"),
+        ]
+        for arguments, message in cases:
+            with self.subTest(message):
+                status, out, err = run("convert", *arguments, "-o", path)
+                self.assertEqual(0, status, err)
+                self.assertEqual(1, err.count(message), err)
+                self.assertIn("contours", out)
+                self.assertEqual((0, "", ""), run("convert", *arguments, "--quiet", "-o", path))
+        self.assertEqual("", run("convert", "漢ー漢", "--face", "IPAGothic", "--vertical", "--pitch",
+                                 "cell", "-o", path)[2])
+
+    def test_a_nul_ends_the_text(self):
+        path = self.folder / "nul.txt"
+        path.write_bytes(b"AB\0C")
+        got = contours("--text-file", str(path), *SANS, "--unplaced")
+        self.assertEqual(contours("AB", *SANS, "--unplaced")["points"], got["points"])
+
+    def test_faces_of_the_machine_and_damaged_files_beside_them(self):
+        fonts = self.folder / "fonts"
+        fonts.mkdir()
+        good = subprocess.run(["fc-match", "-f", "%{file}", "DejaVu Sans:style=Book"], check=True,
+                              capture_output=True).stdout.decode()
+        data = pathlib.Path(good).read_bytes()
+        (fonts / "good.ttf").write_bytes(data)
+        (fonts / "cut.ttf").write_bytes(data[:5000])
+        (fonts / "zero.ttf").write_bytes(b"")
+        (fonts / "noise.otf").write_bytes(bytes(range(256)) * 64)
+        config = self.folder / "fonts.conf"
+        config.write_text(f"<fontconfig><dir>{fonts}</dir><cachedir>{self.folder}/c</cachedir></fontconfig>")
+        env = {"FONTCONFIG_FILE": str(config)}
+        status, out, err = run("faces", "--json", env=env)
+        self.assertEqual((0, ["DejaVu Sans"], ""), (status, json.loads(out), err))
+        self.assertIn("noise.otf", run("faces", "--skipped", env=env)[2])
+        self.assertEqual(contours("AB", *SANS), contours("AB", "--face", "dejavu SANS", env=env))
+        config.write_text(f"<fontconfig><cachedir>{self.folder}/c</cachedir></fontconfig>")
+        status, _, err = run("convert", "A", "-o", str(self.folder / "a.dxf"), env=env)
+        self.assertEqual(3, status, err)
+
+    def test_sizes_at_their_ends(self):
+        for height in (-32768, -32767, -1, 0, 1, 2, 3, 32767):
+            for width in (0, 1, 32767):
+                status, _, err = run("contours", "Aあ", "--face", "IPAGothic", "--height", str(height),
+                                     "--width", str(width))
+                self.assertEqual(0, status, f"{height} {width} {err}")
+
+    def test_measure_and_the_vertical_form(self):
+        status, out, _ = run("measure", "あA", "--face", "IPAGothic", "--height", "6000", "--json")
+        self.assertEqual({"length": 9000, "height": 6000}, json.loads(out))
+        by_option = contours("縦", "--face", "IPAGothic", "--vertical")
+        self.assertEqual(by_option, contours("縦", "--face", "@IPAGothic"))
+        self.assertEqual(("@IPAGothic", True), (by_option["face"], by_option["vertical"]))
+
+    def test_help_explains_every_command(self):
+        for command in ("convert", "contours", "measure", "faces"):
+            by_help, by_option = run("help", command), run(command, "--help")
+            self.assertEqual(by_help, by_option)
+            self.assertEqual(0, by_help[0])
+        self.assertIn("convert", run("--help")[1])
+        self.assertEqual(2, run("help", "nonsense")[0])
+        self.assertRegex(run("--version")[1], r"^kerno \d+\.\d+\.\d+\n$")
+
+
+if __name__ == "__main__":
+    KERNO = sys.argv.pop(1)
+    unittest.main(verbosity=1)
