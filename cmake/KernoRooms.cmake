@@ -56,4 +56,7 @@ function(kerno_test name)
   target_link_libraries(${name}_tests PRIVATE ${TEST_ROOMS} kerno_options GTest::gtest_main GTest::gmock
                         ${TEST_LIBRARIES})
   add_test(NAME ${name} COMMAND ${name}_tests)
+  # Away from the settings of whoever runs the tests.
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT
+    "XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/home/config;XDG_CACHE_HOME=${PROJECT_BINARY_DIR}/home/cache")
 endfunction()

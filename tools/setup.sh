@@ -5,7 +5,7 @@ packages="g++ cmake ninja-build ccache pkg-config
  libfreetype-dev libfontconfig-dev libharfbuzz-dev libcli11-dev libagg-dev
  fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
- python3 python3-ezdxf"
+ python3 python3-ezdxf imagemagick file"
 
 missing=""
 for package in $packages; do

@@ -19,7 +19,7 @@ Status WaitForFile(const std::filesystem::path& path, FileWait wait,
   for (int i = 0; i < kTries; ++i) {
     status = attempt();
     if (status.failure != Failure::kSharingViolation) break;
-    if (!shown) {
+    if (!shown && wait != FileWait::kNothing) {
       CurrentNotices().ShowWait(
           (wait == FileWait::kRead ? u"FileWait OpenRead  " : u"FileWait OpenWrite ") +
           PathText(path));

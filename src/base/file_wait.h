@@ -8,7 +8,8 @@
 
 namespace kerno {
 
-enum class FileWait { kRead, kWrite };
+// What the wait display tells.
+enum class FileWait { kRead, kWrite, kNothing };
 
 // Makes `attempt` up to 100 times, 100 ms apart, while it answers with a sharing violation. The
 // wait display tells the path after the first such answer and is cleared at the end. The result is

@@ -2,9 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "base/dump_log.h"
+#include "base/profile_settings.h"
 #include "cli/console.h"
 #include "cli/contours_command.h"
 #include "cli/convert_command.h"
@@ -65,6 +68,9 @@ ExitStatus Main(int argc, char** argv) {
   }
   if (help->parsed()) return PrintHelp(app, topic);
   const ConsoleNotices notices;
+  InstallProfileSettings();
+  std::optional<DumpUser> dump;
+  if (CurrentSettings().GetInt(u"Debug", u"DbgDump", 0) != 0) dump.emplace(u"kerno");
   for (size_t i = 0; i < commands.size(); ++i) {
     if (entries[i]->parsed()) return commands[i]->Run();
   }

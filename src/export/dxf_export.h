@@ -22,9 +22,6 @@ struct DxfOptions {
   AciRule aci = AciRule::kClassic;
 };
 
-// Height of a text that says none, in drawing units: the usual lettering of drawings.
-inline constexpr double kDefaultTextHeight = 2.5;
-
 // Writes every element of the model: lines and edges as LINE, circles as CIRCLE or ARC, faces as
 // 3DFACE (more than four vertices as triangles), texts as TEXT. Point sets have no form here and
 // are left out. The drawing is flat when all vertices have the same z.

@@ -11,6 +11,9 @@
 
 namespace kerno {
 
+// Height of a text that says none, in model units: the usual lettering of drawings.
+inline constexpr double kDefaultTextHeight = 2.5;
+
 // The vertex of an index, or null where the pool has none (a part read from a damaged file).
 inline const P3* VertexAt(const Parts& part, int32_t index) {
   return index >= 0 && static_cast<size_t>(index) < part.vertices.size()

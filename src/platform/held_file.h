@@ -46,4 +46,9 @@ enum class IfMissing { kFail, kCreate };
 Status ChangeFile(const std::filesystem::path& path, IfMissing if_missing,
                   const std::function<std::optional<std::string>(std::string_view)>& change);
 
+// Adds bytes at the end of a file, behind `start` when the file is new or empty. Never waits:
+// kSharingViolation when another process holds it.
+Status AppendToFile(const std::filesystem::path& path, std::string_view start,
+                    std::string_view bytes);
+
 }  // namespace kerno

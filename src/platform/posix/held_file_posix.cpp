@@ -70,6 +70,11 @@ int Lock(int fd, Deny deny) {
   return 0;
 }
 
+Status Held(const fs::path& path) {
+  return Status::Error(Failure::kSharingViolation, SystemText(path.native()),
+                       u"another process holds the file");
+}
+
 // Whether the path still names the open file: who waited for a lock may hold a file that was
 // replaced meanwhile.
 bool StillNamed(const fs::path& path, const struct stat& open_file) {
@@ -101,8 +106,7 @@ std::unique_ptr<HeldFile> HeldFile::Open(const fs::path& path, Deny deny, Status
     }
     if (!S_ISREG(info.st_mode)) return file;  // a device or a pipe: nothing to hold
     if (Lock(fd, deny) != 0) {
-      *status = Status::Error(Failure::kSharingViolation, SystemText(path.native()),
-                              u"another process holds the file");
+      *status = Held(path);
       return nullptr;
     }
     if (StillNamed(path, info)) return file;
@@ -182,6 +186,26 @@ Status ChangeFile(const fs::path& path, IfMissing if_missing,
     if (status.failure != Failure::kSharingViolation) return status;
   }
   return status;
+}
+
+Status AppendToFile(const fs::path& path, std::string_view start, std::string_view bytes) {
+  for (;;) {
+    const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY, 0666);
+    if (fd < 0) return SystemError(path, errno);
+    struct stat info {};
+    if (Lock(fd, Deny::kAll) != 0) {
+      close(fd);
+      return Held(path);
+    }
+    if (fstat(fd, &info) == 0 && !StillNamed(path, info)) {
+      close(fd);
+      continue;
+    }
+    int error = info.st_size == 0 ? WriteAll(fd, start) : 0;
+    if (error == 0) error = WriteAll(fd, bytes);
+    if (close(fd) != 0 && error == 0) error = errno;
+    return error == 0 ? Status::Ok() : SystemError(path, error);
+  }
 }
 
 }  // namespace kerno

@@ -1,0 +1,41 @@
+// Diagnostics for those who look after the program: the dump log, an hourly text file, and the
+// per-run dump file that "Debug"/"DbgDump" turns on. Both lie in the folder "DbgDump" of the
+// temporary folder. Files there that the program made and that are older than ten days are deleted
+// once per process.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace kerno {
+
+// Appends an entry, stamped with the time, to the file "<name>_MMDD_HH.txt" (UTF-16 little-endian
+// with a mark). Waits up to 10 s while another process holds the file. False, after a message, when
+// it cannot be opened.
+bool DumpText(std::u16string_view name, std::u16string_view text);
+
+// Whoever writes into the per-run dump file. The first one of a process reads the switch and begins
+// the file (code page 932); the others only count.
+class DumpUser {
+ public:
+  // `name` stands before the lines of this user.
+  explicit DumpUser(std::u16string_view name);
+  ~DumpUser();
+  DumpUser(const DumpUser&) = delete;
+  DumpUser& operator=(const DumpUser&) = delete;
+
+  // Without effect while the switch is off.
+  void Write(std::u16string_view line);
+
+  // How many there are in the process.
+  static int Count();
+
+  // The per-run file; empty while the switch is off.
+  static std::filesystem::path File();
+
+ private:
+  std::u16string name_;
+};
+
+}  // namespace kerno

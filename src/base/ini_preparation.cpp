@@ -1,0 +1,84 @@
+#include "base/ini_preparation.h"
+
+#include <optional>
+
+#include "base/file_wait.h"
+#include "base/folders.h"
+#include "base/notices.h"
+#include "base/settings_places.h"
+#include "base/text.h"
+#include "base/text_file.h"
+#include "base/time_text.h"
+#include "platform/code_page.h"
+#include "platform/held_file.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kCopyNames = 100;
+
+struct Decoded {
+  std::u16string text;
+  bool whole = false;  // the bytes can be made again from the text
+};
+
+Decoded Decode(const std::string& bytes) {
+  constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+  const bool marked = bytes.starts_with(kUtf8Mark);
+  if (const auto utf8 =
+          Utf8ToUtf16(std::string_view(bytes).substr(marked ? kUtf8Mark.size() : 0))) {
+    return {*utf8, true};
+  }
+  std::u16string text = DecodeText(bytes);
+  const bool whole = !marked && EncodeCodePage932(text, '_') == bytes;
+  return {std::move(text), whole};
+}
+
+// Keeps the bytes beside the file under a name that is not taken. False when that is impossible.
+bool KeepCopy(const fs::path& file, std::string_view bytes) {
+  for (int i = 0; i < kCopyNames; ++i) {
+    fs::path copy = file;
+    copy += i == 0 ? ".orig" : ".orig" + std::to_string(i);
+    const Status created = CreateNewFile(copy, bytes);
+    if (created.ok()) {
+      CurrentNotices().Message(PathText(file) +
+                               u": not all of it is text; the file as it was is kept as " +
+                               PathText(copy));
+      return true;
+    }
+    if (created.failure != Failure::kSharingViolation) return false;
+  }
+  return false;
+}
+
+std::optional<std::string> Convert(const fs::path& file, const std::string& bytes) {
+  if (HasUtf16Mark(bytes)) return std::nullopt;  // another process was faster
+  const Decoded decoded = Decode(bytes);
+  if (!decoded.whole && !KeepCopy(file, bytes)) return std::nullopt;
+  return EncodeText(IniHeader() + decoded.text, TextEncoding::kUtf16);
+}
+
+}  // namespace
+
+std::u16string IniHeader() {
+  const std::u16string dashes = u";" + std::u16string(69, u'-') + u"\r\n";
+  return dashes + u";\t" + FormatTime(CurrentClock().Now(), kTimeStamp) + u"\r\n" + dashes;
+}
+
+Status PrepareIniFile(const fs::path& file) {
+  const std::lock_guard lock(SettingsProcess::Current().preparation);
+  std::error_code error;
+  const fs::path folder = file.parent_path();
+  if (!folder.empty() && !fs::is_directory(folder, error) && !CreateFolderPath(folder)) {
+    return Status::Error(Failure::kNotFound, PathText(folder), u"the folder cannot be created");
+  }
+  if (!fs::is_regular_file(file, error) || IsUtf16File(file)) return Status::Ok();
+  return WaitForFile(file, FileWait::kWrite, [&] {
+    return ChangeFile(file, IfMissing::kFail,
+                      [&](std::string_view bytes) { return Convert(file, std::string(bytes)); });
+  });
+}
+
+}  // namespace kerno

@@ -1,0 +1,99 @@
+#include <chrono>
+
+#include "base/folders.h"
+#include "base/profile_store.h"
+#include "base/settings_places.h"
+#include "base/text.h"
+#include "base/time_text.h"
+#include "platform/system.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::u16string_view kStampSection = u"ProfileINI";
+constexpr std::u16string_view kStampValue = u"ThisMTimeV";
+constexpr std::u16string_view kStampText = u"ThisMTimeS_";
+constexpr size_t kTagLength = 32;
+constexpr int64_t kTolerance = 5;  // seconds
+
+// Machine, user and program in 32 characters, so that each combination stamps under its own name.
+std::u16string StampTag() {
+  System& system = CurrentSystem();
+  const std::u16string program = u"_" + PathText(system.ProgramPath().stem()) + u"_";
+  std::u16string tag = u"_" + system.ComputerName() + u"__" + system.UserName() + u"_";
+  tag.resize(program.size() < kTagLength ? kTagLength - program.size() : 0, u'_');
+  return (tag + program).substr(0, kTagLength);
+}
+
+std::optional<int64_t> ModificationTime(const fs::path& file) {
+  std::error_code error;
+  const auto time = fs::last_write_time(file, error);
+  if (error) return std::nullopt;
+  const auto since_epoch = fs::file_time_type::clock::to_sys(time).time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::seconds>(since_epoch).count();
+}
+
+std::u16string StampKey() {
+  return SettingsProcess::Current().RegistryKey() + u"\\ProfileINI";
+}
+
+}  // namespace
+
+IniStore::IniStore(std::u16string_view name) {
+  fs::path path = ResolveIniPath(name);
+  const fs::path folder = path.parent_path();
+  std::error_code error;
+  if (!folder.empty() && !fs::is_directory(folder, error)) fs::create_directories(folder, error);
+  if (!CanWriteFolder(folder.empty() ? fs::path(".") : folder)) {
+    path = TempFolder() / path.filename();
+    displaced_ = true;
+  }
+  OpenFile(path);
+  ReadSwitches(!name.empty());
+  CheckStamp();
+}
+
+IniStore::~IniStore() {
+  if (!wrote()) return;
+  Clock& clock = CurrentClock();
+  const int64_t now = clock.Seconds();
+  const std::u16string text = FormatTime(clock.Local(now), kTimeStamp);
+  const std::u16string name = StampName();
+  // A stamp that cannot be written is missing; nobody waits for the destructor's word.
+  RegistryAccess registry;
+  registry.WriteString(StampKey(), name, text);
+  static_cast<void>(
+      WriteLines({{std::u16string(kStampSection), name, text},
+                  {std::u16string(kStampSection), std::u16string(kStampValue), Int64Text(now)}}));
+}
+
+// As the name of a key in the file; what a key cannot hold becomes "_".
+std::u16string IniStore::StampName() const {
+  std::u16string name = std::u16string(kStampText) + StampTag() + profile_path();
+  for (char16_t& unit : name) {
+    if (unit == u'=' || unit < u' ') unit = u'_';
+  }
+  return name;
+}
+
+void IniStore::CheckStamp() {
+  const auto stamp = [&](std::u16string_view default_value) {
+    return Int64OfText(GetStr(kStampSection, kStampValue, default_value));
+  };
+  // Three defaults tell a missing entry from any stored value; a default is never cached.
+  const int64_t first = stamp(u"0");
+  const int64_t second = stamp(u"1");
+  const int64_t third = stamp(u"2");
+  if (second != third) return;
+  const auto modified = ModificationTime(file());
+  if (modified && *modified > first + kTolerance) changed_outside_ = true;
+  const std::u16string name = StampName();
+  RegistryAccess registry;
+  const std::u16string here = registry.ReadString(StampKey(), name).value_or(u"");
+  const std::u16string there = GetStr(kStampSection, name, {});
+  if (!here.empty() && !there.empty() && here != there) changed_outside_ = true;
+}
+
+}  // namespace kerno

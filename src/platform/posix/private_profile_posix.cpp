@@ -1,0 +1,93 @@
+#include <fstream>
+#include <iterator>
+
+#include "platform/code_page.h"
+#include "platform/held_file.h"
+#include "platform/posix/ini_text.h"
+#include "platform/posix/utf16_bytes.h"
+#include "platform/private_profile.h"
+
+namespace kerno {
+namespace {
+
+using posix::ByteForm;
+
+// Files are replaced whole, so a reader needs no lock to see a whole one.
+bool ReadWhole(const std::filesystem::path& file, std::string* bytes) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) return false;
+  std::ifstream in(file, std::ios::binary);
+  if (!in) return false;
+  const auto size = std::filesystem::file_size(file, error);
+  bytes->resize(error ? 0 : size);
+  in.read(bytes->data(), static_cast<std::streamsize>(bytes->size()));
+  bytes->resize(static_cast<size_t>(in.gcount()));
+  return true;
+}
+
+std::string EditBytes(std::string_view bytes, const std::vector<ProfileEdit>& edits) {
+  ByteForm form = ByteForm::kUtf16;
+  std::u16string text;
+  if (!bytes.empty()) text = posix::TextOfBytes(bytes, &form);
+  // What the 8-bit form would not give back makes the file UTF-16.
+  bool lossy = false;
+  if (form == ByteForm::kCodePage932) lossy = EncodeCodePage932(text, '_') != bytes;
+  for (const ProfileEdit& edit : edits) {
+    if (edit.value) {
+      posix::SetIniValue(&text, edit.section, edit.key, *edit.value);
+    } else {
+      posix::RemoveIniValue(&text, edit.section, edit.key);
+    }
+  }
+  if (form == ByteForm::kCodePage932) {
+    std::string encoded = EncodeCodePage932(text, '_');
+    if (!lossy && DecodeCodePage932(encoded) == text) return encoded;
+    form = ByteForm::kUtf16;
+  }
+  return posix::BytesOfText(text, form);
+}
+
+}  // namespace
+
+std::optional<std::u16string> ReadProfileString(const std::filesystem::path& file,
+                                                std::u16string_view section,
+                                                std::u16string_view key, size_t most) {
+  std::string bytes;
+  if (!ReadWhole(file, &bytes)) return std::nullopt;
+  ByteForm form;
+  const std::u16string text = posix::TextOfBytes(bytes, &form);
+  const auto value = posix::FindIniValue(text, section, key);
+  if (!value) return std::nullopt;
+  return std::u16string(value->substr(0, most));
+}
+
+int32_t ParseProfileInt(std::u16string_view value) {
+  const auto skip = [&] { value.remove_prefix(1); };
+  while (!value.empty() && value.front() <= u' ') skip();
+  const bool negative = !value.empty() && value.front() == u'-';
+  if (negative || (!value.empty() && value.front() == u'+')) skip();
+  uint32_t radix = 10;
+  if (value.size() >= 2 && value[0] == u'0') {
+    radix = value[1] == u'x' ? 16 : value[1] == u'o' ? 8 : value[1] == u'b' ? 2 : 10;
+    if (radix != 10) value.remove_prefix(2);
+  }
+  uint32_t number = 0;
+  for (const char16_t unit : value) {
+    const uint32_t letter = unit | 0x20u;
+    const uint32_t digit = unit >= u'0' && unit <= u'9'       ? unit - u'0'
+                           : letter >= u'a' && letter <= u'f' ? letter - u'a' + 10
+                                                              : radix;
+    if (digit >= radix) break;
+    number = number * radix + digit;
+  }
+  return static_cast<int32_t>(negative ? 0 - number : number);
+}
+
+Status WriteProfile(const std::filesystem::path& file, const std::vector<ProfileEdit>& edits) {
+  return ChangeFile(file, IfMissing::kCreate, [&](std::string_view bytes) {
+    std::string edited = EditBytes(bytes, edits);
+    return edited == bytes ? std::nullopt : std::optional<std::string>(std::move(edited));
+  });
+}
+
+}  // namespace kerno

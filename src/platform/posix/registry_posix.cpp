@@ -1,0 +1,99 @@
+// The registry is one file in the user's configuration folder, in the text form that registry
+// editors export, so that it can be carried to and from other machines.
+#include <fstream>
+#include <iterator>
+
+#include "platform/held_file.h"
+#include "platform/posix/registry_text.h"
+#include "platform/posix/system_error.h"
+#include "platform/posix/utf16_bytes.h"
+#include "platform/registry.h"
+#include "platform/system.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path RegistryFile() {
+  const fs::path folder = CurrentSystem().ConfigFolder();
+  return folder.empty() ? fs::path() : folder / "registry.reg";
+}
+
+std::u16string FullKey(RegistryRoot root, std::u16string_view key) {
+  std::u16string full =
+      root == RegistryRoot::kCurrentUser ? u"HKEY_CURRENT_USER\\" : u"HKEY_LOCAL_MACHINE\\";
+  return full.append(key);
+}
+
+// Applies `edit` to the registry's text while the file is held.
+template <typename Edit>
+RegistryOutcome Change(IfMissing if_missing, Status* why, const Edit& edit) {
+  const fs::path file = RegistryFile();
+  if (file.empty()) {
+    *why = Status::Error(Failure::kNotFound, u"registry.reg",
+                         u"there is no home folder to keep it in");
+    return RegistryOutcome::kFailed;
+  }
+  std::error_code ignored;
+  if (if_missing == IfMissing::kCreate) fs::create_directories(file.parent_path(), ignored);
+  RegistryOutcome outcome = RegistryOutcome::kNoKey;
+  bool foreign = false;
+  *why = ChangeFile(file, if_missing, [&](std::string_view bytes) -> std::optional<std::string> {
+    posix::ByteForm form;
+    std::u16string text;
+    if (!bytes.empty()) text = posix::TextOfBytes(bytes, &form);
+    foreign = !bytes.empty() && !posix::IsRegistryText(text);
+    if (foreign) return std::nullopt;
+    outcome = edit(&text);
+    if (outcome != RegistryOutcome::kDone) return std::nullopt;
+    std::string changed = posix::BytesOfText(text, posix::ByteForm::kUtf16);
+    return changed == bytes ? std::nullopt : std::optional<std::string>(std::move(changed));
+  });
+  if (foreign) {
+    *why = Status::Error(Failure::kOther, SystemText(file.native()), u"it is no registry file");
+  }
+  if (why->failure == Failure::kNotFound && if_missing == IfMissing::kFail) {
+    *why = Status::Ok();
+    return RegistryOutcome::kNoKey;
+  }
+  return why->ok() ? outcome : RegistryOutcome::kFailed;
+}
+
+}  // namespace
+
+RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
+                              RegistryValue* value) {
+  const fs::path file = RegistryFile();
+  std::error_code error;
+  if (file.empty() || !fs::is_regular_file(file, error)) return RegistryOutcome::kNoKey;
+  std::ifstream in(file, std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+  posix::ByteForm form;
+  const std::u16string text = posix::TextOfBytes(bytes, &form);
+  if (!posix::IsRegistryText(text)) return RegistryOutcome::kNoKey;
+  return posix::FindRegistryValue(text, FullKey(root, key), name, value);
+}
+
+RegistryOutcome SetRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
+                            const RegistryValue& value, Status* why) {
+  return Change(IfMissing::kCreate, why, [&](std::u16string* text) {
+    posix::SetRegistryText(text, FullKey(root, key), name, value);
+    return RegistryOutcome::kDone;
+  });
+}
+
+RegistryOutcome DeleteRegistryValue(RegistryRoot root, std::u16string_view key,
+                                    std::u16string_view name, Status* why) {
+  return Change(IfMissing::kFail, why, [&](std::u16string* text) {
+    return posix::RemoveRegistryText(text, FullKey(root, key), name);
+  });
+}
+
+RegistryOutcome DeleteRegistryKey(RegistryRoot root, std::u16string_view key, Status* why) {
+  return Change(IfMissing::kFail, why, [&](std::u16string* text) {
+    return posix::RemoveRegistryKeyText(text, FullKey(root, key));
+  });
+}
+
+}  // namespace kerno

@@ -1,0 +1,51 @@
+// The registry: keys that form a tree, each with named, typed values.
+//
+// Key paths have "\" between their names and no root. Names are compared without case. The value
+// with the empty name is the key's default value.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/status.h"
+
+namespace kerno {
+
+enum class RegistryRoot {
+  kCurrentUser,   // HKEY_CURRENT_USER
+  kLocalMachine,  // HKEY_LOCAL_MACHINE
+};
+
+enum class RegistryType {
+  kString,  // REG_SZ
+  kDword,   // REG_DWORD
+  kOther,   // anything else; it can be kept but not read
+};
+
+struct RegistryValue {
+  RegistryType type = RegistryType::kOther;
+  std::u16string text;
+  uint32_t number = 0;
+};
+
+enum class RegistryOutcome {
+  kDone,
+  kNoKey,    // the key does not exist or cannot be opened
+  kNoValue,  // the key has no such value
+  kFailed,   // the change could not be made; the reason is in *why
+};
+
+// Each call opens the registry and closes it again; what changes it never waits: *why is a
+// kSharingViolation when another process holds it.
+RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
+                              RegistryValue* value);
+RegistryOutcome SetRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
+                            const RegistryValue& value, Status* why);
+RegistryOutcome DeleteRegistryValue(RegistryRoot root, std::u16string_view key,
+                                    std::u16string_view name, Status* why);
+
+// Deletes a key with its values; fails while it has keys below it.
+RegistryOutcome DeleteRegistryKey(RegistryRoot root, std::u16string_view key, Status* why);
+
+}  // namespace kerno

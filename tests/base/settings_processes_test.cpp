@@ -1,0 +1,86 @@
+// Settings that several processes write at the same time, or that a writer leaves by being killed.
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "base/profile_store.h"
+#include "base/registry_access.h"
+#include "base/text.h"
+#include "support/child_process.h"
+#include "support/settings_fixture.h"
+
+namespace kerno {
+namespace {
+
+class SettingsProcessesTest : public test::SettingsFixture {
+ protected:
+  // Runs `work` in a process of its own.
+  template <typename Work>
+  static pid_t Fork(const Work& work) {
+    const pid_t id = fork();
+    if (id != 0) return id;
+    work();
+    _exit(0);
+  }
+
+  static int WaitFor(pid_t id) {
+    int status = 0;
+    waitpid(id, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  }
+};
+
+TEST_F(SettingsProcessesTest, WritersOfDifferentKeysLoseNeither) {
+  constexpr int kKeys = 30;
+  const auto writer = [](const std::u16string& prefix) {
+    ReplaceClock(nullptr);
+    for (int i = 0; i < kKeys; ++i) {
+      IniStore store(u"Quenkit");
+      if (!store.WriteInt(u"S", prefix + Int64Text(i), i).ok()) _exit(1);
+      if (!RegistryAccess().WriteDword(u"Software\\Test", prefix + Int64Text(i), i)) _exit(1);
+    }
+  };
+  const pid_t first = Fork([&] { writer(u"a"); });
+  const pid_t second = Fork([&] { writer(u"b"); });
+  EXPECT_EQ(WaitFor(first), 0);
+  EXPECT_EQ(WaitFor(second), 0);
+  IniStore store(u"Quenkit");
+  for (const std::u16string prefix : {u"a", u"b"}) {
+    for (int i = 0; i < kKeys; ++i) {
+      EXPECT_EQ(store.GetInt(u"S", prefix + Int64Text(i), -1), i) << Utf16ToUtf8(prefix) << i;
+      EXPECT_EQ(RegistryAccess().ReadDword(u"Software\\Test", prefix + Int64Text(i)), i);
+    }
+  }
+}
+
+// The writer replaces a long value by another; whenever it is killed the file is one of the two.
+TEST_F(SettingsProcessesTest, AKilledWriterLeavesAWholeFile) {
+  constexpr int kRounds = 500;
+  const std::u16string values[] = {std::u16string(3000, u'a'), std::u16string(3000, u'b')};
+  { EXPECT_TRUE(IniStore(u"Quenkit").WriteStr(u"S", u"k", values[0]).ok()); }
+  const std::u16string head = IniText().substr(0, IniText().find(u"[ProfileINI]"));
+  int changed = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    const pid_t writer = Fork([&] {
+      ReplaceClock(nullptr);
+      for (int i = round;; ++i) {
+        ProfileStore store(u"Quenkit");
+        static_cast<void>(store.WriteStr(u"S", u"k", values[i % 2]));
+      }
+    });
+    usleep(static_cast<useconds_t>(500 + 37 * (round % 100)));
+    kill(writer, SIGKILL);
+    WaitFor(writer);
+    const std::u16string text = IniText();
+    const bool first = text.find(values[0]) != text.npos;
+    ASSERT_TRUE(first || text.find(values[1]) != text.npos) << round;
+    ASSERT_EQ(text.size(), IniText().size());
+    ASSERT_EQ(text.find(u"[ProfileINI]"), head.size()) << round;
+    changed += first ? 0 : 1;
+  }
+  EXPECT_GT(changed, 0);
+  EXPECT_LT(changed, kRounds);
+}
+
+}  // namespace
+}  // namespace kerno

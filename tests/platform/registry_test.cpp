@@ -1,0 +1,136 @@
+#include "platform/registry.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/posix/registry_text.h"
+#include "platform/posix/utf16_bytes.h"
+#include "support/fake_system.h"
+#include "support/run.h"
+#include "support/temporary_folder.h"
+
+namespace kerno {
+namespace {
+
+constexpr auto kUser = RegistryRoot::kCurrentUser;
+
+// As a registry editor exports it, with types that Kerno does not read.
+constexpr std::u16string_view kExport =
+    u"Windows Registry Editor Version 5.00\r\n"
+    u"\r\n"
+    u"[HKEY_CURRENT_USER\\Software\\Quenkit]\r\n"
+    u"@=\"base \\\\ \\\"name\\\"\"\r\n"
+    u"\"n\"=dword:fffffffe\r\n"
+    u"\"e\"=hex(2):25,00,41,00,\\\r\n"
+    u"  25,00,00,00\r\n"
+    u"\"two\r\nlines\"=\"a\r\n[HKEY_CURRENT_USER\\\\b]\"\r\n"
+    u"\r\n"
+    u"[HKEY_CURRENT_USER\\Software\\Quenkit\\Below]\r\n"
+    u"\"x\"=\"1\"\r\n"
+    u"\r\n";
+
+class RegistryTest : public testing::Test {
+ protected:
+  RegistryTest() { system_.config = folder_.path() / "config"; }
+
+  void Install(std::u16string_view text) {
+    std::filesystem::create_directories(system_.config);
+    test::WriteBytes(File(), posix::BytesOfText(text, posix::ByteForm::kUtf16));
+  }
+  std::filesystem::path File() const { return system_.config / "registry.reg"; }
+  std::u16string Text() const {
+    posix::ByteForm form;
+    return posix::TextOfBytes(test::ReadBytes(File()), &form);
+  }
+
+  test::TemporaryFolder folder_;
+  test::FakeSystem system_;
+  RegistryValue value_;
+  Status why_;
+};
+
+TEST_F(RegistryTest, ReadsWhatEditorsExport) {
+  Install(kExport);
+  ASSERT_EQ(QueryRegistry(kUser, u"software\\QUENKIT", u"", &value_), RegistryOutcome::kDone);
+  EXPECT_EQ(value_.type, RegistryType::kString);
+  EXPECT_EQ(value_.text, u"base \\ \"name\"");
+  ASSERT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"N", &value_), RegistryOutcome::kDone);
+  EXPECT_EQ(value_.type, RegistryType::kDword);
+  EXPECT_EQ(value_.number, 0xFFFFFFFEu);
+  ASSERT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"e", &value_), RegistryOutcome::kDone);
+  EXPECT_EQ(value_.type, RegistryType::kOther);
+  ASSERT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"two\r\nlines", &value_),
+            RegistryOutcome::kDone);
+  EXPECT_EQ(value_.text, u"a\r\n[HKEY_CURRENT_USER\\b]");
+  EXPECT_EQ(QueryRegistry(kUser, u"b", u"", &value_), RegistryOutcome::kNoKey);
+  EXPECT_EQ(QueryRegistry(kUser, u"Software", u"n", &value_), RegistryOutcome::kNoValue);
+  EXPECT_EQ(QueryRegistry(kUser, u"Soft", u"n", &value_), RegistryOutcome::kNoKey);
+  EXPECT_EQ(QueryRegistry(RegistryRoot::kLocalMachine, u"Software\\Quenkit", u"n", &value_),
+            RegistryOutcome::kNoKey);
+}
+
+TEST_F(RegistryTest, ChangesOneLineAndKeepsTheRest) {
+  Install(kExport);
+  const RegistryValue text{RegistryType::kString, u"a \"b\" \\", 0};
+  const RegistryValue number{RegistryType::kDword, {}, 10};
+  std::u16string wanted(kExport);
+  const auto replace = [&](std::u16string_view from, std::u16string_view to) {
+    wanted.replace(wanted.find(from), from.size(), to);
+    EXPECT_EQ(Text(), wanted);
+  };
+  EXPECT_EQ(SetRegistry(kUser, u"Software\\Quenkit", u"n", text, &why_), RegistryOutcome::kDone);
+  replace(u"\"n\"=dword:fffffffe", u"\"n\"=\"a \\\"b\\\" \\\\\"");
+  EXPECT_EQ(SetRegistry(kUser, u"Software\\Quenkit", u"m", number, &why_), RegistryOutcome::kDone);
+  replace(u"b]\"\r\n", u"b]\"\r\n\"m\"=dword:0000000a\r\n");
+  EXPECT_EQ(SetRegistry(kUser, u"Other", u"", number, &why_), RegistryOutcome::kDone);
+  wanted += u"\r\n[HKEY_CURRENT_USER\\Other]\r\n@=dword:0000000a\r\n";
+  EXPECT_EQ(Text(), wanted);
+  EXPECT_EQ(DeleteRegistryValue(kUser, u"Software\\Quenkit", u"m", &why_), RegistryOutcome::kDone);
+  replace(u"\"m\"=dword:0000000a\r\n", u"");
+  EXPECT_EQ(DeleteRegistryValue(kUser, u"Software\\Quenkit", u"m", &why_),
+            RegistryOutcome::kNoValue);
+  EXPECT_EQ(DeleteRegistryKey(kUser, u"Software\\Quenkit", &why_), RegistryOutcome::kFailed);
+  EXPECT_EQ(DeleteRegistryKey(kUser, u"Software\\Quenkit\\Below", &why_), RegistryOutcome::kDone);
+  EXPECT_EQ(QueryRegistry(kUser, u"Software\\Quenkit\\Below", u"x", &value_),
+            RegistryOutcome::kNoKey);
+  EXPECT_EQ(QueryRegistry(kUser, u"Other", u"", &value_), RegistryOutcome::kDone);
+}
+
+TEST_F(RegistryTest, ANewFileIsAnExport) {
+  const RegistryValue text{RegistryType::kString, u"日本", 0};
+  EXPECT_EQ(SetRegistry(kUser, u"A\\B", u"k", text, &why_), RegistryOutcome::kDone);
+  EXPECT_EQ(Text(),
+            u"Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\A\\B]\r\n"
+            u"\"k\"=\"日本\"\r\n");
+  EXPECT_NE(test::OutputOf("file -b '" + File().native() + "'").find("Windows Registry"),
+            std::string::npos);
+}
+
+TEST_F(RegistryTest, LaterLinesWin) {
+  Install(
+      u"REGEDIT4\n[HKEY_CURRENT_USER\\a]\n\"k\"=\"1\"\n\"k\"=\"2\"\n[HKEY_CURRENT_USER\\a]\n"
+      u"\"gone\"=\"x\"\n\"gone\"=-\n[HKEY_CURRENT_USER\\b\\c]\n\"k\"=\"1\"\n"
+      u"[-HKEY_CURRENT_USER\\b]\n[HKEY_CURRENT_USER\\d]\n\"bad\"=dword:12345678900\n\"open=1");
+  EXPECT_EQ(QueryRegistry(kUser, u"a", u"k", &value_), RegistryOutcome::kDone);
+  EXPECT_EQ(value_.text, u"2");
+  EXPECT_EQ(QueryRegistry(kUser, u"a", u"gone", &value_), RegistryOutcome::kNoValue);
+  EXPECT_EQ(QueryRegistry(kUser, u"b\\c", u"k", &value_), RegistryOutcome::kNoKey);
+  EXPECT_EQ(QueryRegistry(kUser, u"d", u"bad", &value_), RegistryOutcome::kDone);
+  EXPECT_EQ(value_.type, RegistryType::kOther);
+}
+
+TEST_F(RegistryTest, AnotherFileIsNeitherReadNorHarmed) {
+  Install(u"Dear diary\r\n[HKEY_CURRENT_USER\\a]\r\n\"k\"=\"1\"\r\n");
+  const std::string before = test::ReadBytes(File());
+  EXPECT_EQ(QueryRegistry(kUser, u"a", u"k", &value_), RegistryOutcome::kNoKey);
+  EXPECT_EQ(SetRegistry(kUser, u"a", u"k", {RegistryType::kDword, {}, 1}, &why_),
+            RegistryOutcome::kFailed);
+  EXPECT_EQ(why_.why, u"it is no registry file");
+  EXPECT_EQ(test::ReadBytes(File()), before);
+  system_.config.clear();
+  EXPECT_EQ(SetRegistry(kUser, u"a", u"k", {RegistryType::kDword, {}, 1}, &why_),
+            RegistryOutcome::kFailed);
+  EXPECT_EQ(QueryRegistry(kUser, u"a", u"k", &value_), RegistryOutcome::kNoKey);
+}
+
+}  // namespace
+}  // namespace kerno
