@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "parts/ipx.h"
 
 namespace kerno {
 namespace {
@@ -28,8 +29,9 @@ Status Write(ExportFormat format, const PartsA& model, const std::filesystem::pa
       return ExportDxf(model, file, options.dxf);
     case ExportFormat::kSvg:
     case ExportFormat::kX3d:
-    case ExportFormat::kIpx:
       return NotWritten(file, u"not built yet");
+    case ExportFormat::kIpx:
+      return WriteIpxFile(file, model, options.program);
     case ExportFormat::kMesh:
       return NotWritten(file, u"mesh formats cannot be written");
     case ExportFormat::kUnmatched:

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "export/dxf_export.h"
@@ -29,8 +30,11 @@ std::optional<ExportFormat> FormatOfExtension(std::u16string_view extension);
 struct ExportOptions {
   DxfOptions dxf;
 
-  // Runs after a successful export with the model and the file written: the copy in the cache, for
-  // a program that keeps one. Its failure is its own.
+  // The path of the running program, for the formats that name their writer.
+  std::u16string program;
+
+  // Runs after a successful export with the model and the file written: the copy in the cache
+  // (IpxCache::KeepCopy), for a program that keeps one. Its failure is its own.
   std::function<void(const PartsA& model, const std::filesystem::path& file)> after_export;
 };
 

@@ -15,15 +15,23 @@ void WriteHeader(Writer* out, size_t count, int32_t id, std::string_view tag) {
   out->EndLine();
 }
 
-// The count of elements, no more than lines are left for.
+// The count of elements as it is stated; never negative.
 size_t ReadHeader(Lines* lines, int32_t* id) {
   const std::string_view line = lines->Next();
+  const char* stop = nullptr;
+  const int64_t count = LeadingInteger(line, &stop);
+  const std::string_view rest = line.substr(static_cast<size_t>(stop - line.data()));
+  Tokens tokens(rest);
+  if (!rest.empty() && !IsSeparator(rest.front())) tokens.Skip();
   *id = 0;
-  Tokens tokens(line);
-  tokens.Skip();
   tokens.Integer(id);
-  const auto left = static_cast<int64_t>(lines->remaining());
-  return static_cast<size_t>(std::clamp<int64_t>(LeadingInteger(line), 0, left));
+  return static_cast<size_t>(std::max<int64_t>(count, 0));
+}
+
+// Room for the elements that are stated, but for no more than the lines left can be.
+size_t Room(size_t count, const Lines& lines) {
+  constexpr size_t kShortestLine = 6;
+  return std::min(count, lines.unread() / kShortestLine + 1);
 }
 
 template <class Item>
@@ -39,10 +47,10 @@ template <class Item>
 void ReadItems(Lines* lines, ElementArray<Item>* array) {
   const size_t count = ReadHeader(lines, &array->id);
   array->items.clear();
-  array->items.resize(count);
-  for (Item& item : array->items) {
+  array->items.reserve(Room(count, *lines));
+  for (size_t i = 0; i < count && !lines->AtEnd(); ++i) {
     Tokens line(lines->Next());
-    Read(&line, &item);
+    Read(&line, &array->items.emplace_back());
   }
 }
 
@@ -60,8 +68,8 @@ void Write(Writer* out, const P3A& array) {
 void Read(Lines* lines, P3A* array) {
   const size_t count = ReadHeader(lines, &array->id);
   array->Clear();
-  array->Reserve(count);
-  for (size_t i = 0; i < count; ++i) {
+  array->Reserve(Room(count, *lines));
+  for (size_t i = 0; i < count && !lines->AtEnd(); ++i) {
     Tokens line(lines->Next());
     P3 point;
     Read(&line, &point);

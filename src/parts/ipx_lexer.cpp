@@ -17,9 +17,6 @@ namespace {
 constexpr int kDigits = 15;
 constexpr size_t kPiece = 1 << 16;  // bytes that a writer gathers before it hands them over
 
-bool IsSeparator(char c) {
-  return c == ' ' || c == '\r' || c == '\n';
-}
 bool IsQuote(char c) {
   return c == '"' || c == '\'';
 }
@@ -63,6 +60,33 @@ double OutOfRange(std::string_view number, Base base) {
   return exponent > 0 ? std::numeric_limits<double>::infinity() : 0;
 }
 
+// A number of digits and at most a point whose digits make an integer below 2^53: the quotient of
+// that and an exact power of ten is the nearest double. The end of it; null where the number has
+// another form.
+const char* ReadPlainNumber(const char* at, const char* end, double* value) {
+  constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9,
+                                1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
+  constexpr int kMostDigits = 18;  // leading zeros included
+  constexpr uint64_t kLimit = uint64_t{1} << 53;
+  const bool negative = at != end && *at == '-';
+  if (negative) ++at;
+  uint64_t digits = 0;
+  int count = 0;
+  for (; at != end && IsDigit(*at); ++at, ++count)
+    digits = digits * 10 + static_cast<uint64_t>(*at - '0');
+  const int whole = count;
+  if (at != end && *at == '.') {
+    for (++at; at != end && IsDigit(*at); ++at, ++count)
+      digits = digits * 10 + static_cast<uint64_t>(*at - '0');
+  }
+  // Digits beyond the limit wrapped round, but the count tells.
+  if (count == 0 || count > kMostDigits || digits >= kLimit) return nullptr;
+  if (at != end && !IsSeparator(*at)) return nullptr;
+  const double magnitude = static_cast<double>(digits) / kPowers[count - whole];
+  *value = negative ? -magnitude : magnitude;
+  return at;
+}
+
 const char* SkipSpaces(const char* at, const char* end) {
   while (at != end && IsSpace(*at)) ++at;
   return at;
@@ -76,19 +100,27 @@ int32_t To32(int64_t value) {
 }  // namespace
 
 void AppendPacked(std::string* packed, std::u16string_view text) {
-  const auto put = [&](int byte) { packed->push_back(static_cast<char>(byte)); };
+  char bytes[3 * 1024];
+  char* at = bytes;
+  const auto put = [&](unsigned byte) { *at++ = static_cast<char>(byte); };
   for (const char16_t unit : text) {
-    if (unit < 0x80) {
-      put(unit);
-    } else if (unit < 0x800) {
-      put(0xC0 | (unit >> 6));
-      put(0x80 | (unit & 0x3F));
+    if (at > bytes + sizeof bytes - 3) {
+      packed->append(bytes, static_cast<size_t>(at - bytes));
+      at = bytes;
+    }
+    const unsigned value = unit;
+    if (value < 0x80) {
+      put(value);
+    } else if (value < 0x800) {
+      put(0xC0 | (value >> 6));
+      put(0x80 | (value & 0x3F));
     } else {
-      put(0xE0 | (unit >> 12));
-      put(0x80 | ((unit >> 6) & 0x3F));
-      put(0x80 | (unit & 0x3F));
+      put(0xE0 | (value >> 12));
+      put(0x80 | ((value >> 6) & 0x3F));
+      put(0x80 | (value & 0x3F));
     }
   }
+  packed->append(bytes, static_cast<size_t>(at - bytes));
 }
 
 std::string Pack(std::u16string_view text) {
@@ -270,36 +302,41 @@ Tokens Tokens::Group() {
   return Tokens(token);
 }
 
-Lines::Lines(std::string_view text) : rest_(text) {
-  while (!rest_.empty()) {
-    Cut();
-    ++remaining_;
+bool Lines::AtEnd() {
+  while (rest_.empty()) {
+    if (!source_ || !source_(&rest_)) return true;
   }
-  rest_ = text;
+  return false;
 }
 
 std::string_view Lines::Next() {
-  if (remaining_ == 0) return {};
-  --remaining_;
-  return Cut();
-}
-
-// Takes the first line off the rest.
-std::string_view Lines::Cut() {
-  for (size_t at = 0;; ++at) {
-    const void* found = std::memchr(rest_.data() + at, '\n', rest_.size() - at);
-    if (!found) return std::exchange(rest_, {});
-    at = static_cast<size_t>(static_cast<const char*>(found) - rest_.data());
-    if (at > 0 && rest_[at - 1] == '\r') {
-      const std::string_view line = rest_.substr(0, at - 1);
-      rest_.remove_prefix(at + 1);
-      return line;
+  if (AtEnd()) return {};
+  ++taken_;
+  std::string_view line = rest_;
+  size_t used = rest_.size();
+  for (const char* at = rest_.data(); used > 0; ++at) {
+    const auto left = static_cast<size_t>(rest_.data() + rest_.size() - at);
+    at = static_cast<const char*>(std::memchr(at, '\n', left));
+    if (!at) break;
+    const auto before = static_cast<size_t>(at - rest_.data());
+    if (before > 0 && at[-1] == '\r') {
+      line = rest_.substr(0, before - 1);
+      used = before + 1;
+      break;
     }
   }
+  rest_.remove_prefix(used);
+  unread_ -= std::min(used, unread_);
+  return line;
 }
 
 double LeadingNumber(std::string_view text, const char** stop) {
   const char* const end = text.data() + text.size();
+  double plain = 0;
+  if (const char* after = ReadPlainNumber(text.data(), end, &plain)) {
+    if (stop) *stop = after;
+    return plain;
+  }
   const char* at = SkipSpaces(text.data(), end);
   if (stop) *stop = text.data();
   if (at == end) return 0;

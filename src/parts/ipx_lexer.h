@@ -11,6 +11,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "parts/geometry.h"
@@ -66,6 +67,11 @@ class Writer {
   bool wrote_non_finite_ = false;
 };
 
+// What ends a field.
+inline bool IsSeparator(char c) {
+  return c == ' ' || c == '\r' || c == '\n';
+}
+
 // The fields of a line. A field in quotes (single or double) that end before a separator or at the
 // line's end keeps its blanks and loses the quotes; any other ends at the next blank, CR or LF.
 class Tokens {
@@ -101,17 +107,27 @@ class Tokens {
 // The lines of a text; an end that lacks its CR LF is a line too.
 class Lines {
  public:
-  explicit Lines(std::string_view text);
+  // Puts the next piece of a text, whole lines, into *piece, which lives until the next call; false
+  // when there is none.
+  using Source = std::function<bool(std::string_view* piece)>;
 
-  size_t remaining() const { return remaining_; }
-  // The next line without its CR LF; empty when none is left.
+  explicit Lines(std::string_view text) : rest_(text), unread_(text.size()) {}
+  // A text that comes in pieces, `size` bytes in all as far as one can tell.
+  Lines(Source source, size_t size) : source_(std::move(source)), unread_(size) {}
+
+  bool AtEnd();
+  // The next line without its CR LF; empty when none is left. Lives until the next call.
   std::string_view Next();
+  // How many lines were taken so far.
+  size_t taken() const { return taken_; }
+  // About how many bytes are left.
+  size_t unread() const { return unread_; }
 
  private:
-  std::string_view Cut();
-
   std::string_view rest_;
-  size_t remaining_ = 0;
+  Source source_;
+  size_t taken_ = 0;
+  size_t unread_;
 };
 
 // The number that a text begins with, after white space: as the C library reads it (a sign,

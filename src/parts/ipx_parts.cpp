@@ -110,10 +110,22 @@ void ForEachArray(Part& part, const Visit& visit) {
   visit(part.more_point_sets);
 }
 
-size_t PartCount(int64_t stated, size_t lines) {
-  const auto count =
-      static_cast<size_t>(std::clamp<int64_t>(stated, 0, static_cast<int64_t>(lines)));
-  return std::min(count, (lines + kLinesOfPart - 1) / kLinesOfPart + kMostMissing);
+// How many parts a container has, of which as many are stated and so many lines were there.
+size_t PartCount(size_t stated, size_t lines) {
+  return std::min({stated, lines, (lines + kLinesOfPart - 1) / kLinesOfPart + kMostMissing});
+}
+
+// The most parts that a text can hold: each of two lines with something in them and thirteen more.
+size_t MostParts(size_t stated, const Lines& lines) {
+  constexpr size_t kShortestPart = 13 * 4 + 2 * 4;
+  return std::min(stated, lines.unread() / kShortestPart + 1);
+}
+
+// Into a part as it was made.
+void ReadFresh(Lines* lines, PartsElement* part) {
+  ReadHeaderLine(lines->Next(), part);
+  ReadBodyLine(lines->Next(), part);
+  ForEachArray(*part, [&](auto& array) { Read(lines, &array); });
 }
 
 Continue Show(std::u16string_view text, size_t done, size_t total) {
@@ -130,9 +142,7 @@ void Write(Writer* out, const PartsElement& part) {
 
 void Read(Lines* lines, PartsElement* part) {
   *part = PartsElement();
-  ReadHeaderLine(lines->Next(), part);
-  ReadBodyLine(lines->Next(), part);
-  ForEachArray(*part, [&](auto& array) { Read(lines, &array); });
+  ReadFresh(lines, part);
 }
 
 bool Write(Writer* out, const PartsA& container, std::u16string_view program) {
@@ -158,23 +168,29 @@ bool Write(Writer* out, const PartsA& container, std::u16string_view program) {
 
 bool Read(Lines* lines, PartsA* container) {
   *container = PartsA();
-  if (lines->remaining() == 0) return true;
+  if (lines->AtEnd()) return true;
   Tokens header(lines->Next());
-  std::string_view stated;
-  header.Next(&stated);
+  std::string_view first;
+  header.Next(&first);
   header.Integer(&container->id);
-  const size_t count = PartCount(LeadingInteger(stated), lines->remaining());
-  container->parts.resize(count);
-  for (size_t i = 0; i < count; ++i) {
-    if (Show(kReading, i, count) == Continue::kNo) {
-      *container = PartsA();
-      return false;
-    }
-    Read(lines, &container->parts[i]);
+  const auto stated = static_cast<size_t>(std::max<int64_t>(LeadingInteger(first), 0));
+  const size_t header_lines = lines->taken();
+  const size_t shown = MostParts(stated, *lines);
+  std::vector<PartsElement>& parts = container->parts;
+  parts.reserve(shown);
+  bool stopped = Show(kReading, 0, shown) == Continue::kNo;
+  while (!stopped && parts.size() < stated && !lines->AtEnd()) {
+    ReadFresh(lines, &parts.emplace_back());
+    stopped = Show(kReading, parts.size(), std::max(shown, parts.size())) == Continue::kNo;
   }
-  if (Show(kReading, count, count) == Continue::kYes) return true;
-  *container = PartsA();
-  return false;
+  if (!stopped && parts.size() < shown) stopped = Show(kReading, shown, shown) == Continue::kNo;
+  if (stopped) {
+    *container = PartsA();
+    return false;
+  }
+  // Parts that are stated beyond the end of the text are empty.
+  if (parts.size() < stated) parts.resize(PartCount(stated, lines->taken() - header_lines));
+  return true;
 }
 
 }  // namespace kerno::ipx
