@@ -4,6 +4,7 @@ set -e
 packages="g++ cmake ninja-build ccache pkg-config
  libfreetype-dev libfontconfig-dev libharfbuzz-dev libcli11-dev libagg-dev
  fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf
+ libcurl4-openssl-dev libcurl4 ca-certificates openssl curl
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  python3 python3-ezdxf imagemagick file"
 

@@ -26,14 +26,14 @@ class RecordingNotices final : public Notices {
     bool operator==(const Step&) const = default;
   };
   std::vector<Step> steps;  // of progress
-  int64_t stop_at = -1;     // the step at which the user stops the operation
+  int64_t stop_at = -1;     // the user stops the operation from this step on; -1: never
 
   void Message(std::u16string_view text) override { messages.emplace_back(text); }
   void ShowWait(std::u16string_view text) override { waits.emplace_back(text); }
   void ClearWait() override { waits.emplace_back(); }
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override {
     steps.push_back({std::u16string(text), done, total});
-    return done == stop_at ? Continue::kNo : Continue::kYes;
+    return stop_at >= 0 && done >= stop_at ? Continue::kNo : Continue::kYes;
   }
 
  private:

@@ -1,0 +1,220 @@
+#include "web/uploader.h"
+
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "base/file_wait.h"
+#include "base/folders.h"
+#include "base/notices.h"
+#include "base/text.h"
+#include "platform/clock.h"
+#include "platform/file_replacement.h"
+#include "platform/held_file.h"
+#include "platform/system.h"
+#include "web/multipart.h"
+#include "web/shown_text.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kField = "file_img";
+constexpr size_t kMostShown = 200;  // characters of the server that a message repeats
+
+UploadResult Ended(UploadEnd end, std::u16string_view about, std::u16string_view why) {
+  UploadResult result;
+  result.end = end;
+  result.message.append(about).append(u": ").append(why);
+  return result;
+}
+
+std::u16string Decimal(int64_t number) {
+  const std::string digits = std::to_string(number);
+  return {digits.begin(), digits.end()};
+}
+
+std::u16string DurationText(std::chrono::milliseconds duration) {
+  const int64_t count = duration.count();
+  return count % 1000 ? Decimal(count) + u" ms" : Decimal(count / 1000) + u" s";
+}
+
+// Reads the file with room for what is put around it. Not ok: *end tells which kind of trouble.
+Status ReadFile(const fs::path& file, int64_t limit, std::string* bytes, UploadEnd* end) {
+  *end = UploadEnd::kFileTrouble;
+  const std::u16string name = PathText(file);
+  const auto too_large = [&](int64_t size) {
+    *end = UploadEnd::kTooLarge;
+    return Status::Error(Failure::kOther, name,
+                         u"not sent: it has " + Decimal(size) + u" bytes, and at most " +
+                             Decimal(limit) + u" are sent (\"up_max_file_size\")");
+  };
+  std::error_code error;
+  if (!fs::is_regular_file(file, error)) {
+    if (fs::is_directory(file, error)) {
+      return Status::Error(Failure::kIsFolder, name, u"it is a folder, not a file");
+    }
+    return fs::exists(file, error)
+               ? Status::Error(Failure::kOther, name, u"it is a device or a pipe, not a file")
+               : Status::Error(Failure::kNotFound, name, u"there is no such file");
+  }
+  const auto size = static_cast<int64_t>(fs::file_size(file, error));
+  if (!error && size > limit) return too_large(size);
+  Status status = WaitForFile(file, FileWait::kRead, [&] {
+    Status opened;
+    const auto held = HeldFile::Open(file, Deny::kWrite, &opened);
+    if (!held) return opened;
+    const auto room = static_cast<size_t>(error ? 0 : size) + 1;
+    bytes->reserve(room + kMultipartRoom + 3 * file.native().size());
+    return held->Read(bytes, static_cast<size_t>(limit) + 1);
+  });
+  if (!status.ok()) return status;
+  const auto read = static_cast<int64_t>(bytes->size());
+  return read > limit ? too_large(read) : Status::Ok();  // it may have grown meanwhile
+}
+
+void KeepInspectionCopy(const fs::path& file, std::string_view body) {
+  fs::path copy = WorkFolder() / file.filename();
+  copy += ".txt";
+  const Status status = ReplaceFile(copy, body);
+  if (!status.ok()) {
+    CurrentNotices().Message(status.what + u": the copy of the request was not written: " +
+                             status.why);
+  }
+}
+
+// Why the request did not lead to an answer, in words for the user.
+std::u16string WhyNotSent(const HttpReply& reply, const HttpLimits& limits) {
+  const std::u16string detail = u" (" + ShownText(reply.why, kMostShown) + u")";
+  switch (reply.end) {
+    case HttpEnd::kUnavailable:
+      return u"this machine cannot send: libcurl could not be loaded" + detail;
+    case HttpEnd::kBadUrl:
+      return u"the address cannot be read" + detail;
+    case HttpEnd::kUnknownHost:
+      return u"the host's name is not known" + detail;
+    case HttpEnd::kRefused:
+      return u"no connection" + detail;
+    case HttpEnd::kConnectTimeout:
+      return u"no connection within " + DurationText(limits.connect);
+    case HttpEnd::kUntrusted:
+      return u"not sent: the server's certificate was not accepted" + detail +
+             u"; \"self_certificate\" set to 1 accepts one that no known authority signed";
+    case HttpEnd::kTlsFailed:
+      return u"no secure connection" + detail;
+    case HttpEnd::kStalled:
+      return reply.body_sent
+                 ? u"the server took the file but did not answer in time; it may have it or not"
+                 : u"the transfer stood still for " + DurationText(limits.stall);
+    case HttpEnd::kBroken:
+      return u"the connection broke before an answer" + detail;
+    case HttpEnd::kNoAnswer:
+      return u"the server closed the connection without an answer";
+    case HttpEnd::kNotHttp:
+      return u"what answered is not a web server" + detail;
+    case HttpEnd::kStopped:
+      return u"stopped";
+    case HttpEnd::kAnswered:
+    case HttpEnd::kOther:
+      break;
+  }
+  return u"the transfer failed" + detail;
+}
+
+// A permanent or repeatable redirect says that the script is elsewhere; 302 and 303 are how
+// scripts send a browser on to a page after they took a form.
+bool IsMoved(int status) {
+  return status == 301 || status == 307 || status == 308;
+}
+
+UploadResult FromAnswer(const HttpReply& reply, std::u16string_view about) {
+  UploadResult result;
+  result.sent = reply.body_sent;
+  result.status = reply.status;
+  result.status_line = ShownText(reply.status_line, kMostShown);
+  result.first_line = FirstShownLine(reply.answer, kMostShown);
+  const bool accepted = reply.body_sent && reply.status < 400 && !IsMoved(reply.status);
+  result.end = accepted ? UploadEnd::kAccepted : UploadEnd::kNotAccepted;
+  std::u16string& message = result.message;
+  message.append(about).append(accepted ? u": sent: " : u": not accepted: ");
+  message += result.status_line;
+  if (!result.first_line.empty()) message += u": " + result.first_line;
+  if (!reply.location.empty()) {
+    message += u"; it points to " + ShownText(reply.location, kMostShown) + u", not followed";
+  }
+  return result;
+}
+
+std::string JoinedByBlanks(std::initializer_list<std::u16string> pieces) {
+  std::string out;
+  for (const std::u16string& piece : pieces) {
+    const std::string shown = Utf16ToUtf8(ShownText(Utf16ToUtf8(piece), kMostShown));
+    if (!out.empty() && !shown.empty()) out += ' ';
+    out += shown;
+  }
+  return out;
+}
+
+}  // namespace
+
+Uploader::Uploader(SettingsReader& settings, fs::path file, HttpSession& session)
+    : settings_(settings), settings_file_(std::move(file)), session_(session) {}
+
+bool Uploader::IsConfigured() {
+  return !ReadUploadSettings(settings_).server.empty();
+}
+
+UploadResult Uploader::Upload(const fs::path& file) {
+  const UploadSettings settings = ReadUploadSettings(settings_);
+  const std::u16string ini = PathText(settings_file_);
+  if (settings.server.empty()) {
+    return Ended(UploadEnd::kNotConfigured, ini,
+                 u"no upload server is set; give section [UpFile] the key \"server\" with the name "
+                 u"of a host that runs a receiving script");
+  }
+  std::u16string why;
+  const auto target = FormUploadTarget(settings, &why);
+  if (!target) return Ended(UploadEnd::kBadSettings, ini + u": [UpFile]", why);
+
+  std::string body;
+  UploadEnd trouble = UploadEnd::kFileTrouble;
+  const Status read = ReadFile(file, UploadLimit(settings.up_max_file_size), &body, &trouble);
+  if (!read.ok()) return Ended(trouble, read.what, read.why);
+  const std::u16string name = PathText(file.filename());
+  const auto boundary = ChooseBoundary(CurrentClock().Now(), body);
+  if (!boundary) {
+    return Ended(UploadEnd::kFileTrouble, PathText(file),
+                 u"not sent: the file holds every text that could mark its end");
+  }
+  WrapInMultipart(*boundary, kField, HeaderFileName(name), &body);
+  if (!settings.debug.empty()) KeepInspectionCopy(file, body);
+
+  HttpPost post;
+  post.url = target->Url();
+  post.user_agent = UploadUserAgent();
+  post.headers = {"Content-Type: multipart/form-data; boundary=" + *boundary};
+  post.body = body;
+  post.trust = settings.self_certificate.empty() ? CertificateTrust::kKnownAuthority
+                                                 : CertificateTrust::kAnyAuthority;
+  post.limits = limits;
+  const std::u16string doing = u"Uploading " + name;
+  const HttpReply reply = session_.Post(post, [&](int64_t sent, int64_t total) {
+    return CurrentNotices().Progress(doing, sent, total) == Continue::kYes ? Transfer::kGoOn
+                                                                           : Transfer::kStop;
+  });
+  const std::u16string about = PathText(file) + u" to " + ShownText(post.url, kMostShown);
+  if (reply.end == HttpEnd::kAnswered) return FromAnswer(reply, about);
+  return Ended(reply.end == HttpEnd::kStopped ? UploadEnd::kStopped : UploadEnd::kNotSent, about,
+               WhyNotSent(reply, limits));
+}
+
+fs::path UploadSettingsFile() {
+  return CurrentSystem().ConfigFolder() / "UpFile.ini";
+}
+
+std::string UploadUserAgent() {
+  return JoinedByBlanks({u"kerno", u"1.0.0"});
+}
+
+}  // namespace kerno
