@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "base/notices.h"
-#include "base/number_text.h"
 #include "base/text.h"
 #include "export/draw_parts.h"
 #include "export/picture_notes.h"
@@ -32,17 +30,6 @@ bool IsSide(int side) {
 // The room that a length takes, in whole pixels with the margins.
 int SideFor(double length) {
   return std::max(1, static_cast<int>(std::ceil(length + 2 * kBmpMargin)));
-}
-
-void TellScale(const BmpLayout& layout, const std::filesystem::path& name) {
-  std::u16string text = PathText(name) + u": ";
-  text += layout.fit.scale < 1 ? u"the drawing is larger than " : u"the drawing is smaller than ";
-  text += layout.fit.scale < 1 ? u"8192 pixels and was scaled down: one pixel is "
-                               : u"one pixel and was enlarged: one pixel is ";
-  std::string number;
-  AppendGeneral(&number, 1 / layout.fit.scale, 3);
-  text += Utf8ToUtf16Lossy(number) + u" units";
-  CurrentNotices().Message(text);
 }
 
 }  // namespace
@@ -114,7 +101,7 @@ Status WriteBmp(const PartsA& model, const BmpOptions& options, const std::files
   if (!surface) {
     return Status::Error(Failure::kOther, PathText(name), u"not enough memory for the picture");
   }
-  if (!layout.one_to_one) TellScale(layout, name);
+  if (!layout.one_to_one) TellScale(layout.fit.scale, name);
   TellLeftOut(DrawParts(surface->Context(), model, layout.fit, {.detail = kDetail}), name);
 
   std::string block = BmpHeader(layout.width, layout.height);

@@ -22,4 +22,14 @@ void TellLeftOut(const PictureNotes& notes, const std::filesystem::path& name) {
   tell(notes.texts_no_size, u" texts were left out: too small or too large for a font");
 }
 
+void TellScale(double scale, const std::filesystem::path& name) {
+  std::u16string text = PathText(name);
+  text += scale < 1
+              ? u": the drawing is too large for its picture and was scaled down: one pixel is "
+              : u": the drawing is smaller than one pixel and was enlarged: one pixel is ";
+  std::string number;
+  AppendGeneral(&number, 1 / scale, 3);
+  CurrentNotices().Message(text + Utf8ToUtf16Lossy(number) + u" units");
+}
+
 }  // namespace kerno

@@ -10,4 +10,7 @@ namespace kerno {
 // One message for each kind of thing that `name` lacks; none when it lacks nothing.
 void TellLeftOut(const PictureNotes& notes, const std::filesystem::path& name);
 
+// Tells that the drawing did not keep one pixel a unit: `scale` pixels are one.
+void TellScale(double scale, const std::filesystem::path& name);
+
 }  // namespace kerno

@@ -30,6 +30,8 @@ struct LogFont {
   uint8_t pitch_and_family = 0;
   std::u16string
       face_name;  // at most kMaxFaceName units count; "@" in front asks for the vertical form
+
+  bool operator==(const LogFont&) const = default;
 };
 
 inline constexpr size_t kMaxFaceName = 31;  // UTF-16 units of a face name that the system compares
