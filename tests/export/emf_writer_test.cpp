@@ -98,7 +98,7 @@ TEST(EmfWriter, HeaderTellsBoundsFrameDeviceAndProgram) {
   const std::vector<uint32_t> expected = {1, 132, 0,    0,    100 * dots, 100 * dots,
                                           0, 0,   2500, 2500, 0x464D4520, 0x10000};
   EXPECT_EQ(std::vector<uint32_t>(h.begin(), h.begin() + 12), expected);
-  const std::vector<uint32_t> rest = {12,  108, 0, 1280 * dots, 1024 * dots, 320,
+  const std::vector<uint32_t> rest = {11,  108, 0, 1280 * dots, 1024 * dots, 320,
                                       256, 0,   0, 0,           320000,      256000};
   EXPECT_EQ(std::vector<uint32_t>(h.begin() + 15, h.begin() + 27), rest);
   std::u16string description(11, u'?');
