@@ -17,6 +17,7 @@ using test::FontProbe;
 
 std::vector<std::u16string> Names(const std::vector<InstalledFace>& faces) {
   std::vector<std::u16string> names;
+  names.reserve(faces.size());
   for (const InstalledFace& face : faces) names.push_back(face.name);
   return names;
 }

@@ -158,6 +158,7 @@ TEST(FontLimits, DamagedFilesArePassedOverAndNamed) {
   ASSERT_EQ(faces.size(), 1U);
   EXPECT_EQ(faces[0].name, u"DejaVu Sans Mono");
   std::vector<std::string> names;
+  names.reserve(skipped.size());
   for (const auto& path : skipped) names.push_back(std::filesystem::path(path).filename().native());
   EXPECT_THAT(names, ElementsAre("aa-truncated.ttf", "ab-truncated.ttf", "empty.ttf", "head.otf",
                                  "noise.ttc", "only.ttf"));

@@ -126,7 +126,7 @@ class OnlyTheseFonts {
   OnlyTheseFonts& operator=(const OnlyTheseFonts&) = delete;
 
   std::string Install(std::string_view name, std::string_view bytes) {
-    const std::string path = folder_ / name;
+    std::string path = folder_ / name;
     std::ofstream(path, std::ios::binary) << bytes;
     FontCatalog::Forget();
     return path;

@@ -173,7 +173,11 @@ class NativeWriter {
 
 }  // namespace
 
-Outline CubicsToQuadratics(const Outline& outline) {
+Outline CubicsToQuadratics(Outline outline) {
+  if (std::none_of(outline.points.begin(), outline.points.end(),
+                   [](const OutlinePoint& p) { return p.kind == PointKind::kCubic; })) {
+    return outline;
+  }
   Outline result;
   size_t begin = 0;
   for (const size_t end : outline.ends) {

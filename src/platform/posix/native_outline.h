@@ -28,7 +28,7 @@ struct Outline {
 
 // Replaces every cubic piece by quadratic ones that stay within 1/16 unit of it, rounding of their
 // control points to 26.6 included. The end points stay where they are.
-Outline CubicsToQuadratics(const Outline& outline);
+Outline CubicsToQuadratics(Outline outline);
 
 // Writes the buffer for an outline without cubic pieces. False, with an empty buffer, when a
 // coordinate does not fit into 16.16.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <utility>
 
 #include FT_OUTLINE_H
 
@@ -203,7 +204,8 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
   const bool fits = advance >= std::numeric_limits<int16_t>::min() &&
                     advance <= std::numeric_limits<int16_t>::max();
   glyph.metrics.gmCellIncX = fits ? static_cast<int16_t>(advance) : int16_t{0};
-  glyph.has_outline = WriteNativeOutline(outline, &glyph.outline) && fits;
+  glyph.has_outline =
+      WriteNativeOutline(CubicsToQuadratics(std::move(outline)), &glyph.outline) && fits;
   return glyph;
 }
 
@@ -243,7 +245,6 @@ int64_t RealizedFont::ScaleX(int64_t x) const {
 
 Outline RealizedFont::TakeOutline(const FT_Outline& source) const {
   Outline outline;
-  bool cubic = false;
   outline.points.reserve(static_cast<size_t>(source.n_points));
   for (int i = 0; i < source.n_points; ++i) {
     PointKind kind = PointKind::kOn;
@@ -252,7 +253,6 @@ Outline RealizedFont::TakeOutline(const FT_Outline& source) const {
         break;
       case FT_CURVE_TAG_CUBIC:
         kind = PointKind::kCubic;
-        cubic = true;
         break;
       default:
         kind = PointKind::kQuadratic;
@@ -262,7 +262,7 @@ Outline RealizedFont::TakeOutline(const FT_Outline& source) const {
   for (int i = 0; i < source.n_contours; ++i) {
     outline.ends.push_back(static_cast<size_t>(source.contours[i]) + 1);
   }
-  return cubic ? CubicsToQuadratics(outline) : outline;
+  return outline;
 }
 
 GlyphMetrics RealizedFont::GridFittedBox(const FT_Glyph_Metrics& fitted) const {
