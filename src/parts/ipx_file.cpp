@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <memory>
-#include <optional>
 #include <utility>
 
 #include "base/file_wait.h"
@@ -10,6 +9,7 @@
 #include "parts/ipx.h"
 #include "parts/ipx_lexer.h"
 #include "parts/ipx_parts.h"
+#include "parts/ipx_pieces.h"
 #include "platform/code_page.h"
 #include "platform/file_replacement.h"
 #include "platform/held_file.h"
@@ -19,8 +19,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr size_t kReadAtOnce = 1 << 18;
 constexpr std::string_view kLittleEndianMark = "\xFF\xFE";
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 // A text that stands in the file unescaped, and what it is to the user.
 struct PlainText {
@@ -100,84 +100,6 @@ std::string CodePageBytes(std::string_view packed) {
   return bytes;
 }
 
-// Code page 932 to the packed form. Line breaks are never half of a character, so that what lies
-// between them is decoded by itself.
-void AppendPackedCodePage(std::string* packed, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const size_t plain = ipx::AsciiPrefix(bytes);
-    packed->append(bytes.substr(0, plain));
-    bytes.remove_prefix(plain);
-    size_t line = 0;
-    while (line < bytes.size() && bytes[line] != '\r' && bytes[line] != '\n') ++line;
-    ipx::AppendPacked(packed, DecodeCodePage932(bytes.substr(0, line)));
-    bytes.remove_prefix(line);
-  }
-}
-
-// The bytes of a file as pieces of whole lines in the packed form: nothing but the file itself is
-// ever in memory at once.
-class PackedPieces {
- public:
-  explicit PackedPieces(std::string_view bytes) : rest_(bytes) {
-    if (bytes.substr(0, kUtf8Mark.size()) == kUtf8Mark) {
-      form_ = Form::kUtf8;
-      rest_.remove_prefix(kUtf8Mark.size());
-    } else if (HasUtf16Mark(bytes)) {
-      form_ = Form::kUtf16;
-      mark_ = bytes.substr(0, kLittleEndianMark.size());
-      rest_.remove_prefix(mark_.size());
-    }
-  }
-
-  bool Next(std::string_view* piece) {
-    if (rest_.empty()) return false;
-    const std::string_view bytes = rest_.substr(0, form_ == Form::kUtf16 ? Utf16Lines() : Lines());
-    rest_.remove_prefix(bytes.size());
-    if (form_ != Form::kUtf16 && ipx::AsciiPrefix(bytes) == bytes.size()) {
-      *piece = bytes;
-      return true;
-    }
-    packed_.clear();
-    switch (form_) {
-      case Form::kCodePage:
-        AppendPackedCodePage(&packed_, bytes);
-        break;
-      case Form::kUtf16:
-        ipx::AppendPacked(&packed_, DecodeText(std::string(mark_).append(bytes)));
-        break;
-      case Form::kUtf8:
-        ipx::AppendPacked(&packed_, Utf8ToUtf16Lossy(bytes));
-        break;
-    }
-    *piece = packed_;
-    return true;
-  }
-
- private:
-  enum class Form { kCodePage, kUtf16, kUtf8 };
-
-  static constexpr size_t kPiece = 1 << 16;
-
-  // The length of the next piece: up to the end of a line.
-  size_t Lines() const {
-    const size_t end = rest_.size() > kPiece ? rest_.find("\r\n", kPiece) : rest_.npos;
-    return end == rest_.npos ? rest_.size() : end + 2;
-  }
-  size_t Utf16Lines() const {
-    const std::string_view end = mark_ == kLittleEndianMark ? std::string_view("\r\0\n\0", 4)
-                                                            : std::string_view("\0\r\0\n", 4);
-    for (size_t at = kPiece; (at = rest_.find(end, at)) != rest_.npos; ++at) {
-      if (at % 2 == 0) return at + end.size();
-    }
-    return rest_.size();
-  }
-
-  std::string_view rest_;
-  Form form_ = Form::kCodePage;
-  std::string_view mark_;
-  std::string packed_;
-};
-
 Status Stopped(std::u16string_view name) {
   return Status::Error(Failure::kOther, std::u16string(name), u"stopped by the user");
 }
@@ -245,18 +167,38 @@ Status WriteIpxFile(const fs::path& path, const PartsA& container, std::u16strin
 }
 
 bool DecodeIpx(std::string_view bytes, PartsA* container) {
-  PackedPieces pieces(bytes);
+  ipx::Pieces pieces(bytes);
   ipx::Lines lines([&](std::string_view* piece) { return pieces.Next(piece); }, bytes.size());
   return Read(&lines, container);
 }
 
 Status ReadIpxFile(const fs::path& path, PartsA* container) {
   *container = PartsA();
-  std::string bytes;
-  Status status = ReadFileBytes(path, &bytes);
+  std::unique_ptr<HeldFile> file;
+  Status status = WaitForFile(path, FileWait::kRead, [&] {
+    Status opened;
+    file = HeldFile::Open(path, Deny::kWrite, &opened);
+    return opened;
+  });
   if (!status.ok()) return status;
-  if (bytes.empty()) return Status::Error(Failure::kOther, PathText(path), u"the file is empty");
-  return DecodeIpx(bytes, container) ? Status::Ok() : Stopped(PathText(path));
+  uint64_t have = 0;
+  const auto read_more = [&](std::string* bytes) {
+    const size_t before = bytes->size();
+    if (status.ok()) status = file->ReadPiece(have, kReadAtOnce, bytes);
+    have += bytes->size() - before;
+    return bytes->size() > before;
+  };
+  std::error_code unknown;
+  const uintmax_t size = fs::file_size(path, unknown);
+  ipx::Pieces pieces(read_more);
+  ipx::Lines lines([&](std::string_view* piece) { return pieces.Next(piece); },
+                   unknown ? 0 : static_cast<size_t>(size));
+  const bool whole = Read(&lines, container);
+  if (whole && status.ok() && have > 0) return Status::Ok();
+  *container = PartsA();
+  if (!status.ok()) return status;
+  if (!whole) return Stopped(PathText(path));
+  return Status::Error(Failure::kOther, PathText(path), u"the file is empty");
 }
 
 }  // namespace kerno

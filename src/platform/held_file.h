@@ -1,6 +1,7 @@
 // A file that is held while it is used, so that other processes wait.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -32,6 +33,15 @@ class HeldFile {
 
   // The content of the file that is held, its first `most` bytes; devices and pipes are as empty.
   virtual Status Read(std::string* bytes, size_t most = std::string::npos) = 0;
+
+  // Appends the next piece of the content to *bytes, from `offset` on: about `about` bytes where
+  // the file can be read in pieces, all that is left where it cannot, nothing at the end.
+  virtual Status ReadPiece(uint64_t offset, size_t /*about*/, std::string* bytes) {
+    std::string all;
+    Status status = Read(&all);
+    if (offset < all.size()) bytes->append(all, static_cast<size_t>(offset));
+    return status;
+  }
 };
 
 // Creates a file with these bytes where nothing stands yet: it appears whole or not at all.

@@ -141,6 +141,18 @@ TEST(IpxFile, LongFilesArePiecedTogether) {
   EXPECT_EQ(ToText(Decoded(Encoded(container)), kProgram), text);
   container.parts[200].name = u"한";
   EXPECT_EQ(ToText(Decoded(Encoded(container)), kProgram), ToText(container, kProgram));
+
+  // A line longer than any piece, and files in every encoding read from the disk.
+  container.parts[100].texts.items.push_back({-1, std::u16string(700000, u'長')});
+  const std::u16string longer = ToText(container, kProgram);
+  const TemporaryFolder folder;
+  for (const std::string& file : {Encoded(container), Utf16Of(longer, false), Utf16Of(longer, true),
+                                  "\xEF\xBB\xBF" + Utf16ToUtf8(longer)}) {
+    WriteBytes(folder / "a.ipx", file);
+    PartsA read;
+    ASSERT_TRUE(ReadIpxFile(folder / "a.ipx", &read).ok());
+    EXPECT_TRUE(ToText(read, kProgram) == longer) << file.size();
+  }
 }
 
 TEST(IpxFile, SmallestFiles) {

@@ -52,6 +52,21 @@ class PosixHeldFile final : public HeldFile {
     return Status::Ok();
   }
 
+  Status ReadPiece(uint64_t offset, size_t about, std::string* bytes) override {
+    struct stat info {};
+    if (fstat(fd_, &info) != 0) return SystemError(path_, errno);
+    if (!S_ISREG(info.st_mode)) return Status::Ok();
+    const size_t before = bytes->size();
+    bytes->resize(before + about);
+    ssize_t got = 0;
+    do {
+      got = pread(fd_, bytes->data() + before, about, static_cast<off_t>(offset));
+    } while (got < 0 && errno == EINTR);
+    const int error = errno;
+    bytes->resize(before + static_cast<size_t>(std::max<ssize_t>(got, 0)));
+    return got < 0 ? SystemError(path_, error) : Status::Ok();
+  }
+
  private:
   fs::path path_;
   int fd_;
