@@ -2,6 +2,7 @@
 # Installs the Debian packages that building, running and testing need. Does nothing when all are there.
 set -e
 packages="g++ cmake ninja-build ccache pkg-config
+ qt6-base-dev xvfb xdotool unrtf
  libfreetype-dev libfontconfig-dev libharfbuzz-dev libcli11-dev libagg-dev
  fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf
  libcurl4-openssl-dev libcurl4 ca-certificates openssl curl

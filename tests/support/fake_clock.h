@@ -19,6 +19,7 @@ class FakeClock final : public Clock {
 
   int64_t seconds = 1795251600;  // 2026-11-21 09:00:00
   uint32_t ticks = 1000;
+  uint32_t tick_step = 0;  // how far the ticks go on at each reading
   int sleeps = 0;
   uint64_t slept = 0;              // milliseconds
   std::function<void()> on_sleep;  // what happens elsewhere meanwhile
@@ -31,7 +32,7 @@ class FakeClock final : public Clock {
     return {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
             parts.tm_hour,        parts.tm_min,     parts.tm_sec};
   }
-  uint32_t Ticks() override { return ticks; }
+  uint32_t Ticks() override { return ticks += tick_step; }
   void Sleep(uint32_t milliseconds) override {
     ++sleeps;
     slept += milliseconds;

@@ -1,0 +1,305 @@
+#include "app/dialog.h"
+
+#include <algorithm>
+#include <new>
+
+#include "app/height_text.h"
+#include "app/status_text.h"
+#include "app/text_source.h"
+#include "app/window_place.h"
+#include "base/text.h"
+#include "export/draw_parts.h"
+#include "platform/clock.h"
+
+namespace kerno {
+namespace {
+
+constexpr uint32_t kSlowRebuild = 60;  // milliseconds from which changes are gathered
+constexpr int kGatherFor = 250;        // milliseconds without a change until they are set
+
+size_t IndexOf(Color color) {
+  const auto& colors = NamedColors();
+  const auto found = std::find_if(colors.begin(), colors.end(),
+                                  [&](const ColorChoice& c) { return c.color == color; });
+  return found == colors.end() ? 0 : static_cast<size_t>(found - colors.begin());
+}
+
+}  // namespace
+
+std::u16string LinesOf(std::u16string_view text) {
+  std::u16string lines;
+  lines.reserve(text.size());
+  for (size_t i = 0; i < text.size(); ++i) {
+    switch (text[i]) {
+      case u'\r':
+        if (i + 1 < text.size() && text[i + 1] == u'\n') ++i;
+        [[fallthrough]];
+      case u'\u0085':
+      case u'\u2028':
+      case u'\u2029':
+        lines += u'\n';
+        break;
+      case u'\0':
+        break;
+      default:
+        lines += text[i];
+    }
+  }
+  return lines;
+}
+
+std::u16string FaceFor(std::u16string_view face, bool vertical) {
+  std::u16string name(face);
+  if (vertical && !name.starts_with(u'@')) name.insert(0, 1, u'@');
+  return name;
+}
+
+Dialog::Dialog(DialogView& view, DialogServices& services)
+    : view_(view),
+      services_(services),
+      notices_before_(ReplaceNotices(this)),
+      typesetter_(services.CreateMeasuringContext()),
+      outputs_(services, *this) {}
+
+Dialog::~Dialog() {
+  ReplaceNotices(notices_before_);
+}
+
+void Dialog::Open() {
+  memory_ = services_.Load();
+  text_ = LinesOf(services_.LoadSavedText());
+  first_color_ = IndexOf(memory_.first_color);
+  second_colors_ = FollowingColors(NamedColors()[first_color_]);
+  memory_.second_color = std::min(memory_.second_color, second_colors_.size() - 1);
+  outputs_.SetFolder(memory_.output_folder.empty() ? services_.DefaultOutputFolder()
+                                                   : TextPath(memory_.output_folder));
+  view_.ShowText(text_, TextChange::kFresh);
+  view_.ShowControlText(ControlId::kFace, memory_.face);
+  view_.ShowChecked(ControlId::kVertical, memory_.vertical);
+  view_.ShowControlText(ControlId::kHeightList, memory_.height);
+  view_.ShowControlText(ControlId::kHeightEdit, memory_.height);
+  view_.ShowChecked(ControlId::kPolyPolygon, memory_.use_poly_polygon);
+  view_.Enable(ControlId::kFirstColor, memory_.use_poly_polygon);
+  view_.Enable(ControlId::kSecondColor, memory_.use_poly_polygon);
+  view_.ShowControl(ControlId::kUpload, services_.CanUpload());
+  ShowColors();
+  ShowMenu();
+  const WindowRect place = KeepInSight(memory_.window, view_.Screens());
+  if (place != WindowRect{}) view_.MoveWindow(place);
+  Rebuild();
+}
+
+void Dialog::FillFaces() {
+  const std::vector<std::u16string> faces = services_.Faces();
+  view_.ShowFaces(faces);
+  if (memory_.face.empty()) memory_.face = used_face_;
+  view_.ShowControlText(ControlId::kFace, memory_.face);
+}
+
+void Dialog::Close() {
+  if (const auto place = view_.WindowPlace()) memory_.window = *place;
+  const Status saved = services_.Save(memory_);
+  if (!saved.ok()) view_.ShowMessage(saved.what + u": " + saved.why);
+  (void)services_.SaveText(text_);  // tells its failure itself
+}
+
+void Dialog::TextChanged(std::u16string_view text) {
+  std::u16string lines = LinesOf(text);
+  if (lines == text_) return;  // a change of looks alone
+  text_ = std::move(lines);
+  Changed();
+}
+
+void Dialog::FaceChanged(std::u16string_view face) {
+  if (memory_.face == face) return;
+  memory_.face = face;
+  Changed();
+}
+
+void Dialog::VerticalClicked(bool vertical) {
+  memory_.vertical = vertical;
+  Changed();
+}
+
+void Dialog::HeightListChanged(std::u16string_view text) {
+  if (memory_.height == text) return;
+  memory_.height = text;
+  view_.ShowControlText(ControlId::kHeightEdit, text);
+  Changed();
+}
+
+void Dialog::HeightEditChanged(std::u16string_view text) {
+  if (memory_.height == text) return;
+  memory_.height = text;
+  view_.ShowControlText(ControlId::kHeightList, text);
+  Changed();
+}
+
+void Dialog::HeightStepped(int steps) {
+  const std::u16string text = SteppedHeight(memory_.height, steps);
+  view_.ShowControlText(ControlId::kHeightEdit, text);
+  HeightEditChanged(text);
+}
+
+void Dialog::PolyPolygonClicked(bool use) {
+  memory_.use_poly_polygon = use;
+  view_.Enable(ControlId::kFirstColor, use);
+  view_.Enable(ControlId::kSecondColor, use);
+  ShowDrawing();
+}
+
+void Dialog::FirstColorSelected(size_t index) {
+  first_color_ = std::min(index, NamedColors().size() - 1);
+  memory_.first_color = FirstColor();
+  memory_.second_color = 0;
+  second_colors_ = FollowingColors(NamedColors()[first_color_]);
+  view_.ShowColors(ControlId::kSecondColor, second_colors_, memory_.second_color);
+  ShowTextFormat();
+  view_.RepaintPreview();
+}
+
+void Dialog::SecondColorSelected(size_t index) {
+  memory_.second_color = std::min(index, second_colors_.size() - 1);
+  view_.RepaintPreview();
+}
+
+// The rebuild
+
+void Dialog::Changed() {
+  if (last_cost_ < kSlowRebuild) {
+    Rebuild();
+    return;
+  }
+  is_pending_ = true;
+  view_.CallWhenDue(kGatherFor);
+}
+
+void Dialog::Due() {
+  if (is_pending_ && !collects_) Rebuild();
+}
+
+void Dialog::Rebuild() {
+  is_pending_ = false;
+  const uint32_t start = CurrentClock().Ticks();
+  ShowTextFormat();
+  contours_ = {};
+  parts_ = {};
+  parts_are_stale_ = true;
+  try {
+    SetTextAnew();
+  } catch (const std::bad_alloc&) {
+    contours_ = {};
+    ShowStatus(u"There is not enough memory for this text.", StatusKind::kFailure);
+  }
+  item_count_ = contours_.counts.size();
+  ShowDrawing();
+  last_cost_ = CurrentClock().Ticks() - start;
+}
+
+void Dialog::SetTextAnew() {
+  TextRequest request;
+  request.text = WithCrLf(text_);
+  request.face = FaceFor(memory_.face, memory_.vertical);
+  request.height = HeightNumber(memory_.height);
+  request.layout.pitch = memory_.pitch;
+  std::optional<SetText> set = typesetter_.Set(request);
+  if (!set) {
+    ShowStatus(u"No font is installed, so nothing can be outlined.", StatusKind::kFailure);
+    return;
+  }
+  StoreContours({}, &set->contours);
+  used_face_ = set->face;
+  const bool warns = HasWarning(*set, request.face);
+  ShowStatus(DescribeText(*set, request.face, ContoursBox(set->contours)),
+             warns ? StatusKind::kWarning : StatusKind::kNormal);
+  contours_ = std::move(set->contours);
+}
+
+const PartsA& Dialog::parts() {
+  if (is_pending_) Rebuild();
+  if (parts_are_stale_) {
+    parts_are_stale_ = false;
+    RebuildOptions options;
+    options.elements = memory_.elements;
+    BuildParts(contours_, options, &parts_);
+  }
+  return parts_;
+}
+
+void Dialog::ShowTextFormat() {
+  std::u16string_view face = memory_.face;
+  while (face.starts_with(u'@')) face.remove_prefix(1);
+  view_.ShowTextFormat(face, FirstColor());
+}
+
+Color Dialog::FirstColor() const {
+  return NamedColors()[first_color_].color;
+}
+
+Color Dialog::PaperBehind(Color paper) const {
+  return PaperFor(FirstColor(), paper);
+}
+
+void Dialog::ShowColors() {
+  view_.ShowColors(ControlId::kFirstColor, NamedColors(), first_color_);
+  view_.ShowColors(ControlId::kSecondColor, second_colors_, memory_.second_color);
+}
+
+void Dialog::ShowStatus(std::u16string text, StatusKind kind) {
+  shown_status_ = std::move(text);
+  shown_status_kind_ = kind;
+  view_.ShowStatus(shown_status_, kind);
+}
+
+// The preview
+
+bool Dialog::DrawsContours() const {
+  return memory_.use_poly_polygon && !contours_.counts.empty();
+}
+
+Extent3 Dialog::DrawingBox() {
+  return DrawsContours() || parts_are_stale_ ? ContoursBox(contours_)
+                                             : PictureBox(parts_, &typesetter_.context());
+}
+
+void Dialog::ShowDrawing() {
+  preview_.SetDrawing(DrawingBox());
+  view_.RepaintPreview();
+}
+
+void Dialog::PreviewResized(double width, double height) {
+  preview_.SetFrame(width, height);
+  view_.RepaintPreview();
+}
+
+void Dialog::PreviewZoomed(double x, double y, double steps) {
+  preview_.ZoomAt(x, y, steps);
+  view_.RepaintPreview();
+}
+
+void Dialog::PreviewDragged(double dx, double dy) {
+  preview_.Pan(dx, dy);
+  view_.RepaintPreview();
+}
+
+void Dialog::PreviewDoubleClicked() {
+  preview_.ShowAll();
+  view_.RepaintPreview();
+}
+
+void Dialog::PaintPreview(DrawingContext& dc, double detail) {
+  const DrawOptions options = {.detail = detail};
+  if (!DrawsContours()) {
+    DrawParts(dc, is_pending_ ? parts_ : parts(), preview_.fit(), options);
+    return;
+  }
+  const auto pen = dc.CreatePenIndirect({.color = second_colors_[memory_.second_color].color});
+  const auto brush = dc.CreateBrushIndirect({.color = FirstColor()});
+  Pen* const pen_before = dc.SelectPen(pen.get());
+  Brush* const brush_before = dc.SelectBrush(brush.get());
+  DrawContours(dc, contours_, preview_.fit(), options);
+  dc.SelectPen(pen_before);
+  dc.SelectBrush(brush_before);
+}
+
+}  // namespace kerno

@@ -1,0 +1,145 @@
+// The main window without a toolkit: its state, its rules, the rebuild and the outputs. A view
+// forwards what the user does and shows what it is told.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/dialog_services.h"
+#include "app/dialog_view.h"
+#include "app/outputs.h"
+#include "app/preview_model.h"
+#include "app/typesetter.h"
+#include "base/notices.h"
+#include "outline/glyph_contours.h"
+#include "parts/parts.h"
+#include "platform/drawing.h"
+
+namespace kerno {
+
+// The text with every line end (CR LF, CR, LF, NEL, U+2028, U+2029) as U+000A and without NULs,
+// which would end it early: what is pasted or dropped.
+std::u16string LinesOf(std::u16string_view text);
+
+// The face name with "@" in front for vertical writing, once.
+std::u16string FaceFor(std::u16string_view face, bool vertical);
+
+// Every change of text, face, "@", height or colour sets the text anew. Where that took long the
+// last time, changes are gathered and set once the user pauses; outputs never wait for that.
+class Dialog final : private OutputNotifier, private Notices {
+ public:
+  // Both outlive the dialog. The dialog is the process's notices while it lives.
+  Dialog(DialogView& view, DialogServices& services);
+  ~Dialog() override;
+  Dialog(const Dialog&) = delete;
+  Dialog& operator=(const Dialog&) = delete;
+
+  // Fills the controls with what the last run left. Before the window is shown; FillFaces may
+  // follow later.
+  void Open();
+  void FillFaces();
+
+  // Keeps what the next run wants to know.
+  void Close();
+
+  // Events.
+  void TextChanged(std::u16string_view text);
+  void FaceChanged(std::u16string_view face);  // typed or selected
+  void VerticalClicked(bool vertical);
+  void HeightListChanged(std::u16string_view text);  // typed or selected
+  void HeightEditChanged(std::u16string_view text);
+  void HeightStepped(int steps);
+  void PolyPolygonClicked(bool use);
+  void FirstColorSelected(size_t index);
+  void SecondColorSelected(size_t index);
+  void Pressed(ControlId button);
+  void Chosen(MenuCommand command);
+  void Dropped(const std::vector<std::filesystem::path>& files);
+  void Due();
+
+  // The preview: its frame in pixels, what the user does in it, and painting.
+  void PreviewResized(double width, double height);
+  void PreviewZoomed(double x, double y, double steps);
+  void PreviewDragged(double dx, double dy);
+  void PreviewDoubleClicked();
+  // Draws on a context that covers the frame. `detail` in pixels, as in DrawOptions.
+  void PaintPreview(DrawingContext& dc, double detail);
+
+  // The colour behind text and figure on paper of this colour: the paper's own, or one on which the
+  // text can be read.
+  Color PaperBehind(Color paper) const;
+
+  // State, for tests and for writing it out.
+  const GlyphContours& contours() const { return contours_; }
+  const PartsA& parts();
+  size_t item_count() const { return item_count_; }
+  const Outputs& outputs() const { return outputs_; }
+  const PreviewModel& preview() const { return preview_; }
+
+ private:
+  // OutputNotifier
+  void MetafileWritten(const std::filesystem::path& metafile, const Status& result) override;
+  void FileWritten(const std::filesystem::path& file, const Status& result) override;
+  // Notices
+  void Message(std::u16string_view text) override;
+  void ShowWait(std::u16string_view text) override;
+  void ClearWait() override;
+  Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;
+
+  void Changed();
+  void Rebuild();
+  void SetTextAnew();
+  void ShowDrawing();
+  void ShowTextFormat();
+  void ShowColors();
+  void ShowMenu();
+  void ShowStatus(std::u16string text, StatusKind kind);
+  Extent3 DrawingBox();
+  bool DrawsContours() const;
+  Color FirstColor() const;
+  OutputSubject Subject() const;
+  void WriteOutput(OutputKind kind);
+  void Upload();
+  void ReportOutputs();
+  void SetOutputFolder(const std::filesystem::path& folder);
+  bool DropOne(const std::filesystem::path& file);
+  void DropText(const std::filesystem::path& file);
+  void DropParts(const std::filesystem::path& file);
+  void DropFont(const std::filesystem::path& file);
+
+  DialogView& view_;
+  DialogServices& services_;
+  Notices* notices_before_;
+  Typesetter typesetter_;
+  Outputs outputs_;
+  PreviewModel preview_;
+
+  // The controls' contents; the persisting ones in `memory_`.
+  DialogMemory memory_;
+  std::u16string text_;  // lines by U+000A
+  size_t first_color_ = 0;
+  std::vector<ColorChoice> second_colors_;
+
+  // The drawing.
+  GlyphContours contours_;  // y up
+  PartsA parts_;
+  bool parts_are_stale_ = false;  // made of contours_ when they are asked for
+  size_t item_count_ = 0;
+  bool is_pending_ = false;  // changes wait for Due
+  uint32_t last_cost_ = 0;   // milliseconds of the last rebuild
+  std::u16string used_face_;
+
+  std::u16string shown_status_;
+  StatusKind shown_status_kind_ = StatusKind::kNormal;
+
+  // What the outputs under way came to.
+  bool collects_ = false;
+  bool shows_progress_ = false;
+  std::vector<std::filesystem::path> reported_;
+  std::u16string failures_;
+};
+
+}  // namespace kerno

@@ -1,0 +1,290 @@
+// The main window's buttons, menu and drops, and what it says of their results.
+
+#include <system_error>
+#include <utility>
+
+#include "app/dialog.h"
+#include "app/dropped_file.h"
+#include "app/status_text.h"
+#include "app/text_source.h"
+#include "base/text.h"
+#include "base/text_file.h"
+#include "export/draw_parts.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::u16string LineOf(const Status& status) {
+  return status.why.empty() ? status.what : status.what + u": " + status.why;
+}
+
+}  // namespace
+
+void Dialog::Pressed(ControlId button) {
+  switch (button) {
+    case ControlId::kDxf:
+      return WriteOutput(OutputKind::kDxf);
+    case ControlId::kSvg:
+      return WriteOutput(OutputKind::kSvg);
+    case ControlId::kIpx:
+      return WriteOutput(OutputKind::kIpx);
+    case ControlId::kDib:
+      return WriteOutput(OutputKind::kBitmap);
+    case ControlId::kEmf:
+      return WriteOutput(OutputKind::kMetafile);
+    case ControlId::kIpl:
+      return WriteOutput(OutputKind::kIpl);
+    case ControlId::kUpload:
+      return Upload();
+    case ControlId::kPaste:
+      return view_.PasteIntoText();
+    case ControlId::kQuit:
+      return view_.CloseWindow();
+    default:
+      return;  // the hidden default button does nothing
+  }
+}
+
+void Dialog::Chosen(MenuCommand command) {
+  switch (command) {
+    case MenuCommand::kAbout: {
+      std::u16string version, copyright;
+      services_.AboutTexts(&version, &copyright);
+      return view_.ShowAbout(version, copyright);
+    }
+    case MenuCommand::kOpenFolder: {
+      std::error_code error;
+      fs::create_directories(outputs_.folder(), error);
+      if (!services_.OpenFolder(outputs_.folder())) {
+        ShowStatus(PathText(outputs_.folder()) + u": cannot be opened", StatusKind::kFailure);
+      }
+      return;
+    }
+    case MenuCommand::kChooseFolder: {
+      if (const auto folder = view_.AskFolder(outputs_.folder())) {
+        memory_.output_folder = PathText(*folder);
+        SetOutputFolder(*folder);
+      }
+      return;
+    }
+    case MenuCommand::kDefaultFolder:
+      memory_.output_folder.clear();
+      return SetOutputFolder(services_.DefaultOutputFolder());
+    case MenuCommand::kQuit:
+      return view_.CloseWindow();
+    case MenuCommand::kFitPreview:
+      return PreviewDoubleClicked();
+    case MenuCommand::kLines:
+      memory_.elements = ContourElements::kLines;
+      break;
+    case MenuCommand::kFaces:
+      memory_.elements = ContourElements::kFaces;
+      break;
+    case MenuCommand::kLinesAndFaces:
+      memory_.elements = ContourElements::kBoth;
+      break;
+    case MenuCommand::kPitchClassic:
+      memory_.pitch = VerticalPitch::kClassic;
+      break;
+    case MenuCommand::kPitchCell:
+      memory_.pitch = VerticalPitch::kCell;
+      break;
+    case MenuCommand::kAciClassic:
+      memory_.aci = AciRule::kClassic;
+      return ShowMenu();
+    case MenuCommand::kAciNearest:
+      memory_.aci = AciRule::kNearest;
+      return ShowMenu();
+  }
+  ShowMenu();
+  Rebuild();
+}
+
+void Dialog::ShowMenu() {
+  using enum MenuCommand;
+  view_.ShowMenuChecked(kLines, memory_.elements == ContourElements::kLines);
+  view_.ShowMenuChecked(kFaces, memory_.elements == ContourElements::kFaces);
+  view_.ShowMenuChecked(kLinesAndFaces, memory_.elements == ContourElements::kBoth);
+  view_.ShowMenuChecked(kPitchClassic, memory_.pitch == VerticalPitch::kClassic);
+  view_.ShowMenuChecked(kPitchCell, memory_.pitch == VerticalPitch::kCell);
+  view_.ShowMenuChecked(kAciClassic, memory_.aci == AciRule::kClassic);
+  view_.ShowMenuChecked(kAciNearest, memory_.aci == AciRule::kNearest);
+}
+
+void Dialog::SetOutputFolder(const fs::path& folder) {
+  outputs_.SetFolder(folder);
+  ShowStatus(u"Outputs go to " + PathText(folder), StatusKind::kNormal);
+}
+
+// Outputs
+
+OutputSubject Dialog::Subject() const {
+  return {.face = FaceFor(memory_.face, memory_.vertical),
+          .height = memory_.height,
+          .text = text_,
+          .color = FirstColor()};
+}
+
+void Dialog::WriteOutput(OutputKind kind) {
+  const PartsA& drawing = parts();
+  collects_ = true;
+  outputs_.Write(kind, drawing, memory_.aci, Subject());
+  ReportOutputs();
+}
+
+void Dialog::Upload() {
+  const PartsA& drawing = parts();
+  collects_ = true;
+  std::u16string answer;
+  if (outputs_.Write(OutputKind::kPage, drawing, memory_.aci, Subject())) {
+    const Status sent = services_.Upload(outputs_.written(), &answer);
+    if (!sent.ok()) failures_ += LineOf(sent) + u"\n";
+  }
+  const bool failed = !failures_.empty();
+  ReportOutputs();
+  if (!failed) ShowStatus(u"Sent. " + answer, StatusKind::kNormal);
+}
+
+void Dialog::ReportOutputs() {
+  collects_ = false;
+  if (shows_progress_) view_.EndProgress();
+  shows_progress_ = false;
+  std::u16string names;
+  for (const fs::path& file : reported_) {
+    if (!names.empty()) names += u", ";
+    names += PathText(file.extension());
+  }
+  const std::u16string failures = std::exchange(failures_, {});
+  const bool wrote = !reported_.empty();
+  reported_.clear();
+  if (!failures.empty()) {
+    const std::u16string first = failures.substr(0, failures.find(u'\n'));
+    ShowStatus(first, StatusKind::kFailure);
+    view_.ShowMessage(std::u16string_view(failures).substr(0, failures.size() - 1));
+    return;
+  }
+  if (!wrote) return;
+  const bool empty = parts().parts.empty();
+  ShowStatus((empty ? u"The drawing is empty. Wrote " : u"Wrote ") + names + u" of " +
+                 PathText(outputs_.base_path().stem()) + u" in " + PathText(outputs_.folder()),
+             empty ? StatusKind::kWarning : StatusKind::kNormal);
+}
+
+void Dialog::MetafileWritten(const fs::path& metafile, const Status& result) {
+  FileWritten(metafile, result);
+}
+
+void Dialog::FileWritten(const fs::path& file, const Status& result) {
+  if (result.ok()) {
+    reported_.push_back(file);
+  } else {
+    failures_ += LineOf(result) + u"\n";
+  }
+}
+
+// Notices
+
+void Dialog::Message(std::u16string_view text) {
+  if (!collects_) return view_.ShowMessage(text);
+  failures_ += text;
+  failures_ += u"\n";
+}
+
+void Dialog::ShowWait(std::u16string_view text) {
+  view_.ShowStatus(text, StatusKind::kWarning);
+}
+
+void Dialog::ClearWait() {
+  view_.ShowStatus(shown_status_, shown_status_kind_);
+}
+
+Continue Dialog::Progress(std::u16string_view text, int64_t done, int64_t total) {
+  shows_progress_ = true;
+  return view_.ShowProgress(text, done, total);
+}
+
+// Drops
+
+void Dialog::Dropped(const std::vector<fs::path>& files) {
+  for (const fs::path& file : files) {
+    if (DropOne(file)) continue;
+    const std::u16string text =
+        PathText(file) + u": Kerno takes text files, parts files (.ipx) and font files.";
+    ShowStatus(text, StatusKind::kWarning);
+    view_.ShowMessage(text);
+  }
+}
+
+bool Dialog::DropOne(const fs::path& file) {
+  switch (KindOfDropped(file)) {
+    case DroppedKind::kText:
+      DropText(file);
+      return true;
+    case DroppedKind::kParts:
+      DropParts(file);
+      return true;
+    case DroppedKind::kFont:
+      DropFont(file);
+      return true;
+    default:
+      return false;
+  }
+}
+
+void Dialog::DropText(const fs::path& file) {
+  std::error_code error;
+  if (fs::file_size(file, error) > kLargestDroppedText) {
+    view_.ShowMessage(PathText(file) + u": is larger than 4 MiB, too much for one drawing");
+    return;
+  }
+  std::u16string text;
+  Status why = Status::Ok();
+  // What is neither UTF-16 nor UTF-8 is taken for the 8-bit code page.
+  if (!LoadText(file, &text).ok()) ReadText(file, &text, TextForm::kDetect, &why);
+  if (!why.ok()) {
+    view_.ShowMessage(LineOf(why));
+    return;
+  }
+  text = LinesOf(text);
+  view_.ShowText(text, TextChange::kUndoable);
+  TextChanged(text);
+}
+
+void Dialog::DropParts(const fs::path& file) {
+  PartsA read;
+  const Status status = services_.ReadParts(file, &read);
+  if (!status.ok()) {
+    ShowStatus(LineOf(status), StatusKind::kFailure);
+    view_.ShowMessage(LineOf(status));
+    return;
+  }
+  is_pending_ = false;
+  contours_ = {};
+  parts_ = std::move(read);
+  parts_are_stale_ = false;
+  item_count_ = parts_.parts.size();
+  ShowStatus(DescribeParts(parts_, PathText(file.filename()), DrawingBox()), StatusKind::kNormal);
+  preview_.ShowAll();
+  ShowDrawing();
+}
+
+void Dialog::DropFont(const fs::path& file) {
+  std::vector<std::u16string> faces;
+  const Status status = services_.LoadFontFile(file, &faces);
+  if (!status.ok() || faces.empty()) {
+    const std::u16string why =
+        status.ok() ? PathText(file) + u": holds no face that can be used" : LineOf(status);
+    ShowStatus(why, StatusKind::kFailure);
+    view_.ShowMessage(why);
+    return;
+  }
+  view_.LoadFontFile(file);  // the text box may lack it; the outlines do not
+  view_.ShowFaces(services_.Faces());
+  memory_.face = faces.front();
+  view_.ShowControlText(ControlId::kFace, memory_.face);
+  Rebuild();
+}
+
+}  // namespace kerno

@@ -1,0 +1,80 @@
+// What the main window needs of the rest of the program and of the system; tests bring their own.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/dialog_view.h"
+#include "app/rebuild.h"
+#include "export/aci.h"
+#include "outline/text_layout.h"
+#include "parts/parts.h"
+#include "platform/device_context.h"
+#include "platform/status.h"
+
+namespace kerno {
+
+// What persists between runs besides the text.
+struct DialogMemory {
+  std::u16string face;  // empty: the one that the system gives
+  std::u16string height = u"100";
+  bool vertical = false;
+  bool use_poly_polygon = true;
+  Color first_color = 0;
+  size_t second_color = 0;  // index into the following colours
+  ContourElements elements = ContourElements::kLines;
+  VerticalPitch pitch = VerticalPitch::kClassic;
+  AciRule aci = AciRule::kClassic;
+  std::u16string output_folder;  // empty: "Kerno.tmp" in the temporary folder
+  WindowRect window;             // empty: wherever the system puts it
+};
+
+class DialogServices {
+ public:
+  virtual ~DialogServices() = default;
+
+  virtual std::unique_ptr<DeviceContext> CreateMeasuringContext() = 0;
+
+  // The entries of the face list, in the system's order.
+  virtual std::vector<std::u16string> Faces() = 0;
+
+  // Makes a font file's faces known for this run. *faces receives their names.
+  virtual Status LoadFontFile(const std::filesystem::path& file,
+                              std::vector<std::u16string>* faces) = 0;
+
+  virtual DialogMemory Load() = 0;
+  virtual Status Save(const DialogMemory& memory) = 0;
+  virtual std::u16string LoadSavedText() = 0;
+  // A failure is also reported as a message.
+  virtual Status SaveText(std::u16string_view text) = 0;
+
+  // The default folder of the outputs, and opening a folder in the shell.
+  virtual std::filesystem::path DefaultOutputFolder() = 0;
+  virtual bool OpenFolder(const std::filesystem::path& folder) = 0;
+
+  // The writers. Each leaves no new file when it fails.
+  virtual Status WriteBytes(const std::filesystem::path& file, std::string_view bytes) = 0;
+  virtual Status Export(const PartsA& parts, AciRule aci, const std::filesystem::path& file) = 0;
+  virtual Status WriteMetafile(const PartsA& parts, const std::filesystem::path& file) = 0;
+  virtual Status WriteBitmap(const PartsA& parts, const std::filesystem::path& file) = 0;
+  virtual Status WriteIpl(const PartsA& parts, const std::filesystem::path& file) = 0;
+  virtual Status ReadParts(const std::filesystem::path& file, PartsA* parts) = 0;
+
+  // The page of the outputs of a run, and sending them to the server.
+  struct PageRequest {
+    std::filesystem::path base_path;
+    std::u16string text, face, height;
+  };
+  virtual Status BuildPage(const PageRequest& request, std::filesystem::path* page) = 0;
+  virtual bool CanUpload() = 0;
+  virtual Status Upload(const std::vector<std::filesystem::path>& files,
+                        std::u16string* answer) = 0;
+
+  // The texts of the About box.
+  virtual void AboutTexts(std::u16string* version, std::u16string* copyright) = 0;
+};
+
+}  // namespace kerno

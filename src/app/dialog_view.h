@@ -1,0 +1,90 @@
+// What the main window asks of whatever draws it. A view shows and forwards; it decides nothing.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/color_choices.h"
+#include "app/controls.h"
+#include "base/notices.h"
+
+namespace kerno {
+
+enum class StatusKind { kNormal, kWarning, kFailure };
+
+// A rectangle of the screen, in the units in which the view counts windows.
+struct WindowRect {
+  int32_t left = 0, top = 0, right = 0, bottom = 0;
+  bool operator==(const WindowRect&) const = default;
+};
+
+enum class TextChange {
+  kFresh,     // nothing to undo
+  kUndoable,  // a step that the user can undo
+};
+
+// Nothing that is called here may come back as an event of the dialog.
+class DialogView {
+ public:
+  virtual ~DialogView() = default;
+
+  // Replaces the text; lines end in U+000A.
+  virtual void ShowText(std::u16string_view text, TextChange change) = 0;
+
+  // Shows the text box in a face (without "@") and a colour, leaving text, undo, caret, selection
+  // and an input method's composition alone.
+  virtual void ShowTextFormat(std::u16string_view face, Color color) = 0;
+
+  virtual void ShowFaces(const std::vector<std::u16string>& faces) = 0;
+
+  // The text of an edit, a combo's edit or a static text.
+  virtual void ShowControlText(ControlId id, std::u16string_view text) = 0;
+  virtual void ShowChecked(ControlId id, bool checked) = 0;
+  virtual void ShowColors(ControlId id, const std::vector<ColorChoice>& colors,
+                          size_t selected) = 0;
+  virtual void Enable(ControlId id, bool enabled) = 0;
+  virtual void ShowControl(ControlId id, bool visible) = 0;
+  virtual void ShowMenuChecked(MenuCommand command, bool checked) = 0;
+  virtual void ShowStatus(std::u16string_view text, StatusKind kind) = 0;
+
+  // Makes the preview paint itself anew, soon.
+  virtual void RepaintPreview() = 0;
+
+  // A message that the user closes.
+  virtual void ShowMessage(std::u16string_view text) = 0;
+
+  // Progress of something long; shown only when it takes a while. kNo when the user cancelled.
+  virtual Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) = 0;
+  virtual void EndProgress() = 0;
+
+  // The About box, with the texts of controls kAboutVersion and kAboutCopyright.
+  virtual void ShowAbout(std::u16string_view version, std::u16string_view copyright) = 0;
+
+  // Lets the user choose a folder; nothing when cancelled.
+  virtual std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) = 0;
+
+  // Sends the paste command to the text box.
+  virtual void PasteIntoText() = 0;
+
+  // Makes the toolkit's own fonts know a font file for this run. Whether it did.
+  virtual bool LoadFontFile(const std::filesystem::path& file) = 0;
+
+  // Calls Dialog::Due after some milliseconds, once; a call before that starts the time anew.
+  virtual void CallWhenDue(int milliseconds) = 0;
+
+  // The window's place when neither minimised nor maximised (nothing while minimised), the work
+  // areas of the screens, and moving the window.
+  virtual std::optional<WindowRect> WindowPlace() const = 0;
+  virtual std::vector<WindowRect> Screens() const = 0;
+  virtual void MoveWindow(const WindowRect& rect) = 0;
+
+  virtual void CloseWindow() = 0;
+};
+
+}  // namespace kerno

@@ -1,0 +1,43 @@
+// What part of the drawing the preview shows, as plain numbers.
+//
+// Drawing coordinates point y up; frame coordinates are pixels, y down, from the frame's upper left
+// corner.
+#pragma once
+
+#include "export/fit.h"
+#include "parts/geometry.h"
+
+namespace kerno {
+
+// Shows the whole drawing until the user zooms or pans; from then on what the user chose, through
+// changes of the drawing and of the frame's size, until Fit or until nothing of the drawing would
+// be seen.
+class PreviewModel {
+ public:
+  static constexpr double kMargin = 8;          // pixels kept free round a drawing shown whole
+  static constexpr double kWheelFactor = 1.25;  // scale by one step of the wheel
+  static constexpr double kDeepest = 4096;      // of the scale that shows all
+  static constexpr double kShallowest = 1.0 / 64;
+
+  void SetFrame(double width, double height);
+  void SetDrawing(const Extent3& box);
+
+  void ShowAll();
+  // Scales by kWheelFactor to the power of `steps`, what lies under the point staying there.
+  void ZoomAt(double x, double y, double steps);
+  void Pan(double dx, double dy);
+
+  const Fit& fit() const { return fit_; }
+  bool shows_all() const { return shows_all_; }
+
+ private:
+  Fit WholeFit() const;
+  bool IsSeen() const;
+
+  double width_ = 0, height_ = 0;
+  Extent3 box_;
+  Fit fit_;
+  bool shows_all_ = true;
+};
+
+}  // namespace kerno

@@ -1,0 +1,93 @@
+#include "app/status_text.h"
+
+#include <cmath>
+
+#include "app/face_choice.h"
+#include "base/number_text.h"
+#include "base/text.h"
+
+namespace kerno {
+namespace {
+
+constexpr size_t kNamedCharacters =
+    5;  // characters without a glyph that are named; the rest is counted
+
+void AppendCount(std::u16string* out, size_t count, const char16_t* one, const char16_t* many) {
+  std::string digits;
+  AppendInteger(&digits, static_cast<int64_t>(count));
+  *out += Utf8ToUtf16Lossy(digits);
+  *out += u' ';
+  *out += count == 1 ? one : many;
+}
+
+// One decimal where the number is small.
+std::u16string Length(double units) {
+  std::string text;
+  const double rounded = std::fabs(units) < 100 ? std::round(units * 10) / 10 : std::round(units);
+  AppendGeneral(&text, rounded, 9);
+  return Utf8ToUtf16Lossy(text);
+}
+
+void AppendSize(std::u16string* out, const Extent3& box) {
+  *out += Length(box.max.x - box.min.x) + u" × " + Length(box.max.y - box.min.y) + u" units";
+}
+
+void AppendMissing(std::u16string* out, const std::vector<char32_t>& missing) {
+  *out += u"no glyph for";
+  for (size_t i = 0; i < missing.size() && i < kNamedCharacters; ++i) {
+    *out += u' ';
+    AppendCharacter(out, missing[i]);
+  }
+  if (missing.size() > kNamedCharacters) {
+    *out += u" and ";
+    AppendCount(out, missing.size() - kNamedCharacters, u"other", u"others");
+  }
+}
+
+bool IsSubstitute(const SetText& set, std::u16string_view wanted_face) {
+  return !IsNameOf(wanted_face, set.face);
+}
+
+}  // namespace
+
+std::u16string DescribeText(const SetText& set, std::u16string_view wanted_face,
+                            const Extent3& box) {
+  constexpr std::u16string_view kGap = u"  ·  ";
+  std::u16string text;
+  AppendCount(&text, set.characters, u"character", u"characters");
+  text += kGap;
+  AppendCount(&text, set.contours.counts.size(), u"contour", u"contours");
+  text += kGap;
+  AppendCount(&text, set.contours.points.size(), u"point", u"points");
+  text += kGap;
+  AppendSize(&text, box);
+  text += kGap;
+  text += set.face;
+  if (IsSubstitute(set, wanted_face)) {
+    text += u" in place of ";
+    text += wanted_face;
+    text += u", which is not installed";
+  }
+  if (!set.missing.empty()) {
+    text += kGap;
+    AppendMissing(&text, set.missing);
+  }
+  if (set.ended_by_nul) text += u"  ·  the text ends at a NUL character";
+  return text;
+}
+
+std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, const Extent3& box) {
+  std::u16string text(file);
+  text += u"  ·  ";
+  AppendCount(&text, parts.parts.size(), u"part", u"parts");
+  text += u"  ·  ";
+  AppendSize(&text, box);
+  text += u"  ·  typing shows the text again";
+  return text;
+}
+
+bool HasWarning(const SetText& set, std::u16string_view wanted_face) {
+  return !set.missing.empty() || set.ended_by_nul || IsSubstitute(set, wanted_face);
+}
+
+}  // namespace kerno

@@ -1,0 +1,25 @@
+// What the status line says of the drawing.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "app/typesetter.h"
+#include "parts/geometry.h"
+#include "parts/parts.h"
+
+namespace kerno {
+
+// Characters, contours, points, size in units, the face really used, and what the user should know
+// besides: a substitute for the face that was asked for, characters without a glyph, a text that
+// ends early.
+std::u16string DescribeText(const SetText& set, std::u16string_view wanted_face,
+                            const Extent3& box);
+
+// The same of parts that came from a file.
+std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, const Extent3& box);
+
+// Whether DescribeText has something to warn of.
+bool HasWarning(const SetText& set, std::u16string_view wanted_face);
+
+}  // namespace kerno

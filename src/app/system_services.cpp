@@ -1,0 +1,123 @@
+#include "app/system_services.h"
+
+#include "app/dialog_settings.h"
+#include "app/font_face_list.h"
+#include "base/text.h"
+#include "export/bmp_writer.h"
+#include "export/export.h"
+#include "parts/ipx.h"
+#include "platform/file_replacement.h"
+#include "platform/system.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Faces that can be outlined; the "@" check box puts the "@" in front.
+class OutlineFaces final : public FontFaceList {
+ public:
+  using FontFaceList::FontFaceList;
+
+ private:
+  int WantTrueTypeOnly() const override { return 1; }
+  int ExcludeVerticalFaces() const override { return 1; }
+};
+
+Status NotYet(const fs::path& file) {
+  return Status::Error(Failure::kOther, PathText(file), u"this format has no writer");
+}
+
+}  // namespace
+
+SystemServices::SystemServices() : cache_(TempFolder(), PathText(CurrentSystem().ProgramPath())) {}
+
+std::unique_ptr<DeviceContext> SystemServices::CreateMeasuringContext() {
+  return kerno::CreateMeasuringContext();
+}
+
+std::vector<std::u16string> SystemServices::Faces() {
+  OutlineFaces list(this);
+  list.Enumerate();
+  return list.Entries();
+}
+
+Status SystemServices::LoadFontFile(const fs::path& file, std::vector<std::u16string>*) {
+  return NotYet(file);
+}
+
+DialogMemory SystemServices::Load() {
+  loaded_ = LoadDialogMemory();
+  return loaded_;
+}
+
+Status SystemServices::Save(const DialogMemory& memory) {
+  return SaveDialogMemory(memory, loaded_);
+}
+
+std::u16string SystemServices::LoadSavedText() {
+  return LoadDialogText();
+}
+
+Status SystemServices::SaveText(std::u16string_view text) {
+  return SaveDialogText(text);
+}
+
+fs::path SystemServices::DefaultOutputFolder() {
+  return TempFolder() / "Kerno.tmp";
+}
+
+bool SystemServices::OpenFolder(const fs::path&) {
+  return false;
+}
+
+Status SystemServices::WriteBytes(const fs::path& file, std::string_view bytes) {
+  return ReplaceFile(file, bytes);
+}
+
+Status SystemServices::Export(const PartsA& parts, AciRule aci, const fs::path& file) {
+  ExportOptions options;
+  options.dxf.aci = aci;
+  options.program = PathText(CurrentSystem().ProgramPath());
+  options.after_export = [this](const PartsA& model, const fs::path& written) {
+    cache_.KeepCopy(model, written);
+  };
+  Status status = Status::Ok();
+  kerno::Export(parts, file, options, &status);
+  return status;
+}
+
+Status SystemServices::WriteMetafile(const PartsA&, const fs::path& file) {
+  return NotYet(file);
+}
+
+Status SystemServices::WriteBitmap(const PartsA& parts, const fs::path& file) {
+  return ExportBmp(parts, file);
+}
+
+Status SystemServices::WriteIpl(const PartsA&, const fs::path& file) {
+  return NotYet(file);
+}
+
+Status SystemServices::ReadParts(const fs::path& file, PartsA* parts) {
+  return ReadIpxFile(file, parts);
+}
+
+Status SystemServices::BuildPage(const PageRequest&, fs::path* page) {
+  return NotYet(*page);
+}
+
+bool SystemServices::CanUpload() {
+  return false;
+}
+
+Status SystemServices::Upload(const std::vector<fs::path>&, std::u16string*) {
+  return Status::Ok();
+}
+
+void SystemServices::AboutTexts(std::u16string* version, std::u16string* copyright) {
+  *version = u"Kerno";
+  *copyright = u"";
+}
+
+}  // namespace kerno

@@ -1,0 +1,40 @@
+// The main window's services as the real program has them.
+#pragma once
+
+#include "app/dialog_services.h"
+#include "base/folders.h"
+#include "parts/ipx_cache.h"
+
+namespace kerno {
+
+class SystemServices final : public DialogServices {
+ public:
+  SystemServices();
+
+  std::unique_ptr<DeviceContext> CreateMeasuringContext() override;
+  std::vector<std::u16string> Faces() override;
+  Status LoadFontFile(const std::filesystem::path& file,
+                      std::vector<std::u16string>* faces) override;
+  DialogMemory Load() override;
+  Status Save(const DialogMemory& memory) override;
+  std::u16string LoadSavedText() override;
+  Status SaveText(std::u16string_view text) override;
+  std::filesystem::path DefaultOutputFolder() override;
+  bool OpenFolder(const std::filesystem::path& folder) override;
+  Status WriteBytes(const std::filesystem::path& file, std::string_view bytes) override;
+  Status Export(const PartsA& parts, AciRule aci, const std::filesystem::path& file) override;
+  Status WriteMetafile(const PartsA& parts, const std::filesystem::path& file) override;
+  Status WriteBitmap(const PartsA& parts, const std::filesystem::path& file) override;
+  Status WriteIpl(const PartsA& parts, const std::filesystem::path& file) override;
+  Status ReadParts(const std::filesystem::path& file, PartsA* parts) override;
+  Status BuildPage(const PageRequest& request, std::filesystem::path* page) override;
+  bool CanUpload() override;
+  Status Upload(const std::vector<std::filesystem::path>& files, std::u16string* answer) override;
+  void AboutTexts(std::u16string* version, std::u16string* copyright) override;
+
+ private:
+  IpxCache cache_;
+  DialogMemory loaded_;  // as the settings had it
+};
+
+}  // namespace kerno

@@ -1,0 +1,45 @@
+#include "app/window_place.h"
+
+#include <algorithm>
+
+namespace kerno {
+namespace {
+
+constexpr int32_t kGripWidth = 120;  // of the title bar, enough to drag the window by
+constexpr int32_t kGripHeight = 24;
+
+int64_t Width(const WindowRect& r) {
+  return static_cast<int64_t>(r.right) - r.left;
+}
+int64_t Height(const WindowRect& r) {
+  return static_cast<int64_t>(r.bottom) - r.top;
+}
+
+bool CanBeGripped(const WindowRect& window, const WindowRect& screen) {
+  const int64_t seen = static_cast<int64_t>(std::min(window.right, screen.right)) -
+                       std::max(window.left, screen.left);
+  return seen >= std::min<int64_t>(kGripWidth, Width(window)) && window.top >= screen.top &&
+         static_cast<int64_t>(window.top) + kGripHeight <= screen.bottom;
+}
+
+WindowRect Sized(int32_t left, int32_t top, int64_t width, int64_t height) {
+  return {left, top, static_cast<int32_t>(left + width), static_cast<int32_t>(top + height)};
+}
+
+}  // namespace
+
+WindowRect KeepInSight(const WindowRect& wanted, std::span<const WindowRect> screens) {
+  if (Width(wanted) <= 0 || Height(wanted) <= 0 || screens.empty()) return wanted;
+  for (const WindowRect& screen : screens) {
+    if (!CanBeGripped(wanted, screen)) continue;
+    return Sized(wanted.left, wanted.top, std::min(Width(wanted), Width(screen)),
+                 std::min(Height(wanted), Height(screen)));
+  }
+  const WindowRect& first = screens.front();
+  const int64_t width = std::min(Width(wanted), Width(first));
+  const int64_t height = std::min(Height(wanted), Height(first));
+  return Sized(static_cast<int32_t>(first.left + (Width(first) - width) / 2),
+               static_cast<int32_t>(first.top + (Height(first) - height) / 2), width, height);
+}
+
+}  // namespace kerno

@@ -1,0 +1,169 @@
+// A view that keeps what it was told, and services that record and fail on demand.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/dialog_services.h"
+#include "app/dialog_view.h"
+#include "base/text.h"
+#include "support/fake_device_context.h"
+
+namespace kerno::test {
+
+class RecordingView final : public DialogView {
+ public:
+  std::u16string text, format_face, status, about;
+  Color format_color = 0;
+  StatusKind status_kind = StatusKind::kNormal;
+  std::vector<std::u16string> faces, messages;
+  std::map<ControlId, std::u16string> texts;
+  std::map<ControlId, bool> checked, enabled, visible;
+  std::map<ControlId, std::pair<std::vector<ColorChoice>, size_t>> colors;
+  std::map<MenuCommand, bool> menu;
+  int formats = 0, repaints = 0, pastes = 0, closes = 0, due_calls = 0, progress_calls = 0;
+  bool cancels = false, closed_progress = false;
+  std::optional<std::filesystem::path> folder_answer;
+  std::vector<std::filesystem::path> font_files;
+  std::optional<WindowRect> place;
+  std::vector<WindowRect> screens = {{0, 0, 1920, 1080}};
+  WindowRect moved;
+
+  void ShowText(std::u16string_view shown, TextChange) override { text = shown; }
+  void ShowTextFormat(std::u16string_view face, Color color) override {
+    ++formats;
+    format_face = face;
+    format_color = color;
+  }
+  void ShowFaces(const std::vector<std::u16string>& shown) override { faces = shown; }
+  void ShowControlText(ControlId id, std::u16string_view shown) override { texts[id] = shown; }
+  void ShowChecked(ControlId id, bool on) override { checked[id] = on; }
+  void ShowColors(ControlId id, const std::vector<ColorChoice>& shown, size_t selected) override {
+    colors[id] = {shown, selected};
+  }
+  void Enable(ControlId id, bool on) override { enabled[id] = on; }
+  void ShowControl(ControlId id, bool on) override { visible[id] = on; }
+  void ShowMenuChecked(MenuCommand command, bool on) override { menu[command] = on; }
+  void ShowStatus(std::u16string_view shown, StatusKind kind) override {
+    status = shown;
+    status_kind = kind;
+  }
+  void RepaintPreview() override { ++repaints; }
+  void ShowMessage(std::u16string_view shown) override { messages.emplace_back(shown); }
+  Continue ShowProgress(std::u16string_view, int64_t, int64_t) override {
+    ++progress_calls;
+    return cancels ? Continue::kNo : Continue::kYes;
+  }
+  void EndProgress() override { closed_progress = true; }
+  void ShowAbout(std::u16string_view version, std::u16string_view) override { about = version; }
+  std::optional<std::filesystem::path> AskFolder(const std::filesystem::path&) override {
+    return folder_answer;
+  }
+  void PasteIntoText() override { ++pastes; }
+  bool LoadFontFile(const std::filesystem::path& file) override {
+    font_files.push_back(file);
+    return true;
+  }
+  void CallWhenDue(int) override { ++due_calls; }
+  std::optional<WindowRect> WindowPlace() const override { return place; }
+  std::vector<WindowRect> Screens() const override { return screens; }
+  void MoveWindow(const WindowRect& rect) override { moved = rect; }
+  void CloseWindow() override { ++closes; }
+};
+
+class FakeDialogServices final : public DialogServices {
+ public:
+  DialogMemory memory, saved;
+  std::u16string saved_text;
+  std::vector<std::u16string> faces = {u"Plain", u"Other"};
+  std::filesystem::path folder;
+  std::vector<std::filesystem::path> opened_folders;
+  std::vector<std::string> log;  // "dxf NAME" and so on, in order
+  std::string rtf;               // the last bytes written
+  std::string failing;           // the kind of output that fails, as the log names it
+  bool uploads = false;
+  PartsA parts_to_read;
+  PartsA exported;
+  std::vector<std::filesystem::path> sent;
+  // The context that measures: a square of height units for each of "A" to "D".
+  FakeDeviceContext* context = nullptr;
+
+  std::unique_ptr<DeviceContext> CreateMeasuringContext() override {
+    auto made = std::make_unique<FakeDeviceContext>();
+    made->metrics.tmHeight = 20;
+    for (char32_t ch = U'A'; ch <= U'D'; ++ch) {
+      FakeGlyph& glyph = made->glyphs[ch];
+      glyph.metrics.gmCellIncX = 12;
+      NativeBuffer buffer;
+      buffer.Polygon(0, 0).Record(1, {{10, 0}, {10, 10}, {0, 10}});
+      glyph.outline = buffer.bytes();
+    }
+    context = made.get();
+    return made;
+  }
+  std::vector<std::u16string> Faces() override { return faces; }
+  Status LoadFontFile(const std::filesystem::path& file,
+                      std::vector<std::u16string>* loaded) override {
+    *loaded = {u"Dropped"};
+    return Log("font", file);
+  }
+  DialogMemory Load() override { return memory; }
+  Status Save(const DialogMemory& kept) override {
+    saved = kept;
+    return Status::Ok();
+  }
+  std::u16string LoadSavedText() override { return saved_text; }
+  Status SaveText(std::u16string_view text) override {
+    saved_text = text;
+    return Status::Ok();
+  }
+  std::filesystem::path DefaultOutputFolder() override { return folder; }
+  bool OpenFolder(const std::filesystem::path& opened) override {
+    opened_folders.push_back(opened);
+    return true;
+  }
+  Status WriteBytes(const std::filesystem::path& file, std::string_view bytes) override {
+    rtf = bytes;
+    return Log("rtf", file);
+  }
+  Status Export(const PartsA& parts, AciRule, const std::filesystem::path& file) override {
+    exported = parts;
+    return Log("export", file);
+  }
+  Status WriteMetafile(const PartsA&, const std::filesystem::path& file) override {
+    return Log("emf", file);
+  }
+  Status WriteBitmap(const PartsA&, const std::filesystem::path& file) override {
+    return Log("bmp", file);
+  }
+  Status WriteIpl(const PartsA&, const std::filesystem::path& file) override {
+    return Log("ipl", file);
+  }
+  Status ReadParts(const std::filesystem::path& file, PartsA* parts) override {
+    *parts = parts_to_read;
+    return Log("read", file);
+  }
+  Status BuildPage(const PageRequest&, std::filesystem::path* page) override {
+    return Log("page", *page);
+  }
+  bool CanUpload() override { return uploads; }
+  Status Upload(const std::vector<std::filesystem::path>& files, std::u16string*) override {
+    sent = files;
+    return Log("upload", files.empty() ? std::filesystem::path() : files.front());
+  }
+  void AboutTexts(std::u16string* version, std::u16string*) override {
+    *version = u"Kerno   Version 1";
+  }
+
+ private:
+  Status Log(const std::string& kind, const std::filesystem::path& file) {
+    log.push_back(kind + " " + file.extension().string());
+    if (kind != failing) return Status::Ok();
+    return Status::Error(Failure::kNoSpace, PathText(file), u"the disk is full");
+  }
+};
+
+}  // namespace kerno::test
