@@ -1,0 +1,51 @@
+// The combo boxes of the main window.
+#pragma once
+
+#include <QAbstractSpinBox>
+#include <QComboBox>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/color_choices.h"
+
+namespace kerno {
+
+// Sizes the drop-down list by the room below the combo box in its window.
+void SizeDropDown(QComboBox* combo);
+
+// Face names, each shown in its own face once that was loaded, which happens while the list stands
+// open: opening waits for no font. Typing offers the names that hold what was typed.
+class FaceCombo final : public QComboBox {
+ public:
+  explicit FaceCombo(QWidget* parent = nullptr);
+  void ShowFaces(const std::vector<std::u16string>& faces);
+};
+
+// Colours with swatches.
+class ColorCombo final : public QComboBox {
+ public:
+  explicit ColorCombo(QWidget* parent = nullptr);
+  void ShowColors(const std::vector<ColorChoice>& colors, size_t selected);
+
+  // The selected colour.
+  Color SelectedColor() const;
+};
+
+// The height as an edit with an up-down control. Takes any text, as the drop-down list does.
+class HeightSpin final : public QAbstractSpinBox {
+ public:
+  explicit HeightSpin(QWidget* parent = nullptr);
+
+  std::function<void(const QString&)> on_edited;
+  std::function<void(int)> on_stepped;
+
+  QLineEdit* edit() const { return lineEdit(); }
+  void stepBy(int steps) override;
+  QSize sizeHint() const override;
+
+ protected:
+  StepEnabled stepEnabled() const override { return StepUpEnabled | StepDownEnabled; }
+};
+
+}  // namespace kerno

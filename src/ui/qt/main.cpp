@@ -1,0 +1,40 @@
+// kerno-desktop: the main window as a program.
+
+#include <QApplication>
+#include <QIcon>
+#include <QProxyStyle>
+
+#include "app/system_services.h"
+#include "base/profile_settings.h"
+#include "ui/qt/main_window.h"
+
+namespace kerno {
+namespace {
+
+// Drop-down lists drop down everywhere, so that their length can be set.
+class Style final : public QProxyStyle {
+ public:
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* answer) const override {
+    if (hint == SH_ComboBox_Popup) return 0;
+    return QProxyStyle::styleHint(hint, option, widget, answer);
+  }
+};
+
+}  // namespace
+}  // namespace kerno
+
+int main(int argc, char** argv) {
+  QApplication app(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("kerno"));
+  QApplication::setApplicationVersion(QStringLiteral(KERNO_VERSION));
+  QGuiApplication::setDesktopFileName(QStringLiteral("kerno"));
+  QApplication::setStyle(new kerno::Style);
+  QApplication::setWindowIcon(QIcon(QStringLiteral(":/kerno.png")));
+  kerno::InstallProfileSettings();
+  kerno::SystemServices services;
+  kerno::MainWindow window(services);
+  window.show();
+  window.OpenFiles(QApplication::arguments().mid(1));
+  return QApplication::exec();
+}

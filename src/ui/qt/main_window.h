@@ -1,0 +1,109 @@
+// The main window: lays the controls out, forwards what the user does, shows what it is told.
+#pragma once
+
+#include <QPointer>
+#include <QProgressDialog>
+#include <QTimer>
+#include <QWidget>
+#include <map>
+#include <memory>
+
+#include "app/dialog.h"
+
+class QAction;
+class QCheckBox;
+class QComboBox;
+class QGridLayout;
+class QLabel;
+class QMenuBar;
+class QPushButton;
+
+namespace kerno {
+
+class ColorCombo;
+class FaceCombo;
+class HeightSpin;
+class PreviewFrame;
+class TextBox;
+
+class MainWindow final : public QWidget, private DialogView {
+ public:
+  // `services` outlives the window.
+  explicit MainWindow(DialogServices& services);
+  ~MainWindow() override;
+
+  // Takes files as if they had been dropped.
+  void OpenFiles(const QStringList& files);
+
+  Dialog& dialog() { return *dialog_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  // DialogView
+  void ShowText(std::u16string_view text, TextChange change) override;
+  void ShowTextFormat(std::u16string_view face, Color color) override;
+  void ShowFaces(const std::vector<std::u16string>& faces) override;
+  void ShowControlText(ControlId id, std::u16string_view text) override;
+  void ShowChecked(ControlId id, bool checked) override;
+  void ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) override;
+  void Enable(ControlId id, bool enabled) override;
+  void ShowControl(ControlId id, bool visible) override;
+  void ShowMenuChecked(MenuCommand command, bool checked) override;
+  void ShowStatus(std::u16string_view text, StatusKind kind) override;
+  void RepaintPreview() override;
+  void ShowMessage(std::u16string_view text) override;
+  Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) override;
+  void EndProgress() override;
+  void ShowAbout(std::u16string_view version, std::u16string_view copyright) override;
+  std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) override;
+  void PasteIntoText() override;
+  bool LoadFontFile(const std::filesystem::path& file) override;
+  void CallWhenDue(int milliseconds) override;
+  std::optional<WindowRect> WindowPlace() const override;
+  std::vector<WindowRect> Screens() const override;
+  void MoveWindow(const WindowRect& rect) override;
+  void CloseWindow() override;
+
+  template <class Control>
+  Control* Add(Control* control, ControlId id);
+  QPushButton* AddButton(ControlId id);
+  QLabel* AddLabel(ControlId id, QWidget* buddy);
+  void MakeControls();
+  void LayOut();
+  void SetTabOrder();
+  QMenuBar* MakeMenu();
+  void ConnectControls();
+  void SizeDropDowns();
+  void ShowTextColors();
+
+  std::map<ControlId, QWidget*> controls_;
+  std::map<MenuCommand, QAction*> actions_;
+  TextBox* text_ = nullptr;
+  FaceCombo* face_ = nullptr;
+  QComboBox* height_list_ = nullptr;
+  HeightSpin* height_spin_ = nullptr;
+  QCheckBox* vertical_ = nullptr;
+  QCheckBox* poly_polygon_ = nullptr;
+  ColorCombo* first_color_ = nullptr;
+  ColorCombo* second_color_ = nullptr;
+  PreviewFrame* preview_ = nullptr;
+  QLabel* status_ = nullptr;
+  QPointer<QProgressDialog> progress_;
+  QTimer due_;
+  bool shows_ = false;  // controls are being written: nothing is an event
+  bool closing_ = false;
+  bool was_shown_ = false;
+  std::u16string shown_face_;
+  Color shown_color_ = 0;
+  StatusKind status_kind_ = StatusKind::kNormal;
+  std::unique_ptr<Dialog> dialog_;
+};
+
+}  // namespace kerno

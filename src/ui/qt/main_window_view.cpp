@@ -1,0 +1,224 @@
+// What the main window shows when it is told.
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QFontDatabase>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include "ui/qt/combos.h"
+#include "ui/qt/main_window.h"
+#include "ui/qt/preview_frame.h"
+#include "ui/qt/qt_text.h"
+#include "ui/qt/text_box.h"
+
+namespace kerno {
+namespace {
+
+// True while it lives.
+class Raised {
+ public:
+  explicit Raised(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
+  ~Raised() { flag_ = before_; }
+  Raised(const Raised&) = delete;
+  Raised& operator=(const Raised&) = delete;
+
+ private:
+  bool& flag_;
+  bool before_;
+};
+
+constexpr int kProgressAfter = 500;  // milliseconds until progress is shown
+
+}  // namespace
+
+void MainWindow::ShowText(std::u16string_view text, TextChange change) {
+  const Raised raised(shows_);
+  text_->ShowText(text, change);
+}
+
+void MainWindow::ShowTextFormat(std::u16string_view face, Color color) {
+  const Raised raised(shows_);
+  shown_face_ = face;
+  shown_color_ = color;
+  ShowTextColors();
+}
+
+void MainWindow::ShowTextColors() {
+  const Color paper = FromQColor(palette().color(QPalette::Base));
+  text_->ShowFormat(shown_face_, shown_color_, PaperFor(shown_color_, paper));
+}
+
+void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
+  const Raised raised(shows_);
+  face_->ShowFaces(faces);
+}
+
+void MainWindow::ShowControlText(ControlId id, std::u16string_view text) {
+  const Raised raised(shows_);
+  QWidget* control = controls_.at(id);
+  const QString shown = ToQString(text);
+  if (auto* combo = qobject_cast<QComboBox*>(control)) {
+    if (combo->currentText() != shown) combo->setEditText(shown);
+  } else if (auto* edit = qobject_cast<QLineEdit*>(control)) {
+    if (edit->text() != shown) edit->setText(shown);
+  }
+}
+
+void MainWindow::ShowChecked(ControlId id, bool checked) {
+  const Raised raised(shows_);
+  static_cast<QCheckBox*>(controls_.at(id))->setChecked(checked);
+}
+
+void MainWindow::ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) {
+  const Raised raised(shows_);
+  static_cast<ColorCombo*>(controls_.at(id))->ShowColors(colors, selected);
+}
+
+void MainWindow::Enable(ControlId id, bool enabled) {
+  controls_.at(id)->setEnabled(enabled);
+}
+
+void MainWindow::ShowControl(ControlId id, bool visible) {
+  controls_.at(id)->setVisible(visible);
+}
+
+void MainWindow::ShowMenuChecked(MenuCommand command, bool checked) {
+  actions_.at(command)->setChecked(checked);
+}
+
+void MainWindow::ShowStatus(std::u16string_view text, StatusKind kind) {
+  status_->setText(ToQString(text));
+  if (kind != status_kind_) {
+    status_kind_ = kind;
+    QPalette colors = palette();
+    const bool dark = colors.color(QPalette::Window).lightness() < 128;
+    if (kind == StatusKind::kFailure) {
+      colors.setColor(QPalette::WindowText, dark ? QColor(255, 130, 120) : QColor(170, 0, 0));
+    } else if (kind == StatusKind::kWarning) {
+      colors.setColor(QPalette::WindowText, dark ? QColor(255, 200, 110) : QColor(130, 75, 0));
+    }
+    status_->setPalette(colors);
+  }
+  preview_->setAccessibleDescription(status_->text());
+}
+
+void MainWindow::RepaintPreview() {
+  preview_->Repaint();
+}
+
+void MainWindow::ShowMessage(std::u16string_view text) {
+  auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(), ToQString(text), QMessageBox::Ok,
+                              closing_ ? nullptr : this);
+  box->setTextFormat(Qt::PlainText);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  if (closing_) {
+    box->exec();
+  } else {
+    box->open();
+  }
+}
+
+Continue MainWindow::ShowProgress(std::u16string_view text, int64_t done, int64_t total) {
+  constexpr int kSteps = 1000;
+  if (!progress_) {
+    progress_ = new QProgressDialog(this);
+    progress_->setWindowTitle(windowTitle());
+    progress_->setWindowModality(Qt::WindowModal);
+    progress_->setMinimumDuration(kProgressAfter);
+    progress_->setAutoReset(false);
+    progress_->setAutoClose(false);
+    progress_->setMaximum(kSteps);
+    progress_->setValue(0);
+  }
+  progress_->setLabelText(ToQString(text));
+  const double part = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
+  progress_->setValue(static_cast<int>(part * (kSteps - 1)));
+  return progress_->wasCanceled() ? Continue::kNo : Continue::kYes;
+}
+
+void MainWindow::EndProgress() {
+  delete progress_;
+}
+
+void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copyright) {
+  auto* box = new QDialog(this);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->setWindowTitle(tr("About %1").arg(windowTitle()));
+  auto* layout = new QVBoxLayout(box);
+  layout->setContentsMargins(24, 20, 24, 16);
+  layout->setSpacing(10);
+  auto* icon = new QLabel(box);
+  icon->setPixmap(windowIcon().pixmap(QSize(64, 64), devicePixelRatioF()));
+  icon->setAlignment(Qt::AlignCenter);
+  layout->addWidget(icon);
+  for (const auto& [id, text] : {std::pair(ControlId::kAboutVersion, version),
+                                 std::pair(ControlId::kAboutCopyright, copyright)}) {
+    auto* label = new QLabel(ToQString(text), box);
+    label->setObjectName(ObjectName(id));
+    label->setAccessibleName(ToQString(kerno::Control(id).name));
+    label->setTextFormat(Qt::PlainText);
+    label->setAlignment(Qt::AlignCenter);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    layout->addWidget(label);
+  }
+  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, box);
+  connect(buttons, &QDialogButtonBox::accepted, box, &QDialog::accept);
+  layout->addWidget(buttons, 0, Qt::AlignCenter);
+  box->open();
+}
+
+std::optional<std::filesystem::path> MainWindow::AskFolder(const std::filesystem::path& start) {
+  const QString folder =
+      QFileDialog::getExistingDirectory(this, tr("Folder of the outputs"), PathToQString(start));
+  if (folder.isEmpty()) return std::nullopt;
+  return QStringToPath(folder);
+}
+
+void MainWindow::PasteIntoText() {
+  text_->paste();
+  text_->setFocus();
+}
+
+bool MainWindow::LoadFontFile(const std::filesystem::path& file) {
+  return QFontDatabase::addApplicationFont(PathToQString(file)) >= 0;
+}
+
+void MainWindow::CallWhenDue(int milliseconds) {
+  due_.start(milliseconds);
+}
+
+std::optional<WindowRect> MainWindow::WindowPlace() const {
+  if (isMinimized()) return std::nullopt;
+  const QPoint at = isMaximized() ? normalGeometry().topLeft() : pos();
+  const QSize size = isMaximized() ? normalGeometry().size() : this->size();
+  return WindowRect{at.x(), at.y(), at.x() + size.width(), at.y() + size.height()};
+}
+
+std::vector<WindowRect> MainWindow::Screens() const {
+  std::vector<WindowRect> screens;
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    const QRect area = screen->availableGeometry();
+    screens.push_back(
+        {area.left(), area.top(), area.left() + area.width(), area.top() + area.height()});
+  }
+  return screens;
+}
+
+void MainWindow::MoveWindow(const WindowRect& rect) {
+  resize(rect.right - rect.left, rect.bottom - rect.top);
+  move(rect.left, rect.top);
+}
+
+void MainWindow::CloseWindow() {
+  close();
+}
+
+}  // namespace kerno

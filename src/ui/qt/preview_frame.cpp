@@ -1,0 +1,125 @@
+#include "ui/qt/preview_frame.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include "app/dialog.h"
+#include "ui/qt/painter_context.h"
+#include "ui/qt/qt_text.h"
+
+namespace kerno {
+namespace {
+
+constexpr double kDetail = 0.5;     // device pixels that need not be told apart
+constexpr double kKeyStep = 40;     // pixels by an arrow key
+constexpr double kWheelStep = 120;  // units of the toolkit by one step of a wheel
+
+}  // namespace
+
+PreviewFrame::PreviewFrame(QWidget* parent) : QFrame(parent), fonts_(CreateMeasuringContext()) {
+  setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+  setFocusPolicy(Qt::StrongFocus);
+  setMinimumSize(200, 120);
+  setCursor(Qt::OpenHandCursor);
+  setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+PreviewFrame::~PreviewFrame() = default;
+
+void PreviewFrame::Repaint() {
+  is_stale_ = true;
+  update();
+}
+
+void PreviewFrame::PaintPicture() {
+  const double ratio = devicePixelRatioF();
+  const QSize size = contentsRect().size() * ratio;
+  if (picture_.size() != size || picture_.devicePixelRatio() != ratio) {
+    picture_ = QPixmap(size);
+    picture_.setDevicePixelRatio(ratio);
+  }
+  const Color base = FromQColor(palette().color(QPalette::Base));
+  picture_.fill(ToQColor(dialog_ ? dialog_->PaperBehind(base) : base));
+  if (dialog_) {
+    QPainter painter(&picture_);
+    PainterContext context(painter, *fonts_);
+    dialog_->PaintPreview(context, kDetail / ratio);
+  }
+  is_stale_ = false;
+}
+
+void PreviewFrame::paintEvent(QPaintEvent*) {
+  if (is_stale_ || picture_.devicePixelRatio() != devicePixelRatioF()) PaintPicture();
+  QPainter painter(this);
+  painter.drawPixmap(contentsRect().topLeft(), picture_);
+  drawFrame(&painter);
+  if (hasFocus()) {
+    painter.setPen(palette().color(QPalette::Highlight));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+  }
+}
+
+void PreviewFrame::resizeEvent(QResizeEvent* event) {
+  QFrame::resizeEvent(event);
+  if (dialog_) dialog_->PreviewResized(contentsRect().width(), contentsRect().height());
+}
+
+void PreviewFrame::changeEvent(QEvent* event) {
+  QFrame::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) Repaint();
+}
+
+void PreviewFrame::wheelEvent(QWheelEvent* event) {
+  const QPointF at = event->position() - contentsRect().topLeft();
+  dialog_->PreviewZoomed(at.x(), at.y(), event->angleDelta().y() / kWheelStep);
+  event->accept();
+}
+
+void PreviewFrame::mousePressEvent(QMouseEvent* event) {
+  if (event->button() != Qt::LeftButton) return;
+  drags_ = true;
+  drag_from_ = event->position();
+  setCursor(Qt::ClosedHandCursor);
+}
+
+void PreviewFrame::mouseMoveEvent(QMouseEvent* event) {
+  if (!drags_) return;
+  const QPointF moved = event->position() - drag_from_;
+  drag_from_ = event->position();
+  dialog_->PreviewDragged(moved.x(), moved.y());
+}
+
+void PreviewFrame::mouseReleaseEvent(QMouseEvent*) {
+  drags_ = false;
+  setCursor(Qt::OpenHandCursor);
+}
+
+void PreviewFrame::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) dialog_->PreviewDoubleClicked();
+}
+
+void PreviewFrame::keyPressEvent(QKeyEvent* event) {
+  const double x = contentsRect().width() / 2.0, y = contentsRect().height() / 2.0;
+  switch (event->key()) {
+    case Qt::Key_Plus:
+      return dialog_->PreviewZoomed(x, y, 1);
+    case Qt::Key_Minus:
+      return dialog_->PreviewZoomed(x, y, -1);
+    case Qt::Key_0:
+      return dialog_->PreviewDoubleClicked();
+    case Qt::Key_Left:
+      return dialog_->PreviewDragged(kKeyStep, 0);
+    case Qt::Key_Right:
+      return dialog_->PreviewDragged(-kKeyStep, 0);
+    case Qt::Key_Up:
+      return dialog_->PreviewDragged(0, kKeyStep);
+    case Qt::Key_Down:
+      return dialog_->PreviewDragged(0, -kKeyStep);
+    default:
+      QFrame::keyPressEvent(event);
+  }
+}
+
+}  // namespace kerno

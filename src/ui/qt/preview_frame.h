@@ -1,0 +1,49 @@
+// The frame in which the drawing is seen.
+#pragma once
+
+#include <QFrame>
+#include <QPixmap>
+#include <memory>
+
+#include "platform/device_context.h"
+
+namespace kerno {
+
+class Dialog;
+
+// The wheel zooms, dragging moves, a double click shows all; with the keyboard "+" and "-", the
+// arrows and "0". The painted drawing is kept until it changes.
+class PreviewFrame final : public QFrame {
+ public:
+  explicit PreviewFrame(QWidget* parent = nullptr);
+  ~PreviewFrame() override;
+
+  void SetDialog(Dialog* dialog) { dialog_ = dialog; }
+  // Paints the drawing anew at the next paint event.
+  void Repaint();
+
+  QSize sizeHint() const override { return {640, 320}; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void PaintPicture();
+
+  Dialog* dialog_ = nullptr;
+  std::unique_ptr<DeviceContext> fonts_;
+  QPixmap picture_;
+  bool is_stale_ = true;
+  QPointF drag_from_;
+  bool drags_ = false;
+};
+
+}  // namespace kerno

@@ -1,0 +1,40 @@
+// Text, paths, colours and names between the toolkit and the rest of the program.
+#pragma once
+
+#include <QColor>
+#include <QString>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "app/controls.h"
+#include "base/text.h"
+#include "parts/color.h"
+
+namespace kerno {
+
+inline QString ToQString(std::u16string_view text) {
+  return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+inline std::u16string FromQString(const QString& text) {
+  return text.toStdU16String();
+}
+inline QString PathToQString(const std::filesystem::path& path) {
+  return ToQString(PathText(path));
+}
+inline std::filesystem::path QStringToPath(const QString& text) {
+  return TextPath(FromQString(text));
+}
+inline QColor ToQColor(Color color) {
+  return QColor(Red(color), Green(color), Blue(color));
+}
+inline Color FromQColor(const QColor& color) {
+  return RgbColor(color.red(), color.green(), color.blue());
+}
+
+// A control's object name is its number.
+inline QString ObjectName(ControlId id) {
+  return QString::number(static_cast<int>(id));
+}
+
+}  // namespace kerno
