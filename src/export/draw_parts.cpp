@@ -6,60 +6,13 @@
 #include <utility>
 
 #include "export/hatch.h"
+#include "export/point_run.h"
 #include "parts/element_access.h"
 
 namespace kerno {
 namespace {
 
 constexpr double kPointArm = 2;  // pixels of a point's cross on either side
-
-// Points on their way to the context: cut to the wanted detail, kept until drawn.
-class PointRun {
- public:
-  explicit PointRun(double detail) : detail_(detail) {}
-
-  // Begins a line; the ones before stay.
-  void Begin() { begin_ = points_.size(); }
-
-  void Add(const DevicePoint& p) {
-    last_ = p;
-    dropped_ = false;
-    if (points_.size() > begin_ && detail_ > 0) {
-      const DevicePoint& kept = points_.back();
-      dropped_ = std::fabs(p.x - kept.x) < detail_ && std::fabs(p.y - kept.y) < detail_;
-      if (dropped_) return;
-    }
-    points_.push_back(p);
-  }
-
-  // Ends a line at its last point, whether that was dropped or not. What shrank to one spot stays
-  // visible as a dash of the detail's length.
-  size_t End() {
-    if (dropped_) {
-      if (points_.size() == begin_ + 1) {
-        points_.push_back({points_.back().x + detail_, points_.back().y});
-      } else {
-        points_.back() = last_;
-      }
-    }
-    dropped_ = false;
-    return points_.size() - begin_;
-  }
-
-  void Clear() {
-    points_.clear();
-    begin_ = 0;
-  }
-  void DropLine() { points_.resize(begin_); }
-  std::span<const DevicePoint> points() const { return points_; }
-
- private:
-  double detail_;
-  std::vector<DevicePoint> points_;
-  size_t begin_ = 0;
-  DevicePoint last_;
-  bool dropped_ = false;
-};
 
 // The pens or the brushes of a drawing, each made once.
 template <class Object, class Data>
@@ -254,6 +207,7 @@ std::vector<HatchLine> SidesOf(const HatchCircle& circle) {
               circle.centre.y + circle.radius * std::sin(a)};
   };
   std::vector<HatchLine> sides;
+  sides.reserve(kSides);
   for (int i = 0; i < kSides; ++i) sides.push_back({at(i), at(i + 1)});
   return sides;
 }
@@ -394,29 +348,6 @@ PictureNotes DrawParts(DrawingContext& dc, const PartsA& model, const Fit& fit,
   PartsDrawer drawer(dc, fit, options, model);
   for (const PartsElement& part : model.parts) drawer.Draw(part);
   return drawer.notes();
-}
-
-void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Fit& fit,
-                  const DrawOptions& options) {
-  PointRun run(options.detail);
-  std::vector<uint32_t> counts;
-  counts.reserve(contours.counts.size());
-  size_t at = 0;
-  for (uint32_t count : contours.counts) {
-    const size_t end = std::min(contours.points.size(), at + count);
-    run.Begin();
-    for (; at < end; ++at) {
-      const P2& p = contours.points[at];
-      if (IsPictured(p.x) && IsPictured(p.y)) run.Add(fit.Apply(p));
-    }
-    const size_t kept = run.End();
-    if (kept < 2) {
-      run.DropLine();
-    } else {
-      counts.push_back(static_cast<uint32_t>(kept));
-    }
-  }
-  dc.DrawPolygons(run.points(), counts);
 }
 
 }  // namespace kerno

@@ -121,9 +121,9 @@ int NumberAtEnd(std::string_view name) {
 
 // "HS_SlDs____": two letters a row, solid, dashed or blank.
 void AddRows(std::string_view rows, Pattern* pattern) {
-  const double period = static_cast<double>(rows.size() / 2) * kRowPitch;
+  const double period = static_cast<double>(rows.size()) / 2 * kRowPitch;
   for (size_t i = 0; i + 1 < rows.size(); i += 2) {
-    const double offset = static_cast<double>(i / 2) * kRowPitch;
+    const double offset = static_cast<double>(i) / 2 * kRowPitch;
     if (rows.substr(i, 2) == "Sl") pattern->Rows(period, offset);
     if (rows.substr(i, 2) == "Ds") pattern->DashedRows(period, offset);
   }

@@ -127,9 +127,12 @@ TEST(BmpWriter, AwkwardModelsGiveAPictureAndAWarning) {
 int EnclosedRegions(const BitmapSurface& surface) {
   const int width = surface.Width();
   const int height = surface.Height();
-  std::vector<char> seen(static_cast<size_t>(width * height));
+  const auto index = [&](int x, int y) {
+    return static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x);
+  };
+  std::vector<char> seen(index(0, height));
   const auto is_open = [&](int x, int y) {
-    const auto at = static_cast<size_t>(y * width + x);
+    const auto at = index(x, y);
     return !seen[at] && surface.Pixels()[at * 4] > 200;
   };
   int regions = -1;  // the surroundings are one
@@ -142,7 +145,7 @@ int EnclosedRegions(const BitmapSurface& surface) {
         const auto [px, py] = todo.back();
         todo.pop_back();
         if (px < 0 || py < 0 || px >= width || py >= height || !is_open(px, py)) continue;
-        seen[static_cast<size_t>(py * width + px)] = 1;
+        seen[index(px, py)] = 1;
         ++size;
         for (const int d : {-1, 1}) {
           todo.emplace_back(px + d, py);

@@ -6,6 +6,7 @@
 #include <limits>
 #include <map>
 #include <set>
+#include <sstream>
 
 #include "export/draw_parts.h"
 #include "export/emf_context.h"
@@ -269,9 +270,11 @@ TEST(EmfWriter, AnotherProgramDrawsTheSamePicture) {
     const EmfLayout layout = LayOutEmf(PictureBox(c.model, fonts.get()));
     const std::string emf = (folder / c.name).native() + ".emf";
     ASSERT_TRUE(ExportEmf(c.model, emf).ok());
-    test::OutputOf("emf2svg-conv -w " + std::to_string(layout.frame.width) + " -h " +
-                   std::to_string(layout.frame.height) + " -i " + emf + " -o " + emf + ".svg");
-    test::OutputOf("rsvg-convert " + emf + ".svg -o " + emf + ".png");
+    std::ostringstream convert;
+    convert << "emf2svg-conv -w " << layout.frame.width << " -h " << layout.frame.height << " -i "
+            << emf << " -o " << emf << ".svg && rsvg-convert " << emf << ".svg -o " << emf
+            << ".png";
+    test::OutputOf(convert.str());
     const auto surface = CreateBitmapSurface(layout.frame.width, layout.frame.height, 0xFFFFFF);
     DrawParts(surface->Context(), c.model, layout.fit, {});
     const test::Picture other = test::ReadPicture(emf + ".png");

@@ -15,7 +15,8 @@ constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
 
 uint32_t PixelAt(const BitmapSurface& surface, int x, int y) {
-  const auto at = static_cast<size_t>((y * surface.Width() + x) * 4);
+  const auto width = static_cast<size_t>(surface.Width());
+  const size_t at = (static_cast<size_t>(y) * width + static_cast<size_t>(x)) * 4;
   const auto pixels = surface.Pixels();
   EXPECT_EQ(pixels[at + 3], 255);
   return pixels[at + 2] | static_cast<uint32_t>(pixels[at + 1]) << 8 |

@@ -24,7 +24,9 @@ struct Picture {
   std::vector<uint8_t> rgb;
 
   uint8_t At(int x, int y, int channel) const {
-    return rgb[static_cast<size_t>((y * width + x) * 3 + channel)];
+    const size_t pixel =
+        static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x);
+    return rgb[pixel * 3 + static_cast<size_t>(channel)];
   }
 };
 

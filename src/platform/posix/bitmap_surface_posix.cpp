@@ -20,6 +20,8 @@
 #include <utility>
 
 #include "platform/drawing.h"
+#include "platform/posix/agg_sources.h"
+#include "platform/posix/thin_stroke.h"
 
 namespace kerno {
 namespace {
@@ -56,79 +58,6 @@ class AggBrush : public Brush {
   BrushData data_;
 };
 
-// A polyline as the rasteriser's converters read it: finite points within kMaxDevice.
-class PointSource {
- public:
-  PointSource(std::span<const DevicePoint> points, bool closed)
-      : points_(points), closed_(closed) {}
-
-  void rewind(unsigned) {
-    next_ = 0;
-    started_ = false;
-    ended_ = false;
-  }
-
-  unsigned vertex(double* x, double* y) {
-    while (next_ < points_.size()) {
-      const DevicePoint& p = points_[next_++];
-      if (!std::isfinite(p.x) || !std::isfinite(p.y)) continue;
-      *x = std::clamp(p.x, -kMaxDevice, kMaxDevice);
-      *y = std::clamp(p.y, -kMaxDevice, kMaxDevice);
-      const bool first = !started_;
-      started_ = true;
-      return first ? agg::path_cmd_move_to : agg::path_cmd_line_to;
-    }
-    if (closed_ && started_ && !ended_) {
-      ended_ = true;
-      return static_cast<unsigned>(agg::path_cmd_end_poly) | agg::path_flags_close;
-    }
-    return agg::path_cmd_stop;
-  }
-
- private:
-  std::span<const DevicePoint> points_;
-  bool closed_;
-  size_t next_ = 0;
-  bool started_ = false;
-  bool ended_ = false;
-};
-
-// The system's six hatches: a pattern of 8 x 8 pixels anchored at the surface's origin.
-class HatchSpans {
- public:
-  using color_type = agg::rgba8;
-  HatchSpans(agg::rgba8 color, int32_t hatch) : color_(color), hatch_(hatch) {}
-  void prepare() {}
-  void generate(color_type* span, int x, int y, unsigned length) {
-    for (unsigned i = 0; i < length; ++i, ++x) {
-      span[i] = IsInk(x & 7, y & 7) ? color_ : agg::rgba8(0, 0, 0, 0);
-    }
-  }
-
- private:
-  bool IsInk(int x, int y) const {
-    const bool falling = x == y;
-    const bool rising = x + y == 7;
-    switch (hatch_) {
-      case 0:
-        return y == 3;
-      case 1:
-        return x == 3;
-      case 2:
-        return falling;
-      case 3:
-        return rising;
-      case 4:
-        return x == 3 || y == 3;
-      default:
-        return falling || rising;
-    }
-  }
-
-  agg::rgba8 color_;
-  int32_t hatch_;
-};
-
 double LengthOf(std::span<const DevicePoint> points) {
   double length = 0;
   for (size_t i = 1; i < points.size(); ++i) {
@@ -140,84 +69,6 @@ double LengthOf(std::span<const DevicePoint> points) {
 bool SamePlace(const DevicePoint& a, const DevicePoint& b) {
   return a.x == b.x && a.y == b.y;
 }
-
-// Outlines a line no wider than kThin by hand, which is quicker than the general converter: mitred
-// where the line bends, cut off where it turns sharply, with butt ends.
-class ThinStroke {
- public:
-  explicit ThinStroke(Rasterizer& rasterizer) : rasterizer_(rasterizer) {}
-
-  void Add(std::span<const DevicePoint> points, bool closed, double width) {
-    half_ = width / 2;
-    Collect(points, closed);
-    const size_t n = points_.size();
-    if (n < 2) return;
-    left_.clear();
-    right_.clear();
-    for (size_t i = 0; i < n; ++i) {
-      const size_t before = i > 0 ? i - 1 : closed ? n - 1 : 0;
-      const size_t after = i < normals_.size() ? i : n - 2;
-      Corner(points_[i], normals_[before], normals_[after]);
-    }
-    // One ring there and back for an open line, two rings for a closed one.
-    Trace(left_.begin(), left_.end(), true);
-    if (closed) rasterizer_.close_polygon();
-    Trace(right_.rbegin(), right_.rend(), closed);
-    rasterizer_.close_polygon();
-  }
-
- private:
-  // The points without repetitions, and of each segment the unit normal times half the width.
-  void Collect(std::span<const DevicePoint> points, bool closed) {
-    points_.clear();
-    normals_.clear();
-    for (const DevicePoint& p : points) {
-      if (!std::isfinite(p.x) || !std::isfinite(p.y)) continue;
-      const DevicePoint q = {std::clamp(p.x, -kMaxDevice, kMaxDevice),
-                             std::clamp(p.y, -kMaxDevice, kMaxDevice)};
-      if (points_.empty() || AddNormal(points_.back(), q)) points_.push_back(q);
-    }
-    if (!closed || points_.size() < 2) return;
-    if (!AddNormal(points_.back(), points_.front())) points_.pop_back();
-  }
-  bool AddNormal(const DevicePoint& a, const DevicePoint& b) {
-    constexpr double kSame = 1e-6;
-    const double dx = b.x - a.x;
-    const double dy = b.y - a.y;
-    const double length = std::sqrt(dx * dx + dy * dy);
-    if (length < kSame) return false;
-    normals_.push_back({dy / length * half_, -dx / length * half_});
-    return true;
-  }
-  void Corner(const DevicePoint& p, const DevicePoint& in, const DevicePoint& out) {
-    constexpr double kSharp = 0.5;
-    const double turn = 1 + (in.x * out.x + in.y * out.y) / (half_ * half_);  // 1 + its cosine
-    if (turn < kSharp) {
-      Offset(p, in);
-      Offset(p, out);
-    } else {
-      Offset(p, {(in.x + out.x) / turn, (in.y + out.y) / turn});
-    }
-  }
-  void Offset(const DevicePoint& p, const DevicePoint& by) {
-    left_.push_back({p.x + by.x, p.y + by.y});
-    right_.push_back({p.x - by.x, p.y - by.y});
-  }
-  template <class Iterator>
-  void Trace(Iterator from, Iterator to, bool begin) {
-    for (; from != to; ++from, begin = false) {
-      if (begin) {
-        rasterizer_.move_to_d(from->x, from->y);
-      } else {
-        rasterizer_.line_to_d(from->x, from->y);
-      }
-    }
-  }
-
-  Rasterizer& rasterizer_;
-  double half_ = 0.5;
-  std::vector<DevicePoint> points_, normals_, left_, right_;
-};
 
 // Fonts are those of a measuring context; drawing goes to the pixels.
 class SurfaceContext : public DrawingContext {
@@ -290,7 +141,7 @@ class SurfaceContext : public DrawingContext {
   PixelFormat format_;
   BaseRenderer renderer_;
   Rasterizer rasterizer_;
-  ThinStroke thin_;
+  ThinStroke<Rasterizer> thin_;
   agg::scanline_u8 scanline_;
   agg::span_allocator<agg::rgba8> spans_;
   std::unique_ptr<DeviceContext> fonts_;  // made when first asked

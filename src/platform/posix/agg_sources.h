@@ -1,0 +1,90 @@
+// What the rasteriser of the bitmap surface reads: points and hatch colours.
+#pragma once
+
+#include <agg_basics.h>
+#include <agg_color_rgba.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "platform/drawing.h"
+
+namespace kerno {
+
+// A polyline as the rasteriser's converters read it: finite points within kMaxDevice.
+class PointSource {
+ public:
+  PointSource(std::span<const DevicePoint> points, bool closed)
+      : points_(points), closed_(closed) {}
+
+  void rewind(unsigned) {
+    next_ = 0;
+    started_ = false;
+    ended_ = false;
+  }
+
+  unsigned vertex(double* x, double* y) {
+    while (next_ < points_.size()) {
+      const DevicePoint& p = points_[next_++];
+      if (!std::isfinite(p.x) || !std::isfinite(p.y)) continue;
+      *x = std::clamp(p.x, -kMaxDevice, kMaxDevice);
+      *y = std::clamp(p.y, -kMaxDevice, kMaxDevice);
+      const bool first = !started_;
+      started_ = true;
+      return first ? agg::path_cmd_move_to : agg::path_cmd_line_to;
+    }
+    if (closed_ && started_ && !ended_) {
+      ended_ = true;
+      return static_cast<unsigned>(agg::path_cmd_end_poly) | agg::path_flags_close;
+    }
+    return agg::path_cmd_stop;
+  }
+
+ private:
+  std::span<const DevicePoint> points_;
+  bool closed_;
+  size_t next_ = 0;
+  bool started_ = false;
+  bool ended_ = false;
+};
+
+// The system's six hatches: a pattern of 8 x 8 pixels anchored at the surface's origin.
+class HatchSpans {
+ public:
+  using color_type = agg::rgba8;
+  HatchSpans(agg::rgba8 color, int32_t hatch) : color_(color), hatch_(hatch) {}
+  void prepare() {}
+  void generate(color_type* span, int x, int y, unsigned length) {
+    for (unsigned i = 0; i < length; ++i, ++x) {
+      span[i] = IsInk(x & 7, y & 7) ? color_ : agg::rgba8(0, 0, 0, 0);
+    }
+  }
+
+ private:
+  bool IsInk(int x, int y) const {
+    const bool falling = x == y;
+    const bool rising = x + y == 7;
+    switch (hatch_) {
+      case 0:
+        return y == 3;
+      case 1:
+        return x == 3;
+      case 2:
+        return falling;
+      case 3:
+        return rising;
+      case 4:
+        return x == 3 || y == 3;
+      default:
+        return falling || rising;
+    }
+  }
+
+  agg::rgba8 color_;
+  int32_t hatch_;
+};
+
+}  // namespace kerno
