@@ -22,6 +22,7 @@ test: setup
 
 bench: release
 	@build/release/bench/kerno_bench
+	@$(PYTHON) bench/process_bench.py build/release/src/cli/kerno
 
 clean:
 	@rm -rf build out
