@@ -1,13 +1,11 @@
-// kerno convert: a text as outline files.
+// kerno convert: a text, or a parts file, as outline files.
 #pragma once
 
-#include <filesystem>
 #include <string>
-#include <vector>
 
 #include "app/rebuild.h"
+#include "cli/output_files.h"
 #include "cli/text_options.h"
-#include "export/export.h"
 
 namespace kerno {
 
@@ -19,24 +17,17 @@ class ConvertCommand final : public Command {
   ExitStatus Run() override;
 
  private:
-  struct Output {
-    std::filesystem::path path;
-    ExportFormat format;
-  };
-
   bool ReadChoices();
-  bool ReadOutputs();
-  bool Write(const Output& output, const SetText& set, const PartsA& parts) const;
+  ExitStatus BuildFromText(PartsA* model, std::string* summary);
+  ExitStatus ReadParts(PartsA* model, std::string* summary) const;
 
   TextOptions text_;
-  std::vector<std::string> files_;
+  OutputFiles outputs_;
   std::string elements_ = "lines";
   std::string layer_ = "Kerno";
-  std::string dxf_layers_ = "name";
-  std::string aci_ = "classic";
-  std::vector<Output> outputs_;
+  std::string ipx_;
   RebuildOptions rebuild_;
-  ExportOptions export_;
+  CLI::App* app_ = nullptr;
 };
 
 }  // namespace kerno

@@ -59,6 +59,11 @@ class CommandLineTest(unittest.TestCase):
             (["convert", "A", "--text", "B", "-o", out], 2, "more than once"),
             (["convert", "", *SANS, "-o", out], 2, "holds no text"),
             ([*convert], 2, "-o: no file"),
+            ([*convert, "-o", "-"], 2, "-o -: needs --format"),
+            ([*convert, "--format", "doc", "-o", out], 2, "--format"),
+            ([*convert, "--size", "0x9", "-o", out], 2, "--size"),
+            (["convert", "--ipx", here("none.ipx"), "-o", out], 1, "none.ipx"),
+            (["convert", "--ipx", here("none.ipx"), "A", "-o", out], 2, "TEXT: does not go with"),
             ([*convert, "-o", here("a.doc")], 2, 'a.doc: the format "doc" is unknown'),
             ([*convert, "-o", here("noext")], 2, "noext: has no extension"),
             ([*convert, "-o", here("a.stl")], 2, '"stl" is known but not written'),
@@ -139,6 +144,15 @@ class CommandLineTest(unittest.TestCase):
                     ends[tuple(start)] = ends.get(tuple(start), 0) + 1
                     ends[tuple(end)] = ends.get(tuple(end), 0) - 1
                 self.assertFalse(any(ends.values()), "as many lines end at a point as start there")
+
+    def test_a_parts_file_gives_the_same_drawing_again(self):
+        ipx, dxf = self.folder / "a.ipx", self.folder / "a.dxf"
+        self.assertEqual(0, run("convert", "AHEL", "--face", "DejaVu Sans", "-o", str(ipx), "-o", str(dxf))[0])
+        for arguments in (["-o", str(self.folder / "b.dxf")], ["-o", "-", "--format", "DXF"]):
+            status, out, err = run("convert", "--ipx", str(ipx), *arguments)
+            self.assertEqual((0, ""), (status, err))
+        self.assertEqual(dxf.read_bytes(), (self.folder / "b.dxf").read_bytes())
+        self.assertEqual(dxf.read_bytes().decode("ascii"), out)
 
     def test_placement_computed_once_more(self):
         cases = [(0, 0, (0, 0)), (15, 0, (7, -3)), (0, 33.5, (0, 0)), (-20, 270, (1000.25, 4))]

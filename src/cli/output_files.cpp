@@ -1,0 +1,225 @@
+#include "cli/output_files.h"
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <fstream>
+#include <random>
+#include <system_error>
+
+#include "base/folders.h"
+#include "base/text.h"
+#include "cli/arguments.h"
+#include "cli/choice.h"
+#include "cli/console.h"
+#include "platform/system.h"
+
+namespace kerno {
+namespace {
+
+constexpr char kStandardOutput[] = "-";
+
+template <ExportFormat kFormat>
+Status Dispatch(const PartsA& model, const std::filesystem::path& file,
+                const OutputOptions& options) {
+  Status status;
+  (void)ExportAs(kFormat, model, file, options.dispatch, &status);
+  return status;
+}
+
+Status Bitmap(const PartsA& model, const std::filesystem::path& file,
+              const OutputOptions& options) {
+  return ExportBmp(model, file, options.bmp);
+}
+
+constexpr OutputWriter kWriters[] = {
+    {"dxf", Dispatch<ExportFormat::kDxf>},
+    {"svg", Dispatch<ExportFormat::kSvg>},
+    {"ipx", Dispatch<ExportFormat::kIpx>},
+    {"x3d", Dispatch<ExportFormat::kX3d>},
+    {"bmp", Bitmap},
+};
+
+std::string WriterNames() {
+  std::string names;
+  for (const OutputWriter& writer : kWriters) {
+    names.append(names.empty() ? "" : ", ").append(writer.extension);
+  }
+  return names;
+}
+
+const OutputWriter* FindWriter(std::string_view extension) {
+  for (const OutputWriter& writer : kWriters) {
+    if (writer.extension == extension) return &writer;
+  }
+  return nullptr;
+}
+
+// A file in a folder of its own that nobody else can look into; both go with the object.
+class ScratchPath {
+ public:
+  explicit ScratchPath(std::string_view extension) {
+    std::random_device random;
+    folder_ = TempFolder() / ("kerno-" + std::to_string(random()) + std::to_string(random()));
+    status_ = CurrentSystem().MakePrivateFolder(folder_);
+    path_ = folder_ / ("out." + std::string(extension));
+  }
+  ~ScratchPath() {
+    if (!status_.ok()) return;
+    std::error_code gone;
+    std::filesystem::remove(path_, gone);
+    std::filesystem::remove(folder_, gone);
+  }
+  ScratchPath(const ScratchPath&) = delete;
+  ScratchPath& operator=(const ScratchPath&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+  const Status& status() const { return status_; }
+
+ private:
+  std::filesystem::path folder_;
+  std::filesystem::path path_;
+  Status status_;
+};
+
+// Nothing is printed before the whole output stands in a scratch file.
+bool WriteToStandardOutput(const OutputWriter& writer, const PartsA& model,
+                           const OutputOptions& options) {
+  const ScratchPath scratch(writer.extension);
+  const Status status =
+      scratch.status().ok() ? writer.write(model, scratch.path(), options) : scratch.status();
+  if (!status.ok()) {
+    ReportError(status);
+    return false;
+  }
+  std::ifstream file(scratch.path(), std::ios::binary);
+  std::vector<char> chunk(1 << 16);
+  while (file.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || file.gcount() > 0) {
+    if (!Print({chunk.data(), static_cast<size_t>(file.gcount())})) return false;
+  }
+  return FinishPrinting();
+}
+
+}  // namespace
+
+void OutputFiles::AddTo(CLI::App& app) {
+  app.add_option("-o", files_,
+                 "file to write, \"-\" for standard output; the extension chooses the format (" +
+                     WriterNames() + ")")
+      ->type_name("FILE")
+      ->expected(1)
+      ->take_all();
+  app.add_option("--format", format_, "the format, whatever the files are called")
+      ->type_name("NAME");
+  app.add_option("--dxf-layers", dxf_layers_,
+                 "DXF layers: by name, or by colour where an element has no name")
+      ->type_name("name|colour")
+      ->capture_default_str();
+  app.add_option("--aci", aci_, "DXF colour index: by the classic rule, or the nearest colour")
+      ->type_name("classic|nearest")
+      ->capture_default_str();
+  app.add_option("--size", size_, "size of a bitmap in pixels (one unit is one pixel)")
+      ->type_name("WxH");
+}
+
+bool OutputFiles::Owns(std::string_view option) {
+  for (const std::string_view mine : {"-o", "--format", "--dxf-layers", "--aci", "--size"}) {
+    if (option == mine) return true;
+  }
+  return false;
+}
+
+bool OutputFiles::Read() {
+  if (files_.empty()) {
+    ReportError("-o", "no file to write is given");
+    return false;
+  }
+  for (const std::string& file : files_) {
+    if (!AddOutput(file)) return false;
+  }
+  options_.dispatch.program = PathText(CurrentSystem().ProgramPath());
+  return Choose<DxfLayerRule>("--dxf-layers", dxf_layers_,
+                              {{"name", DxfLayerRule::kName}, {"colour", DxfLayerRule::kColour}},
+                              &options_.dispatch.dxf.layers) &&
+         Choose<AciRule>("--aci", aci_,
+                         {{"classic", AciRule::kClassic}, {"nearest", AciRule::kNearest}},
+                         &options_.dispatch.dxf.aci) &&
+         (size_.empty() || ReadSize());
+}
+
+bool OutputFiles::AddOutput(const std::string& file) {
+  if (!format_.empty()) {
+    const std::string name = Utf16ToUtf8(AsciiLower(Utf8ToUtf16Lossy(format_)));
+    const OutputWriter* writer = FindWriter(name);
+    if (!writer) {
+      ReportChoice("--format", format_, WriterNames());
+      return false;
+    }
+    outputs_.push_back({file, writer});
+    return true;
+  }
+  const std::u16string extension = AsciiLower(Extension(Utf8ToUtf16Lossy(file)));
+  const std::string shown = Utf16ToUtf8(extension);
+  if (const OutputWriter* writer = FindWriter(shown)) {
+    outputs_.push_back({file, writer});
+    return true;
+  }
+  if (file == kStandardOutput) {
+    ReportError("-o -", "needs --format");
+  } else if (extension.empty()) {
+    ReportError(file, "has no extension to choose the format by");
+  } else if (FormatOfExtension(extension)) {
+    ReportError(file, "the format \"" + shown + "\" is known but not written");
+  } else {
+    ReportError(file, "the format \"" + shown + "\" is unknown (" + WriterNames() + ")");
+  }
+  return false;
+}
+
+bool OutputFiles::ReadSize() {
+  const size_t cross = size_.find('x');
+  if (cross == size_.npos) {
+    ReportError("--size", "\"" + size_ + "\" is not a size WxH");
+    return false;
+  }
+  const auto width = WholeNumber("--size", size_.substr(0, cross), 1, kMaxBmpSide);
+  const auto height =
+      width ? WholeNumber("--size", size_.substr(cross + 1), 1, kMaxBmpSide) : std::nullopt;
+  if (!height) return false;
+  options_.bmp.width = *width;
+  options_.bmp.height = *height;
+  return true;
+}
+
+bool OutputFiles::Write(const Output& output, const PartsA& model, const std::string& summary,
+                        bool quiet) const {
+  using Clock = std::chrono::steady_clock;
+  const auto start = Clock::now();
+  const std::filesystem::path path = TextPath(Utf8ToUtf16Lossy(output.name));
+  const Status status = output.writer->write(model, path, options_);
+  if (!status.ok()) {
+    ReportError(status);
+    return false;
+  }
+  if (quiet) return true;
+  const auto spent =
+      std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
+  std::string line = output.name + ": " + summary;
+  std::error_code no_size;
+  const auto size = std::filesystem::file_size(path, no_size);
+  if (!no_size) line += ", " + std::to_string(size) + " bytes";
+  return Print(line + ", " + std::to_string(spent) + " ms\n");
+}
+
+bool OutputFiles::WriteAll(const PartsA& model, const std::string& summary, bool quiet) const {
+  bool all_written = true;
+  for (const Output& output : outputs_) {
+    if (output.name == kStandardOutput) quiet = true;  // the lines would stand in the output
+  }
+  for (const Output& output : outputs_) {
+    all_written &= output.name == kStandardOutput
+                       ? WriteToStandardOutput(*output.writer, model, options_)
+                       : Write(output, model, summary, quiet);
+  }
+  return FinishPrinting() && all_written;
+}
+
+}  // namespace kerno
