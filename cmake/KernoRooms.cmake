@@ -18,7 +18,7 @@ add_library(kerno_options INTERFACE)
 target_compile_options(kerno_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
                                                -Wnon-virtual-dtor -Werror)
 # GCC 12 sees overlapping copies where an optimised "literal" + string has none (its bug 105651).
-target_compile_options(kerno_options INTERFACE -Wno-restrict)
+target_compile_options(kerno_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 # The same sums must come out on every platform and processor: no fused multiply-add.
 target_compile_options(kerno_options INTERFACE -ffp-contract=off)
 if(KERNO_SANITIZE)

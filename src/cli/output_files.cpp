@@ -31,11 +31,17 @@ Status Bitmap(const PartsA& model, const std::filesystem::path& file,
   return ExportBmp(model, file, options.bmp);
 }
 
+Status Metafile(const PartsA& model, const std::filesystem::path& file,
+                const OutputOptions& options) {
+  return ExportEmf(model, file, options.emf);
+}
+
 constexpr OutputWriter kWriters[] = {
     {"dxf", Dispatch<ExportFormat::kDxf>},
     {"svg", Dispatch<ExportFormat::kSvg>},
     {"ipx", Dispatch<ExportFormat::kIpx>},
     {"x3d", Dispatch<ExportFormat::kX3d>},
+    {"emf", Metafile},
     {"bmp", Bitmap},
 };
 

@@ -7,6 +7,7 @@
 
 #include "cli/command.h"
 #include "export/bmp_writer.h"
+#include "export/emf_writer.h"
 #include "export/export.h"
 #include "parts/parts.h"
 
@@ -16,6 +17,7 @@ namespace kerno {
 struct OutputOptions {
   ExportOptions dispatch;
   BmpOptions bmp;
+  EmfOptions emf;
 };
 
 // One format that a file can be written in.
