@@ -7,7 +7,7 @@ packages="g++ cmake ninja-build ccache pkg-config
  fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf
  libcurl4-openssl-dev libcurl4 ca-certificates openssl curl
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
- python3 python3-ezdxf imagemagick file emf2svg librsvg2-bin"
+ python3 python3-ezdxf imagemagick file emf2svg librsvg2-bin icoutils"
 
 missing=""
 for package in $packages; do

@@ -73,7 +73,7 @@ IniStore::~IniStore() {
 std::u16string IniStore::StampName() const {
   std::u16string name = std::u16string(kStampText) + StampTag() + profile_path();
   for (char16_t& unit : name) {
-    if (unit == u'=' || unit < u' ') unit = u'_';
+    if (unit < u' ') unit = u'_';
   }
   return name;
 }

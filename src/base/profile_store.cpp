@@ -189,8 +189,8 @@ Status ProfileStore::CheckNames(std::u16string_view section, std::u16string_view
   }
   if (in_registry_) return Status::Ok();
   const char16_t first = key[key.find_first_not_of(u" \t\v\f")];
-  if (key.find(u'=') != key.npos || first == u'[' || first == u';') {
-    return Refusal(section, key, u"a key holds no \"=\" and begins with neither \"[\" nor \";\"");
+  if (first == u'[' || first == u';') {
+    return Refusal(section, key, u"a key begins with neither \"[\" nor \";\"");
   }
   return Status::Ok();
 }

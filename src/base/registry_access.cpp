@@ -19,7 +19,7 @@ constexpr size_t kPrefixWidth = 12;  // the longest of them
 template <typename Change>
 RegistryOutcome Await(const Change& change) {
   RegistryOutcome outcome = RegistryOutcome::kFailed;
-  const Status status = WaitForFile("registry", FileWait::kWrite, [&] {
+  const Status status = WaitForFile(RegistryFile(), FileWait::kWrite, [&] {
     Status why;
     outcome = change(&why);
     return why;

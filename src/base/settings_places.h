@@ -53,6 +53,9 @@ class SettingsProcess {
   // "Message"/"DrawTiming"; nothing until it is read.
   std::optional<int32_t> draw_timing;
 
+  // "Debug\Parts"/"CopyLog"; nothing until it is read.
+  std::optional<bool> copy_log;
+
   bool dump_begun = false;  // a dump user has read its switch
 
   int unnamed_stores = 0;            // constructed so far

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "base/copy_log.h"
 #include "base/settings.h"
 
 namespace kerno {
@@ -103,6 +104,17 @@ Parts::Parts(const Parts& other)
       trailing(other.trailing),
       more_vertices(other.more_vertices),
       child(other.child ? std::make_unique<Parts>(*other.child) : nullptr) {}
+
+PartsA::PartsA(const PartsA& other) : id(other.id), parts(other.parts) {
+  LogModelCopy(u"PartsA(const PartsA&)", parts.size());
+}
+
+PartsA& PartsA::operator=(const PartsA& other) {
+  LogModelCopy(u"PartsA::operator=", other.parts.size());
+  id = other.id;
+  parts = other.parts;
+  return *this;
+}
 
 Parts& Parts::operator=(const Parts& other) {
   if (this != &other) *this = Parts(other);

@@ -105,10 +105,17 @@ struct PartsElement : Parts {
   ExtraAttributes extra;
 };
 
-// An ordered array of parts.
+// An ordered array of parts. Copies are noted in the log when "Debug\Parts"/"CopyLog" asks for it.
 struct PartsA {
   int32_t id = 0;
   std::vector<PartsElement> parts;
+
+  PartsA() = default;
+  PartsA(const PartsA& other);
+  PartsA& operator=(const PartsA& other);
+  PartsA(PartsA&&) noexcept = default;
+  PartsA& operator=(PartsA&&) noexcept = default;
+  ~PartsA() = default;
 
   // The box over the vertices of all parts; zero when there are none.
   Extent3 Extent() const;

@@ -2,7 +2,8 @@
 //
 // Names of sections and keys are compared without case and without blanks around them. Of sections
 // of one name only the first counts, and in it the first line of a key. A line that begins with ";"
-// is a comment. Blanks around a value do not belong to it, nor does one pair of equal quotes.
+// is a comment. A key may hold "=": the line "a=b=c" gives "b=c" for the key "a" and "c" for "a=b".
+// Blanks around a value do not belong to it, nor does one pair of equal quotes.
 #pragma once
 
 #include <cstdint>

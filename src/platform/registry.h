@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -35,6 +36,10 @@ enum class RegistryOutcome {
   kNoValue,  // the key has no such value
   kFailed,   // the change could not be made; the reason is in *why
 };
+
+// The file that the registry is kept in; empty where the system keeps it, or where there is no
+// place.
+std::filesystem::path RegistryFile();
 
 // Each call opens the registry and closes it again; what changes it never waits: *why is a
 // kSharingViolation when another process holds it.

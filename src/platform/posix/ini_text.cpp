@@ -1,5 +1,7 @@
 #include "platform/posix/ini_text.h"
 
+#include <algorithm>
+
 #include "platform/fold_case.h"
 
 namespace kerno::posix {
@@ -54,6 +56,13 @@ std::optional<std::u16string_view> SectionName(std::u16string_view content) {
   return Trim(content.substr(1, end - 1));
 }
 
+// The "=" behind a key that holds `inside` of them itself.
+size_t FindEquals(std::u16string_view content, size_t inside) {
+  size_t equals = content.find(u'=');
+  for (; equals != kNone && inside > 0; --inside) equals = content.find(u'=', equals + 1);
+  return equals;
+}
+
 // Where a key stands, or where it would.
 struct Place {
   bool has_section = false;
@@ -67,6 +76,7 @@ Place FindPlace(std::u16string_view text, std::u16string_view section, std::u16s
   Place place;
   section = Trim(section);
   key = Trim(key);
+  const auto inside = static_cast<size_t>(std::count(key.begin(), key.end(), u'='));
   for (Line line; NextLine(text, &line);) {
     const std::u16string_view content = text.substr(line.begin, line.end - line.begin);
     if (const auto name = SectionName(content)) {
@@ -78,7 +88,7 @@ Place FindPlace(std::u16string_view text, std::u16string_view section, std::u16s
     if (!place.has_section) continue;
     const std::u16string_view trimmed = Trim(content);
     if (!trimmed.empty()) place.end = line.next;
-    const size_t equals = content.find(u'=');
+    const size_t equals = FindEquals(content, inside);
     if (trimmed.empty() || trimmed.front() == u';' || equals == kNone) continue;
     if (!EqualWithoutCase(Trim(content.substr(0, equals)), key)) continue;
     place.has_key = true;

@@ -11,7 +11,6 @@
 #include "platform/system.h"
 
 namespace kerno {
-namespace {
 
 namespace fs = std::filesystem;
 
@@ -19,6 +18,8 @@ fs::path RegistryFile() {
   const fs::path folder = CurrentSystem().ConfigFolder();
   return folder.empty() ? fs::path() : folder / "registry.reg";
 }
+
+namespace {
 
 std::u16string FullKey(RegistryRoot root, std::u16string_view key) {
   std::u16string full =

@@ -1,0 +1,176 @@
+#include "base/version_info.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "base/version_resource.h"
+#include "platform/system.h"
+#include "support/run.h"
+#include "support/temporary_folder.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+using test::ReadBytes;
+using test::WriteBytes;
+
+const fs::path kSamples = KERNO_TEST_DATA "/version";
+
+std::string Utf16Bytes(std::u16string_view text) {
+  std::string bytes;
+  for (const char16_t unit : text) {
+    bytes.push_back(static_cast<char>(unit & 0xFF));
+    bytes.push_back(static_cast<char>(unit >> 8));
+  }
+  return bytes;
+}
+
+TEST(VersionReader, ReadsImagesOfBothSizes) {
+  for (const char* name : {"sample32.dll", "sample64.dll"}) {
+    VersionReader reader;
+    EXPECT_EQ(reader.Get(u"Comments"), u"");
+    ASSERT_TRUE(reader.Open(kSamples / name)) << name;
+    EXPECT_EQ(reader.prefix(), u"\\StringFileInfo\\041104B0\\");
+    const std::pair<std::u16string_view, std::u16string_view> kStrings[] = {
+        {u"Comments", u"a comment"},
+        {u"CompanyName", u"Nobody & Sons"},
+        {u"FileDescription", u"図形"},
+        {u"FileVersion", u"1.2.3.4"},
+        {u"LegalCopyright", u"© nobody"},
+        {u"OriginalFilename", u"sample.dll"},
+        {u"ProductName", u""},
+        {u"PrivateBuild", u""},
+        {u"productversion", u"5.6.7.8"}};
+    for (const auto& [key, text] : kStrings) EXPECT_EQ(reader.Get(key), text);
+
+    // Another reader takes the same block out of the file.
+    const test::TemporaryFolder folder;
+    test::OutputOf("wrestool -x --raw -t 16 -o '" + (folder / "block").native() + "' '" +
+                   (kSamples / name).native() + "'");
+    bool present = false;
+    const std::string image = ReadBytes(kSamples / name);
+    EXPECT_EQ(FindVersionBlock(image, &present), ReadBytes(folder / "block"));
+    EXPECT_TRUE(present);
+  }
+}
+
+std::string Replaced(std::string bytes, const std::string& from, const std::string& to) {
+  const size_t at = bytes.find(from);
+  EXPECT_NE(at, std::string::npos);
+  return bytes.replace(at, from.size(), to);
+}
+
+TEST(VersionReader, SaysWhatIsMissing) {
+  const test::TemporaryFolder folder;
+  const std::string image = ReadBytes(kSamples / "sample64.dll");
+  const std::string translation = Utf16Bytes(u"Translation");
+  std::string no_length = image;
+  no_length[no_length.find(translation) - 4] = 0;  // the node's value length
+  bool present = false;
+  const auto block = FindVersionBlock(image, &present);
+  ASSERT_TRUE(block);
+  const std::string cut = image.substr(0, static_cast<size_t>(block->data() - image.data()) + 8);
+  const struct {
+    const char* what;
+    std::string bytes;
+    std::u16string_view first;
+    std::u16string_view second;
+  } kCases[] = {
+      {"no program", "text", u"", u"::GetFileVersionInfoSize ... 0"},
+      {"empty", "", u"", u"::GetFileVersionInfoSize ... 0"},
+      {"cut within the block", cut, u"GetFileVersionInfo ..... 0",
+       u"::GetFileVersionInfo ... false"},
+      {"no translation", Replaced(image, translation, Utf16Bytes(u"Xranslation")),
+       u"VerQueryValue(...\"\\VarFileInfo\\Translation\"...) ..... 0",
+       u"::VerQueryValue ... false"},
+      {"empty translation", no_length,
+       u"VerQueryValue(...\"\\VarFileInfo\\Translation\"...)  Length Buffer ..... 0",
+       u"::VerQueryValue   len = 0"},
+  };
+  for (const auto& c : kCases) {
+    WriteBytes(folder / "f", c.bytes);
+    for (const VersionTexts texts : {VersionTexts::kFirst, VersionTexts::kSecond}) {
+      VersionReader reader(texts);
+      EXPECT_FALSE(reader.Open(folder / "f")) << c.what;
+      EXPECT_EQ(reader.last_error(), texts == VersionTexts::kFirst ? c.first : c.second) << c.what;
+      for (const auto key : kVersionKeys) EXPECT_EQ(reader.Get(key), u"");
+    }
+  }
+  VersionReader first;
+  EXPECT_FALSE(first.Open(""));
+  EXPECT_EQ(first.last_error(), u"FileNameIsEmpty");
+  EXPECT_FALSE(first.Open(folder / "missing"));
+  EXPECT_EQ(first.last_error(), u"FileIsNothing");
+  EXPECT_FALSE(first.Open(folder.path()));
+  EXPECT_TRUE(first.Open(kSamples / "sample32.dll"));
+  EXPECT_EQ(first.last_error(), u"");
+}
+
+TEST(VersionReader, DamagedImagesAreNoDanger) {
+  const std::string image = ReadBytes(kSamples / "sample64.dll");
+  const auto read_all = [](const std::string& bytes) {
+    bool present = false;
+    const auto block = FindVersionBlock(bytes, &present);
+    if (!block) return;
+    const auto value = QueryVersionBlock(*block, u"\\VarFileInfo\\Translation");
+    if (value) VersionText(*value);
+    QueryVersionBlock(*block, u"\\StringFileInfo\\041104B0\\SpecialBuild");
+  };
+  for (size_t size = 0; size < image.size(); ++size) read_all(image.substr(0, size));
+  std::mt19937 random(3);
+  for (int i = 0; i < 20000; ++i) {
+    std::string damaged = image;
+    for (int j = 0; j < 4; ++j) {
+      // Half of the damage is done to the headers.
+      const size_t most = random() % 2 ? damaged.size() : 0x200;
+      damaged[random() % most] = static_cast<char>(random() % 4 ? random() : 0xFF);
+    }
+    read_all(damaged);
+  }
+}
+
+TEST(VersionReader, TheRunningProgramHasStrings) {
+  VersionReader reader;
+  ASSERT_TRUE(reader.Open(CurrentSystem().ProgramPath())) << "last error";
+  EXPECT_FALSE(reader.Get(u"FileVersion").empty());
+  EXPECT_EQ(reader.Get(u"SpecialBuild"), u"");
+  const AboutTexts about = ReadAboutTexts();
+  EXPECT_EQ(about.copyright, reader.Get(u"LegalCopyright"));
+  EXPECT_EQ(about.version, u"Kerno   Version " + reader.Get(u"FileVersion"));
+}
+
+TEST(SystemVersion, NamesWhatItKnows) {
+  const struct {
+    SystemFacts facts;
+    std::u16string_view text;
+  } kCases[] = {
+      {{u"", 6, 1, 7601, u"Service Pack 1"}, u"6.1.1  Win 7 SP1  Build 7601"},
+      {{u"", 6, 2, 9200, u"Service Pack 1, v.721"}, u"6.2.1  Win 8  Build 9200"},
+      {{u"", 6, 1, 7600, u"no digits"}, u"6.1.0  Win 7  Build 7600"},
+      {{u"", 6, 3, 9600, u""}, u"6.3.0  Win 8.1  Build 9600"},
+      {{u"", 6, 3, 9600, u"7"}, u"6.3.2  Win 8.1  Build 9600"},
+      {{u"", 6, 4, 1, u""}, u"6.4.0  Win 8.1 >  Build 1"},
+      {{u"", 10, 0, 19045, u""}, u"7.0.0  Win ?  Build 19045"},
+      {{u"", 6, 0, 6002, u"SP2"}, u"6.0.2  Vista SP2  Build 6002"},
+      {{u"", 6, 0, 6003, u"SP3"}, u"6.0.3  Vista  Build 6003"},
+      {{u"", 5, 1, 2600, u"Service Pack 9"}, u"5.1.4  Win XP  Build 2600"},
+      {{u"", 5, 2, 3790, u"Service Pack 2"}, u"5.2.0  Win XP >  Build 3790"},
+      {{u"", 5, 0, 2195, u"Service Pack 4"}, u"5.0.0  Win 2K  Build 2195"},
+      {{u"", 4, 0, 1381, u""}, u"0.0.0  Build 1381"},
+      {{u"Some Linux", 6, 1, 1, u""}, u"Some Linux"},
+  };
+  for (const auto& c : kCases) EXPECT_EQ(DescribeSystem(c.facts), c.text);
+  const SystemFacts many{u"", 5, 1, 0, u"x65538y"};  // cut to 16 bits: 2
+  EXPECT_EQ(PackedSystemVersion(many), 0x050102u);
+}
+
+TEST(SystemVersion, TheRunningSystemStatesDistributionAndKernel) {
+  const std::string wanted = test::OutputOf(
+      ". /etc/os-release; printf '%s  %s %s' \"$PRETTY_NAME\" \"$(uname -s)\" \"$(uname -r)\"");
+  EXPECT_EQ(SystemDescription(), std::u16string(wanted.begin(), wanted.end()));
+}
+
+}  // namespace
+}  // namespace kerno
