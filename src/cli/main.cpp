@@ -13,6 +13,7 @@
 #include "cli/convert_command.h"
 #include "cli/faces_command.h"
 #include "cli/measure_command.h"
+#include "cli/settings_command.h"
 
 namespace kerno {
 namespace {
@@ -23,6 +24,7 @@ std::vector<std::unique_ptr<Command>> AllCommands() {
   commands.push_back(std::make_unique<ContoursCommand>());
   commands.push_back(std::make_unique<MeasureCommand>());
   commands.push_back(std::make_unique<FacesCommand>());
+  commands.push_back(std::make_unique<SettingsCommand>());
   return commands;
 }
 

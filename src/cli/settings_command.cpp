@@ -1,0 +1,192 @@
+#include "cli/settings_command.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <optional>
+
+#include "base/profile_store.h"
+#include "base/settings_places.h"
+#include "base/settings_table.h"
+#include "base/text.h"
+#include "cli/console.h"
+
+namespace kerno {
+namespace {
+
+const char* ReasonText(IniBaseReason reason) {
+  switch (reason) {
+    case IniBaseReason::kOverride:
+      return "the registry value IniFullBase names this folder";
+    case IniBaseReason::kBesideProgram:
+      return "the folder Quenkit_Setting stands beside the program";
+    case IniBaseReason::kTempBesideProgram:
+      return "the program's folder can be written";
+    case IniBaseReason::kConfigFolder:
+      return "the program's folder is not for settings; this is the user's configuration folder";
+    case IniBaseReason::kTemporaryFolder:
+      break;
+  }
+  return "neither the program's nor a configuration folder can be written";
+}
+
+std::optional<std::u16string> ReadUtf8(const char* what, const std::string& bytes) {
+  size_t offset = 0;
+  auto text = Utf8ToUtf16(bytes, &offset);
+  if (!text) ReportError(what, "not UTF-8 at byte " + std::to_string(offset));
+  return text;
+}
+
+// Whether all of a text is an integer as the settings take it.
+bool IsInteger(std::u16string_view text) {
+  if (!text.empty() && (text.front() == u'-' || text.front() == u'+')) text.remove_prefix(1);
+  std::u16string_view digits = u"0123456789";
+  if (text.starts_with(u"0x")) {
+    digits = u"0123456789abcdefABCDEF";
+    text.remove_prefix(2);
+  }
+  return !text.empty() && text.find_first_not_of(digits) == text.npos;
+}
+
+bool IsRectangle(std::u16string_view text) {
+  int numbers = 0;
+  while (!text.empty()) {
+    const size_t end = text.find(u' ');
+    const std::u16string_view number = text.substr(0, end);
+    if (!number.empty()) numbers += IsInteger(number) && !number.starts_with(u"0x") ? 1 : 5;
+    text.remove_prefix(end == text.npos ? text.size() : end + 1);
+  }
+  return numbers == 4;
+}
+
+// What a known setting's value has to be and is not; null when it fits.
+const char* Misfit(const Setting* setting, std::u16string_view value) {
+  if (!setting || value.empty()) return nullptr;
+  if (setting->type == SettingType::kInteger && !IsInteger(value)) return "an integer is wanted";
+  if (setting->type == SettingType::kRectangle && !IsRectangle(value)) {
+    return "four integers are wanted: left, top, right, bottom";
+  }
+  return nullptr;
+}
+
+// A known setting's value as the program takes it.
+std::u16string CurrentValue(IniStore& store, const Setting& setting) {
+  if (setting.type == SettingType::kInteger) {
+    const auto default_value = static_cast<int32_t>(Int64OfText(setting.default_value));
+    return Int64Text(store.GetInt(setting.section, setting.key, default_value));
+  }
+  return store.GetStr(setting.section, setting.key, setting.default_value);
+}
+
+ExitStatus PrintAll(const std::string& text) {
+  return Print(text) && FinishPrinting() ? kDone : kFailed;
+}
+
+}  // namespace
+
+void SettingsCommand::AddOptions(CLI::App& app) {
+  app.require_subcommand(1);
+  const auto choose = [this](ExitStatus (SettingsCommand::*run)()) {
+    return [this, run] { chosen_ = run; };
+  };
+  app.add_subcommand("path", "print where the settings are, and why there")
+      ->callback(choose(&SettingsCommand::PrintPath));
+  app.add_subcommand("list",
+                     "print all known settings: section, key, type, default, current value, "
+                     "meaning, with tabs between")
+      ->callback(choose(&SettingsCommand::List));
+  CLI::App* const get = app.add_subcommand("get", "print a setting");
+  CLI::App* const set = app.add_subcommand("set", "change a setting");
+  CLI::App* const unset = app.add_subcommand("unset", "let a setting be its default again");
+  for (CLI::App* const action : {get, set, unset}) {
+    action->add_option("SECTION", section_, "the setting's section")->required();
+    action->add_option("KEY", key_, "the setting's key")->required();
+  }
+  set->add_option("VALUE", value_, "its new value (behind -- when it begins with -)")->required();
+  get->callback(choose(&SettingsCommand::Get));
+  set->callback(choose(&SettingsCommand::Set));
+  unset->callback(choose(&SettingsCommand::Unset));
+}
+
+ExitStatus SettingsCommand::Run() {
+  return (this->*chosen_)();
+}
+
+bool SettingsCommand::ReadNames(std::u16string* section, std::u16string* key) const {
+  const auto read_section = ReadUtf8("SECTION", section_);
+  const auto read_key = read_section ? ReadUtf8("KEY", key_) : std::nullopt;
+  if (!read_key) return false;
+  *section = *read_section;
+  *key = *read_key;
+  return true;
+}
+
+ExitStatus SettingsCommand::PrintPath() {
+  const IniStore store(kStoreName);
+  std::error_code error;
+  const bool exists = std::filesystem::exists(TextPath(store.profile_path()), error);
+  std::string text = Utf16ToUtf8(store.profile_path()) + "\n";
+  text += store.displaced()
+              ? "the folder of the settings cannot be written; this is the temporary one"
+              : ReasonText(SettingsProcess::Current().Base().reason);
+  return PrintAll(text +
+                  (exists ? "\n" : "\nthere is no file yet: every setting has its default\n"));
+}
+
+ExitStatus SettingsCommand::List() {
+  IniStore store(kStoreName);
+  std::string text = "section\tkey\ttype\tdefault\tvalue\tmeaning\n";
+  for (const Setting& setting : KnownSettings()) {
+    for (const std::u16string_view part : {setting.section, setting.key}) {
+      text += Utf16ToUtf8(part) + "\t";
+    }
+    text.append(SettingTypeName(setting.type)).append("\t");
+    text += Utf16ToUtf8(setting.default_value) + "\t";
+    text += Utf16ToUtf8(CurrentValue(store, setting)) + "\t";
+    text.append(setting.meaning).append("\n");
+  }
+  return PrintAll(text);
+}
+
+ExitStatus SettingsCommand::Get() {
+  std::u16string section, key;
+  if (!ReadNames(&section, &key)) return kWrongUsage;
+  IniStore store(kStoreName);
+  if (const Setting* const known = FindSetting(section, key)) {
+    return PrintAll(Utf16ToUtf8(CurrentValue(store, *known)) + "\n");
+  }
+  // Two defaults tell an absent entry from every stored one.
+  const std::u16string value = store.GetStr(section, key, u"0");
+  if (value == u"0" && store.GetStr(section, key, u"1") == u"1") {
+    ReportError(section_ + "/" + key_, "it is not set, and Kerno knows no default");
+    return kFailed;
+  }
+  return PrintAll(Utf16ToUtf8(value) + "\n");
+}
+
+ExitStatus SettingsCommand::Set() {
+  std::u16string section, key;
+  if (!ReadNames(&section, &key)) return kWrongUsage;
+  const auto value = ReadUtf8("VALUE", value_);
+  if (!value) return kWrongUsage;
+  if (const char* const misfit = Misfit(FindSetting(section, key), *value)) {
+    ReportError(section_ + "/" + key_, misfit);
+    return kWrongUsage;
+  }
+  IniStore store(kStoreName);
+  const Status written = store.WriteStr(section, key, *value);
+  if (written.ok()) return kDone;
+  ReportError(written);
+  return kFailed;
+}
+
+ExitStatus SettingsCommand::Unset() {
+  std::u16string section, key;
+  if (!ReadNames(&section, &key)) return kWrongUsage;
+  IniStore store(kStoreName);
+  const Status removed = store.Remove(section, key);
+  if (removed.ok()) return kDone;
+  ReportError(removed);
+  return kFailed;
+}
+
+}  // namespace kerno
