@@ -2,7 +2,7 @@
 JOBS ?= 2
 PYTHON := /usr/bin/python3
 
-.PHONY: all setup release run test bench clean
+.PHONY: all setup release run test bench fuzz fuzz-briefly clean
 all: release
 
 setup:
@@ -15,7 +15,7 @@ release: setup
 run: release
 	@sh tools/run_samples.sh build/release/src/cli/kerno out
 
-test: setup
+test: setup fuzz-briefly
 	@cmake -S . -B build/test -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_SANITIZE=ON >/dev/null
 	@cmake --build build/test -j $(JOBS)
 	@cd build/test && ctest -j $(JOBS) --output-on-failure --timeout 600
@@ -23,6 +23,17 @@ test: setup
 bench: release
 	@build/release/bench/kerno_bench
 	@$(PYTHON) bench/process_bench.py build/release/src/cli/kerno
+
+# Feeds each reader random inputs, FUZZ_SECONDS each; "make test" does it for a few seconds.
+FUZZ_SECONDS ?= 60
+fuzz: setup
+	@cmake -S . -B build/fuzz -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+	  -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKERNO_SANITIZE=ON -DKERNO_FUZZ=ON -DKERNO_TESTS=OFF >/dev/null
+	@cmake --build build/fuzz -j $(JOBS) --target fuzzers
+	@cd build/fuzz && FUZZ_SECONDS=$(FUZZ_SECONDS) ctest -R '^fuzz_' --output-on-failure
+
+fuzz-briefly: setup
+	@$(MAKE) --no-print-directory fuzz FUZZ_SECONDS=5
 
 clean:
 	@rm -rf build out

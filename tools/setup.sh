@@ -1,7 +1,7 @@
 #!/bin/sh
 # Installs the Debian packages that building, running and testing need. Does nothing when all are there.
 set -e
-packages="g++ cmake ninja-build ccache pkg-config
+packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  qt6-base-dev xvfb xdotool unrtf
  libfreetype-dev libfontconfig-dev libharfbuzz-dev libcli11-dev libagg-dev
  fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf
