@@ -73,10 +73,14 @@ class PartsDrawer {
     const bool known = pen.style >= 0 && pen.style <= static_cast<int32_t>(PenStyle::kNull);
     data.style = known ? static_cast<PenStyle>(pen.style) : PenStyle::kSolid;
     data.color = static_cast<uint32_t>(pen.color) & 0xFFFFFF;
-    if (std::isfinite(pen.width)) data.width = std::fabs(pen.width) * fit_.scale;
-    if (std::isfinite(pen.unit_length))
-      data.pattern_length = std::fabs(pen.unit_length) * fit_.scale;
+    data.width = PenLength(pen.width);
+    data.pattern_length = PenLength(pen.unit_length);
     return data;
+  }
+  // A length of the pen in pixels; 0, the context's own, for what is no length.
+  double PenLength(double length) const {
+    const double pixels = std::fabs(length) * fit_.scale;
+    return std::isfinite(pixels) ? std::min(pixels, kMaxDevice) : 0;
   }
   void SelectPen(const PenData& data) {
     dc_.SelectPen(pens_.Get(data, [&](const PenData& d) { return dc_.CreatePenIndirect(d); }));

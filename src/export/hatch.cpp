@@ -28,6 +28,7 @@ constexpr double kDashGap = 3;
 constexpr double kStagger = 16;  // cell of the staggered styles
 constexpr double kLongestSide = 4096;
 constexpr double kShortestSide = 64;
+constexpr double kMostSteps = 1e5;  // of a pattern across a box, whatever box and unit are given
 
 // Collects figures over a box.
 class Pattern {
@@ -103,7 +104,9 @@ class Pattern {
     const double start = offset * unit_;
     const double first = std::ceil((low - start) / step);
     const double last = std::floor((high - start) / step);
-    for (double i = first; i <= last; ++i) visit(start + i * step);
+    // Counted apart: far from the origin the next step may be the same number.
+    const double steps = std::min(last - first, kMostSteps);
+    for (double i = 0; i <= steps; ++i) visit(start + (first + i) * step);
   }
   void Add(const P2& from, const P2& to) { figures_.lines.push_back({from, to}); }
 

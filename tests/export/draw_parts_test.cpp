@@ -285,6 +285,31 @@ TEST(Hatch, NamesKindsAndUnit) {
   }
 }
 
+TEST(Hatch, FarBoxesAndWrongUnitsEnd) {
+  const Extent3 boxes[] = {{{1e17, 1e17, 0}, {1e17 + 64, 1e17 + 64, 0}},
+                           {{-1e100, 0, 0}, {1e100, 1, 0}},
+                           {{5, 5, 0}, {5, 5, 0}}};
+  for (const Extent3& box : boxes) {
+    for (const int32_t hatch : {0, 1, 2, 3, 27}) {
+      EXPECT_LE(HatchOver(hatch, box, 1).lines.size(), 200'002u) << hatch;
+    }
+  }
+}
+
+TEST_F(DrawPartsTest, PensOfNoLengthAreHairlines) {
+  part_.AddLine({0, 0, 0}, {1, 1, 0});
+  part_.pen.style = 77;
+  const struct {
+    double width, drawn;
+  } cases[] = {{kNan, 0}, {kInf, 0}, {-3, 6}, {1e300, kMaxDevice}};
+  for (const auto& c : cases) {
+    part_.pen.width = part_.pen.unit_length = c.width;
+    Draw({2, 0, 0});
+    ASSERT_EQ(dc_.calls.size(), 1u);
+    EXPECT_EQ(dc_.calls[0].pen, (PenData{PenStyle::kSolid, c.drawn, 0x0000FF, c.drawn}));
+  }
+}
+
 TEST(Hatch, LinesAreCutByTheAlternateRule) {
   const std::vector<std::vector<P2>> loops = {{{0, 0}, {10, 0}, {10, 10}, {0, 10}},
                                               {{4, 4}, {6, 4}, {6, 6}, {4, 6}}};
