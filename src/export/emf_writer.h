@@ -21,7 +21,7 @@ struct EmfLayout {
   Fit fit;
   bool one_to_one = true;
 };
-inline constexpr double kMaxEmfSide = 1 << 20;  // pixels
+inline constexpr double kMaxEmfSide = 1 << 22;  // pixels
 EmfLayout LayOutEmf(const Extent3& box);
 
 // Draws the model and writes it. Fails only where the file does.
