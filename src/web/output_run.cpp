@@ -1,0 +1,134 @@
+#include "web/output_run.h"
+
+#include <algorithm>
+#include <fstream>
+#include <optional>
+#include <set>
+#include <string>
+#include <system_error>
+
+#include "base/text.h"
+#include "platform/file_replacement.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr size_t kMostOfPage = 64 * 1024;  // the part of a page that tells its source
+
+// Calls `take` with each entry. False with the reason when the folder cannot be read.
+template <class Take>
+Status ForEachFile(const fs::path& folder, const Take& take) {
+  std::error_code error;
+  fs::directory_iterator entries(folder.empty() ? fs::path(".") : folder, error);
+  for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
+    std::error_code gone;
+    if (entries->is_regular_file(gone)) take(*entries);
+  }
+  if (!error) return Status::Ok();
+  const auto kind = error == std::errc::permission_denied           ? Failure::kAccessDenied
+                    : error == std::errc::no_such_file_or_directory ? Failure::kNotFound
+                                                                    : Failure::kOther;
+  return Status::Error(kind, PathText(folder), Utf8ToUtf16Lossy(error.message()));
+}
+
+std::optional<PageSource> SourceOfPage(const fs::path& page) {
+  std::ifstream in(page, std::ios::binary);
+  std::string head(kMostOfPage, '\0');
+  in.read(head.data(), static_cast<std::streamsize>(head.size()));
+  head.resize(static_cast<size_t>(in.gcount()));
+  PageSource source;
+  if (!ReadPageSource(head, &source)) return std::nullopt;
+  return source;
+}
+
+bool IsDigit(char16_t c) {
+  return c >= u'0' && c <= u'9';
+}
+
+// The base name of a file: everything before its last point.
+fs::path BaseName(const fs::path& name) {
+  return name.stem();
+}
+
+}  // namespace
+
+fs::path PageOfRun(const fs::path& base) {
+  fs::path page = base;
+  page += ".html";
+  return page;
+}
+
+std::vector<PageFile> FilesOfRun(const fs::path& base) {
+  std::vector<PageFile> files;
+  const fs::path base_name = base.filename();
+  // A folder that cannot be read shows as one without files; writing the page there fails anyway.
+  const Status ignored = ForEachFile(base.parent_path(), [&](const fs::directory_entry& entry) {
+    const fs::path name = entry.path().filename();
+    if (BaseName(name) != base_name || !KindOfFile(name)) return;
+    std::error_code gone;
+    const uintmax_t size = entry.file_size(gone);
+    if (!gone) files.push_back({name, size});
+  });
+  (void)ignored;
+  std::sort(files.begin(), files.end(), [](const PageFile& a, const PageFile& b) {
+    const FileKind *first = KindOfFile(a.name), *second = KindOfFile(b.name);
+    return first != second ? first < second : a.name < b.name;  // kinds stand in a page's order
+  });
+  return files;
+}
+
+PageSource SourceOfName(std::u16string_view base_name) {
+  // The face may hold "_" itself: the height is the first whole number between two of them.
+  for (size_t at = base_name.find(u'_'); at != std::u16string_view::npos;
+       at = base_name.find(u'_', at + 1)) {
+    size_t end = at + 1;
+    if (end < base_name.size() && base_name[end] == u'-') ++end;
+    const size_t digits = end;
+    while (end < base_name.size() && IsDigit(base_name[end])) ++end;
+    if (at == 0 || end == digits || end == base_name.size() || base_name[end] != u'_') continue;
+    return {std::u16string(base_name.substr(end + 1)), std::u16string(base_name.substr(0, at)),
+            std::u16string(base_name.substr(at + 1, end - at - 1))};
+  }
+  return {std::u16string(base_name), u"", u""};
+}
+
+Status WriteOutputPage(const fs::path& base, const PageSource& source) {
+  const fs::path page = PageOfRun(base);
+  std::error_code error;
+  if (fs::exists(page, error) && !SourceOfPage(page)) {
+    return Status::Error(Failure::kOther, PathText(page),
+                         u"not replaced: it is no page that this program wrote");
+  }
+  return ReplaceFile(page, BuildOutputPage({source, FilesOfRun(base)}));
+}
+
+Status RefreshOutputPage(const fs::path& base) {
+  const auto source = SourceOfPage(PageOfRun(base));
+  return source ? WriteOutputPage(base, *source) : Status::Ok();
+}
+
+Status WriteFolderPages(const fs::path& folder, std::vector<fs::path>* written) {
+  std::set<fs::path> bases;
+  Status first = ForEachFile(folder, [&](const fs::directory_entry& entry) {
+    const fs::path name = entry.path().filename();
+    const FileKind* const kind = KindOfFile(name);
+    const bool output = kind && std::string_view(kind->extension) != "rtf";
+    const bool page = name.extension() == ".html" && SourceOfPage(entry.path());
+    if (output || page) bases.insert(BaseName(name));
+  });
+  if (first.ok() && bases.empty()) {
+    first = Status::Error(Failure::kNotFound, PathText(folder), u"there are no outputs in it");
+  }
+  for (const fs::path& name : bases) {
+    const fs::path base = folder / name;
+    const auto kept = SourceOfPage(PageOfRun(base));
+    const Status status = WriteOutputPage(base, kept ? *kept : SourceOfName(PathText(name)));
+    if (status.ok()) written->push_back(PageOfRun(base));
+    if (!status.ok() && first.ok()) first = status;
+  }
+  return first;
+}
+
+}  // namespace kerno

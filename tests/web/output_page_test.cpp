@@ -1,0 +1,171 @@
+#include "web/output_page.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/text.h"
+#include "support/temporary_folder.h"
+#include "web/html_text.h"
+#include "web/output_run.h"
+
+namespace kerno {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+
+TEST(OutputPage, TellsItsSourceBack) {
+  const PageSource sources[] = {
+      {u"text", u"DejaVu Sans", u"100"},
+      {u"", u"", u""},
+      {u"\"><meta name=\"kerno-face\" content=\"x", u"&quot;&amp;#39;", u"'<>'"},
+      {u"永遠\n二行目\t\xD83D\xDE00", u"@ＭＳ 明朝", u"-100"},
+  };
+  for (const PageSource& source : sources) {
+    PageSource read;
+    ASSERT_TRUE(ReadPageSource(BuildOutputPage({source, {}}), &read));
+    EXPECT_EQ(read, source) << Utf16ToUtf8(source.text);
+  }
+  PageSource kept = {u"kept", u"", u""};
+  EXPECT_FALSE(ReadPageSource("<!DOCTYPE html><title>another page</title>", &kept));
+  EXPECT_EQ(kept.text, u"kept");
+}
+
+TEST(OutputPage, ALongTextIsCutOnceAndForAll) {
+  std::u16string text;
+  for (int i = 0; i < 5000; ++i) text += u"\xD83D\xDE00";
+  PageSource once, twice;
+  ASSERT_TRUE(ReadPageSource(BuildOutputPage({{text, u"f", u"1"}, {}}), &once));
+  EXPECT_EQ(once.text.size(), 2 * 299 + 1);
+  EXPECT_TRUE(once.text.ends_with(u"…"));
+  ASSERT_TRUE(ReadPageSource(BuildOutputPage({once, {}}), &twice));
+  EXPECT_EQ(twice, once);
+}
+
+TEST(OutputPage, LinksLeadToAFileOfThatNameAndNowhereElse) {
+  const struct {
+    const char *name, *link;
+  } rows[] = {
+      {"a.svg", "./a.svg"},
+      {"javascript:alert(1).svg", "./javascript%3Aalert%281%29.svg"},
+      {"a b?c#d%41&e.svg", "./a%20b%3Fc%23d%2541%26e.svg"},
+      {"\\\\host\\x.svg", "./%5C%5Chost%5Cx.svg"},
+      {"永.svg", "./%E6%B0%B8.svg"},
+      {"\xFF\"'.svg", "./%FF%22%27.svg"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(LinkTo(row.name), row.link);
+}
+
+TEST(OutputPage, NothingThatHtmlForbidsStands) {
+  EXPECT_EQ(EscapeHtml(u"a\r\nb\rc\n\td"), "a\nb\nc\n\td");
+  EXPECT_EQ(EscapeHtml(u"\x01\x7F\xFFFE\xD800"),
+            "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(OutputPage, SizesAreReadable) {
+  const struct {
+    uint64_t bytes;
+    const char* shown;
+  } rows[] = {{0, ">0 bytes<"},          {1, ">1 byte<"},
+              {1023, ">1023 bytes<"},    {1024, ">1.0 KiB<"},
+              {1536, ">1.5 KiB<"},       {1048575, ">1.0 MiB<"},
+              {10485760, ">10.0 MiB<"},  {uint64_t{5} << 40, ">5.0 TiB<"},
+              {UINT64_MAX, ">16.0 EiB<"}};
+  for (const auto& row : rows) {
+    EXPECT_THAT(BuildOutputPage({{}, {{"a.dxf", row.bytes}}}), HasSubstr(row.shown));
+  }
+}
+
+TEST(OutputRun, NamesTellFaceHeightAndText) {
+  const struct {
+    const char16_t *name, *face, *height, *text;
+  } rows[] = {
+      {u"DejaVu Sans_100_Hello", u"DejaVu Sans", u"100", u"Hello"},
+      {u"@IPA_Mincho_-24_a_1_b", u"@IPA_Mincho", u"-24", u"a_1_b"},
+      {u"face_100_", u"face", u"100", u""},
+      {u"holiday", u"", u"", u"holiday"},
+      {u"_100_x", u"", u"", u"_100_x"},
+      {u"a_100", u"", u"", u"a_100"},
+      {u"a_1x_b", u"", u"", u"a_1x_b"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(SourceOfName(row.name), (PageSource{row.text, row.face, row.height}))
+        << Utf16ToUtf8(row.name);
+  }
+}
+
+class OutputRunTest : public testing::Test {
+ protected:
+  void Make(std::string_view name, std::string_view bytes = "x") {
+    test::WriteBytes(folder_ / name, bytes);
+  }
+  std::string Page(std::string_view name) { return test::ReadBytes(folder_ / name); }
+
+  test::TemporaryFolder folder_;
+};
+
+TEST_F(OutputRunTest, ARunIsWhatSharesItsBaseName) {
+  for (const char* name : {"a.v1.ipx", "a.v1.SVG", "a.v1.bmp", "a.v1.dxf", "a.v1.html", "a.v1.exe",
+                           "a.v1", "a.v2.svg", "a.svg", "a.v1.x.svg", "b.svg"}) {
+    Make(name);
+  }
+  std::filesystem::create_directory(folder_ / "a.v1.emf");
+  std::vector<std::string> names;
+  for (const PageFile& file : FilesOfRun(folder_ / "a.v1")) names.push_back(file.name.native());
+  EXPECT_THAT(names, ElementsAre("a.v1.SVG", "a.v1.bmp", "a.v1.dxf", "a.v1.ipx"));
+  EXPECT_EQ(PageOfRun(folder_ / "a.v1"), folder_ / "a.v1.html");
+}
+
+TEST_F(OutputRunTest, APageIsWrittenAgainFromWhatItSays) {
+  Make("f_1_t.svg");
+  const PageSource source = {u"the whole text", u"The Face", u"72"};
+  ASSERT_TRUE(WriteOutputPage(folder_ / "f_1_t", source).ok());
+  Make("f_1_t.dxf");
+  EXPECT_THAT(Page("f_1_t.html"), Not(HasSubstr("f_1_t.dxf")));
+  ASSERT_TRUE(RefreshOutputPage(folder_ / "f_1_t").ok());
+  EXPECT_THAT(Page("f_1_t.html"), HasSubstr("f_1_t.dxf"));
+  EXPECT_THAT(Page("f_1_t.html"), HasSubstr("the whole text – The Face, height 72</title>"));
+  EXPECT_TRUE(RefreshOutputPage(folder_ / "other").ok());
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "other.html"));
+}
+
+TEST_F(OutputRunTest, AFolderGetsAPageForEachRun) {
+  for (const char* name : {"f_1_one.svg", "f_1_one.dxf", "f_2_two.ipx", "notes.rtf", "x.txt"}) {
+    Make(name);
+  }
+  const PageSource gone = {u"gone", u"f", u"1"};
+  ASSERT_TRUE(WriteOutputPage(folder_ / "gone", gone).ok());
+  std::vector<std::filesystem::path> written;
+  ASSERT_TRUE(WriteFolderPages(folder_.path(), &written).ok());
+  EXPECT_THAT(written, ElementsAre(folder_ / "f_1_one.html", folder_ / "f_2_two.html",
+                                   folder_ / "gone.html"));
+  EXPECT_THAT(Page("f_1_one.html"), HasSubstr("<title>one – f, height 1</title>"));
+  EXPECT_THAT(Page("gone.html"), HasSubstr("There are no outputs here"));
+}
+
+TEST_F(OutputRunTest, APageOfSomebodyElseStays) {
+  Make("a.svg");
+  Make("a.html", "<title>mine</title>");
+  Make("b.svg");
+  std::vector<std::filesystem::path> written;
+  const Status status = WriteFolderPages(folder_.path(), &written);
+  EXPECT_FALSE(status.ok());
+  EXPECT_THAT(Utf16ToUtf8(status.what), HasSubstr("a.html"));
+  EXPECT_EQ(Page("a.html"), "<title>mine</title>");
+  EXPECT_THAT(written, ElementsAre(folder_ / "b.html"));
+}
+
+TEST_F(OutputRunTest, AFolderWithoutRunsAndNoFolderAreFailures) {
+  std::vector<std::filesystem::path> written;
+  Make("x.txt");
+  Make("x.html", "<title>mine</title>");
+  EXPECT_EQ(WriteFolderPages(folder_.path(), &written).failure, Failure::kNotFound);
+  EXPECT_EQ(WriteFolderPages(folder_ / "nowhere", &written).failure, Failure::kNotFound);
+  EXPECT_FALSE(WriteFolderPages(folder_ / "x.txt", &written).ok());
+  EXPECT_FALSE(WriteOutputPage(folder_ / "nowhere/a", {}).ok());
+  EXPECT_TRUE(written.empty());
+}
+
+}  // namespace
+}  // namespace kerno
