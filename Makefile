@@ -23,6 +23,7 @@ test: setup fuzz-briefly
 bench: release
 	@build/release/bench/kerno_bench
 	@$(PYTHON) bench/process_bench.py build/release/src/cli/kerno
+	@$(PYTHON) bench/upload_bench.py build/release/src/cli/kerno
 
 # Feeds each reader random inputs, FUZZ_SECONDS each; "make test" does it for a few seconds.
 FUZZ_SECONDS ?= 60

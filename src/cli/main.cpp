@@ -13,7 +13,9 @@
 #include "cli/convert_command.h"
 #include "cli/faces_command.h"
 #include "cli/measure_command.h"
+#include "cli/page_command.h"
 #include "cli/settings_command.h"
+#include "cli/upload_command.h"
 
 namespace kerno {
 namespace {
@@ -25,6 +27,8 @@ std::vector<std::unique_ptr<Command>> AllCommands() {
   commands.push_back(std::make_unique<MeasureCommand>());
   commands.push_back(std::make_unique<FacesCommand>());
   commands.push_back(std::make_unique<SettingsCommand>());
+  commands.push_back(std::make_unique<PageCommand>());
+  commands.push_back(std::make_unique<UploadCommand>());
   return commands;
 }
 

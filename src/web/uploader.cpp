@@ -11,7 +11,6 @@
 #include "platform/clock.h"
 #include "platform/file_replacement.h"
 #include "platform/held_file.h"
-#include "platform/system.h"
 #include "web/multipart.h"
 #include "web/shown_text.h"
 
@@ -22,6 +21,12 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kField = "file_img";
 constexpr size_t kMostShown = 200;  // characters of the server that a message repeats
+constexpr size_t kMostOfPath = 4096;
+
+// A path as a part of a message.
+std::u16string ShownPath(const fs::path& path) {
+  return ShownText(Utf16ToUtf8(PathText(path)), kMostOfPath);
+}
 
 UploadResult Ended(UploadEnd end, std::u16string_view about, std::u16string_view why) {
   UploadResult result;
@@ -43,7 +48,7 @@ std::u16string DurationText(std::chrono::milliseconds duration) {
 // Reads the file with room for what is put around it. Not ok: *end tells which kind of trouble.
 Status ReadFile(const fs::path& file, int64_t limit, std::string* bytes, UploadEnd* end) {
   *end = UploadEnd::kFileTrouble;
-  const std::u16string name = PathText(file);
+  const std::u16string name = ShownPath(file);
   const auto too_large = [&](int64_t size) {
     *end = UploadEnd::kTooLarge;
     return Status::Error(Failure::kOther, name,
@@ -167,7 +172,7 @@ bool Uploader::IsConfigured() {
 
 UploadResult Uploader::Upload(const fs::path& file) {
   const UploadSettings settings = ReadUploadSettings(settings_);
-  const std::u16string ini = PathText(settings_file_);
+  const std::u16string ini = ShownPath(settings_file_);
   if (settings.server.empty()) {
     return Ended(UploadEnd::kNotConfigured, ini,
                  u"no upload server is set; give section [UpFile] the key \"server\" with the name "
@@ -184,7 +189,7 @@ UploadResult Uploader::Upload(const fs::path& file) {
   const std::u16string name = PathText(file.filename());
   const auto boundary = ChooseBoundary(CurrentClock().Now(), body);
   if (!boundary) {
-    return Ended(UploadEnd::kFileTrouble, PathText(file),
+    return Ended(UploadEnd::kFileTrouble, ShownPath(file),
                  u"not sent: the file holds every text that could mark its end");
   }
   WrapInMultipart(*boundary, kField, HeaderFileName(name), &body);
@@ -198,19 +203,15 @@ UploadResult Uploader::Upload(const fs::path& file) {
   post.trust = settings.self_certificate.empty() ? CertificateTrust::kKnownAuthority
                                                  : CertificateTrust::kAnyAuthority;
   post.limits = limits;
-  const std::u16string doing = u"Uploading " + name;
+  const std::u16string doing = u"Uploading " + ShownPath(file.filename());
   const HttpReply reply = session_.Post(post, [&](int64_t sent, int64_t total) {
     return CurrentNotices().Progress(doing, sent, total) == Continue::kYes ? Transfer::kGoOn
                                                                            : Transfer::kStop;
   });
-  const std::u16string about = PathText(file) + u" to " + ShownText(post.url, kMostShown);
+  const std::u16string about = ShownPath(file) + u" to " + ShownText(post.url, kMostShown);
   if (reply.end == HttpEnd::kAnswered) return FromAnswer(reply, about);
   return Ended(reply.end == HttpEnd::kStopped ? UploadEnd::kStopped : UploadEnd::kNotSent, about,
                WhyNotSent(reply, limits));
-}
-
-fs::path UploadSettingsFile() {
-  return CurrentSystem().ConfigFolder() / "UpFile.ini";
 }
 
 std::string UploadUserAgent() {

@@ -36,9 +36,6 @@ struct UploadResult {
 // What the request says about the program: "NAME VERSION SYSTEM VERSION".
 std::string UploadUserAgent();
 
-// The uploader's own INI file.
-std::filesystem::path UploadSettingsFile();
-
 // Sends files by the settings that `settings` answers, one request each, never repeated. `file` is
 // the INI file that messages name.
 class Uploader {

@@ -65,7 +65,7 @@ class Browser:
         options = {
             "args": ["--headless=new", "--no-sandbox", "--disable-gpu", "--no-first-run",
                      "--disable-background-networking", "--disable-dev-shm-usage",
-                     "--no-proxy-server", f"--window-size={width},{height}",
+                     "--no-proxy-server", "--hide-scrollbars", f"--window-size={width},{height}",
                      f"--user-data-dir={self.folder}"],
             "perfLoggingPrefs": {"enableNetwork": True},
         }

@@ -1,0 +1,26 @@
+#include "cli/page_command.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <vector>
+
+#include "cli/console.h"
+#include "web/output_run.h"
+
+namespace kerno {
+
+void PageCommand::AddOptions(CLI::App& app) {
+  app.add_option("FOLDER", folder_, "where the outputs are; each run's page is written beside them")
+      ->required();
+}
+
+ExitStatus PageCommand::Run() {
+  std::vector<std::filesystem::path> written;
+  const Status status = WriteFolderPages(folder_, &written);
+  bool printed = true;
+  for (const std::filesystem::path& page : written) printed &= Print(page.native() + "\n");
+  if (!status.ok()) ReportError(status);
+  return FinishPrinting() && printed && status.ok() ? kDone : kFailed;
+}
+
+}  // namespace kerno

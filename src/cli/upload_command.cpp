@@ -1,0 +1,33 @@
+#include "cli/upload_command.h"
+
+#include <CLI/CLI.hpp>
+
+#include "base/text.h"
+#include "cli/console.h"
+#include "web/upload_profile.h"
+
+namespace kerno {
+
+void UploadCommand::AddOptions(CLI::App& app) {
+  app.add_option("FILE", files_, "files to send, one request each")->required();
+  app.footer("The server is set in " + UploadSettingsFile().native() +
+             ", section [UpFile], key \"server\".");
+}
+
+ExitStatus UploadCommand::Run() {
+  ExitStatus status = kDone;
+  for (const std::string& file : files_) {
+    const UploadResult result = UploadFile(file);
+    if (result.ok()) {
+      if (!Print(Utf16ToUtf8(result.message) + "\n")) status = kFailed;
+      continue;
+    }
+    status = kFailed;
+    ReportError(Utf16ToUtf8(result.message), "");
+    // What is wrong with the settings is wrong for every file.
+    if (result.end == UploadEnd::kNotConfigured || result.end == UploadEnd::kBadSettings) break;
+  }
+  return FinishPrinting() ? status : kFailed;
+}
+
+}  // namespace kerno
