@@ -8,17 +8,20 @@
 namespace kerno {
 namespace {
 
-constexpr std::string_view kBoundaryStart = "-----UpFile__";
+constexpr std::string_view kDashes = "-----";
+constexpr std::string_view kName = "UpFile__";
 constexpr int kSecondsOfDay = 86400;
 constexpr int kTimeDigits = 6;
 
 // The boundaries that a file holds, by second of the day.
 std::bitset<kSecondsOfDay> BoundariesIn(std::string_view file) {
   std::bitset<kSecondsOfDay> held;
-  for (size_t at = 0; (at = file.find(kBoundaryStart, at)) != std::string_view::npos;) {
-    at += kBoundaryStart.size();
+  // The name's first letter is rarer in files than the hyphen.
+  for (size_t at = 0; (at = file.find(kName, at)) != std::string_view::npos;) {
+    const bool dashes = file.substr(0, at).ends_with(kDashes);
+    at += kName.size();
     const std::string_view digits = file.substr(at, kTimeDigits);
-    if (digits.size() < kTimeDigits ||
+    if (!dashes || digits.size() < kTimeDigits ||
         !std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; })) {
       continue;
     }
@@ -46,7 +49,8 @@ std::optional<std::string> ChooseBoundary(const LocalTime& now, std::string_view
   for (int i = 0; i < kSecondsOfDay; ++i) {
     const int second = (start + i) % kSecondsOfDay;
     if (held.test(static_cast<size_t>(second))) continue;
-    std::string boundary(kBoundaryStart);
+    std::string boundary(kDashes);
+    boundary += kName;
     AppendTwoDigits(&boundary, second / 3600);
     AppendTwoDigits(&boundary, second / 60 % 60);
     AppendTwoDigits(&boundary, second % 60);
@@ -71,14 +75,17 @@ std::string HeaderFileName(std::u16string_view name) {
   return out;
 }
 
-void WrapInMultipart(std::string_view boundary, std::string_view field,
-                     std::string_view header_name, std::string* file) {
+std::string MultipartHead(std::string_view boundary, std::string_view field,
+                          std::string_view header_name) {
   std::string head = "--";
   head.append(boundary).append("\r\nContent-Disposition: form-data; name=\"").append(field);
   head.append("\"; filename=\"").append(header_name);
   head.append("\"\r\nContent-Type: application/octet-stream\r\n\r\n");
-  file->insert(0, head);
-  file->append("--").append(boundary).append("--\r\n");
+  return head;
+}
+
+std::string MultipartTail(std::string_view boundary) {
+  return "--" + std::string(boundary) + "--\r\n";
 }
 
 }  // namespace kerno

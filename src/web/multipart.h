@@ -21,18 +21,18 @@ namespace kerno {
 
 // "-----UpFile__" and the time as HHMMSS. When the file holds that text, the first later second
 // that it does not hold (past midnight it goes on at 000000), so that a reader never takes a piece
-// of the file for the end. Nothing when the file holds all 86400.
+// of the file for the end. Nothing when the file holds all 86400. All have the same length.
 std::optional<std::string> ChooseBoundary(const LocalTime& now, std::string_view file);
 
 // A file name for between the quotes of a header: UTF-8, with the quote, the backslash and control
 // characters as %XX, so that it cannot end the quotes or the line.
 std::string HeaderFileName(std::u16string_view name);
 
-// Puts the header lines before the file's bytes and the closing line behind them, in place; free
-// capacity of kMultipartRoom bytes plus the name's length spares a copy.
-void WrapInMultipart(std::string_view boundary, std::string_view field,
-                     std::string_view header_name, std::string* file);
+// What stands before the file's bytes; its size does not depend on the boundary.
+std::string MultipartHead(std::string_view boundary, std::string_view field,
+                          std::string_view header_name);
 
-inline constexpr size_t kMultipartRoom = 512;
+// What stands behind them.
+std::string MultipartTail(std::string_view boundary);
 
 }  // namespace kerno

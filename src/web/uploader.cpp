@@ -1,6 +1,6 @@
 #include "web/uploader.h"
 
-#include <optional>
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -22,6 +22,7 @@ namespace fs = std::filesystem;
 constexpr std::string_view kField = "file_img";
 constexpr size_t kMostShown = 200;  // characters of the server that a message repeats
 constexpr size_t kMostOfPath = 4096;
+constexpr size_t kReadAtOnce = 256 * 1024;
 
 // A path as a part of a message.
 std::u16string ShownPath(const fs::path& path) {
@@ -45,38 +46,78 @@ std::u16string DurationText(std::chrono::milliseconds duration) {
   return count % 1000 ? Decimal(count) + u" ms" : Decimal(count / 1000) + u" s";
 }
 
-// Reads the file with room for what is put around it. Not ok: *end tells which kind of trouble.
-Status ReadFile(const fs::path& file, int64_t limit, std::string* bytes, UploadEnd* end) {
-  *end = UploadEnd::kFileTrouble;
+// Why the thing at `file` is not one to send; ok for a regular file.
+Status CheckKind(const fs::path& file) {
+  std::error_code error;
+  const fs::file_type type = fs::status(file, error).type();
   const std::u16string name = ShownPath(file);
-  const auto too_large = [&](int64_t size) {
+  switch (type) {
+    case fs::file_type::regular:
+      return Status::Ok();
+    case fs::file_type::not_found:
+      return Status::Error(Failure::kNotFound, name, u"there is no such file");
+    case fs::file_type::directory:
+      return Status::Error(Failure::kIsFolder, name, u"it is a folder, not a file");
+    case fs::file_type::none:
+      return Status::Error(Failure::kAccessDenied, name, Utf8ToUtf16Lossy(error.message()));
+    default:
+      return Status::Error(Failure::kOther, name, u"it is a device or a pipe, not a file");
+  }
+}
+
+// Appends the file's bytes to *body, with room left for `tail` bytes more. Not ok: *end tells which
+// kind of trouble.
+Status AppendFile(const fs::path& file, int64_t limit, size_t tail, std::string* body,
+                  UploadEnd* end) {
+  *end = UploadEnd::kFileTrouble;
+  if (Status status = CheckKind(file); !status.ok()) return status;
+  const auto too_large = [&] {
     *end = UploadEnd::kTooLarge;
-    return Status::Error(Failure::kOther, name,
-                         u"not sent: it has " + Decimal(size) + u" bytes, and at most " +
-                             Decimal(limit) + u" are sent (\"up_max_file_size\")");
+    return Status::Error(
+        Failure::kOther, ShownPath(file),
+        u"not sent: it is larger than " + Decimal(limit) + u" bytes (\"up_max_file_size\")");
   };
   std::error_code error;
-  if (!fs::is_regular_file(file, error)) {
-    if (fs::is_directory(file, error)) {
-      return Status::Error(Failure::kIsFolder, name, u"it is a folder, not a file");
-    }
-    return fs::exists(file, error)
-               ? Status::Error(Failure::kOther, name, u"it is a device or a pipe, not a file")
-               : Status::Error(Failure::kNotFound, name, u"there is no such file");
-  }
   const auto size = static_cast<int64_t>(fs::file_size(file, error));
-  if (!error && size > limit) return too_large(size);
+  if (!error && size > limit) return too_large();
+  std::unique_ptr<HeldFile> held;
   Status status = WaitForFile(file, FileWait::kRead, [&] {
     Status opened;
-    const auto held = HeldFile::Open(file, Deny::kWrite, &opened);
-    if (!held) return opened;
-    const auto room = static_cast<size_t>(error ? 0 : size) + 1;
-    bytes->reserve(room + kMultipartRoom + 3 * file.native().size());
-    return held->Read(bytes, static_cast<size_t>(limit) + 1);
+    held = HeldFile::Open(file, Deny::kWrite, &opened);
+    return opened;
   });
-  if (!status.ok()) return status;
-  const auto read = static_cast<int64_t>(bytes->size());
-  return read > limit ? too_large(read) : Status::Ok();  // it may have grown meanwhile
+  if (!held) return status;
+  const size_t head = body->size();
+  body->reserve(head + static_cast<size_t>(error ? 0 : size) + kReadAtOnce + tail);
+  const size_t most = head + static_cast<size_t>(limit);
+  for (size_t before = head + 1; before != body->size() && body->size() <= most;) {
+    before = body->size();
+    status = held->ReadPiece(before - head, kReadAtOnce, body);
+    if (!status.ok()) return status;
+  }
+  return body->size() > most ? too_large() : Status::Ok();  // it may have grown meanwhile
+}
+
+// The whole request body of a file; *boundary is the one in it.
+Status BuildBody(const fs::path& file, int64_t limit, std::string* boundary, std::string* body,
+                 UploadEnd* end) {
+  const std::string name = HeaderFileName(PathText(file.filename()));
+  const LocalTime now = CurrentClock().Now();
+  *boundary = *ChooseBoundary(now, "");
+  *body = MultipartHead(*boundary, kField, name);
+  const size_t head = body->size();
+  const size_t tail = MultipartTail(*boundary).size();
+  if (Status status = AppendFile(file, limit, tail, body, end); !status.ok()) return status;
+  const auto chosen = ChooseBoundary(now, std::string_view(*body).substr(head));
+  if (!chosen) {
+    *end = UploadEnd::kFileTrouble;
+    return Status::Error(Failure::kOther, ShownPath(file),
+                         u"not sent: it holds every text that could mark its end");
+  }
+  *boundary = *chosen;
+  body->replace(0, head, MultipartHead(*boundary, kField, name));
+  body->append(MultipartTail(*boundary));
+  return Status::Ok();
 }
 
 void KeepInspectionCopy(const fs::path& file, std::string_view body) {
@@ -182,23 +223,17 @@ UploadResult Uploader::Upload(const fs::path& file) {
   const auto target = FormUploadTarget(settings, &why);
   if (!target) return Ended(UploadEnd::kBadSettings, ini + u": [UpFile]", why);
 
-  std::string body;
+  std::string body, boundary;
   UploadEnd trouble = UploadEnd::kFileTrouble;
-  const Status read = ReadFile(file, UploadLimit(settings.up_max_file_size), &body, &trouble);
-  if (!read.ok()) return Ended(trouble, read.what, read.why);
-  const std::u16string name = PathText(file.filename());
-  const auto boundary = ChooseBoundary(CurrentClock().Now(), body);
-  if (!boundary) {
-    return Ended(UploadEnd::kFileTrouble, ShownPath(file),
-                 u"not sent: the file holds every text that could mark its end");
-  }
-  WrapInMultipart(*boundary, kField, HeaderFileName(name), &body);
+  const Status built =
+      BuildBody(file, UploadLimit(settings.up_max_file_size), &boundary, &body, &trouble);
+  if (!built.ok()) return Ended(trouble, built.what, built.why);
   if (!settings.debug.empty()) KeepInspectionCopy(file, body);
 
   HttpPost post;
   post.url = target->Url();
   post.user_agent = UploadUserAgent();
-  post.headers = {"Content-Type: multipart/form-data; boundary=" + *boundary};
+  post.headers = {"Content-Type: multipart/form-data; boundary=" + boundary};
   post.body = body;
   post.trust = settings.self_certificate.empty() ? CertificateTrust::kKnownAuthority
                                                  : CertificateTrust::kAnyAuthority;

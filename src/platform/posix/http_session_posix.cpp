@@ -13,7 +13,7 @@ using Time = std::chrono::steady_clock;
 
 constexpr int kPollMilliseconds = 50;
 constexpr size_t kMostHeaderBytes = 256 * 1024;
-constexpr long kSendBuffer = 512 * 1024;
+constexpr long kSendBuffer = 128 * 1024;
 
 // What libcurl's callbacks fill.
 struct Receiver {
