@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,6 +76,11 @@ using HttpProgress = std::function<Transfer(int64_t sent, int64_t total)>;
 class HttpSession {
  public:
   virtual ~HttpSession() = default;
+
+  // Begins in the background what the first Post would have to do before it connects, so that the
+  // caller can read a file meanwhile. What it answers is to be kept until after the Post; its
+  // destruction waits for the end.
+  virtual std::shared_ptr<void> Prepare() { return nullptr; }
 
   virtual HttpReply Post(const HttpPost& post, const HttpProgress& progress) = 0;
 };

@@ -11,6 +11,7 @@
 #include "platform/clock.h"
 #include "platform/file_replacement.h"
 #include "platform/held_file.h"
+#include "platform/large_pages.h"
 #include "web/multipart.h"
 #include "web/shown_text.h"
 
@@ -89,6 +90,7 @@ Status AppendFile(const fs::path& file, int64_t limit, size_t tail, std::string*
   if (!held) return status;
   const size_t head = body->size();
   body->reserve(head + static_cast<size_t>(error ? 0 : size) + kReadAtOnce + tail);
+  PreferLargePages(body->data(), body->capacity());
   const size_t most = head + static_cast<size_t>(limit);
   for (size_t before = head + 1; before != body->size() && body->size() <= most;) {
     before = body->size();
@@ -223,6 +225,7 @@ UploadResult Uploader::Upload(const fs::path& file) {
   const auto target = FormUploadTarget(settings, &why);
   if (!target) return Ended(UploadEnd::kBadSettings, ini + u": [UpFile]", why);
 
+  const std::shared_ptr<void> preparation = session_.Prepare();
   std::string body, boundary;
   UploadEnd trouble = UploadEnd::kFileTrouble;
   const Status built =

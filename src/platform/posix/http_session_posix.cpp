@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <climits>
+#include <future>
 #include <memory>
 #include <string>
 
@@ -241,6 +242,13 @@ class Request {
 
 class CurlSession final : public HttpSession {
  public:
+  std::shared_ptr<void> Prepare() override {
+    return std::make_shared<std::future<void>>(std::async(std::launch::async, [] {
+      std::string ignored;
+      LoadCurl(&ignored);
+    }));
+  }
+
   HttpReply Post(const HttpPost& post, const HttpProgress& progress) override {
     HttpReply reply;
     const CurlLibrary* const curl = LoadCurl(&reply.why);
