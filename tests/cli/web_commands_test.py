@@ -1,0 +1,121 @@
+#!/usr/bin/env python3
+"""Runs kerno upload and kerno page as a user does.
+
+usage: web_commands_test.py KERNO RECEIVER
+"""
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+KERNO = RECEIVER = ""
+
+
+class WebCommandsTest(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory()
+        self.addCleanup(holder.cleanup)
+        self.folder = pathlib.Path(holder.name)
+        self.ini = self.folder / "config" / "kerno" / "UpFile.ini"
+        self.env = {**os.environ, "XDG_CONFIG_HOME": str(self.folder / "config"),
+                    "XDG_CACHE_HOME": str(self.folder / "cache"), "TMPDIR": str(self.folder),
+                    "no_proxy": "*"}
+
+    def run_kerno(self, *arguments, **env):
+        done = subprocess.run([KERNO, *map(str, arguments)], capture_output=True, timeout=60,
+                              env={**self.env, **env}, check=False)
+        return done.returncode, done.stdout.decode(), done.stderr.decode()
+
+    def start_receiver(self):
+        receiver = subprocess.Popen(
+            [sys.executable, RECEIVER, "--folder", str(self.folder / "received"), "--port", "0"],
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+
+        def stop():
+            receiver.terminate()
+            receiver.wait()
+            receiver.stdout.close()
+        self.addCleanup(stop)
+        return receiver.stdout.readline().split("/")[2]
+
+    def configure(self, text, encoding="ascii"):
+        self.ini.parent.mkdir(parents=True, exist_ok=True)
+        self.ini.write_bytes(text.encode(encoding))
+
+    def test_no_server_is_invented(self):
+        drawing = self.folder / "a.svg"
+        drawing.write_text("<svg/>")
+        for text in (None, "", "[UpFile]\r\nserver=\r\n", "[Other]\nserver=127.0.0.1\n"):
+            if text is not None:
+                self.configure(text)
+            status, out, err = self.run_kerno("upload", drawing, drawing)
+            self.assertEqual((status, out), (1, ""))
+            self.assertIn(f"{self.ini}: ", err)
+            self.assertIn("[UpFile]", err)
+            self.assertIn('"server"', err)
+            self.assertEqual(err.count("\n"), 1)
+
+    def test_files_are_sent_and_failures_told(self):
+        address = self.start_receiver()
+        first, second = self.folder / "永遠.svg", self.folder / "b.dxf"
+        first.write_bytes(b"<svg/>")
+        second.write_bytes(bytes(range(256)) * 100)
+        for encoding in ("ascii", "utf-16"):  # with a mark
+            self.configure(f"; ours\r\n[upfile]\r\nServer = {address}\r\nopen_http=http\r\n", encoding)
+            status, out, err = self.run_kerno("upload", first, second)
+            self.assertEqual((status, err), (0, ""))
+            self.assertRegex(out, r"^\S+永遠\.svg to http://.*: sent: HTTP/1\.1 200 OK: OK 永遠.*\.svg 6\n")
+        self.assertEqual((self.folder / "received" / "b.dxf").read_bytes(), second.read_bytes())
+
+        status, out, err = self.run_kerno("upload", self.folder / "none.svg", second)
+        self.assertEqual(status, 1)
+        self.assertIn("none.svg: there is no such file", err)
+        self.assertIn("b.dxf", out)
+
+        self.configure(f"[UpFile]\nserver={address}\nopen_http=http\nphp_fn=/nowhere\n")
+        status, out, err = self.run_kerno("upload", second)
+        self.assertEqual((status, out), (1, ""))
+        self.assertIn("404", err)
+        self.assertIn("there is no receiving script here", err)
+
+    def test_the_inspection_copy_lies_in_the_work_folder_of_the_day(self):
+        address = self.start_receiver()
+        self.configure(f"[UpFile]\nserver={address}\nopen_http=http\n[Preference_202206]\nDebug=1\n")
+        drawing = self.folder / "a.svg"
+        drawing.write_bytes(b"<svg/>")
+        self.assertEqual(self.run_kerno("upload", drawing)[0], 0)
+        copies = list(self.folder.glob("**/Quenkit.tmp/????????/a.svg.txt"))
+        self.assertEqual(len(copies), 1)
+        self.assertRegex(copies[0].read_bytes(),
+                         rb'(?s)^-------UpFile__\d{6}\r\n.*filename="a.svg"\r\n.*\r\n\r\n<svg/>'
+                         rb'-------UpFile__\d{6}--\r\n$')
+
+    def test_pages_of_a_folder(self):
+        for name in ("Face_72_one.svg", "Face_72_one.dxf", "Face_72_two.ipx"):
+            (self.folder / name).write_bytes(b"x")
+        status, out, err = self.run_kerno("page", self.folder)
+        self.assertEqual((status, err), (0, ""))
+        self.assertEqual(out.split(), [str(self.folder / "Face_72_one.html"),
+                                       str(self.folder / "Face_72_two.html")])
+        self.assertIn("<title>one – Face, height 72</title>",
+                      (self.folder / "Face_72_one.html").read_text(encoding="utf-8"))
+        empty = self.folder / "empty"
+        empty.mkdir()
+        for folder, why in ((empty, "no outputs"), (self.folder / "nowhere", "nowhere: ")):
+            status, out, err = self.run_kerno("page", folder)
+            self.assertEqual((status, out), (1, ""))
+            self.assertIn(why, err)
+
+    def test_other_commands_do_not_load_the_transfer_library(self):
+        for arguments in (["--version"], ["page", self.folder]):
+            self.assertNotIn("libcurl", self.run_kerno(*arguments, LD_DEBUG="libs")[2])
+        self.configure("[UpFile]\nserver=127.0.0.1:9\nopen_http=http\n")
+        (self.folder / "a.svg").write_bytes(b"x")
+        self.assertIn("libcurl", self.run_kerno("upload", self.folder / "a.svg", LD_DEBUG="libs")[2])
+
+
+if __name__ == "__main__":
+    KERNO, RECEIVER = sys.argv[1:3]
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
