@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/notices.h"
 #include "base/text.h"
 #include "cli/console.h"
 #include "web/upload_profile.h"
@@ -23,7 +24,7 @@ ExitStatus UploadCommand::Run() {
       continue;
     }
     status = kFailed;
-    ReportError(Utf16ToUtf8(result.message), "");
+    CurrentNotices().Message(result.message);  // below a bar of progress that has not ended
     // What is wrong with the settings is wrong for every file.
     if (result.end == UploadEnd::kNotConfigured || result.end == UploadEnd::kBadSettings) break;
   }

@@ -246,6 +246,11 @@ UploadResult Uploader::Upload(const fs::path& file) {
     return CurrentNotices().Progress(doing, sent, total) == Continue::kYes ? Transfer::kGoOn
                                                                            : Transfer::kStop;
   });
+  if (reply.body_sent) {
+    const auto total = static_cast<int64_t>(body.size());
+    // Nothing is left to stop, whatever the answer is.
+    (void)CurrentNotices().Progress(doing, total, total);
+  }
   const std::u16string about = ShownPath(file) + u" to " + ShownText(post.url, kMostShown);
   if (reply.end == HttpEnd::kAnswered) return FromAnswer(reply, about);
   return Ended(reply.end == HttpEnd::kStopped ? UploadEnd::kStopped : UploadEnd::kNotSent, about,

@@ -204,6 +204,8 @@ TEST_F(UploaderTest, TheBytesOnTheWire) {
   EXPECT_EQ(Utf16ToUtf8(result.status_line), "HTTP/1.1 200 OK");
   EXPECT_EQ(Utf16ToUtf8(result.first_line), "Taken.");
   EXPECT_TRUE(result.sent);
+  ASSERT_FALSE(notices_.steps.empty());
+  EXPECT_EQ(notices_.steps.back().done, notices_.steps.back().total);
   const std::string body =
       "-------UpFile__090000\r\n"
       "Content-Disposition: form-data; name=\"file_img\"; filename=\"a %22b%22 永.svg\"\r\n"
