@@ -1,5 +1,6 @@
 #include "web/uploader.h"
 
+#include <algorithm>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -243,7 +244,9 @@ UploadResult Uploader::Upload(const fs::path& file) {
   post.limits = limits;
   const std::u16string doing = u"Uploading " + ShownPath(file.filename());
   const HttpReply reply = session_.Post(post, [&](int64_t sent, int64_t total) {
-    return CurrentNotices().Progress(doing, sent, total) == Continue::kYes ? Transfer::kGoOn
+    // The end is for the answer.
+    const int64_t done = std::min(sent, total - 1);
+    return CurrentNotices().Progress(doing, done, total) == Continue::kYes ? Transfer::kGoOn
                                                                            : Transfer::kStop;
   });
   if (reply.body_sent) {
