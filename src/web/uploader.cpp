@@ -9,10 +9,12 @@
 #include "base/folders.h"
 #include "base/notices.h"
 #include "base/text.h"
+#include "base/version_info.h"
 #include "platform/clock.h"
 #include "platform/file_replacement.h"
 #include "platform/held_file.h"
 #include "platform/large_pages.h"
+#include "platform/system.h"
 #include "web/multipart.h"
 #include "web/shown_text.h"
 
@@ -195,6 +197,15 @@ UploadResult FromAnswer(const HttpReply& reply, std::u16string_view about) {
   return result;
 }
 
+std::u16string ProgramVersion(const fs::path& program) {
+  for (const auto& [key, text] : OwnVersionStrings()) {
+    if (key == u"FileVersion") return text;
+  }
+  VersionReader file;
+  (void)file.Open(program);  // without it there is no version to tell
+  return file.Get(u"FileVersion");
+}
+
 std::string JoinedByBlanks(std::initializer_list<std::u16string> pieces) {
   std::string out;
   for (const std::u16string& piece : pieces) {
@@ -261,7 +272,12 @@ UploadResult Uploader::Upload(const fs::path& file) {
 }
 
 std::string UploadUserAgent() {
-  return JoinedByBlanks({u"kerno", u"1.0.0"});
+  const fs::path program = CurrentSystem().ProgramPath();
+  const SystemFacts facts = ReadSystemFacts();
+  const std::u16string system = facts.description.empty() ? u"Windows NT " + Decimal(facts.major) +
+                                                                u"." + Decimal(facts.minor)
+                                                          : facts.description;
+  return JoinedByBlanks({PathText(program.filename()), ProgramVersion(program), system});
 }
 
 }  // namespace kerno

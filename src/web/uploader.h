@@ -33,7 +33,8 @@ struct UploadResult {
   bool ok() const { return end == UploadEnd::kAccepted; }
 };
 
-// What the request says about the program: "NAME VERSION SYSTEM VERSION".
+// What the request says about the program: its file's name, its version, and the system with its
+// version, joined by blanks.
 std::string UploadUserAgent();
 
 // Sends files by the settings that `settings` answers, one request each, never repeated. `file` is
