@@ -16,6 +16,12 @@ SectionBuffer::SectionBuffer(std::filesystem::path folder, std::string prefix, s
 
 void SectionBuffer::AddChunk(size_t least) {
   if (in_memory_ >= memory_limit_) Spill();
+  if (!spare_.empty() && spare_.back().capacity >= least) {
+    in_memory_ += spare_.back().capacity;
+    chunks_.push_back(std::move(spare_.back()));
+    spare_.pop_back();
+    return;
+  }
   const size_t usual = std::clamp(in_memory_, kFirstChunk, kChunk);
   Chunk chunk;
   chunk.capacity = std::max(least, usual);
@@ -31,11 +37,13 @@ void SectionBuffer::Spill() {
   may_spill_ = may_spill_ && scratch_;
   size_t done = 0;
   while (may_spill_ && done < chunks_.size()) {
-    const Chunk& chunk = chunks_[done];
+    Chunk& chunk = chunks_[done];
     may_spill_ = scratch_->Append({chunk.bytes.get(), chunk.used}).ok();
     if (!may_spill_) break;
     spilled_ += chunk.used;
     in_memory_ -= chunk.capacity;
+    chunk.used = 0;
+    spare_.push_back(std::move(chunk));
     ++done;
   }
   chunks_.erase(chunks_.begin(), chunks_.begin() + static_cast<std::ptrdiff_t>(done));

@@ -54,7 +54,8 @@ class SectionBuffer {
   std::string prefix_;
   size_t memory_limit_;
   std::vector<Chunk> chunks_;
-  size_t in_memory_ = 0;  // capacity of all chunks
+  std::vector<Chunk> spare_;  // memory that a spill has freed
+  size_t in_memory_ = 0;      // capacity of all chunks that are not spare
   std::unique_ptr<ScratchFile> scratch_;
   uint64_t spilled_ = 0;  // bytes in the scratch file, before those of the chunks
   bool may_spill_ = true;

@@ -1,0 +1,103 @@
+// Writers against the plain formatting of the same numbers into one buffer and one write.
+
+#include <benchmark/benchmark.h>
+
+#include <charconv>
+#include <filesystem>
+#include <string>
+
+#include "app/rebuild.h"
+#include "app/typesetter.h"
+#include "export/dxf_export.h"
+#include "ratio.h"
+#include "sample_texts.h"
+
+namespace kerno {
+namespace {
+
+PartsA Model(const SampleText& sample, int64_t characters) {
+  Typesetter typesetter;
+  TextRequest request;
+  request.face = sample.face;
+  request.text = RepeatTo(sample.text, static_cast<size_t>(characters));
+  auto set = typesetter.Set(request);
+  StoreContours({}, &set->contours);
+  PartsA model;
+  BuildParts(set->contours, {}, &model);
+  return model;
+}
+
+// Writes what `write` produces to a file that is given up afterwards: all of the work but the
+// flush, whose time is the disk's.
+template <class Write>
+void Run(benchmark::State& state, const SampleText& sample, const Write& write) {
+  const PartsA model = Model(sample, state.range(0));
+  const std::filesystem::path file = std::filesystem::temp_directory_path() / "kerno-bench.out";
+  for (auto _ : state) {
+    Status status;
+    const auto out = FileReplacement::Create(file, &status);
+    if (!out || !write(model, out.get()).ok()) state.SkipWithError("cannot write");
+  }
+}
+
+void AppendNumber(std::string* out, double value, int digits) {
+  char text[32];
+  const auto end =
+      std::to_chars(text, text + sizeof text, value, std::chars_format::general, digits);
+  out->append(text, end.ptr);
+}
+
+// The numbers of every line and the text around them, each formatted where it stands.
+Status PlainDxf(const PartsA& model, FileReplacement* out) {
+  std::string text;
+  for (const PartsElement& part : model.parts) {
+    for (const LineItem& line : part.lines.items) {
+      const P3& a = part.vertices[static_cast<size_t>(line.start)];
+      const P3& b = part.vertices[static_cast<size_t>(line.end)];
+      text += "  0\r\nLINE\r\n  8\r\nKerno\r\n 62\r\n1\r\n 10\r\n";
+      AppendNumber(&text, a.x, 6);
+      text += "\r\n 20\r\n";
+      AppendNumber(&text, a.y, 6);
+      text += "\r\n 11\r\n";
+      AppendNumber(&text, b.x, 6);
+      text += "\r\n 21\r\n";
+      AppendNumber(&text, b.y, 6);
+      text += "\r\n";
+    }
+  }
+  return out->Write(text);
+}
+
+Status Dxf(const PartsA& model, FileReplacement* out) {
+  return WriteDxf(model, {}, "bench.dxf", out);
+}
+
+template <class Write>
+void Add(const std::string& stage, const SampleText& sample, std::initializer_list<int64_t> lengths,
+         Write write) {
+  auto* bench =
+      benchmark::RegisterBenchmark((stage + "/" + sample.name).c_str(),
+                                   [=](benchmark::State& state) { Run(state, sample, write); });
+  bench->Unit(benchmark::kMicrosecond);
+  for (const int64_t length : lengths) bench->Arg(length);
+}
+
+void Register(const SampleText& sample, std::initializer_list<int64_t> lengths) {
+  Add("plain_dxf", sample, lengths, PlainDxf);
+  Add("dxf", sample, lengths, Dxf);
+  const std::string kind = std::string("/") + sample.name + "/";
+  for (const int64_t length : lengths) {
+    const std::string tail = kind + std::to_string(length);
+    DeclareRatio("dxf" + tail, "plain_dxf" + tail, 1);
+  }
+  if (lengths.size() == 4) DeclareRatio("dxf" + kind + "100000", "dxf" + kind + "10000", 12);
+}
+
+const bool registered = [] {
+  Register(LatinSample(), {100, 1000, 10000, 100000});
+  Register(JapaneseSample(), {100, 1000, 10000});
+  return true;
+}();
+
+}  // namespace
+}  // namespace kerno
