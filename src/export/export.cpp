@@ -28,6 +28,7 @@ Status Write(ExportFormat format, const PartsA& model, const std::filesystem::pa
     case ExportFormat::kDxf:
       return ExportDxf(model, file, options.dxf);
     case ExportFormat::kSvg:
+      return ExportSvg(model, file, options.svg);
     case ExportFormat::kX3d:
       return NotWritten(file, u"not built yet");
     case ExportFormat::kIpx:

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "export/dxf_export.h"
+#include "export/svg_writer.h"
 #include "parts/parts.h"
 #include "platform/status.h"
 
@@ -29,6 +30,7 @@ std::optional<ExportFormat> FormatOfExtension(std::u16string_view extension);
 
 struct ExportOptions {
   DxfOptions dxf;
+  SvgOptions svg;
 
   // The path of the running program, for the formats that name their writer.
   std::u16string program;

@@ -1,0 +1,53 @@
+#include "export/svg_numbers.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "base/number_text.h"
+#include "base/settings.h"
+#include "platform/clock.h"
+
+namespace kerno {
+namespace {
+
+constexpr uint32_t kReadAgain = 11000;  // milliseconds
+constexpr int kDefaultDigits = 15;
+constexpr int kMostDigits = 40;
+
+struct ReadPrecision {
+  int digits;
+  uint32_t ticks;
+};
+std::optional<ReadPrecision> read_precision;
+
+}  // namespace
+
+int SvgPrecision() {
+  const uint32_t now = CurrentClock().Ticks();
+  if (!read_precision || now - read_precision->ticks >= kReadAgain) {
+    const int digits = CurrentSettings().GetInt(u"Dec", u"SvgOut::Precision", kDefaultDigits);
+    read_precision = {std::clamp(digits, 1, kMostDigits), now};
+  }
+  return read_precision->digits;
+}
+
+void ResetSvgPrecision() {
+  read_precision.reset();
+}
+
+void AppendSvgNumber(std::string* out, double value, int digits) {
+  AppendNumberText(out, value, digits);
+  if (out->back() == '.') out->pop_back();
+}
+
+std::string SvgColor(Color color) {
+  constexpr char kHex[] = "0123456789abcdef";
+  std::string text = "#";
+  for (const int channel : {Red(color), Green(color), Blue(color)}) {
+    text.push_back(kHex[channel / 16]);
+    text.push_back(kHex[channel % 16]);
+  }
+  return text;
+}
+
+}  // namespace kerno
