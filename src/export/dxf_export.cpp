@@ -27,6 +27,7 @@ class DxfDrawing {
     for (const TextItem& text : part.more_texts.items) PlainText(part, text);
     for (const TextLine& text : part.horizontal_texts.items) SetText(part, text, false);
     for (const TextLine& text : part.vertical_texts.items) SetText(part, text, true);
+    if (part.child) Part(*part.child);
     point_sets_ += part.point_sets.items.size() + part.more_point_sets.items.size();
   }
 
@@ -119,6 +120,16 @@ void SetStyle(const PartsElement& part, const DxfOptions& options, DxfWriter* dx
   dxf->SetColor(color);
 }
 
+// Draws the whole model; how many point sets it has.
+size_t Draw(const PartsA& model, const DxfOptions& options, DxfMode mode, DxfWriter* dxf) {
+  DxfDrawing drawing(dxf, mode);
+  for (const PartsElement& part : model.parts) {
+    SetStyle(part, options, dxf);
+    drawing.Part(part);
+  }
+  return drawing.point_sets();
+}
+
 DxfMode ModeOf(const PartsA& model) {
   const Extent3 box = model.Extent();
   return box.max.z - box.min.z == 0 ? DxfMode::kFlat : DxfMode::kSpatial;
@@ -133,13 +144,13 @@ void Tell(const std::filesystem::path& name, std::u16string_view what) {
 Status WriteDxf(const PartsA& model, const DxfOptions& options, const std::filesystem::path& name,
                 FileReplacement* out) {
   const DxfMode mode = ModeOf(model);
+  DxfWriter rehearsal(mode);
+  rehearsal.Rehearse();
+  (void)Draw(model, options, mode, &rehearsal);
   DxfWriter dxf(mode);
   dxf.SetOutputName(name);
-  DxfDrawing drawing(&dxf, mode);
-  for (const PartsElement& part : model.parts) {
-    SetStyle(part, options, &dxf);
-    drawing.Part(part);
-  }
+  dxf.StreamInto(out, rehearsal);
+  const size_t point_sets = Draw(model, options, mode, &dxf);
   if (Status status = dxf.FinishInto(out); !status.ok()) return status;
   if (dxf.lost_precision()) {
     Tell(name,
@@ -149,7 +160,7 @@ Status WriteDxf(const PartsA& model, const DxfOptions& options, const std::files
   if (dxf.left_out() > 0) {
     Tell(name, u"elements with coordinates that are not finite numbers are left out");
   }
-  if (drawing.point_sets() > 0) Tell(name, u"point sets have no form in DXF and are left out");
+  if (point_sets > 0) Tell(name, u"point sets have no form in DXF and are left out");
   return Status::Ok();
 }
 

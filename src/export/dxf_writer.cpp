@@ -194,6 +194,11 @@ void DxfWriter::Widen(const P3& p, Axes axes) {
 void DxfWriter::Line(const P3& start, const P3& end, Axes axes, const DxfStyle* style) {
   const bool spatial = axes == Axes::kXYZ;
   if (!Accept({start.x, start.y, end.x, end.y, spatial ? start.z : 0, spatial ? end.z : 0})) return;
+  Widen(end, axes);
+  if (rehearses_) {
+    Widen(start, axes);
+    return;
+  }
   if (!has_last_ || last_axes_ != axes || !SameText(start, last_end_)) {
     FormatPoint(&last_text_, start, axes);
     Widen(start, axes);
@@ -211,7 +216,6 @@ void DxfWriter::Line(const P3& start, const P3& end, Axes axes, const DxfStyle* 
   to = PutPoint(to, last_text_, '1', axes);
   entities_.Advance(static_cast<size_t>(to - room));
 
-  Widen(end, axes);
   last_end_ = end;
   last_axes_ = axes;
   has_last_ = true;
@@ -227,10 +231,11 @@ void DxfWriter::Line3D(const P3& start, const P3& end, const DxfStyle* style) {
 
 void DxfWriter::Circle(const P3& centre, double radius, Axes axes, const DxfStyle* style) {
   if (!Accept({centre.x, centre.y, axes == Axes::kXYZ ? centre.z : 0, radius})) return;
+  Widen(centre, axes);
+  if (rehearses_) return;
   PutHead("CIRCLE", style);
   PutPoint(centre, '0', axes);
   PutNumber(" 40\r\n", radius);
-  Widen(centre, axes);
 }
 
 void DxfWriter::Circle2D(const P3& centre, double radius, const DxfStyle* style) {
@@ -247,12 +252,13 @@ void DxfWriter::Arc(const DxfArc& arc, Axes axes, const DxfStyle* style) {
           {c.x, c.y, axes == Axes::kXYZ ? c.z : 0, arc.radius, arc.start_angle, arc.end_angle})) {
     return;
   }
+  Widen(c, axes);
+  if (rehearses_) return;
   PutHead("ARC", style);
   PutPoint(c, '0', axes);
   PutNumber(" 40\r\n", arc.radius);
   PutNumber(" 50\r\n", arc.start_angle);
   PutNumber(" 51\r\n", arc.end_angle);
-  Widen(c, axes);
 }
 
 void DxfWriter::Arc2D(const DxfArc& arc, const DxfStyle* style) {
@@ -269,6 +275,8 @@ void DxfWriter::Text(const DxfText& text, Axes axes, bool vertical, const DxfSty
                text.width_factor, text.oblique})) {
     return;
   }
+  Widen(p, axes);
+  if (rehearses_) return;
   PutHead("TEXT", style);
   PutNumber(" 40\r\n", text.height);
   entities_.Append("  1\r\n");
@@ -279,7 +287,6 @@ void DxfWriter::Text(const DxfText& text, Axes axes, bool vertical, const DxfSty
   if (text.width_factor != 0 && text.width_factor != 1) PutNumber(" 41\r\n", text.width_factor);
   if (text.oblique != 0) PutNumber(" 51\r\n", text.oblique);
   PutPoint(p, '0', axes);  // behind the text, meant
-  Widen(p, axes);
 }
 
 void DxfWriter::Text2D(const DxfText& text, const DxfStyle* style) {
@@ -296,12 +303,11 @@ void DxfWriter::VerticalText2D(const DxfText& text, const DxfStyle* style) {
 
 void DxfWriter::Face(const P3& a, const P3& b, const P3& c, const P3& d, const DxfStyle* style) {
   if (!Accept({a.x, a.y, a.z, b.x, b.y, b.z, c.x, c.y, c.z, d.x, d.y, d.z})) return;
+  for (const P3* p : {&a, &b, &c, &d}) Widen(*p, Axes::kXYZ);
+  if (rehearses_) return;
   PutHead("3DFACE", style);
   char corner = '0';
-  for (const P3* p : {&a, &b, &c, &d}) {
-    PutPoint(*p, corner++, Axes::kXYZ);
-    Widen(*p, Axes::kXYZ);
-  }
+  for (const P3* p : {&a, &b, &c, &d}) PutPoint(*p, corner++, Axes::kXYZ);
   PutLines(&entities_, {" 70", Integer(face_flag_)});
 }
 
@@ -338,20 +344,32 @@ void DxfWriter::WriteTables() {
   PutLines(&tables_, {"  0", "ENDTAB"});
 }
 
-Status DxfWriter::FinishInto(FileReplacement* out) {
+// Everything before the entities.
+Status DxfWriter::WriteFront(FileReplacement* out) {
   WriteHeader();
   WriteTables();
-  PutLines(&entities_, {"  0", "ENDSEC", "  0", "EOF"});
   for (SectionBuffer* section : {&header_, &tables_, &blocks_}) {
     PutLines(section, {"  0", "ENDSEC"});
-  }
-  if (failure_ != 0) {
-    return Status::Error(Failure::kOther, PathText(output_name_), u"the drawing is not complete");
-  }
-  for (const SectionBuffer* section : {&header_, &tables_, &blocks_, &entities_}) {
     if (Status status = section->CopyTo(out); !status.ok()) return status;
   }
   return Status::Ok();
+}
+
+void DxfWriter::StreamInto(FileReplacement* out, const DxfWriter& rehearsal) {
+  stream_ = out;
+  extents_ = rehearsal.extents_;
+  layers_ = rehearsal.layers_;
+  stream_status_ = WriteFront(out);
+  entities_.StreamInto(out);
+}
+
+Status DxfWriter::FinishInto(FileReplacement* out) {
+  PutLines(&entities_, {"  0", "ENDSEC", "  0", "EOF"});
+  if (failure_ != 0) {
+    return Status::Error(Failure::kOther, PathText(output_name_), u"the drawing is not complete");
+  }
+  const Status status = stream_ ? stream_status_ : WriteFront(out);
+  return status.ok() ? entities_.CopyTo(out) : status;
 }
 
 Status DxfWriter::Finish() {

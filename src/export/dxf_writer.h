@@ -96,6 +96,12 @@ class DxfWriter {
   void Face(const P3& a, const P3& b, const P3& c, const P3& d, const DxfStyle* style = nullptr);
   void Triangle(const P3& a, const P3& b, const P3& c, const DxfStyle* style = nullptr);
 
+  // For drawings that are known beforehand: draw everything once into a writer that only rehearses,
+  // then again into one that was told to stream after the rehearsal. The extents and the layers
+  // stand first in the file, so only then can the entities follow as they come, without being kept.
+  void Rehearse() { rehearses_ = true; }
+  void StreamInto(FileReplacement* out, const DxfWriter& rehearsal);
+
   // A flag other than 0 keeps Finish from writing a file.
   void SetFailure(int32_t flag) { failure_ = flag; }
 
@@ -133,6 +139,7 @@ class DxfWriter {
   const std::string& CurrentHead();
   void WriteHeader();
   void WriteTables();
+  Status WriteFront(FileReplacement* out);
 
   int32_t failure_ = 0;
   DxfMode mode_;
@@ -154,6 +161,9 @@ class DxfWriter {
   PointText last_text_{};
   Axes last_axes_ = Axes::kXY;
   bool has_last_ = false;
+  bool rehearses_ = false;
+  FileReplacement* stream_ = nullptr;
+  Status stream_status_;
   bool lost_precision_ = false;
   int64_t left_out_ = 0;
 };

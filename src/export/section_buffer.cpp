@@ -15,6 +15,7 @@ SectionBuffer::SectionBuffer(std::filesystem::path folder, std::string prefix, s
     : folder_(std::move(folder)), prefix_(std::move(prefix)), memory_limit_(memory_limit) {}
 
 void SectionBuffer::AddChunk(size_t least) {
+  if (stream_ && in_memory_ >= kChunk) Stream();
   if (in_memory_ >= memory_limit_) Spill();
   if (!spare_.empty() && spare_.back().capacity >= least) {
     in_memory_ += spare_.back().capacity;
@@ -49,7 +50,18 @@ void SectionBuffer::Spill() {
   chunks_.erase(chunks_.begin(), chunks_.begin() + static_cast<std::ptrdiff_t>(done));
 }
 
+void SectionBuffer::Stream() {
+  for (Chunk& chunk : chunks_) {
+    if (stream_status_.ok()) stream_status_ = stream_->Write({chunk.bytes.get(), chunk.used});
+    in_memory_ -= chunk.capacity;
+    chunk.used = 0;
+    spare_.push_back(std::move(chunk));
+  }
+  chunks_.clear();
+}
+
 Status SectionBuffer::CopyTo(FileReplacement* out) const {
+  if (!stream_status_.ok()) return stream_status_;
   const auto buffer = std::make_unique_for_overwrite<char[]>(spilled_ ? kChunk : 1);
   for (uint64_t at = 0; at < spilled_;) {
     size_t count = 0;

@@ -35,7 +35,11 @@ class SectionBuffer {
     Advance(bytes.size());
   }
 
-  // Writes everything, from the first byte on.
+  // Lets full chunks go to the file at once; CopyTo then adds the rest.
+  void StreamInto(FileReplacement* out) { stream_ = out; }
+
+  // Writes everything that is not in the file yet, from the first byte on. The first failure of any
+  // write.
   Status CopyTo(FileReplacement* out) const;
 
   bool spilled() const { return spilled_ > 0; }
@@ -49,6 +53,7 @@ class SectionBuffer {
 
   void AddChunk(size_t least);
   void Spill();
+  void Stream();
 
   std::filesystem::path folder_;
   std::string prefix_;
@@ -59,6 +64,8 @@ class SectionBuffer {
   std::unique_ptr<ScratchFile> scratch_;
   uint64_t spilled_ = 0;  // bytes in the scratch file, before those of the chunks
   bool may_spill_ = true;
+  FileReplacement* stream_ = nullptr;
+  Status stream_status_;
 };
 
 }  // namespace kerno

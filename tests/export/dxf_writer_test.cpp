@@ -336,6 +336,40 @@ TEST(DxfWriter, LargeSectionsGoThroughScratchFiles) {
   EXPECT_EQ(bytes[0], bytes[1]);
 }
 
+// Streamed after a rehearsal, a drawing is the same, is not kept, and a full disk is still noticed.
+TEST(DxfWriter, StreamedDrawingsAreTheSame) {
+  const auto draw = [](DxfWriter* dxf) {
+    for (int i = 0; i < 30000; ++i) {
+      dxf->SetColor(static_cast<int16_t>(1 + i % 7));
+      dxf->SetLayerNumber(i % 20);
+      dxf->Line3D({i * 0.5, 1.0, -2}, {i * 0.5 + 0.5, -3.0, 4});
+      dxf->Circle2D({-1.0 * i, 0}, 1);
+      dxf->Triangle({0, 0, 0}, {1, 0, 0}, {0, 1, 1.0 * i});
+      dxf->Text2D({{0, 2.0 * i}, u"x", 1});
+      dxf->Arc3D({{0, 0, -1.0 * i}, 1, 0, 90});
+    }
+  };
+  DxfWriter kept(DxfMode::kSpatial);
+  draw(&kept);
+  const std::string expected = Finished(&kept);
+  for (const size_t capacity : {MemoryFile::kUnlimited, size_t{100}, expected.size() / 2}) {
+    DxfWriter rehearsal(DxfMode::kSpatial);
+    rehearsal.Rehearse();
+    draw(&rehearsal);
+    DxfWriter dxf(DxfMode::kSpatial);
+    MemoryFile file(capacity);
+    dxf.StreamInto(&file, rehearsal);
+    draw(&dxf);
+    if (capacity == MemoryFile::kUnlimited) {
+      EXPECT_GT(file.bytes.size(), expected.size() / 2);
+      EXPECT_TRUE(dxf.FinishInto(&file).ok());
+      EXPECT_EQ(file.bytes, expected);
+    } else {
+      EXPECT_EQ(dxf.FinishInto(&file).failure, Failure::kNoSpace);
+    }
+  }
+}
+
 TEST(SectionBuffer, SpillsAndCopiesBackAndLeavesNothing) {
   const test::TemporaryFolder folder;
   for (const bool can_spill : {true, false}) {
