@@ -11,6 +11,7 @@
 #include "cli/arguments.h"
 #include "cli/choice.h"
 #include "cli/console.h"
+#include "export/ipl_writer.h"
 #include "platform/system.h"
 
 namespace kerno {
@@ -36,6 +37,10 @@ Status Metafile(const PartsA& model, const std::filesystem::path& file,
   return ExportEmf(model, file, options.emf);
 }
 
+Status PartsList(const PartsA& model, const std::filesystem::path& file, const OutputOptions&) {
+  return ExportIpl(model, file);
+}
+
 constexpr OutputWriter kWriters[] = {
     {"dxf", Dispatch<ExportFormat::kDxf>},
     {"svg", Dispatch<ExportFormat::kSvg>},
@@ -43,6 +48,7 @@ constexpr OutputWriter kWriters[] = {
     {"x3d", Dispatch<ExportFormat::kX3d>},
     {"emf", Metafile},
     {"bmp", Bitmap},
+    {"ipl", PartsList},
 };
 
 std::string WriterNames() {
@@ -122,12 +128,16 @@ void OutputFiles::AddTo(CLI::App& app) {
   app.add_option("--aci", aci_, "DXF colour index: by the classic rule, or the nearest colour")
       ->type_name("classic|nearest")
       ->capture_default_str();
+  app.add_option("--units", units_, "SVG: with a size on paper, one unit a millimetre")
+      ->type_name("none|mm")
+      ->capture_default_str();
   app.add_option("--size", size_, "size of a bitmap in pixels (one unit is one pixel)")
       ->type_name("WxH");
 }
 
 bool OutputFiles::Owns(std::string_view option) {
-  for (const std::string_view mine : {"-o", "--format", "--dxf-layers", "--aci", "--size"}) {
+  for (const std::string_view mine :
+       {"-o", "--format", "--dxf-layers", "--aci", "--units", "--size"}) {
     if (option == mine) return true;
   }
   return false;
@@ -148,6 +158,8 @@ bool OutputFiles::Read() {
          Choose<AciRule>("--aci", aci_,
                          {{"classic", AciRule::kClassic}, {"nearest", AciRule::kNearest}},
                          &options_.dispatch.dxf.aci) &&
+         Choose<bool>("--units", units_, {{"none", false}, {"mm", true}},
+                      &options_.dispatch.svg.millimetres) &&
          (size_.empty() || ReadSize());
 }
 

@@ -56,6 +56,7 @@ class OutputFiles {
   std::string format_;
   std::string dxf_layers_ = "name";
   std::string aci_ = "classic";
+  std::string units_ = "none";
   std::string size_;
   std::vector<Output> outputs_;
   OutputOptions options_;

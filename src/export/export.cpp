@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "export/x3d_writer.h"
 #include "parts/ipx.h"
 
 namespace kerno {
@@ -30,7 +31,7 @@ Status Write(ExportFormat format, const PartsA& model, const std::filesystem::pa
     case ExportFormat::kSvg:
       return ExportSvg(model, file, options.svg);
     case ExportFormat::kX3d:
-      return NotWritten(file, u"not built yet");
+      return ExportX3d(model, file);
     case ExportFormat::kIpx:
       return WriteIpxFile(file, model, options.program);
     case ExportFormat::kMesh:

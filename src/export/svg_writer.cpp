@@ -11,13 +11,11 @@
 #include "base/dump_log.h"
 #include "base/number_text.h"
 #include "base/text.h"
-#include "export/build_time.h"
 #include "export/draw_parts.h"
+#include "export/file_comment.h"
 #include "export/hatch.h"
 #include "export/picture_notes.h"
 #include "export/svg_elements.h"
-#include "platform/clock.h"
-#include "platform/system.h"
 
 namespace kerno {
 namespace {
@@ -187,27 +185,13 @@ void SvgDrawing::Millimetres(std::string_view attribute, double value) {
 }
 
 void SvgDrawing::Heading(const std::filesystem::path& name) {
-  const LocalTime now = CurrentClock().Now();
-  const auto two = [](int value) {
-    std::u16string text = u"00";
-    text[0] = static_cast<char16_t>(u'0' + value / 10 % 10);
-    text[1] = static_cast<char16_t>(u'0' + value % 10);
-    return text;
-  };
-  std::string year;
-  AppendInteger(&year, now.year);
-  const std::u16string time = Wide(year) + u"/" + two(now.month) + u"/" + two(now.day) + u" " +
-                              two(now.hour) + u":" + two(now.minute) + u":" + two(now.second);
   const std::u16string size = WideNumber(box_.max.x - box_.min.x, digits_) + u"\t" +
                               WideNumber(box_.max.y - box_.min.y, digits_);
   std::string digits;
   AppendInteger(&digits, digits_);
-  const std::u16string program = PathText(CurrentSystem().ProgramPath());
-  xml_.Comment(u"\r\nSVG Exporter \t1.10\t" + Wide(BuildTime()) +     //
-               u"\r\nEXE          \t    \t" + program +               //
-               u"\r\nTime         \t    \t" + time +                  //
-               u"\r\nSize         \t" + size +                        //
-               u"\r\nSave         \t" + PathText(name) +              //
+  xml_.Comment(u"\r\n" + FileComment(u"SVG Exporter \t1.10\t") +      //
+               u"Size         \t" + size +                            //
+               u"\r\nSave         \t" + PathText(name.filename()) +              //
                u"\r\n変換精度\tSvgOut::Precision\t" + Wide(digits) +  //
                u"\r\nUNICODE \t" +                                    //
                u"\r\n大きさ補正\t1\t1\r\n");

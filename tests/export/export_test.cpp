@@ -16,10 +16,10 @@ TEST(Export, TheExtensionChoosesExactly) {
     const char* name;
     int32_t result;
   } cases[] = {
-      {"a.dxf", 1},  {"a.svg", 1}, {"b.c.dxf", 1}, {".dxf", 1},  {"a.DXF", 0}, {"a.Dxf", 0},
-      {"a.dxf ", 0}, {"a.stl", 0}, {"a.wrl", 0},   {"a.3ds", 0}, {"a.obj", 0}, {"a.imo", 0},
-      {"a.off", 0},  {"a.nxr", 0}, {"a.dae", 0},   {"a.ix3", 0}, {"a.ipa", 0}, {"a.txt", 0},
-      {"a", 0},      {"a.", 0},    {"dxf", 0},     {"a.ipx", 1}, {"b.Ipx", 1},
+      {"a.dxf", 1}, {"a.svg", 1},  {"a.x3d", 1}, {"b.c.dxf", 1}, {".dxf", 1},  {"a.DXF", 0},
+      {"a.Dxf", 0}, {"a.dxf ", 0}, {"a.stl", 0}, {"a.wrl", 0},   {"a.3ds", 0}, {"a.obj", 0},
+      {"a.imo", 0}, {"a.off", 0},  {"a.nxr", 0}, {"a.dae", 0},   {"a.ix3", 0}, {"a.ipa", 0},
+      {"a.txt", 0}, {"a", 0},      {"a.", 0},    {"dxf", 0},     {"a.ipx", 1}, {"b.Ipx", 1},
   };
   for (const auto& c : cases) {
     Status status;
@@ -28,7 +28,7 @@ TEST(Export, TheExtensionChoosesExactly) {
     EXPECT_EQ(status.why.empty(), c.result == 1) << c.name;
     EXPECT_EQ(std::filesystem::exists(folder / c.name), c.result == 1) << c.name;
   }
-  EXPECT_EQ(folder.Names().size(), 6u);
+  EXPECT_EQ(folder.Names().size(), 7u);
 }
 
 TEST(Export, TheStepAfterwardsRunsAfterSuccessOnly) {

@@ -1,0 +1,85 @@
+#include "export/ipl_writer.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/notices.h"
+#include "base/number_text.h"
+#include "base/text.h"
+#include "export/fit.h"
+
+namespace kerno {
+namespace {
+
+constexpr int kDigits = 15;
+
+// The vertices that count, gathered for their extents.
+class Gathered {
+ public:
+  void Add(const Parts& part) {
+    for (const P3& p : part.vertices) {
+      if (IsPictured(p) && IsPictured(p.z)) {
+        if (empty_) box_ = {p, p};
+        Include(&box_, p);
+        empty_ = false;
+      } else {
+        passed_over_ = true;
+      }
+    }
+    if (part.child) Add(*part.child);
+  }
+
+  const Extent3& box() const { return box_; }
+  bool passed_over() const { return passed_over_; }
+
+ private:
+  Extent3 box_;
+  bool empty_ = true;
+  bool passed_over_ = false;
+};
+
+void AppendRecord(std::string* out, std::string_view kind, size_t number, std::u16string_view layer,
+                  const Extent3& box) {
+  out->append(kind).append("\t");
+  AppendInteger(out, static_cast<int64_t>(number));
+  out->append("\t").append(Utf16ToUtf8(QuoteText(EscapeText(layer), u'"')));
+  for (const double value : {box.min.x, box.min.y, box.min.z, box.max.x, box.max.y, box.max.z,
+                             box.max.x - box.min.x, box.max.y - box.min.y, box.max.z - box.min.z}) {
+    out->push_back('\t');
+    AppendNumberText(out, value, kDigits);
+  }
+  out->append("\r\n");
+}
+
+}  // namespace
+
+Status WriteIpl(const PartsA& model, const std::filesystem::path& name, FileReplacement* out) {
+  std::string text =
+      ";IPL\tnumber\tlayer\tmin x\tmin y\tmin z\tmax x\tmax y\tmax z\twidth\theight\tdepth\r\n";
+  Gathered whole;
+  size_t number = 0;
+  for (const PartsElement& part : model.parts) {
+    Gathered gathered;
+    gathered.Add(part);
+    whole.Add(part);
+    AppendRecord(&text, "part", ++number, part.name, gathered.box());
+  }
+  AppendRecord(&text, "whole", number, u"", whole.box());
+  Status status = out->Write(text);
+  if (status.ok() && whole.passed_over()) {
+    CurrentNotices().Message(PathText(name) +
+                             u": vertices that are not finite or beyond 1e100 do not count");
+  }
+  return status;
+}
+
+Status ExportIpl(const PartsA& model, const std::filesystem::path& file) {
+  Status status;
+  const auto out = FileReplacement::Create(file, &status);
+  if (!out) return status;
+  status = WriteIpl(model, file, out.get());
+  return status.ok() ? out->Commit() : status;
+}
+
+}  // namespace kerno
