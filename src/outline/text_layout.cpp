@@ -1,6 +1,7 @@
 #include "outline/text_layout.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "base/text.h"
 #include "outline/glyph_cache.h"
@@ -87,17 +88,25 @@ void ReserveFor(const GlyphCache& glyphs, std::u16string_view text, GlyphContour
   contours->counts.reserve(counts);
 }
 
+// Truncates towards zero; what passes the range ends at its limits.
+template <class Number>
+int32_t Saturated(Number value) {
+  using Limits = std::numeric_limits<int32_t>;
+  return static_cast<int32_t>(
+      std::clamp(value, static_cast<Number>(Limits::min()), static_cast<Number>(Limits::max())));
+}
+
 LogFont MeasuringFont(bool vertical, int32_t height, int32_t width, double slant, double angle,
                       std::u16string_view face, int32_t weight) {
   if (!vertical) {
     LogFont font = BuildLogFont(height, width, weight, face);
-    font.escapement = static_cast<int32_t>(slant * 10);
-    font.orientation = static_cast<int32_t>(angle * 10);
+    font.escapement = Saturated(slant * 10);
+    font.orientation = Saturated(angle * 10);
     return font;
   }
   LogFont font = BuildLogFont(width == 0 ? height : width, height / 2, weight, face);
-  font.escapement = static_cast<int32_t>((slant + angle - 90) * 10);
-  font.orientation = static_cast<int32_t>((angle - 90) * 10);
+  font.escapement = Saturated((slant + angle - 90) * 10);
+  font.orientation = Saturated((angle - 90) * 10);
   return font;
 }
 
@@ -110,7 +119,7 @@ StringExtent EstimateExtent(std::u16string_view text, bool vertical, int32_t hei
     columns += half_width ? 1 : 2;
   }
   const int64_t column = vertical || width == 0 ? height / 2 : width;
-  return {static_cast<int32_t>(columns * column), height};
+  return {Saturated(columns * column), height};
 }
 
 }  // namespace

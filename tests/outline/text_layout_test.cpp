@@ -196,6 +196,8 @@ TEST(MeasureString, EstimatesLargeSizesAndAsksTheContextOtherwise) {
   }
   EXPECT_TRUE(dc.created.empty());
   EXPECT_EQ(3 * 50, MeasureString(nullptr, u"ｱｲA", false, 100, 0, 0, 0, u"x", 400).length);
+  const std::u16string endless(100'000, u'あ');
+  EXPECT_EQ(INT32_MAX, MeasureString(nullptr, endless, false, 30'000, 0, 0, 0, u"x", 400).length);
 
   EXPECT_EQ(20, MeasureString(&dc, u"AB", false, 100, 30, 1.55, 2, u"x", 400).length);
   EXPECT_EQ(100, dc.created.back().height);
@@ -207,6 +209,9 @@ TEST(MeasureString, EstimatesLargeSizesAndAsksTheContextOtherwise) {
   EXPECT_EQ(50, dc.created.back().width);
   EXPECT_EQ(-870, dc.created.back().escapement);
   EXPECT_EQ(-880, dc.created.back().orientation);
+  (void)MeasureString(&dc, u"AB", false, 100, 0, 1e300, -1e300, u"x", 400);
+  EXPECT_EQ(INT32_MAX, dc.created.back().escapement);
+  EXPECT_EQ(INT32_MIN, dc.created.back().orientation);
 }
 
 }  // namespace
