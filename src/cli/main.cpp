@@ -38,7 +38,10 @@ ExitStatus PrintText(const std::string& text) {
 
 // kerno help [COMMAND]
 ExitStatus PrintHelp(const CLI::App& app, const std::string& command) {
-  if (command.empty()) return PrintText(app.help());
+  if (command.empty()) {  // app.help() would speak of "help", the command that was given
+    const auto overview = CLI::AppFormatMode::Normal;
+    return PrintText(app.get_formatter()->make_help(&app, app.get_name(), overview));
+  }
   try {
     return PrintText(app.get_subcommand(command)->help(app.get_name()));
   } catch (const CLI::OptionNotFound&) {
