@@ -73,6 +73,10 @@ std::optional<std::u16string> TextArgument(std::string_view option, std::string_
   return decoded;
 }
 
+std::filesystem::path PathArgument(std::string_view text) {
+  return std::filesystem::path(std::u8string(text.begin(), text.end()));
+}
+
 void ReportChoice(std::string_view option, std::string_view text, std::string_view choices) {
   ReportError(option, Quoted(text) + " is none of " + std::string(choices));
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,6 +19,10 @@ std::optional<P2> Point(std::string_view option, std::string_view text);  // "X,
 
 // The argument as text; reports arguments that are not UTF-8.
 std::optional<std::u16string> TextArgument(std::string_view option, std::string_view text);
+
+// The argument as the name of a file, byte for byte where names are bytes: one that is not UTF-8
+// names its file all the same.
+std::filesystem::path PathArgument(std::string_view text);
 
 // Reports that an option's value is none of its choices.
 void ReportChoice(std::string_view option, std::string_view text, std::string_view choices);

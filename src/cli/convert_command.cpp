@@ -83,7 +83,7 @@ ExitStatus ConvertCommand::ReadParts(PartsA* model, std::string* summary) const 
     }
   }
   if (text_.quiet()) SilenceWarnings();
-  const Status read = ReadIpxFile(TextPath(Utf8ToUtf16Lossy(ipx_)), model);
+  const Status read = ReadIpxFile(PathArgument(ipx_), model);
   if (!read.ok()) {
     ReportError(read);
     return kFailed;

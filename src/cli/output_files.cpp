@@ -211,7 +211,7 @@ bool OutputFiles::Write(const Output& output, const PartsA& model, const std::st
                         bool quiet) const {
   using Clock = std::chrono::steady_clock;
   const auto start = Clock::now();
-  const std::filesystem::path path = TextPath(Utf8ToUtf16Lossy(output.name));
+  const std::filesystem::path path = PathArgument(output.name);
   const Status status = output.writer->write(model, path, options_);
   if (!status.ok()) {
     ReportError(status);

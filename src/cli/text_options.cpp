@@ -160,7 +160,7 @@ std::optional<std::u16string> TextOptions::ReadText(ExitStatus* status) const {
                  ? DecodeText(bytes, u"standard input", &text)
                  : Status::Error(Failure::kOther, u"standard input", u"cannot be read");
     } else {
-      read = LoadText(TextPath(Utf8ToUtf16Lossy(text_file_)), &text);
+      read = LoadText(PathArgument(text_file_), &text);
     }
     if (!read.ok()) {
       ReportError(read);
@@ -173,7 +173,8 @@ std::optional<std::u16string> TextOptions::ReadText(ExitStatus* status) const {
   }
   if (text.empty() || text[0] == 0) {
     *status = kWrongUsage;
-    ReportError(from_file ? text_file_ : "text", "holds no text");
+    const bool piped = from_file && text_file_ == "-";
+    ReportError(piped ? "standard input" : from_file ? text_file_ : "text", "holds no text");
     return std::nullopt;
   }
   return text;

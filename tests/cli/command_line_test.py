@@ -196,6 +196,15 @@ class CommandLineTest(unittest.TestCase):
         lines = contours("A\nB", *SANS, "--unplaced")
         self.assertNotEqual(kept["points"], lines["points"])
 
+    def test_file_names_are_bytes(self):
+        folder = os.fsencode(self.folder)
+        text, drawing = folder + b"/caf\xe9.txt", folder + b"/caf\xe9.dxf"
+        with open(text, "wb") as file:
+            file.write(b"A")
+        status, _, err = run("convert", "--text-file", text, *SANS, "-o", drawing, "--quiet")
+        self.assertEqual((0, ""), (status, err))
+        self.assertEqual([b"caf\xe9.dxf", b"caf\xe9.txt"], sorted(os.listdir(folder)))
+
     def test_warnings_tell_and_do_not_stop(self):
         path = str(self.folder / "a.dxf")
         cases = [
@@ -262,6 +271,7 @@ class CommandLineTest(unittest.TestCase):
             self.assertEqual(by_help, by_option)
             self.assertEqual(0, by_help[0])
         self.assertIn("convert", run("--help")[1])
+        self.assertEqual(run("--help"), run("help"))
         self.assertEqual(2, run("help", "nonsense")[0])
         self.assertRegex(run("--version")[1], r"^kerno \d+\.\d+\.\d+\n$")
 
