@@ -14,8 +14,8 @@ namespace fs = std::filesystem;
 std::u16string TranslationText(std::string_view value) {
   std::u16string text;
   for (size_t at = 0; at + 1 < value.size(); at += 2) {
-    const auto low = static_cast<unsigned char>(value[at]);
-    const auto high = static_cast<unsigned char>(value[at + 1]);
+    const unsigned low = static_cast<unsigned char>(value[at]);
+    const unsigned high = static_cast<unsigned char>(value[at + 1]);
     for (const unsigned digit : {high >> 4, high & 0xF, low >> 4, low & 0xF}) {
       text.push_back(u"0123456789ABCDEF"[digit]);
     }

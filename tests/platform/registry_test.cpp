@@ -22,7 +22,7 @@ constexpr std::u16string_view kExport =
     u"\"n\"=dword:fffffffe\r\n"
     u"\"e\"=hex(2):25,00,41,00,\\\r\n"
     u"  25,00,00,00\r\n"
-    u"\"two\r\nlines\"=\"a\r\n[HKEY_CURRENT_USER\\\\b]\"\r\n"
+    u"\"two lines\"=\"a\r\n[HKEY_CURRENT_USER\\\\b]\"\r\n"
     u"\r\n"
     u"[HKEY_CURRENT_USER\\Software\\Quenkit\\Below]\r\n"
     u"\"x\"=\"1\"\r\n"
@@ -58,7 +58,7 @@ TEST_F(RegistryTest, ReadsWhatEditorsExport) {
   EXPECT_EQ(value_.number, 0xFFFFFFFEu);
   ASSERT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"e", &value_), RegistryOutcome::kDone);
   EXPECT_EQ(value_.type, RegistryType::kOther);
-  ASSERT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"two\r\nlines", &value_),
+  ASSERT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"two lines", &value_),
             RegistryOutcome::kDone);
   EXPECT_EQ(value_.text, u"a\r\n[HKEY_CURRENT_USER\\b]");
   EXPECT_EQ(QueryRegistry(kUser, u"b", u"", &value_), RegistryOutcome::kNoKey);
@@ -116,6 +116,27 @@ TEST_F(RegistryTest, LaterLinesWin) {
   EXPECT_EQ(QueryRegistry(kUser, u"b\\c", u"k", &value_), RegistryOutcome::kNoKey);
   EXPECT_EQ(QueryRegistry(kUser, u"d", u"bad", &value_), RegistryOutcome::kDone);
   EXPECT_EQ(value_.type, RegistryType::kOther);
+}
+
+TEST_F(RegistryTest, AFileThatWasCutOffTakesNewValues) {
+  for (const std::u16string_view end :
+       {u"\"k\"=\"open \\", u"\"na", u"[HKEY_CURR", u"\"k\"=hex:00,\\"}) {
+    const std::u16string cut =
+        std::u16string(kExport.substr(0, 80)) + u"]\r\n" + std::u16string(end);
+    Install(cut);
+    const RegistryValue text{RegistryType::kString, u"=x", 0};
+    for (const std::u16string_view name : {u"", u"n"}) {
+      EXPECT_EQ(SetRegistry(kUser, u"New", name, text, &why_), RegistryOutcome::kDone);
+      EXPECT_EQ(QueryRegistry(kUser, u"New", name, &value_), RegistryOutcome::kDone);
+      EXPECT_EQ(value_.text, u"=x");
+    }
+    EXPECT_EQ(Text().find(cut), 0u);
+    EXPECT_EQ(SetRegistry(kUser, u"Software\\Quenkit", u"m", text, &why_), RegistryOutcome::kDone);
+    EXPECT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"m", &value_), RegistryOutcome::kDone);
+    Install(cut);
+    EXPECT_EQ(SetRegistry(kUser, u"Software\\Quenkit", u"m", text, &why_), RegistryOutcome::kDone);
+    EXPECT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"m", &value_), RegistryOutcome::kDone);
+  }
 }
 
 TEST_F(RegistryTest, AnotherFileIsNeitherReadNorHarmed) {

@@ -67,12 +67,19 @@ size_t NextLine(std::u16string_view text, size_t end) {
   return end < text.size() ? end + 1 : end;
 }
 
-// Where the data of a value ends: strings may hold line breaks, other data goes on behind "\".
+// Whether nothing but blanks stands between `at` and the end of its line.
+bool IsLineDone(std::u16string_view text, size_t at) {
+  at = text.find_first_not_of(u" \t", at);
+  return at == kNone || text[at] == u'\r' || text[at] == u'\n';
+}
+
+// Where the data of a value ends: strings may hold line breaks, other data goes on behind "\". A
+// string that is never closed (its file was cut off) ends with its line, whatever follows.
 size_t EndOfData(std::u16string_view text, size_t at) {
   while (at < text.size() && (text[at] == u' ' || text[at] == u'\t')) ++at;
   if (at < text.size() && text[at] == u'"') {
     const size_t closing = EndOfString(text, at);
-    if (closing != kNone) return LineEnd(text, closing);
+    if (closing != kNone && IsLineDone(text, closing)) return LineEnd(text, closing);
   }
   size_t end = LineEnd(text, at);
   while (end < text.size()) {
@@ -104,7 +111,7 @@ void ReadStatement(std::u16string_view text, Statement* statement) {
     ReadKeyLine(Trim(text.substr(at, end - at)), statement);
   } else if (first == u'@' || first == u'"') {
     const size_t name_end = first == u'@' ? at + 1 : EndOfString(text, at);
-    const size_t equals = name_end == kNone ? kNone : text.find_first_not_of(u" \t", name_end);
+    const size_t equals = name_end > end ? kNone : text.find_first_not_of(u" \t", name_end);
     if (equals != kNone && text[equals] == u'=') {
       end = EndOfData(text, equals + 1);
       statement->data = Trim(text.substr(equals + 1, end - equals - 1));
@@ -245,6 +252,8 @@ void SetRegistryText(std::u16string* text, std::u16string_view key, std::u16stri
     text->replace(state.value->begin, state.value->end - state.value->begin, line);
   } else if (state.block_end == text->size()) {
     EnsureLineEnd(text);
+    // Data that was cut off behind its "\" goes on in the next line, which has to be an empty one.
+    if (text->ends_with(u"\\\r\n") || text->ends_with(u"\\\n")) text->append(u"\r\n");
     text->append(line);
   } else if (state.block_end != kNone) {
     text->insert(state.block_end, line);
