@@ -2,7 +2,7 @@
 JOBS ?= 2
 PYTHON := /usr/bin/python3
 
-.PHONY: all setup release run test bench fuzz fuzz-briefly clean
+.PHONY: all setup release run samples test bench fuzz fuzz-briefly clean
 all: release
 
 setup:
@@ -19,6 +19,10 @@ test: setup fuzz-briefly
 	@cmake -S . -B build/test -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_SANITIZE=ON >/dev/null
 	@cmake --build build/test -j $(JOBS)
 	@cd build/test && ctest -j $(JOBS) --output-on-failure --timeout 600
+
+# One sheet with every format's file as other programs show it.
+samples: release
+	@sh tools/make_samples.sh build/release/src/cli/kerno out/samples docs/samples.png
 
 bench: release
 	@build/release/bench/kerno_bench
