@@ -14,8 +14,9 @@
 namespace kerno {
 namespace {
 
-constexpr uint32_t kSlowRebuild = 60;  // milliseconds from which changes are gathered
-constexpr int kGatherFor = 250;        // milliseconds without a change until they are set
+constexpr uint32_t kSlowRebuild = 60;   // milliseconds from which changes are gathered
+constexpr double kPreviewDetail = 0.5;  // pixels
+constexpr int kGatherFor = 250;         // milliseconds without a change until they are set
 
 size_t IndexOf(Color color) {
   const auto& colors = NamedColors();
@@ -287,17 +288,23 @@ void Dialog::PreviewDoubleClicked() {
   view_.RepaintPreview();
 }
 
-void Dialog::PaintPreview(DrawingContext& dc, double detail) {
-  const DrawOptions options = {.detail = detail};
+void Dialog::PaintPreview(DrawingContext& dc, double density) {
+  const DrawOptions options = {.detail = kPreviewDetail};
+  const Fit& frame = preview_.fit();
+  const Fit fit = {
+      .scale = frame.scale * density, .dx = frame.dx * density, .dy = frame.dy * density};
   if (!DrawsContours()) {
-    DrawParts(dc, is_pending_ ? parts_ : parts(), preview_.fit(), options);
+    DrawParts(dc, is_pending_ ? parts_ : parts(), fit, options);
     return;
   }
-  const auto pen = dc.CreatePenIndirect({.color = second_colors_[memory_.second_color].color});
+  // An outline in the figure's own colour would only make it bolder than it is.
+  const Color outline = second_colors_[memory_.second_color].color;
+  const PenStyle style = outline == FirstColor() ? PenStyle::kNull : PenStyle::kSolid;
+  const auto pen = dc.CreatePenIndirect({.style = style, .color = outline});
   const auto brush = dc.CreateBrushIndirect({.color = FirstColor()});
   Pen* const pen_before = dc.SelectPen(pen.get());
   Brush* const brush_before = dc.SelectBrush(brush.get());
-  DrawContours(dc, contours_, preview_.fit(), options);
+  DrawContours(dc, contours_, fit, options);
   dc.SelectPen(pen_before);
   dc.SelectBrush(brush_before);
 }

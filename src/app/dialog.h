@@ -65,8 +65,9 @@ class Dialog final : private OutputNotifier, private Notices {
   void PreviewZoomed(double x, double y, double steps);
   void PreviewDragged(double dx, double dy);
   void PreviewDoubleClicked();
-  // Draws on a context that covers the frame. `detail` in pixels, as in DrawOptions.
-  void PaintPreview(DrawingContext& dc, double detail);
+  // Draws on a context that covers the frame with `density` pixels for each of the frame's. What is
+  // smaller than half a pixel of the context may be left out.
+  void PaintPreview(DrawingContext& dc, double density);
 
   // The colour behind text and figure on paper of this colour: the paper's own, or one on which the
   // text can be read.

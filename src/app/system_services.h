@@ -7,7 +7,7 @@
 
 namespace kerno {
 
-class SystemServices final : public DialogServices {
+class SystemServices : public DialogServices {
  public:
   SystemServices();
 

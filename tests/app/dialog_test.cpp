@@ -116,7 +116,7 @@ TEST_F(DialogTest, ThePreviewDrawsOneFigureOrTheParts) {
   dialog->TextChanged(u"AB");
   dialog->SecondColorSelected(3);
   RecordingDrawingContext figure;
-  dialog->PaintPreview(figure, 0);
+  dialog->PaintPreview(figure, 1);
   ASSERT_EQ(1u, figure.calls.size());
   EXPECT_EQ(2u, figure.calls[0].counts.size());
   EXPECT_EQ(FillMode::kAlternate, figure.calls[0].mode);
@@ -125,7 +125,7 @@ TEST_F(DialogTest, ThePreviewDrawsOneFigureOrTheParts) {
 
   dialog->PolyPolygonClicked(false);
   RecordingDrawingContext parts;
-  dialog->PaintPreview(parts, 0);
+  dialog->PaintPreview(parts, 1);
   ASSERT_EQ(2u, parts.calls.size());
   EXPECT_EQ(HlsColor(0, 128, 128), parts.calls[0].pen.color);
   EXPECT_EQ(HlsColor(30, 128, 128), parts.calls[1].pen.color);

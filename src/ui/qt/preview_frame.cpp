@@ -6,19 +6,17 @@
 #include <QWheelEvent>
 
 #include "app/dialog.h"
-#include "ui/qt/painter_context.h"
 #include "ui/qt/qt_text.h"
 
 namespace kerno {
 namespace {
 
-constexpr double kDetail = 0.5;     // device pixels that need not be told apart
 constexpr double kKeyStep = 40;     // pixels by an arrow key
 constexpr double kWheelStep = 120;  // units of the toolkit by one step of a wheel
 
 }  // namespace
 
-PreviewFrame::PreviewFrame(QWidget* parent) : QFrame(parent), fonts_(CreateMeasuringContext()) {
+PreviewFrame::PreviewFrame(QWidget* parent) : QFrame(parent) {
   setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
   setFocusPolicy(Qt::StrongFocus);
   setMinimumSize(200, 120);
@@ -26,34 +24,29 @@ PreviewFrame::PreviewFrame(QWidget* parent) : QFrame(parent), fonts_(CreateMeasu
   setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
-PreviewFrame::~PreviewFrame() = default;
-
 void PreviewFrame::Repaint() {
   is_stale_ = true;
   update();
 }
 
 void PreviewFrame::PaintPicture() {
+  is_stale_ = false;
   const double ratio = devicePixelRatioF();
   const QSize size = contentsRect().size() * ratio;
-  if (picture_.size() != size || picture_.devicePixelRatio() != ratio) {
-    picture_ = QPixmap(size);
-    picture_.setDevicePixelRatio(ratio);
-  }
   const Color base = FromQColor(palette().color(QPalette::Base));
-  picture_.fill(ToQColor(dialog_ ? dialog_->PaperBehind(base) : base));
-  if (dialog_) {
-    QPainter painter(&picture_);
-    PainterContext context(painter, *fonts_);
-    dialog_->PaintPreview(context, kDetail / ratio);
-  }
-  is_stale_ = false;
+  const Color paper = dialog_ ? dialog_->PaperBehind(base) : base;
+  picture_ = {};
+  surface_ = CreateBitmapSurface(size.width(), size.height(), paper);
+  if (!surface_) return;
+  if (dialog_) dialog_->PaintPreview(surface_->Context(), ratio);
+  picture_ = QImage(surface_->Pixels().data(), size.width(), size.height(), QImage::Format_RGB32);
+  picture_.setDevicePixelRatio(ratio);
 }
 
 void PreviewFrame::paintEvent(QPaintEvent*) {
   if (is_stale_ || picture_.devicePixelRatio() != devicePixelRatioF()) PaintPicture();
   QPainter painter(this);
-  painter.drawPixmap(contentsRect().topLeft(), picture_);
+  painter.drawImage(contentsRect().topLeft(), picture_);
   drawFrame(&painter);
   if (hasFocus()) {
     painter.setPen(palette().color(QPalette::Highlight));

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <QFrame>
-#include <QPixmap>
+#include <QImage>
 #include <memory>
 
-#include "platform/device_context.h"
+#include "platform/drawing.h"
 
 namespace kerno {
 
@@ -16,7 +16,6 @@ class Dialog;
 class PreviewFrame final : public QFrame {
  public:
   explicit PreviewFrame(QWidget* parent = nullptr);
-  ~PreviewFrame() override;
 
   void SetDialog(Dialog* dialog) { dialog_ = dialog; }
   // Paints the drawing anew at the next paint event.
@@ -39,8 +38,8 @@ class PreviewFrame final : public QFrame {
   void PaintPicture();
 
   Dialog* dialog_ = nullptr;
-  std::unique_ptr<DeviceContext> fonts_;
-  QPixmap picture_;
+  std::unique_ptr<BitmapSurface> surface_;
+  QImage picture_;  // the surface's pixels
   bool is_stale_ = true;
   QPointF drag_from_;
   bool drags_ = false;
