@@ -184,6 +184,7 @@ void Dialog::Rebuild() {
   const uint32_t start = CurrentClock().Ticks();
   ShowTextFormat();
   contours_ = {};
+  contours_box_ = {};
   parts_ = {};
   parts_are_stale_ = true;
   try {
@@ -210,8 +211,9 @@ void Dialog::SetTextAnew() {
   }
   StoreContours({}, &set->contours);
   used_face_ = set->face;
+  contours_box_ = ContoursBox(set->contours);
   const bool warns = HasWarning(*set, request.face);
-  ShowStatus(DescribeText(*set, request.face, ContoursBox(set->contours)),
+  ShowStatus(DescribeText(*set, request.face, contours_box_),
              warns ? StatusKind::kWarning : StatusKind::kNormal);
   contours_ = std::move(set->contours);
 }
@@ -259,7 +261,7 @@ bool Dialog::DrawsContours() const {
 }
 
 Extent3 Dialog::DrawingBox() {
-  return DrawsContours() || parts_are_stale_ ? ContoursBox(contours_)
+  return DrawsContours() || parts_are_stale_ ? contours_box_
                                              : PictureBox(parts_, &typesetter_.context());
 }
 

@@ -126,6 +126,7 @@ class Dialog final : private OutputNotifier, private Notices {
 
   // The drawing.
   GlyphContours contours_;  // y up
+  Extent3 contours_box_;
   PartsA parts_;
   bool parts_are_stale_ = false;  // made of contours_ when they are asked for
   size_t item_count_ = 0;
