@@ -2,7 +2,7 @@
 JOBS ?= 2
 PYTHON := /usr/bin/python3
 
-.PHONY: all setup release run samples test bench fuzz fuzz-briefly clean
+.PHONY: all setup release run samples test bench fuzz fuzz-briefly screenshots install clean
 all: release
 
 setup:
@@ -14,6 +14,7 @@ release: setup
 
 run: release
 	@sh tools/run_samples.sh build/release/src/cli/kerno out
+	@[ -z "$$DISPLAY$$WAYLAND_DISPLAY" ] || build/release/src/cli/kerno
 
 test: setup fuzz-briefly
 	@cmake -S . -B build/test -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_SANITIZE=ON >/dev/null
@@ -26,6 +27,7 @@ samples: release
 
 bench: release
 	@build/release/bench/kerno_bench
+	@build/release/bench/kerno_desktop_bench 2>/dev/null
 	@$(PYTHON) bench/process_bench.py build/release/src/cli/kerno
 	@$(PYTHON) bench/upload_bench.py build/release/src/cli/kerno
 
@@ -39,6 +41,15 @@ fuzz: setup
 
 fuzz-briefly: setup
 	@$(MAKE) --no-print-directory fuzz FUZZ_SECONDS=5
+
+# Pictures of the window in each of its states, in out/screenshots.
+screenshots: release
+	@$(PYTHON) tools/screenshots.py build/release/src/cli/kerno-desktop out/screenshots
+
+# prefix and DESTDIR as usual.
+prefix ?= /usr/local
+install: release
+	@DESTDIR=$(DESTDIR) cmake --install build/release --prefix $(prefix)
 
 clean:
 	@rm -rf build out

@@ -141,7 +141,8 @@ class Dialog final : private OutputNotifier, private Notices {
   bool collects_ = false;
   bool shows_progress_ = false;
   std::vector<std::filesystem::path> reported_;
-  std::u16string failures_;
+  std::u16string failures_;  // a line each
+  std::u16string messages_;  // a line each
 };
 
 }  // namespace kerno

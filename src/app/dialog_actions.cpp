@@ -157,19 +157,22 @@ void Dialog::ReportOutputs() {
     names += PathText(file.extension());
   }
   const std::u16string failures = std::exchange(failures_, {});
+  const std::u16string messages = std::exchange(messages_, {});
   const bool wrote = !reported_.empty();
   reported_.clear();
+  std::u16string told = failures + messages;
+  if (!told.empty()) told.pop_back();
+  if (!failures.empty() || (outputs_.folder_refused() && !told.empty())) view_.ShowMessage(told);
   if (!failures.empty()) {
-    const std::u16string first = failures.substr(0, failures.find(u'\n'));
-    ShowStatus(first, StatusKind::kFailure);
-    view_.ShowMessage(std::u16string_view(failures).substr(0, failures.size() - 1));
-    return;
+    return ShowStatus(failures.substr(0, failures.find(u'\n')), StatusKind::kFailure);
   }
   if (!wrote) return;
-  const bool empty = parts().parts.empty();
-  ShowStatus((empty ? u"The drawing is empty. Wrote " : u"Wrote ") + names + u" of " +
-                 PathText(outputs_.base_path().stem()) + u" in " + PathText(outputs_.folder()),
-             empty ? StatusKind::kWarning : StatusKind::kNormal);
+  std::u16string status = u"Wrote " + names + u" of " + PathText(outputs_.base_path().stem()) +
+                          u" in " + PathText(outputs_.folder());
+  if (parts().parts.empty()) status = u"The drawing is empty. " + status;
+  if (!messages.empty()) status += u"  ·  " + messages.substr(0, messages.find(u'\n'));
+  const bool warns = !messages.empty() || parts().parts.empty();
+  ShowStatus(std::move(status), warns ? StatusKind::kWarning : StatusKind::kNormal);
 }
 
 void Dialog::MetafileWritten(const fs::path& metafile, const Status& result) {
@@ -188,8 +191,8 @@ void Dialog::FileWritten(const fs::path& file, const Status& result) {
 
 void Dialog::Message(std::u16string_view text) {
   if (!collects_) return view_.ShowMessage(text);
-  failures_ += text;
-  failures_ += u"\n";
+  messages_ += text;
+  messages_ += u"\n";
 }
 
 void Dialog::ShowWait(std::u16string_view text) {

@@ -92,7 +92,7 @@ bool Outputs::MakeBasePath(const OutputSubject& subject) {
   if (!result.ok()) return false;
   if (open_folder_on_first_save) {
     open_folder_on_first_save = false;
-    services_.OpenFolder(folder_);
+    folder_refused_ = !services_.OpenFolder(folder_);
   }
   return true;
 }
@@ -100,6 +100,7 @@ bool Outputs::MakeBasePath(const OutputSubject& subject) {
 bool Outputs::Write(OutputKind kind, const PartsA& parts, AciRule aci,
                     const OutputSubject& subject) {
   const PartsA copy = parts;
+  folder_refused_ = false;
   if (!MakeBasePath(subject)) return false;
   for (const OutputKind step : ChainOf(kind)) WriteOne(step, copy, aci, subject);
   return true;

@@ -49,6 +49,9 @@ class Outputs {
 
   const std::filesystem::path& base_path() const { return base_path_; }
 
+  // Whether the shell refused to open the folder at the last Write.
+  bool folder_refused() const { return folder_refused_; }
+
   // The files of this run that were written, in order, each once.
   const std::vector<std::filesystem::path>& written() const { return written_; }
 
@@ -63,6 +66,7 @@ class Outputs {
   std::filesystem::path folder_;
   std::filesystem::path base_path_;
   std::vector<std::filesystem::path> written_;
+  bool folder_refused_ = false;
 };
 
 }  // namespace kerno

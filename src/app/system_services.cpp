@@ -2,11 +2,15 @@
 
 #include "app/dialog_settings.h"
 #include "app/font_face_list.h"
+#include "base/launch.h"
 #include "base/text.h"
+#include "base/version_info.h"
 #include "export/bmp_writer.h"
+#include "export/emf_writer.h"
 #include "export/export.h"
 #include "parts/ipx.h"
 #include "platform/file_replacement.h"
+#include "platform/font_faces.h"
 #include "platform/system.h"
 
 namespace kerno {
@@ -42,8 +46,8 @@ std::vector<std::u16string> SystemServices::Faces() {
   return list.Entries();
 }
 
-Status SystemServices::LoadFontFile(const fs::path& file, std::vector<std::u16string>*) {
-  return NotYet(file);
+Status SystemServices::LoadFontFile(const fs::path& file, std::vector<std::u16string>* faces) {
+  return AddFontFile(file, faces);
 }
 
 DialogMemory SystemServices::Load() {
@@ -67,8 +71,10 @@ fs::path SystemServices::DefaultOutputFolder() {
   return TempFolder() / "Kerno.tmp";
 }
 
-bool SystemServices::OpenFolder(const fs::path&) {
-  return false;
+bool SystemServices::OpenFolder(const fs::path& folder) {
+  LaunchRequest request;
+  request.file = folder;
+  return Launch(&request);
 }
 
 Status SystemServices::WriteBytes(const fs::path& file, std::string_view bytes) {
@@ -87,8 +93,8 @@ Status SystemServices::Export(const PartsA& parts, AciRule aci, const fs::path& 
   return status;
 }
 
-Status SystemServices::WriteMetafile(const PartsA&, const fs::path& file) {
-  return NotYet(file);
+Status SystemServices::WriteMetafile(const PartsA& parts, const fs::path& file) {
+  return ExportEmf(parts, file);
 }
 
 Status SystemServices::WriteBitmap(const PartsA& parts, const fs::path& file) {
@@ -116,8 +122,9 @@ Status SystemServices::Upload(const std::vector<fs::path>&, std::u16string*) {
 }
 
 void SystemServices::AboutTexts(std::u16string* version, std::u16string* copyright) {
-  *version = u"Kerno";
-  *copyright = u"";
+  const kerno::AboutTexts texts = ReadAboutTexts();
+  *version = texts.version;
+  *copyright = texts.copyright;
 }
 
 }  // namespace kerno

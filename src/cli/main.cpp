@@ -11,6 +11,7 @@
 #include "cli/console.h"
 #include "cli/contours_command.h"
 #include "cli/convert_command.h"
+#include "cli/desktop.h"
 #include "cli/faces_command.h"
 #include "cli/measure_command.h"
 #include "cli/page_command.h"
@@ -83,8 +84,7 @@ ExitStatus Main(int argc, char** argv) {
   for (size_t i = 0; i < commands.size(); ++i) {
     if (entries[i]->parsed()) return commands[i]->Run();
   }
-  ReportError("usage", "no command given (kerno help lists them)");
-  return kWrongUsage;
+  return StartDesktop();
 }
 
 }  // namespace

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/status.h"
 
 namespace kerno {
 
@@ -23,6 +26,10 @@ struct InstalledFace {
 // form, in the system's order (EnumFontFamilies). Damaged files are passed over; each is named in
 // *skipped when that is given.
 std::vector<InstalledFace> EnumerateFaces(std::vector<std::u16string>* skipped = nullptr);
+
+// Makes the faces of a font file known to this process, for its life. *names receives the families'
+// names. Fails, and leaves everything as it was, for a file without a face that can be used.
+Status AddFontFile(const std::filesystem::path& file, std::vector<std::u16string>* names);
 
 // Whether a family of this name (any of its localized names, case ignored, both cut to kMaxFaceName
 // units) is installed; "@" in front asks for its vertical form.

@@ -135,9 +135,17 @@ void FontCatalog::Forget() {
   CurrentSlot().reset();
 }
 
+std::vector<std::string>& FontCatalog::AddedFiles() {
+  static std::vector<std::string> files;
+  return files;
+}
+
 FontCatalog::FontCatalog() : config_(FcInitLoadConfigAndFonts()) {
   if (config_ == nullptr) {
     return;
+  }
+  for (const std::string& file : AddedFiles()) {
+    FcConfigAppFontAddFile(config_, reinterpret_cast<const FcChar8*>(file.c_str()));
   }
   for (const FcSetName set_name : {FcSetSystem, FcSetApplication}) {
     const FcFontSet* set = FcConfigGetFonts(config_, set_name);

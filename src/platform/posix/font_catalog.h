@@ -55,6 +55,9 @@ class FontCatalog {
   // The same, whether something has changed or not.
   static void Forget();
 
+  // Files besides those of the configuration, known to every catalogue that is read from now on.
+  static std::vector<std::string>& AddedFiles();
+
   FontCatalog();
   ~FontCatalog();
   FontCatalog(const FontCatalog&) = delete;

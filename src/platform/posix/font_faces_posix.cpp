@@ -157,6 +157,37 @@ std::vector<InstalledFace> EnumerateFaces(std::vector<std::u16string>* skipped) 
   return faces;
 }
 
+Status AddFontFile(const fs::path& file, std::vector<std::u16string>* names) {
+  names->clear();
+  const std::string path = fs::absolute(file).native();
+  std::vector<std::string>& added = FontCatalog::AddedFiles();
+  const bool is_new = std::find(added.begin(), added.end(), path) == added.end();
+  if (is_new) {
+    added.push_back(path);
+    FontCatalog::Forget();
+  }
+  const FontCatalog& catalog = FontCatalog::Current();
+  for (const CatalogFace& face : catalog.faces()) {
+    if (face.path != path || !face.has_outlines || face.families.empty()) {
+      continue;
+    }
+    const std::u16string& name = face.families.front().system;
+    const bool known = std::find(names->begin(), names->end(), name) != names->end();
+    if (!known && IsFaceInstalled(name)) {
+      names->push_back(name);
+    }
+  }
+  if (!names->empty()) {
+    return Status::Ok();
+  }
+  if (is_new) {
+    added.pop_back();
+    FontCatalog::Forget();
+  }
+  return Status::Error(Failure::kOther, FromFontconfigText(path),
+                       u"holds no outline face that can be used");
+}
+
 bool IsFaceInstalled(std::u16string_view name) {
   name = name.substr(0, kMaxFaceName);
   FaceWish wish;

@@ -127,6 +127,16 @@ void FaceCombo::ShowFaces(const std::vector<std::u16string>& faces) {
   SizeDropDown(this);
 }
 
+void FaceCombo::showPopup() {
+  // The list opens at the face in the edit, which may have been typed.
+  const int index = findText(currentText(), Qt::MatchFixedString);
+  if (index >= 0 && index != currentIndex()) {
+    const QSignalBlocker blocker(this);
+    setCurrentIndex(index);
+  }
+  QComboBox::showPopup();
+}
+
 ColorCombo::ColorCombo(QWidget* parent) : QComboBox(parent) {
   setSizeAdjustPolicy(QComboBox::AdjustToContents);
 }

@@ -20,6 +20,7 @@ class FaceCombo final : public QComboBox {
  public:
   explicit FaceCombo(QWidget* parent = nullptr);
   void ShowFaces(const std::vector<std::u16string>& faces);
+  void showPopup() override;
 };
 
 // Colours with swatches.

@@ -1,0 +1,36 @@
+#include "cli/desktop.h"
+
+#include <system_error>
+
+#include "base/folders.h"
+#include "cli/console.h"
+#include "platform/shell.h"
+#include "platform/system.h"
+
+namespace kerno {
+namespace {
+
+bool IsSet(std::u16string_view variable) {
+  const auto value = CurrentSystem().Environment(variable);
+  return value && !value->empty();
+}
+
+}  // namespace
+
+ExitStatus StartDesktop() {
+  if (!IsSet(u"DISPLAY") && !IsSet(u"WAYLAND_DISPLAY")) {
+    ReportError("usage",
+                "no command given, and there is no display for the window (DISPLAY and "
+                "WAYLAND_DISPLAY are not set); kerno help lists the commands");
+    return kWrongUsage;
+  }
+  const std::filesystem::path name = "kerno-desktop";
+  std::error_code error;
+  const std::filesystem::path beside = ProgramFolder() / name;
+  const bool stands_beside = std::filesystem::is_regular_file(beside, error);
+  if (CurrentShell().StartProcess(stands_beside ? beside : name, {}, {})) return kDone;
+  ReportError("kerno-desktop", "cannot be started: it stands neither beside kerno nor on PATH");
+  return kFailed;
+}
+
+}  // namespace kerno
