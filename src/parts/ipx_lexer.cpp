@@ -60,6 +60,38 @@ double OutOfRange(std::string_view number, Base base) {
   return exponent > 0 ? std::numeric_limits<double>::infinity() : 0;
 }
 
+// Eight digits at once: the value of each two, then of each four, then of all.
+uint32_t EightDigits(uint64_t ascii) {
+  ascii -= 0x3030303030303030u;
+  ascii = ascii * 10 + (ascii >> 8);
+  ascii = ((ascii & 0x00FF00FF00FF00FFu) * 0x640001u) >> 16 & 0x0000FFFF0000FFFFu;
+  return static_cast<uint32_t>((ascii * 0x271000000001u) >> 32);
+}
+
+bool AreEightDigits(uint64_t ascii) {
+  const uint64_t above = ascii + 0x4646464646464646u;
+  const uint64_t below = ascii - 0x3030303030303030u;
+  return ((above | below) & 0x8080808080808080u) == 0;
+}
+
+// Appends the digits at *at to *value, which may wrap round. How many they are.
+int TakeDigits(const char** at, const char* end, uint64_t* value) {
+  const char* const first = *at;
+  if constexpr (std::endian::native == std::endian::little) {
+    while (end - *at >= 8) {
+      uint64_t ascii = 0;
+      std::memcpy(&ascii, *at, sizeof ascii);
+      if (!AreEightDigits(ascii)) break;
+      *value = *value * 100000000 + EightDigits(ascii);
+      *at += 8;
+    }
+  }
+  for (; *at != end && IsDigit(**at); ++*at) {
+    *value = *value * 10 + static_cast<uint64_t>(**at - '0');
+  }
+  return static_cast<int>(std::min<ptrdiff_t>(*at - first, 1000));
+}
+
 // A number of digits and at most a point whose digits make an integer below 2^53: the quotient of
 // that and an exact power of ten is the nearest double. The end of it; null where the number has
 // another form.
@@ -71,13 +103,11 @@ const char* ReadPlainNumber(const char* at, const char* end, double* value) {
   const bool negative = at != end && *at == '-';
   if (negative) ++at;
   uint64_t digits = 0;
-  int count = 0;
-  for (; at != end && IsDigit(*at); ++at, ++count)
-    digits = digits * 10 + static_cast<uint64_t>(*at - '0');
+  int count = TakeDigits(&at, end, &digits);
   const int whole = count;
   if (at != end && *at == '.') {
-    for (++at; at != end && IsDigit(*at); ++at, ++count)
-      digits = digits * 10 + static_cast<uint64_t>(*at - '0');
+    ++at;
+    count += TakeDigits(&at, end, &digits);
   }
   // Digits beyond the limit wrapped round, but the count tells.
   if (count == 0 || count > kMostDigits || digits >= kLimit) return nullptr;

@@ -87,6 +87,57 @@ TEST(NumberText, GeneralNotationIsThatOfStreamsWithLongExponents) {
   }
 }
 
+// The number form made of what the C library prints.
+std::string Plainly(double value, int digits) {
+  char printed[512];
+  if (std::fabs(value) < 1 && value != 0) {
+    std::snprintf(printed, sizeof printed, "%.*f", digits, value);
+    std::string text = printed;
+    while (text.back() == '0' && text.size() > 1) text.pop_back();
+    return text;
+  }
+  std::snprintf(printed, sizeof printed, "%.*g", digits, value);
+  std::string text = printed;
+  const size_t at = text.find('e');
+  if (at != text.npos && text.size() - at == 4) text.insert(at + 2, "0");
+  return text;
+}
+
+TEST(NumberText, IsWhatTheCLibraryPrints) {
+  std::mt19937_64 random(3);
+  const auto below = [&](uint64_t limit) { return static_cast<int>(random() % limit); };
+  for (int i = 0; i < 400000; ++i) {
+    double value = 0;
+    switch (i % 6) {
+      case 0: {  // any bits
+        const uint64_t bits = random();
+        std::memcpy(&value, &bits, sizeof value);
+        break;
+      }
+      case 1:  // what scaled outlines hold
+        value = static_cast<double>(static_cast<int32_t>(random())) / 65536.0;
+        break;
+      case 2:  // exact halves of the last digit: fractions of few bits
+        value = std::ldexp(static_cast<double>(random() % (1u << 20)), -below(50));
+        break;
+      case 3:  // beside powers of ten
+        value = std::pow(10.0, below(40) - 20);
+        for (int steps = below(4); steps > 0; --steps) value = std::nextafter(value, 0);
+        break;
+      case 4:  // decimal numbers with a five behind their last digit
+        value =
+            (static_cast<double>(random() % 1000000000000000) + 0.5) * std::pow(10.0, -below(16));
+        break;
+      default:
+        value = static_cast<double>(random() >> 11) * std::pow(10.0, below(60) - 40);
+    }
+    if (!std::isfinite(value)) continue;
+    if (random() & 1) value = -value;
+    const int digits = i % 3 ? 15 : 1 + below(17);
+    ASSERT_EQ(NumberText(value, digits), Plainly(value, digits)) << std::hexfloat << value;
+  }
+}
+
 class DecimalComma final : public std::numpunct<char> {
   char do_decimal_point() const override { return ','; }
   char do_thousands_sep() const override { return '.'; }

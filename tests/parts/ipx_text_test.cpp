@@ -5,6 +5,7 @@
 #include <limits>
 #include <random>
 
+#include "base/number_text.h"
 #include "base/text.h"
 #include "parts/ipx.h"
 #include "parts/ipx_lexer.h"
@@ -201,6 +202,9 @@ TEST(IpxText, NumbersReadAsTheCLibraryReadsThem) {
     std::string text;
     for (size_t n = random() % 24; n-- > 0;) text += kLetters[random() % (sizeof kLetters - 1)];
     expect_same(text);
+    const double scaled = static_cast<double>(random() >> 11) * std::pow(10.0, -(i % 24));
+    expect_same(NumberText(i % 2 ? scaled : -scaled, 1 + i % 17));
+    expect_same(std::to_string(random()) + "." + std::to_string(random()));
   }
 }
 
