@@ -1,18 +1,68 @@
 #include "base/profile_settings.h"
 
-#include "base/profile_store.h"
+#include <chrono>
+
 #include "base/settings_places.h"
+#include "base/text.h"
 
 namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+// File systems stamp by a clock that moves in steps; a time this old can no longer be given to a
+// second change.
+constexpr std::chrono::milliseconds kSteps(100);
+
+}  // namespace
+
+ProfileSettings::Look ProfileSettings::LookAt(const fs::path& file) {
+  std::error_code error;
+  Look look;
+  look.time = fs::last_write_time(file, error);
+  if (error) return {};  // a missing file
+  look.size = fs::file_size(file, error);
+  return look;
+}
+
+IniStore& ProfileSettings::Store() {
+  if (store_ && settled_ && LookAt(file_) == look_) return *store_;
+  store_.reset();
+  numbers_.clear();
+  texts_.clear();
+  // The look is taken before anything is read, so that a change in between is met as one.
+  const Look before = file_.empty() ? Look{} : LookAt(file_);
+  const bool knew_file = !file_.empty();
+  store_ = std::make_unique<IniStore>(kStoreName);
+  file_ = TextPath(store_->profile_path());
+  look_ = LookAt(file_);
+  const bool aged = look_ == Look{} || fs::file_time_type::clock::now() - look_.time > kSteps;
+  settled_ = knew_file && look_ == before && aged && !store_->reads_are_watched();
+  return *store_;
+}
 
 int32_t ProfileSettings::GetInt(std::u16string_view section, std::u16string_view key,
                                 int32_t default_value) {
-  return IniStore(kStoreName).GetInt(section, key, default_value);
+  IniStore& store = Store();
+  const auto [entry, is_new] = numbers_.try_emplace(Name(section, key));
+  if (is_new) {
+    // Two defaults tell what is missing from every stored value.
+    const int32_t value = store.GetInt(section, key, default_value);
+    const bool held = value != default_value || store.GetInt(section, key, ~default_value) == value;
+    if (held) entry->second = value;
+  }
+  return entry->second.value_or(default_value);
 }
 
 std::u16string ProfileSettings::GetStr(std::u16string_view section, std::u16string_view key,
                                        std::u16string_view default_value) {
-  return IniStore(kStoreName).GetStr(section, key, default_value);
+  IniStore& store = Store();
+  const auto [entry, is_new] = texts_.try_emplace(Name(section, key));
+  if (is_new) {
+    const std::u16string value = store.GetStr(section, key, u"0");
+    if (value != u"0" || store.GetStr(section, key, u"1") == value) entry->second = value;
+  }
+  return entry->second.value_or(std::u16string(default_value));
 }
 
 void InstallProfileSettings() {

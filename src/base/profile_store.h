@@ -83,6 +83,9 @@ class ProfileStore {
   Status SaveDialogRect(std::u16string_view dialog, const ProfileRect& rect, DialogState state);
   ProfileRect LoadDialogRect(std::u16string_view dialog, const ProfileRect& default_value);
 
+  // Whether every read is to reach the file or the log.
+  bool reads_are_watched() const { return log_ != 0 || !use_cache_; }
+
   // The INI file's full path, or the profile's name in the registry.
   const std::u16string& profile_path() const { return profile_path_; }
   bool in_registry() const { return in_registry_; }

@@ -369,6 +369,23 @@ TEST_F(ProfileStoreTest, ProgramSettingsTakeEffectAtTheNextRead) {
       "\r\n\x89\xA1\x8F\x91\x83\x74\x83\x46\x83\x43\x83\x58\x96\xBC=Face\r\n");
   EXPECT_EQ(settings.GetInt(u"Dec", u"SvgOut::Precision", 15), 7);
   EXPECT_EQ(settings.GetStr(u"Parts", u"横書フェイス名", u""), u"Face");
+  // Whatever was read is kept only as long as the file looks the same and is not of just now.
+  for (const int age : {0, 10}) {
+    for (int i = 0; i < 20; ++i) {
+      const std::string digit = std::to_string(i % 10);
+      WriteIni("[Dec]\r\nSvgOut::Precision=" + digit + "\r\n");
+      fs::last_write_time(
+          Ini(), fs::file_time_type::clock::now() - std::chrono::seconds(age == 0 ? 0 : age + i));
+      for (int j = 0; j < 3; ++j) {
+        EXPECT_EQ(settings.GetInt(u"Dec", u"SvgOut::Precision", 15), i % 10) << age;
+        EXPECT_EQ(settings.GetStr(u"Dec", u"SvgOut::Precision", u""), Utf8ToUtf16(digit)) << age;
+        EXPECT_EQ(settings.GetInt(u"Dec", u"none", j), j);
+        EXPECT_EQ(settings.GetStr(u"Dec", u"none", u"0"), u"0");
+      }
+    }
+  }
+  fs::remove(Ini());
+  EXPECT_EQ(settings.GetInt(u"Dec", u"SvgOut::Precision", 15), 15);
 }
 
 }  // namespace
