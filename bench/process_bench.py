@@ -46,6 +46,11 @@ def main():
             missed = seconds > most_seconds or (most_megabytes and megabytes > most_megabytes)
             print(f"{what:44} {seconds:8.4f} {most_seconds:6.3f} {megabytes:6.1f} {most_megabytes or '-':>5} "
                   f"{seconds / baseline:8.1f}{'  MISSED' if missed else ''}")
+        version, _ = best_run([kerno, "--version"])
+        setting, _ = best_run([kerno, "settings", "get", "Dec", "SvgOut::Precision"])
+        more = setting - version
+        print(f"{'settings get, more than --version':44} {more:8.4f} {0.010:6.3f}"
+              f"{'  MISSED' if more > 0.010 else ''}")
 
 
 if __name__ == "__main__":
