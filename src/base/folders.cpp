@@ -48,7 +48,9 @@ fs::path PerUserFolder() {
   if (system.MakePrivateFolder(own).ok()) return own;
   // Somebody else's folder has the name, or there is no right to make one.
   const fs::path cache = system.CacheFolder();
-  if (!cache.empty() && CreateFolderPath(cache) && system.MakePrivateFolder(cache / "tmp").ok()) {
+  std::error_code error;  // no message: the next place is tried
+  fs::create_directories(cache, error);
+  if (!cache.empty() && system.MakePrivateFolder(cache / "tmp").ok()) {
     return cache / "tmp";
   }
   return system.CurrentFolder();

@@ -53,6 +53,16 @@ bool KeepCopy(const fs::path& file, std::string_view bytes) {
   return false;
 }
 
+// The first bytes of a file, where a mark would be.
+Status ReadStart(const fs::path& file, std::string* start) {
+  constexpr size_t kMark = 2;
+  return WaitForFile(file, FileWait::kRead, [&] {
+    Status opened;
+    const auto held = HeldFile::Open(file, Deny::kWrite, &opened);
+    return held ? held->Read(start, kMark) : opened;
+  });
+}
+
 std::optional<std::string> Convert(const fs::path& file, const std::string& bytes) {
   if (HasUtf16Mark(bytes)) return std::nullopt;  // another process was faster
   const Decoded decoded = Decode(bytes);
@@ -74,7 +84,10 @@ Status PrepareIniFile(const fs::path& file) {
   if (!folder.empty() && !fs::is_directory(folder, error) && !CreateFolderPath(folder)) {
     return Status::Error(Failure::kNotFound, PathText(folder), u"the folder cannot be created");
   }
-  if (!fs::is_regular_file(file, error) || IsUtf16File(file)) return Status::Ok();
+  if (!fs::is_regular_file(file, error)) return Status::Ok();
+  std::string mark;
+  Status looked = ReadStart(file, &mark);
+  if (!looked.ok() || HasUtf16Mark(mark)) return looked;
   return WaitForFile(file, FileWait::kWrite, [&] {
     return ChangeFile(file, IfMissing::kFail,
                       [&](std::string_view bytes) { return Convert(file, std::string(bytes)); });

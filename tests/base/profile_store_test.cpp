@@ -6,6 +6,7 @@
 #include "base/ini_preparation.h"
 #include "base/profile_settings.h"
 #include "base/text.h"
+#include "platform/held_file.h"
 #include "support/run.h"
 #include "support/settings_fixture.h"
 
@@ -144,6 +145,24 @@ TEST_F(ProfileStoreTest, AFolderOrALockedPlaceIsAnsweredWithDefaults) {
     EXPECT_EQ(status.what, PathText(Ini()));
   }
   EXPECT_TRUE(fs::is_directory(Ini()));
+}
+
+TEST_F(ProfileStoreTest, AFileThatIsNeverReleasedIsReadAndNotWritten) {
+  WriteIni("[A]\r\nk=1\r\n");
+  { IniStore store(u"Quenkit"); }
+  const std::string before = ReadBytes(Ini());
+  Status status;
+  const auto holder = HeldFile::Open(Ini(), Deny::kAll, &status);
+  ASSERT_TRUE(holder);
+  IniStore store(u"Quenkit");
+  EXPECT_EQ(clock_.sleeps, 100);
+  EXPECT_EQ(store.GetInt(u"A", u"k", 0), 1);
+  EXPECT_EQ(store.WriteInt(u"A", u"k", 2).failure, Failure::kSharingViolation);
+  EXPECT_EQ(clock_.sleeps, 200);
+  const std::vector<std::u16string> waits = {u"FileWait OpenRead  " + PathText(Ini()), u"",
+                                             u"FileWait OpenWrite " + PathText(Ini()), u""};
+  EXPECT_EQ(notices_.waits, waits);
+  EXPECT_EQ(ReadBytes(Ini()), before);
 }
 
 TEST_F(ProfileStoreTest, RefusesWhatWouldForgeLines) {
