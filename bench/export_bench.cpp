@@ -9,6 +9,8 @@
 #include "app/rebuild.h"
 #include "app/typesetter.h"
 #include "export/dxf_export.h"
+#include "export/svg_writer.h"
+#include "export/x3d_writer.h"
 #include "ratio.h"
 #include "sample_texts.h"
 
@@ -68,6 +70,53 @@ Status PlainDxf(const PartsA& model, FileReplacement* out) {
   return out->Write(text);
 }
 
+// The points of every contour as SVG takes them, with the precision that the writer has.
+Status PlainSvg(const PartsA& model, FileReplacement* out) {
+  std::string text;
+  for (const PartsElement& part : model.parts) {
+    text += "  <polygon points=\"";
+    for (const LineItem& line : part.lines.items) {
+      const P3& p = part.vertices[static_cast<size_t>(line.start)];
+      AppendNumber(&text, p.x, 15);
+      text += ",";
+      AppendNumber(&text, -p.y, 15);
+      text += " ";
+    }
+    text += "\"/>\n";
+  }
+  return out->Write(text);
+}
+
+// The points of every contour and two indices for each line.
+Status PlainX3d(const PartsA& model, FileReplacement* out) {
+  std::string text;
+  int32_t base = 0;
+  for (const PartsElement& part : model.parts) {
+    for (const LineItem& line : part.lines.items) {
+      for (const int32_t index : {base + line.start, base + line.end, -1}) {
+        text += std::to_string(index);
+        text += " ";
+      }
+    }
+    for (const P3& p : part.vertices) {
+      for (const double value : {p.x, p.y, p.z}) {
+        AppendNumber(&text, value, 15);
+        text += " ";
+      }
+    }
+    base += static_cast<int32_t>(part.vertices.size());
+  }
+  return out->Write(text);
+}
+
+Status Svg(const PartsA& model, FileReplacement* out) {
+  return WriteSvg(model, {}, "bench.svg", out);
+}
+
+Status X3d(const PartsA& model, FileReplacement* out) {
+  return WriteX3d(model, "bench.x3d", out);
+}
+
 Status Dxf(const PartsA& model, FileReplacement* out) {
   return WriteDxf(model, {}, "bench.dxf", out);
 }
@@ -83,14 +132,21 @@ void Add(const std::string& stage, const SampleText& sample, std::initializer_li
 }
 
 void Register(const SampleText& sample, std::initializer_list<int64_t> lengths) {
-  Add("plain_dxf", sample, lengths, PlainDxf);
-  Add("dxf", sample, lengths, Dxf);
   const std::string kind = std::string("/") + sample.name + "/";
-  for (const int64_t length : lengths) {
-    const std::string tail = kind + std::to_string(length);
-    DeclareRatio("dxf" + tail, "plain_dxf" + tail, 1);
-  }
-  if (lengths.size() == 4) DeclareRatio("dxf" + kind + "100000", "dxf" + kind + "10000", 12);
+  const auto add = [&](const std::string& format, auto plain, auto writer, double goal) {
+    Add("plain_" + format, sample, lengths, plain);
+    Add(format, sample, lengths, writer);
+    for (const int64_t length : lengths) {
+      const std::string tail = format + kind + std::to_string(length);
+      DeclareRatio(tail, "plain_" + tail, goal);
+    }
+    if (lengths.size() == 4) {
+      DeclareRatio(format + kind + "100000", format + kind + "10000", 12);
+    }
+  };
+  add("dxf", PlainDxf, Dxf, 1);
+  add("svg", PlainSvg, Svg, 2);
+  add("x3d", PlainX3d, X3d, 2);
 }
 
 const bool registered = [] {
