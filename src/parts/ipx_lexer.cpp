@@ -74,45 +74,50 @@ bool AreEightDigits(uint64_t ascii) {
   return ((above | below) & 0x8080808080808080u) == 0;
 }
 
-// Appends the digits at *at to *value, which may wrap round. How many they are.
-int TakeDigits(const char** at, const char* end, uint64_t* value) {
-  const char* const first = *at;
+// Appends the digits from `at` on to *value, which may wrap round. Where they end.
+inline const char* TakeDigits(const char* at, const char* end, uint64_t* value) {
+  uint64_t digits = *value;
   if constexpr (std::endian::native == std::endian::little) {
-    while (end - *at >= 8) {
+    while (end - at >= 8) {
       uint64_t ascii = 0;
-      std::memcpy(&ascii, *at, sizeof ascii);
+      std::memcpy(&ascii, at, sizeof ascii);
       if (!AreEightDigits(ascii)) break;
-      *value = *value * 100000000 + EightDigits(ascii);
-      *at += 8;
+      digits = digits * 100000000 + EightDigits(ascii);
+      at += 8;
     }
   }
-  for (; *at != end && IsDigit(**at); ++*at) {
-    *value = *value * 10 + static_cast<uint64_t>(**at - '0');
-  }
-  return static_cast<int>(std::min<ptrdiff_t>(*at - first, 1000));
+  for (; at != end && IsDigit(*at); ++at) digits = digits * 10 + static_cast<uint64_t>(*at - '0');
+  *value = digits;
+  return at;
 }
+
+constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9,
+                              1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
 
 // A number of digits and at most a point whose digits make an integer below 2^53: the quotient of
 // that and an exact power of ten is the nearest double. The end of it; null where the number has
 // another form.
 const char* ReadPlainNumber(const char* at, const char* end, double* value) {
-  constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9,
-                                1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
-  constexpr int kMostDigits = 18;  // leading zeros included
+  constexpr ptrdiff_t kMostDigits = 18;  // leading zeros included
   constexpr uint64_t kLimit = uint64_t{1} << 53;
   const bool negative = at != end && *at == '-';
   if (negative) ++at;
   uint64_t digits = 0;
-  int count = TakeDigits(&at, end, &digits);
-  const int whole = count;
+  const char* const first = at;
+  at = TakeDigits(at, end, &digits);
+  ptrdiff_t count = at - first;
+  ptrdiff_t decimals = 0;
   if (at != end && *at == '.') {
-    ++at;
-    count += TakeDigits(&at, end, &digits);
+    const char* const point = at;
+    at = TakeDigits(at + 1, end, &digits);
+    decimals = at - point - 1;
+    count += decimals;
   }
   // Digits beyond the limit wrapped round, but the count tells.
   if (count == 0 || count > kMostDigits || digits >= kLimit) return nullptr;
   if (at != end && !IsSeparator(*at)) return nullptr;
-  const double magnitude = static_cast<double>(digits) / kPowers[count - whole];
+  double magnitude = static_cast<double>(digits);
+  if (decimals > 0) magnitude /= kPowers[decimals];
   *value = negative ? -magnitude : magnitude;
   return at;
 }
