@@ -33,7 +33,13 @@ class DesktopSession:
                                  ("XDG_RUNTIME_DIR", "run")):
             (self.home / folder).mkdir(mode=0o700)
             self.environment[variable] = str(self.home / folder)
-        self.program = [str(program), *arguments]
+        # Settings may lie beside the program, so it gets a folder of its own.
+        own = tools / pathlib.Path(program).name
+        try:
+            os.link(program, own)
+        except OSError:
+            shutil.copy2(program, own)
+        self.program = [str(own), *arguments]
         self.server = self.process = None
 
     def __enter__(self):

@@ -69,7 +69,10 @@ class DialogServices {
     std::u16string text, face, height;
   };
   virtual Status BuildPage(const PageRequest& request, std::filesystem::path* page) = 0;
+  // Writes the page again when there is one: another output of the run was written.
+  virtual Status RefreshPage(const std::filesystem::path& base_path) = 0;
   virtual bool CanUpload() = 0;
+  // One request each, until one fails; *answer receives what the server said last.
   virtual Status Upload(const std::vector<std::filesystem::path>& files,
                         std::u16string* answer) = 0;
 

@@ -102,7 +102,12 @@ bool Outputs::Write(OutputKind kind, const PartsA& parts, AciRule aci,
   const PartsA copy = parts;
   folder_refused_ = false;
   if (!MakeBasePath(subject)) return false;
-  for (const OutputKind step : ChainOf(kind)) WriteOne(step, copy, aci, subject);
+  const std::span<const OutputKind> chain = ChainOf(kind);
+  for (const OutputKind step : chain) WriteOne(step, copy, aci, subject);
+  if (chain.back() != OutputKind::kPage) {
+    const Status refreshed = services_.RefreshPage(base_path_);
+    if (!refreshed.ok()) notifier_.FileWritten(OutputPath(base_path_, u".html"), refreshed);
+  }
   return true;
 }
 

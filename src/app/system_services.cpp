@@ -12,6 +12,8 @@
 #include "platform/file_replacement.h"
 #include "platform/font_faces.h"
 #include "platform/system.h"
+#include "web/output_run.h"
+#include "web/upload_profile.h"
 
 namespace kerno {
 namespace {
@@ -109,15 +111,26 @@ Status SystemServices::ReadParts(const fs::path& file, PartsA* parts) {
   return ReadIpxFile(file, parts);
 }
 
-Status SystemServices::BuildPage(const PageRequest&, fs::path* page) {
-  return NotYet(*page);
+Status SystemServices::BuildPage(const PageRequest& request, fs::path* page) {
+  const fs::path base = fs::path(request.base_path).replace_extension();
+  *page = PageOfRun(base);
+  return WriteOutputPage(base, {request.text, request.face, request.height});
+}
+
+Status SystemServices::RefreshPage(const fs::path& base_path) {
+  return RefreshOutputPage(fs::path(base_path).replace_extension());
 }
 
 bool SystemServices::CanUpload() {
-  return false;
+  return UploadIsConfigured();
 }
 
-Status SystemServices::Upload(const std::vector<fs::path>&, std::u16string*) {
+Status SystemServices::Upload(const std::vector<fs::path>& files, std::u16string* answer) {
+  for (const fs::path& file : files) {
+    const UploadResult result = UploadFile(file);
+    *answer = result.message;
+    if (!result.ok()) return Status::Error(Failure::kOther, result.message, u"");
+  }
   return Status::Ok();
 }
 

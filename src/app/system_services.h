@@ -28,6 +28,7 @@ class SystemServices : public DialogServices {
   Status WriteIpl(const PartsA& parts, const std::filesystem::path& file) override;
   Status ReadParts(const std::filesystem::path& file, PartsA* parts) override;
   Status BuildPage(const PageRequest& request, std::filesystem::path* page) override;
+  Status RefreshPage(const std::filesystem::path& base_path) override;
   bool CanUpload() override;
   Status Upload(const std::vector<std::filesystem::path>& files, std::u16string* answer) override;
   void AboutTexts(std::u16string* version, std::u16string* copyright) override;

@@ -41,7 +41,9 @@ class OutputsTest : public testing::Test {
 TEST_F(OutputsTest, EachButtonWritesWhatFollowsToo) {
   EXPECT_THAT(Press(ControlId::kDxf), ElementsAre("rtf .rtf", "export .dxf", "emf .emf"));
   EXPECT_THAT(Press(ControlId::kSvg), ElementsAre("export .svg", "emf .emf", "page .html"));
+  const int refreshed = services.refreshed_pages;
   EXPECT_THAT(Press(ControlId::kIpx), ElementsAre("export .ipx", "ipl .ipl"));
+  EXPECT_EQ(refreshed + 1, services.refreshed_pages) << "the page lists the new files";
   EXPECT_THAT(Press(ControlId::kDib), ElementsAre("bmp .bmp"));
   EXPECT_THAT(Press(ControlId::kEmf), ElementsAre("emf .emf"));
   EXPECT_THAT(Press(ControlId::kIpl), ElementsAre("ipl .ipl"));

@@ -85,6 +85,7 @@ class FakeDialogServices final : public DialogServices {
   std::string rtf;               // the last bytes written
   std::string failing;           // the kind of output that fails, as the log names it
   bool uploads = false;
+  int refreshed_pages = 0;
   PartsA parts_to_read;
   PartsA exported;
   std::vector<std::filesystem::path> sent;
@@ -148,6 +149,10 @@ class FakeDialogServices final : public DialogServices {
   }
   Status BuildPage(const PageRequest&, std::filesystem::path* page) override {
     return Log("page", *page);
+  }
+  Status RefreshPage(const std::filesystem::path&) override {
+    ++refreshed_pages;
+    return Status::Ok();
   }
   bool CanUpload() override { return uploads; }
   Status Upload(const std::vector<std::filesystem::path>& files, std::u16string*) override {
