@@ -8,6 +8,7 @@
 #include "export/bmp_writer.h"
 #include "export/emf_writer.h"
 #include "export/export.h"
+#include "export/ipl_writer.h"
 #include "parts/ipx.h"
 #include "platform/file_replacement.h"
 #include "platform/font_faces.h"
@@ -29,10 +30,6 @@ class OutlineFaces final : public FontFaceList {
   int WantTrueTypeOnly() const override { return 1; }
   int ExcludeVerticalFaces() const override { return 1; }
 };
-
-Status NotYet(const fs::path& file) {
-  return Status::Error(Failure::kOther, PathText(file), u"this format has no writer");
-}
 
 }  // namespace
 
@@ -103,8 +100,8 @@ Status SystemServices::WriteBitmap(const PartsA& parts, const fs::path& file) {
   return ExportBmp(parts, file);
 }
 
-Status SystemServices::WriteIpl(const PartsA&, const fs::path& file) {
-  return NotYet(file);
+Status SystemServices::WriteIpl(const PartsA& parts, const fs::path& file) {
+  return ExportIpl(parts, file);
 }
 
 Status SystemServices::ReadParts(const fs::path& file, PartsA* parts) {

@@ -27,10 +27,9 @@ def check_dxf(path):
     assert starts == ends, "every contour is closed"
 
 
-def check_bmp(path):
-    size = subprocess.run(["identify", "-format", "%m %w %h", path], check=True,
-                          capture_output=True, text=True).stdout.split()
-    assert size[0].startswith("BMP") and int(size[1]) > int(size[2]) > 50, size
+def check_ipx(path):
+    text = path.read_bytes().decode("cp932")
+    assert "Kerno" in text and text.count("\r\n") > 50, path
 
 
 def check_rtf(path, expected):
@@ -57,17 +56,22 @@ def main():
         session.wait_for(session.opened.exists)
 
         session.type("!")  # another text, the same run
-        session.key("alt+b")
-        check_bmp(session.wait_for_output(".bmp"))
+        session.key("alt+i")
+        session.wait_for_output(".ipl")
+        check_ipx(session.wait_for_output(".ipx"))
+        session.key("alt+s")
+        page = session.wait_for_output(".html").read_text(encoding="utf-8")
+        assert "Kerno 8 O!" in page and base.stem in page, page
+        subprocess.run(["xmllint", "--noout", session.wait_for_output(".svg")], check=True)
         stems = {p.name.removesuffix(p.suffix) for p in session.outputs()}
         assert stems == {base.stem}, stems
         assert session.opened.read_text().splitlines() == [str(base.parent)], "opened once"
         assert session.close() == 0
 
         session.start()  # the next run begins where this one ended
-        session.key("alt+b")
-        check_bmp(session.wait_for(lambda: next(
-            (p for p in session.outputs() if p.name.endswith("_Kerno 8 O!.bmp")), None)))
+        session.key("alt+i")
+        check_ipx(session.wait_for(lambda: next(
+            (p for p in session.outputs() if p.name.endswith("_Kerno 8 O!.ipx")), None)))
     print("ok")
 
 
