@@ -45,7 +45,6 @@ TEST(NativeOutline, StartsRunsAndEndsOfContours) {
            // Repeated points stay, the end on the start included.
            Case{{On(0, 0), On(5, 5), On(5, 5), On(0, 0)},
                 {At(0, 0), {{1, {At(5, 5), At(5, 5), At(0, 0)}}}}},
-           Case{{On(3, 4)}, {At(3, 4), {}}},
        }) {
     std::vector<std::byte> buffer;
     ASSERT_TRUE(WriteNativeOutline({contour, {contour.size()}}, &buffer));
@@ -60,14 +59,23 @@ TEST(NativeOutline, StartsRunsAndEndsOfContours) {
   }
 }
 
+TEST(NativeOutline, ContoursOfOnePointAreLeftOut) {
+  std::vector<std::byte> buffer;
+  ASSERT_TRUE(WriteNativeOutline({{On(3, 4), On(0, 0), On(8, 0), On(5, 5)}, {1, 3, 4}}, &buffer));
+  const auto contours = test::ReadNativeRecords(buffer);
+  ASSERT_EQ(contours.size(), 1U);
+  EXPECT_EQ(contours[0].start, At(0, 0));
+}
+
 TEST(NativeOutline, CoordinatesFillSixteenBits) {
   std::vector<std::byte> buffer;
   const int64_t least = -32768 * 64;
   const int64_t most = 32768 * 64 - 1;
-  ASSERT_TRUE(WriteNativeOutline({{{least, most, PointKind::kOn}}, {1}}, &buffer));
+  ASSERT_TRUE(WriteNativeOutline({{{least, most, PointKind::kOn}, On(0, 0)}, {2}}, &buffer));
   EXPECT_EQ(test::PointAt(buffer, 8), FixedPoint(INT32_MIN, INT32_MAX - 1023));
   for (const int64_t beyond : {least - 1, most + 1, INT64_MAX, INT64_MIN}) {
-    EXPECT_FALSE(WriteNativeOutline({{{0, beyond, PointKind::kOn}}, {1}}, &buffer)) << beyond;
+    EXPECT_FALSE(WriteNativeOutline({{{0, beyond, PointKind::kOn}, On(0, 0)}, {2}}, &buffer))
+        << beyond;
     EXPECT_TRUE(buffer.empty());
   }
 }

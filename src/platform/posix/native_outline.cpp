@@ -194,7 +194,8 @@ bool WriteNativeOutline(const Outline& outline, std::vector<std::byte>* buffer) 
   NativeWriter writer(buffer);
   size_t begin = 0;
   for (const size_t end : outline.ends) {
-    if (end > begin) {
+    // A contour of one point is a mark for composing glyphs; the system leaves it out.
+    if (end > begin + 1) {
       writer.Contour(std::span(outline.points).subspan(begin, end - begin));
     }
     begin = end;

@@ -1,6 +1,7 @@
 #include "platform/posix/realized_font.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <utility>
@@ -232,7 +233,10 @@ int64_t RealizedFont::Advance(int64_t hinted) const {
   // More than 1.5 times the average before rounding: 26.6 against font units.
   const bool full_width = 2 * hinted * em > 3 * units_.average_width * pixels_per_em_ * 64;
   if (choice_.fixed_pitch && full_width) {
-    return int64_t{2} * metrics_.tmAveCharWidth;
+    // Twice the average, scaled to the width before it is rounded.
+    const double average = static_cast<double>(units_.average_width * pixels_per_em_) /
+                           static_cast<double>(em) * (static_cast<double>(width_ratio_) / 65536);
+    return 2 * static_cast<int64_t>(std::floor(average + 0.5));
   }
   return CeilToPixels(ScaleX(hinted));
 }
