@@ -2,7 +2,8 @@
 JOBS ?= 2
 PYTHON := /usr/bin/python3
 
-.PHONY: all setup release run samples test bench fuzz fuzz-briefly screenshots install clean
+.PHONY: all setup release run samples test bench fuzz fuzz-briefly screenshots install clean \
+  setup-windows windows
 all: release
 
 setup:
@@ -50,6 +51,14 @@ screenshots: release
 prefix ?= /usr/local
 install: release
 	@DESTDIR=$(DESTDIR) cmake --install build/release --prefix $(prefix)
+
+# The same programs for 64-bit Windows, cross-built.
+setup-windows:
+	@sh tools/setup.sh windows
+
+windows: setup-windows
+	@cmake -S . -B build/windows -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw.cmake -DCMAKE_BUILD_TYPE=Release -DKERNO_TESTS=OFF >/dev/null
+	@cmake --build build/windows -j $(JOBS)
 
 clean:
 	@rm -rf build out

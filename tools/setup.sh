@@ -1,5 +1,6 @@
 #!/bin/sh
-# Installs the Debian packages that building, running and testing need. Does nothing when all are there.
+# Installs the Debian packages that building, running and testing need; with "windows" also those for
+# building and testing the Windows programs. Does nothing when all are there.
 set -e
 packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  qt6-base-dev xvfb xdotool unrtf
@@ -9,6 +10,11 @@ packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  libxml2-utils assimp-utils
  python3 python3-ezdxf imagemagick file emf2svg librsvg2-bin icoutils"
+
+if [ "$1" = windows ]; then
+  packages="$packages g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-x86-64-dev googletest
+ wine64 wine locales xvfb xauth"
+fi
 
 missing=""
 for package in $packages; do

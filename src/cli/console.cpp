@@ -1,12 +1,11 @@
 #include "cli/console.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 #include "base/text.h"
+#include "platform/console.h"
 
 namespace kerno {
 namespace {
@@ -79,7 +78,7 @@ void AppendJsonString(std::string* out, std::u16string_view text) {
 }
 
 ConsoleNotices::ConsoleNotices()
-    : before_(ReplaceNotices(this)), terminal_(isatty(STDERR_FILENO)) {}
+    : before_(ReplaceNotices(this)), terminal_(IsErrorTerminal()) {}
 
 ConsoleNotices::~ConsoleNotices() {
   EndBar();

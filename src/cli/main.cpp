@@ -17,6 +17,7 @@
 #include "cli/page_command.h"
 #include "cli/settings_command.h"
 #include "cli/upload_command.h"
+#include "platform/console.h"
 
 namespace kerno {
 namespace {
@@ -51,7 +52,7 @@ ExitStatus PrintHelp(const CLI::App& app, const std::string& command) {
   }
 }
 
-ExitStatus Main(int argc, char** argv) {
+ExitStatus Main(const std::vector<std::string>& arguments) {
   CLI::App app("Turns text into outline geometry for machines that cut.", "kerno");
   app.require_subcommand(0, 1);
   app.set_version_flag("--version", "kerno " KERNO_VERSION);
@@ -65,8 +66,10 @@ ExitStatus Main(int argc, char** argv) {
   std::string topic;
   CLI::App* help = app.add_subcommand("help", "explain a command");
   help->add_option("COMMAND", topic, "the command to explain");
+  std::vector<const char*> argv;
+  for (const std::string& argument : arguments) argv.push_back(argument.c_str());
   try {
-    app.parse(argc, argv);
+    app.parse(static_cast<int>(argv.size()), argv.data());
   } catch (const CLI::CallForHelp&) {
     const auto chosen = app.get_subcommands();
     return PrintText(chosen.empty() ? app.help() : chosen[0]->help(app.get_name()));
@@ -91,8 +94,9 @@ ExitStatus Main(int argc, char** argv) {
 }  // namespace kerno
 
 int main(int argc, char** argv) {
+  kerno::PrepareStandardStreams();
   try {
-    return kerno::Main(argc, argv);
+    return kerno::Main(kerno::ProgramArguments(argc, argv));
   } catch (const std::bad_alloc&) {
     kerno::ReportError("memory", "there is not enough for this text");
     return kerno::kFailed;

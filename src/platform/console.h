@@ -1,0 +1,19 @@
+// The program's arguments and its standard streams.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kerno {
+
+// The arguments in UTF-8, the program's name first. POSIX systems hand them over in UTF-8 already,
+// and bytes that are not stay as they are; a system of wide characters keeps its own copy.
+std::vector<std::string> ProgramArguments(int argc, char** argv);
+
+// Makes the standard streams carry bytes as they are written, with terminals that take them as
+// UTF-8. Called once, before anything is printed.
+void PrepareStandardStreams();
+
+bool IsErrorTerminal();
+
+}  // namespace kerno

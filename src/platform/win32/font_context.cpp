@@ -1,0 +1,173 @@
+#include "platform/win32/font_context.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+
+#include "platform/win32/wide_text.h"
+
+namespace kerno {
+namespace {
+
+constexpr char32_t kFirstFar = 0x10000;
+constexpr uint32_t kMissingGlyph = 0;
+
+FIXED ToFixed(int32_t number) {
+  FIXED fixed{};
+  fixed.value = static_cast<short>(number >> 16);
+  fixed.fract = static_cast<WORD>(number & 0xFFFF);
+  return fixed;
+}
+
+bool IsSurrogate(char32_t unit) {
+  return unit >= 0xD800 && unit < 0xE000;
+}
+bool IsPairAt(std::u16string_view text, size_t at) {
+  return at + 1 < text.size() && (text[at] & 0xFC00) == 0xD800 && (text[at + 1] & 0xFC00) == 0xDC00;
+}
+char32_t PairAt(std::u16string_view text, size_t at) {
+  return kFirstFar + ((text[at] & 0x3FFu) << 10) + (text[at + 1] & 0x3FFu);
+}
+
+bool IsIdentity(const Mat2& matrix) {
+  return matrix.eM11 == 0x10000 && matrix.eM12 == 0 && matrix.eM21 == 0 && matrix.eM22 == 0x10000;
+}
+
+// The rasteriser works in 1/64 of a unit; what some systems put into the lower bits of the 16.16
+// numbers (a repetition of the upper ones) is no part of the outline.
+void CutPoint(uint8_t* at) {
+  constexpr uint32_t kRasterBits = 0xFFFFFC00;
+  uint32_t xy[2];
+  std::memcpy(xy, at, sizeof xy);
+  for (uint32_t& number : xy) number &= kRasterBits;
+  std::memcpy(at, xy, sizeof xy);
+}
+
+void CutToRasterUnits(uint8_t* at, size_t size) {
+  while (size >= sizeof(TTPOLYGONHEADER)) {
+    TTPOLYGONHEADER header{};
+    std::memcpy(&header, at, sizeof header);
+    if (header.cb < sizeof header || header.cb > size) return;
+    CutPoint(at + offsetof(TTPOLYGONHEADER, pfxStart));
+    const size_t record_size = offsetof(TTPOLYCURVE, apfx);
+    for (size_t i = sizeof header; i + record_size <= header.cb;) {
+      WORD count = 0;
+      std::memcpy(&count, at + i + offsetof(TTPOLYCURVE, cpfx), sizeof count);
+      i += record_size;
+      if (i + count * sizeof(POINTFX) > header.cb) return;
+      for (WORD point = 0; point < count; ++point) CutPoint(at + i + point * sizeof(POINTFX));
+      i += count * sizeof(POINTFX);
+    }
+    at += header.cb;
+    size -= header.cb;
+  }
+}
+
+// Adds the extent of one run to the whole.
+void AddExtent(const SIZE& size, int64_t* length, Extent* extent) {
+  *length += size.cx;
+  extent->cy = std::max(extent->cy, static_cast<int32_t>(size.cy));
+}
+
+}  // namespace
+
+FontContext::FontContext()
+    : dc_(CreateCompatibleDC(nullptr)), stock_(SelectObject(dc_, GetStockObject(SYSTEM_FONT))) {}
+
+FontContext::~FontContext() {
+  SelectObject(dc_, stock_);
+  DeleteDC(dc_);
+}
+
+std::unique_ptr<Font> FontContext::CreateFontIndirect(const LogFont& wanted) {
+  return RealizedFont::Create(wanted);
+}
+
+Font* FontContext::SelectFont(Font* font) {
+  Font* before = selected_;
+  selected_ = font;
+  realized_ = dynamic_cast<RealizedFont*>(font);
+  SelectObject(dc_, realized_ ? realized_->handle() : GetStockObject(SYSTEM_FONT));
+  return before;
+}
+
+bool FontContext::GetTextMetrics(TextMetrics* metrics) {
+  *metrics = {};
+  TEXTMETRICW text{};
+  if (!GetTextMetricsW(dc_, &text)) return false;
+  metrics->tmHeight = text.tmHeight;
+  metrics->tmAscent = text.tmAscent;
+  metrics->tmDescent = text.tmDescent;
+  metrics->tmInternalLeading = text.tmInternalLeading;
+  metrics->tmExternalLeading = text.tmExternalLeading;
+  metrics->tmAveCharWidth = text.tmAveCharWidth;
+  metrics->tmMaxCharWidth = text.tmMaxCharWidth;
+  metrics->tmWeight = text.tmWeight;
+  return true;
+}
+
+// The system takes a character of the first plane or the index of a glyph: another character is
+// looked up first, and a surrogate half has no glyph of its own.
+uint32_t FontContext::GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics* metrics,
+                                      uint32_t size, void* buffer, const Mat2& matrix) {
+  if (format != kGgoMetrics && format != kGgoNative) return kGdiError;
+  UINT what = ch;
+  UINT how = format;
+  if (ch >= kFirstFar || IsSurrogate(ch)) {
+    what = ch >= kFirstFar && realized_ ? realized_->FarGlyph(ch) : kMissingGlyph;
+    how |= GGO_GLYPH_INDEX;
+  }
+  const MAT2 transform = {ToFixed(matrix.eM11), ToFixed(matrix.eM12), ToFixed(matrix.eM21),
+                          ToFixed(matrix.eM22)};
+  GLYPHMETRICS glyph{};
+  const DWORD needed = GetGlyphOutlineW(dc_, what, how, &glyph, size, buffer, &transform);
+  if (needed == GDI_ERROR || (buffer != nullptr && size < needed)) return kGdiError;
+  if (format == kGgoNative && buffer != nullptr && IsIdentity(matrix)) {
+    CutToRasterUnits(static_cast<uint8_t*>(buffer), needed);
+  }
+  metrics->gmBlackBoxX = glyph.gmBlackBoxX;
+  metrics->gmBlackBoxY = glyph.gmBlackBoxY;
+  metrics->gmptGlyphOriginX = glyph.gmptGlyphOrigin.x;
+  metrics->gmptGlyphOriginY = glyph.gmptGlyphOrigin.y;
+  metrics->gmCellIncX = glyph.gmCellIncX;
+  metrics->gmCellIncY = glyph.gmCellIncY;
+  return format == kGgoNative ? needed : 0;
+}
+
+bool FontContext::GetTextExtent(std::u16string_view text, Extent* extent) {
+  constexpr size_t kLongestRun = 0x4000;
+  *extent = {};
+  int64_t length = 0;
+  for (size_t at = 0; at < text.size();) {
+    SIZE size{};
+    if (IsPairAt(text, at)) {
+      auto glyph = static_cast<WORD>(realized_ ? realized_->FarGlyph(PairAt(text, at)) : 0);
+      if (!GetTextExtentPointI(dc_, &glyph, 1, &size)) return false;
+      at += 2;
+    } else {
+      size_t end = at + 1;
+      while (end < text.size() && end - at < kLongestRun && !IsPairAt(text, end)) ++end;
+      const std::wstring run = ToWide(text.substr(at, end - at));
+      if (!GetTextExtentPoint32W(dc_, run.data(), static_cast<int>(run.size()), &size)) {
+        return false;
+      }
+      at = end;
+    }
+    AddExtent(size, &length, extent);
+  }
+  if (text.empty()) {
+    TextMetrics metrics;
+    if (!GetTextMetrics(&metrics)) return false;
+    extent->cy = metrics.tmHeight;
+  }
+  constexpr int64_t kLongest = std::numeric_limits<int32_t>::max();
+  extent->cx = static_cast<int32_t>(std::min(length, kLongest));
+  return true;
+}
+
+std::unique_ptr<DeviceContext> CreateMeasuringContext() {
+  return std::make_unique<FontContext>();
+}
+
+}  // namespace kerno

@@ -1,0 +1,16 @@
+// The two routes to a special folder.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+namespace kerno {
+
+// By the function that answers a path, where the shell has it, else by the item list. Empty when
+// the system does not know the folder.
+std::filesystem::path SpecialFolderPath(uint32_t id);
+
+// By the item list alone, as on systems whose shell has no such function.
+std::filesystem::path SpecialFolderByItemList(uint32_t id);
+
+}  // namespace kerno

@@ -1,0 +1,46 @@
+#!/bin/sh
+# Runs a Windows program under Wine: tools/run_windows.sh PROGRAM [ARGUMENT...]. The prefix is the
+# build's own (KERNO_WINEPREFIX, else build/windows/wineprefix), made at the first use, in a Japanese
+# locale when the machine has one or can make one.
+set -e
+root=$(cd "$(dirname "$0")/.." && pwd)
+wine=""
+for candidate in /usr/lib/wine/wine64 /usr/lib/x86_64-linux-gnu/wine/wine64; do
+  [ -x "$candidate" ] && wine=$candidate && break
+done
+[ -n "$wine" ] || wine=$(command -v wine64 || command -v wine) ||
+  { echo "run_windows: Wine is not installed (tools/setup.sh windows)" >&2; exit 1; }
+
+WINEPREFIX=${KERNO_WINEPREFIX:-$root/build/windows/wineprefix}
+WINEDEBUG=-all
+WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe="
+export WINEPREFIX WINEDEBUG WINEDLLOVERRIDES
+
+# The locale lies beside the prefix, so that no right to install it is needed.
+locales=$(dirname "$WINEPREFIX")/locales
+mkdir -p "$locales"
+if [ ! -d "$locales/ja_JP.utf8" ]; then
+  localedef -i ja_JP -f UTF-8 "$locales/ja_JP.utf8" >/dev/null 2>&1 || true
+fi
+if [ -d "$locales/ja_JP.utf8" ]; then
+  LOCPATH=$locales
+  LANG=ja_JP.UTF-8
+  LC_ALL=ja_JP.UTF-8
+  export LOCPATH LANG LC_ALL
+fi
+
+if [ ! -f "$WINEPREFIX/ready" ]; then
+  mkdir -p "$(dirname "$WINEPREFIX")"
+  exec 9>"$WINEPREFIX.lock"
+  flock 9
+  if [ ! -f "$WINEPREFIX/ready" ]; then
+    "$wine" wineboot -i >/dev/null 2>&1
+    touch "$WINEPREFIX/ready"
+  fi
+  exec 9>&-
+fi
+# Starting the server costs a second: it stays for a while, so that the next program finds it.
+for server in "$(dirname "$wine")/wineserver64" "$(dirname "$wine")/wineserver"; do
+  [ -x "$server" ] && { "$server" -p20 >/dev/null 2>&1 || true; } && break
+done
+exec "$wine" "$@"
