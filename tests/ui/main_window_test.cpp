@@ -209,6 +209,31 @@ TEST_F(MainWindowTest, TheHoleOfAnOIsOpenInTheFigure) {
   EXPECT_GT(dark, 20) << "the two stems";
 }
 
+TEST_F(MainWindowTest, NothingTypedBreaksIt) {
+  SystemServices real;
+  Show(real);
+  auto* height = Find<QLineEdit>(ControlId::kHeightEdit);
+  const auto type = [height](const char* number) {
+    height->selectAll();
+    QTest::keyClicks(height, number);
+  };
+  for (const char* letters : {"", "   ", "\t", "Ab"}) {
+    text->setPlainText(letters);
+    for (const char* number : {"0", "-1000", "10000", "-999999999999", "999999999999", "x"}) {
+      type(number);
+      window->grab();
+      EXPECT_FALSE(Find<QLabel>(ControlId::kStatus)->text().isEmpty()) << number;
+    }
+  }
+  type("100");
+  for (const char* face : {"", "@", "@@", "No such face", "@No such face"}) {
+    Find<QComboBox>(ControlId::kFace)->setEditText(face);
+    EXPECT_EQ(window->dialog().contours().counts.size(), window->dialog().item_count());
+  }
+  Find<QComboBox>(ControlId::kFace)->setEditText("DejaVu Sans");
+  EXPECT_EQ(4u, window->dialog().item_count()) << "and it still works";
+}
+
 TEST_F(MainWindowTest, DarkPalettesKeepEverythingLegible) {
   const QPalette before = QApplication::palette();
   QPalette dark = before;
