@@ -16,6 +16,7 @@ namespace {
 
 constexpr uint32_t kSlowRebuild = 60;   // milliseconds from which changes are gathered
 constexpr double kPreviewDetail = 0.5;  // pixels
+constexpr double kFlat = 2;             // pixels
 constexpr int kGatherFor = 250;         // milliseconds without a change until they are set
 
 size_t IndexOf(Color color) {
@@ -299,9 +300,13 @@ void Dialog::PaintPreview(DrawingContext& dc, double density) {
     DrawParts(dc, is_pending_ ? parts_ : parts(), fit, options);
     return;
   }
-  // An outline in the figure's own colour would only make it bolder than it is.
+  // An outline in the figure's own colour would only make it bolder than it is, unless the figure
+  // is too flat to be seen without.
   const Color outline = second_colors_[memory_.second_color].color;
-  const PenStyle style = outline == FirstColor() ? PenStyle::kNull : PenStyle::kSolid;
+  const double height = (contours_box_.max.y - contours_box_.min.y) * fit.scale;
+  const double width = (contours_box_.max.x - contours_box_.min.x) * fit.scale;
+  const bool is_flat = height < kFlat || width < kFlat;
+  const PenStyle style = outline == FirstColor() && !is_flat ? PenStyle::kNull : PenStyle::kSolid;
   const auto pen = dc.CreatePenIndirect({.style = style, .color = outline});
   const auto brush = dc.CreateBrushIndirect({.color = FirstColor()});
   Pen* const pen_before = dc.SelectPen(pen.get());

@@ -105,6 +105,7 @@ class Dialog final : private OutputNotifier, private Notices {
   void WriteOutput(OutputKind kind);
   void Upload();
   void ReportOutputs();
+  void EndProgress();
   void SetOutputFolder(const std::filesystem::path& folder);
   bool DropOne(const std::filesystem::path& file);
   void DropText(const std::filesystem::path& file);

@@ -149,8 +149,7 @@ void Dialog::Upload() {
 
 void Dialog::ReportOutputs() {
   collects_ = false;
-  if (shows_progress_) view_.EndProgress();
-  shows_progress_ = false;
+  EndProgress();
   std::u16string names;
   for (const fs::path& file : reported_) {
     if (!names.empty()) names += u", ";
@@ -208,13 +207,23 @@ Continue Dialog::Progress(std::u16string_view text, int64_t done, int64_t total)
   return view_.ShowProgress(text, done, total);
 }
 
+void Dialog::EndProgress() {
+  if (shows_progress_) view_.EndProgress();
+  shows_progress_ = false;
+}
+
 // Drops
 
 void Dialog::Dropped(const std::vector<fs::path>& files) {
   for (const fs::path& file : files) {
-    if (DropOne(file)) continue;
+    const bool taken = DropOne(file);
+    EndProgress();
+    if (taken) continue;
+    std::error_code error;
     const std::u16string text =
-        PathText(file) + u": Kerno takes text files, parts files (.ipx) and font files.";
+        PathText(file) + (fs::exists(file, error)
+                              ? u": Kerno takes text files, parts files (.ipx) and font files."
+                              : u": there is no such file.");
     ShowStatus(text, StatusKind::kWarning);
     view_.ShowMessage(text);
   }

@@ -198,6 +198,8 @@ TEST_F(DialogTest, DroppedFilesAreTextPartsFontsOrRefused) {
 
   services.parts_to_read.parts.resize(3);
   dialog->Dropped({folder / "drawing.IPX"});
+  EXPECT_EQ(1, view.progress_calls);
+  EXPECT_TRUE(view.closed_progress);
   EXPECT_TRUE(view.status.starts_with(u"drawing.IPX  ·  3 parts"));
   dialog->Pressed(ControlId::kSvg);
   EXPECT_EQ(3u, services.exported.parts.size());

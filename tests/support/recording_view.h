@@ -145,6 +145,7 @@ class FakeDialogServices final : public DialogServices {
   }
   Status ReadParts(const std::filesystem::path& file, PartsA* parts) override {
     *parts = parts_to_read;
+    (void)CurrentNotices().Progress(u"reading", 1, 2);
     return Log("read", file);
   }
   Status BuildPage(const PageRequest&, std::filesystem::path* page) override {
