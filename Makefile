@@ -34,14 +34,15 @@ bench: release
 
 # Feeds each reader random inputs, FUZZ_SECONDS each; "make test" does it for a few seconds.
 FUZZ_SECONDS ?= 60
+FUZZ_SEED ?= 0
 fuzz: setup
 	@cmake -S . -B build/fuzz -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
 	  -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKERNO_SANITIZE=ON -DKERNO_FUZZ=ON -DKERNO_TESTS=OFF >/dev/null
 	@cmake --build build/fuzz -j $(JOBS) --target fuzzers
-	@cd build/fuzz && FUZZ_SECONDS=$(FUZZ_SECONDS) ctest -R '^fuzz_' --output-on-failure
+	@cd build/fuzz && FUZZ_SECONDS=$(FUZZ_SECONDS) FUZZ_SEED=$(FUZZ_SEED) ctest -R '^fuzz_' --output-on-failure
 
 fuzz-briefly: setup
-	@$(MAKE) --no-print-directory fuzz FUZZ_SECONDS=5
+	@$(MAKE) --no-print-directory fuzz FUZZ_SECONDS=5 FUZZ_SEED=1
 
 # Pictures of the window in each of its states, in out/screenshots.
 screenshots: release

@@ -225,6 +225,15 @@ void EnsureLineEnd(std::u16string* text) {
   if (!text->empty() && text->back() != u'\n' && text->back() != u'\r') text->append(u"\r\n");
 }
 
+// The last line with something on it as the reader sees it, without blanks around it.
+std::u16string_view LastLine(std::u16string_view text) {
+  const size_t last = text.find_last_not_of(u"\r\n");
+  if (last == kNone) return {};
+  const size_t before = text.find_last_of(u"\r\n", last);
+  const size_t begin = before == kNone ? 0 : before + 1;
+  return Trim(text.substr(begin, last + 1 - begin));
+}
+
 }  // namespace
 
 bool IsRegistryText(std::u16string_view text) {
@@ -251,9 +260,11 @@ void SetRegistryText(std::u16string* text, std::u16string_view key, std::u16stri
   if (state.value) {
     text->replace(state.value->begin, state.value->end - state.value->begin, line);
   } else if (state.block_end == text->size()) {
-    EnsureLineEnd(text);
     // Data that was cut off behind its "\" goes on in the next line, which has to be an empty one.
-    if (text->ends_with(u"\\\r\n") || text->ends_with(u"\\\n")) text->append(u"\r\n");
+    const std::u16string_view last = LastLine(*text);
+    const bool goes_on = !last.empty() && last.back() == u'\\';
+    EnsureLineEnd(text);
+    if (goes_on) text->append(u"\r\n");
     text->append(line);
   } else if (state.block_end != kNone) {
     text->insert(state.block_end, line);
