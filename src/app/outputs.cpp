@@ -99,7 +99,8 @@ bool Outputs::MakeBasePath(const OutputSubject& subject) {
 
 bool Outputs::Write(OutputKind kind, const PartsA& parts, AciRule aci,
                     const OutputSubject& subject) {
-  const PartsA copy = parts;
+  // The view may handle events while progress is shown, and the drawing change with them.
+  const PartsA copy = parts;  // NOLINT(performance-unnecessary-copy-initialization)
   folder_refused_ = false;
   if (!MakeBasePath(subject)) return false;
   const std::span<const OutputKind> chain = ChainOf(kind);

@@ -158,7 +158,7 @@ void MainWindow::SetTabOrder() {
 
 QMenuBar* MainWindow::MakeMenu() {
   auto* bar = new QMenuBar(this);
-  for (const MenuColumn& column : Menu()) {
+  for (const MenuColumn& column : Menu()) {  // NOLINT: the window owns its groups
     QMenu* menu = bar->addMenu(ToQString(column.caption));
     QActionGroup* group = nullptr;
     for (const MenuRow& row : column.rows) {
