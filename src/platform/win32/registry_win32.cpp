@@ -66,6 +66,11 @@ LSTATUS ReadValue(HKEY key, const std::wstring& name, DWORD* type, std::vector<u
 
 }  // namespace
 
+// The system keeps it itself.
+std::filesystem::path RegistryFile() {
+  return {};
+}
+
 RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
                               RegistryValue* value) {
   Key opened;

@@ -2,21 +2,26 @@ kerno_room(platform
   SOURCES
     drawing.cpp
     private_profile.cpp
+    win32/bitmap_surface_win32.cpp
     win32/clock_win32.cpp
     win32/code_page_win32.cpp
     win32/console_win32.cpp
     win32/file_replacement_win32.cpp
     win32/font_context.cpp
     win32/font_faces_win32.cpp
+    win32/gdi_drawing.cpp
     win32/held_file_win32.cpp
+    win32/http_session_win32.cpp
     win32/long_path.cpp
     win32/private_profile_win32.cpp
     win32/realized_font.cpp
     win32/registry_win32.cpp
     win32/scratch_file_win32.cpp
+    win32/shell_win32.cpp
     win32/special_folder.cpp
     win32/stock_font_win32.cpp
     win32/system_error.cpp
+    win32/system_facts_win32.cpp
     win32/system_win32.cpp
     win32/wide_text.cpp
-  LIBRARIES gdi32 user32 shell32 advapi32 ole32)
+  LIBRARIES gdi32 user32 wininet shell32 advapi32 ole32)

@@ -1,0 +1,116 @@
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "platform/shell.h"
+#include "platform/system.h"
+#include "platform/win32/special_folder.h"
+#include "platform/win32/wide_text.h"
+#include "platform/win32/windows_api.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint32_t kProgramFilesX86 = 0x2A;  // CSIDL_PROGRAM_FILESX86
+
+// An argument as programs of this system take it apart again: quotes round it where it needs them,
+// quotes within it escaped, and the backslashes before a quote doubled.
+void AppendArgument(std::wstring* line, const std::wstring& argument) {
+  if (!line->empty()) line->push_back(L' ');
+  if (!argument.empty() && argument.find_first_of(L" \t\n\v\"") == argument.npos) {
+    *line += argument;
+    return;
+  }
+  line->push_back(L'"');
+  size_t backslashes = 0;
+  for (const wchar_t unit : argument) {
+    if (unit == L'"') line->append(backslashes + 1, L'\\');
+    backslashes = unit == L'\\' ? backslashes + 1 : 0;
+    line->push_back(unit);
+  }
+  line->append(backslashes, L'\\');
+  line->push_back(L'"');
+}
+
+std::wstring Joined(const std::vector<std::u16string>& parameters) {
+  std::wstring line;
+  for (const std::u16string& parameter : parameters) AppendArgument(&line, ToWide(parameter));
+  return line;
+}
+
+class WindowsShell final : public Shell {
+ public:
+  int Execute(std::u16string_view verb, const fs::path& file,
+              const std::vector<std::u16string>& parameters, const fs::path& folder) override {
+    const std::wstring wide_verb = ToWide(verb);
+    const std::wstring line = Joined(parameters);
+    SHELLEXECUTEINFOW request{};
+    request.cbSize = sizeof request;
+    request.fMask = SEE_MASK_FLAG_NO_UI | SEE_MASK_NOASYNC;
+    request.lpVerb = wide_verb.c_str();
+    request.lpFile = file.c_str();
+    request.lpParameters = line.empty() ? nullptr : line.c_str();
+    request.lpDirectory = folder.empty() ? nullptr : folder.c_str();
+    request.nShow = SW_SHOWNORMAL;
+    ShellExecuteExW(&request);
+    return static_cast<int>(reinterpret_cast<INT_PTR>(request.hInstApp));
+  }
+
+  bool StartProcess(const fs::path& file, const std::vector<std::u16string>& parameters,
+                    const fs::path& folder) override {
+    std::wstring line;
+    AppendArgument(&line, file.native());
+    for (const std::u16string& parameter : parameters) AppendArgument(&line, ToWide(parameter));
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, NORMAL_PRIORITY_CLASS,
+                        nullptr, folder.empty() ? nullptr : folder.c_str(), &start, &process)) {
+      return false;
+    }
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return true;
+  }
+
+  std::vector<fs::path> ProgramFolders() override {
+    std::vector<fs::path> folders;
+    const std::wstring path = ToWide(CurrentSystem().Environment(u"PATH").value_or(u""));
+    for (size_t at = 0; at < path.size();) {
+      const size_t end = std::min(path.find(L';', at), path.size());
+      if (end > at) folders.emplace_back(path.substr(at, end - at));
+      at = end + 1;
+    }
+    return folders;
+  }
+
+  std::vector<fs::path> ApplicationFolders() override {
+    std::vector<fs::path> folders;
+    for (const uint32_t id :
+         {static_cast<uint32_t>(SpecialFolderId::kProgramFiles), kProgramFilesX86}) {
+      if (fs::path folder = SpecialFolderPath(id); !folder.empty()) {
+        folders.push_back(std::move(folder));
+      }
+    }
+    return folders;
+  }
+};
+
+WindowsShell windows_shell;
+Shell* current = &windows_shell;
+
+}  // namespace
+
+Shell& CurrentShell() {
+  return *current;
+}
+
+Shell* ReplaceShell(Shell* shell) {
+  Shell* before = current;
+  current = shell ? shell : &windows_shell;
+  return before;
+}
+
+}  // namespace kerno

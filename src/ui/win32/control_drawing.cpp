@@ -1,0 +1,86 @@
+#include "ui/win32/control_drawing.h"
+
+#include <algorithm>
+#include <string>
+
+namespace kerno {
+namespace {
+
+constexpr COLORREF kFailureColor = RGB(170, 0, 0);
+constexpr COLORREF kWarningColor = RGB(130, 75, 0);
+
+std::wstring ItemText(const DRAWITEMSTRUCT& item) {
+  const LRESULT length = SendMessageW(item.hwndItem, CB_GETLBTEXTLEN, item.itemID, 0);
+  if (length == CB_ERR) return {};
+  std::wstring text(static_cast<size_t>(length) + 1, L'\0');
+  SendMessageW(item.hwndItem, CB_GETLBTEXT, item.itemID, reinterpret_cast<LPARAM>(text.data()));
+  text.resize(static_cast<size_t>(length));
+  return text;
+}
+
+// Fills the item's ground and sets the text colour on it.
+void DrawGround(const DRAWITEMSTRUCT& item) {
+  const bool selected = (item.itemState & ODS_SELECTED) != 0;
+  const bool disabled = (item.itemState & ODS_DISABLED) != 0;
+  FillRect(item.hDC, &item.rcItem, GetSysColorBrush(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
+  SetBkMode(item.hDC, TRANSPARENT);
+  SetTextColor(item.hDC, GetSysColor(disabled   ? COLOR_GRAYTEXT
+                                     : selected ? COLOR_HIGHLIGHTTEXT
+                                                : COLOR_WINDOWTEXT));
+}
+
+void DrawFocus(const DRAWITEMSTRUCT& item) {
+  if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0) {
+    DrawFocusRect(item.hDC, &item.rcItem);
+  }
+}
+
+void DrawLabel(const DRAWITEMSTRUCT& item, const std::wstring& text, LONG left) {
+  RECT place = item.rcItem;
+  place.left = left;
+  DrawTextW(item.hDC, text.c_str(), static_cast<int>(text.size()), &place,
+            DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+}
+
+}  // namespace
+
+void DrawFaceItem(const DRAWITEMSTRUCT& item) {
+  DrawGround(item);
+  if (item.itemID == static_cast<UINT>(-1)) return;
+  const std::wstring name = ItemText(item);
+  LOGFONTW description{};
+  description.lfHeight = (item.rcItem.bottom - item.rcItem.top) * 4 / 5;
+  description.lfCharSet = DEFAULT_CHARSET;
+  name.copy(description.lfFaceName, LF_FACESIZE - 1);
+  const HFONT font = CreateFontIndirectW(&description);
+  const HGDIOBJ before = SelectObject(item.hDC, font);
+  DrawLabel(item, name, item.rcItem.left + 4);
+  SelectObject(item.hDC, before);
+  DeleteObject(font);
+  DrawFocus(item);
+}
+
+void DrawColorItem(const DRAWITEMSTRUCT& item) {
+  DrawGround(item);
+  if (item.itemID == static_cast<UINT>(-1)) return;
+  RECT swatch = item.rcItem;
+  InflateRect(&swatch, -3, -3);
+  const LONG side = swatch.bottom - swatch.top;
+  swatch.right = std::min(swatch.left + 2 * side, item.rcItem.right);
+  const HBRUSH brush = CreateSolidBrush(static_cast<COLORREF>(item.itemData));
+  FillRect(item.hDC, &swatch, brush);
+  DeleteObject(brush);
+  FrameRect(item.hDC, &swatch, GetSysColorBrush(COLOR_GRAYTEXT));
+  DrawLabel(item, ItemText(item), swatch.right + 6);
+  DrawFocus(item);
+}
+
+HBRUSH StatusBrush(HDC dc, StatusKind kind) {
+  SetBkMode(dc, TRANSPARENT);
+  SetTextColor(dc, kind == StatusKind::kFailure   ? kFailureColor
+                   : kind == StatusKind::kWarning ? kWarningColor
+                                                  : GetSysColor(COLOR_BTNTEXT));
+  return GetSysColorBrush(COLOR_BTNFACE);
+}
+
+}  // namespace kerno

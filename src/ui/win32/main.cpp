@@ -1,0 +1,47 @@
+// kerno-desktop: the main window as a program.
+
+#include <filesystem>
+#include <vector>
+
+#include "app/system_services.h"
+#include "base/profile_settings.h"
+#include "platform/win32/windows_api.h"
+#include "ui/win32/main_window.h"
+#include "ui/win32/windows_controls.h"
+
+namespace kerno {
+namespace {
+
+std::vector<std::filesystem::path> FilesToOpen() {
+  int count = 0;
+  LPWSTR* const arguments = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::filesystem::path> files;
+  for (int i = 1; arguments != nullptr && i < count; ++i) files.emplace_back(arguments[i]);
+  LocalFree(arguments);
+  return files;
+}
+
+int RunProgram(HINSTANCE instance, int show) {
+  INITCOMMONCONTROLSEX controls = {sizeof controls,
+                                   ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS | ICC_PROGRESS_CLASS};
+  InitCommonControlsEx(&controls);
+  if (LoadLibraryW(L"Msftedit.dll") == nullptr) {
+    MessageBoxW(nullptr, L"Msftedit.dll: the rich edit control is not there", L"Kerno",
+                MB_OK | MB_ICONERROR);
+    return 1;
+  }
+  InstallProfileSettings();
+  SystemServices services;
+  MainWindow window(instance, services);
+  return window.Run(show, FilesToOpen());
+}
+
+}  // namespace
+}  // namespace kerno
+
+int WINAPI wWinMain(HINSTANCE instance, HINSTANCE /*before*/, PWSTR /*command_line*/, int show) {
+  const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  const int status = kerno::RunProgram(instance, show);
+  if (SUCCEEDED(com)) CoUninitialize();
+  return status;
+}

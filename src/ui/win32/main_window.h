@@ -1,0 +1,103 @@
+// The main window as a dialog of the system: controls from a resource, no toolkit. It shows and
+// forwards; the decisions are Dialog's.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/dialog.h"
+#include "platform/drawing.h"
+#include "platform/win32/windows_api.h"
+#include "ui/win32/progress_window.h"
+#include "ui/win32/text_box.h"
+
+namespace kerno {
+
+class MainWindow final : private DialogView {
+ public:
+  // Makes the window, hidden. `services` outlives it.
+  MainWindow(HINSTANCE instance, DialogServices& services);
+  ~MainWindow() override;
+  MainWindow(const MainWindow&) = delete;
+  MainWindow& operator=(const MainWindow&) = delete;
+
+  // Shows it, opens the files, and runs until it is closed. The program's exit status.
+  int Run(int show, const std::vector<std::filesystem::path>& files);
+
+ private:
+  // DialogView
+  void ShowText(std::u16string_view text, TextChange change) override;
+  void ShowTextFormat(std::u16string_view face, Color color) override;
+  void ShowFaces(const std::vector<std::u16string>& faces) override;
+  void ShowControlText(ControlId id, std::u16string_view text) override;
+  void ShowChecked(ControlId id, bool checked) override;
+  void ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) override;
+  void Enable(ControlId id, bool enabled) override;
+  void ShowControl(ControlId id, bool visible) override;
+  void ShowMenuChecked(MenuCommand command, bool checked) override;
+  void ShowStatus(std::u16string_view text, StatusKind kind) override;
+  void RepaintPreview() override;
+  void ShowMessage(std::u16string_view text) override;
+  Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) override;
+  void EndProgress() override;
+  void ShowAbout(std::u16string_view version, std::u16string_view copyright) override;
+  std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) override;
+  void PasteIntoText() override;
+  bool LoadFontFile(const std::filesystem::path& file) override;
+  void CallWhenDue(int milliseconds) override;
+  std::optional<WindowRect> WindowPlace() const override;
+  std::vector<WindowRect> Screens() const override;
+  void MoveWindow(const WindowRect& rect) override;
+  void CloseWindow() override;
+
+  // Messages
+  static INT_PTR CALLBACK DialogProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+  static LRESULT CALLBACK PreviewProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
+                                      UINT_PTR id, DWORD_PTR self);
+  INT_PTR Receive(UINT message, WPARAM wparam, LPARAM lparam);
+  LRESULT ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam);
+  void InitDialog();
+  void AddSystemMenuEntry();
+  void MakeMenu();
+  void MakeAccelerators();
+  bool Command(int id, int notification);
+  void ComboChanged(ControlId id, int notification);
+  bool Notify(const NMHDR& header);
+  void DrawItem(const DRAWITEMSTRUCT& item);
+  void Dropped(HDROP drop);
+  void LayOut();
+  void SizeDropDowns();
+  void PaintIcon();
+  void PaintPreview(HDC dc);
+  bool PreviewKey(WPARAM key);
+  void ShowWaitingMessages();
+  bool SwallowsEscape(const MSG& message) const;
+
+  HWND Item(ControlId id) const { return GetDlgItem(window_, static_cast<int>(id)); }
+  int Scaled(int units) const;
+  std::u16string TextOf(ControlId id) const;
+  std::u16string ComboText(ControlId id, int notification) const;
+
+  HINSTANCE instance_;
+  HWND window_ = nullptr;
+  HMENU menu_ = nullptr;
+  HACCEL accelerators_ = nullptr;
+  HICON icon_ = nullptr;
+  HICON small_icon_ = nullptr;
+  std::optional<TextBox> text_;
+  std::optional<ProgressWindow> progress_;
+  std::unique_ptr<Dialog> dialog_;
+  std::unique_ptr<BitmapSurface> picture_;  // of the preview
+  bool picture_is_stale_ = true;
+  bool shows_ = false;  // what comes from the controls meanwhile is an echo
+  bool closing_ = false;
+  bool ready_ = false;  // the controls are there
+  StatusKind status_kind_ = StatusKind::kNormal;
+  std::optional<POINT> drag_from_;
+  std::vector<std::wstring> messages_;  // to be shown when the event under way is over
+};
+
+}  // namespace kerno

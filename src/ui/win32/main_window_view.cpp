@@ -1,0 +1,253 @@
+// What the main window shows when it is told.
+
+#include <array>
+
+#include "app/controls.h"
+#include "platform/win32/wide_text.h"
+#include "ui/win32/main_window.h"
+#include "ui/win32/resource.h"
+#include "ui/win32/windows_controls.h"
+
+namespace kerno {
+namespace {
+
+constexpr UINT kShowMessages = WM_APP + 1;
+constexpr UINT_PTR kDueTimer = 1;
+
+// True while it lives.
+class Raised {
+ public:
+  explicit Raised(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
+  ~Raised() { flag_ = before_; }
+  Raised(const Raised&) = delete;
+  Raised& operator=(const Raised&) = delete;
+
+ private:
+  bool& flag_;
+  bool before_;
+};
+
+struct AboutTexts {
+  std::wstring version;
+  std::wstring copyright;
+};
+
+INT_PTR CALLBACK AboutProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+  if (message == WM_INITDIALOG) {
+    const auto& texts = *reinterpret_cast<const AboutTexts*>(lparam);
+    SetDlgItemTextW(window, static_cast<int>(ControlId::kAboutVersion), texts.version.c_str());
+    SetDlgItemTextW(window, static_cast<int>(ControlId::kAboutCopyright), texts.copyright.c_str());
+    return TRUE;
+  }
+  if (message == WM_COMMAND && (LOWORD(wparam) == IDOK || LOWORD(wparam) == IDCANCEL)) {
+    EndDialog(window, LOWORD(wparam));
+    return TRUE;
+  }
+  return FALSE;
+}
+
+// Releases an interface of the shell with its owner.
+template <class T>
+class Interface {
+ public:
+  Interface() = default;
+  ~Interface() {
+    if (pointer_ != nullptr) pointer_->Release();
+  }
+  Interface(const Interface&) = delete;
+  Interface& operator=(const Interface&) = delete;
+  T* operator->() const { return pointer_; }
+  T* get() const { return pointer_; }
+  T** put() { return &pointer_; }
+
+ private:
+  T* pointer_ = nullptr;
+};
+
+BOOL CALLBACK CollectWorkArea(HMONITOR monitor, HDC /*dc*/, LPRECT /*place*/, LPARAM target) {
+  MONITORINFO info{};
+  info.cbSize = sizeof info;
+  if (GetMonitorInfoW(monitor, &info)) {
+    const RECT& work = info.rcWork;
+    reinterpret_cast<std::vector<WindowRect>*>(target)->push_back(
+        {work.left, work.top, work.right, work.bottom});
+  }
+  return TRUE;
+}
+
+}  // namespace
+
+void MainWindow::ShowText(std::u16string_view text, TextChange change) {
+  const Raised raised(shows_);
+  text_->ShowText(text, change);
+}
+
+void MainWindow::ShowTextFormat(std::u16string_view face, Color color) {
+  const Raised raised(shows_);
+  text_->ShowFormat(face, color);
+}
+
+void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
+  const Raised raised(shows_);
+  const HWND combo = Item(ControlId::kFace);
+  const std::u16string typed = TextOf(ControlId::kFace);
+  SendMessageW(combo, WM_SETREDRAW, FALSE, 0);
+  SendMessageW(combo, CB_RESETCONTENT, 0, 0);
+  for (const std::u16string& face : faces) {
+    SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(ToWide(face).c_str()));
+  }
+  SetWindowTextW(combo, ToWide(typed).c_str());
+  SendMessageW(combo, WM_SETREDRAW, TRUE, 0);
+  InvalidateRect(combo, nullptr, TRUE);
+}
+
+void MainWindow::ShowControlText(ControlId id, std::u16string_view text) {
+  const Raised raised(shows_);
+  if (TextOf(id) != text) SetWindowTextW(Item(id), ToWide(text).c_str());
+}
+
+void MainWindow::ShowChecked(ControlId id, bool checked) {
+  CheckDlgButton(window_, static_cast<int>(id), checked ? BST_CHECKED : BST_UNCHECKED);
+}
+
+void MainWindow::ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) {
+  const Raised raised(shows_);
+  const HWND combo = Item(id);
+  SendMessageW(combo, CB_RESETCONTENT, 0, 0);
+  for (const ColorChoice& choice : colors) {
+    const LRESULT index =
+        SendMessageW(combo, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(ToWide(choice.name).c_str()));
+    SendMessageW(combo, CB_SETITEMDATA, static_cast<WPARAM>(index),
+                 static_cast<LPARAM>(choice.color));
+  }
+  SendMessageW(combo, CB_SETCURSEL, selected, 0);
+}
+
+void MainWindow::Enable(ControlId id, bool enabled) {
+  EnableWindow(Item(id), enabled);
+}
+
+void MainWindow::ShowControl(ControlId id, bool visible) {
+  ShowWindow(Item(id), visible ? SW_SHOWNA : SW_HIDE);
+  LayOut();
+}
+
+void MainWindow::ShowMenuChecked(MenuCommand command, bool checked) {
+  CheckMenuItem(menu_, static_cast<UINT>(command),
+                static_cast<UINT>(MF_BYCOMMAND) | (checked ? MF_CHECKED : MF_UNCHECKED));
+}
+
+void MainWindow::ShowStatus(std::u16string_view text, StatusKind kind) {
+  status_kind_ = kind;
+  const HWND status = Item(ControlId::kStatus);
+  SetWindowTextW(status, ToWide(text).c_str());
+  InvalidateRect(status, nullptr, TRUE);
+}
+
+void MainWindow::RepaintPreview() {
+  picture_is_stale_ = true;
+  InvalidateRect(Item(ControlId::kPreview), nullptr, FALSE);
+}
+
+// A message box handles events while it stands: it waits until the one under way is over.
+void MainWindow::ShowMessage(std::u16string_view text) {
+  messages_.push_back(ToWide(text));
+  if (closing_) {
+    ShowWaitingMessages();
+  } else if (messages_.size() == 1) {
+    PostMessageW(window_, kShowMessages, 0, 0);
+  }
+}
+
+void MainWindow::ShowWaitingMessages() {
+  while (!messages_.empty()) {
+    const std::wstring text = messages_.front();
+    MessageBoxW(window_, text.c_str(), L"Kerno", MB_OK | MB_ICONWARNING);
+    messages_.erase(messages_.begin());
+  }
+}
+
+Continue MainWindow::ShowProgress(std::u16string_view text, int64_t done, int64_t total) {
+  if (!progress_) progress_.emplace(instance_, window_);
+  return progress_->Show(text, done, total);
+}
+
+void MainWindow::EndProgress() {
+  progress_.reset();
+}
+
+void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copyright) {
+  const AboutTexts texts = {ToWide(version), ToWide(copyright)};
+  DialogBoxParamW(instance_, MAKEINTRESOURCEW(KERNO_ABOUT_DIALOG), window_, AboutProc,
+                  reinterpret_cast<LPARAM>(&texts));
+}
+
+std::optional<std::filesystem::path> MainWindow::AskFolder(const std::filesystem::path& start) {
+  Interface<IFileOpenDialog> dialog;
+  if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER,
+                              IID_IFileOpenDialog, reinterpret_cast<void**>(dialog.put())))) {
+    return std::nullopt;
+  }
+  dialog->SetOptions(FOS_PICKFOLDERS | FOS_FORCEFILESYSTEM);
+  Interface<IShellItem> folder;
+  if (SUCCEEDED(SHCreateItemFromParsingName(start.c_str(), nullptr, IID_IShellItem,
+                                            reinterpret_cast<void**>(folder.put())))) {
+    dialog->SetFolder(folder.get());
+  }
+  Interface<IShellItem> chosen;
+  PWSTR name = nullptr;
+  if (FAILED(dialog->Show(window_)) || FAILED(dialog->GetResult(chosen.put())) ||
+      FAILED(chosen->GetDisplayName(SIGDN_FILESYSPATH, &name))) {
+    return std::nullopt;
+  }
+  std::filesystem::path path(name);
+  CoTaskMemFree(name);
+  return path;
+}
+
+void MainWindow::PasteIntoText() {
+  SendMessageW(text_->control(), WM_PASTE, 0, 0);
+  SetFocus(text_->control());
+}
+
+// The system's own fonts are the toolkit's.
+bool MainWindow::LoadFontFile(const std::filesystem::path& /*file*/) {
+  return true;
+}
+
+void MainWindow::CallWhenDue(int milliseconds) {
+  SetTimer(window_, kDueTimer, static_cast<UINT>(milliseconds), nullptr);
+}
+
+std::optional<WindowRect> MainWindow::WindowPlace() const {
+  WINDOWPLACEMENT placement{};
+  placement.length = sizeof placement;
+  if (IsIconic(window_) || !GetWindowPlacement(window_, &placement)) return std::nullopt;
+  RECT place = placement.rcNormalPosition;
+  if (!IsZoomed(window_)) {
+    GetWindowRect(window_, &place);
+  } else {
+    // A placement counts from the corner of the work area.
+    RECT work{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    OffsetRect(&place, work.left, work.top);
+  }
+  return WindowRect{place.left, place.top, place.right, place.bottom};
+}
+
+std::vector<WindowRect> MainWindow::Screens() const {
+  std::vector<WindowRect> screens;
+  EnumDisplayMonitors(nullptr, nullptr, CollectWorkArea, reinterpret_cast<LPARAM>(&screens));
+  return screens;
+}
+
+void MainWindow::MoveWindow(const WindowRect& rect) {
+  SetWindowPos(window_, nullptr, rect.left, rect.top, rect.right - rect.left,
+               rect.bottom - rect.top, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void MainWindow::CloseWindow() {
+  PostMessageW(window_, WM_CLOSE, 0, 0);
+}
+
+}  // namespace kerno

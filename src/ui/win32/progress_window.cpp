@@ -1,0 +1,59 @@
+#include "ui/win32/progress_window.h"
+
+#include "platform/win32/wide_text.h"
+#include "ui/win32/resource.h"
+#include "ui/win32/windows_controls.h"
+
+namespace kerno {
+namespace {
+
+constexpr DWORD kAfter = 500;  // milliseconds until it appears
+constexpr int kSteps = 1000;
+
+}  // namespace
+
+ProgressWindow::ProgressWindow(HINSTANCE instance, HWND owner)
+    : instance_(instance), owner_(owner), since_(GetTickCount()) {}
+
+ProgressWindow::~ProgressWindow() {
+  if (window_ == nullptr) return;
+  EnableWindow(owner_, TRUE);
+  DestroyWindow(window_);
+}
+
+INT_PTR CALLBACK ProgressWindow::DialogProc(HWND window, UINT message, WPARAM wparam,
+                                            LPARAM lparam) {
+  if (message == WM_INITDIALOG) {
+    SetWindowLongPtrW(window, GWLP_USERDATA, lparam);
+    SendDlgItemMessageW(window, KERNO_PROGRESS_BAR, PBM_SETRANGE32, 0, kSteps);
+    return TRUE;
+  }
+  if (message == WM_COMMAND && LOWORD(wparam) == IDCANCEL) {
+    reinterpret_cast<ProgressWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA))->cancelled_ = true;
+    return TRUE;
+  }
+  return FALSE;
+}
+
+Continue ProgressWindow::Show(std::u16string_view text, int64_t done, int64_t total) {
+  if (window_ == nullptr) {
+    if (GetTickCount() - since_ < kAfter) return Continue::kYes;
+    window_ = CreateDialogParamW(instance_, MAKEINTRESOURCEW(KERNO_PROGRESS_DIALOG), owner_,
+                                 DialogProc, reinterpret_cast<LPARAM>(this));
+    if (window_ == nullptr) return Continue::kYes;
+    EnableWindow(owner_, FALSE);
+    ShowWindow(window_, SW_SHOW);
+  }
+  SetDlgItemTextW(window_, KERNO_PROGRESS_TEXT, ToWide(text).c_str());
+  const int64_t step = total > 0 ? done * kSteps / total : 0;
+  SendDlgItemMessageW(window_, KERNO_PROGRESS_BAR, PBM_SETPOS, static_cast<WPARAM>(step), 0);
+  // Only what concerns this window and painting: nothing else may happen meanwhile.
+  MSG message{};
+  while (PeekMessageW(&message, window_, 0, 0, PM_REMOVE)) {
+    if (!IsDialogMessageW(window_, &message)) DispatchMessageW(&message);
+  }
+  UpdateWindow(owner_);
+  return cancelled_ ? Continue::kNo : Continue::kYes;
+}
+
+}  // namespace kerno

@@ -1,0 +1,33 @@
+// The progress of something long, with a button to cancel it; it appears when it takes a while.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "base/notices.h"
+#include "platform/win32/windows_api.h"
+
+namespace kerno {
+
+class ProgressWindow {
+ public:
+  // Keeps `owner` from taking input while it lives.
+  ProgressWindow(HINSTANCE instance, HWND owner);
+  ~ProgressWindow();
+  ProgressWindow(const ProgressWindow&) = delete;
+  ProgressWindow& operator=(const ProgressWindow&) = delete;
+
+  // kNo when the user cancelled.
+  Continue Show(std::u16string_view text, int64_t done, int64_t total);
+
+ private:
+  static INT_PTR CALLBACK DialogProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+
+  HINSTANCE instance_;
+  HWND owner_;
+  HWND window_ = nullptr;
+  DWORD since_;
+  bool cancelled_ = false;
+};
+
+}  // namespace kerno

@@ -1,0 +1,96 @@
+#include "ui/win32/text_box.h"
+
+#include <algorithm>
+
+#include "app/color_choices.h"
+#include "platform/device_context.h"
+#include "platform/win32/wide_text.h"
+#include "ui/win32/windows_controls.h"
+
+namespace kerno {
+namespace {
+
+constexpr UINT kUtf16 = 1200;          // the code page number of UTF-16
+constexpr LONG kTextHeight = 14 * 20;  // in twentieths of a point
+constexpr LPARAM kLongestText = 0x7FFFFFFE;
+
+// The control ends its lines with U+000D.
+std::wstring WithReturns(std::u16string_view text) {
+  std::wstring wide = ToWide(text);
+  std::replace(wide.begin(), wide.end(), L'\n', L'\r');
+  return wide;
+}
+
+}  // namespace
+
+TextBox::TextBox(HWND control) : control_(control) {
+  // Plain text has one format for all of it, which is no step of the undo list.
+  SendMessageW(control_, EM_SETTEXTMODE, TM_PLAINTEXT | TM_MULTILEVELUNDO | TM_MULTICODEPAGE, 0);
+  SendMessageW(control_, EM_EXLIMITTEXT, 0, kLongestText);
+  const auto mask = static_cast<DWORD>(SendMessageW(control_, EM_GETEVENTMASK, 0, 0));
+  SendMessageW(control_, EM_SETEVENTMASK, 0,
+               mask | static_cast<DWORD>(ENM_CHANGE) | static_cast<DWORD>(ENM_MOUSEEVENTS) |
+                   static_cast<DWORD>(ENM_SELCHANGE));
+  // The text stays in the face that was chosen, whatever its characters.
+  const LRESULT options = SendMessageW(control_, EM_GETLANGOPTIONS, 0, 0);
+  SendMessageW(control_, EM_SETLANGOPTIONS, 0,
+               options & ~static_cast<LRESULT>(IMF_AUTOFONT | IMF_AUTOFONTSIZEADJUST));
+}
+
+std::u16string TextBox::Text() const {
+  GETTEXTLENGTHEX ask = {GTL_NUMCHARS | GTL_PRECISE, kUtf16};
+  const LRESULT length =
+      SendMessageW(control_, EM_GETTEXTLENGTHEX, reinterpret_cast<WPARAM>(&ask), 0);
+  if (length <= 0) return {};
+  std::wstring text(static_cast<size_t>(length) + 1, L'\0');
+  GETTEXTEX get{};
+  get.cb = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+  get.flags = GT_DEFAULT;
+  get.codepage = kUtf16;
+  const LRESULT got = SendMessageW(control_, EM_GETTEXTEX, reinterpret_cast<WPARAM>(&get),
+                                   reinterpret_cast<LPARAM>(text.data()));
+  text.resize(static_cast<size_t>(std::clamp<LRESULT>(got, 0, length)));
+  std::u16string lines = FromWide(text);
+  std::replace(lines.begin(), lines.end(), u'\r', u'\n');
+  std::replace(lines.begin(), lines.end(), u'\v', u'\n');  // a line end within a paragraph
+  return lines;
+}
+
+void TextBox::ShowText(std::u16string_view text, TextChange change) {
+  const std::wstring wide = WithReturns(text);
+  if (change == TextChange::kFresh) {
+    SETTEXTEX set = {ST_DEFAULT, kUtf16};
+    SendMessageW(control_, EM_SETTEXTEX, reinterpret_cast<WPARAM>(&set),
+                 reinterpret_cast<LPARAM>(wide.c_str()));
+    SendMessageW(control_, EM_EMPTYUNDOBUFFER, 0, 0);
+    return;
+  }
+  CHARRANGE all = {0, -1};
+  SendMessageW(control_, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&all));
+  SendMessageW(control_, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(wide.c_str()));
+}
+
+void TextBox::ShowFormat(std::u16string_view face, Color color) {
+  CHARFORMAT2W format{};
+  format.cbSize = sizeof format;
+  format.dwMask = CFM_FACE | CFM_COLOR | CFM_SIZE | CFM_CHARSET;
+  format.yHeight = kTextHeight;
+  format.crTextColor = color;
+  format.bCharSet = DEFAULT_CHARSET;
+  const std::u16string_view name = face.substr(0, kMaxFaceName);
+  std::copy(name.begin(), name.end(), format.szFaceName);
+  SendMessageW(control_, EM_SETCHARFORMAT, SCF_DEFAULT, reinterpret_cast<LPARAM>(&format));
+  SendMessageW(control_, EM_SETCHARFORMAT, SCF_ALL, reinterpret_cast<LPARAM>(&format));
+  const Color paper = PaperFor(color, GetSysColor(COLOR_WINDOW));
+  SendMessageW(control_, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(paper));
+}
+
+bool TextBox::IsComposing() const {
+  const HIMC context = ImmGetContext(control_);
+  if (context == nullptr) return false;
+  const LONG length = ImmGetCompositionStringW(context, GCS_COMPSTR, nullptr, 0);
+  ImmReleaseContext(control_, context);
+  return length > 0;
+}
+
+}  // namespace kerno
