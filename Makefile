@@ -3,7 +3,7 @@ JOBS ?= 2
 PYTHON := /usr/bin/python3
 
 .PHONY: all setup release run samples test bench fuzz fuzz-briefly screenshots install clean \
-  setup-windows windows
+  setup-windows windows windows-zip agreement
 all: release
 
 setup:
@@ -60,6 +60,13 @@ setup-windows:
 windows: setup-windows
 	@cmake -S . -B build/windows -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw.cmake -DCMAKE_BUILD_TYPE=Release -DKERNO_TESTS=OFF >/dev/null
 	@cmake --build build/windows -j $(JOBS)
+
+windows-zip: windows
+	@sh tools/make_windows_zip.sh build/windows build/windows/kerno-windows.zip
+
+# The same texts on both systems, the other one under Wine.
+agreement: release windows
+	@$(PYTHON) tools/check_agreement.py build/release/src/cli/kerno build/windows/src/cli/kerno.exe
 
 clean:
 	@rm -rf build out

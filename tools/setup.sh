@@ -13,7 +13,7 @@ packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
 
 if [ "$1" = windows ]; then
   packages="$packages g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-x86-64-dev googletest
- wine64 wine locales xvfb xauth"
+ wine64 wine locales xvfb zip imagemagick"
 fi
 
 missing=""

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <string>
 #include <vector>
 
 #include "cli/console.h"
@@ -18,7 +19,10 @@ ExitStatus PageCommand::Run() {
   std::vector<std::filesystem::path> written;
   const Status status = WriteFolderPages(folder_, &written);
   bool printed = true;
-  for (const std::filesystem::path& page : written) printed &= Print(page.native() + "\n");
+  for (const std::filesystem::path& page : written) {
+    const std::u8string name = page.u8string();
+    printed &= Print(std::string(name.begin(), name.end()) + "\n");
+  }
   if (!status.ok()) ReportError(status);
   return FinishPrinting() && printed && status.ok() ? kDone : kFailed;
 }

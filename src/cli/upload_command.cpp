@@ -11,7 +11,7 @@ namespace kerno {
 
 void UploadCommand::AddOptions(CLI::App& app) {
   app.add_option("FILE", files_, "files to send, one request each")->required();
-  app.footer("The server is set in " + UploadSettingsFile().native() +
+  app.footer("The server is set in " + Utf16ToUtf8(PathText(UploadSettingsFile())) +
              ", section [UpFile], key \"server\".");
 }
 

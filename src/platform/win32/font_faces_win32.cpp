@@ -3,6 +3,7 @@
 
 #include "platform/device_context.h"
 #include "platform/font_faces.h"
+#include "platform/win32/system_error.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/windows_api.h"
 
@@ -52,6 +53,28 @@ std::vector<InstalledFace> EnumerateFaces(std::vector<std::u16string>* skipped) 
   std::vector<InstalledFace> faces;
   EnumFontFamiliesW(ScreenContext().get(), nullptr, Collect, reinterpret_cast<LPARAM>(&faces));
   return faces;
+}
+
+// The system does not tell what a file brought: the new families are found by comparison.
+Status AddFontFile(const std::filesystem::path& file, std::vector<std::u16string>* names) {
+  names->clear();
+  const std::vector<InstalledFace> before = EnumerateFaces();
+  std::error_code error;
+  const std::filesystem::path whole = std::filesystem::absolute(file, error);
+  if (AddFontResourceExW(whole.c_str(), FR_PRIVATE, nullptr) == 0) {
+    return Status::Error(Failure::kOther, SystemText(file), u"is no font that can be used");
+  }
+  for (const InstalledFace& face : EnumerateFaces()) {
+    const bool known = std::any_of(before.begin(), before.end(), [&face](const InstalledFace& old) {
+      return old.name == face.name;
+    });
+    const bool outlines = (face.font_type & kTrueTypeFontType) != 0;
+    if (!known && outlines && !face.name.starts_with(u'@')) names->push_back(face.name);
+  }
+  if (!names->empty()) return Status::Ok();
+  RemoveFontResourceExW(whole.c_str(), FR_PRIVATE, nullptr);
+  return Status::Error(Failure::kOther, SystemText(file),
+                       u"brings no outline face that is not installed already");
 }
 
 bool IsFaceInstalled(std::u16string_view name) {

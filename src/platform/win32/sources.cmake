@@ -12,6 +12,7 @@ kerno_room(platform
     win32/gdi_drawing.cpp
     win32/held_file_win32.cpp
     win32/http_session_win32.cpp
+    win32/large_pages_win32.cpp
     win32/long_path.cpp
     win32/private_profile_win32.cpp
     win32/realized_font.cpp
