@@ -278,4 +278,6 @@ class CommandLineTest(unittest.TestCase):
 
 if __name__ == "__main__":
     KERNO = sys.argv.pop(1)
-    unittest.main(verbosity=1)
+    with tempfile.TemporaryDirectory() as home:  # nobody's own settings are read or written
+        os.environ.update(HOME=home, XDG_CONFIG_HOME=f"{home}/config", XDG_CACHE_HOME=f"{home}/cache")
+        unittest.main(verbosity=1)
