@@ -27,7 +27,8 @@ samples: release
 	@sh tools/make_samples.sh build/release/src/cli/kerno out/samples docs/samples.png
 
 bench: release
-	@build/release/bench/kerno_bench
+	@build/release/bench/kerno_bench --benchmark_filter='^(append|layout|text_to_parts)/'
+	@build/release/bench/kerno_bench --benchmark_filter='-^(append|layout|text_to_parts)/'
 	@build/release/bench/kerno_desktop_bench 2>/dev/null
 	@$(PYTHON) bench/process_bench.py build/release/src/cli/kerno
 	@$(PYTHON) bench/upload_bench.py build/release/src/cli/kerno
