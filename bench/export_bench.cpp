@@ -6,34 +6,20 @@
 #include <filesystem>
 #include <string>
 
-#include "app/rebuild.h"
-#include "app/typesetter.h"
 #include "export/dxf_export.h"
 #include "export/svg_writer.h"
 #include "export/x3d_writer.h"
 #include "ratio.h"
-#include "sample_texts.h"
+#include "sample_parts.h"
 
 namespace kerno {
 namespace {
-
-PartsA Model(const SampleText& sample, int64_t characters) {
-  Typesetter typesetter;
-  TextRequest request;
-  request.face = sample.face;
-  request.text = RepeatTo(sample.text, static_cast<size_t>(characters));
-  auto set = typesetter.Set(request);
-  StoreContours({}, &set->contours);
-  PartsA model;
-  BuildParts(set->contours, {}, &model);
-  return model;
-}
 
 // Writes what `write` produces to a file that is given up afterwards: all of the work but the
 // flush, whose time is the disk's.
 template <class Write>
 void Run(benchmark::State& state, const SampleText& sample, const Write& write) {
-  const PartsA model = Model(sample, state.range(0));
+  const PartsA model = PartsOf(sample, state.range(0));
   const std::filesystem::path file = std::filesystem::temp_directory_path() / "kerno-bench.out";
   for (auto _ : state) {
     Status status;

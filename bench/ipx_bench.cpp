@@ -9,29 +9,15 @@
 #include <memory>
 #include <string>
 
-#include "app/rebuild.h"
-#include "app/typesetter.h"
 #include "parts/ipx.h"
 #include "platform/file_replacement.h"
 #include "ratio.h"
-#include "sample_texts.h"
+#include "sample_parts.h"
 
 namespace kerno {
 namespace {
 
 namespace fs = std::filesystem;
-
-PartsA PartsOf(const SampleText& sample, int64_t characters) {
-  Typesetter typesetter;
-  TextRequest request;
-  request.face = sample.face;
-  request.text = RepeatTo(sample.text, static_cast<size_t>(characters));
-  auto set = typesetter.Set(request);
-  StoreContours({}, &set->contours);
-  PartsA parts;
-  BuildParts(set->contours, {}, &parts);
-  return parts;
-}
 
 // Calls `visit` with each number of the file of these parts, in order. The parts hold vertices and
 // lines, and nothing else.
