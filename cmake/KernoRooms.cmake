@@ -48,18 +48,25 @@ function(kerno_room name)
   endif()
 endfunction()
 
+# kerno_header_only(TARGET FOLDER) lets a cross-built program use a library of headers only: those of
+# the building machine will do, alone.
+function(kerno_header_only target folder)
+  set(place ${PROJECT_BINARY_DIR}/header_only)
+  file(MAKE_DIRECTORY ${place})
+  file(CREATE_LINK /usr/include/${folder} ${place}/${folder} SYMBOLIC)
+  target_include_directories(${target} SYSTEM PRIVATE ${place})
+endfunction()
+
 # kerno_test(NAME ROOMS room... SOURCES file...) makes the GoogleTest program NAME_tests and one CTest entry.
-# The program finds its data through KERNO_TEST_DATA and the interpreter of the independent readers
-# through KERNO_PYTHON.
+# The program finds its data through KERNO_TEST_DATA.
 function(kerno_test name)
   cmake_parse_arguments(TEST "" "" "ROOMS;SOURCES;LIBRARIES" ${ARGN})
   list(TRANSFORM TEST_ROOMS PREPEND kerno_)
   add_executable(${name}_tests ${TEST_SOURCES})
-  target_include_directories(${name}_tests PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_compile_definitions(${name}_tests PRIVATE KERNO_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
-                             KERNO_TESTS="${PROJECT_SOURCE_DIR}/tests" KERNO_PYTHON="${KERNO_PYTHON}")
-  target_link_libraries(${name}_tests PRIVATE ${TEST_ROOMS} kerno_options GTest::gtest_main GTest::gmock
-                        ${TEST_LIBRARIES})
+  target_compile_definitions(${name}_tests PRIVATE
+    KERNO_TEST_DATA="${KERNO_BUILD_ROOT}${PROJECT_SOURCE_DIR}/tests/data")
+  target_link_libraries(${name}_tests PRIVATE ${TEST_ROOMS} kerno_test_support kerno_options
+                        GTest::gtest_main GTest::gmock ${TEST_LIBRARIES})
   add_test(NAME ${name} COMMAND ${name}_tests)
   # Away from the settings of whoever runs the tests.
   set_tests_properties(${name} PROPERTIES ENVIRONMENT

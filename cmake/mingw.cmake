@@ -22,3 +22,5 @@ add_link_options(-static)
 
 # Programs of the build run under Wine, in a prefix of the build's own.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../tools/run_windows.sh)
+# Where those programs find the building machine's files.
+set(KERNO_BUILD_ROOT Z:)

@@ -5,8 +5,8 @@
 #include "base/profile_store.h"
 #include "base/text.h"
 #include "base/throttle.h"
-#include "support/child_process.h"
 #include "support/fake_settings.h"
+#include "support/file_holder.h"
 #include "support/settings_fixture.h"
 
 namespace kerno {
@@ -67,27 +67,21 @@ TEST_F(DumpLogTest, DeletesOnlyItsOwnOldFiles) {
 
 TEST_F(DumpLogTest, WaitsForOthersAndReportsOnce) {
   EXPECT_TRUE(DumpText(u"Test", u"x"));
-  test::ChildProcess holder({KERNO_PYTHON, "-c",
-                             "import fcntl, sys, time\nf = open(sys.argv[1], 'r+b')\n"
-                             "fcntl.flock(f, fcntl.LOCK_EX)\nprint('held', flush=True)\n"
-                             "time.sleep(1000)\n",
-                             (Folder() / "Test_1121_09.txt").native()});
-  ASSERT_EQ(holder.ReadLine(), "held");
   const std::string before = ReadBytes(Folder() / "Test_1121_09.txt");
+  test::FileHolder holder(Folder() / "Test_1121_09.txt", test::HoldKind::kWholeFile);
   EXPECT_FALSE(DumpText(u"Test", u"y"));
   EXPECT_EQ(clock_.sleeps, 100);
   EXPECT_FALSE(DumpText(u"Test", u"z"));
   ASSERT_EQ(notices_.messages.size(), 1u);
   EXPECT_EQ(notices_.messages[0].find(u"Can't open ab  " + PathText(Folder())), 0u);
-  EXPECT_EQ(ReadBytes(Folder() / "Test_1121_09.txt"), before);
   clock_.on_sleep = [&] {
-    if (clock_.sleeps == 203) {
-      holder.Signal(SIGKILL);
-      holder.Wait();
-    }
+    if (clock_.sleeps == 203) holder.Release();
   };
   EXPECT_TRUE(DumpText(u"Test", u"at last"));
   EXPECT_EQ(clock_.sleeps, 203);
+  EXPECT_EQ(
+      ReadBytes(Folder() / "Test_1121_09.txt"),
+      before + EncodeText(u"\t\t2026/11/21 09:00:00\tat last\r\n", TextEncoding::kUtf16).substr(2));
 }
 
 TEST_F(DumpLogTest, ThePerRunFileNeedsItsSwitch) {
@@ -110,7 +104,7 @@ TEST_F(DumpLogTest, ThePerRunFileNeedsItsSwitch) {
   EXPECT_EQ(DumpUser::File(), Folder() / "kerno.txt");
   user.Write(u"line 本");
   EXPECT_EQ(ReadBytes(Folder() / "kerno.txt"),
-            "Created by " + (folder_ / "bin/kerno").native() +
+            "Created by " + (folder_ / "bin/kerno").string() +
                 "\t11/21/2026  09:00:00\nRauber\x93\xFA\tline \x96\x7B\n");
   EXPECT_EQ(IniStore(u"Quenkit").GetStr(u"Debug", u"DbgFile", u""),
             PathText(Folder() / "kerno.txt"));

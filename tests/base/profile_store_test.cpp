@@ -85,9 +85,9 @@ TEST_F(ProfileStoreTest, ConvertsAnEightBitFileOnce) {
   clock_.seconds += 100;
   { IniStore store(u"Quenkit"); }
   EXPECT_EQ(ReadBytes(Ini()), EncodeText(wanted, TextEncoding::kUtf16));
-  EXPECT_NE(test::OutputOf("file -b '" + Ini().native() + "'").find("UTF-16, little-endian"),
+  EXPECT_NE(test::OutputOf("file -b '" + Ini().string() + "'").find("UTF-16, little-endian"),
             std::string::npos);
-  EXPECT_NE(test::OutputOf("iconv -f UTF-16 -t UTF-8 '" + Ini().native() + "'").find(" key = 語"),
+  EXPECT_NE(test::OutputOf("iconv -f UTF-16 -t UTF-8 '" + Ini().string() + "'").find(" key = 語"),
             std::string::npos);
 }
 

@@ -5,6 +5,7 @@
 #include "base/profile_store.h"
 #include "base/registry_access.h"
 #include "base/text.h"
+#include "support/places.h"
 #include "support/settings_fixture.h"
 
 namespace kerno {
@@ -70,12 +71,12 @@ TEST_F(SettingsPlacesTest, StoresFollowTheListOfCases) {
 }
 
 TEST_F(SettingsPlacesTest, AFolderThatCannotBeWrittenSendsTheFileToTheTemporaryFolder) {
-  // /proc refuses new files to everybody, the superuser included.
-  IniStore store(u"/proc/Quenkit");
+  const std::u16string name = PathText(test::kUnwritableFolder / "Quenkit");
+  IniStore store(name);
   EXPECT_TRUE(store.displaced());
   EXPECT_EQ(store.profile_path(), PathText(folder_ / "tmp/Quenkit.ini"));
   EXPECT_TRUE(store.WriteInt(u"a", u"b", 1).ok());
-  EXPECT_EQ(IniStore(u"/proc/Quenkit").GetInt(u"a", u"b", 0), 1);
+  EXPECT_EQ(IniStore(name).GetInt(u"a", u"b", 0), 1);
 }
 
 TEST_F(SettingsPlacesTest, TheTestFileTakesAnotherNameWhenItsOwnIsTaken) {

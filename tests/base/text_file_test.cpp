@@ -1,11 +1,11 @@
 #include "base/text_file.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "base/text.h"
-#include "support/child_process.h"
 #include "support/fake_clock.h"
+#include "support/file_holder.h"
+#include "support/places.h"
 #include "support/recording_notices.h"
 #include "support/temporary_folder.h"
 
@@ -78,7 +78,7 @@ TEST(TextFile, UnreadableFilesGiveAnEmptyText) {
   const test::TemporaryFolder folder;
   WriteBytes(folder / "empty", "");
   for (const auto& path : {folder / "missing", folder / "empty", folder.path(),
-                           std::filesystem::path(), std::filesystem::path("/dev/null")}) {
+                           std::filesystem::path(), test::kUnwritableFolder}) {
     std::u16string text = u"before";
     EXPECT_FALSE(ReadText(path, &text)) << path;
     EXPECT_EQ(text, u"");
@@ -100,7 +100,7 @@ TEST(TextFile, ConvertsToUtf16Once) {
 TEST(TextFile, AFailedWriteIsReportedAndLeavesTheFile) {
   const test::TemporaryFolder folder;
   test::RecordingNotices notices;
-  EXPECT_FALSE(WriteText("/dev/full", u"text", TextEncoding::kUtf8).ok());
+  EXPECT_FALSE(WriteText(test::kFullDevice, u"text", TextEncoding::kUtf8).ok());
   EXPECT_FALSE(WriteText(folder / "none/f", u"text", TextEncoding::kUtf8).ok());
   EXPECT_FALSE(WriteText(folder.path(), u"text", TextEncoding::kUtf8).ok());
   ASSERT_EQ(notices.messages.size(), 3u);
@@ -110,37 +110,19 @@ TEST(TextFile, AFailedWriteIsReportedAndLeavesTheFile) {
   EXPECT_EQ(folder.Names(), std::set<std::string>{});
 }
 
-// Holds a file as other programs do, by either kind of lock, and says so.
-std::vector<std::string> Holder(const std::filesystem::path& file, const std::string& kind,
-                                const std::string& seconds) {
-  return {KERNO_PYTHON,
-          "-c",
-          "import fcntl, sys, time\n"
-          "f = open(sys.argv[1], 'r+b')\n"
-          "getattr(fcntl, sys.argv[2])(f, fcntl.LOCK_EX)\n"
-          "print('held', flush=True)\n"
-          "time.sleep(float(sys.argv[3]))\n",
-          file.native(),
-          kind,
-          seconds};
-}
-
 TEST(TextFile, WaitsForAnotherProcess) {
   const test::TemporaryFolder folder;
-  for (const std::string kind : {"flock", "lockf"}) {
+  for (const auto kind : {test::HoldKind::kWholeFile, test::HoldKind::kRecord}) {
     WriteBytes(folder / "f", "old");
     test::RecordingNotices notices;
-    test::ChildProcess holder(Holder(folder / "f", kind, "1"));
-    ASSERT_EQ(holder.ReadLine(), "held");
+    const test::FileHolder holder(folder / "f", kind, 1000);
     std::u16string text;
-    EXPECT_TRUE(ReadText(folder / "f", &text)) << kind;
+    EXPECT_TRUE(ReadText(folder / "f", &text));
     EXPECT_EQ(text, u"old");
-    EXPECT_EQ(holder.Wait(), 0);
     EXPECT_EQ(notices.waits,
               (std::vector<std::u16string>{u"FileWait OpenRead  " + PathText(folder / "f"), u""}));
 
-    test::ChildProcess second(Holder(folder / "f", kind, "0.3"));
-    ASSERT_EQ(second.ReadLine(), "held");
+    const test::FileHolder second(folder / "f", kind, 300);
     EXPECT_TRUE(WriteText(folder / "f", u"new", TextEncoding::kUtf8).ok());
     EXPECT_EQ(ReadBytes(folder / "f"), "new");
     EXPECT_EQ(notices.waits[2], u"FileWait OpenWrite " + PathText(folder / "f"));
@@ -152,8 +134,7 @@ TEST(TextFile, GivesUpAfterAHundredTries) {
   WriteBytes(folder / "f", "old");
   test::FakeClock clock;
   test::RecordingNotices notices;
-  test::ChildProcess holder(Holder(folder / "f", "flock", "1000"));
-  ASSERT_EQ(holder.ReadLine(), "held");
+  test::FileHolder holder(folder / "f", test::HoldKind::kWholeFile);
   std::u16string text;
   Status why;
   EXPECT_FALSE(ReadText(folder / "f", &text, TextForm::kDetect, &why));
@@ -164,6 +145,7 @@ TEST(TextFile, GivesUpAfterAHundredTries) {
   EXPECT_EQ(WriteText(folder / "f", u"new", TextEncoding::kUtf8).failure,
             Failure::kSharingViolation);
   EXPECT_EQ(clock.sleeps, 200);
+  holder.Release();
   EXPECT_EQ(ReadBytes(folder / "f"), "old");
   EXPECT_EQ(notices.messages.size(), 1u);
 }

@@ -47,8 +47,8 @@ TEST(VersionReader, ReadsImagesOfBothSizes) {
 
     // Another reader takes the same block out of the file.
     const test::TemporaryFolder folder;
-    test::OutputOf("wrestool -x --raw -t 16 -o '" + (folder / "block").native() + "' '" +
-                   (kSamples / name).native() + "'");
+    test::OutputOf("wrestool -x --raw -t 16 -o '" + (folder / "block").string() + "' '" +
+                   (kSamples / name).string() + "'");
     bool present = false;
     const std::string image = ReadBytes(kSamples / name);
     EXPECT_EQ(FindVersionBlock(image, &present), ReadBytes(folder / "block"));
@@ -164,12 +164,6 @@ TEST(SystemVersion, NamesWhatItKnows) {
   for (const auto& c : kCases) EXPECT_EQ(DescribeSystem(c.facts), c.text);
   const SystemFacts many{u"", 5, 1, 0, u"x65538y"};  // cut to 16 bits: 2
   EXPECT_EQ(PackedSystemVersion(many), 0x050102u);
-}
-
-TEST(SystemVersion, TheRunningSystemStatesDistributionAndKernel) {
-  const std::string wanted = test::OutputOf(
-      ". /etc/os-release; printf '%s  %s %s' \"$PRETTY_NAME\" \"$(uname -s)\" \"$(uname -r)\"");
-  EXPECT_EQ(SystemDescription(), std::u16string(wanted.begin(), wanted.end()));
 }
 
 }  // namespace

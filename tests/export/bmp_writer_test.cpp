@@ -86,9 +86,9 @@ TEST(BmpWriter, ReaderSeesThePixelsOfTheSurface) {
   for (size_t i = 0; i < surface->Pixels().size(); i += 4) {
     for (const size_t c : {2, 1, 0}) pixels += static_cast<char>(surface->Pixels()[i + c]);
   }
-  test::OutputOf("convert " + file.native() + " -depth 8 rgb:" + (folder / "rgb").native());
+  test::OutputOf("convert " + file.string() + " -depth 8 rgb:" + (folder / "rgb").string());
   EXPECT_EQ(test::ReadBytes(folder / "rgb"), pixels);
-  EXPECT_EQ(test::OutputOf("identify -format '%m %w %h %[channels]' " + file.native()),
+  EXPECT_EQ(test::OutputOf("identify -format '%m %w %h %[channels]' " + file.string()),
             "BMP3 72 72 srgb");
 }
 

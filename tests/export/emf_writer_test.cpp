@@ -268,7 +268,7 @@ TEST(EmfWriter, AnotherProgramDrawsTheSamePicture) {
   for (const auto& c : cases) {
     const auto fonts = CreateMeasuringContext();
     const EmfLayout layout = LayOutEmf(PictureBox(c.model, fonts.get()));
-    const std::string emf = (folder / c.name).native() + ".emf";
+    const std::string emf = (folder / c.name).string() + ".emf";
     ASSERT_TRUE(ExportEmf(c.model, emf).ok());
     std::ostringstream convert;
     convert << "emf2svg-conv -w " << layout.frame.width << " -h " << layout.frame.height << " -i "

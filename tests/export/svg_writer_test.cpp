@@ -277,7 +277,7 @@ TEST_F(SvgWriter, AwkwardModelsAreAccepted) {
   for (const auto& c : cases) {
     model_.parts[0] = c.part;
     test::RecordingNotices notices;
-    const auto file = (folder / "x.svg").native();
+    const auto file = (folder / "x.svg").string();
     EXPECT_TRUE(ExportSvg(model_, file).ok());
     EXPECT_EQ(notices.messages.size(), c.messages);
     EXPECT_EQ(test::OutputOf("xmllint --noout --nonet " + file), "");
@@ -290,7 +290,7 @@ TEST_F(SvgWriter, AwkwardModelsAreAccepted) {
 // How far an outside renderer's picture of the drawing, `pixels` to a unit, is like our own.
 double Agreement(const PartsA& model, double pixels) {
   const test::TemporaryFolder folder;
-  const auto svg = (folder / "x.svg").native();
+  const auto svg = (folder / "x.svg").string();
   EXPECT_TRUE(ExportSvg(model, svg).ok());
   const Extent3 box = PictureBox(model, nullptr);
   const int width = static_cast<int>(std::lround((box.max.x - box.min.x) * pixels));

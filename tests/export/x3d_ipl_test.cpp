@@ -74,7 +74,7 @@ struct Counts {
 
 Counts ReadBack(const PartsA& model) {
   const test::TemporaryFolder folder;
-  const std::string file = (folder / "m.x3d").native();
+  const std::string file = (folder / "m.x3d").string();
   EXPECT_TRUE(ExportX3d(model, file).ok());
   EXPECT_EQ(test::OutputOf("xmllint --noout --nonet " + file), "");
   const std::string info = test::OutputOf("assimp info " + file);
@@ -128,7 +128,7 @@ TEST(X3dWriter, AwkwardModels) {
     } else {
       const test::TemporaryFolder folder;
       test::WriteBytes(folder / "m.x3d", scene);
-      EXPECT_EQ(test::OutputOf("xmllint --noout --nonet " + (folder / "m.x3d").native()), "");
+      EXPECT_EQ(test::OutputOf("xmllint --noout --nonet " + (folder / "m.x3d").string()), "");
     }
   }
 }

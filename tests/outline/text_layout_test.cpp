@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numbers>
 
 #include "support/fake_device_context.h"
 
@@ -146,7 +147,7 @@ TEST(PlaceBlock, SlantLeansAndAngleTurns) {
   std::vector<P2> points = {{0, 0}, {20, 0}, {20, 40}, {0, 40}};
   PlaceBlock(&points, {{0, 0}, 30, 0});
   // Centre (10, 20): the top moves left by 20 sin 30, the height shrinks by cos 30.
-  const double half = 20 * std::cos(M_PI / 6);
+  const double half = 20 * std::cos(std::numbers::pi / 6);
   EXPECT_NEAR(20 - 10 - 10, points[2].x, 1e-12);
   EXPECT_NEAR(-half, points[2].y, 1e-12);
   EXPECT_NEAR(20 + 10 - 10, points[1].x, 1e-12);

@@ -48,11 +48,12 @@ TEST(IpxCache, NeverCopiesOntoTheFileItself) {
   const fs::path cache = folder / "PartsA.tmp/1.2020180726";
   fs::create_directories(cache);
   test::WriteBytes(cache / "a.ipx", "exported");
-  fs::create_symlink(cache, folder / "link");
+  std::error_code no_links;
+  fs::create_symlink(cache, folder / "link", no_links);
   {
     IpxCache copies(folder.path(), u"kerno");
     copies.KeepCopy(test::EveryKind(), cache / "a.ipx");
-    copies.KeepCopy(test::EveryKind(), folder / "link/a.ipx");
+    if (!no_links) copies.KeepCopy(test::EveryKind(), folder / "link/a.ipx");
     copies.KeepCopy(test::EveryKind(), folder / "PartsA.tmp/../PartsA.tmp/1.2020180726/a.ipx");
   }
   EXPECT_EQ(test::ReadBytes(cache / "a.ipx"), "exported");

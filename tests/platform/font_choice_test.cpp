@@ -1,13 +1,11 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "platform/font_faces.h"
-#include "platform/stock_font.h"
-#include "support/font_files.h"
 #include "support/font_probe.h"
 
 namespace kerno {
@@ -84,37 +82,6 @@ TEST(FontChoice, MissingBoldIsEmboldened) {
             FontProbe(u"IPAMincho", 200).Points(U'A'));
 }
 
-TEST(FontChoice, LongNamesAreComparedByTheirFirstUnits) {
-  const auto bytes = test::ReadFontFile(test::InstalledFontPath(u"IPAGothic"));
-  const std::u16string exact = u"Kana and Ideographs of 31 units";
-  ASSERT_EQ(exact.size(), kMaxFaceName);
-  test::OnlyTheseFonts fonts;
-  fonts.Install("long.ttf", test::WithFamilyName(bytes, exact + u" and a tail"));
-  const std::u16string vertical = u"@" + exact.substr(0, 30);
-  EXPECT_TRUE(IsFaceInstalled(exact));
-  EXPECT_TRUE(IsFaceInstalled(exact + u", another tail"));
-  EXPECT_TRUE(IsFaceInstalled(vertical));
-  EXPECT_TRUE(IsFaceInstalled(u"@" + exact + u" and a tail"));
-  EXPECT_FALSE(IsFaceInstalled(exact.substr(0, 30)));
-  EXPECT_FALSE(IsFaceInstalled(vertical.substr(0, 30)));
-  EXPECT_THAT(Names(EnumerateFaces()), ::testing::ElementsAre(exact, vertical));
-  EXPECT_EQ(FontProbe(vertical + u"Z", 20).name(), vertical);
-  EXPECT_EQ(FontProbe(std::u16string(300, u'x'), 20).name(), exact);
-}
-
-TEST(FontChoice, EveryFaceOfACollection) {
-  const auto sans = test::ReadFontFile(test::InstalledFontPath(u"DejaVu Sans Mono"));
-  const auto gothic = test::ReadFontFile(test::InstalledFontPath(u"IPAGothic"));
-  const auto sans_points = FontProbe(u"DejaVu Sans Mono", 50).Points(U'g');
-  const auto gothic_points = FontProbe(u"@IPAGothic", 50).Points(U'永');
-  test::OnlyTheseFonts fonts;
-  fonts.Install("two.ttc", test::Collection({sans, gothic}));
-  EXPECT_THAT(Names(EnumerateFaces()),
-              ::testing::ElementsAre(u"DejaVu Sans Mono", u"IPAGothic", u"@IPAGothic"));
-  EXPECT_EQ(FontProbe(u"DejaVu Sans Mono", 50).Points(U'g'), sans_points);
-  EXPECT_EQ(FontProbe(u"@IPAゴシック", 50).Points(U'永'), gothic_points);
-}
-
 TEST(FontChoice, EnumerationDescribesFamilies) {
   const std::vector<InstalledFace> faces = EnumerateFaces();
   const auto names = Names(faces);
@@ -132,31 +99,18 @@ TEST(FontChoice, EnumerationDescribesFamilies) {
            {u"IPAPMincho", 0x12, 128},
            {u"Tlwg Mono", 0x31, 0},  // CFF
        }) {
-    ASSERT_EQ(std::count(names.begin(), names.end(), name), 1) << test::InstalledFontPath(name);
+    ASSERT_EQ(std::count(names.begin(), names.end(), name), 1) << std::filesystem::path(name);
     const InstalledFace& face =
         faces[static_cast<size_t>(std::find(names.begin(), names.end(), name) - names.begin())];
-    EXPECT_EQ(face.pitch_and_family, pitch_and_family) << test::InstalledFontPath(name);
-    EXPECT_EQ(face.char_set, char_set) << test::InstalledFontPath(name);
-    EXPECT_EQ(face.font_type, kTrueTypeFontType) << test::InstalledFontPath(name);
+    EXPECT_EQ(face.pitch_and_family, pitch_and_family) << std::filesystem::path(name);
+    EXPECT_EQ(face.char_set, char_set) << std::filesystem::path(name);
+    EXPECT_EQ(face.font_type, kTrueTypeFontType) << std::filesystem::path(name);
   }
   EXPECT_EQ(std::count(names.begin(), names.end(), u"@DejaVu Sans"), 0);
   for (const auto& name : names) {
     EXPECT_TRUE(IsFaceInstalled(name));
     EXPECT_EQ(FontProbe(name, 20).name(), name);
   }
-}
-
-TEST(FontChoice, SystemWithoutFonts) {
-  test::OnlyTheseFonts fonts;
-  EXPECT_TRUE(EnumerateFaces().empty());
-  const auto context = CreateMeasuringContext();
-  EXPECT_EQ(context->CreateFontIndirect(SystemLogFont()), nullptr);
-  TextMetrics metrics;
-  GlyphMetrics glyph;
-  Extent extent;
-  EXPECT_FALSE(context->GetTextMetrics(&metrics));
-  EXPECT_FALSE(context->GetTextExtent(u"A", &extent));
-  EXPECT_EQ(context->GetGlyphOutline(U'A', kGgoNative, &glyph, 0, nullptr, Mat2{}), kGdiError);
 }
 
 }  // namespace

@@ -63,7 +63,9 @@ TEST(HeldFile, ConcurrentChangesAreAllKept) {
 
 TEST(HeldFile, ALinkKeepsPointing) {
   const test::TemporaryFolder folder;
-  fs::create_symlink(folder / "real", folder / "link");
+  std::error_code error;
+  fs::create_symlink(folder / "real", folder / "link", error);
+  if (error) GTEST_SKIP() << "symbolic links: " << error.message();
   const auto become = [](const char* text) {
     return [text](std::string_view) { return std::optional<std::string>(text); };
   };

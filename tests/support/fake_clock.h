@@ -1,8 +1,8 @@
 // A clock that stands still until it is told or slept on, in UTC.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
-#include <ctime>
 #include <functional>
 
 #include "platform/clock.h"
@@ -26,11 +26,16 @@ class FakeClock final : public Clock {
 
   int64_t Seconds() override { return seconds; }
   LocalTime Local(int64_t moment) override {
-    const auto time = static_cast<time_t>(moment);
-    tm parts{};
-    gmtime_r(&time, &parts);
-    return {parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
-            parts.tm_hour,        parts.tm_min,     parts.tm_sec};
+    using namespace std::chrono;
+    const sys_seconds time{std::chrono::seconds(moment)};
+    const year_month_day date(floor<days>(time));
+    const hh_mm_ss clock(time - floor<days>(time));
+    return {static_cast<int>(date.year()),
+            static_cast<int>(static_cast<unsigned>(date.month())),
+            static_cast<int>(static_cast<unsigned>(date.day())),
+            static_cast<int>(clock.hours().count()),
+            static_cast<int>(clock.minutes().count()),
+            static_cast<int>(clock.seconds().count())};
   }
   uint32_t Ticks() override { return ticks += tick_step; }
   void Sleep(uint32_t milliseconds) override {

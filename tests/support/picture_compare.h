@@ -41,9 +41,9 @@ inline Picture PictureOf(const BitmapSurface& surface) {
 
 // Any picture that ImageMagick reads, on white.
 inline Picture ReadPicture(const std::filesystem::path& file) {
-  const std::filesystem::path raw = file.native() + ".rgb";
-  const std::string size = OutputOf("identify -format '%w %h' " + file.native());
-  OutputOf("convert " + file.native() + " -background white -flatten -depth 8 rgb:" + raw.native());
+  const std::filesystem::path raw = file.string() + ".rgb";
+  const std::string size = OutputOf("identify -format '%w %h' " + file.string());
+  OutputOf("convert " + file.string() + " -background white -flatten -depth 8 rgb:" + raw.string());
   const std::string bytes = ReadBytes(raw);
   Picture picture{std::atoi(size.c_str()), std::atoi(size.c_str() + size.find(' ')), {}};
   picture.rgb.assign(bytes.begin(), bytes.end());

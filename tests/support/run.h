@@ -11,21 +11,7 @@ namespace kerno::test {
 
 // Standard output and error of a shell command; a failure is the test's when it does not exit with
 // `status`.
-inline std::string OutputOf(const std::string& command, int status = 0) {
-  std::string output;
-  FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
-  if (!pipe) {
-    ADD_FAILURE() << command;
-    return output;
-  }
-  std::array<char, 4096> buffer;
-  while (const size_t count = fread(buffer.data(), 1, buffer.size(), pipe)) {
-    output.append(buffer.data(), count);
-  }
-  const int ended = pclose(pipe);
-  EXPECT_EQ(ended >> 8, status) << command << "\n" << output;
-  return output;
-}
+std::string OutputOf(const std::string& command, int status = 0);
 
 // The same for a Python script beside the tests, with the interpreter that has the readers.
 inline std::string OutputOfPython(const std::string& script_and_arguments) {

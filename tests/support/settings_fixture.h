@@ -11,6 +11,7 @@
 #include "base/text_file.h"
 #include "support/fake_clock.h"
 #include "support/fake_system.h"
+#include "support/private_registry.h"
 #include "support/recording_notices.h"
 #include "support/temporary_folder.h"
 
@@ -47,6 +48,7 @@ class SettingsFixture : public testing::Test {
   }
   std::u16string IniText() const { return DecodeText(ReadBytes(Ini())); }
 
+  PrivateRegistry registry_;
   TemporaryFolder folder_;
   FakeSystem system_;
   FakeClock clock_;

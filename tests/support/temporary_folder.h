@@ -2,11 +2,11 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <set>
 #include <string>
 #include <string_view>
@@ -16,13 +16,14 @@ namespace kerno::test {
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "kerno-test-XXXXXX").native();
-    path_ = mkdtemp(name.data()) ? name : "";
-    EXPECT_FALSE(path_.empty());
+    std::random_device random;
+    do {
+      path_ = std::filesystem::temp_directory_path() / ("kerno-test-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path_));
   }
   ~TemporaryFolder() {
     std::error_code ignored;
-    if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
+    std::filesystem::remove_all(path_, ignored);
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -34,7 +35,7 @@ class TemporaryFolder {
   std::set<std::string> Names() const {
     std::set<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-      names.insert(entry.path().filename().native());
+      names.insert(entry.path().filename().string());
     }
     return names;
   }

@@ -1,9 +1,8 @@
-#include "platform/registry.h"
-
 #include <gtest/gtest.h>
 
 #include "platform/posix/registry_text.h"
 #include "platform/posix/utf16_bytes.h"
+#include "platform/registry.h"
 #include "support/fake_system.h"
 #include "support/run.h"
 #include "support/temporary_folder.h"
@@ -101,7 +100,7 @@ TEST_F(RegistryTest, ANewFileIsAnExport) {
   EXPECT_EQ(Text(),
             u"Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\A\\B]\r\n"
             u"\"k\"=\"日本\"\r\n");
-  EXPECT_NE(test::OutputOf("file -b '" + File().native() + "'").find("Windows Registry"),
+  EXPECT_NE(test::OutputOf("file -b '" + File().string() + "'").find("Windows Registry"),
             std::string::npos);
 }
 

@@ -1,0 +1,63 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/folders.h"
+#include "support/environment.h"
+#include "support/temporary_folder.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(FoldersPosix, WithoutAnyAnswerTheUserGetsAPrivateFolder) {
+  const std::string name = "kerno-test-" + std::to_string(getpid());
+  test::SetVariable("USER", name.c_str());
+  for (const char* variable : {"TMP", "TMPDIR", "TEMP"}) test::ClearVariable(variable);
+  const fs::path own = fs::path("/tmp") / name;
+  EXPECT_EQ(TempFolder(), own / "");
+  struct stat info {};
+  ASSERT_EQ(stat(own.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0700u);
+  chmod(own.c_str(), 0777);
+  EXPECT_EQ(TempFolder(), own / "");
+  ASSERT_EQ(stat(own.c_str(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777, 0700u);
+  fs::remove(own);
+
+  // A link that somebody else may have laid is not followed.
+  const test::TemporaryFolder folder;
+  fs::create_directory_symlink(folder.path(), own);
+  test::SetVariable("XDG_CACHE_HOME", (folder / "cache").c_str());
+  EXPECT_EQ(TempFolder(), folder / "cache/kerno/tmp/");
+  fs::remove(own);
+  test::ClearVariable("XDG_CACHE_HOME");
+}
+
+TEST(FoldersPosix, SpecialFoldersFollowTheDesktopConventions) {
+  const test::TemporaryFolder folder;
+  fs::create_directories(folder / "config");
+  test::WriteBytes(folder / "config/user-dirs.dirs",
+                   "# comment\nXDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\n"
+                   "XDG_DOCUMENTS_DIR=\"/data/docs\"\nXDG_MUSIC_DIR=\"relative\"\n");
+  test::SetVariable("HOME", folder.path().c_str());
+  test::SetVariable("XDG_CONFIG_HOME", (folder / "config").c_str());
+  test::SetVariable("XDG_DATA_HOME", "relative paths do not count");
+  EXPECT_EQ(SpecialFolder(0x00), folder / "Schreibtisch");
+  EXPECT_EQ(SpecialFolder(0x05), fs::path("/data/docs"));
+  EXPECT_EQ(SpecialFolder(0x0D), folder / "Music");
+  EXPECT_EQ(SpecialFolder(0x1A), folder / "config");
+  EXPECT_EQ(SpecialFolder(0x1C), folder / ".local/share");
+  EXPECT_EQ(SpecialFolder(0x7777), fs::path());
+  EXPECT_FALSE(fs::exists(folder / "Schreibtisch"));
+  EXPECT_EQ(SpecialFolder(0x00 | kCreateSpecialFolder), folder / "Schreibtisch");
+  EXPECT_TRUE(fs::is_directory(folder / "Schreibtisch"));
+
+  for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+    test::ClearVariable(variable);
+  EXPECT_FALSE(SpecialFolder(0x1A).is_relative());  // the user database knows a home
+}
+
+}  // namespace
+}  // namespace kerno

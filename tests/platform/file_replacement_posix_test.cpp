@@ -1,0 +1,221 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <functional>
+#include <thread>
+
+#include "platform/file_replacement.h"
+#include "support/temporary_folder.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+using test::ReadBytes;
+using test::TemporaryFolder;
+using test::WriteBytes;
+using Names = std::set<std::string>;
+
+mode_t ModeOf(const fs::path& file) {
+  struct stat info {};
+  EXPECT_EQ(stat(file.c_str(), &info), 0) << file;
+  return info.st_mode & 07777;
+}
+
+// Runs in a process of its own, so that limits and identities end with it; its exit status.
+int InChild(const std::function<int()>& body) {
+  const pid_t child = fork();
+  if (child == 0) _exit(body());
+  int status = 0;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+}
+
+TEST(FileReplacementPosix, TheModeOfAnExistingFileStaysAndANewOneFollowsTheMask) {
+  const TemporaryFolder folder;
+  for (const mode_t mode : {0600, 0640, 0666, 0755}) {
+    WriteBytes(folder / "old", "old");
+    ASSERT_EQ(chmod((folder / "old").c_str(), mode), 0);
+    ASSERT_TRUE(ReplaceFile(folder / "old", "new").ok());
+    EXPECT_EQ(ModeOf(folder / "old"), mode);
+  }
+  for (const mode_t mask : {022, 077, 002}) {
+    const mode_t before = umask(mask);
+    EXPECT_TRUE(ReplaceFile(folder / "new", "new").ok());
+    umask(before);
+    EXPECT_EQ(ModeOf(folder / "new"), 0666 & ~mask);
+    fs::remove(folder / "new");
+  }
+}
+
+TEST(FileReplacementPosix, ASymbolicLinkStaysAndItsFileIsReplaced) {
+  const TemporaryFolder folder;
+  fs::create_directory(folder / "deep");
+  WriteBytes(folder / "deep/file", "old");
+  fs::create_symlink("deep/file", folder / "one");
+  fs::create_symlink(folder / "one", folder / "two");
+  fs::create_symlink("deep/missing", folder / "dangling");
+  for (const char* link : {"one", "two", "dangling"}) {
+    EXPECT_TRUE(ReplaceFile(folder / link, link).ok()) << link;
+    EXPECT_TRUE(fs::is_symlink(folder / link)) << link;
+    EXPECT_EQ(ReadBytes(folder / link), link);
+  }
+  EXPECT_EQ(ReadBytes(folder / "deep/file"), "two");
+  EXPECT_EQ(ReadBytes(folder / "deep/missing"), "dangling");
+  EXPECT_EQ(folder.Names(), (Names{"dangling", "deep", "one", "two"}));
+
+  fs::create_symlink("circle", folder / "circle");
+  EXPECT_EQ(ReplaceFile(folder / "circle", "x").why, u"the symbolic links lead in a circle");
+}
+
+TEST(FileReplacementPosix, PipesAndDevicesAreWrittenThrough) {
+  const TemporaryFolder folder;
+  const fs::path pipe = folder / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const std::string sent(200000, 'p');
+  std::string received;
+  std::thread reader([&] { received = ReadBytes(pipe); });
+  EXPECT_TRUE(ReplaceFile(pipe, sent).ok());
+  reader.join();
+  EXPECT_EQ(received, sent);
+  EXPECT_TRUE(fs::is_fifo(pipe));
+
+  EXPECT_TRUE(ReplaceFile("/dev/null", "nothing").ok());
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+  const Status full = ReplaceFile("/dev/full", "x");
+  EXPECT_EQ(full.failure, Failure::kNoSpace);
+  EXPECT_EQ(full.what, u"/dev/full");
+  EXPECT_EQ(full.why, u"the disk is full");
+}
+
+TEST(FileReplacementPosix, APipeWithoutReaderIsAFailureNotTheEndOfTheProcess) {
+  EXPECT_EQ(InChild([] {
+              int ends[2];
+              if (pipe(ends) != 0) return 1;
+              close(ends[0]);
+              const Status status = ReplaceFile("/dev/fd/" + std::to_string(ends[1]), "x");
+              return status.why == u"the reader of the pipe has gone" ? 0 : 2;
+            }),
+            0);
+}
+
+// Standard output that the shell sends to a file keeps what stands there (">>").
+TEST(FileReplacementPosix, AnOpenFileBehindAProcessLinkIsAppendedTo) {
+  const TemporaryFolder folder;
+  WriteBytes(folder / "log", "before ");
+  EXPECT_EQ(InChild([&] {
+              if (dup2(open((folder / "log").c_str(), O_WRONLY | O_APPEND), 1) != 1) return 1;
+              return ReplaceFile("/dev/stdout", "after").ok() ? 0 : 2;
+            }),
+            0);
+  EXPECT_EQ(ReadBytes(folder / "log"), "before after");
+}
+
+TEST(FileReplacementPosix, PermissionsAreKept) {
+  const TemporaryFolder folder;
+  ASSERT_EQ(chmod(folder.path().c_str(), 0777), 0);
+  fs::create_directory(folder / "closed");
+  WriteBytes(folder / "protected", "old");
+  ASSERT_EQ(chmod((folder / "protected").c_str(), 0444), 0);
+  ASSERT_EQ(chmod((folder / "closed").c_str(), 0555), 0);
+  EXPECT_EQ(InChild([&] {
+              if (geteuid() == 0 && (setegid(65534) != 0 || seteuid(65534) != 0)) return 1;
+              const Status file = ReplaceFile(folder / "protected", "new");
+              if (file.failure != Failure::kAccessDenied || file.why != u"no permission") return 2;
+              const Status place = ReplaceFile(folder / "closed/new", "new");
+              if (place.why != u"no permission to write in its folder") return 3;
+              return ReplaceFile(folder / "free", "new").ok() ? 0 : 4;
+            }),
+            0);
+  EXPECT_EQ(ReadBytes(folder / "protected"), "old");
+  EXPECT_EQ(folder.Names(), (Names{"closed", "free", "protected"}));
+}
+
+TEST(FileReplacementPosix, AFileSizeLimitIsAFailureNotTheEndOfTheProcess) {
+  const TemporaryFolder folder;
+  WriteBytes(folder / "file", "old");
+  EXPECT_EQ(InChild([&] {
+              const rlimit limit{1000, 1000};
+              if (setrlimit(RLIMIT_FSIZE, &limit) != 0) return 1;
+              const Status status = ReplaceFile(folder / "file", std::string(5000, 'x'));
+              return status.failure == Failure::kNoSpace ? 0 : 2;
+            }),
+            0);
+  EXPECT_EQ(ReadBytes(folder / "file"), "old");
+  EXPECT_EQ(folder.Names(), Names{"file"});
+}
+
+constexpr int kMayNotMount = 77;
+
+// Mounts an empty disk of 64 KB in a mount name space of this process's own.
+bool MountSmallDisk(const fs::path& where) {
+  if (unshare(CLONE_NEWNS) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
+  return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+         mount("tmpfs", where.c_str(), "tmpfs", 0, "size=64k") == 0;
+}
+
+// Without the process file system no file without a name can get one later.
+TEST(FileReplacementPosix, WorksWithoutTheProcessFileSystem) {
+  const TemporaryFolder folder;
+  const int result = InChild([&] {
+    if (!MountSmallDisk("/proc")) return kMayNotMount;
+    for (const char* bytes : {"first", "second"}) {
+      if (!ReplaceFile(folder / "file", bytes).ok()) return 2;
+      if (ReadBytes(folder / "file") != bytes) return 3;
+      Status status;
+      auto abandoned = FileReplacement::Create(folder / "file", &status);
+      if (!abandoned || !abandoned->Write("third").ok() || folder.Names().size() != 2) return 4;
+      abandoned.reset();
+      if (ReadBytes(folder / "file") != bytes || folder.Names() != Names{"file"}) return 5;
+    }
+    return 0;
+  });
+  if (result == kMayNotMount) GTEST_SKIP() << "this process may not mount";
+  EXPECT_EQ(result, 0);
+}
+
+TEST(FileReplacementPosix, AFullDiskLeavesTheOldFile) {
+  const TemporaryFolder folder;
+  const int result = InChild([&] {
+    if (!MountSmallDisk(folder.path())) return kMayNotMount;
+    WriteBytes(folder / "file", "old");
+    const Status status = ReplaceFile(folder / "file", std::string(1 << 20, 'x'));
+    if (status.failure != Failure::kNoSpace) return 2;
+    if (ReadBytes(folder / "file") != "old") return 3;
+    return folder.Names() == Names{"file"} ? 0 : 4;
+  });
+  if (result == kMayNotMount) GTEST_SKIP() << "this process may not mount";
+  EXPECT_EQ(result, 0);
+}
+
+TEST(FileReplacementPosix, AKilledProcessLeavesTheOldFileAlone) {
+  const TemporaryFolder folder;
+  WriteBytes(folder / "file", "old");
+  int ready[2];
+  ASSERT_EQ(pipe(ready), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    Status status;
+    const auto file = FileReplacement::Create(folder / "file", &status);
+    const char good = file && file->Write(std::string(100000, 'x')).ok() ? 'y' : 'n';
+    if (write(ready[1], &good, 1) == 1) pause();
+    _exit(1);
+  }
+  char answer = 0;
+  ASSERT_EQ(read(ready[0], &answer, 1), 1);
+  EXPECT_EQ(answer, 'y');
+  kill(child, SIGKILL);
+  waitpid(child, nullptr, 0);
+  EXPECT_EQ(ReadBytes(folder / "file"), "old");
+  EXPECT_EQ(folder.Names(), Names{"file"});
+}
+
+}  // namespace
+}  // namespace kerno

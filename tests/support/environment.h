@@ -1,0 +1,11 @@
+// The process's environment, changed for a test. Names and values are ASCII.
+#pragma once
+
+#include <string>
+
+namespace kerno::test {
+
+void SetVariable(const std::string& name, const std::string& value);
+void ClearVariable(const std::string& name);
+
+}  // namespace kerno::test

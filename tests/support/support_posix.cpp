@@ -1,0 +1,89 @@
+#include <stdlib.h>
+#include <sys/resource.h>
+
+#include "support/child_process.h"
+#include "support/environment.h"
+#include "support/file_holder.h"
+#include "support/places.h"
+#include "support/private_registry.h"
+#include "support/run.h"
+
+namespace kerno::test {
+
+const std::filesystem::path kUnwritableFolder = "/proc";
+const std::filesystem::path kFullDevice = "/dev/full";
+
+namespace {
+
+size_t LimitFileSize(size_t bytes) {
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  const size_t before = limit.rlim_cur;
+  limit.rlim_cur = bytes;
+  setrlimit(RLIMIT_FSIZE, &limit);
+  return before;
+}
+
+}  // namespace
+
+FileSizeLimit::FileSizeLimit(size_t bytes) : before_(LimitFileSize(bytes)) {}
+FileSizeLimit::~FileSizeLimit() {
+  LimitFileSize(before_);
+}
+bool FileSizeLimit::holds() const {
+  return true;
+}
+
+void SetVariable(const std::string& name, const std::string& value) {
+  setenv(name.c_str(), value.c_str(), 1);
+}
+
+void ClearVariable(const std::string& name) {
+  unsetenv(name.c_str());
+}
+
+PrivateRegistry::PrivateRegistry() = default;
+PrivateRegistry::~PrivateRegistry() = default;
+
+std::string OutputOf(const std::string& command, int status) {
+  std::string output;
+  FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
+  if (!pipe) {
+    ADD_FAILURE() << command;
+    return output;
+  }
+  std::array<char, 4096> buffer;
+  while (const size_t count = fread(buffer.data(), 1, buffer.size(), pipe)) {
+    output.append(buffer.data(), count);
+  }
+  const int ended = pclose(pipe);
+  EXPECT_EQ(ended >> 8, status) << command << "\n" << output;
+  return output;
+}
+
+class FileHolder::Hold {
+ public:
+  Hold(const std::filesystem::path& file, HoldKind kind, unsigned milliseconds)
+      : process_({KERNO_PYTHON, "-c",
+                  "import fcntl, sys, time\n"
+                  "f = open(sys.argv[1], 'r+b')\n"
+                  "getattr(fcntl, sys.argv[2])(f, fcntl.LOCK_EX)\n"
+                  "print('held', flush=True)\n"
+                  "time.sleep(float(sys.argv[3]) / 1000)\n",
+                  file.native(), kind == HoldKind::kWholeFile ? "flock" : "lockf",
+                  std::to_string(milliseconds ? milliseconds : 1000000)}) {
+    EXPECT_EQ(process_.ReadLine(), "held");
+  }
+
+ private:
+  ChildProcess process_;
+};
+
+FileHolder::FileHolder(const std::filesystem::path& file, HoldKind kind, unsigned milliseconds)
+    : hold_(std::make_unique<Hold>(file, kind, milliseconds)) {}
+FileHolder::~FileHolder() = default;
+void FileHolder::Release() {
+  hold_.reset();
+}
+
+}  // namespace kerno::test
