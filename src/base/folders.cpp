@@ -1,6 +1,8 @@
 #include "base/folders.h"
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "base/notices.h"
 #include "base/text.h"
@@ -100,11 +102,19 @@ fs::path SpecialFolder(uint32_t id) {
 }
 
 bool CreateFolderPath(const fs::path& path) {
-  fs::path level;
+  // From the end upwards, so that no root, drive or network share is ever asked to be made.
+  std::vector<fs::path> missing;
   std::error_code error;
-  for (const fs::path& name : path) {
-    level /= name;
-    if (name.empty() || fs::exists(level, error)) continue;
+  fs::path level = path.has_filename() ? path : path.parent_path();
+  while (!level.empty() && !fs::exists(level, error)) {
+    missing.push_back(level);
+    fs::path above = level.parent_path();
+    if (above == level) break;
+    level = std::move(above);
+  }
+  error.clear();
+  for (; !missing.empty(); missing.pop_back()) {
+    level = missing.back();
     fs::create_directory(level, error);  // no error when another process was faster
     if (error) break;
   }

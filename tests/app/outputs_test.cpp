@@ -9,6 +9,7 @@
 #include "app/output_name.h"
 #include "app/rtf_writer.h"
 #include "support/recording_view.h"
+#include "support/run.h"
 #include "support/temporary_folder.h"
 
 namespace kerno {
@@ -129,14 +130,7 @@ TEST(OutputName, IsValidAndHarmlessEverywhere) {
 std::string ReadByUnrtf(const std::string& rtf) {
   const test::TemporaryFolder folder;
   test::WriteBytes(folder / "a.rtf", rtf);
-  const std::string command = std::string(KERNO_PYTHON) + " '" KERNO_TESTS "/app/read_rtf.py' '" +
-                              (folder / "a.rtf").string() + "'";
-  FILE* pipe = popen(command.c_str(), "r");
-  std::string out;
-  char buffer[4096];
-  for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, n);
-  EXPECT_EQ(0, pclose(pipe));
-  return out;
+  return test::OutputOfPython("app/read_rtf.py '" + (folder / "a.rtf").string() + "'");
 }
 
 TEST(RtfWriter, AnIndependentReaderGivesTheTextBack) {

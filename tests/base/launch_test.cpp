@@ -55,7 +55,7 @@ class LaunchTest : public test::SettingsFixture {
 TEST_F(LaunchTest, TellsTheShellsWords) {
   FakeShell shell;
   LaunchRequest request;
-  request.file = "/a/図.dxf";
+  request.file = u"/a/図.dxf";
   request.parameters = {u"-x", u"y z"};
   const std::pair<int, std::u16string> kCases[] = {
       {0, u"The operating system is out of memory or resources."},

@@ -138,7 +138,8 @@ TEST(VersionReader, TheRunningProgramHasStrings) {
   EXPECT_EQ(reader.Get(u"SpecialBuild"), u"");
   const AboutTexts about = ReadAboutTexts();
   EXPECT_EQ(about.copyright, reader.Get(u"LegalCopyright"));
-  EXPECT_EQ(about.version, u"Kerno   Version " + reader.Get(u"FileVersion"));
+  EXPECT_EQ(about.version,
+            reader.Get(u"FileDescription") + u"   Version " + reader.Get(u"FileVersion"));
 }
 
 TEST(SystemVersion, NamesWhatItKnows) {

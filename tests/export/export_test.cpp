@@ -26,9 +26,9 @@ TEST(Export, TheExtensionChoosesExactly) {
     EXPECT_EQ(Export({}, folder / c.name, {}, &status), c.result) << c.name;
     EXPECT_EQ(status.ok(), c.result == 1) << c.name;
     EXPECT_EQ(status.why.empty(), c.result == 1) << c.name;
-    EXPECT_EQ(std::filesystem::exists(folder / c.name), c.result == 1) << c.name;
+    EXPECT_EQ(folder.Names().size(), c.result == 1 ? 1u : 0u) << c.name;
+    std::filesystem::remove(folder / c.name);
   }
-  EXPECT_EQ(folder.Names().size(), 7u);
 }
 
 TEST(Export, TheStepAfterwardsRunsAfterSuccessOnly) {

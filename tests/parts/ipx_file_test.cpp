@@ -316,7 +316,7 @@ TEST(IpxFile, WaitsForAFileThatIsHeld) {
   test::FakeClock clock;
   const RecordingNotices notices;
   Status status;
-  const auto holder = HeldFile::Open(path, Deny::kAll, &status);
+  auto holder = HeldFile::Open(path, Deny::kAll, &status);
   ASSERT_TRUE(holder) << Utf16ToUtf8(status.why);
   EXPECT_EQ(WriteIpxFile(path, {}, kProgram).failure, Failure::kSharingViolation);
   PartsA read;
@@ -324,6 +324,7 @@ TEST(IpxFile, WaitsForAFileThatIsHeld) {
   EXPECT_EQ(notices.waits,
             (std::vector<std::u16string>{u"FileWait OpenWrite " + PathText(path), u"",
                                          u"FileWait OpenRead  " + PathText(path), u""}));
+  holder.reset();
   EXPECT_EQ(ReadBytes(path), "old");
 }
 

@@ -217,5 +217,14 @@ TEST(FileReplacementPosix, AKilledProcessLeavesTheOldFileAlone) {
   EXPECT_EQ(folder.Names(), Names{"file"});
 }
 
+TEST(FileReplacementPosix, PathsThatCannotBeAreExplained) {
+  const TemporaryFolder folder;
+  WriteBytes(folder / "file", "old");
+  EXPECT_EQ(ReplaceFile(folder / "file/file", "new").why, u"a part of the path is not a folder");
+  EXPECT_EQ(ReplaceFile(folder / std::string(300, 'n'), "new").why, u"the name is too long");
+  EXPECT_EQ(ReplaceFile(folder / "\xFF\xE6\x97\xA5/x", "new").what,
+            fs::path(folder / "").u16string() + u"\xFFFD日/x");
+}
+
 }  // namespace
 }  // namespace kerno

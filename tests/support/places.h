@@ -9,6 +9,9 @@ namespace kerno::test {
 extern const std::filesystem::path kUnwritableFolder;  // to the superuser too
 extern const std::filesystem::path kFullDevice;        // accepts no byte
 
+// Whether a file that is held for writing cannot be read by others, whatever they ask with.
+extern const bool kHoldsKeepReadersOut;
+
 // While it lives no file grows beyond `bytes`, where the system can say so.
 class FileSizeLimit {
  public:

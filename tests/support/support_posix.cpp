@@ -12,6 +12,7 @@ namespace kerno::test {
 
 const std::filesystem::path kUnwritableFolder = "/proc";
 const std::filesystem::path kFullDevice = "/dev/full";
+const bool kHoldsKeepReadersOut = false;
 
 namespace {
 

@@ -55,6 +55,7 @@ std::string ForShell(const std::string& command) {
 
 const std::filesystem::path kUnwritableFolder = "Z:/proc";
 const std::filesystem::path kFullDevice = "Z:/dev/full";
+const bool kHoldsKeepReadersOut = true;
 
 FileSizeLimit::FileSizeLimit(size_t /*bytes*/) {}
 FileSizeLimit::~FileSizeLimit() = default;
@@ -98,10 +99,10 @@ PrivateRegistry::PrivateRegistry() {
   for (const auto& [root, name] : {std::pair{HKEY_CURRENT_USER, L"Software\\KernoTest\\User"},
                                    {HKEY_LOCAL_MACHINE, L"Software\\KernoTest\\Machine"}}) {
     HKEY key = nullptr;
-    EXPECT_EQ(
-        RegCreateKeyExW(HKEY_CURRENT_USER, (name + std::to_wstring(GetCurrentProcessId())).c_str(),
-                        0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr),
-        ERROR_SUCCESS);
+    EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER,
+                              (name + std::to_wstring(GetCurrentProcessId())).c_str(), 0, nullptr,
+                              REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key, nullptr),
+              ERROR_SUCCESS);
     EXPECT_EQ(RegOverridePredefKey(root, key), ERROR_SUCCESS);
     RegCloseKey(key);
   }

@@ -29,7 +29,9 @@ class TemporaryFolder {
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
   const std::filesystem::path& path() const { return path_; }
-  std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
+  std::filesystem::path operator/(std::string_view name) const {
+    return (path_ / name).make_preferred();
+  }
 
   // The names of everything that stands in the folder.
   std::set<std::string> Names() const {

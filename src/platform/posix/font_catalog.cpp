@@ -86,6 +86,8 @@ std::vector<CatalogFace::Name> FamiliesOf(FcPattern* pattern) {
     names[i].system =
         (translated ? names[english[std::min(family, english.size() - 1)]].text : names[i].text)
             .substr(0, kMaxFaceName);
+    names[i].own = std::find(languages.begin() + static_cast<ptrdiff_t>(i) + 1, languages.end(),
+                             languages[i]) == languages.end();
   }
   return names;
 }
@@ -105,12 +107,20 @@ CatalogFace FaceOf(FcPattern* pattern) {
   return face;
 }
 
-auto Rank(const CatalogFace& face, const FaceWish& wish) {
+// Whether the face has the name only as a part of a wider family, whose members beyond the regular
+// and the bold have families of their own beside it.
+bool IsDistant(const CatalogFace& face, const std::string& key, bool vertical) {
+  return std::none_of(
+      face.families.begin(), face.families.end(),
+      [&](const CatalogFace::Name& name) { return name.own && KeyOf(name.text, vertical) == key; });
+}
+
+auto Rank(const CatalogFace& face, const FaceWish& wish, bool distant) {
   const int32_t distance = std::abs(face.weight - wish.weight);
-  // Of two as near, the one farther from the normal weight, on the side of the wish.
-  const bool wrong_side = (face.weight < wish.weight) != (wish.weight < 400);
-  return std::make_tuple(!face.has_outlines, face.slanted != wish.italic,
-                         std::abs(face.width - FC_WIDTH_NORMAL), distance, wrong_side,
+  // Of two as near the lighter one: bold begins above 550, half way between 400 and 700.
+  const bool heavier = face.weight > wish.weight;
+  return std::make_tuple(!face.has_outlines, distant, face.slanted != wish.italic,
+                         std::abs(face.width - FC_WIDTH_NORMAL), distance, heavier,
                          std::cref(face.path), face.index);
 }
 
@@ -180,12 +190,14 @@ std::vector<const CatalogFace*> FontCatalog::FindFamily(std::u16string_view name
                                                         const FaceWish& wish) const {
   std::vector<const CatalogFace*> found;
   const auto& names = wish.vertical ? by_vertical_name_ : by_name_;
-  const auto [begin, end] = names.equal_range(KeyOf(name, wish.vertical));
+  const std::string key = KeyOf(name, wish.vertical);
+  const auto [begin, end] = names.equal_range(key);
   for (auto at = begin; at != end; ++at) {
     found.push_back(&faces_[at->second]);
   }
-  std::sort(found.begin(), found.end(), [&wish](const CatalogFace* a, const CatalogFace* b) {
-    return Rank(*a, wish) < Rank(*b, wish);
+  std::sort(found.begin(), found.end(), [&](const CatalogFace* a, const CatalogFace* b) {
+    return Rank(*a, wish, IsDistant(*a, key, wish.vertical)) <
+           Rank(*b, wish, IsDistant(*b, key, wish.vertical));
   });
   found.erase(std::unique(found.begin(), found.end()), found.end());
   return found;

@@ -24,6 +24,8 @@ struct CatalogFace {
     std::u16string text;    // as the file spells it
     std::u16string system;  // the name of the same family that the system shows: the English one,
                             // cut to kMaxFaceName units
+    bool own = true;        // the family of regular, bold and italic faces that the face is in; not
+                            // a wider one of more weights and widths
   };
 
   std::string path;

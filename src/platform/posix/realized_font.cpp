@@ -104,12 +104,17 @@ void RealizedFont::SetOutlineSize(int32_t height, int32_t width) {
   sized_ = true;
   metrics_ = ScaleTextMetrics(units_, pixels_per_em_);
   metrics_.tmWeight = choice_.embolden ? kBoldWeight : FaceWeight(face_.get(), choice_.face_weight);
+  const int64_t own = std::max(metrics_.tmAveCharWidth, 1);
+  metrics_.tmAveCharWidth += EmboldenedWidth();
+  metrics_.tmMaxCharWidth += EmboldenedWidth();
   if (width != 0) {
     const int64_t wanted = std::abs(static_cast<int64_t>(width));
-    const int64_t own = std::max(metrics_.tmAveCharWidth, 1);
     width_ratio_ = (wanted << 16) / own;
-    metrics_.tmMaxCharWidth = Clamp32((2 * metrics_.tmMaxCharWidth * wanted + own) / (2 * own));
-    metrics_.tmAveCharWidth = Clamp32(wanted);
+    const auto scaled = [&](int64_t unscaled) {
+      return Clamp32((2 * unscaled * wanted + own) / (2 * own));
+    };
+    metrics_.tmMaxCharWidth = scaled(metrics_.tmMaxCharWidth);
+    metrics_.tmAveCharWidth = scaled(metrics_.tmAveCharWidth);
   }
 }
 
@@ -187,7 +192,7 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
       slot->format != FT_GLYPH_FORMAT_OUTLINE) {
     return glyph;
   }
-  const int64_t advance = Advance(slot->metrics.horiAdvance);
+  const int64_t advance = Advance(slot->metrics.horiAdvance) + EmboldenedWidth();
   glyph.advance = Clamp32(advance);
   if (choice_.embolden) {
     Embolden(slot);
@@ -210,16 +215,14 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
   return glyph;
 }
 
-// Thickens the strokes by 1/32 em, half of it on either side, so that the glyph stays where it was
-// and keeps its advance; columns of a fixed-pitch face stay columns.
+// Thickens the strokes by 1/24 em, to the right and upwards, as the desktop's graphics interface
+// does.
 void RealizedFont::Embolden(FT_GlyphSlot slot) const {
-  const FT_Pos strength = static_cast<FT_Pos>(pixels_per_em_ * 64 / 32);
+  const FT_Pos strength = static_cast<FT_Pos>(pixels_per_em_ * 64 / 24);
   FT_Outline* outline = &slot->outline;
   if (outline->n_points == 0 || FT_Outline_Embolden(outline, strength) != 0) {
     return;
   }
-  // FT_Outline_Embolden leaves the lower left corner in place.
-  FT_Outline_Translate(outline, -(strength / 2), -(strength / 2));
   FT_BBox box;
   FT_Outline_Get_CBox(outline, &box);
   slot->metrics.horiBearingX = box.xMin & ~FT_Pos{63};

@@ -63,6 +63,8 @@ class RealizedFont final : public Font {
   NativeGlyph LoadRaster(char32_t ch) const;
   NativeGlyph LoadOutline(char32_t ch);
   void Embolden(FT_GlyphSlot slot) const;
+  // How much wider, in pixels, each glyph counts.
+  int32_t EmboldenedWidth() const { return choice_.embolden ? 1 : 0; }
   int64_t Advance(int64_t hinted) const;
   int64_t ScaleX(int64_t x) const;
   Outline TakeOutline(const FT_Outline& source) const;

@@ -25,15 +25,29 @@ bool AppendEncoded(std::u16string_view text, char default_byte, std::string* byt
   const auto length = static_cast<int>(wide.size());
   const size_t before = bytes->size();
   BOOL used = FALSE;
+  const char default_text[] = {default_byte, '\0'};  // the system looks for a second byte
   bytes->resize(before + 2 * wide.size());
   const int written = WideCharToMultiByte(kCodePage, 0, wide.data(), length, bytes->data() + before,
-                                          static_cast<int>(2 * wide.size()), &default_byte, &used);
+                                          static_cast<int>(2 * wide.size()), default_text, &used);
   bytes->resize(before + static_cast<size_t>(written));
   return used != FALSE;
 }
 
 // The character of one valid lead and trail byte, or of one single byte.
 char16_t DecodeOne(std::string_view bytes) {
+  // Single bytes without a character, some of which a strict reading refuses.
+  switch (static_cast<unsigned char>(bytes[0])) {
+    case 0x80:
+      return u'\u0080';
+    case 0xA0:
+      return u'\uF8F0';
+    case 0xFD:
+      return u'\uF8F1';
+    case 0xFE:
+      return u'\uF8F2';
+    case 0xFF:
+      return u'\uF8F3';
+  }
   wchar_t unit[2] = {};
   const int length = MultiByteToWideChar(kCodePage, MB_ERR_INVALID_CHARS, bytes.data(),
                                          static_cast<int>(bytes.size()), unit, 2);

@@ -14,6 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr size_t kLongestValue = 65535;  // units; the functions know no longer ones
+
 // What a missing value is told by: no value holds it.
 constexpr const wchar_t* kMissing = L"\x1Bmissing\x1B";
 
@@ -28,7 +30,8 @@ std::wstring WholePath(const fs::path& file) {
 
 std::optional<std::u16string> ReadProfileString(const fs::path& file, std::u16string_view section,
                                                 std::u16string_view key, size_t most) {
-  std::wstring value(std::max<size_t>(most, std::wstring_view(kMissing).size()) + 1, L'\0');
+  most = std::min(most, kLongestValue);
+  std::wstring value(std::max(most, std::wstring_view(kMissing).size()) + 1, L'\0');
   const DWORD length =
       GetPrivateProfileStringW(ToWide(section).c_str(), ToWide(key).c_str(), kMissing, value.data(),
                                static_cast<DWORD>(value.size()), WholePath(file).c_str());
@@ -40,6 +43,9 @@ std::optional<std::u16string> ReadProfileString(const fs::path& file, std::u16st
 // The functions write one line at a time: a failure leaves those before it written.
 Status WriteProfile(const fs::path& file, const std::vector<ProfileEdit>& edits) {
   std::error_code error;
+  if (fs::is_directory(file, error)) {
+    return Status::Error(Failure::kIsFolder, SystemText(file), u"it is a folder");
+  }
   if (!fs::exists(file, error)) {
     // Without the mark a new file would hold 8-bit text.
     Status created = CreateNewFile(file, "\xFF\xFE");
