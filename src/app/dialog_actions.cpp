@@ -7,6 +7,7 @@
 #include "app/dropped_file.h"
 #include "app/status_text.h"
 #include "app/text_source.h"
+#include "base/folders.h"
 #include "base/text.h"
 #include "base/text_file.h"
 #include "export/draw_parts.h"
@@ -55,8 +56,7 @@ void Dialog::Chosen(MenuCommand command) {
       return view_.ShowAbout(version, copyright);
     }
     case MenuCommand::kOpenFolder: {
-      std::error_code error;
-      fs::create_directories(outputs_.folder(), error);
+      (void)MakeFolders(outputs_.folder());  // opening it tells
       if (!services_.OpenFolder(outputs_.folder())) {
         ShowStatus(PathText(outputs_.folder()) + u": cannot be opened", StatusKind::kFailure);
       }

@@ -6,6 +6,7 @@
 
 #include "app/output_name.h"
 #include "app/rtf_writer.h"
+#include "base/folders.h"
 #include "base/text.h"
 
 namespace kerno {
@@ -52,14 +53,11 @@ const char16_t* ExtensionOf(OutputKind kind) {
   return u"";
 }
 
-Status MakeFolder(const fs::path& folder) {
-  std::error_code error;
-  fs::create_directories(folder, error);
-  if (fs::is_directory(folder)) return Status::Ok();
-  if (!error) error = std::make_error_code(std::errc::not_a_directory);
-  return Status::Error(
-      Failure::kOther, PathText(folder),
-      u"the folder of the outputs cannot be made: " + Utf8ToUtf16Lossy(error.message()));
+Status MakeOutputFolder(const fs::path& folder) {
+  Status made = MakeFolders(folder);
+  if (made.ok()) return made;
+  return Status::Error(Failure::kOther, PathText(folder),
+                       u"the folder of the outputs cannot be made: " + made.why);
 }
 
 }  // namespace
@@ -76,13 +74,13 @@ void Outputs::SetFolder(fs::path folder) {
 bool Outputs::MakeBasePath(const OutputSubject& subject) {
   if (!base_path_.empty()) {
     // Scratch folders are emptied behind a long run's back.
-    const Status made = MakeFolder(folder_);
+    const Status made = MakeOutputFolder(folder_);
     if (!made.ok()) notifier_.FileWritten(base_path_, made);
     return made.ok();
   }
   const fs::path path =
       folder_ / TextPath(OutputBaseName(subject.face, subject.height, subject.text) + u".rtf");
-  Status result = MakeFolder(folder_);
+  Status result = MakeOutputFolder(folder_);
   if (result.ok()) {
     const RtfOptions options = {.face = subject.face, .color = subject.color};
     result = services_.WriteBytes(path, RtfDocument(subject.text, options));

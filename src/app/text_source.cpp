@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "base/text.h"
+#include "platform/folder_path.h"
 
 namespace kerno {
 namespace {
@@ -61,7 +62,7 @@ Status LoadText(const std::filesystem::path& path, std::u16string* text) {
     const std::error_code reason(errno ? errno : EIO, std::generic_category());
     const bool missing = reason == std::errc::no_such_file_or_directory;
     return Status::Error(missing ? Failure::kNotFound : Failure::kOther, name,
-                         u"cannot be read: " + Utf8ToUtf16Lossy(reason.message()));
+                         u"cannot be read: " + ErrorText(reason));
   }
   return DecodeText(bytes, name, text);
 }

@@ -1,12 +1,11 @@
 #include "base/folders.h"
 
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "base/notices.h"
 #include "base/text.h"
 #include "base/time_text.h"
+#include "platform/folder_path.h"
 #include "platform/system.h"
 
 namespace kerno {
@@ -16,11 +15,6 @@ namespace fs = std::filesystem;
 
 fs::path WithSeparator(const fs::path& folder) {
   return folder.empty() || !folder.has_filename() ? folder : folder / "";
-}
-
-bool IsFolder(const fs::path& path) {
-  std::error_code error;
-  return fs::is_directory(path, error);
 }
 
 fs::path FromEnvironment() {
@@ -50,9 +44,8 @@ fs::path PerUserFolder() {
   if (system.MakePrivateFolder(own).ok()) return own;
   // Somebody else's folder has the name, or there is no right to make one.
   const fs::path cache = system.CacheFolder();
-  std::error_code error;  // no message: the next place is tried
-  fs::create_directories(cache, error);
-  if (!cache.empty() && system.MakePrivateFolder(cache / "tmp").ok()) {
+  const bool made = MakeFolders(cache).ok();  // no message: the next place is tried
+  if (made && system.MakePrivateFolder(cache / "tmp").ok()) {
     return cache / "tmp";
   }
   return system.CurrentFolder();
@@ -96,31 +89,25 @@ fs::path WorkFolder() {
 
 fs::path SpecialFolder(uint32_t id) {
   const auto number = static_cast<SpecialFolderId>(id & ~kCreateSpecialFolder);
-  const fs::path folder = CurrentSystem().SpecialFolder(number);
   const bool create = (id & kCreateSpecialFolder) != 0;
+  const fs::path folder =
+      CurrentSystem().SpecialFolder(number, create ? MissingFolder::kMake : MissingFolder::kLeave);
   return folder.empty() || !create || CreateFolderPath(folder) ? folder : fs::path();
 }
 
+Status MakeFolders(const fs::path& path) {
+  for (const fs::path& level : FolderLevels(path)) {
+    if (IsFolder(level)) continue;
+    if (Status made = MakeFolder(level); !made.ok()) return made;
+  }
+  if (IsFolder(path)) return Status::Ok();
+  return Status::Error(Failure::kNotFound, PathText(path), u"there is no such folder");
+}
+
 bool CreateFolderPath(const fs::path& path) {
-  // From the end upwards, so that no root, drive or network share is ever asked to be made.
-  std::vector<fs::path> missing;
-  std::error_code error;
-  fs::path level = path.has_filename() ? path : path.parent_path();
-  while (!level.empty() && !fs::exists(level, error)) {
-    missing.push_back(level);
-    fs::path above = level.parent_path();
-    if (above == level) break;
-    level = std::move(above);
-  }
-  error.clear();
-  for (; !missing.empty(); missing.pop_back()) {
-    level = missing.back();
-    fs::create_directory(level, error);  // no error when another process was faster
-    if (error) break;
-  }
-  if (!error && IsFolder(path)) return true;
-  CurrentNotices().Message(u"Can't create " + PathText(level));
-  return false;
+  const Status made = MakeFolders(path);
+  if (!made.ok()) CurrentNotices().Message(u"Can't create " + made.what);
+  return made.ok();
 }
 
 }  // namespace kerno

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <filesystem>
 
+#include "platform/status.h"
+
 namespace kerno {
 
 // The temporary folder, with a separator at the end; always one. The system's own answer, unless it
@@ -29,8 +31,13 @@ inline constexpr uint32_t kCreateSpecialFolder = 0x8000;  // CSIDL_FLAG_CREATE
 // created. Empty when there is none or it cannot be created.
 std::filesystem::path SpecialFolder(uint32_t id);
 
-// Creates every missing level. The first level that cannot be created is reported as a message, and
-// the result is false; true means that the whole path exists as a folder.
+// Creates every missing level; the status names the first that cannot be created. Ok means that the
+// whole path exists as a folder.
+Status MakeFolders(const std::filesystem::path& path);
+
+// The same for callers without a use for the reason: the first level that cannot be created is
+// reported as a message, and the result is false; true means that the whole path exists as a
+// folder.
 bool CreateFolderPath(const std::filesystem::path& path);
 
 }  // namespace kerno

@@ -44,8 +44,7 @@ std::u16string StampKey() {
 IniStore::IniStore(std::u16string_view name) {
   fs::path path = ResolveIniPath(name);
   const fs::path folder = path.parent_path();
-  std::error_code error;
-  if (!folder.empty() && !fs::is_directory(folder, error)) fs::create_directories(folder, error);
+  if (!folder.empty()) (void)MakeFolders(folder);  // the test of writing tells
   if (!CanWriteFolder(folder.empty() ? fs::path(".") : folder)) {
     path = TempFolder() / path.filename();
     displaced_ = true;

@@ -3,6 +3,7 @@
 #include "base/dump_log.h"
 #include "base/notices.h"
 #include "base/text.h"
+#include "platform/folder_path.h"
 #include "platform/registry.h"
 #include "platform/shell.h"
 
@@ -80,12 +81,12 @@ fs::path FromAppPaths(std::u16string_view name) {
     DumpText(kDumpName, u"Error RegQueryValueEx @");
   }
   fs::path program = TextPath(value.text);
-  if (!program.is_absolute()) {
+  if (!IsWholePath(program)) {
     RegistryValue folder;
     QueryRegistry(RegistryRoot::kLocalMachine, key, u"path", &folder);
     program = TextPath(folder.text) / TextPath(name);
   }
-  return program.is_absolute() && IsFile(program) ? program : fs::path();
+  return IsWholePath(program) && IsFile(program) ? program : fs::path();
 }
 
 // Programs that have a folder of their own lie in it or in its "bin".

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "base/time_text.h"
 #include "platform/fold_case.h"
+#include "platform/folder_path.h"
 #include "platform/held_file.h"
 #include "platform/system.h"
 
@@ -29,17 +30,10 @@ constexpr int64_t kTenDays = 864000;  // seconds
 
 SettingsProcess* current = nullptr;
 
-bool IsFolder(const fs::path& path) {
-  std::error_code error;
-  return fs::is_directory(path, error);
-}
-
 // Makes the folder where that is possible; a place that cannot be made is no message, the next one
 // is tried.
 bool CanUse(const fs::path& folder) {
-  std::error_code error;
-  fs::create_directories(folder, error);
-  return IsFolder(folder) && CanWriteFolder(folder);
+  return MakeFolders(folder).ok() && CanWriteFolder(folder);
 }
 
 IniBase FindIniBase(const std::u16string& registry_key) {

@@ -11,6 +11,7 @@
 #include "parts/ipx.h"
 #include "parts/ipx_lexer.h"
 #include "platform/file_replacement.h"
+#include "platform/folder_path.h"
 #include "platform/system.h"
 
 namespace kerno {
@@ -33,7 +34,7 @@ class Silence {
 bool IsSameFile(const fs::path& a, const fs::path& b) {
   std::error_code error;
   if (fs::equivalent(a, b, error)) return true;
-  return fs::absolute(a, error).lexically_normal() == fs::absolute(b, error).lexically_normal();
+  return WholePath(a) == WholePath(b);
 }
 
 // Writes a copy without waiting for anybody.

@@ -44,6 +44,8 @@ enum class SpecialFolderId : uint32_t {
   kCommonDocuments = 0x2E,
 };
 
+enum class MissingFolder { kLeave, kMake };
+
 class System {
  public:
   virtual ~System() = default;
@@ -68,7 +70,9 @@ class System {
   virtual std::filesystem::path ConfigFolder() = 0;
   virtual std::filesystem::path CacheFolder() = 0;
 
-  virtual std::filesystem::path SpecialFolder(SpecialFolderId id) = 0;
+  // With kLeave a folder that is known but missing may be unknown to the system; whether kMake made
+  // it is for the caller to see.
+  virtual std::filesystem::path SpecialFolder(SpecialFolderId id, MissingFolder missing) = 0;
 
   // Whether a path lies where the system keeps installed software, which is not the place for a
   // user's files even when it can be written.

@@ -9,6 +9,7 @@
 
 #include "base/text.h"
 #include "platform/file_replacement.h"
+#include "platform/folder_path.h"
 
 namespace kerno {
 namespace {
@@ -30,7 +31,7 @@ Status ForEachFile(const fs::path& folder, const Take& take) {
   const auto kind = error == std::errc::permission_denied           ? Failure::kAccessDenied
                     : error == std::errc::no_such_file_or_directory ? Failure::kNotFound
                                                                     : Failure::kOther;
-  return Status::Error(kind, PathText(folder), Utf8ToUtf16Lossy(error.message()));
+  return Status::Error(kind, PathText(folder), ErrorText(error));
 }
 
 std::optional<PageSource> SourceOfPage(const fs::path& page) {

@@ -12,6 +12,7 @@
 #include "base/version_info.h"
 #include "platform/clock.h"
 #include "platform/file_replacement.h"
+#include "platform/folder_path.h"
 #include "platform/held_file.h"
 #include "platform/large_pages.h"
 #include "platform/system.h"
@@ -63,7 +64,7 @@ Status CheckKind(const fs::path& file) {
     case fs::file_type::directory:
       return Status::Error(Failure::kIsFolder, name, u"it is a folder, not a file");
     case fs::file_type::none:
-      return Status::Error(Failure::kAccessDenied, name, Utf8ToUtf16Lossy(error.message()));
+      return Status::Error(Failure::kAccessDenied, name, ErrorText(error));
     default:
       return Status::Error(Failure::kOther, name, u"it is a device or a pipe, not a file");
   }
@@ -140,7 +141,7 @@ std::u16string WhyNotSent(const HttpReply& reply, const HttpLimits& limits) {
   const std::u16string detail = u" (" + ShownText(reply.why, kMostShown) + u")";
   switch (reply.end) {
     case HttpEnd::kUnavailable:
-      return u"this machine cannot send: libcurl could not be loaded" + detail;
+      return u"this machine cannot send" + detail;
     case HttpEnd::kBadUrl:
       return u"the address cannot be read" + detail;
     case HttpEnd::kUnknownHost:

@@ -41,7 +41,7 @@ class FakeSystem final : public System {
   std::filesystem::path TemporaryPath() override { return temporary; }
   std::filesystem::path ConfigFolder() override { return config; }
   std::filesystem::path CacheFolder() override { return cache; }
-  std::filesystem::path SpecialFolder(SpecialFolderId id) override {
+  std::filesystem::path SpecialFolder(SpecialFolderId id, MissingFolder) override {
     const auto found = special.find(id);
     return found == special.end() ? std::filesystem::path() : found->second;
   }

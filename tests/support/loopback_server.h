@@ -1,25 +1,24 @@
 // A server on a free port of this machine that does with each connection what the test says.
 #pragma once
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <poll.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <thread>
+
+#include "support/sockets.h"
 
 namespace kerno::test {
 
 // One connection, closed by the server when the handler returns.
 class Connection {
  public:
-  Connection(int fd, int stop) : fd_(fd), stop_(stop) {}
+  Connection(Socket socket, const std::atomic<bool>& stop) : socket_(socket), stop_(stop) {}
 
   // Reads until `have` says enough, the peer closes, or the test ends. What was read stays in
   // `received`.
@@ -27,7 +26,7 @@ class Connection {
   void ReadUntil(const std::function<bool(std::string_view)>& have) {
     char buffer[65536];
     while (!have(received) && Readable()) {
-      const ssize_t got = recv(fd_, buffer, sizeof buffer, 0);
+      const auto got = recv(socket_, buffer, sizeof buffer, 0);
       if (got <= 0) return;
       received.append(buffer, static_cast<size_t>(got));
     }
@@ -46,15 +45,20 @@ class Connection {
   // False when the peer has gone.
   bool Send(std::string_view bytes) {
     while (!bytes.empty()) {
-      const ssize_t sent = send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+      const auto length = static_cast<SendLength>(std::min<size_t>(bytes.size(), 1 << 20));
+      const auto sent = send(socket_, bytes.data(), length, kNoSignal);
       if (sent <= 0) return false;
       bytes.remove_prefix(static_cast<size_t>(sent));
     }
     return true;
   }
+  // Sends `byte` ten times a second until the peer goes away or the test ends.
+  void Drip(char byte) {
+    while (!stop_ && Send({&byte, 1})) Pause(100);
+  }
   void Reset() {
     const linger now{1, 0};
-    setsockopt(fd_, SOL_SOCKET, SO_LINGER, &now, sizeof now);
+    setsockopt(socket_, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&now), sizeof now);
   }
   // Does nothing until the peer goes away or the test ends.
   void Hang() {
@@ -62,39 +66,46 @@ class Connection {
   }
   // Neither reads nor writes until the test ends.
   void Ignore() {
-    pollfd stop{stop_, POLLIN, 0};
-    poll(&stop, 1, 10'000);
+    for (int i = 0; i < kWaits && !stop_; ++i) Pause(kStep);
   }
+
+  static constexpr int kStep = 10;  // milliseconds
+  static constexpr int kWaits = 1000;
 
  private:
+  static void Pause(int milliseconds) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+  }
   bool Readable() const {
-    pollfd either[] = {{fd_, POLLIN, 0}, {stop_, POLLIN, 0}};
-    return poll(either, 2, 10'000) > 0 && either[1].revents == 0;
+    SocketPoll wanted{socket_, POLLIN, 0};
+    for (int i = 0; i < kWaits && !stop_; ++i) {
+      if (const int ready = Poll(&wanted, 1, kStep); ready != 0) return ready > 0;
+    }
+    return false;
   }
 
-  int fd_;
-  int stop_;
+  Socket socket_;
+  const std::atomic<bool>& stop_;
 };
 
 class LoopbackServer {
  public:
-  explicit LoopbackServer(std::function<void(Connection&)> handle) : handle_(std::move(handle)) {
-    listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  explicit LoopbackServer(std::function<void(Connection&)> handle)
+      : handle_(std::move(handle)), listener_(OpenSocket()) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(bind(listener_, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    auto* const place = reinterpret_cast<sockaddr*>(&address);
+    EXPECT_EQ(bind(listener_, place, sizeof address), 0);
     EXPECT_EQ(listen(listener_, 8), 0);
     socklen_t size = sizeof address;
-    EXPECT_EQ(getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size), 0);
+    EXPECT_EQ(getsockname(listener_, place, &size), 0);
     port_ = ntohs(address.sin_port);
-    EXPECT_EQ(pipe(stop_), 0);
     thread_ = std::thread([this] { Serve(); });
   }
   ~LoopbackServer() {
     Stop();
-    close(stop_[0]);
-    close(listener_);
+    CloseSocket(listener_);
   }
   LoopbackServer(const LoopbackServer&) = delete;
   LoopbackServer& operator=(const LoopbackServer&) = delete;
@@ -104,30 +115,28 @@ class LoopbackServer {
 
   // Ends the serving; afterwards what the handler wrote may be read.
   void Stop() {
-    if (!thread_.joinable()) return;
-    close(stop_[1]);
-    thread_.join();
+    stop_ = true;
+    if (thread_.joinable()) thread_.join();
   }
   int connections() const { return connections_; }
 
  private:
   void Serve() {
-    for (;;) {
-      pollfd either[] = {{listener_, POLLIN, 0}, {stop_[0], POLLIN, 0}};
-      if (poll(either, 2, -1) < 0 || either[1].revents != 0) return;
-      const int fd = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-      if (fd < 0) return;
+    SocketPoll wanted{listener_, POLLIN, 0};
+    while (!stop_) {
+      if (Poll(&wanted, 1, Connection::kStep) <= 0) continue;
+      const Socket socket = accept(listener_, nullptr, nullptr);
       ++connections_;
-      Connection connection(fd, stop_[0]);
+      Connection connection(socket, stop_);
       handle_(connection);
-      close(fd);
+      CloseSocket(socket);
     }
   }
 
   std::function<void(Connection&)> handle_;
-  int listener_ = -1;
+  Socket listener_;
   int port_ = 0;
-  int stop_[2] = {-1, -1};
+  std::atomic<bool> stop_ = false;
   std::atomic<int> connections_ = 0;
   std::thread thread_;
 };

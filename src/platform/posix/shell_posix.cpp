@@ -70,7 +70,8 @@ class PosixShell final : public Shell {
     for (std::string folder; std::getline(stream, folder, ':');) {
       if (fs::path(folder).is_absolute()) folders.emplace_back(folder);
     }
-    const fs::path home = CurrentSystem().SpecialFolder(SpecialFolderId::kProfile);
+    const fs::path home =
+        CurrentSystem().SpecialFolder(SpecialFolderId::kProfile, MissingFolder::kLeave);
     if (!home.empty()) folders.push_back(home / ".local/bin");
     for (const char* folder : {"/usr/local/bin", "/usr/bin", "/bin", "/usr/games", "/snap/bin",
                                "/var/lib/flatpak/exports/bin"}) {

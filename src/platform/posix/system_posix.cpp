@@ -107,7 +107,7 @@ class PosixSystem final : public System {
   fs::path ConfigFolder() override { return OwnFolder("XDG_CONFIG_HOME", ".config"); }
   fs::path CacheFolder() override { return OwnFolder("XDG_CACHE_HOME", ".cache"); }
 
-  fs::path SpecialFolder(SpecialFolderId id) override;
+  fs::path SpecialFolder(SpecialFolderId id, MissingFolder missing) override;
   bool IsSystemPlace(const fs::path& path) override;
   Status MakePrivateFolder(const fs::path& folder) override;
 
@@ -118,7 +118,7 @@ class PosixSystem final : public System {
   }
 };
 
-fs::path PosixSystem::SpecialFolder(SpecialFolderId id) {
+fs::path PosixSystem::SpecialFolder(SpecialFolderId id, MissingFolder /*missing*/) {
   switch (id) {
     case SpecialFolderId::kDesktop:
     case SpecialFolderId::kDesktopDirectory:

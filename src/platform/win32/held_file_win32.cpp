@@ -3,7 +3,6 @@
 // file keeps the other processes of this program out meanwhile. A foreign program that opens the
 // file in that instant makes the replacement fail as a sharing violation.
 #include <algorithm>
-#include <cwctype>
 #include <string>
 #include <utility>
 
@@ -74,10 +73,8 @@ class FileMutex {
  private:
   // Names of mutexes hold no backslash and have a limited length.
   static std::wstring Name(const fs::path& path) {
-    std::error_code error;
-    std::wstring whole = fs::absolute(path, error).lexically_normal().native();
-    std::transform(whole.begin(), whole.end(), whole.begin(),
-                   [](wchar_t unit) { return static_cast<wchar_t>(std::towlower(unit)); });
+    std::wstring whole = FullPath(path).native();
+    CharUpperBuffW(whole.data(), static_cast<DWORD>(whole.size()));
     uint64_t hash = 14695981039346656037u;  // FNV-1a
     for (const wchar_t unit : whole) hash = (hash ^ unit) * 1099511628211u;
     return L"Local\\kerno-file-" + std::to_wstring(hash);

@@ -1,9 +1,16 @@
-// HTTP through the internet session of the system.
+// HTTP through the internet session of the system. Its calls block: a thread of its own makes them,
+// while the caller's thread tells of the progress, keeps the limits and, to end a request early,
+// closes its handles under it. A call that does not come back even then is left behind with all
+// that it uses.
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <optional>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include "platform/http_session.h"
 #include "platform/win32/system_error.h"
@@ -13,24 +20,19 @@
 namespace kerno {
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
+// The socket errors that come through (winsock2.h).
+constexpr DWORD kNetUnreachable = 10051;   // WSAENETUNREACH
+constexpr DWORD kAborted = 10053;          // WSAECONNABORTED
+constexpr DWORD kReset = 10054;            // WSAECONNRESET
+constexpr DWORD kRefused = 10061;          // WSAECONNREFUSED
+constexpr DWORD kHostUnreachable = 10065;  // WSAEHOSTUNREACH
+constexpr DWORD kHostNotFound = 11001;     // WSAHOST_NOT_FOUND
 
-constexpr size_t kPiece = 32 * 1024;  // bytes sent between two reports of progress
+using Time = std::chrono::steady_clock;
 
-class Internet {
- public:
-  explicit Internet(HINTERNET handle = nullptr) : handle_(handle) {}
-  ~Internet() {
-    if (handle_ != nullptr) InternetCloseHandle(handle_);
-  }
-  Internet(const Internet&) = delete;
-  Internet& operator=(const Internet&) = delete;
-  HINTERNET get() const { return handle_; }
-  bool valid() const { return handle_ != nullptr; }
-
- private:
-  HINTERNET handle_;
-};
+constexpr size_t kPiece = 8 * 1024;  // bytes handed to the connection at once
+constexpr std::chrono::milliseconds kWatchStep{50};
+constexpr std::chrono::milliseconds kFarewell{500};  // for a call whose handle was closed
 
 struct Ending {
   DWORD error;
@@ -49,9 +51,16 @@ constexpr Ending kEndings[] = {
     {ERROR_INTERNET_SEC_INVALID_CERT, HttpEnd::kUntrusted},
     {ERROR_INTERNET_SEC_CERT_ERRORS, HttpEnd::kUntrusted},
     {ERROR_INTERNET_SECURITY_CHANNEL_ERROR, HttpEnd::kTlsFailed},
+    {ERROR_INTERNET_CLIENT_AUTH_CERT_NEEDED, HttpEnd::kTlsFailed},
     {ERROR_INTERNET_CONNECTION_RESET, HttpEnd::kBroken},
     {ERROR_INTERNET_CONNECTION_ABORTED, HttpEnd::kBroken},
     {ERROR_INTERNET_DISCONNECTED, HttpEnd::kUnavailable},
+    {kReset, HttpEnd::kBroken},
+    {kAborted, HttpEnd::kBroken},
+    {kRefused, HttpEnd::kRefused},
+    {kHostUnreachable, HttpEnd::kRefused},
+    {kNetUnreachable, HttpEnd::kRefused},
+    {kHostNotFound, HttpEnd::kUnknownHost},
     {ERROR_HTTP_INVALID_SERVER_RESPONSE, HttpEnd::kNotHttp},
     {ERROR_HTTP_HEADER_NOT_FOUND, HttpEnd::kNotHttp},
 };
@@ -69,15 +78,109 @@ std::string Words(DWORD error) {
   return ToUtf8(text);
 }
 
-// One request from its URL to the end of its answer.
-class Request {
- public:
-  Request(const HttpPost& post, const HttpProgress& progress) : post_(post), progress_(progress) {}
+enum class Phase { kConnecting, kSending, kAnswering, kEnded };
 
-  HttpReply Run() {
-    if (CrackUrl() && Connect() && Open() && Send()) Receive();
+// What the thread that makes the calls shares with the one that watches: the handles of the
+// session, the connection and the request, the bytes to send, and how far things are.
+class Exchange {
+ public:
+  struct State {
+    Phase phase = Phase::kConnecting;
+    size_t sent = 0;
+    Time::time_point moved = Time::now();  // the last change
+    Time::time_point all_sent = moved;
+  };
+
+  explicit Exchange(std::string_view body) : body_(body) {}
+  ~Exchange() { Close(); }
+  Exchange(const Exchange&) = delete;
+  Exchange& operator=(const Exchange&) = delete;
+
+  // Keeps a handle just made; false when there is none, or everything is to end.
+  bool Keep(HINTERNET handle) {
+    if (handle == nullptr) return false;
+    const std::lock_guard lock(mutex_);
+    handles_.push_back(handle);
+    if (closed_) SetLastError(ERROR_INTERNET_OPERATION_CANCELLED);
+    return !closed_;
+  }
+  HINTERNET last() {
+    const std::lock_guard lock(mutex_);
+    return handles_.empty() ? nullptr : handles_.back();
+  }
+
+  // The calls that wait on the handles come back with an error; the body is not touched any more.
+  void Close() {
+    std::vector<HINTERNET> handles;
+    {
+      const std::lock_guard lock(mutex_);
+      closed_ = true;
+      handles.swap(handles_);
+    }
+    for (size_t i = handles.size(); i-- > 0;) InternetCloseHandle(handles[i]);
+  }
+
+  // Shows the reply as far as it is known; the watching thread may take it at any moment.
+  void Publish(const HttpReply& reply) {
+    const std::lock_guard lock(mutex_);
+    reply_ = reply;
+    state_.moved = Time::now();
+  }
+  HttpReply TakeReply() {
+    const std::lock_guard lock(mutex_);
     return std::move(reply_);
   }
+
+  // Copies the next bytes of the body; none at its end, or when everything is to end.
+  size_t NextPiece(std::array<char, kPiece>* piece) {
+    const std::lock_guard lock(mutex_);
+    return closed_ ? 0 : body_.copy(piece->data(), piece->size(), state_.sent);
+  }
+
+  void Enter(Phase phase) {
+    const std::lock_guard lock(mutex_);
+    state_.phase = phase;
+    state_.moved = state_.all_sent = Time::now();
+    changed_.notify_all();
+  }
+  void Sent(size_t count) {
+    const std::lock_guard lock(mutex_);
+    state_.sent += count;
+    state_.moved = state_.all_sent = Time::now();
+  }
+  // The state after this time, or at the end.
+  State Wait(std::chrono::milliseconds time) {
+    std::unique_lock lock(mutex_);
+    changed_.wait_for(lock, time, [this] { return state_.phase == Phase::kEnded; });
+    return state_;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool closed_ = false;
+  std::vector<HINTERNET> handles_;
+  const std::string_view body_;
+  State state_;
+  HttpReply reply_;
+};
+
+// The calls of one request, from its URL to the end of its answer.
+class Request {
+ public:
+  explicit Request(const HttpPost& post)
+      : post_(post), body_size_(post.body.size()), exchange_(post.body) {
+    post_.body = {};
+  }
+
+  void Run() {
+    if (CrackUrl() && Connect() && Open() && Send()) Receive();
+    exchange_.Publish(reply_);
+    exchange_.Enter(Phase::kEnded);
+  }
+
+  Exchange& exchange() { return exchange_; }
+  size_t body_size() const { return body_size_; }
 
  private:
   // Ends the request with the reason that the system gave; `timeout` is what its time-out means.
@@ -113,23 +216,25 @@ class Request {
   }
 
   static void SetMilliseconds(HINTERNET handle, DWORD option, std::chrono::milliseconds time) {
-    auto value = static_cast<DWORD>(time.count());
+    auto value = static_cast<DWORD>(std::clamp<int64_t>(time.count(), 1, INT32_MAX));
     InternetSetOptionW(handle, option, &value, sizeof value);
   }
 
   bool Connect() {
     const std::wstring agent(post_.user_agent.begin(), post_.user_agent.end());
-    session_.emplace(
-        InternetOpenW(agent.c_str(), INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
-    if (!session_->valid()) return Fail(HttpEnd::kUnavailable);
-    SetMilliseconds(session_->get(), INTERNET_OPTION_CONNECT_TIMEOUT, post_.limits.connect);
-    SetMilliseconds(session_->get(), INTERNET_OPTION_SEND_TIMEOUT, post_.limits.stall);
-    SetMilliseconds(session_->get(), INTERNET_OPTION_RECEIVE_TIMEOUT, post_.limits.stall);
+    if (!exchange_.Keep(
+            InternetOpenW(agent.c_str(), INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0))) {
+      return Fail(HttpEnd::kUnavailable);
+    }
+    const HINTERNET session = exchange_.last();
+    SetMilliseconds(session, INTERNET_OPTION_CONNECT_TIMEOUT, post_.limits.connect);
+    SetMilliseconds(session, INTERNET_OPTION_SEND_TIMEOUT, post_.limits.stall);
+    SetMilliseconds(session, INTERNET_OPTION_RECEIVE_TIMEOUT, post_.limits.stall);
     DWORD once = 1;
-    InternetSetOptionW(session_->get(), INTERNET_OPTION_CONNECT_RETRIES, &once, sizeof once);
-    connection_.emplace(InternetConnectW(session_->get(), host_.c_str(), port_, nullptr, nullptr,
-                                         INTERNET_SERVICE_HTTP, 0, 0));
-    return connection_->valid() || Fail(HttpEnd::kConnectTimeout);
+    InternetSetOptionW(session, INTERNET_OPTION_CONNECT_RETRIES, &once, sizeof once);
+    return exchange_.Keep(InternetConnectW(session, host_.c_str(), port_, nullptr, nullptr,
+                                           INTERNET_SERVICE_HTTP, 0, 0)) ||
+           Fail(HttpEnd::kConnectTimeout);
   }
 
   bool Open() {
@@ -137,13 +242,17 @@ class Request {
                   INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_COOKIES | INTERNET_FLAG_NO_UI |
                   INTERNET_FLAG_NO_AUTH;
     if (secure_) flags |= INTERNET_FLAG_SECURE;
-    request_.emplace(HttpOpenRequestW(connection_->get(), L"POST", path_.c_str(), L"HTTP/1.1",
-                                      nullptr, nullptr, flags, 0));
-    if (!request_->valid()) return Fail(HttpEnd::kConnectTimeout);
+    if (!exchange_.Keep(HttpOpenRequestW(exchange_.last(), L"POST", path_.c_str(), L"HTTP/1.1",
+                                         nullptr, nullptr, flags, 0))) {
+      return Fail(HttpEnd::kConnectTimeout);
+    }
+    request_ = exchange_.last();
     if (secure_ && post_.trust == CertificateTrust::kAnyAuthority) AcceptAnyAuthority();
-    for (const std::string& header : post_.headers) {
+    std::vector<std::string> headers = post_.headers;
+    headers.insert(headers.begin(), "Accept: */*");
+    for (const std::string& header : headers) {
       const std::wstring line = std::wstring(header.begin(), header.end()) + L"\r\n";
-      if (!HttpAddRequestHeadersW(request_->get(), line.c_str(), static_cast<DWORD>(line.size()),
+      if (!HttpAddRequestHeadersW(request_, line.c_str(), static_cast<DWORD>(line.size()),
                                   HTTP_ADDREQ_FLAG_ADD)) {
         return Fail(HttpEnd::kOther);
       }
@@ -155,53 +264,61 @@ class Request {
   void AcceptAnyAuthority() {
     DWORD flags = 0;
     DWORD size = sizeof flags;
-    InternetQueryOptionW(request_->get(), INTERNET_OPTION_SECURITY_FLAGS, &flags, &size);
+    InternetQueryOptionW(request_, INTERNET_OPTION_SECURITY_FLAGS, &flags, &size);
     flags |= SECURITY_FLAG_IGNORE_UNKNOWN_CA | SECURITY_FLAG_IGNORE_REVOCATION;
-    InternetSetOptionW(request_->get(), INTERNET_OPTION_SECURITY_FLAGS, &flags, sizeof flags);
-  }
-
-  bool Stopped(size_t sent) {
-    if (!progress_ || progress_(static_cast<int64_t>(sent),
-                                static_cast<int64_t>(post_.body.size())) == Transfer::kGoOn) {
-      return false;
-    }
-    reply_.end = HttpEnd::kStopped;
-    return true;
+    InternetSetOptionW(request_, INTERNET_OPTION_SECURITY_FLAGS, &flags, sizeof flags);
   }
 
   bool Send() {
     INTERNET_BUFFERSW buffers{};
     buffers.dwStructSize = sizeof buffers;
-    buffers.dwBufferTotal = static_cast<DWORD>(post_.body.size());
-    if (Stopped(0)) return false;
-    if (!HttpSendRequestExW(request_->get(), &buffers, nullptr, 0, 0)) {
+    buffers.dwBufferTotal = static_cast<DWORD>(body_size_);
+    if (!HttpSendRequestExW(request_, &buffers, nullptr, 0, 0)) {
       return Fail(HttpEnd::kConnectTimeout);
     }
-    for (size_t sent = 0; sent < post_.body.size();) {
-      const auto length = static_cast<DWORD>(std::min(kPiece, post_.body.size() - sent));
+    exchange_.Enter(Phase::kSending);
+    std::array<char, kPiece> piece{};
+    while (const size_t length = exchange_.NextPiece(&piece)) {
       DWORD written = 0;
-      if (!InternetWriteFile(request_->get(), post_.body.data() + sent, length, &written)) {
-        return Fail(HttpEnd::kStalled);
+      if (!InternetWriteFile(request_, piece.data(), static_cast<DWORD>(length), &written)) {
+        Fail(HttpEnd::kStalled);
+        // A server that wants no more may have answered already.
+        return HttpEndRequestW(request_, nullptr, 0, 0) && ReadStatus();
       }
-      sent += written;
-      if (Stopped(sent)) return false;
+      exchange_.Sent(written);
     }
     reply_.body_sent = true;
-    if (HttpEndRequestW(request_->get(), nullptr, 0, 0)) return true;
+    exchange_.Enter(Phase::kAnswering);
+    if (HttpEndRequestW(request_, nullptr, 0, 0) && ReadStatus()) return true;
     Fail(HttpEnd::kStalled);
-    // The library names a connection that was closed without a word as it names one that broke.
+    // The library names a connection that was closed without a word as it names one that broke, or
+    // not at all.
     if (reply_.end == HttpEnd::kBroken || reply_.end == HttpEnd::kOther) {
       reply_.end = HttpEnd::kNoAnswer;
     }
     return false;
   }
 
+  // False without the status of a final answer.
+  bool ReadStatus() {
+    DWORD status = 0;
+    DWORD size = sizeof status;
+    const bool read = HttpQueryInfoW(request_, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER,
+                                     &status, &size, nullptr) != 0;
+    const std::wstring headers = Header(HTTP_QUERY_RAW_HEADERS_CRLF);
+    if (!read || status < 200 || headers.empty()) return false;
+    reply_.end = HttpEnd::kAnswered;
+    reply_.why.clear();
+    reply_.status = static_cast<int>(status);
+    reply_.status_line = ToUtf8(headers.substr(0, headers.find(L'\r')));
+    return true;
+  }
+
   std::wstring Header(DWORD which) {
     DWORD size = 0;
-    HttpQueryInfoW(request_->get(), which, nullptr, &size, nullptr);
+    HttpQueryInfoW(request_, which, nullptr, &size, nullptr);
     std::wstring text(size / sizeof(wchar_t), L'\0');
-    if (size == 0 || !HttpQueryInfoW(request_->get(), which, text.data(), &size, nullptr))
-      return {};
+    if (size == 0 || !HttpQueryInfoW(request_, which, text.data(), &size, nullptr)) return {};
     text.resize(size / sizeof(wchar_t));
     return text;
   }
@@ -218,33 +335,23 @@ class Request {
   }
 
   void Receive() {
-    DWORD status = 0;
-    DWORD size = sizeof status;
-    if (!HttpQueryInfoW(request_->get(), HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status,
-                        &size, nullptr)) {
-      Fail(HttpEnd::kStalled);
-      if (reply_.end == HttpEnd::kOther) reply_.end = HttpEnd::kNotHttp;
-      return;
-    }
-    reply_.end = HttpEnd::kAnswered;
-    reply_.status = static_cast<int>(status);
-    const std::wstring headers = Header(HTTP_QUERY_RAW_HEADERS_CRLF);
-    reply_.status_line = ToUtf8(headers.substr(0, headers.find(L'\r')));
     ReadLocation();
-    const auto last = SteadyClock::now() + post_.limits.answer;
+    exchange_.Publish(reply_);
     std::array<char, 4096> piece{};
     while (reply_.answer.size() <= post_.limits.answer_size) {
+      // Asking first: the reading waits until the buffer is full.
+      DWORD there = 0;
       DWORD got = 0;
-      const bool late = SteadyClock::now() > last;
-      if (late || !InternetReadFile(request_->get(), piece.data(), static_cast<DWORD>(piece.size()),
-                                    &got)) {
+      if (!InternetQueryDataAvailable(request_, &there, 0, 0) ||
+          !InternetReadFile(request_, piece.data(),
+                            std::min(there, static_cast<DWORD>(piece.size())), &got)) {
         reply_.answer_cut = true;
-        reply_.why = late ? "the answer took too long" : Words(GetLastError());
+        reply_.why = Words(GetLastError());
         break;
       }
       if (got == 0) break;
       reply_.answer.append(piece.data(), got);
-      if (Stopped(post_.body.size())) return;
+      exchange_.Publish(reply_);
     }
     if (reply_.answer.size() > post_.limits.answer_size) {
       reply_.answer.resize(post_.limits.answer_size);
@@ -252,23 +359,69 @@ class Request {
     }
   }
 
-  const HttpPost& post_;
-  const HttpProgress& progress_;
+  HttpPost post_;  // without the body
+  size_t body_size_;
+  Exchange exchange_;
   HttpReply reply_;
   std::wstring url_;
   std::wstring host_;
   std::wstring path_;
   INTERNET_PORT port_ = 0;
   bool secure_ = false;
-  std::optional<Internet> session_;
-  std::optional<Internet> connection_;
-  std::optional<Internet> request_;
+  HINTERNET request_ = nullptr;
 };
+
+// The limit that is passed; kAnswered when none is. The system keeps the limit of a sending that
+// stands still itself, so that an early answer can still be read; the watch is only behind it.
+HttpEnd PassedLimit(const Exchange::State& state, const HttpLimits& limits) {
+  const Time::time_point now = Time::now();
+  const auto still = now - state.moved;
+  switch (state.phase) {
+    case Phase::kConnecting:
+      return still > limits.connect ? HttpEnd::kConnectTimeout : HttpEnd::kAnswered;
+    case Phase::kSending:
+      return still > 3 * limits.stall ? HttpEnd::kStalled : HttpEnd::kAnswered;
+    case Phase::kAnswering:
+      return still > limits.stall || now - state.all_sent > limits.answer ? HttpEnd::kStalled
+                                                                          : HttpEnd::kAnswered;
+    case Phase::kEnded:
+      break;
+  }
+  return HttpEnd::kAnswered;
+}
 
 class WindowsHttpSession final : public HttpSession {
  public:
   HttpReply Post(const HttpPost& post, const HttpProgress& progress) override {
-    return Request(post, progress).Run();
+    const auto request = std::make_shared<Request>(post);
+    std::thread([request] { request->Run(); }).detach();
+    Exchange& exchange = request->exchange();
+    const auto total = static_cast<int64_t>(post.body.size());
+    HttpEnd ended_by = HttpEnd::kAnswered;
+    Exchange::State state = exchange.Wait(kWatchStep);
+    while (state.phase != Phase::kEnded && ended_by == HttpEnd::kAnswered) {
+      const bool stop =
+          progress && progress(static_cast<int64_t>(state.sent), total) == Transfer::kStop;
+      ended_by = stop ? HttpEnd::kStopped : PassedLimit(state, post.limits);
+      if (ended_by == HttpEnd::kAnswered) state = exchange.Wait(kWatchStep);
+    }
+    if (ended_by == HttpEnd::kAnswered) return exchange.TakeReply();
+    exchange.Close();
+    return Ended(ended_by, request.get());
+  }
+
+ private:
+  // An answer that began is an answer all the same, unless the caller wants none.
+  static HttpReply Ended(HttpEnd by, Request* request) {
+    const Exchange::State state = request->exchange().Wait(kFarewell);
+    HttpReply reply = request->exchange().TakeReply();
+    reply.body_sent = state.sent == request->body_size();
+    reply.answer_cut = state.phase != Phase::kEnded;
+    if (by == HttpEnd::kStopped || reply.status == 0) {
+      reply.end = by;
+      reply.why.clear();
+    }
+    return reply;
   }
 };
 

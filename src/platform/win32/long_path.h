@@ -5,8 +5,13 @@
 
 namespace kerno {
 
-// The path in a form that every call takes: a long one becomes absolute with "\\?\" in front
-// ("\\?\UNC\" for a network path), any other stays as it is.
+// The path from its drive or network share on, without "." and ".."; the path itself when the
+// system cannot tell. What begins with "\\?\" stays as it is, the name of a device becomes
+// "\\.\NAME".
+std::filesystem::path FullPath(const std::filesystem::path& path);
+
+// The path in a form that every call takes: where the whole path is long, it is given with "\\?\"
+// in front ("\\?\UNC\" for a network path); any other stays as it is.
 std::filesystem::path LongPath(const std::filesystem::path& path);
 
 }  // namespace kerno

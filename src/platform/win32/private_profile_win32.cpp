@@ -1,7 +1,9 @@
-// The system's own private-profile functions, which cache and write in their own way.
-#include <algorithm>
+// The system's own private-profile functions, which cache and write in their own way. They write
+// one line at a time: the lines of a change go into a copy, which then replaces the file.
+#include <atomic>
 #include <string>
 
+#include "platform/file_replacement.h"
 #include "platform/held_file.h"
 #include "platform/private_profile.h"
 #include "platform/win32/long_path.h"
@@ -14,52 +16,99 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr size_t kLongestValue = 65535;  // units; the functions know no longer ones
-
 // What a missing value is told by: no value holds it.
 constexpr const wchar_t* kMissing = L"\x1Bmissing\x1B";
 
+constexpr size_t kFirstSize = 1024;  // units of the buffer for a value
+constexpr size_t kLargestSize = size_t{1} << 24;
+
+// Without the mark a new file would hold 8-bit text.
+constexpr std::string_view kByteOrderMark = "\xFF\xFE";
+
 // A name without a folder would be looked for in the system's folder.
-std::wstring WholePath(const fs::path& file) {
-  std::error_code error;
-  const fs::path whole = fs::absolute(file, error);
-  return LongPath(error ? file : whole).native();
+fs::path ProfilePath(const fs::path& file) {
+  return LongPath(FullPath(file));
+}
+
+// A copy of the file's text beside it, removed with its owner.
+class WorkingCopy {
+ public:
+  explicit WorkingCopy(const fs::path& file) {
+    static std::atomic<unsigned> counter = 0;
+    const std::wstring name = L".kerno-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
+                              std::to_wstring(++counter) + L".ini";
+    path_ = ProfilePath(FullPath(file).parent_path() / name);
+  }
+  ~WorkingCopy() { DeleteFileW(path_.c_str()); }
+  WorkingCopy(const WorkingCopy&) = delete;
+  WorkingCopy& operator=(const WorkingCopy&) = delete;
+
+  Status Fill(std::string_view text) { return ReplaceFile(path_, text); }
+
+  Status Edit(const ProfileEdit& edit) {
+    const std::wstring value = edit.value ? ToWide(*edit.value) : std::wstring();
+    const bool done =
+        WritePrivateProfileStringW(ToWide(edit.section).c_str(), ToWide(edit.key).c_str(),
+                                   edit.value ? value.c_str() : nullptr, path_.c_str()) != 0;
+    return done ? Status::Ok() : SystemError(path_, GetLastError());
+  }
+
+  // The text behind all edits.
+  Status Read(std::string* text) {
+    WritePrivateProfileStringW(nullptr, nullptr, nullptr, path_.c_str());  // empties the cache
+    Status status;
+    const auto file = HeldFile::Open(path_, Deny::kWrite, &status);
+    return file ? file->Read(text) : status;
+  }
+
+ private:
+  fs::path path_;
+};
+
+Status EditText(const fs::path& file, const std::vector<ProfileEdit>& edits,
+                std::string_view before, std::string* after) {
+  WorkingCopy copy(file);
+  Status status = copy.Fill(before.empty() ? kByteOrderMark : before);
+  for (size_t i = 0; status.ok() && i < edits.size(); ++i) status = copy.Edit(edits[i]);
+  if (status.ok()) status = copy.Read(after);
+  if (!status.ok()) status.what = SystemText(file);
+  return status;
 }
 
 }  // namespace
 
 std::optional<std::u16string> ReadProfileString(const fs::path& file, std::u16string_view section,
                                                 std::u16string_view key, size_t most) {
-  most = std::min(most, kLongestValue);
-  std::wstring value(std::max(most, std::wstring_view(kMissing).size()) + 1, L'\0');
-  const DWORD length =
-      GetPrivateProfileStringW(ToWide(section).c_str(), ToWide(key).c_str(), kMissing, value.data(),
-                               static_cast<DWORD>(value.size()), WholePath(file).c_str());
-  value.resize(length);
+  const std::wstring path = ProfilePath(file).native();
+  std::wstring value(kFirstSize, L'\0');
+  for (;;) {
+    const DWORD length =
+        GetPrivateProfileStringW(ToWide(section).c_str(), ToWide(key).c_str(), kMissing,
+                                 value.data(), static_cast<DWORD>(value.size()), path.c_str());
+    const bool whole = length + 1 < value.size();
+    if (whole || length >= most || value.size() > kLargestSize) {
+      value.resize(length);
+      break;
+    }
+    value.resize(2 * value.size());
+  }
   if (value == kMissing) return std::nullopt;
   return FromWide(std::wstring_view(value).substr(0, most));
 }
 
-// The functions write one line at a time: a failure leaves those before it written.
 Status WriteProfile(const fs::path& file, const std::vector<ProfileEdit>& edits) {
-  std::error_code error;
-  if (fs::is_directory(file, error)) {
-    return Status::Error(Failure::kIsFolder, SystemText(file), u"it is a folder");
-  }
-  if (!fs::exists(file, error)) {
-    // Without the mark a new file would hold 8-bit text.
-    Status created = CreateNewFile(file, "\xFF\xFE");
-    if (!created.ok() && created.failure != Failure::kSharingViolation) return created;
-  }
-  const std::wstring path = WholePath(file);
-  for (const ProfileEdit& edit : edits) {
-    const std::wstring value = edit.value ? ToWide(*edit.value) : std::wstring();
-    if (!WritePrivateProfileStringW(ToWide(edit.section).c_str(), ToWide(edit.key).c_str(),
-                                    edit.value ? value.c_str() : nullptr, path.c_str())) {
-      return SystemError(file, GetLastError());
-    }
-  }
-  return Status::Ok();
+  Status edited;
+  Status changed = ChangeFile(file, IfMissing::kCreate,
+                              [&](std::string_view before) -> std::optional<std::string> {
+                                std::string after;
+                                edited = EditText(file, edits, before, &after);
+                                if (!edited.ok() || after == before) return std::nullopt;
+                                return after;
+                              });
+  if (!edited.ok()) return edited;
+  // What the system keeps of the file as it was is out of date.
+  WritePrivateProfileStringW(nullptr, nullptr, nullptr, ProfilePath(file).c_str());
+  return changed;
 }
 
 }  // namespace kerno

@@ -90,7 +90,7 @@ class WindowsShell final : public Shell {
     std::vector<fs::path> folders;
     for (const uint32_t id :
          {static_cast<uint32_t>(SpecialFolderId::kProgramFiles), kProgramFilesX86}) {
-      if (fs::path folder = SpecialFolderPath(id); !folder.empty()) {
+      if (fs::path folder = SpecialFolderPath(id, MissingFolder::kLeave); !folder.empty()) {
         folders.push_back(std::move(folder));
       }
     }

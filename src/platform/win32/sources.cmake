@@ -7,6 +7,7 @@ kerno_room(platform
     win32/code_page_win32.cpp
     win32/console_win32.cpp
     win32/file_replacement_win32.cpp
+    win32/folder_path_win32.cpp
     win32/font_context.cpp
     win32/font_faces_win32.cpp
     win32/gdi_drawing.cpp

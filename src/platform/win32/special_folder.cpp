@@ -21,7 +21,8 @@ ByPath FindByPath() {
 
 }  // namespace
 
-std::filesystem::path SpecialFolderByItemList(uint32_t id) {
+std::filesystem::path SpecialFolderByItemList(uint32_t id, MissingFolder missing) {
+  if (missing == MissingFolder::kMake) id |= kCreate;
   LPITEMIDLIST list = nullptr;
   if (FAILED(SHGetSpecialFolderLocation(nullptr, static_cast<int>(id), &list))) return {};
   std::array<wchar_t, kBufferSize> buffer{};
@@ -34,12 +35,12 @@ std::filesystem::path SpecialFolderByItemList(uint32_t id) {
   return known ? std::filesystem::path(buffer.data()) : std::filesystem::path();
 }
 
-std::filesystem::path SpecialFolderPath(uint32_t id) {
+std::filesystem::path SpecialFolderPath(uint32_t id, MissingFolder missing) {
   static const ByPath by_path = FindByPath();
-  if (by_path == nullptr) return SpecialFolderByItemList(id);
+  if (by_path == nullptr) return SpecialFolderByItemList(id, missing);
   std::array<wchar_t, kBufferSize> buffer{};
-  const bool known =
-      by_path(nullptr, buffer.data(), static_cast<int>(id & ~kCreate), (id & kCreate) != 0) != 0;
+  const BOOL make = missing == MissingFolder::kMake;
+  const bool known = by_path(nullptr, buffer.data(), static_cast<int>(id), make) != 0;
   return known ? std::filesystem::path(buffer.data()) : std::filesystem::path();
 }
 

@@ -4,13 +4,15 @@
 #include <cstdint>
 #include <filesystem>
 
+#include "platform/system.h"
+
 namespace kerno {
 
 // By the function that answers a path, where the shell has it, else by the item list. Empty when
 // the system does not know the folder.
-std::filesystem::path SpecialFolderPath(uint32_t id);
+std::filesystem::path SpecialFolderPath(uint32_t id, MissingFolder missing);
 
 // By the item list alone, as on systems whose shell has no such function.
-std::filesystem::path SpecialFolderByItemList(uint32_t id);
+std::filesystem::path SpecialFolderByItemList(uint32_t id, MissingFolder missing);
 
 }  // namespace kerno

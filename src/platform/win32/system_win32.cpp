@@ -3,10 +3,12 @@
 #include <sddl.h>
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 #include "platform/system.h"
 #include "platform/win32/handle.h"
+#include "platform/win32/long_path.h"
 #include "platform/win32/special_folder.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/wide_text.h"
@@ -61,21 +63,36 @@ class CurrentUser {
     HANDLE token = nullptr;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return;
     const Handle owned(token);
-    DWORD size = 0;
-    GetTokenInformation(token, TokenUser, nullptr, 0, &size);
-    information_.resize(size);
-    if (!GetTokenInformation(token, TokenUser, information_.data(), size, &size)) {
-      information_.clear();
-    }
+    user_ = Read(token, TokenUser);
+    owner_ = Read(token, TokenOwner);
   }
 
-  PSID sid() {
-    return information_.empty() ? nullptr
-                                : reinterpret_cast<TOKEN_USER*>(information_.data())->User.Sid;
+  PSID sid() const { return Sid(user_); }
+
+  // Whether what belongs to `owner` is the user's: what administrators make may belong to their
+  // group.
+  bool Owns(PSID owner) const {
+    return (sid() != nullptr && EqualSid(owner, sid())) ||
+           (Sid(owner_) != nullptr && EqualSid(owner, Sid(owner_)));
   }
 
  private:
-  std::vector<uint8_t> information_;
+  // A structure of the token that begins with a pointer to an identity; empty on failure.
+  static std::vector<uint8_t> Read(HANDLE token, TOKEN_INFORMATION_CLASS which) {
+    DWORD size = 0;
+    GetTokenInformation(token, which, nullptr, 0, &size);
+    std::vector<uint8_t> information(size);
+    if (!GetTokenInformation(token, which, information.data(), size, &size)) return {};
+    return information;
+  }
+  static PSID Sid(const std::vector<uint8_t>& information) {
+    PSID sid = nullptr;
+    if (information.size() >= sizeof sid) std::memcpy(&sid, information.data(), sizeof sid);
+    return sid;
+  }
+
+  std::vector<uint8_t> user_;   // TOKEN_USER
+  std::vector<uint8_t> owner_;  // TOKEN_OWNER
 };
 
 // What the system allocated, freed with its owner.
@@ -151,18 +168,16 @@ class WindowsSystem final : public System {
   fs::path ConfigFolder() override { return OwnFolder(SpecialFolderId::kAppData); }
   fs::path CacheFolder() override { return OwnFolder(SpecialFolderId::kLocalAppData); }
 
-  fs::path SpecialFolder(SpecialFolderId id) override {
-    return WithoutSeparator(SpecialFolderPath(static_cast<uint32_t>(id)));
+  fs::path SpecialFolder(SpecialFolderId id, MissingFolder missing) override {
+    return WithoutSeparator(SpecialFolderPath(static_cast<uint32_t>(id), missing));
   }
 
   bool IsSystemPlace(const fs::path& path) override {
-    std::error_code error;
-    const fs::path absolute = fs::absolute(path, error);
-    const fs::path place = (error ? path : absolute).lexically_normal();
+    const fs::path place = FullPath(path);
     for (const uint32_t id :
          {static_cast<uint32_t>(SpecialFolderId::kWindows),
           static_cast<uint32_t>(SpecialFolderId::kProgramFiles), kProgramFilesX86}) {
-      if (LiesIn(SpecialFolderPath(id), place)) return true;
+      if (LiesIn(SpecialFolderPath(id, MissingFolder::kLeave), place)) return true;
     }
     return false;
   }
@@ -171,41 +186,49 @@ class WindowsSystem final : public System {
 
  private:
   fs::path OwnFolder(SpecialFolderId id) {
-    const fs::path base = SpecialFolder(id);
+    const fs::path base = SpecialFolder(id, MissingFolder::kMake);
     return base.empty() ? base : base / kProgramFolder;
   }
 };
 
-// A folder of that name that is there already: it must be the user's own, and becomes private.
-Status TakeOverFolder(const fs::path& folder, PSID user, PSECURITY_DESCRIPTOR wanted) {
+// A folder of that name that is there already: it must be the user's own, and becomes private with
+// all that is in it.
+Status TakeOverFolder(const fs::path& folder, const CurrentUser& user,
+                      PSECURITY_DESCRIPTOR wanted) {
   const Status foreign = Status::Error(Failure::kAccessDenied, SystemText(folder),
                                        u"it is not a folder of this user's own");
-  const DWORD attributes = GetFileAttributesW(folder.c_str());
+  std::wstring name = LongPath(folder).native();
+  const DWORD attributes = GetFileAttributesW(name.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) return SystemError(folder, GetLastError());
   constexpr DWORD kKind = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
   if ((attributes & kKind) != FILE_ATTRIBUTE_DIRECTORY) return foreign;
   PSID owner = nullptr;
   LocalMemory<PSECURITY_DESCRIPTOR> present;
-  DWORD error = GetNamedSecurityInfoW(folder.c_str(), SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION,
+  DWORD error = GetNamedSecurityInfoW(name.c_str(), SE_FILE_OBJECT, OWNER_SECURITY_INFORMATION,
                                       &owner, nullptr, nullptr, nullptr, present.put());
   if (error != ERROR_SUCCESS) return SystemError(folder, error);
-  if (!EqualSid(owner, user)) return foreign;
-  if (!SetFileSecurityW(folder.c_str(),
-                        DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION, wanted)) {
+  if (!user.Owns(owner)) return foreign;
+  PACL list = nullptr;
+  BOOL has_list = FALSE;
+  BOOL by_default = FALSE;
+  if (!GetSecurityDescriptorDacl(wanted, &has_list, &list, &by_default)) {
     return SystemError(folder, GetLastError());
   }
-  return Status::Ok();
+  error = SetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT,
+                                DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
+                                nullptr, nullptr, list, nullptr);
+  return error == ERROR_SUCCESS ? Status::Ok() : SystemError(folder, error);
 }
 
 Status WindowsSystem::MakePrivateFolder(const fs::path& folder) {
-  CurrentUser user;
+  const CurrentUser user;
   LocalMemory<PSECURITY_DESCRIPTOR> descriptor;
   if (!PrivateDescriptor(user.sid(), &descriptor)) return SystemError(folder, GetLastError());
   SECURITY_ATTRIBUTES attributes = {sizeof attributes, descriptor.get(), FALSE};
-  if (CreateDirectoryW(folder.c_str(), &attributes)) return Status::Ok();
+  if (CreateDirectoryW(LongPath(folder).c_str(), &attributes)) return Status::Ok();
   const DWORD error = GetLastError();
   if (error != ERROR_ALREADY_EXISTS) return SystemError(folder, error);
-  return TakeOverFolder(folder, user.sid(), descriptor.get());
+  return TakeOverFolder(folder, user, descriptor.get());
 }
 
 WindowsSystem windows_system;

@@ -1,0 +1,92 @@
+// The standard library knows no network paths: it takes "\\server\share" for a folder "server" in
+// the root of the current drive.
+#include "platform/folder_path.h"
+#include "platform/win32/long_path.h"
+#include "platform/win32/system_error.h"
+#include "platform/win32/wide_text.h"
+#include "platform/win32/windows_api.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool IsSeparator(wchar_t unit) {
+  return unit == L'\\' || unit == L'/';
+}
+bool StartsWithTwoSeparators(std::wstring_view text) {
+  return text.size() >= 2 && IsSeparator(text[0]) && IsSeparator(text[1]);
+}
+bool StartsWithDrive(std::wstring_view text) {
+  return text.size() >= 2 && text[1] == L':';
+}
+
+// Where the name that begins at `at` ends, the separators behind it included.
+size_t EndOfName(std::wstring_view text, size_t at) {
+  while (at < text.size() && !IsSeparator(text[at])) ++at;
+  while (at < text.size() && IsSeparator(text[at])) ++at;
+  return at;
+}
+
+size_t EndOfServerAndShare(std::wstring_view text, size_t at) {
+  return EndOfName(text, EndOfName(text, at));
+}
+
+// The length of what nobody can make, the separators behind it included.
+size_t RootLength(std::wstring_view text) {
+  if (StartsWithDrive(text))
+    return text.size() > 2 && IsSeparator(text[2]) ? EndOfName(text, 2) : 2;
+  if (!StartsWithTwoSeparators(text)) return !text.empty() && IsSeparator(text[0]) ? 1 : 0;
+  const bool prefix =
+      text.size() >= 4 && (text[2] == L'?' || text[2] == L'.') && IsSeparator(text[3]);
+  if (!prefix) return EndOfServerAndShare(text, 2);
+  const std::wstring_view behind = text.substr(4);
+  const bool network = behind.size() >= 4 && IsSeparator(behind[3]) &&
+                       CompareStringOrdinal(behind.data(), 3, L"UNC", 3, TRUE) == CSTR_EQUAL;
+  return network ? EndOfServerAndShare(text, 8) : EndOfName(text, 4);
+}
+
+}  // namespace
+
+bool IsWholePath(const fs::path& path) {
+  const std::wstring& text = path.native();
+  return StartsWithTwoSeparators(text) ||
+         (StartsWithDrive(text) && text.size() > 2 && IsSeparator(text[2]));
+}
+
+fs::path WholePath(const fs::path& path) {
+  return FullPath(path);
+}
+
+std::vector<fs::path> FolderLevels(const fs::path& path) {
+  const std::wstring& text = path.native();
+  std::vector<fs::path> levels;
+  for (size_t at = RootLength(text); at < text.size();) {
+    size_t end = at;
+    while (end < text.size() && !IsSeparator(text[end])) ++end;
+    levels.emplace_back(text.substr(0, end));
+    at = EndOfName(text, at);
+  }
+  return levels;
+}
+
+bool IsFolder(const fs::path& path) {
+  const DWORD attributes = GetFileAttributesW(LongPath(path).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+Status MakeFolder(const fs::path& path) {
+  if (CreateDirectoryW(LongPath(path).c_str(), nullptr)) return Status::Ok();
+  const DWORD error = GetLastError();
+  return IsFolder(path) ? Status::Ok() : SystemError(path, error);
+}
+
+std::u16string ErrorText(const std::error_code& error) {
+  if (error.category() == std::system_category()) {
+    return SystemMessage(static_cast<uint32_t>(error.value()));
+  }
+  const std::string message = error.message();  // of the C library, in English
+  return {message.begin(), message.end()};
+}
+
+}  // namespace kerno
