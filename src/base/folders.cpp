@@ -97,7 +97,7 @@ fs::path SpecialFolder(uint32_t id) {
 
 Status MakeFolders(const fs::path& path) {
   for (const fs::path& level : FolderLevels(path)) {
-    if (IsFolder(level)) continue;
+    if (PathExists(level)) continue;
     if (Status made = MakeFolder(level); !made.ok()) return made;
   }
   if (IsFolder(path)) return Status::Ok();

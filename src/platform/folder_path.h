@@ -21,6 +21,9 @@ std::filesystem::path WholePath(const std::filesystem::path& path);
 // drive, a network server and its share, also behind the prefix "\\?\") is none of them.
 std::vector<std::filesystem::path> FolderLevels(const std::filesystem::path& path);
 
+// Whether anything stands there.
+bool PathExists(const std::filesystem::path& path);
+
 bool IsFolder(const std::filesystem::path& path);
 
 // Makes a folder whose parent exists; ok when it is there already, kNotFound without the parent.

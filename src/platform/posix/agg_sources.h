@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <span>
 
-#include "platform/drawing.h"
+#include "platform/surface_context.h"
 
 namespace kerno {
 
@@ -59,30 +59,11 @@ class HatchSpans {
   void prepare() {}
   void generate(color_type* span, int x, int y, unsigned length) {
     for (unsigned i = 0; i < length; ++i, ++x) {
-      span[i] = IsInk(x & 7, y & 7) ? color_ : agg::rgba8(0, 0, 0, 0);
+      span[i] = HasInk(hatch_, x, y) ? color_ : agg::rgba8(0, 0, 0, 0);
     }
   }
 
  private:
-  bool IsInk(int x, int y) const {
-    const bool falling = x == y;
-    const bool rising = x + y == 7;
-    switch (hatch_) {
-      case 0:
-        return y == 3;
-      case 1:
-        return x == 3;
-      case 2:
-        return falling;
-      case 3:
-        return rising;
-      case 4:
-        return x == 3 || y == 3;
-      default:
-        return falling || rising;
-    }
-  }
-
   agg::rgba8 color_;
   int32_t hatch_;
 };

@@ -25,6 +25,11 @@ std::vector<fs::path> FolderLevels(const fs::path& path) {
   return levels;
 }
 
+bool PathExists(const fs::path& path) {
+  std::error_code error;
+  return fs::exists(path, error);
+}
+
 bool IsFolder(const fs::path& path) {
   std::error_code error;
   return fs::is_directory(path, error);

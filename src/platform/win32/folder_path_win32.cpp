@@ -70,6 +70,10 @@ std::vector<fs::path> FolderLevels(const fs::path& path) {
   return levels;
 }
 
+bool PathExists(const fs::path& path) {
+  return GetFileAttributesW(LongPath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
 bool IsFolder(const fs::path& path) {
   const DWORD attributes = GetFileAttributesW(LongPath(path).c_str());
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;

@@ -2,6 +2,7 @@ kerno_room(platform
   SOURCES
     drawing.cpp
     private_profile.cpp
+    surface_context.cpp
     win32/bitmap_surface_win32.cpp
     win32/clock_win32.cpp
     win32/code_page_win32.cpp
