@@ -3,7 +3,7 @@ JOBS ?= 2
 PYTHON := /usr/bin/python3
 
 .PHONY: all setup release run samples test bench fuzz fuzz-briefly screenshots install clean \
-  setup-windows windows windows-zip agreement
+  setup-windows windows test-windows windows-zip agreement
 all: release
 
 setup:
@@ -61,6 +61,12 @@ setup-windows:
 windows: setup-windows
 	@cmake -S . -B build/windows -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw.cmake -DCMAKE_BUILD_TYPE=Release -DKERNO_TESTS=OFF >/dev/null
 	@cmake --build build/windows -j $(JOBS)
+
+# The tests of that system, run under Wine.
+test-windows: setup-windows
+	@cmake -S . -B build/windows-test -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw.cmake -DCMAKE_BUILD_TYPE=Debug >/dev/null
+	@cmake --build build/windows-test -j $(JOBS)
+	@cd build/windows-test && KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix ctest --output-on-failure --timeout 300
 
 windows-zip: windows
 	@sh tools/make_windows_zip.sh build/windows build/windows/kerno-windows.zip

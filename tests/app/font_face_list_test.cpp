@@ -10,8 +10,10 @@
 namespace kerno {
 namespace {
 
+using ::testing::AllOf;
+using ::testing::AnyOf;
+using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::IsSupersetOf;
 
 constexpr int kWindow = 1;  // any address serves as a handle
 

@@ -89,17 +89,17 @@ TEST_F(LaunchTest, FindsPrograms) {
   const fs::path root = folder_.path();
   fs::create_directories(root / "path/dir");
   fs::create_directories(root / "apps/thing/bin");
-  for (const char* name : {"path/tool", "apps/thing/other", "apps/thing/bin/deep", "path/data"}) {
+  for (const char* name : {"path/tool.exe", "apps/thing/other.exe", "apps/thing/bin/deep.exe", "path/data"}) {
     WriteBytes(root / name, "x");
     fs::permissions(root / name, fs::perms::all);
   }
   fs::permissions(root / "path/data", fs::perms::owner_read);
   shell.programs = {root / "none", root / "path"};
   shell.applications = {root / "apps"};
-  EXPECT_EQ(FindProgram(u"tool"), root / "path/tool");
-  EXPECT_EQ(FindProgram(u"other"), root / "apps/thing/other");
-  EXPECT_EQ(FindProgram(u"deep"), root / "apps/thing/bin/deep");
-  for (const std::u16string_view name : {u"data", u"dir", u"", u"../path/tool", u"absent"}) {
+  EXPECT_EQ(FindProgram(u"tool.exe"), root / "path/tool.exe");
+  EXPECT_EQ(FindProgram(u"other.exe"), root / "apps/thing/other.exe");
+  EXPECT_EQ(FindProgram(u"deep.exe"), root / "apps/thing/bin/deep.exe");
+  for (const std::u16string_view name : {u"data", u"dir", u"", u"../path/tool.exe", u"absent"}) {
     EXPECT_EQ(FindProgram(name), fs::path());
   }
   const std::u16string key = u"Software\\Microsoft\\Windows\\CurrentVersion\\App Paths\\";
@@ -113,8 +113,8 @@ TEST_F(LaunchTest, FindsPrograms) {
   const auto text = [](const fs::path& path) {
     return RegistryValue{RegistryType::kString, PathText(path), 0};
   };
-  put(u"tool", u"", text(root / "path/data"));
-  EXPECT_EQ(FindProgram(u"tool"), root / "path/data");  // registered: taken as it is
+  put(u"tool.exe", u"", text(root / "path/data"));
+  EXPECT_EQ(FindProgram(u"tool.exe"), root / "path/data");  // registered: taken as it is
   put(u"folder.exe", u"", text(root / "path"));
   EXPECT_EQ(FindProgram(u"folder.exe"), fs::path());
   put(u"data", u"", text("data"));

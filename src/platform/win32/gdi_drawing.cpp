@@ -184,6 +184,7 @@ bool GdiDrawingContext::OutlinePolygons(const std::vector<POINT>& points,
 
 bool GdiDrawingContext::DrawPolygons(std::span<const DevicePoint> points,
                                      std::span<const uint32_t> counts) {
+  drawn_ = true;
   size_t total = 0;
   for (const uint32_t count : counts) total += count;
   if (total > points.size()) return false;
@@ -224,6 +225,7 @@ bool GdiDrawingContext::DrawPiece(const std::vector<DevicePoint>& points) {
 
 bool GdiDrawingContext::DrawPolyline(std::span<const DevicePoint> points) {
   if (!HasPen()) return true;
+  drawn_ = true;
   const double far_off = Far();
   const std::vector<DevicePoint> usable = Usable(points);
   const bool near_all = std::none_of(usable.begin(), usable.end(),
@@ -270,6 +272,7 @@ void GdiDrawingContext::CloseFigure() {
 }
 
 bool GdiDrawingContext::FillPath(uint32_t color) {
+  drawn_ = true;
   EndPath(dc_);
   SetPolyFillMode(dc_, WINDING);
   const Selected fill(dc_, CreateSolidBrush(color));

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "platform/surface_context.h"
@@ -22,6 +23,9 @@ class GdiDrawingContext final : public SurfaceContext {
 
   bool DrawPolygons(std::span<const DevicePoint> points, std::span<const uint32_t> counts) override;
   bool DrawPolyline(std::span<const DevicePoint> points) override;
+
+  // Whether something was drawn since the last call.
+  bool TakeDrawn() { return std::exchange(drawn_, false); }
 
  private:
   void BeginPath() override;
@@ -43,6 +47,7 @@ class GdiDrawingContext final : public SurfaceContext {
   int scale_;
   int width_;
   int height_;
+  bool drawn_ = true;
 };
 
 }  // namespace kerno
