@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <string>
 
 #include "platform/font_faces.h"
@@ -32,41 +34,58 @@ FixedBox BoxOf(const std::vector<FixedPoint>& points) {
   return box;
 }
 
-// By quarter turns, counter-clockwise, about the centre of the cell of this character.
-std::vector<FixedPoint> Turned(const FontProbe& font, char32_t ch, std::vector<FixedPoint> points,
-                               int quarters) {
-  const TextMetrics m = font.metrics();
-  const int32_t centre_x = font.Glyph(ch).metrics.gmCellIncX * (kOne / 2);
-  const int32_t centre_y = (m.tmAscent - m.tmDescent) * (kOne / 2);
+// By a quarter turn about the pen, counter-clockwise or clockwise.
+std::vector<FixedPoint> Turned(std::vector<FixedPoint> points, int quarters) {
   for (auto& [x, y] : points) {
-    const int32_t dx = x - centre_x;
-    const int32_t dy = y - centre_y;
-    x = centre_x + (quarters > 0 ? -dy : dy);
-    y = centre_y + (quarters > 0 ? dx : -dx);
+    std::swap(x, y);
+    (quarters > 0 ? x : y) *= -1;
   }
   return points;
 }
 
-// What a reader of a column sees: each glyph turned clockwise, in its cell.
+// What a reader of a column sees: each glyph turned clockwise in its cell.
 std::vector<FixedPoint> InColumn(const FontProbe& font, char32_t ch) {
-  return Turned(font, ch, font.Points(ch), -1);
+  const TextMetrics m = font.metrics();
+  const int32_t middle_x = font.Glyph(ch).metrics.gmCellIncX * (kOne / 2);
+  const int32_t middle_y = (m.tmAscent - m.tmDescent) * (kOne / 2);
+  std::vector<FixedPoint> points = Turned(font.Points(ch), -1);
+  for (auto& [x, y] : points) {
+    x += middle_x - middle_y;
+    y += middle_y + middle_x;
+  }
+  return points;
 }
 
+// The turned outline is the upright one, moved: by the vertical origin and so that the em square's
+// middle keeps its height. 日 fills its cell in each of these faces, whose em square reaches from
+// 246 units of 2048 below the base line to 1802 above.
 TEST(VerticalForms, UprightCharactersAreTurnedAndOthersStay) {
   for (const char16_t* name : {u"IPAGothic", u"IPAPGothic", u"IPAMincho", u"IPAPMincho"}) {
-    for (const int32_t height : {7, 16, 99, 100, -100, 1000}) {
-      const FontProbe plain(name, height);
-      const FontProbe vertical(u"@" + std::u16string(name), height);
-      const std::string what = std::to_string(height);
+    for (const int32_t em : {7, 90, 100, 1000}) {
+      const FontProbe plain(name, -em);
+      const FontProbe vertical(u"@" + std::u16string(name), -em);
+      const std::string what = std::to_string(em);
       ASSERT_EQ(vertical.name(), u"@" + std::u16string(name));
       EXPECT_EQ(vertical.metrics().tmHeight, plain.metrics().tmHeight) << what;
       EXPECT_EQ(vertical.metrics().tmAveCharWidth, plain.metrics().tmAveCharWidth) << what;
+      const auto raster = [em](double units) {
+        return static_cast<int32_t>(std::floor(units * em * 64 / 2048 + 0.5)) * (kOne / 64);
+      };
+      const int32_t right = raster(1802);
+      const int32_t up = raster((1802 - 246) / 2.0) - em * (kOne / 2);
       // The proportional faces have full-width alternates for their narrow kana.
       const bool proportional = std::u16string_view(name).starts_with(u"IPAP");
-      const std::u32string_view characters = proportional ? U"永龍!A8ｱ" : U"永龍!A8ｱあアＡ";
-      for (const char32_t ch : characters) {
+      for (const char32_t ch :
+           std::u32string_view(proportional ? U"永龍!A8ｱ" : U"永龍!A8ｱあアＡ")) {
         const bool stays = ch < 0x100 || ch == U'ｱ';
-        const auto expected = stays ? plain.Points(ch) : Turned(plain, ch, plain.Points(ch), 1);
+        auto expected = plain.Points(ch);
+        if (!stays) {
+          expected = Turned(std::move(expected), 1);
+          for (auto& [x, y] : expected) {
+            x += right;
+            y += up;
+          }
+        }
         EXPECT_EQ(vertical.Points(ch), expected) << what << " U+" << std::hex << uint32_t{ch};
         EXPECT_EQ(vertical.Glyph(ch).metrics.gmCellIncX, plain.Glyph(ch).metrics.gmCellIncX);
       }
@@ -133,7 +152,36 @@ TEST(VerticalForms, FaceWithoutAlternatesTurnsBarsAndBrackets) {
   const FixedBox bar = BoxOf(InColumn(font, U'ー'));
   EXPECT_GT(bar.height(), 3 * bar.width());
   const FontProbe plain(u"No Alternates", 100);
-  EXPECT_EQ(InColumn(font, U'、'), plain.Points(U'、'));
+  // A comma stands as in horizontal text.
+  const FixedBox comma = BoxOf(InColumn(font, U'、'));
+  const FixedBox common = BoxOf(plain.Points(U'、'));
+  EXPECT_EQ(comma.width(), common.width());
+  EXPECT_EQ(comma.height(), common.height());
+  EXPECT_LT(std::abs(comma.left - common.left), 5 * kOne);
+  EXPECT_LT(std::abs(comma.bottom - common.bottom), 5 * kOne);
+}
+
+// A character that lies on its side stands where the font has an alternate for it, and one that
+// would have a form of its own lies where the font has none.
+TEST(VerticalForms, TheFontDecidesForEachCharacter) {
+  const FontProbe fixed(u"@IPAGothic", 100);
+  const FontProbe fixed_plain(u"IPAGothic", 100);
+  EXPECT_EQ(fixed.Points(U'：'), fixed_plain.Points(U'：')) << "no alternate";
+  EXPECT_NE(FontProbe(u"@IPAPGothic", 100).Points(U'：'),
+            FontProbe(u"IPAPGothic", 100).Points(U'：'));
+  EXPECT_NE(fixed.Points(U'“'), fixed_plain.Points(U'“')) << "an alternate of its own";
+}
+
+// Down a column, the proportional faces have advances of their own: half the em for a comma. The
+// glyph stands in that shorter cell.
+TEST(VerticalForms, AdvancesDownTheColumn) {
+  const FontProbe font(u"@IPAPGothic", -1024);
+  for (const auto& [ch, advance] : {std::pair{U'日', 1024}, std::pair{U'、', 512}}) {
+    const GlyphMetrics m = font.Glyph(ch).metrics;
+    EXPECT_EQ(m.gmCellIncX, advance);
+    EXPECT_GE(m.gmptGlyphOriginX, 0);
+    EXPECT_LE(m.gmptGlyphOriginX + static_cast<int32_t>(m.gmBlackBoxX), advance);
+  }
 }
 
 TEST(VerticalForms, OrientationOfCharacters) {

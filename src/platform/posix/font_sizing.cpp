@@ -44,12 +44,16 @@ FaceUnits ReadFaceUnits(FT_Face face) {
     units.line_height = units.cell();
     units.line_gap = hhea->Line_Gap;
   }
+  units.typographic_ascent = units.ascent;
+  units.typographic_descent = units.descent;
   if (const TT_OS2* os2 = Os2Table(face)) {
     if (os2->usWinAscent != 0 || os2->usWinDescent != 0) {
       units.ascent = os2->usWinAscent;
       units.descent = os2->usWinDescent;
     }
     units.average_width = os2->xAvgCharWidth;
+    units.typographic_ascent = os2->sTypoAscender;
+    units.typographic_descent = -static_cast<int64_t>(os2->sTypoDescender);
   }
   if (units.cell() <= 0) {
     units.ascent = units.em;

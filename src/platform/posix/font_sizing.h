@@ -15,8 +15,10 @@ namespace kerno {
 // least 1, whatever stands in the tables.
 struct FaceUnits {
   int64_t em = 1;
-  int64_t ascent = 1;   // above the baseline, up
-  int64_t descent = 0;  // below the baseline, down
+  int64_t ascent = 1;               // above the baseline, up
+  int64_t descent = 0;              // below the baseline, down
+  int64_t typographic_ascent = 1;   // of the em square, up
+  int64_t typographic_descent = 0;  // of the em square, down
   int64_t line_height = 1;
   int64_t line_gap = 0;
   int64_t average_width = 1;

@@ -22,6 +22,11 @@ int64_t CeilToPixels(int64_t value) {
   return (value + 63) >> 6;
 }
 
+int64_t FloorDivide(int64_t dividend, int64_t divisor) {
+  const int64_t quotient = dividend / divisor;
+  return dividend % divisor < 0 ? quotient - 1 : quotient;
+}
+
 int32_t Clamp32(int64_t value) {
   return static_cast<int32_t>(std::clamp<int64_t>(value, std::numeric_limits<int32_t>::min(),
                                                   std::numeric_limits<int32_t>::max()));
@@ -37,16 +42,12 @@ GlyphMetrics Box(int64_t left, int64_t bottom, int64_t right, int64_t top) {
   return metrics;
 }
 
-// Turns by 90 degrees counter-clockwise about the centre of the cell [0, advance] x [-descent,
-// ascent]. The centre is a multiple of 1/2 unit, so that 26.6 stays exact.
-void TurnInCell(const TextMetrics& metrics, int64_t advance, Outline* outline) {
-  const int64_t centre_x = advance * 32;
-  const int64_t centre_y = (static_cast<int64_t>(metrics.tmAscent) - metrics.tmDescent) * 32;
+// Turns by 90 degrees counter-clockwise about the pen and moves.
+void TurnAndMove(const CellShift& shift, Outline* outline) {
   for (OutlinePoint& point : outline->points) {
-    const int64_t x = point.x - centre_x;
-    const int64_t y = point.y - centre_y;
-    point.x = centre_x - y;
-    point.y = centre_y + x;
+    const int64_t x = point.x;
+    point.x = shift.x - point.y;
+    point.y = shift.y + x;
   }
 }
 
@@ -192,7 +193,8 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
       slot->format != FT_GLYPH_FORMAT_OUTLINE) {
     return glyph;
   }
-  const int64_t advance = Advance(slot->metrics.horiAdvance) + EmboldenedWidth();
+  const int64_t own = form.turned ? slot->metrics.vertAdvance : slot->metrics.horiAdvance;
+  const int64_t advance = Advance(own) + EmboldenedWidth();
   glyph.advance = Clamp32(advance);
   if (choice_.embolden) {
     Embolden(slot);
@@ -202,7 +204,7 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
     glyph.metrics = Box(0, 0, 1, 0);
     glyph.metrics.gmptGlyphOriginY = 0;
   } else if (form.turned) {
-    TurnInCell(metrics_, advance, &outline);
+    TurnAndMove(ShiftOfTurned(form.glyph), &outline);
     glyph.metrics = ControlBox(outline);
   } else {
     glyph.metrics = GridFittedBox(slot->metrics);
@@ -213,6 +215,21 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
   glyph.has_outline =
       WriteNativeOutline(CubicsToQuadratics(std::move(outline)), &glyph.outline) && fits;
   return glyph;
+}
+
+// The vertical origin of the glyph comes to the pen, and the middle of the em square to the middle
+// of its typographic ascender and descender.
+CellShift RealizedFont::ShiftOfTurned(FT_UInt glyph) const {
+  const FT_Face face = face_.get();
+  const auto scaled = [this](int64_t doubled_units) {
+    return FloorDivide(doubled_units * pixels_per_em_ * 64 + units_.em, 2 * units_.em);
+  };
+  int64_t origin = units_.typographic_ascent;
+  if (FT_Load_Glyph(face, glyph, FT_LOAD_NO_SCALE) == 0) {
+    origin = face->glyph->metrics.horiBearingY + face->glyph->metrics.vertBearingY;
+  }
+  const int64_t middle = units_.typographic_ascent - units_.typographic_descent;
+  return {scaled(2 * origin), scaled(middle) - ScaleX(pixels_per_em_ * 64) / 2};
 }
 
 // Thickens the strokes by 1/24 em, to the right and upwards, as the desktop's graphics interface

@@ -37,6 +37,12 @@ struct FontChoice {
   bool vertical = false;
 };
 
+// How far a turned glyph is moved, in 26.6.
+struct CellShift {
+  int64_t x = 0;
+  int64_t y = 0;
+};
+
 class RealizedFont final : public Font {
  public:
   // Opens the face and sets its size. Null when the file cannot be opened.
@@ -62,6 +68,7 @@ class RealizedFont final : public Font {
   FT_UInt GlyphIndex(char32_t ch) const;
   NativeGlyph LoadRaster(char32_t ch) const;
   NativeGlyph LoadOutline(char32_t ch);
+  CellShift ShiftOfTurned(FT_UInt glyph) const;
   void Embolden(FT_GlyphSlot slot) const;
   // How much wider, in pixels, each glyph counts.
   int32_t EmboldenedWidth() const { return choice_.embolden ? 1 : 0; }

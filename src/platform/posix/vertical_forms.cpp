@@ -71,37 +71,38 @@ void VerticalForms::HarfBuzzDeleter::operator()(hb_face_t* face) const noexcept 
 void VerticalForms::Load(FT_Face face) {
   loaded_ = true;
   face_.reset(hb_ft_face_create_referenced(face));
-  for (const hb_tag_t feature : {HB_TAG('v', 'e', 'r', 't'), HB_TAG('v', 'r', 't', '2')}) {
-    for (const unsigned lookup : LookupsOf(face_.get(), feature)) {
-      if (std::find(lookups_.begin(), lookups_.end(), lookup) == lookups_.end()) {
-        lookups_.push_back(lookup);
-      }
+  vert_lookups_ = LookupsOf(face_.get(), HB_TAG('v', 'e', 'r', 't'));
+  for (const unsigned lookup : LookupsOf(face_.get(), HB_TAG('v', 'r', 't', '2'))) {
+    if (std::find(vert_lookups_.begin(), vert_lookups_.end(), lookup) == vert_lookups_.end()) {
+      vrt2_lookups_.push_back(lookup);
     }
   }
 }
 
-FT_UInt VerticalForms::Alternate(FT_UInt glyph) const {
-  for (const unsigned lookup : lookups_) {
-    const hb_codepoint_t alternate = Substitute(face_.get(), lookup, glyph);
-    if (alternate != glyph) {
-      return alternate;
+// The feature vrt2 also holds glyphs that were turned by the designer, for characters that lie on
+// their side: those characters look into vert alone.
+FT_UInt VerticalForms::Alternate(FT_UInt glyph, bool lies) const {
+  for (const auto* lookups : {&vert_lookups_, &vrt2_lookups_}) {
+    if (lies && lookups == &vrt2_lookups_) break;
+    for (const unsigned lookup : *lookups) {
+      const hb_codepoint_t alternate = Substitute(face_.get(), lookup, glyph);
+      if (alternate != glyph) {
+        return alternate;
+      }
     }
   }
   return glyph;
 }
 
 VerticalForm VerticalForms::Find(FT_Face face, char32_t ch, FT_UInt glyph) {
-  const VerticalOrientation orientation = VerticalOrientationOf(ch);
-  if (orientation == VerticalOrientation::kRotated) {
-    return {glyph, false};
-  }
   if (!loaded_) {
     Load(face);
   }
-  // A font with vertical alternates says by leaving a bracket or a bar out that it stands as it is;
-  // one without any never thought of vertical writing, and such characters then lie on their side.
-  const bool lies = orientation == VerticalOrientation::kTransformedRotated && lookups_.empty();
-  return {Alternate(glyph), !lies};
+  const VerticalOrientation orientation = VerticalOrientationOf(ch);
+  const FT_UInt alternate = Alternate(glyph, orientation == VerticalOrientation::kRotated);
+  const bool stands = orientation == VerticalOrientation::kUpright ||
+                      orientation == VerticalOrientation::kTransformedUpright;
+  return {alternate, stands || alternate != glyph};
 }
 
 }  // namespace kerno

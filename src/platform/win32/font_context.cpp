@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <limits>
+#include <optional>
+#include <vector>
 
+#include "platform/win32/native_points.h"
 #include "platform/win32/wide_text.h"
 
 namespace kerno {
@@ -36,32 +38,12 @@ bool IsIdentity(const Mat2& matrix) {
 
 // The rasteriser works in 1/64 of a unit; what some systems put into the lower bits of the 16.16
 // numbers (a repetition of the upper ones) is no part of the outline.
-void CutPoint(uint8_t* at) {
-  constexpr uint32_t kRasterBits = 0xFFFFFC00;
-  uint32_t xy[2];
-  std::memcpy(xy, at, sizeof xy);
-  for (uint32_t& number : xy) number &= kRasterBits;
-  std::memcpy(at, xy, sizeof xy);
-}
-
-void CutToRasterUnits(uint8_t* at, size_t size) {
-  while (size >= sizeof(TTPOLYGONHEADER)) {
-    TTPOLYGONHEADER header{};
-    std::memcpy(&header, at, sizeof header);
-    if (header.cb < sizeof header || header.cb > size) return;
-    CutPoint(at + offsetof(TTPOLYGONHEADER, pfxStart));
-    const size_t record_size = offsetof(TTPOLYCURVE, apfx);
-    for (size_t i = sizeof header; i + record_size <= header.cb;) {
-      WORD count = 0;
-      std::memcpy(&count, at + i + offsetof(TTPOLYCURVE, cpfx), sizeof count);
-      i += record_size;
-      if (i + count * sizeof(POINTFX) > header.cb) return;
-      for (WORD point = 0; point < count; ++point) CutPoint(at + i + point * sizeof(POINTFX));
-      i += count * sizeof(POINTFX);
-    }
-    at += header.cb;
-    size -= header.cb;
-  }
+void CutToRasterUnits(uint8_t* outline, size_t size) {
+  constexpr int32_t kRasterBits = ~0x3FF;
+  ChangeNativePoints(outline, size, [](int32_t& x, int32_t& y) {
+    x &= kRasterBits;
+    y &= kRasterBits;
+  });
 }
 
 // Adds the extent of one run to the whole.
@@ -123,8 +105,11 @@ uint32_t FontContext::GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics
   GLYPHMETRICS glyph{};
   const DWORD needed = GetGlyphOutlineW(dc_, what, how, &glyph, size, buffer, &transform);
   if (needed == GDI_ERROR || (buffer != nullptr && size < needed)) return kGdiError;
-  if (format == kGgoNative && buffer != nullptr && IsIdentity(matrix)) {
-    CutToRasterUnits(static_cast<uint8_t*>(buffer), needed);
+  const bool native = format == kGgoNative && IsIdentity(matrix);
+  auto* outline = static_cast<uint8_t*>(buffer);
+  if (native && outline != nullptr) CutToRasterUnits(outline, needed);
+  if (native && realized_ != nullptr && realized_->turned() != nullptr) {
+    PlaceTurned(what, how, transform, needed, outline, &glyph);
   }
   metrics->gmBlackBoxX = glyph.gmBlackBoxX;
   metrics->gmBlackBoxY = glyph.gmBlackBoxY;
@@ -133,6 +118,27 @@ uint32_t FontContext::GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics
   metrics->gmCellIncX = glyph.gmCellIncX;
   metrics->gmCellIncY = glyph.gmCellIncY;
   return format == kGgoNative ? needed : 0;
+}
+
+// Where the system leaves a turned outline at the pen it is moved into its cell here, together with
+// its box; for the box alone the outline is fetched too.
+void FontContext::PlaceTurned(uint32_t what, uint32_t how, const MAT2& transform, uint32_t size,
+                              uint8_t* outline, GLYPHMETRICS* metrics) {
+  if (size == 0) {  // a blank has the same box in either direction
+    metrics->gmBlackBoxX = metrics->gmBlackBoxY = 1;
+    metrics->gmptGlyphOrigin = {0, 0};
+    return;
+  }
+  const std::optional<OutlineShift>& shift = realized_->turned()->ShiftOf(what, how);
+  if (!shift) return;
+  std::vector<uint8_t> fetched;
+  if (outline == nullptr) {
+    fetched.resize(size);
+    outline = fetched.data();
+    if (GetGlyphOutlineW(dc_, what, how, metrics, size, outline, &transform) != size) return;
+    CutToRasterUnits(outline, size);
+  }
+  MoveOutline(*shift, outline, size, metrics);
 }
 
 bool FontContext::GetTextExtent(std::u16string_view text, Extent* extent) {

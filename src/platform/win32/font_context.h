@@ -2,6 +2,7 @@
 // context of its own.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
@@ -30,6 +31,9 @@ class FontContext final : public DeviceContext {
   bool TextOut(int32_t /*x*/, int32_t /*y*/, std::u16string_view /*text*/) override { return true; }
 
  private:
+  void PlaceTurned(uint32_t what, uint32_t how, const MAT2& transform, uint32_t size,
+                   uint8_t* outline, GLYPHMETRICS* metrics);
+
   HDC dc_;
   HGDIOBJ stock_;  // what was selected at first
   Font* selected_ = nullptr;

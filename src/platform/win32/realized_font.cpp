@@ -93,11 +93,12 @@ uint32_t CharacterMap::GlyphOf(char32_t ch) const {
   return ch <= group.last ? group.glyph + (ch - group.first) : 0;
 }
 
-RealizedFont::RealizedFont(HFONT font, HDC dc) : font_(font), dc_(dc) {
+RealizedFont::RealizedFont(HFONT font, HDC dc, const LOGFONTW& description) : font_(font), dc_(dc) {
   SelectObject(dc_, font_);
   std::array<wchar_t, LF_FACESIZE> name{};
   GetTextFaceW(dc_, static_cast<int>(name.size()), name.data());
   face_name_ = FromWideBuffer(name.data(), name.size());
+  if (face_name_.starts_with(u'@')) turned_ = std::make_unique<TurnedGlyphs>(description);
 }
 
 RealizedFont::~RealizedFont() {
@@ -114,7 +115,7 @@ std::unique_ptr<RealizedFont> RealizedFont::Create(const LogFont& wanted) {
     DeleteObject(font);
     return nullptr;
   }
-  return std::unique_ptr<RealizedFont>(new RealizedFont(font, dc));
+  return std::unique_ptr<RealizedFont>(new RealizedFont(font, dc, description));
 }
 
 bool RealizedFont::HasGlyph(char32_t ch) const {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/device_context.h"
+#include "platform/win32/turned_glyphs.h"
 #include "platform/win32/windows_api.h"
 
 namespace kerno {
@@ -49,12 +50,16 @@ class RealizedFont final : public Font {
 
   HFONT handle() const { return font_; }
 
+  // Null for a face without "@".
+  TurnedGlyphs* turned() const { return turned_.get(); }
+
  private:
-  RealizedFont(HFONT font, HDC dc);
+  RealizedFont(HFONT font, HDC dc, const LOGFONTW& description);
 
   HFONT font_;
   HDC dc_;  // of its own, in which the font is always selected
   std::u16string face_name_;
+  std::unique_ptr<TurnedGlyphs> turned_;
   mutable std::unique_ptr<CharacterMap> far_;  // read at the first need
 };
 
