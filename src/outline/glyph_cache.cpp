@@ -9,20 +9,20 @@ namespace kerno {
 namespace {
 
 // A context that works with its stock font has no font object to keep a cache with.
-GlyphCache& Unkept(const TextMetrics& metrics, double angle) {
+GlyphCache& Unkept(const TextMetrics& metrics, CharacterStance stance) {
   static std::unique_ptr<GlyphCache> last;
-  last = std::make_unique<GlyphCache>(metrics, angle);
+  last = std::make_unique<GlyphCache>(metrics, stance);
   return *last;
 }
 
 }  // namespace
 
-GlyphCache& GlyphCache::Of(DeviceContext& dc, const TextMetrics& metrics, double angle) {
+GlyphCache& GlyphCache::Of(DeviceContext& dc, const TextMetrics& metrics, CharacterStance stance) {
   Font* font = dc.SelectedFont();
-  if (!font) return Unkept(metrics, angle);
+  if (!font) return Unkept(metrics, stance);
   auto cache = std::static_pointer_cast<GlyphCache>(font->derived);
-  if (!cache || cache->angle_ != angle) {
-    cache = std::make_shared<GlyphCache>(metrics, angle);
+  if (!cache || !(cache->stance_ == stance)) {
+    cache = std::make_shared<GlyphCache>(metrics, stance);
     font->derived = cache;
   }
   return *cache;
@@ -47,17 +47,27 @@ const CachedGlyph& GlyphCache::Get(DeviceContext& dc, char32_t ch) {
   return *kept;
 }
 
+// Turned about its own middle, a narrow cell (a Latin letter on its side) would hang to the left of
+// the wide ones; and where the pen moves by whole cells it would reach into the one above.
+void GlyphCache::Stand(CachedGlyph* glyph) const {
+  const Turn turn(stance_.angle);
+  const P2 middle = {glyph->metrics.gmCellIncX * 0.5,
+                     (metrics_.tmAscent - metrics_.tmDescent) * 0.5};
+  const double half_em = (metrics_.tmHeight - metrics_.tmInternalLeading) * 0.5;
+  const double inwards = stance_.column ? half_em - middle.x : 0;
+  for (P2& p : glyph->contours.points) {
+    p = turn.Apply(p, middle);
+    p.x += inwards;
+    if (stance_.stacked) p.y -= inwards;
+  }
+}
+
 CachedGlyph GlyphCache::Make(DeviceContext& dc, char32_t ch, bool* refused) const {
   CachedGlyph glyph;
   const uint32_t contours = GetGlyphContours(dc, ch, &glyph.metrics, &glyph.contours);
   // A refused character leaves its metrics as they were: all zero, which no glyph has.
   *refused = contours == 0 && glyph.metrics.gmBlackBoxX == 0;
-  if (angle_ != 0) {
-    const Turn turn(angle_);
-    const P2 centre = {glyph.metrics.gmCellIncX * 0.5,
-                       (metrics_.tmAscent - metrics_.tmDescent) * 0.5};
-    for (P2& p : glyph.contours.points) p = turn.Apply(p, centre);
-  }
+  if (stance_.angle != 0) Stand(&glyph);
   if (!glyph.contours.points.empty()) glyph.ink_min = glyph.ink_max = glyph.contours.points[0];
   for (const P2& p : glyph.contours.points) {
     glyph.ink_min = {std::min(glyph.ink_min.x, p.x), std::min(glyph.ink_min.y, p.y)};

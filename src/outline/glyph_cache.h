@@ -11,7 +11,17 @@
 
 namespace kerno {
 
-// Contours turned by the cache's character angle, y up, the pen at the origin.
+// How the characters of a text stand.
+struct CharacterStance {
+  double angle = 0;  // degrees, about the middle of the cell [0, advance] x [-tmDescent, tmAscent]
+  bool column = false;  // turned cells have their middle on one line, half an em from the pen
+  // In a column: each cell has its lower end where that of a cell of one em would be.
+  bool stacked = false;
+
+  bool operator==(const CharacterStance&) const = default;
+};
+
+// Contours in the cache's stance, y up, the pen at the origin.
 struct CachedGlyph {
   GlyphMetrics metrics;
   GlyphContours contours;
@@ -20,12 +30,12 @@ struct CachedGlyph {
 
 class GlyphCache {
  public:
-  // The cache of the font selected into `dc` for a character angle (degrees, about the centre of
-  // the cell [0, advance] x [-tmDescent, tmAscent]). It lives as long as the font, or until another
-  // angle is asked for.
-  static GlyphCache& Of(DeviceContext& dc, const TextMetrics& metrics, double angle);
+  // The cache of the font selected into `dc`. It lives as long as the font, or until another stance
+  // is asked for.
+  static GlyphCache& Of(DeviceContext& dc, const TextMetrics& metrics, CharacterStance stance);
 
-  GlyphCache(const TextMetrics& metrics, double angle) : metrics_(metrics), angle_(angle) {}
+  GlyphCache(const TextMetrics& metrics, CharacterStance stance)
+      : metrics_(metrics), stance_(stance) {}
 
   // The glyph if it is kept, else null.
   const CachedGlyph* Find(char32_t ch) const;
@@ -36,11 +46,12 @@ class GlyphCache {
 
  private:
   CachedGlyph Make(DeviceContext& dc, char32_t ch, bool* refused) const;
+  void Stand(CachedGlyph* glyph) const;
 
   static constexpr char32_t kDirect = 0x250;  // Latin letters need no look-up
 
   TextMetrics metrics_;
-  double angle_;
+  CharacterStance stance_;
   std::array<std::unique_ptr<CachedGlyph>, kDirect> direct_;
   std::unordered_map<char32_t, std::unique_ptr<CachedGlyph>> others_;
   CachedGlyph refused_;

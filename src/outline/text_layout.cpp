@@ -139,7 +139,9 @@ uint32_t LayoutString(DeviceContext& dc, std::u16string_view text, const LayoutO
   TextMetrics metrics;
   (void)dc.GetTextMetrics(&metrics);
   const size_t before = contours->counts.size();
-  GlyphCache& glyphs = GlyphCache::Of(dc, metrics, options.character_angle);
+  GlyphCache& glyphs = GlyphCache::Of(
+      dc, metrics,
+      {options.character_angle, options.vertical, options.pitch == VerticalPitch::kCell});
   ReserveFor(glyphs, text, contours);
   LayoutNotes noted;
   InkWatch ink;

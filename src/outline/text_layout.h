@@ -24,8 +24,9 @@ enum class VerticalPitch {
 
 struct LayoutOptions {
   bool vertical = false;
-  double character_angle =
-      0;  // turns each glyph about the centre of its cell; 0 leaves it untouched
+  // Turns each glyph about the middle of its cell, and in vertical text puts the turned cells on
+  // one middle line; 0 leaves it untouched.
+  double character_angle = 0;
   VerticalPitch pitch = VerticalPitch::kClassic;
 };
 

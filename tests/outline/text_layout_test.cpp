@@ -97,6 +97,22 @@ TEST(LayoutString, CharacterAngleTurnsEachGlyphAboutItsCell) {
   EXPECT_EQ((Points{{2, 1}}), Starts(contours)) << "the other angle's outlines are not used again";
 }
 
+// The middles (5, 6) of A and (3.5, 6) of B come to x = 10, half an em; by whole cells each also
+// moves down by as much as to the right, so that B, from -10 to -17, begins where A ends.
+TEST(LayoutString, CellsOfAColumnHaveOneMiddleLine) {
+  FakeDeviceContext dc = Context();
+  LayoutOptions down;
+  down.vertical = true;
+  down.character_angle = -90;
+  GlyphContours contours;
+  LayoutString(dc, u"AB", down, &contours);
+  EXPECT_EQ((Points{{5, 4}, {9, -4.5}}), Starts(contours));
+  contours = {};
+  down.pitch = VerticalPitch::kCell;
+  LayoutString(dc, u"AB", down, &contours);
+  EXPECT_EQ((Points{{5, -6}, {9, -17}}), Starts(contours));
+}
+
 TEST(LayoutString, KeepsOutlinesWithTheFont) {
   FakeDeviceContext dc = Context();
   const auto font = dc.CreateFontIndirect({});
