@@ -1,16 +1,21 @@
 #!/usr/bin/python3
 """Compares what kerno makes of the same texts on Linux and, under Wine, on Windows.
 
-usage: check_agreement.py KERNO KERNO_EXE [--formats dxf,svg,ipx]
+usage: check_agreement.py KERNO KERNO_EXE [--formats dxf,svg,ipx,x3d,ipl,emf,bmp] [--jobs N] [--verbose]
 
-For every case of the list the contours must be equal in 26.6 units, with the same text metrics, and
-the files of each format must differ only in lines that name the program, its path or the time.
-Vertical ("@") texts are compared too; what differs there is listed, not counted.
+For every case of the list, horizontal and vertical:
+ - the contours are equal in 26.6 units, with the same text metrics,
+ - the files of the text formats are equal once the program's path and the times are taken out,
+ - the metafile is equal in every byte: both builds write it with the same encoder,
+ - the bitmaps, which two different rasterisers draw, look alike (see unlike_pixels).
 """
 import argparse
+import concurrent.futures
 import json
+import os
 import pathlib
 import re
+import struct
 import subprocess
 import sys
 import tempfile
@@ -24,6 +29,7 @@ GREEK = "Ελληνικά Кириллица"
 KANA = "あいうえおアイウエオがぎぐパピプ、。「」ー"
 KANJI = "日本語永東国酬愛鷹三袋龍鬱"
 MIXED = "Kerno の 100 mm 文字、2026年（令和8年）！"
+MARKS = "：；＝“”‘’…―→↑°¥（）【】！？〜々ぁッｱﾟＡ１g8"
 LINES = "one\r\ntwo\tthree\r\n\r\n四"
 
 LATIN_FACES = ["DejaVu Sans", "DejaVu Serif", "DejaVu Sans Mono", "DejaVu Sans Condensed"]
@@ -50,11 +56,26 @@ CASES = (
 VERTICAL = [
     (face, height, text, ["--vertical"])
     for face in JAPANESE_FACES
-    for height, text in ((100, KANJI), (64, KANA), (64, MIXED))
+    for height, text in ((100, KANJI), (64, KANA), (64, MIXED), (33, MARKS))
+] + [
+    ("IPAPMincho", -50, MIXED, ["--vertical", "--pitch", "cell"]),
+    ("IPAGothic", 100, MARKS, ["--vertical", "--width", "70"]),
 ]
 
-# Lines that may differ: those that name the program, its path, or the time.
-PASSING = re.compile(rb"kerno|\d{4}[/-]\d\d[/-]\d\d|\d\d:\d\d:\d\d", re.IGNORECASE)
+# A bitmap of a drawing larger than this is left out: it shows nothing that a smaller one does not.
+MOST_PIXELS = 120_000
+# The share of inked pixels that may be unlike (4.3 % are, at most), and how many of them besides:
+# in a text one unit high every pixel is an edge.
+UNLIKE_SHARE = 0.08
+UNLIKE_PIXELS = 60
+
+# The times in the files' comments: of the file, and of the program's build.
+TIMES = re.compile(rb"\d{4}[/-]\d\d[/-]\d\d[ T]\d\d:\d\d:\d\d|[A-Z][a-z]{2} [ \d]\d \d{4} \d\d:\d\d:\d\d")
+
+
+def arguments(case):
+    face, height, text, more = case
+    return ["--face", face, "--height", str(height), "--text", text] + more
 
 
 def run(command):
@@ -63,9 +84,7 @@ def run(command):
 
 
 def contours(program, case):
-    face, height, text, more = case
-    code, out, err = run(program + ["contours", "--json", "--face", face, "--height", str(height),
-                                    "--text", text] + more)
+    code, out, err = run(program + ["contours", "--json"] + arguments(case))
     if code != 0:
         return {"error": f"exit {code}: {err.strip()}"}
     return json.loads(out)
@@ -75,13 +94,11 @@ def in_raster_units(points):
     return [(round(x * 64), round(y * 64)) for x, y in points]
 
 
-def difference(ours, theirs):
+def contours_difference(ours, theirs):
     """What differs between two answers; empty when nothing does."""
-    found = []
     if "error" in ours or "error" in theirs:
-        if ours.get("error") != theirs.get("error"):
-            found.append(f"errors {ours.get('error')!r} and {theirs.get('error')!r}")
-        return found
+        return [f"failed: {ours.get('error')!r} and {theirs.get('error')!r}"]
+    found = []
     if ours["textMetrics"] != theirs["textMetrics"]:
         found.append(f"metrics {ours['textMetrics']} and {theirs['textMetrics']}")
     if ours["counts"] != theirs["counts"]:
@@ -97,55 +114,128 @@ def difference(ours, theirs):
     return found
 
 
-def written(program, case, extension, folder, name):
-    face, height, text, more = case
-    path = folder / f"{name}.{extension}"
-    code, _, err = run(program + ["convert", "--quiet", "--face", face, "--height", str(height),
-                                  "--text", text, "-o", str(path)] + more)
-    if code != 0:
-        return f"exit {code}: {err.strip()}".encode()
-    return path.read_bytes()
+def fits_bitmap(answer):
+    points = answer.get("points") or [(0, 0)]
+    width, height = (max(p[i] for p in points) - min(p[i] for p in points) for i in (0, 1))
+    return width * height <= MOST_PIXELS
 
 
-def file_difference(ours, theirs, extension):
-    if extension == "ipx" and ours.startswith(b"\xff\xfe") and theirs.startswith(b"\xff\xfe"):
-        ours = ours.decode("utf-16").encode()
-        theirs = theirs.decode("utf-16").encode()
-    ours, theirs = ours.splitlines(), theirs.splitlines()
+def comparable(content, program):
+    """A text file's lines without what may differ: the program's path and the times."""
+    text = content.decode("utf-16").encode() if content.startswith(b"\xff\xfe") else content
+    for name in {program, "Z:" + program.replace("/", "\\")}:
+        text = text.replace(name.encode(), b"PROGRAM")
+    return TIMES.sub(b"TIME", text).splitlines()
+
+
+def text_difference(ours, theirs):
     if len(ours) != len(theirs):
-        return [f"{len(ours)} and {len(theirs)} lines"]
-    apart = [(i, a, b) for i, (a, b) in enumerate(zip(ours, theirs), 1)
-             if a != b and not (PASSING.search(a) and PASSING.search(b))]
-    return [f"{len(apart)} lines, the first is {apart[0]}"] if apart else []
+        return f"{len(ours)} and {len(theirs)} lines"
+    apart = [(i, a, b) for i, (a, b) in enumerate(zip(ours, theirs), 1) if a != b]
+    return f"{len(apart)} lines, the first is {apart[0]}" if apart else None
+
+
+def bitmap_rows(content):
+    """The pixels of a bottom-up bitmap of 24 bits a pixel, three bytes each."""
+    start, = struct.unpack_from("<I", content, 10)
+    width, height, _, bits, packing = struct.unpack_from("<iiHHI", content, 18)
+    if bits != 24 or packing != 0:
+        raise ValueError(f"{bits} bits a pixel, compression {packing}")
+    row = (width * 3 + 3) // 4 * 4
+    return [[content[at:at + 3] for at in range(start + y * row, start + y * row + width * 3, 3)]
+            for y in range(height)]
+
+
+def unlike_pixels(ours, theirs):
+    """The pixels that are inked in either picture, and how many of them are unlike: more than a
+    quarter of the range apart in some colour."""
+    inked = unlike = 0
+    white = b"\xff\xff\xff"
+    for a, b in zip(ours, theirs):
+        if a == b:
+            inked += len(a) - a.count(white)
+            continue
+        for p, q in zip(a, b):
+            inked += p != white or q != white
+            unlike += p != q and max(abs(u - v) for u, v in zip(p, q)) > 64
+    return inked, unlike
+
+
+def bitmap_difference(ours, theirs):
+    ours, theirs = bitmap_rows(ours), bitmap_rows(theirs)
+    sizes = [(len(rows[0]), len(rows)) for rows in (ours, theirs)]
+    if sizes[0] != sizes[1]:
+        return f"{sizes[0]} and {sizes[1]} pixels", 0
+    inked, unlike = unlike_pixels(ours, theirs)
+    share = unlike / max(inked, 1)
+    return (f"{unlike} of {inked} inked pixels are unlike" if unlike > UNLIKE_SHARE * inked + UNLIKE_PIXELS else None), share
+
+
+def written(program, case, formats, folder):
+    """Writes all formats in one run. The files are named alike on both systems, in folders of their
+    own: metafiles carry their name."""
+    folder.mkdir()
+    command = program + ["convert", "--quiet"] + arguments(case)
+    for extension in formats:
+        command += ["-o", str(folder / f"drawing.{extension}")]
+    code, _, err = run(command)
+    return f"exit {code}: {err.strip()}" if code != 0 else None
+
+
+def check(case, programs, formats):
+    """What differs in one case, a line each, and the bitmaps' share of unlike pixels."""
+    ours, theirs = [contours(p, case) for p in programs]
+    found = [f"contours: {d}" for d in contours_difference(ours, theirs)]
+    formats = [f for f in formats if f != "bmp" or fits_bitmap(ours)]
+    share = None
+    with tempfile.TemporaryDirectory() as folder:
+        folders = [pathlib.Path(folder) / name for name in ("linux", "windows")]
+        failed = [written(p, case, formats, f) for p, f in zip(programs, folders)]
+        if any(failed):
+            return found + [f"convert: {failed[0]!r} and {failed[1]!r}"], share
+        for extension in formats:
+            a, b = [(f / f"drawing.{extension}").read_bytes() for f in folders]
+            if extension == "bmp":
+                difference, share = bitmap_difference(a, b)
+            elif extension == "emf":
+                difference = None if a == b else f"{len(a)} and {len(b)} bytes, not the same"
+            else:
+                difference = text_difference(*(comparable(content, p[-1])
+                                               for content, p in zip((a, b), programs)))
+            if difference:
+                found.append(f"{extension}: {difference}")
+    return found, share
 
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("kerno")
     parser.add_argument("kerno_exe")
-    parser.add_argument("--formats", default="dxf,svg,ipx")
+    parser.add_argument("--formats", default="dxf,svg,ipx,x3d,ipl,emf,bmp")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    parser.add_argument("--verbose", action="store_true", help="name the cases that agree, too")
     options = parser.parse_args()
-    ours, theirs = [options.kerno], [WINE, options.kerno_exe]
+    programs = [[os.path.abspath(options.kerno)], [WINE, os.path.abspath(options.kerno_exe)]]
     formats = [f for f in options.formats.split(",") if f]
+    cases = CASES + VERTICAL
+    run(programs[1] + ["--version"])  # makes the prefix, once
     failures = 0
-    for number, case in enumerate(CASES + VERTICAL):
-        counted = number < len(CASES)
-        found = [f"contours: {d}" for d in difference(contours(ours, case), contours(theirs, case))]
-        with tempfile.TemporaryDirectory() as folder:
-            folder = pathlib.Path(folder)
-            for extension in formats:
-                a = written(ours, case, extension, folder, "kerno-linux")
-                b = written(theirs, case, extension, folder, "kerno-windows")
-                found += [f"{extension}: {d}" for d in file_difference(a, b, extension)]
-        face, height, text, more = case
-        what = f"{face} {height} {' '.join(more)} {text[:20]!r}"
-        if found:
-            failures += counted
-            print(f"{'DIFFERS' if counted else 'vertical differs'}: {what}")
+    shares = []
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        results = pool.map(lambda case: check(case, programs, formats), cases)
+        for case, (found, share) in zip(cases, results):
+            failures += bool(found)
+            shares += [share] if share is not None else []
+            face, height, text, more = case
+            what = f"{face} {height} {' '.join(more)} {text[:20]!r}"
+            if found or options.verbose:
+                print(f"{'DIFFERS' if found else 'agrees'}: {what}"
+                      + (f", {100 * share:.2f} % unlike pixels" if share is not None else ""))
             for line in found:
                 print(f"    {line}")
-    print(f"{len(CASES)} horizontal cases, {failures} differ; formats compared: "
-          f"{', '.join(['contours'] + formats)}; {len(VERTICAL)} vertical cases listed above where they differ")
+    print(f"{len(CASES)} horizontal and {len(VERTICAL)} vertical cases, {failures} differ; compared: "
+          f"{', '.join(['contours'] + formats)}; {len(shares)} pairs of bitmaps, "
+          f"{100 * sum(shares) / max(len(shares), 1):.2f} % of the inked pixels unlike on average")
     return 1 if failures else 0
 
 
