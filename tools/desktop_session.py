@@ -39,8 +39,15 @@ class DesktopSession:
             os.link(program, own)
         except OSError:
             shutil.copy2(program, own)
-        self.program = [str(own), *arguments]
+        self.program = self.command(own, arguments)
         self.server = self.process = None
+
+    def command(self, program, arguments):
+        """How the program is started."""
+        return [str(program), *arguments]
+
+    def output_folder(self):
+        return self.home / "tmp" / "Kerno.tmp"
 
     def __enter__(self):
         read_end, write_end = os.pipe()
@@ -75,10 +82,14 @@ class DesktopSession:
             time.sleep(0.05)
         raise AssertionError(f"waited {seconds} s in vain")
 
+    def tool_text(self, *arguments):
+        return subprocess.run(["xdotool", *arguments], env=self.environment, capture_output=True,
+                              text=True, check=False).stdout
+
     def tool(self, *arguments):
-        done = subprocess.run(["xdotool", *arguments], env=self.environment, capture_output=True,
-                              text=True, check=False)
-        return done.stdout.split()[-1] if done.stdout.split() else ""
+        """The last word of what xdotool answers."""
+        words = self.tool_text(*arguments).split()
+        return words[-1] if words else ""
 
     def focus(self):
         """Without a window manager nobody else gives the window the keyboard."""
@@ -90,12 +101,21 @@ class DesktopSession:
     def key(self, *keys):
         self.tool("key", "--delay", "60", *keys)
 
+    def click(self, place):
+        """Presses the mouse at a place within the window."""
+        self.tool("mousemove", "--window", self.window, *map(str, place), "click", "1")
+
     def outputs(self):
-        return sorted((self.home / "tmp" / "Kerno.tmp").glob("*"))
+        return sorted(self.output_folder().glob("*"))
 
     def wait_for_output(self, suffix):
         """The file's path once it is there; files appear whole."""
         return self.wait_for(lambda: next((p for p in self.outputs() if p.suffix == suffix), None))
+
+    def screenshot(self, file):
+        """The window alone."""
+        subprocess.run(["import", "-window", self.window, str(file)], env=self.environment,
+                       check=True)
 
     def screenshot_all(self, file):
         """The whole screen, lists and messages included, without its empty rim."""
@@ -107,3 +127,52 @@ class DesktopSession:
         self.focus()
         self.key("ctrl+q")
         return self.process.wait(20)
+
+
+class WindowsSession(DesktopSession):
+    """The same with a Windows program under Wine, in a prefix of its own: a prefix has one display.
+
+    The prefix stays for the next time (in KERNO_DESKTOP_WINE, else beside the program); the folder of
+    outputs in it is emptied.
+    """
+
+    def __init__(self, program, **options):
+        place = os.environ.get("KERNO_DESKTOP_WINE")
+        self.prefix = (pathlib.Path(place).resolve() if place else
+                       pathlib.Path(program).resolve().parent / "wine") / "prefix"
+        super().__init__(program, **options)
+        self.environment["KERNO_WINEPREFIX"] = str(self.prefix)
+        # The prefix keeps links into the home in which it was made.
+        home = self.prefix.with_name("home")
+        home.mkdir(parents=True, exist_ok=True)
+        self.environment["HOME"] = str(home)
+        if self.output_folder().is_file():
+            self.output_folder().unlink()
+        shutil.rmtree(self.output_folder(), ignore_errors=True)
+        self.density = 96 * options.get("scale", 1)
+
+    def __enter__(self):
+        subprocess.run(self.command("reg", [
+            "add", r"HKCU\Control Panel\Desktop", "/v", "LogPixels", "/t", "REG_DWORD", "/d",
+            str(self.density), "/f"]), env=self.environment, stdout=subprocess.DEVNULL, check=True)
+        self.end_wine()  # what runs now has no display
+        return super().__enter__()
+
+    def command(self, program, arguments):
+        return ["sh", str(pathlib.Path(__file__).with_name("run_windows.sh")), str(program),
+                *arguments]
+
+    def output_folder(self):
+        users = self.prefix / "drive_c" / "users"
+        temp = [user / "Temp" for user in users.glob("*") if user.name != "Public"]
+        return (temp[0] if temp else users / "nobody") / "Kerno.tmp"
+
+    def __exit__(self, *error):
+        self.end_wine()
+        super().__exit__(*error)
+
+    def end_wine(self):
+        """Ends what runs in the prefix: the program, and what it has opened."""
+        for order in ("-k", "-w"):  # end, and wait for the end
+            subprocess.run(["wineserver", order], check=False, stderr=subprocess.DEVNULL,
+                           env={**self.environment, "WINEPREFIX": str(self.prefix)})

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Pictures of the window in each of its states, on a display of their own.
+"""Pictures of the window in each of its states, on a display of their own; of the Windows program under
+Wine.
 
 usage: screenshots.py KERNO-DESKTOP FOLDER
 """
@@ -7,7 +8,7 @@ import pathlib
 import sys
 import time
 
-from desktop_session import DesktopSession
+from desktop_session import DesktopSession, WindowsSession
 
 SETTLE = 1.0  # seconds until what was typed is shown
 
@@ -23,7 +24,7 @@ def choose_face(session, face):
 
 
 def draw(session, text, face):
-    session.tool("mousemove", "400", "90", "click", "1")
+    session.click((100, 60))  # in the text box
     for number, line in enumerate(text.split("\n")):
         if number:
             session.key("Return")
@@ -46,7 +47,7 @@ def states(folder):
         ("about", 1, lambda s: (draw(s, LATIN, "DejaVu Serif"), s.key("F1"))),
         ("substitute", 1, lambda s: draw(s, "Kerno あ", "No Such Face")),
         ("error", 1, lambda s: (draw(s, LATIN, "DejaVu Serif"),
-                                (s.home / "tmp" / "Kerno.tmp").write_text("in the way"),
+                                s.output_folder().write_text("in the way"),
                                 s.key("alt+d"))),
     ]
 
@@ -55,8 +56,8 @@ def main():
     program, folder = sys.argv[1], pathlib.Path(sys.argv[2])
     folder.mkdir(parents=True, exist_ok=True)
     for name, scale, act in states(folder):
-        with DesktopSession(program, size="1720x1360" if scale == 2 else "1000x760",
-                            scale=scale) as session:
+        kind = WindowsSession if program.endswith(".exe") else DesktopSession
+        with kind(program, size="1720x1360" if scale == 2 else "1000x760", scale=scale) as session:
             time.sleep(SETTLE)
             act(session)
             time.sleep(SETTLE)

@@ -8,7 +8,8 @@ namespace {
 constexpr ControlRow kControls[] = {
     {ControlId::kOk, u"OK", u"OK", u"", true},
     {ControlId::kQuit, u"終了", u"Quit", u"Close the window", false},
-    {ControlId::kDxf, u"&DXF", u"Write DXF", u"Write a DXF drawing and a metafile", false},
+    {ControlId::kDxf, u"&DXF", u"Write DXF", u"Write a DXF drawing and a metafile", false,
+     u"Alt+D"},
     {ControlId::kSvg, u"&SVG", u"Write SVG",
      u"Write an SVG drawing, a metafile and the page of the outputs", false},
     {ControlId::kIpx, u"&IPX", u"Write IPX", u"Write an IPX parts file and its sizes (IPL)", false},
@@ -84,6 +85,13 @@ const ControlRow& Control(ControlId id) {
     if (row.id == id) return row;
   }
   return kControls[0];
+}
+
+std::span<const ControlId> OutputButtons() {
+  static constexpr ControlId kButtons[] = {ControlId::kDxf, ControlId::kSvg,    ControlId::kIpx,
+                                           ControlId::kDib, ControlId::kUpload, ControlId::kEmf,
+                                           ControlId::kIpl};
+  return kButtons;
 }
 
 std::span<const MenuColumn> Menu() {

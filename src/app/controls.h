@@ -42,11 +42,15 @@ struct ControlRow {
   const char16_t* name;            // for assistive technology
   const char16_t* hint;            // what it does, shown under the pointer; may be empty
   bool hidden;                     // at the start
-  const char16_t* shortcut = u"";  // in place of a mnemonic that another control has; "Alt+B"
+  // Where two captions share a mnemonic: the key that presses this one for certain; "Alt+B".
+  const char16_t* shortcut = u"";
 };
 
 std::span<const ControlRow> Controls();
 const ControlRow& Control(ControlId id);
+
+// The buttons of the outputs, in the order in which they stand.
+std::span<const ControlId> OutputButtons();
 
 // The commands of the menu. kAbout is the number of the entry in a system menu.
 enum class MenuCommand : int {

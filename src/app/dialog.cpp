@@ -231,9 +231,7 @@ const PartsA& Dialog::parts() {
 }
 
 void Dialog::ShowTextFormat() {
-  std::u16string_view face = memory_.face;
-  while (face.starts_with(u'@')) face.remove_prefix(1);
-  view_.ShowTextFormat(face, FirstColor());
+  view_.ShowTextFormat(FaceFor(memory_.face, memory_.vertical), FirstColor());
 }
 
 Color Dialog::FirstColor() const {

@@ -37,8 +37,9 @@ class DialogView {
   // Replaces the text; lines end in U+000A.
   virtual void ShowText(std::u16string_view text, TextChange change) = 0;
 
-  // Shows the text box in a face (without "@") and a colour, leaving text, undo, caret, selection
-  // and an input method's composition alone.
+  // Shows the text box in a face and a colour, leaving text, undo, caret, selection and an input
+  // method's composition alone. A face of vertical writing has "@" in front; where fonts know no
+  // such faces its plain family is shown.
   virtual void ShowTextFormat(std::u16string_view face, Color color) = 0;
 
   virtual void ShowFaces(const std::vector<std::u16string>& faces) = 0;

@@ -74,7 +74,7 @@ class RecordingView final : public DialogView {
   void CloseWindow() override { ++closes; }
 };
 
-class FakeDialogServices final : public DialogServices {
+class FakeDialogServices : public DialogServices {
  public:
   DialogMemory memory, saved;
   std::u16string saved_text;

@@ -4,44 +4,12 @@ opens the files with independent readers.
 
 usage: end_to_end_test.py KERNO-DESKTOP TOOLS
 """
-import pathlib
 import re
-import subprocess
 import sys
-
-import ezdxf
 
 sys.path.insert(0, sys.argv[2])
 from desktop_session import DesktopSession  # noqa: E402
-
-HERE = pathlib.Path(__file__).parent
-
-
-def check_dxf(path):
-    drawing = ezdxf.readfile(path, encoding="cp932")
-    lines = drawing.modelspace().query("LINE")
-    assert len(lines) > 50 and not drawing.audit().errors, path
-    # "8" and "O" have holes: more closed loops than letters.
-    starts = {tuple(round(c, 6) for c in line.dxf.start) for line in lines}
-    ends = {tuple(round(c, 6) for c in line.dxf.end) for line in lines}
-    assert starts == ends, "every contour is closed"
-
-
-def check_ipx(path):
-    text = path.read_bytes().decode("cp932")
-    assert "Kerno" in text and text.count("\r\n") > 50, path
-
-
-def check_rtf(path, expected):
-    read = subprocess.run([sys.executable, HERE.parent / "app" / "read_rtf.py", path], check=True,
-                          capture_output=True).stdout.decode("utf-8")
-    assert read == expected, read
-
-
-def check_emf(path):
-    data = path.read_bytes()
-    assert data[:4] == b"\x01\0\0\0" and data[40:44] == b" EMF", path
-    assert int.from_bytes(data[48:52], "little") == len(data), "the header knows the length"
+from output_checks import check_dxf, check_emf, check_ipx, check_rtf, check_svg  # noqa: E402
 
 
 def main():
@@ -62,7 +30,7 @@ def main():
         session.key("alt+s")
         page = session.wait_for_output(".html").read_text(encoding="utf-8")
         assert "Kerno 8 O!" in page and base.stem in page, page
-        subprocess.run(["xmllint", "--noout", session.wait_for_output(".svg")], check=True)
+        check_svg(session.wait_for_output(".svg"))
         stems = {p.name.removesuffix(p.suffix) for p in session.outputs()}
         assert stems == {base.stem}, stems
         assert session.opened.read_text().splitlines() == [str(base.parent)], "opened once"

@@ -24,10 +24,6 @@ namespace {
 
 constexpr QSize kFirstSize(860, 680);
 
-constexpr ControlId kButtons[] = {ControlId::kDxf, ControlId::kSvg,    ControlId::kIpx,
-                                  ControlId::kDib, ControlId::kUpload, ControlId::kEmf,
-                                  ControlId::kIpl, ControlId::kQuit};
-
 }  // namespace
 
 MainWindow::MainWindow(DialogServices& services) {
@@ -105,7 +101,8 @@ void MainWindow::MakeControls() {
   status_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
   AddLabel(ControlId::kFaceLabel, face_);
   AddLabel(ControlId::kHeightLabel, height_list_);
-  for (const ControlId id : kButtons) AddButton(id);
+  for (const ControlId id : OutputButtons()) AddButton(id);
+  AddButton(ControlId::kQuit);
   AddButton(ControlId::kPaste);
   AddButton(ControlId::kOk);
 }
@@ -135,25 +132,27 @@ void MainWindow::LayOut() {
   outer->addWidget(preview_, 5);
   outer->addWidget(status_);
   auto* buttons = new QHBoxLayout;
-  for (const ControlId id : kButtons) {
-    if (id == ControlId::kQuit) buttons->addStretch(1);
-    buttons->addWidget(controls_[id]);
-  }
+  for (const ControlId id : OutputButtons()) buttons->addWidget(controls_[id]);
+  buttons->addStretch(1);
+  buttons->addWidget(controls_[ControlId::kQuit]);
   buttons->addWidget(controls_[ControlId::kOk]);
   outer->addLayout(buttons);
 }
 
 void MainWindow::SetTabOrder() {
   QWidget* before = text_;
+  const auto next = [&](ControlId id) {
+    setTabOrder(before, controls_[id]);
+    before = controls_[id];
+  };
   for (const ControlId id :
        {ControlId::kPaste, ControlId::kFace, ControlId::kVertical, ControlId::kHeightList,
         ControlId::kHeightSpin, ControlId::kPolyPolygon, ControlId::kFirstColor,
-        ControlId::kSecondColor, ControlId::kPreview, ControlId::kDxf, ControlId::kSvg,
-        ControlId::kIpx, ControlId::kDib, ControlId::kUpload, ControlId::kEmf, ControlId::kIpl,
-        ControlId::kQuit}) {
-    setTabOrder(before, controls_[id]);
-    before = controls_[id];
+        ControlId::kSecondColor, ControlId::kPreview}) {
+    next(id);
   }
+  for (const ControlId id : OutputButtons()) next(id);
+  next(ControlId::kQuit);
 }
 
 QMenuBar* MainWindow::MakeMenu() {

@@ -12,7 +12,9 @@
 #include <QMessageBox>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <algorithm>
 
+#include "app/raised.h"
 #include "ui/qt/combos.h"
 #include "ui/qt/main_window.h"
 #include "ui/qt/preview_frame.h"
@@ -21,19 +23,6 @@
 
 namespace kerno {
 namespace {
-
-// True while it lives.
-class Raised {
- public:
-  explicit Raised(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
-  ~Raised() { flag_ = before_; }
-  Raised(const Raised&) = delete;
-  Raised& operator=(const Raised&) = delete;
-
- private:
-  bool& flag_;
-  bool before_;
-};
 
 constexpr int kProgressAfter = 500;  // milliseconds until progress is shown
 
@@ -46,7 +35,7 @@ void MainWindow::ShowText(std::u16string_view text, TextChange change) {
 
 void MainWindow::ShowTextFormat(std::u16string_view face, Color color) {
   const Raised raised(shows_);
-  shown_face_ = face;
+  shown_face_ = face.substr(std::min(face.find_first_not_of(u'@'), face.size()));
   shown_color_ = color;
   ShowTextColors();
 }

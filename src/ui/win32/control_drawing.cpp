@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 namespace kerno {
 namespace {
@@ -10,10 +11,13 @@ constexpr COLORREF kFailureColor = RGB(170, 0, 0);
 constexpr COLORREF kWarningColor = RGB(130, 75, 0);
 
 std::wstring ItemText(const DRAWITEMSTRUCT& item) {
-  const LRESULT length = SendMessageW(item.hwndItem, CB_GETLBTEXTLEN, item.itemID, 0);
-  if (length == CB_ERR) return {};
+  const bool is_list = item.CtlType == ODT_LISTBOX;
+  const LRESULT length =
+      SendMessageW(item.hwndItem, is_list ? LB_GETTEXTLEN : CB_GETLBTEXTLEN, item.itemID, 0);
+  if (length < 0) return {};
   std::wstring text(static_cast<size_t>(length) + 1, L'\0');
-  SendMessageW(item.hwndItem, CB_GETLBTEXT, item.itemID, reinterpret_cast<LPARAM>(text.data()));
+  SendMessageW(item.hwndItem, is_list ? LB_GETTEXT : CB_GETLBTEXT, item.itemID,
+               reinterpret_cast<LPARAM>(text.data()));
   text.resize(static_cast<size_t>(length));
   return text;
 }
@@ -35,6 +39,17 @@ void DrawFocus(const DRAWITEMSTRUCT& item) {
   }
 }
 
+// Whether letters written in the selected font can be read: a face of symbols has none.
+bool HasLettersOf(HDC dc, const std::wstring& text) {
+  TEXTMETRICW metrics{};
+  GetTextMetricsW(dc, &metrics);
+  if (metrics.tmCharSet == SYMBOL_CHARSET) return false;
+  std::vector<WORD> glyphs(text.size());
+  GetGlyphIndicesW(dc, text.c_str(), static_cast<int>(text.size()), glyphs.data(),
+                   GGI_MARK_NONEXISTING_GLYPHS);
+  return std::find(glyphs.begin(), glyphs.end(), WORD{0xFFFF}) == glyphs.end();
+}
+
 void DrawLabel(const DRAWITEMSTRUCT& item, const std::wstring& text, LONG left) {
   RECT place = item.rcItem;
   place.left = left;
@@ -44,17 +59,23 @@ void DrawLabel(const DRAWITEMSTRUCT& item, const std::wstring& text, LONG left) 
 
 }  // namespace
 
+// All names stand on one line, whatever room their faces want above and below it.
 void DrawFaceItem(const DRAWITEMSTRUCT& item) {
   DrawGround(item);
   if (item.itemID == static_cast<UINT>(-1)) return;
   const std::wstring name = ItemText(item);
+  const int height = item.rcItem.bottom - item.rcItem.top;
   LOGFONTW description{};
-  description.lfHeight = (item.rcItem.bottom - item.rcItem.top) * 4 / 5;
+  description.lfHeight = -height * 2 / 3;
   description.lfCharSet = DEFAULT_CHARSET;
   name.copy(description.lfFaceName, LF_FACESIZE - 1);
   const HFONT font = CreateFontIndirectW(&description);
   const HGDIOBJ before = SelectObject(item.hDC, font);
-  DrawLabel(item, name, item.rcItem.left + 4);
+  if (!HasLettersOf(item.hDC, name)) SelectObject(item.hDC, before);
+  const UINT align_before = SetTextAlign(item.hDC, TA_LEFT | TA_BASELINE);
+  ExtTextOutW(item.hDC, item.rcItem.left + 4, item.rcItem.top + height * 3 / 4, ETO_CLIPPED,
+              &item.rcItem, name.c_str(), static_cast<UINT>(name.size()), nullptr);
+  SetTextAlign(item.hDC, align_before);
   SelectObject(item.hDC, before);
   DeleteObject(font);
   DrawFocus(item);

@@ -6,7 +6,7 @@
 
 namespace kerno {
 
-// A face's name, in the list in that face.
+// A face's name, in the list in that face where it has the letters.
 void DrawFaceItem(const DRAWITEMSTRUCT& item);
 
 // A swatch of the colour that is the item's data, and its name.

@@ -11,6 +11,7 @@
 #include "app/dialog.h"
 #include "platform/drawing.h"
 #include "platform/win32/windows_api.h"
+#include "ui/win32/face_suggestions.h"
 #include "ui/win32/progress_window.h"
 #include "ui/win32/text_box.h"
 
@@ -26,6 +27,12 @@ class MainWindow final : private DialogView {
 
   // Shows it, opens the files, and runs until it is closed. The program's exit status.
   int Run(int show, const std::vector<std::filesystem::path>& files);
+
+  // Gives one message of the loop to the lists, keys and controls of the window.
+  void Dispatch(MSG& message);
+
+  HWND window() const { return window_; }
+  Dialog& dialog() { return *dialog_; }
 
  private:
   // DialogView
@@ -53,6 +60,12 @@ class MainWindow final : private DialogView {
   void MoveWindow(const WindowRect& rect) override;
   void CloseWindow() override;
 
+  static constexpr UINT kShowMessages = WM_APP + 1;  // messages wait to be shown
+  static constexpr UINT kFillFaces = WM_APP + 2;     // the window stands
+  static constexpr UINT kDropped = WM_APP + 3;       // the drag's source has its answer
+  static constexpr UINT_PTR kDueTimer = 1;
+  static constexpr int kListRow = 20;  // of the lists with pictures, in pixels of the first density
+
   // Messages
   static INT_PTR CALLBACK DialogProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
   static LRESULT CALLBACK PreviewProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
@@ -60,6 +73,7 @@ class MainWindow final : private DialogView {
   INT_PTR Receive(UINT message, WPARAM wparam, LPARAM lparam);
   LRESULT ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam);
   void InitDialog();
+  void LearnDensity();
   void AddSystemMenuEntry();
   void MakeMenu();
   void MakeAccelerators();
@@ -68,15 +82,24 @@ class MainWindow final : private DialogView {
   bool Notify(const NMHDR& header);
   void DrawItem(const DRAWITEMSTRUCT& item);
   void Dropped(HDROP drop);
+  void OfferFaces(int notification);
   void LayOut();
+  int LayOutSettings(int top, int right);
+  void SizeItems();
   void SizeDropDowns();
+  int RowsBelow(ControlId combo) const;
+  void DensityChanged(int dpi, const RECT& place);
   void PaintIcon();
   void PaintPreview(HDC dc);
   bool PreviewKey(WPARAM key);
   void ShowWaitingMessages();
+  bool EndsShortcut(const MSG& message);
   bool SwallowsEscape(const MSG& message) const;
 
   HWND Item(ControlId id) const { return GetDlgItem(window_, static_cast<int>(id)); }
+  LRESULT Send(ControlId id, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const {
+    return SendMessageW(Item(id), message, wparam, lparam);
+  }
   int Scaled(int units) const;
   std::u16string TextOf(ControlId id) const;
   std::u16string ComboText(ControlId id, int notification) const;
@@ -87,14 +110,22 @@ class MainWindow final : private DialogView {
   HACCEL accelerators_ = nullptr;
   HICON icon_ = nullptr;
   HICON small_icon_ = nullptr;
+  int dpi_ = USER_DEFAULT_SCREEN_DPI;
+  int first_dpi_ = USER_DEFAULT_SCREEN_DPI;  // for which the dialog's own font was made
+  LOGFONTW first_font_{};
+  HFONT font_ = nullptr;  // in its place since the density changed
   std::optional<TextBox> text_;
+  std::optional<FaceSuggestions> suggestions_;
   std::optional<ProgressWindow> progress_;
   std::unique_ptr<Dialog> dialog_;
   std::unique_ptr<BitmapSurface> picture_;  // of the preview
   bool picture_is_stale_ = true;
   bool shows_ = false;  // what comes from the controls meanwhile is an echo
   bool closing_ = false;
-  bool ready_ = false;  // the controls are there
+  bool alt_was_used_ = false;  // with another key, since it went down
+  bool ready_ = false;         // the controls are there
+  std::u16string shown_face_;
+  Color shown_color_ = 0;
   StatusKind status_kind_ = StatusKind::kNormal;
   std::optional<POINT> drag_from_;
   std::vector<std::wstring> messages_;  // to be shown when the event under way is over

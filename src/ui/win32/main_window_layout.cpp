@@ -1,4 +1,4 @@
-// Where the controls stand, and the preview's own painting and input.
+// Where the controls stand, and how large they and their lists are.
 
 #include <algorithm>
 
@@ -9,12 +9,20 @@
 namespace kerno {
 namespace {
 
-constexpr double kDensity = 1;   // the frame counts in the screen's own pixels
-constexpr double kKeyStep = 40;  // pixels by an arrow key
+// Lengths in pixels of the first density.
+constexpr int kGap = 8;
+constexpr int kButtonWidth = 80;
+constexpr int kButtonHeight = 26;
+constexpr int kLabelWidth = 44;
+constexpr int kNumberWidth = 90;
+constexpr int kSpinWidth = 18;
+constexpr int kCheckWidth = 110;
+constexpr int kColorWidth = 170;
+constexpr int kStatusHeight = 36;  // two lines
+constexpr int kLowestText = 60;
 
-constexpr ControlId kButtons[] = {ControlId::kDxf, ControlId::kSvg,    ControlId::kIpx,
-                                  ControlId::kDib, ControlId::kUpload, ControlId::kEmf,
-                                  ControlId::kIpl};
+constexpr ControlId kCombos[] = {ControlId::kHeightList, ControlId::kFace, ControlId::kFirstColor,
+                                 ControlId::kSecondColor};
 
 bool IsShown(HWND control) {
   return (GetWindowLongPtrW(control, GWL_STYLE) & WS_VISIBLE) != 0;
@@ -25,6 +33,12 @@ void Place(HWND control, int left, int top, int width, int height) {
                SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+int HeightOf(HWND control) {
+  RECT place{};
+  GetWindowRect(control, &place);
+  return place.bottom - place.top;
+}
+
 }  // namespace
 
 // Text and paste button at the top, two rows of settings, the preview, the status, the outputs.
@@ -32,54 +46,27 @@ void MainWindow::LayOut() {
   if (!ready_ || IsIconic(window_)) return;
   RECT client{};
   GetClientRect(window_, &client);
-  const int gap = Scaled(8);
-  const int row = Scaled(26);
-  const int button = Scaled(80);
-  const int width = client.right - 2 * gap;
-  const int status = Scaled(36);
-  const int below = client.bottom - gap - row;  // where the row of buttons begins
-  const int text_height = std::max(Scaled(60), static_cast<int>(client.bottom) / 5);
-  int y = gap;
+  const int gap = Scaled(kGap);
+  const int button = Scaled(kButtonWidth);
+  const int button_height = Scaled(kButtonHeight);
+  const int right = client.right - gap;
+  const int text_height = std::max(Scaled(kLowestText), static_cast<int>(client.bottom) / 5);
+  Place(Item(ControlId::kText), gap, gap, right - button - 2 * gap, text_height);
+  Place(Item(ControlId::kPaste), right - button, gap, button, button_height);
+  const int settings = LayOutSettings(gap + text_height + gap, right);
 
-  Place(Item(ControlId::kText), gap, y, width - button - gap, text_height);
-  Place(Item(ControlId::kPaste), client.right - gap - button, y, button, row);
-  y += text_height + gap;
-
-  const int label = Scaled(44);
-  const int number = Scaled(90);
-  const int vertical = Scaled(44);
-  const int spin = Scaled(18);
-  const int drop = client.bottom;  // the list's own length is set elsewhere
+  const int buttons = client.bottom - gap - button_height;
+  const int status = buttons - gap / 2 - Scaled(kStatusHeight);
+  Place(Item(ControlId::kPreview), gap, settings, right - gap, status - gap / 2 - settings);
+  Place(Item(ControlId::kStatus), gap, status, right - gap, Scaled(kStatusHeight));
   int x = gap;
-  const int face = width - 2 * label - vertical - 2 * number - spin - 4 * gap;
-  Place(Item(ControlId::kFaceLabel), x, y + Scaled(4), label, row);
-  Place(Item(ControlId::kFace), x += label, y, face, drop);
-  Place(Item(ControlId::kVertical), x += face + gap, y, vertical, row);
-  Place(Item(ControlId::kHeightLabel), x += vertical + gap, y + Scaled(4), label, row);
-  Place(Item(ControlId::kHeightList), x += label, y, number, drop);
-  Place(Item(ControlId::kHeightEdit), x += number + gap, y, number, row);
-  Place(Item(ControlId::kHeightSpin), x += number, y, spin, row);
-  y += row + gap;
-
-  const int check = Scaled(110);
-  const int color = Scaled(170);
-  Place(Item(ControlId::kPolyPolygon), gap, y, check, row);
-  Place(Item(ControlId::kFirstColor), gap + check, y, color, drop);
-  Place(Item(ControlId::kSecondColor), gap + check + color + gap, y, color, drop);
-  y += row + gap;
-
-  const int preview = below - status - 2 * gap - y;
-  Place(Item(ControlId::kPreview), gap, y, width, preview);
-  Place(Item(ControlId::kStatus), gap, below - status - gap / 2, width, status);
-
-  x = gap;
-  for (const ControlId id : kButtons) {
+  for (const ControlId id : OutputButtons()) {
     const HWND control = Item(id);
     if (!IsShown(control)) continue;
-    Place(control, x, below, button, row);
+    Place(control, x, buttons, button, button_height);
     x += button + gap;
   }
-  Place(Item(ControlId::kQuit), client.right - gap - button, below, button, row);
+  Place(Item(ControlId::kQuit), right - button, buttons, button, button_height);
 
   RECT frame{};
   GetClientRect(Item(ControlId::kPreview), &frame);
@@ -88,141 +75,88 @@ void MainWindow::LayOut() {
   InvalidateRect(window_, nullptr, TRUE);
 }
 
-void MainWindow::SizeDropDowns() {
-  if (!ready_ || IsIconic(window_)) return;
+// The two rows from `top` down to the end of the window's lines at `right`. Where the preview may
+// begin.
+int MainWindow::LayOutSettings(int top, int right) {
   RECT client{};
   GetClientRect(window_, &client);
-  for (const ControlId id : {ControlId::kHeightList, ControlId::kFace, ControlId::kFirstColor,
-                             ControlId::kSecondColor}) {
-    const HWND combo = Item(id);
-    RECT place{};
-    GetWindowRect(combo, &place);
-    POINT top = {place.left, place.top};
-    ScreenToClient(window_, &top);
-    const auto item = static_cast<int>(SendMessageW(combo, CB_GETITEMHEIGHT, 0, 0));
-    const int rows = DropDownRows(client.bottom, top.y, item);
-    SendMessageW(combo, CB_SETMINVISIBLE, static_cast<WPARAM>(rows), 0);
+  const int drop = client.bottom;                    // the list's own length is set elsewhere
+  const int row = HeightOf(Item(ControlId::kFace));  // a combo box keeps the height of its field
+  const int gap = Scaled(kGap);
+  const int label = Scaled(kLabelWidth);
+  const int number = Scaled(kNumberWidth);
+  const int spin = Scaled(kSpinWidth);
+
+  const int height_edit = right - spin - number;
+  const int height_list = height_edit - gap - number;
+  const int height_label = height_list - label;
+  const int vertical = height_label - gap - label;
+  const int face = gap + label;
+  Place(Item(ControlId::kFaceLabel), gap, top, label, row);
+  Place(Item(ControlId::kFace), face, top, vertical - gap - face, drop);
+  Place(Item(ControlId::kVertical), vertical, top, label, row);
+  Place(Item(ControlId::kHeightLabel), height_label, top, label, row);
+  Place(Item(ControlId::kHeightList), height_list, top, number, drop);
+  Place(Item(ControlId::kHeightEdit), height_edit, top, number, row);
+  Place(Item(ControlId::kHeightSpin), right - spin, top, spin, row);
+  top += row + gap;
+
+  const int check = Scaled(kCheckWidth);
+  const int color = Scaled(kColorWidth);
+  Place(Item(ControlId::kPolyPolygon), gap, top, check, row);
+  Place(Item(ControlId::kFirstColor), gap + check, top, color, drop);
+  Place(Item(ControlId::kSecondColor), gap + check + color + gap, top, color, drop);
+  return top + row + gap;
+}
+
+// The height list is as high as its font wants; the combo boxes that draw their own items stand in
+// line with it.
+void MainWindow::SizeItems() {
+  const LRESULT field = Send(ControlId::kHeightList, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1));
+  for (const ControlId id : kCombos) {
+    if (id == ControlId::kHeightList) continue;
+    Send(id, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), field);
+    const int excess = HeightOf(Item(id)) - HeightOf(Item(ControlId::kHeightList));
+    Send(id, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), field - excess);
+    Send(id, CB_SETITEMHEIGHT, 0, Scaled(kListRow));
   }
 }
 
-void MainWindow::PaintPreview(HDC dc) {
-  RECT frame{};
-  GetClientRect(Item(ControlId::kPreview), &frame);
-  if (frame.right <= 0 || frame.bottom <= 0) return;
-  if (!picture_ || picture_is_stale_) {
-    const Color paper = dialog_->PaperBehind(GetSysColor(COLOR_WINDOW));
-    picture_ = CreateBitmapSurface(frame.right, frame.bottom, paper);
-    if (!picture_) return;
-    dialog_->PaintPreview(picture_->Context(), kDensity);
-    picture_is_stale_ = false;
-  }
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = picture_->Width();
-  info.bmiHeader.biHeight = -picture_->Height();
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 32;
-  info.bmiHeader.biCompression = BI_RGB;
-  const std::span<const uint8_t> pixels = picture_->Pixels();
-  SetDIBitsToDevice(dc, 0, 0, static_cast<DWORD>(picture_->Width()),
-                    static_cast<DWORD>(picture_->Height()), 0, 0, 0,
-                    static_cast<UINT>(picture_->Height()), pixels.data(), &info, DIB_RGB_COLORS);
-  if (GetFocus() == Item(ControlId::kPreview)) DrawFocusRect(dc, &frame);
+int MainWindow::RowsBelow(ControlId combo) const {
+  RECT client{};
+  GetClientRect(window_, &client);
+  RECT place{};
+  GetWindowRect(Item(combo), &place);
+  POINT top = {place.left, place.top};
+  ScreenToClient(window_, &top);
+  return DropDownRows(client.bottom, top.y, static_cast<int>(Send(combo, CB_GETITEMHEIGHT)));
 }
 
-LRESULT CALLBACK MainWindow::PreviewProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
-                                         UINT_PTR id, DWORD_PTR self) {
-  if (message == WM_NCDESTROY) RemoveWindowSubclass(window, PreviewProc, id);
-  return reinterpret_cast<MainWindow*>(self)->ReceiveInPreview(message, wparam, lparam);
+void MainWindow::SizeDropDowns() {
+  if (!ready_ || IsIconic(window_)) return;
+  for (const ControlId id : kCombos) {
+    Send(id, CB_SETMINVISIBLE, static_cast<WPARAM>(RowsBelow(id)));
+  }
 }
 
-LRESULT MainWindow::ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam) {
-  const HWND preview = Item(ControlId::kPreview);
-  if (!dialog_) return DefSubclassProc(preview, message, wparam, lparam);
-  switch (message) {
-    case WM_PAINT: {
-      PAINTSTRUCT paint{};
-      PaintPreview(BeginPaint(preview, &paint));
-      EndPaint(preview, &paint);
-      return 0;
-    }
-    case WM_ERASEBKGND:
-      return 1;
-    case WM_GETDLGCODE:
-      return DLGC_WANTARROWS | DLGC_WANTCHARS;
-    case WM_SETFOCUS:
-    case WM_KILLFOCUS:
-      InvalidateRect(preview, nullptr, FALSE);
-      return 0;
-    case WM_MOUSEWHEEL: {
-      POINT at = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
-      ScreenToClient(preview, &at);
-      dialog_->PreviewZoomed(at.x, at.y,
-                             static_cast<double>(GET_WHEEL_DELTA_WPARAM(wparam)) / WHEEL_DELTA);
-      return 0;
-    }
-    case WM_LBUTTONDOWN:
-      SetFocus(preview);
-      SetCapture(preview);
-      drag_from_ = POINT{GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
-      return 0;
-    case WM_MOUSEMOVE: {
-      if (!drag_from_) return 0;
-      const POINT at = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
-      dialog_->PreviewDragged(at.x - drag_from_->x, at.y - drag_from_->y);
-      drag_from_ = at;
-      return 0;
-    }
-    case WM_LBUTTONUP:
-    case WM_CAPTURECHANGED:
-      drag_from_.reset();
-      if (message == WM_LBUTTONUP) ReleaseCapture();
-      return 0;
-    case WM_LBUTTONDBLCLK:
-      dialog_->PreviewDoubleClicked();
-      return 0;
-    case WM_KEYDOWN:
-      if (PreviewKey(wparam)) return 0;
-      break;
-    default:
-      break;
+// The window has come to a screen of another density, where `place` is its due place.
+void MainWindow::DensityChanged(int dpi, const RECT& place) {
+  dpi_ = dpi;
+  LOGFONTW description = first_font_;
+  description.lfHeight = MulDiv(first_font_.lfHeight, dpi, first_dpi_);
+  const HFONT font = CreateFontIndirectW(&description);
+  for (HWND control = GetWindow(window_, GW_CHILD); control != nullptr;
+       control = GetWindow(control, GW_HWNDNEXT)) {
+    if (control == text_->control()) continue;  // it shows the chosen face
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   }
-  return DefSubclassProc(preview, message, wparam, lparam);
-}
-
-bool MainWindow::PreviewKey(WPARAM key) {
-  RECT frame{};
-  GetClientRect(Item(ControlId::kPreview), &frame);
-  const double x = frame.right / 2.0;
-  const double y = frame.bottom / 2.0;
-  switch (key) {
-    case VK_ADD:
-    case VK_OEM_PLUS:
-      dialog_->PreviewZoomed(x, y, 1);
-      return true;
-    case VK_SUBTRACT:
-    case VK_OEM_MINUS:
-      dialog_->PreviewZoomed(x, y, -1);
-      return true;
-    case '0':
-    case VK_NUMPAD0:
-      dialog_->PreviewDoubleClicked();
-      return true;
-    case VK_LEFT:
-      dialog_->PreviewDragged(kKeyStep, 0);
-      return true;
-    case VK_RIGHT:
-      dialog_->PreviewDragged(-kKeyStep, 0);
-      return true;
-    case VK_UP:
-      dialog_->PreviewDragged(0, kKeyStep);
-      return true;
-    case VK_DOWN:
-      dialog_->PreviewDragged(0, -kKeyStep);
-      return true;
-    default:
-      return false;
-  }
+  if (font_ != nullptr) DeleteObject(font_);
+  font_ = font;
+  ShowTextFormat(shown_face_, shown_color_);
+  SizeItems();
+  MoveWindow({place.left, place.top, place.right, place.bottom});
+  LayOut();
+  SizeDropDowns();
 }
 
 }  // namespace kerno

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "app/controls.h"
+#include "app/raised.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/main_window.h"
 #include "ui/win32/resource.h"
@@ -10,22 +11,6 @@
 
 namespace kerno {
 namespace {
-
-constexpr UINT kShowMessages = WM_APP + 1;
-constexpr UINT_PTR kDueTimer = 1;
-
-// True while it lives.
-class Raised {
- public:
-  explicit Raised(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
-  ~Raised() { flag_ = before_; }
-  Raised(const Raised&) = delete;
-  Raised& operator=(const Raised&) = delete;
-
- private:
-  bool& flag_;
-  bool before_;
-};
 
 struct AboutTexts {
   std::wstring version;
@@ -84,7 +69,9 @@ void MainWindow::ShowText(std::u16string_view text, TextChange change) {
 
 void MainWindow::ShowTextFormat(std::u16string_view face, Color color) {
   const Raised raised(shows_);
-  text_->ShowFormat(face, color);
+  shown_face_ = std::u16string(face);
+  shown_color_ = color;
+  text_->ShowFormat(face, color, dpi_);
 }
 
 void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
@@ -99,6 +86,7 @@ void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
   SetWindowTextW(combo, ToWide(typed).c_str());
   SendMessageW(combo, WM_SETREDRAW, TRUE, 0);
   InvalidateRect(combo, nullptr, TRUE);
+  suggestions_->SetFaces(faces);
 }
 
 void MainWindow::ShowControlText(ControlId id, std::u16string_view text) {

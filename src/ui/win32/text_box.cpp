@@ -1,5 +1,7 @@
 #include "ui/win32/text_box.h"
 
+#include <tom.h>
+
 #include <algorithm>
 
 #include "app/color_choices.h"
@@ -10,9 +12,35 @@
 namespace kerno {
 namespace {
 
-constexpr UINT kUtf16 = 1200;          // the code page number of UTF-16
-constexpr LONG kTextHeight = 14 * 20;  // in twentieths of a point
+// ITextDocument, whose identity no import library has.
+constexpr GUID kTextDocument = {
+    0x8CC497C0, 0xA1DF, 0x11CE, {0x80, 0x98, 0x00, 0xAA, 0x00, 0x47, 0xBE, 0x5D}};
+constexpr UINT kUtf16 = 1200;         // the code page number of UTF-16
+constexpr int kTextHeight = 14 * 20;  // in twentieths of a point
 constexpr LPARAM kLongestText = 0x7FFFFFFE;
+
+// While it lives, changes of the control are nothing that the user can undo.
+class NothingToUndo {
+ public:
+  explicit NothingToUndo(HWND control) {
+    IUnknown* object = nullptr;
+    SendMessageW(control, EM_GETOLEINTERFACE, 0, reinterpret_cast<LPARAM>(&object));
+    if (object == nullptr) return;
+    object->QueryInterface(kTextDocument, reinterpret_cast<void**>(&document_));
+    object->Release();
+    if (document_ != nullptr) document_->Undo(tomSuspend, nullptr);
+  }
+  ~NothingToUndo() {
+    if (document_ == nullptr) return;
+    document_->Undo(tomResume, nullptr);
+    document_->Release();
+  }
+  NothingToUndo(const NothingToUndo&) = delete;
+  NothingToUndo& operator=(const NothingToUndo&) = delete;
+
+ private:
+  ITextDocument* document_ = nullptr;
+};
 
 // The control ends its lines with U+000D.
 std::wstring WithReturns(std::u16string_view text) {
@@ -24,7 +52,7 @@ std::wstring WithReturns(std::u16string_view text) {
 }  // namespace
 
 TextBox::TextBox(HWND control) : control_(control) {
-  // Plain text has one format for all of it, which is no step of the undo list.
+  // Plain text has one format for all of it.
   SendMessageW(control_, EM_SETTEXTMODE, TM_PLAINTEXT | TM_MULTILEVELUNDO | TM_MULTICODEPAGE, 0);
   SendMessageW(control_, EM_EXLIMITTEXT, 0, kLongestText);
   const auto mask = static_cast<DWORD>(SendMessageW(control_, EM_GETEVENTMASK, 0, 0));
@@ -70,15 +98,17 @@ void TextBox::ShowText(std::u16string_view text, TextChange change) {
   SendMessageW(control_, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(wide.c_str()));
 }
 
-void TextBox::ShowFormat(std::u16string_view face, Color color) {
+void TextBox::ShowFormat(std::u16string_view face, Color color, int dpi) {
   CHARFORMAT2W format{};
   format.cbSize = sizeof format;
   format.dwMask = CFM_FACE | CFM_COLOR | CFM_SIZE | CFM_CHARSET;
-  format.yHeight = kTextHeight;
+  // The control counts in points of the system's density, wherever its window stands.
+  format.yHeight = MulDiv(kTextHeight, dpi, static_cast<int>(GetDpiForSystem()));
   format.crTextColor = color;
   format.bCharSet = DEFAULT_CHARSET;
   const std::u16string_view name = face.substr(0, kMaxFaceName);
   std::copy(name.begin(), name.end(), format.szFaceName);
+  const NothingToUndo quiet(control_);
   SendMessageW(control_, EM_SETCHARFORMAT, SCF_DEFAULT, reinterpret_cast<LPARAM>(&format));
   SendMessageW(control_, EM_SETCHARFORMAT, SCF_ALL, reinterpret_cast<LPARAM>(&format));
   const Color paper = PaperFor(color, GetSysColor(COLOR_WINDOW));

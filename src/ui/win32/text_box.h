@@ -19,7 +19,7 @@ class TextBox {
   void ShowText(std::u16string_view text, TextChange change);
 
   // Text, undo, caret, selection and an input method's composition stay.
-  void ShowFormat(std::u16string_view face, Color color);
+  void ShowFormat(std::u16string_view face, Color color, int dpi);
 
   // Whether an input method is composing: what it shows is not typed yet.
   bool IsComposing() const;

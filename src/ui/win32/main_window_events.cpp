@@ -1,0 +1,223 @@
+// What the system and the controls tell the main window, handed on to the dialog.
+
+#include <algorithm>
+
+#include "app/controls.h"
+#include "platform/win32/wide_text.h"
+#include "ui/win32/control_drawing.h"
+#include "ui/win32/main_window.h"
+#include "ui/win32/windows_controls.h"
+
+namespace kerno {
+namespace {
+
+// Events of edits and lists that tell of a change by the user.
+bool IsComboChange(int notification) {
+  return notification == CBN_EDITCHANGE || notification == CBN_SELCHANGE;
+}
+
+}  // namespace
+
+INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
+  if (!dialog_) return FALSE;
+  switch (message) {
+    case WM_SYSCOMMAND:
+      if (static_cast<int>(wparam & 0xFFF0) != static_cast<int>(MenuCommand::kAbout)) return FALSE;
+      dialog_->Chosen(MenuCommand::kAbout);
+      return TRUE;
+    case WM_PAINT:
+      if (!IsIconic(window_)) return FALSE;
+      PaintIcon();
+      return TRUE;
+    case WM_QUERYDRAGICON:  // one of the few messages whose result is the procedure's own
+      return reinterpret_cast<INT_PTR>(icon_);
+    case WM_DROPFILES:
+      PostMessageW(window_, kDropped, wparam, 0);
+      return TRUE;
+    case WM_SIZE:
+      LayOut();
+      SizeDropDowns();
+      return TRUE;
+    case WM_MOVE:
+    case WM_ACTIVATE:
+      suggestions_->Hide();
+      return FALSE;
+    case WM_DPICHANGED:
+      DensityChanged(LOWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
+      return TRUE;
+    case WM_GETMINMAXINFO:
+      reinterpret_cast<MINMAXINFO*>(lparam)->ptMinTrackSize = {Scaled(560), Scaled(420)};
+      return TRUE;
+    case WM_COMMAND:
+      return Command(LOWORD(wparam), HIWORD(wparam)) ? TRUE : FALSE;
+    case WM_NOTIFY:
+      return Notify(*reinterpret_cast<const NMHDR*>(lparam)) ? TRUE : FALSE;
+    case WM_DRAWITEM:
+      DrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
+      return TRUE;
+    case WM_CTLCOLORSTATIC:
+      if (reinterpret_cast<HWND>(lparam) != Item(ControlId::kStatus)) return FALSE;
+      return reinterpret_cast<INT_PTR>(StatusBrush(reinterpret_cast<HDC>(wparam), status_kind_));
+    case WM_TIMER:
+      if (wparam != kDueTimer) return FALSE;
+      KillTimer(window_, kDueTimer);
+      dialog_->Due();
+      return TRUE;
+    case WM_SYSCOLORCHANGE:
+      RepaintPreview();
+      return FALSE;
+    case WM_CLOSE:
+    case WM_ENDSESSION:
+      if (message == WM_ENDSESSION && wparam == FALSE) return FALSE;
+      closing_ = true;
+      dialog_->Close();
+      PostQuitMessage(0);
+      return TRUE;
+    case kFillFaces:
+      dialog_->FillFaces();
+      SizeDropDowns();
+      return TRUE;
+    case kDropped:
+      Dropped(reinterpret_cast<HDROP>(wparam));
+      return TRUE;
+    case kShowMessages:
+      ShowWaitingMessages();
+      return TRUE;
+    default:
+      return FALSE;
+  }
+}
+
+void MainWindow::PaintIcon() {
+  PAINTSTRUCT paint{};
+  const HDC dc = BeginPaint(window_, &paint);
+  RECT client{};
+  GetClientRect(window_, &client);
+  DrawIcon(dc, (client.right - GetSystemMetrics(SM_CXICON) + 1) / 2,
+           (client.bottom - GetSystemMetrics(SM_CYICON) + 1) / 2, icon_);
+  EndPaint(window_, &paint);
+}
+
+std::u16string MainWindow::TextOf(ControlId id) const {
+  const HWND item = Item(id);
+  std::wstring text(static_cast<size_t>(GetWindowTextLengthW(item)) + 1, L'\0');
+  const int length = GetWindowTextW(item, text.data(), static_cast<int>(text.size()));
+  text.resize(static_cast<size_t>(length));
+  return FromWide(text);
+}
+
+// While a selection is told the combo's edit still holds what was in it before.
+std::u16string MainWindow::ComboText(ControlId id, int notification) const {
+  const LRESULT selected = Send(id, CB_GETCURSEL);
+  if (notification != CBN_SELCHANGE || selected == CB_ERR) return TextOf(id);
+  const auto index = static_cast<WPARAM>(selected);
+  const LRESULT length = Send(id, CB_GETLBTEXTLEN, index);
+  std::wstring text(static_cast<size_t>(std::max<LRESULT>(length, 0)) + 1, L'\0');
+  Send(id, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(text.data()));
+  text.resize(text.size() - 1);
+  return FromWide(text);
+}
+
+void MainWindow::ComboChanged(ControlId id, int notification) {
+  const LRESULT selected = Send(id, CB_GETCURSEL);
+  switch (id) {
+    case ControlId::kFace:
+      return dialog_->FaceChanged(ComboText(id, notification));
+    case ControlId::kHeightList:
+      return dialog_->HeightListChanged(ComboText(id, notification));
+    case ControlId::kFirstColor:
+      if (selected >= 0) dialog_->FirstColorSelected(static_cast<size_t>(selected));
+      return;
+    default:
+      if (selected >= 0) dialog_->SecondColorSelected(static_cast<size_t>(selected));
+  }
+}
+
+bool MainWindow::Command(int number, int notification) {
+  const auto id = static_cast<ControlId>(number);
+  switch (id) {
+    case ControlId::kOk:
+      return true;  // Enter in a field presses it, and it does nothing
+    case ControlId::kText:
+      if (notification != EN_CHANGE) return false;
+      if (!shows_ && !text_->IsComposing()) dialog_->TextChanged(text_->Text());
+      return true;
+    case ControlId::kFace:
+    case ControlId::kHeightList:
+    case ControlId::kFirstColor:
+    case ControlId::kSecondColor:
+      if (IsComboChange(notification) && !shows_) ComboChanged(id, notification);
+      if (id == ControlId::kFace && !shows_) OfferFaces(notification);
+      return true;
+    case ControlId::kHeightEdit:
+      if (notification != EN_CHANGE) return false;
+      if (!shows_) dialog_->HeightEditChanged(TextOf(id));
+      return true;
+    case ControlId::kVertical:
+      dialog_->VerticalClicked(IsDlgButtonChecked(window_, number) == BST_CHECKED);
+      return true;
+    case ControlId::kPolyPolygon:
+      dialog_->PolyPolygonClicked(IsDlgButtonChecked(window_, number) == BST_CHECKED);
+      return true;
+    case ControlId::kPreview:
+    case ControlId::kStatus:
+    case ControlId::kFaceLabel:
+    case ControlId::kHeightLabel:
+      return false;
+    default:
+      break;
+  }
+  for (const MenuColumn& column : Menu()) {
+    for (const MenuRow& row : column.rows) {
+      if (static_cast<int>(row.command) != number) continue;
+      dialog_->Chosen(row.command);
+      return true;
+    }
+  }
+  for (const ControlRow& row : Controls()) {
+    if (row.id == id) dialog_->Pressed(id);
+  }
+  return true;
+}
+
+// While a name is typed the faces that hold it are offered; anything else puts the offer away.
+void MainWindow::OfferFaces(int notification) {
+  if (notification == CBN_EDITCHANGE) {
+    suggestions_->Offer(TextOf(ControlId::kFace), RowsBelow(ControlId::kFace), Scaled(kListRow));
+  } else if (notification != CBN_EDITUPDATE && notification != CBN_SETFOCUS) {
+    suggestions_->Hide();
+  }
+}
+
+bool MainWindow::Notify(const NMHDR& header) {
+  if (header.code != static_cast<UINT>(UDN_DELTAPOS) ||
+      header.idFrom != static_cast<UINT_PTR>(ControlId::kHeightSpin)) {
+    return false;
+  }
+  dialog_->HeightStepped(reinterpret_cast<const NMUPDOWN&>(header).iDelta);
+  SetWindowLongPtrW(window_, DWLP_MSGRESULT, TRUE);  // the edit holds the number, not the control
+  return true;
+}
+
+void MainWindow::DrawItem(const DRAWITEMSTRUCT& item) {
+  if (item.hwndItem == Item(ControlId::kFace) || item.hwndItem == suggestions_->list()) {
+    DrawFaceItem(item);
+  } else {
+    DrawColorItem(item);
+  }
+}
+
+void MainWindow::Dropped(HDROP drop) {
+  std::vector<std::filesystem::path> files;
+  const UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
+  for (UINT i = 0; i < count; ++i) {
+    std::wstring name(static_cast<size_t>(DragQueryFileW(drop, i, nullptr, 0)) + 1, L'\0');
+    const UINT length = DragQueryFileW(drop, i, name.data(), static_cast<UINT>(name.size()));
+    name.resize(length);
+    files.emplace_back(name);
+  }
+  DragFinish(drop);
+  dialog_->Dropped(files);
+}
+
+}  // namespace kerno
