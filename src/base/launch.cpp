@@ -70,6 +70,19 @@ bool IsProgram(const fs::path& path) {
   return !error && fs::is_regular_file(status) && (status.permissions() & kAny) != fs::perms::none;
 }
 
+bool IsText(const RegistryValue& value) {
+  return value.type == RegistryType::kString || value.type == RegistryType::kExpandableString;
+}
+
+// Paths stand there with quotes round them or without.
+fs::path PathOf(const RegistryValue& value) {
+  std::u16string_view text = value.text;
+  if (text.size() >= 2 && text.front() == u'"' && text.back() == u'"') {
+    text = text.substr(1, text.size() - 2);
+  }
+  return TextPath(text);
+}
+
 fs::path FromAppPaths(std::u16string_view name) {
   const std::u16string key = std::u16string(kAppPaths).append(name);
   RegistryValue value;
@@ -77,14 +90,14 @@ fs::path FromAppPaths(std::u16string_view name) {
   if (outcome == RegistryOutcome::kNoKey) return {};
   if (outcome == RegistryOutcome::kNoValue) {
     DumpText(kDumpName, u"Error RegQueryValueEx NULL");
-  } else if (value.type != RegistryType::kString) {
+  } else if (!IsText(value)) {
     DumpText(kDumpName, u"Error RegQueryValueEx @");
   }
-  fs::path program = TextPath(value.text);
+  fs::path program = PathOf(value);
   if (!IsWholePath(program)) {
     RegistryValue folder;
     QueryRegistry(RegistryRoot::kLocalMachine, key, u"path", &folder);
-    program = TextPath(folder.text) / TextPath(name);
+    program = PathOf(folder) / TextPath(name);
   }
   return IsWholePath(program) && IsFile(program) ? program : fs::path();
 }

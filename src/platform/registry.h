@@ -19,9 +19,10 @@ enum class RegistryRoot {
 };
 
 enum class RegistryType {
-  kString,  // REG_SZ
-  kDword,   // REG_DWORD
-  kOther,   // anything else; it can be kept but not read
+  kString,            // REG_SZ
+  kExpandableString,  // REG_EXPAND_SZ: read with the variables of the environment put in
+  kDword,             // REG_DWORD
+  kOther,             // anything else; it can be kept but not read
 };
 
 struct RegistryValue {

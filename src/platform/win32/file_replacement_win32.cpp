@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/file_replacement.h"
+#include "platform/folder_path.h"
 #include "platform/win32/handle.h"
 #include "platform/win32/long_path.h"
 #include "platform/win32/system_error.h"
@@ -20,6 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kNameTries = 100;
+constexpr size_t kLongestName = 255;  // units
 constexpr DWORD kLongestWrite = 1 << 26;
 
 // 0, or the error of the write that failed.
@@ -153,10 +155,18 @@ class RegularFile final : public FileReplacement {
 
   Status FolderError(DWORD error) const {
     Status status = SystemError(target_, error);
+    if (status.failure == Failure::kNotFound) status.why = WhyNoFolder(status.why);
     if (status.failure == Failure::kAccessDenied && error == ERROR_ACCESS_DENIED) {
       status.why = u"no permission to write in its folder";
     }
     return status;
+  }
+
+  std::u16string WhyNoFolder(const std::u16string& why) const {
+    for (const fs::path& level : FolderLevels(target_.parent_path())) {
+      if (PathExists(level) && !IsFolder(level)) return u"a part of the path is not a folder";
+    }
+    return why;
   }
 
   // The system denies access to the name of a file that is open elsewhere.
@@ -226,6 +236,10 @@ std::unique_ptr<FileReplacement> FileReplacement::Create(const fs::path& target,
   }
   fs::path place = LongPath(target);
   const DWORD attributes = GetFileAttributesW(place.c_str());
+  if (target.filename().native().size() > kLongestName) {
+    *status = PathError(target, u"the name is too long");
+    return nullptr;
+  }
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
     if (auto device = OpenDevice(target, target)) return device;
   } else {

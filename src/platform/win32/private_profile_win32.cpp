@@ -6,6 +6,7 @@
 #include "platform/file_replacement.h"
 #include "platform/held_file.h"
 #include "platform/private_profile.h"
+#include "platform/system.h"
 #include "platform/win32/long_path.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/wide_text.h"
@@ -25,23 +26,35 @@ constexpr size_t kLargestSize = size_t{1} << 24;
 // Without the mark a new file would hold 8-bit text.
 constexpr std::string_view kByteOrderMark = "\xFF\xFE";
 
-// A name without a folder would be looked for in the system's folder.
-fs::path ProfilePath(const fs::path& file) {
-  return LongPath(FullPath(file));
+// The functions take no long path: some systems then read and write elsewhere, and say nothing.
+bool IsLong(const fs::path& whole) {
+  return LongPath(whole) != whole;
 }
 
-// A copy of the file's text beside it, removed with its owner.
+// A copy of a file's text, removed with its owner: beside the file, or among the temporary files
+// when the file's path is long.
 class WorkingCopy {
  public:
   explicit WorkingCopy(const fs::path& file) {
     static std::atomic<unsigned> counter = 0;
     const std::wstring name = L".kerno-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
                               std::to_wstring(++counter) + L".ini";
-    path_ = ProfilePath(FullPath(file).parent_path() / name);
+    const fs::path whole = FullPath(file);
+    path_ = (IsLong(whole) ? CurrentSystem().TemporaryPath() : whole.parent_path()) / name;
   }
   ~WorkingCopy() { DeleteFileW(path_.c_str()); }
   WorkingCopy(const WorkingCopy&) = delete;
   WorkingCopy& operator=(const WorkingCopy&) = delete;
+
+  const fs::path& path() const { return path_; }
+
+  Status CopyOf(const fs::path& file) {
+    Status status;
+    std::string text;
+    const auto held = HeldFile::Open(file, Deny::kWrite, &status);
+    if (held) status = held->Read(&text);
+    return status.ok() ? Fill(text) : status;
+  }
 
   Status Fill(std::string_view text) { return ReplaceFile(path_, text); }
 
@@ -79,7 +92,13 @@ Status EditText(const fs::path& file, const std::vector<ProfileEdit>& edits,
 
 std::optional<std::u16string> ReadProfileString(const fs::path& file, std::u16string_view section,
                                                 std::u16string_view key, size_t most) {
-  const std::wstring path = ProfilePath(file).native();
+  // A name without a folder would be looked for in the system's folder.
+  const fs::path path = FullPath(file);
+  if (IsLong(path)) {
+    WorkingCopy copy(path);
+    return copy.CopyOf(path).ok() ? ReadProfileString(copy.path(), section, key, most)
+                                  : std::nullopt;
+  }
   std::wstring value(kFirstSize, L'\0');
   for (;;) {
     const DWORD length =
@@ -107,7 +126,7 @@ Status WriteProfile(const fs::path& file, const std::vector<ProfileEdit>& edits)
                               });
   if (!edited.ok()) return edited;
   // What the system keeps of the file as it was is out of date.
-  WritePrivateProfileStringW(nullptr, nullptr, nullptr, ProfilePath(file).c_str());
+  WritePrivateProfileStringW(nullptr, nullptr, nullptr, FullPath(file).c_str());
   return changed;
 }
 

@@ -47,6 +47,15 @@ std::u16string TextOf(const std::vector<uint8_t>& data) {
   return text;
 }
 
+// The text with the environment's variables ("%NAME%") put in.
+std::u16string Expanded(const std::u16string& text) {
+  const std::wstring wide = ToWide(text);
+  std::wstring expanded(ExpandEnvironmentStringsW(wide.c_str(), nullptr, 0), L'\0');
+  const DWORD size =
+      ExpandEnvironmentStringsW(wide.c_str(), expanded.data(), static_cast<DWORD>(expanded.size()));
+  return size != 0 && size <= expanded.size() ? FromWideBuffer(expanded.data(), size) : text;
+}
+
 // The value's type and bytes; its size is asked first.
 LSTATUS ReadValue(HKEY key, const std::wstring& name, DWORD* type, std::vector<uint8_t>* data) {
   DWORD size = 0;
@@ -86,6 +95,9 @@ RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u
   if (type == REG_SZ) {
     value->type = RegistryType::kString;
     value->text = TextOf(data);
+  } else if (type == REG_EXPAND_SZ) {
+    value->type = RegistryType::kExpandableString;
+    value->text = Expanded(TextOf(data));
   } else if (type == REG_DWORD && data.size() == sizeof value->number) {
     value->type = RegistryType::kDword;
     std::memcpy(&value->number, data.data(), sizeof value->number);
@@ -96,7 +108,8 @@ RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u
 RegistryOutcome SetRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
                             const RegistryValue& value, Status* why) {
   *why = Status::Ok();
-  if (value.type == RegistryType::kOther) return Failed(key, ERROR_INVALID_PARAMETER, why);
+  if (value.type != RegistryType::kString && value.type != RegistryType::kDword)
+    return Failed(key, ERROR_INVALID_PARAMETER, why);
   Key opened;
   LSTATUS error = RegCreateKeyExW(RootOf(root), ToWide(key).c_str(), 0, nullptr, 0, KEY_SET_VALUE,
                                   nullptr, opened.put(), nullptr);

@@ -40,6 +40,30 @@ std::wstring Joined(const std::vector<std::u16string>& parameters) {
   return line;
 }
 
+// Some of what the shell starts needs it.
+class ComApartment {
+ public:
+  ComApartment()
+      : made_(
+            SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {
+  }
+  ~ComApartment() {
+    if (made_) CoUninitialize();
+  }
+  ComApartment(const ComApartment&) = delete;
+  ComApartment& operator=(const ComApartment&) = delete;
+
+ private:
+  bool made_;
+};
+
+constexpr int kLastFailure = 32;  // of the shell's results
+
+int FailureOf(DWORD error) {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND ? static_cast<int>(error)
+                                                                        : SE_ERR_ACCESSDENIED;
+}
+
 class WindowsShell final : public Shell {
  public:
   int Execute(std::u16string_view verb, const fs::path& file,
@@ -54,8 +78,10 @@ class WindowsShell final : public Shell {
     request.lpParameters = line.empty() ? nullptr : line.c_str();
     request.lpDirectory = folder.empty() ? nullptr : folder.c_str();
     request.nShow = SW_SHOWNORMAL;
-    ShellExecuteExW(&request);
-    return static_cast<int>(reinterpret_cast<INT_PTR>(request.hInstApp));
+    const ComApartment apartment;
+    const bool done = ShellExecuteExW(&request) != 0;
+    const auto result = static_cast<int>(reinterpret_cast<INT_PTR>(request.hInstApp));
+    return done || result <= kLastFailure ? result : FailureOf(GetLastError());
   }
 
   bool StartProcess(const fs::path& file, const std::vector<std::u16string>& parameters,
@@ -80,7 +106,9 @@ class WindowsShell final : public Shell {
     const std::wstring path = ToWide(CurrentSystem().Environment(u"PATH").value_or(u""));
     for (size_t at = 0; at < path.size();) {
       const size_t end = std::min(path.find(L';', at), path.size());
-      if (end > at) folders.emplace_back(path.substr(at, end - at));
+      std::wstring folder = path.substr(at, end - at);
+      std::erase(folder, L'"');  // quotes may stand round a folder
+      if (!folder.empty()) folders.emplace_back(std::move(folder));
       at = end + 1;
     }
     return folders;

@@ -19,6 +19,11 @@ ByPath FindByPath() {
       reinterpret_cast<void*>(GetProcAddress(shell, "SHGetSpecialFolderPathW")));
 }
 
+// One route puts a separator at the end, the other does not.
+std::filesystem::path WithoutSeparator(const std::filesystem::path& folder) {
+  return folder.has_filename() || folder == folder.root_path() ? folder : folder.parent_path();
+}
+
 }  // namespace
 
 std::filesystem::path SpecialFolderByItemList(uint32_t id, MissingFolder missing) {
@@ -32,7 +37,7 @@ std::filesystem::path SpecialFolderByItemList(uint32_t id, MissingFolder missing
     allocator->Free(list);
     allocator->Release();
   }
-  return known ? std::filesystem::path(buffer.data()) : std::filesystem::path();
+  return known ? WithoutSeparator(buffer.data()) : std::filesystem::path();
 }
 
 std::filesystem::path SpecialFolderPath(uint32_t id, MissingFolder missing) {
@@ -41,7 +46,7 @@ std::filesystem::path SpecialFolderPath(uint32_t id, MissingFolder missing) {
   std::array<wchar_t, kBufferSize> buffer{};
   const BOOL make = missing == MissingFolder::kMake;
   const bool known = by_path(nullptr, buffer.data(), static_cast<int>(id), make) != 0;
-  return known ? std::filesystem::path(buffer.data()) : std::filesystem::path();
+  return known ? WithoutSeparator(buffer.data()) : std::filesystem::path();
 }
 
 }  // namespace kerno

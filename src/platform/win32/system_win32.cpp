@@ -169,7 +169,7 @@ class WindowsSystem final : public System {
   fs::path CacheFolder() override { return OwnFolder(SpecialFolderId::kLocalAppData); }
 
   fs::path SpecialFolder(SpecialFolderId id, MissingFolder missing) override {
-    return WithoutSeparator(SpecialFolderPath(static_cast<uint32_t>(id), missing));
+    return SpecialFolderPath(static_cast<uint32_t>(id), missing);
   }
 
   bool IsSystemPlace(const fs::path& path) override {
@@ -217,7 +217,13 @@ Status TakeOverFolder(const fs::path& folder, const CurrentUser& user,
   error = SetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT,
                                 DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
                                 nullptr, nullptr, list, nullptr);
-  return error == ERROR_SUCCESS ? Status::Ok() : SystemError(folder, error);
+  if (error != ERROR_SUCCESS) return SystemError(folder, error);
+  // The call above tells what lies in the folder; some systems add to the list what the folder
+  // itself would inherit, which this one does not.
+  return SetFileSecurityW(name.c_str(),
+                          DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION, wanted)
+             ? Status::Ok()
+             : SystemError(folder, GetLastError());
 }
 
 Status WindowsSystem::MakePrivateFolder(const fs::path& folder) {

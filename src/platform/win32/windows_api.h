@@ -7,6 +7,7 @@
 #include <shellapi.h>
 #include <shlobj.h>
 #include <wininet.h>
+#include <objbase.h>
 // clang-format on
 
 #undef CopyFile

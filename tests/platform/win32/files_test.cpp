@@ -1,0 +1,182 @@
+// Paths, folders, files and profiles against what the system's own calls say of them.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "platform/file_replacement.h"
+#include "platform/folder_path.h"
+#include "platform/held_file.h"
+#include "platform/private_profile.h"
+#include "platform/scratch_file.h"
+#include "platform/win32/handle.h"
+#include "platform/win32/long_path.h"
+#include "platform/win32/windows_api.h"
+#include "support/temporary_folder.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+Handle OpenForReading(const fs::path& file, DWORD share) {
+  return Handle(CreateFileW(file.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
+std::string ReadThroughSystem(const fs::path& file) {
+  const Handle handle = OpenForReading(file, FILE_SHARE_READ);
+  std::array<char, 256> buffer{};
+  DWORD got = 0;
+  EXPECT_TRUE(ReadFile(handle.get(), buffer.data(), buffer.size(), &got, nullptr)) << file;
+  return {buffer.data(), got};
+}
+
+TEST(FolderPath, RootsAreNoLevels) {
+  const struct {
+    const wchar_t* path;
+    bool whole;
+    std::vector<fs::path> levels;
+  } rows[] = {
+      {L"C:\\", true, {}},
+      {L"C:", false, {}},
+      {L"C:\\a\\b", true, {L"C:\\a", L"C:\\a\\b"}},
+      {L"C:/a//b/", true, {L"C:/a", L"C:/a//b"}},
+      {L"C:a", false, {L"C:a"}},
+      {L"\\a", false, {L"\\a"}},
+      {L"a\\b", false, {L"a", L"a\\b"}},
+      {L"\\\\server", true, {}},
+      {L"\\\\server\\share", true, {}},
+      {L"\\\\server\\share\\a\\b", true, {L"\\\\server\\share\\a", L"\\\\server\\share\\a\\b"}},
+      {L"//server/share/a", true, {L"//server/share/a"}},
+      {L"\\\\?\\C:\\a", true, {L"\\\\?\\C:\\a"}},
+      {L"\\\\?\\UNC\\server\\share", true, {}},
+      {L"\\\\?\\unc\\server\\share\\a", true, {L"\\\\?\\unc\\server\\share\\a"}},
+      {L"", false, {}},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(IsWholePath(row.path), row.whole) << fs::path(row.path);
+    EXPECT_EQ(FolderLevels(row.path), row.levels) << fs::path(row.path);
+  }
+  EXPECT_EQ(WholePath(L"C:\\a\\.\\..\\b"), L"C:\\b");
+  EXPECT_EQ(WholePath(L"\\\\server\\share\\a\\..\\b"), L"\\\\server\\share\\b");
+}
+
+TEST(FolderPath, LongPathsGetThePrefix) {
+  const std::wstring name(120, L'n');
+  const std::wstring deep = name + L"\\" + name;
+  EXPECT_EQ(LongPath(L"C:\\a"), L"C:\\a");
+  EXPECT_EQ(LongPath(L"C:\\.\\" + deep).native(), L"\\\\?\\C:\\" + deep);
+  EXPECT_EQ(LongPath(L"\\\\s\\h\\" + deep).native(), L"\\\\?\\UNC\\s\\h\\" + deep);
+  EXPECT_EQ(LongPath(L"\\\\?\\C:\\" + deep).native(), L"\\\\?\\C:\\" + deep);
+  EXPECT_EQ(LongPath(L"NUL"), L"NUL");
+}
+
+TEST(FolderPath, FoldersAndFilesFarBeyondTheUsualLength) {
+  const test::TemporaryFolder root;
+  fs::path folder = root.path();
+  for (const wchar_t unit : {L'a', L'\u6C38', L'c', L'd'}) folder /= std::wstring(90, unit);
+  for (const fs::path& level : FolderLevels(folder)) EXPECT_TRUE(MakeFolder(level).ok()) << level;
+  EXPECT_TRUE(IsFolder(folder));
+  const fs::path file = folder / L"\u6C38\U0001F600.dxf";
+  ASSERT_GT(file.native().size(), 370u);
+  EXPECT_TRUE(ReplaceFile(file, "old").ok());
+  EXPECT_TRUE(ReplaceFile(file, "new").ok());
+  EXPECT_TRUE(AppendToFile(file, "start", "er").ok());
+  const fs::path by_prefix = L"\\\\?\\" + file.native();
+  EXPECT_EQ(ReadThroughSystem(by_prefix), "newer");
+  EXPECT_TRUE(CreateNewFile(folder / L"n", "x").ok());
+  EXPECT_EQ(CreateNewFile(folder / L"n", "x").failure, Failure::kSharingViolation);
+  EXPECT_TRUE(WriteProfile(folder / L"p.ini", {{u"s", u"k", u"\u6C38"}}).ok());
+  EXPECT_EQ(ReadProfileString(folder / L"p.ini", u"s", u"k", 10), u"\u6C38");
+  Status status;
+  EXPECT_NE(ScratchFile::Create(folder, "scratch", &status), nullptr);
+  // What is left is what was meant to be left.
+  for (const wchar_t* name : {L"n", L"p.ini", L"\u6C38\U0001F600.dxf"}) {
+    EXPECT_TRUE(DeleteFileW((L"\\\\?\\" + (folder / name).native()).c_str())) << name;
+  }
+  EXPECT_TRUE(RemoveDirectoryW((L"\\\\?\\" + folder.native()).c_str()));
+}
+
+TEST(HeldFile, TheSystemKeepsOthersOut) {
+  const test::TemporaryFolder folder;
+  const fs::path file = folder.path() / L"held";
+  test::WriteBytes(file, "x");
+  Status status;
+  {
+    const auto held = HeldFile::Open(file, Deny::kWrite, &status);
+    EXPECT_TRUE(OpenForReading(file, FILE_SHARE_READ).valid());
+    EXPECT_FALSE(Handle(CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                    OPEN_EXISTING, 0, nullptr))
+                     .valid());
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
+  }
+  {
+    const auto held = HeldFile::Open(file, Deny::kAll, &status);
+    EXPECT_FALSE(OpenForReading(file, FILE_SHARE_READ | FILE_SHARE_WRITE).valid());
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
+  }
+  const Handle other = OpenForReading(file, 0);
+  EXPECT_EQ(HeldFile::Open(file, Deny::kWrite, &status), nullptr);
+  EXPECT_EQ(status.failure, Failure::kSharingViolation);
+  EXPECT_EQ(ReplaceFile(file, "y").failure, Failure::kSharingViolation);
+  EXPECT_EQ(AppendToFile(file, "", "y").failure, Failure::kSharingViolation);
+  EXPECT_EQ(folder.Names(), std::set<std::string>{"held"});
+}
+
+TEST(ScratchFile, NobodySeesItAndNothingStays) {
+  const test::TemporaryFolder folder;
+  Status status;
+  {
+    const auto scratch = ScratchFile::Create(folder.path(), "s-", &status);
+    ASSERT_NE(scratch, nullptr);
+    EXPECT_TRUE(scratch->Append("abc").ok());
+    EXPECT_TRUE(scratch->Append("def").ok());
+    char buffer[4] = {};
+    size_t count = 0;
+    EXPECT_TRUE(scratch->Read(4, buffer, sizeof buffer, &count).ok());
+    EXPECT_EQ(std::string(buffer, count), "ef");
+    const std::set<std::string> names = folder.Names();
+    ASSERT_EQ(names.size(), 1u);
+    EXPECT_FALSE(OpenForReading(folder / *names.begin(), FILE_SHARE_READ).valid());
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
+  }
+  EXPECT_TRUE(folder.Names().empty());
+  EXPECT_EQ(ScratchFile::Create(folder.path() / L"missing", "s-", &status), nullptr);
+  EXPECT_EQ(status.failure, Failure::kNotFound);
+}
+
+TEST(PrivateProfile, TheSystemReadsWhatWasWrittenAndTheOtherWayRound) {
+  const test::TemporaryFolder folder;
+  const fs::path file = folder.path() / L"\u6C38.ini";
+  const auto system_reads = [&](const wchar_t* section, const wchar_t* key) {
+    std::array<wchar_t, 100> buffer{};
+    GetPrivateProfileStringW(section, key, L"<none>", buffer.data(), buffer.size(), file.c_str());
+    return std::wstring(buffer.data());
+  };
+  const std::vector<ProfileEdit> edits = {{u"\u8A2D\u5B9A", u"Face", u"\u6C38 A"},
+                                          {u"Other", u"n", u"1"},
+                                          {u"Other", u"long", std::u16string(20'000, u'\u6C38')}};
+  EXPECT_TRUE(WriteProfile(file, edits).ok());
+  EXPECT_EQ(system_reads(L"\u8A2D\u5B9A", L"face"), L"\u6C38 A");
+  EXPECT_EQ(system_reads(L"OTHER", L"n"), L"1");
+  EXPECT_EQ(ReadProfileString(file, u"Other", u"long", 10'000)->size(), 10'000u);
+  EXPECT_EQ(ReadProfileString(file, u"Other", u"long", std::u16string::npos)->size(), 20'000u);
+  ASSERT_TRUE(WritePrivateProfileStringW(L"Other", L"n", L"\"quoted\"", file.c_str()));
+  EXPECT_EQ(ReadProfileString(file, u"other", u"N", 100), u"quoted");
+  EXPECT_TRUE(WriteProfile(file, {{u"Other", u"n", std::nullopt}}).ok());
+  EXPECT_EQ(system_reads(L"Other", L"n"), L"<none>");
+  EXPECT_EQ(folder.Names().size(), 1u);
+
+  // Held by somebody: none of the lines is written.
+  const std::string before = test::ReadBytes(file);
+  {
+    const Handle other = OpenForReading(file, FILE_SHARE_READ);
+    EXPECT_EQ(WriteProfile(file, {{u"Other", u"a", u"1"}, {u"Other", u"b", u"2"}}).failure,
+              Failure::kSharingViolation);
+  }
+  EXPECT_EQ(test::ReadBytes(file), before);
+}
+
+}  // namespace
+}  // namespace kerno
