@@ -53,7 +53,8 @@ int32_t WholeUnit(double value) {
 
 EmfContext::EmfContext(const EmfFrame& frame, std::u16string_view picture)
     : frame_(frame), encoder_(frame, u"Kerno", picture), fonts_(CreateMeasuringContext()) {
-  brushes_.first = pens_.first + kKept;
+  plain_pens_.first = pens_.first + kKept;
+  brushes_.first = plain_pens_.first + kKept;
   file_fonts_.first = brushes_.first + kKept;
 }
 
@@ -123,14 +124,18 @@ void EmfContext::SelectStock(uint32_t* selected, uint32_t stock) {
   *selected = stock;
 }
 
+// The plain pen is selected before the extended one of the same look: where a reader fails to make
+// the latter, the former stays.
 void EmfContext::UsePen() {
   PenData pen = CurrentPen()->Data();
   if (pen.style == PenStyle::kNull) {
     SelectStock(&pens_.selected, kEmfNullPen);
+    plain_pens_.selected = 0;
     return;
   }
   pen.width *= frame_.units_per_pixel;
   pen.pattern_length *= frame_.units_per_pixel;
+  Use(&plain_pens_, pen, [&](uint32_t handle) { encoder_.CreatePlainPen(handle, pen); });
   Use(&pens_, pen, [&](uint32_t handle) { encoder_.CreatePen(handle, pen); });
 }
 

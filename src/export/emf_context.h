@@ -73,6 +73,7 @@ class EmfContext final : public DrawingContext {
   EmfEncoder encoder_;
   std::unique_ptr<DeviceContext> fonts_;
   Handles<PenData> pens_;
+  Handles<PenData> plain_pens_;
   Handles<BrushData> brushes_;
   Handles<LogFont> file_fonts_;
   Pen* pen_ = nullptr;

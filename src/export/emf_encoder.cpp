@@ -97,8 +97,17 @@ void EmfEncoder::PutMapping() {
   PutWords(EmfRecord::kSetViewportExt, {width, height});
 }
 
-// Geometric pens, no thinner than a pixel: a hairline of the device would be one of its fine dots.
-// Dashed ones have the style's own lengths, which readers know, or lengths of the pen's own.
+uint32_t EmfEncoder::PenWidth(const PenData& pen) const {
+  return WholeLength(pen.width > 0 ? pen.width : frame_.units_per_pixel);
+}
+
+void EmfEncoder::CreatePlainPen(uint32_t handle, const PenData& pen) {
+  Uses(handle);
+  PutWords(EmfRecord::kCreatePen,
+           {handle, static_cast<uint32_t>(pen.style), PenWidth(pen), 0, pen.color});
+}
+
+// Dashed pens have the style's own lengths, which readers know, or lengths of the pen's own.
 void EmfEncoder::CreatePen(uint32_t handle, const PenData& pen) {
   Uses(handle);
   const auto style = static_cast<uint32_t>(pen.style);
@@ -108,7 +117,7 @@ void EmfEncoder::CreatePen(uint32_t handle, const PenData& pen) {
   Put32(handle);
   for (int i = 0; i < 4; ++i) Put32(0);  // no bitmap
   Put32(kGeometric | (dashes.empty() ? style : kUserStyle));
-  Put32(WholeLength(pen.width > 0 ? pen.width : frame_.units_per_pixel));
+  Put32(PenWidth(pen));
   Put32(0);  // solid
   Put32(pen.color);
   Put32(0);

@@ -38,6 +38,7 @@ enum class EmfRecord : uint32_t {
   kSetTextAlign = 22,
   kSetTextColor = 24,
   kSelectObject = 37,
+  kCreatePen = 38,
   kCreateBrushIndirect = 39,
   kDeleteObject = 40,
   kEllipse = 42,
@@ -62,7 +63,10 @@ class EmfEncoder {
   EmfEncoder(const EmfFrame& frame, std::u16string_view program, std::u16string_view picture);
 
   // Objects have the handles that the caller chooses, from 1 up and below 65,535; creating one does
-  // not select it. Widths and lengths are logical units.
+  // not select it. Widths and lengths are logical units. Pens are no thinner than a pixel: a hairline
+  // of the device would be one of its fine dots. The extended pen has round ends and joins; the
+  // plain one is for readers that do not take the extended record without dash lengths.
+  void CreatePlainPen(uint32_t handle, const PenData& pen);
   void CreatePen(uint32_t handle, const PenData& pen);
   void CreateBrush(uint32_t handle, const BrushData& brush);
   void CreateFont(uint32_t handle, const LogFont& font);
@@ -97,6 +101,7 @@ class EmfEncoder {
   void PutPoints(EmfRecord wide, EmfRecord narrow, std::span<const IntPoint> points);
   void PutFixedText(std::u16string_view text, size_t units);
   void Patch32(size_t at, uint32_t value);
+  uint32_t PenWidth(const PenData& pen) const;
   void Uses(uint32_t handle) { last_handle_ = handle > last_handle_ ? handle : last_handle_; }
   void PutHeader(std::u16string_view program, std::u16string_view picture);
   void PutMapping();

@@ -10,9 +10,9 @@
 
 #include "export/draw_parts.h"
 #include "export/emf_context.h"
-#include "outline/text_layout.h"
 #include "support/memory_file.h"
 #include "support/picture_compare.h"
+#include "support/picture_models.h"
 #include "support/recording_notices.h"
 
 namespace kerno {
@@ -20,6 +20,8 @@ namespace {
 
 using test::MemoryFile;
 using test::RecordingNotices;
+using test::ShapesModel;
+using test::TextModel;
 
 // One record of a metafile: its type and all its 32-bit words, type and size included.
 struct Record {
@@ -55,7 +57,8 @@ std::vector<Record> RecordsOf(const std::string& bytes) {
   // Objects are created once, selected only while they live, and below the header's number.
   std::set<uint32_t> alive;
   for (const Record& record : records) {
-    const bool creates = record.type == 39 || record.type == 82 || record.type == 95;
+    const bool creates =
+        record.type == 38 || record.type == 39 || record.type == 82 || record.type == 95;
     if (creates) {
       EXPECT_TRUE(alive.insert(record.words[2]).second) << record.words[2];
       EXPECT_LT(record.words[2], records.front().words[14]);
@@ -195,65 +198,6 @@ TEST(EmfContext, WritesTextWithItsFontAndAdvances) {
   }
   const auto counts = CountTypes(records);
   EXPECT_TRUE(counts.contains(82) && counts.contains(24) && counts.contains(84));
-}
-
-PartsA TextModel(std::u16string text, std::u16string face, bool filled) {
-  const auto dc = CreateMeasuringContext();
-  TextRequest request;
-  request.text = std::move(text);
-  request.face = std::move(face);
-  request.height = 90;
-  if (request.face.starts_with(u'@')) {
-    request.layout.vertical = true;
-    request.layout.character_angle = -90;
-  }
-  GlyphContours contours;
-  EXPECT_GT(StringOutline(*dc, request, &contours), 0u);
-  PartsA model;
-  size_t at = 0;
-  for (size_t i = 0; i < contours.counts.size(); ++i) {
-    PartsElement& part = model.parts.emplace_back();
-    part.pen.color = static_cast<int32_t>(HlsColor(static_cast<int>(i) * 30, 128, 128));
-    part.brush.color = static_cast<int32_t>(HlsColor(static_cast<int>(i) * 30 + 180, 128, 128));
-    std::vector<P3> loop;
-    for (uint32_t k = 0; k < contours.counts[i]; ++k, ++at) {
-      loop.push_back({contours.points[at].x, -contours.points[at].y, 0});
-    }
-    for (size_t k = 1; k < loop.size(); ++k) part.AddLine(loop[k - 1], loop[k]);
-    if (filled) part.AddFace(loop, 0);
-  }
-  return model;
-}
-
-PartsA ShapesModel() {
-  PartsA model;
-  PartsElement& shapes = model.parts.emplace_back();
-  shapes.pen.width = 3;
-  shapes.pen.color = 0x0000FF;
-  shapes.brush.color = 0xFFC080;
-  const P3 low[] = {{0, 0, 0}, {80, 0, 0}, {80, 60, 0}};
-  const P3 high[] = {{0, 0, 0}, {80, 60, 0}, {0, 60, 0}};
-  shapes.AddFace(low, 0);
-  shapes.AddFace(high, 0);
-  shapes.AddLine({0, 0, 0}, {80, 60, 0});
-  shapes.AddCircle({130, 30, 0}, 25, 0, {155, 30, 0}, {130, 5, 0});
-  shapes.AddCircle({200, 30, 0}, 25, 0, {200, 55, 0}, {225, 30, 0});
-  shapes.circles.items[0].first = -1;
-  PartsElement& hatched = model.parts.emplace_back();
-  hatched.brush.style = 2;
-  hatched.brush.hatch = 5;
-  const P3 square[] = {{240, 0, 0}, {300, 0, 0}, {300, 60, 0}, {240, 60, 0}};
-  hatched.AddFace(square, 0);
-  PartsElement& text = model.parts.emplace_back();
-  text.brush.color = 0x00C0FF;
-  TextLine line;
-  line.text = u"Kerno 8あ";
-  line.values[0] = 40;
-  line.values[2] = 20;
-  line.values[3] = 10;
-  line.face_name = u"IPAGothic";
-  text.AddHorizontalText({150, -60, 0}, line);
-  return model;
 }
 
 TEST(EmfWriter, AnotherProgramDrawsTheSamePicture) {
