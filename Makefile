@@ -62,11 +62,14 @@ windows: setup-windows
 	@cmake -S . -B build/windows -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw.cmake -DCMAKE_BUILD_TYPE=Release -DKERNO_TESTS=OFF >/dev/null
 	@cmake --build build/windows -j $(JOBS)
 
-# The tests of that system, run under Wine.
-test-windows: setup-windows
+# The tests of that system, run under Wine, and the same texts on both.
+test-windows: setup setup-windows
+	@cmake -S . -B build/test -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_SANITIZE=ON >/dev/null
+	@cmake --build build/test -j $(JOBS) --target kerno
 	@cmake -S . -B build/windows-test -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw.cmake -DCMAKE_BUILD_TYPE=Debug >/dev/null
 	@cmake --build build/windows-test -j $(JOBS)
-	@cd build/windows-test && KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix ctest --output-on-failure --timeout 300
+	@KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix $(PYTHON) tools/check_agreement.py build/test/src/cli/kerno build/windows-test/src/cli/kerno.exe
+	@cd build/windows-test && KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix ctest --output-on-failure --timeout 600
 
 windows-zip: windows
 	@sh tools/make_windows_zip.sh build/windows build/windows/kerno-windows.zip

@@ -29,18 +29,24 @@ if [ -d "$locales/ja_JP.utf8" ]; then
   export LOCPATH LANG LC_ALL
 fi
 
-if [ ! -f "$WINEPREFIX/ready" ]; then
-  mkdir -p "$(dirname "$WINEPREFIX")"
+server=$(dirname "$wine")/wineserver64
+[ -x "$server" ] || server=$(dirname "$wine")/wineserver
+[ -x "$server" ] || server=$(command -v wineserver || echo :)
+
+# Starting the server costs a second: it stays for a while, so that the next program finds it. Its
+# own processes start here, away from our output: whoever reads that would wait for them, too.
+runs() {
+  [ -f "$WINEPREFIX/ready" ] && "$server" -k0 >/dev/null 2>&1
+}
+if ! runs; then
+  mkdir -p "$WINEPREFIX"
   exec 9>"$WINEPREFIX.lock"
   flock 9
-  if [ ! -f "$WINEPREFIX/ready" ]; then
-    "$wine" wineboot -i >/dev/null 2>&1
+  if ! runs; then
+    "$server" -p20 >/dev/null 2>&1 9>&- || true
+    "$wine" wineboot -i </dev/null >/dev/null 2>&1 9>&-
     touch "$WINEPREFIX/ready"
   fi
   exec 9>&-
 fi
-# Starting the server costs a second: it stays for a while, so that the next program finds it.
-for server in "$(dirname "$wine")/wineserver64" "$(dirname "$wine")/wineserver"; do
-  [ -x "$server" ] && { "$server" -p20 >/dev/null 2>&1 || true; } && break
-done
 exec "$wine" "$@"
