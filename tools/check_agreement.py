@@ -47,11 +47,19 @@ CASES = (
         ("IPAGothic", 100, LINES, []),
         ("DejaVu Sans", 100, LATIN, ["--width", "30"]),
         ("DejaVu Sans", 100, LATIN, ["--weight", "700"]),
+        ("DejaVu Sans", 40, LATIN, ["--weight", "200"]),
+        # Not its "6", "8", "9", "b" and "o", where a contour starts off the curve: docs/windows.md tells what Wine does.
+        ("DejaVu Sans Light", 60, "AKMSWXaceghijkmstuvwxyz 0123457", []),
         ("IPAMincho", 100, KANJI, ["--width", "70"]),
         ("DejaVu Sans", 90, "a\U0001d49cb\U0001d538", []),
         ("DejaVu Sans", 50, "missing: 日\ud83d\ude00".encode("utf-16", "surrogatepass").decode("utf-16"), []),
         ("DejaVu Sans", 120, LATIN, ["--at", "12.5,-7"]),
     ]
+    # Weights that no face of the family has.
+    + [(face, height, MIXED, ["--weight", weight])
+       for face, height, weight in (("IPAGothic", 100, "700"), ("IPAMincho", 48, "900"),
+                                    ("IPAPMincho", 250, "600"), ("IPAPGothic", 64, "550"),
+                                    ("IPAGothic", 64, "551"), ("DejaVu Sans Mono", 64, "550"))]
 )
 VERTICAL = [
     (face, height, text, ["--vertical"])
@@ -60,6 +68,7 @@ VERTICAL = [
 ] + [
     ("IPAPMincho", -50, MIXED, ["--vertical", "--pitch", "cell"]),
     ("IPAGothic", 100, MARKS, ["--vertical", "--width", "70"]),
+    ("IPAMincho", 100, MIXED, ["--vertical", "--weight", "700"]),
 ]
 
 # A bitmap of a drawing larger than this is left out: it shows nothing that a smaller one does not.

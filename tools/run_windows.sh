@@ -44,7 +44,7 @@ if ! runs; then
   flock 9
   if ! runs; then
     "$server" -p20 >/dev/null 2>&1 9>&- || true
-    "$wine" wineboot -i </dev/null >/dev/null 2>&1 9>&-
+    "$wine" cmd /c exit </dev/null >/dev/null 2>&1 9>&-
     touch "$WINEPREFIX/ready"
   fi
   exec 9>&-

@@ -1,0 +1,119 @@
+#!/usr/bin/env python3
+"""What only the Windows programs have: names and paths of that system, settings beside the program, and
+resources, which other readers see, too.
+
+usage: windows_programs_test.py KERNO_EXE KERNO_DESKTOP_EXE
+"""
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import programs
+
+KERNO = DESKTOP = ""
+
+
+def resource(program, kind):
+    return subprocess.run(["wrestool", "-x", "--raw", "-t", str(kind), program], check=True,
+                          capture_output=True).stdout
+
+
+def version_strings(program):
+    """The string table of a version block: length, value length, type, key, padding, value."""
+    block = resource(program, 16)
+    found = {}
+    for key in ("FileDescription", "FileVersion", "LegalCopyright", "OriginalFilename", "ProductVersion"):
+        name = key.encode("utf-16-le") + b"\0\0"
+        at = block.index(name) - 6
+        units = int.from_bytes(block[at + 2:at + 4], "little")
+        value = (at + 6 + len(name) + 3) // 4 * 4
+        found[key] = block[value:value + 2 * units].decode("utf-16-le").rstrip("\0")
+    return found
+
+
+class WindowsProgramsTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        self.program = str(self.folder / "kerno.exe")
+        shutil.copy(KERNO, self.program)
+
+    def run_kerno(self, *arguments):
+        done = subprocess.run([*programs.command(self.program), *arguments], capture_output=True,
+                              cwd=self.folder, timeout=120, check=False)
+        return done.returncode, done.stdout.decode(), done.stderr.decode()
+
+    def there(self, name):
+        return "Z:" + str(self.folder / name).replace("/", "\\")
+
+    def test_paths_of_every_form(self):
+        deep = "/".join(["d" * 100] * 4)
+        (self.folder / deep).mkdir(parents=True)
+        good = {  # the argument, and the file that is written
+            self.there(f"{deep}/a.dxf"): f"{deep}/a.dxf",
+            f"{deep}/b.dxf": f"{deep}/b.dxf",
+            "\\\\?\\" + self.there("c.dxf"): "c.dxf",
+            self.there("𠮷ñ☃.dxf"): "𠮷ñ☃.dxf",
+            "blank name.dxf": "blank name.dxf",
+        }
+        for argument, name in good.items():
+            status, _, err = self.run_kerno("convert", "A", "--quiet", "-o", argument)
+            self.assertEqual((0, ""), (status, err), argument)
+            self.assertTrue((self.folder / name).read_bytes().endswith(b"EOF\r\n"), argument)
+        bad = {
+            r"\\nowhere\share\a.dxf": "its folder does not exist",
+            r"\\?\UNC\nowhere\share\a.dxf": "its folder does not exist",
+            "//nowhere/share/x/a.dxf": "its folder does not exist",
+            r"Q:\a.dxf": "there is no such file or folder",
+            "a<b.dxf": "the name holds characters that no file can have",
+            "CON.dxf": "",
+            self.there("none/a.dxf"): "its folder does not exist",
+            self.there("n" * 300 + ".dxf"): "",
+        }
+        before = sorted(self.folder.rglob("*"))
+        for argument, message in bad.items():
+            status, out, err = self.run_kerno("convert", "A", "-o", argument)
+            self.assertEqual((1, ""), (status, out), argument)
+            self.assertTrue(err.startswith(f"kerno: {argument}: {message}"), err)
+            self.assertEqual(1, err.count("\n"), err)
+        self.assertEqual(before, sorted(self.folder.rglob("*")))
+
+    def test_settings_beside_the_program(self):
+        settings = self.folder / "Quenkit_Setting"
+        settings.mkdir()
+        status, out, err = self.run_kerno("settings", "path")
+        self.assertEqual((0, ""), (status, err))
+        self.assertEqual(self.there("Quenkit_Setting/Quenkit.ini"), out.splitlines()[0])
+        for value in ("日本 𠮷ñ☃", " blanks ", "y" * 9999):
+            self.assertEqual((0, "", ""), self.run_kerno("settings", "set", "A", "b", value))
+            self.assertEqual((0, value + "\n", ""), self.run_kerno("settings", "get", "A", "b"))
+        self.assertEqual(1, self.run_kerno("settings", "get", "A", "none")[0])
+        writers = [subprocess.Popen([*programs.command(self.program), "settings", "set", "S", f"k{i}", str(i)])
+                   for i in range(8)]
+        self.assertEqual([0] * 8, [w.wait() for w in writers])
+        text = (settings / "Quenkit.ini").read_bytes().decode("utf-16")
+        for i in range(8):
+            self.assertEqual(1, text.count(f"\r\nk{i}={i}\r\n"), text[-500:])
+        self.assertEqual(["Quenkit.ini"], [p.name for p in settings.iterdir()])
+
+    def test_resources(self):
+        version = re.fullmatch(r"kerno (\S+)\n", self.run_kerno("--version")[1]).group(1)
+        for program, name in ((KERNO, "kerno.exe"), (DESKTOP, "kerno-desktop.exe")):
+            strings = version_strings(program)
+            self.assertEqual((name, version), (strings["OriginalFilename"], strings["ProductVersion"]))
+            self.assertTrue(strings["FileVersion"].startswith(version), strings)
+            self.assertIn("Kerno", strings["FileDescription"])
+            manifest = resource(program, 24).decode()
+            for wanted in ("longPathAware", "PerMonitorV2"):
+                self.assertIn(wanted, manifest)
+            self.assertGreater(len(resource(program, 3)), 1000, "an icon")
+        self.assertIn("Microsoft.Windows.Common-Controls", resource(DESKTOP, 24).decode())
+
+
+if __name__ == "__main__":
+    KERNO, DESKTOP = sys.argv[1:3]
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
