@@ -38,10 +38,10 @@ enum class ControlId : int {
 // What a control says. Captions mark their mnemonic with "&".
 struct ControlRow {
   ControlId id;
-  const char16_t* caption;         // empty where the control has none
-  const char16_t* name;            // for assistive technology
-  const char16_t* hint;            // what it does, shown under the pointer; may be empty
-  bool hidden;                     // at the start
+  const char16_t* caption;  // empty where the control has none
+  const char16_t* name;     // for assistive technology
+  const char16_t* hint;     // what it does, shown under the pointer; may be empty
+  bool hidden;              // at the start
   // Where two captions share a mnemonic: the key that presses this one for certain; "Alt+B".
   const char16_t* shortcut = u"";
 };

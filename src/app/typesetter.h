@@ -19,7 +19,7 @@ struct SetText {
   GlyphContours contours;
   std::vector<char32_t> missing;  // distinct characters without a glyph, in order of appearance
   LayoutNotes notes;
-  size_t characters = 0;          // up to a NUL; line ends and tabs do not count
+  size_t characters = 0;  // up to a NUL; line ends and tabs do not count
   bool ended_by_nul = false;
 };
 

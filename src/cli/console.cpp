@@ -77,8 +77,7 @@ void AppendJsonString(std::string* out, std::u16string_view text) {
   out->push_back('"');
 }
 
-ConsoleNotices::ConsoleNotices()
-    : before_(ReplaceNotices(this)), terminal_(IsErrorTerminal()) {}
+ConsoleNotices::ConsoleNotices() : before_(ReplaceNotices(this)), terminal_(IsErrorTerminal()) {}
 
 ConsoleNotices::~ConsoleNotices() {
   EndBar();

@@ -63,9 +63,9 @@ class EmfEncoder {
   EmfEncoder(const EmfFrame& frame, std::u16string_view program, std::u16string_view picture);
 
   // Objects have the handles that the caller chooses, from 1 up and below 65,535; creating one does
-  // not select it. Widths and lengths are logical units. Pens are no thinner than a pixel: a hairline
-  // of the device would be one of its fine dots. The extended pen has round ends and joins; the
-  // plain one is for readers that do not take the extended record without dash lengths.
+  // not select it. Widths and lengths are logical units. Pens are no thinner than a pixel: a
+  // hairline of the device would be one of its fine dots. The extended pen has round ends and
+  // joins; the plain one is for readers that do not take the extended record without dash lengths.
   void CreatePlainPen(uint32_t handle, const PenData& pen);
   void CreatePen(uint32_t handle, const PenData& pen);
   void CreateBrush(uint32_t handle, const BrushData& brush);

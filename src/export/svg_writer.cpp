@@ -191,7 +191,7 @@ void SvgDrawing::Heading(const std::filesystem::path& name) {
   AppendInteger(&digits, digits_);
   xml_.Comment(u"\r\n" + FileComment(u"SVG Exporter \t1.10\t") +      //
                u"Size         \t" + size +                            //
-               u"\r\nSave         \t" + PathText(name.filename()) +              //
+               u"\r\nSave         \t" + PathText(name.filename()) +   //
                u"\r\n変換精度\tSvgOut::Precision\t" + Wide(digits) +  //
                u"\r\nUNICODE \t" +                                    //
                u"\r\n大きさ補正\t1\t1\r\n");

@@ -89,7 +89,8 @@ TEST_F(LaunchTest, FindsPrograms) {
   const fs::path root = folder_.path();
   fs::create_directories(root / "path/dir");
   fs::create_directories(root / "apps/thing/bin");
-  for (const char* name : {"path/tool.exe", "apps/thing/other.exe", "apps/thing/bin/deep.exe", "path/data"}) {
+  for (const char* name :
+       {"path/tool.exe", "apps/thing/other.exe", "apps/thing/bin/deep.exe", "path/data"}) {
     WriteBytes(root / name, "x");
     fs::permissions(root / name, fs::perms::all);
   }

@@ -113,6 +113,16 @@ class WindowsProgramsTest(unittest.TestCase):
             self.assertGreater(len(resource(program, 3)), 1000, "an icon")
         self.assertIn("Microsoft.Windows.Common-Controls", resource(DESKTOP, 24).decode())
 
+    def test_no_library_beside_the_systems_is_needed(self):
+        own = {"advapi32", "comctl32", "gdi32", "imm32", "kernel32", "msvcrt", "ole32", "shell32",
+               "user32", "wininet"}
+        for program in (KERNO, DESKTOP):
+            listing = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", program], check=True,
+                                     capture_output=True, text=True).stdout
+            needed = {name.lower() for name in re.findall(r"DLL Name: (\S+)\.dll", listing, re.I)}
+            self.assertIn("kernel32", needed)
+            self.assertEqual(set(), {n for n in needed if not n.startswith("api-ms-win-")} - own)
+
 
 if __name__ == "__main__":
     KERNO, DESKTOP = sys.argv[1:3]

@@ -28,7 +28,8 @@ struct CurlLibrary {
   decltype(&curl_slist_free_all) slist_free_all;
 };
 
-// Loaded once and kept; any thread may call it. Null with the reason in *why when the machine does not have it.
+// Loaded once and kept; any thread may call it. Null with the reason in *why when the machine does
+// not have it.
 const CurlLibrary* LoadCurl(std::string* why);
 
 }  // namespace kerno

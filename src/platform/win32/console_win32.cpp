@@ -25,6 +25,7 @@ std::vector<std::string> ProgramArguments(int argc, char** argv) {
   LPWSTR* const wide = CommandLineToArgvW(GetCommandLineW(), &count);
   if (wide == nullptr) return {argv, argv + argc};
   std::vector<std::string> arguments;
+  arguments.reserve(static_cast<size_t>(count));
   for (int i = 0; i < count; ++i) arguments.push_back(ToUtf8(wide[i]));
   LocalFree(wide);
   return arguments;

@@ -66,11 +66,12 @@ void AddFamilyNames(std::string_view bytes, size_t table, std::vector<std::u16st
   for (size_t at = table + 6; at < table + 6 + count * kRecordSize; at += kRecordSize) {
     if (Big(bytes, at, 2) != 3 || Big(bytes, at + 6, 2) != 1) continue;
     const size_t text = strings + Big(bytes, at + 10, 2);
+    const size_t units = std::min<size_t>(Big(bytes, at + 8, 2) / 2, kMaxFaceName);
     std::u16string name;
-    for (uint32_t i = 0; i < Big(bytes, at + 8, 2); i += 2) {
-      name.push_back(static_cast<char16_t>(Big(bytes, text + i, 2)));
+    for (size_t i = 0; i < units; ++i) {
+      name.push_back(static_cast<char16_t>(Big(bytes, text + 2 * i, 2)));
     }
-    names->push_back(name.substr(0, kMaxFaceName));
+    names->push_back(std::move(name));
   }
 }
 
@@ -86,7 +87,9 @@ std::vector<std::u16string> FamilyNames(std::string_view bytes) {
     const size_t start = collection ? Big(bytes, 12 + font * 4, 4) : 0;
     for (uint32_t i = 0; i < Big(bytes, start + 4, 2); ++i) {
       const size_t entry = start + 12 + i * 16;
-      if (Big(bytes, entry, 4) == kNaming) AddFamilyNames(bytes, Big(bytes, entry + 8, 4), &names);
+      if (Big(bytes, entry, 4) != kNaming) continue;
+      AddFamilyNames(bytes, Big(bytes, entry + 8, 4), &names);
+      break;
     }
   }
   return names;

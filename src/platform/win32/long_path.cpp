@@ -35,4 +35,8 @@ std::filesystem::path LongPath(const std::filesystem::path& path) {
   return L"\\\\?\\" + whole;
 }
 
+std::filesystem::path WithoutSeparator(const std::filesystem::path& folder) {
+  return folder.has_filename() || folder == folder.root_path() ? folder : folder.parent_path();
+}
+
 }  // namespace kerno

@@ -14,4 +14,7 @@ std::filesystem::path FullPath(const std::filesystem::path& path);
 // in front ("\\?\UNC\" for a network path); any other stays as it is.
 std::filesystem::path LongPath(const std::filesystem::path& path);
 
+// A folder's path as others name it: with no separator at its end, unless it is a root.
+std::filesystem::path WithoutSeparator(const std::filesystem::path& folder);
+
 }  // namespace kerno

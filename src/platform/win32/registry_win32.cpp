@@ -108,8 +108,9 @@ RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u
 RegistryOutcome SetRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
                             const RegistryValue& value, Status* why) {
   *why = Status::Ok();
-  if (value.type != RegistryType::kString && value.type != RegistryType::kDword)
+  if (value.type != RegistryType::kString && value.type != RegistryType::kDword) {
     return Failed(key, ERROR_INVALID_PARAMETER, why);
+  }
   Key opened;
   LSTATUS error = RegCreateKeyExW(RootOf(root), ToWide(key).c_str(), 0, nullptr, 0, KEY_SET_VALUE,
                                   nullptr, opened.put(), nullptr);

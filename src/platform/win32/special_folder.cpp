@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "platform/win32/long_path.h"
 #include "platform/win32/windows_api.h"
 
 namespace kerno {
@@ -19,11 +20,6 @@ ByPath FindByPath() {
       reinterpret_cast<void*>(GetProcAddress(shell, "SHGetSpecialFolderPathW")));
 }
 
-// One route puts a separator at the end, the other does not.
-std::filesystem::path WithoutSeparator(const std::filesystem::path& folder) {
-  return folder.has_filename() || folder == folder.root_path() ? folder : folder.parent_path();
-}
-
 }  // namespace
 
 std::filesystem::path SpecialFolderByItemList(uint32_t id, MissingFolder missing) {
@@ -37,6 +33,7 @@ std::filesystem::path SpecialFolderByItemList(uint32_t id, MissingFolder missing
     allocator->Free(list);
     allocator->Release();
   }
+  // This route puts a separator at the end where the other one does not.
   return known ? WithoutSeparator(buffer.data()) : std::filesystem::path();
 }
 

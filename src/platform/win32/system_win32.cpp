@@ -37,10 +37,6 @@ std::wstring GrowingText(Fill&& fill) {
   }
 }
 
-fs::path WithoutSeparator(fs::path folder) {
-  return folder.has_filename() || folder == folder.root_path() ? folder : folder.parent_path();
-}
-
 bool SameName(const std::wstring& a, const std::wstring& b) {
   return CompareStringOrdinal(a.c_str(), static_cast<int>(a.size()), b.c_str(),
                               static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
