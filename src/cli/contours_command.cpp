@@ -104,13 +104,17 @@ ExitStatus ContoursCommand::Run() {
   ExitStatus status = kDone;
   auto request = text_.Resolve(&status);
   if (!request) return status;
-  request->placement.insertion = text_.at();
+  const bool scaled = text_.scale() != 1;
+  if (!scaled) request->placement.insertion = text_.at();
   const auto placing = unplaced_ ? TextOptions::Placing::kUnplaced : TextOptions::Placing::kPlaced;
   auto set = text_.SetAndReport(*request, placing, &status);
   if (!set) return status;
-  if (!unplaced_ && text_.scale() != 1) {
-    for (P2& p : set->contours.points) p = {p.x * text_.scale(), p.y * text_.scale()};
+  if (!unplaced_ && scaled) {
+    for (P2& p : set->contours.points) {
+      p = {p.x * text_.scale() + text_.at().x, p.y * text_.scale() + text_.at().y};
+    }
   }
+  if (!TextOptions::CheckRange(set->contours.points)) return kWrongUsage;
   const bool printed = json_ ? PrintJson(*set, *request) : PrintListing(*set, *request);
   return printed && FinishPrinting() ? kDone : kFailed;
 }

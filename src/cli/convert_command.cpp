@@ -66,6 +66,7 @@ ExitStatus ConvertCommand::BuildFromText(PartsA* model, std::string* summary) {
   auto set = text_.SetAndReport(*request, TextOptions::Placing::kPlaced, &status);
   if (!set) return status;
   StoreContours(rebuild_, &set->contours);
+  if (!TextOptions::CheckRange(set->contours.points)) return kWrongUsage;
   BuildParts(set->contours, rebuild_, model);
   *summary = Counted(set->characters, "characters, ") +
              Counted(set->contours.counts.size(), "contours, ") +

@@ -21,9 +21,11 @@ ExitStatus MeasureCommand::Run() {
       MeasureString(context.get(), request->text, request->face.starts_with(u'@'), request->height,
                     request->width, request->placement.slant, request->placement.angle,
                     request->face, request->weight);
+  const P2 size = {extent.length * text_.scale(), extent.height * text_.scale()};
+  if (!TextOptions::CheckRange({&size, 1})) return kWrongUsage;
   std::string length, height;
-  AppendShortest(&length, extent.length * text_.scale());
-  AppendShortest(&height, extent.height * text_.scale());
+  AppendShortest(&length, size.x);
+  AppendShortest(&height, size.y);
   const std::string out = json_ ? "{\"length\": " + length + ", \"height\": " + height + "}\n"
                                 : "length " + length + "\nheight " + height + "\n";
   return Print(out) && FinishPrinting() ? kDone : kFailed;

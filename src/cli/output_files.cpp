@@ -117,8 +117,8 @@ void OutputFiles::AddTo(CLI::App& app) {
                  "file to write, \"-\" for standard output; the extension chooses the format (" +
                      WriterNames() + ")")
       ->type_name("FILE")
-      ->expected(1)
-      ->take_all();
+      ->take_all()
+      ->allow_extra_args(false);  // one file each, so that a text may follow
   app.add_option("--format", format_, "the format, whatever the files are called")
       ->type_name("NAME");
   app.add_option("--dxf-layers", dxf_layers_,

@@ -1,6 +1,8 @@
 #include "cli/text_options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "app/face_choice.h"
@@ -48,8 +50,10 @@ std::string CharacterNames(const std::vector<char32_t>& characters) {
 
 void TextOptions::AddTo(CLI::App& app) {
   app_ = &app;
-  app.add_option("TEXT", positional_, "the text to set")->expected(0, 1);
-  app.add_option("--text", text_, "the text to set")->expected(1)->type_name("TEXT");
+  app.add_option("TEXT", positional_, "the text to set")->expected(1);
+  app.add_option("--text", text_, "the text to set")
+      ->allow_extra_args(false)
+      ->type_name("TEXT");
   app.add_option("--text-file", text_file_,
                  "read the text from FILE (\"-\": standard input), UTF-8 or UTF-16 with a mark")
       ->type_name("FILE");
@@ -224,6 +228,14 @@ std::optional<SetText> TextOptions::SetAndReport(const TextRequest& request, Pla
   if (set->contours.counts.empty()) ReportWarning("text", "has no outlines");
   *status = kDone;
   return set;
+}
+
+bool TextOptions::CheckRange(std::span<const P2> points) {
+  const bool finite = std::all_of(points.begin(), points.end(), [](const P2& p) {
+    return std::isfinite(p.x) && std::isfinite(p.y);
+  });
+  if (!finite) ReportError("--scale and --at", "take the drawing out of the range of numbers");
+  return finite;
 }
 
 }  // namespace kerno

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,9 @@ class TextOptions {
   enum class Placing { kPlaced, kUnplaced };
   std::optional<SetText> SetAndReport(const TextRequest& request, Placing placing,
                                       ExitStatus* status) const;
+
+  // Whether finished coordinates are numbers; reports when a scale or a place took them out of range.
+  static bool CheckRange(std::span<const P2> points);
 
   bool quiet() const { return quiet_; }
   double scale() const { return scale_number_; }

@@ -81,6 +81,9 @@ class CommandLineTest(unittest.TestCase):
             ([*convert, "--height", "99999999999999999999", "-o", out], 2, "is outside"),
             ([*convert, "--width", "-1", "-o", out], 2, "--width"),
             ([*convert, "--scale", "1e999", "-o", out], 2, "--scale"),
+            ([*convert, "--scale", "1e308", "-o", out], 2, "--scale and --at: take the drawing out"),
+            (["measure", "A", *SANS, "--scale", "-1e308"], 2, "--scale and --at"),
+            (["contours", "A", *SANS, "--scale", "1e308"], 2, "--scale and --at"),
             ([*convert, "--scale", "nan", "-o", out], 2, "--scale"),
             ([*convert, "--scale", "0", "-o", out], 2, "--scale"),
             ([*convert, "--slant", "1,5", "-o", out], 2, "--slant"),
@@ -230,6 +233,17 @@ class CommandLineTest(unittest.TestCase):
                 self.assertEqual((0, "", ""), run("convert", *arguments, "--quiet", "-o", path))
         self.assertEqual("", run("convert", "漢ー漢", "--face", "IPAGothic", "--vertical", "--pitch",
                                  "cell", "-o", path)[2])
+
+    def test_options_stand_before_and_after_the_text(self):
+        path = str(self.folder / "a.dxf")
+        for arguments, characters in ((["-o", path, "abc"], 3), (["-o", path, "--", "-abc"], 4),
+                                      (["--text", "-abc", "-o", path], 4)):
+            status, out, err = run("convert", *SANS, *arguments)
+            self.assertEqual((0, ""), (status, err), arguments)
+            self.assertIn(f"{characters} characters", out)
+        near = contours("A", *SANS, "--scale", "2")["points"]
+        far = contours("A", *SANS, "--scale", "2", "--at", "30,-40")["points"]
+        self.assertEqual([[x + 30, y - 40] for x, y in near], far)
 
     def test_a_nul_ends_the_text(self):
         path = self.folder / "zero.txt"
