@@ -51,9 +51,7 @@ std::string CharacterNames(const std::vector<char32_t>& characters) {
 void TextOptions::AddTo(CLI::App& app) {
   app_ = &app;
   app.add_option("TEXT", positional_, "the text to set")->expected(1);
-  app.add_option("--text", text_, "the text to set")
-      ->allow_extra_args(false)
-      ->type_name("TEXT");
+  app.add_option("--text", text_, "the text to set")->allow_extra_args(false)->type_name("TEXT");
   app.add_option("--text-file", text_file_,
                  "read the text from FILE (\"-\": standard input), UTF-8 or UTF-16 with a mark")
       ->type_name("FILE");
