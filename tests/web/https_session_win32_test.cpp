@@ -14,14 +14,18 @@ namespace {
 
 // Answers one POST over TLS with the length of its body, then ends; its port is its first line.
 constexpr const char* kServer = R"(
-import socket, ssl, sys
+import os, socket, ssl
+def more(peer):
+    data = peer.recv(65536)
+    if not data:
+        raise OSError('closed')
+    return data
 context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
 context.load_cert_chain('certificate.pem', 'key.pem')
 listener = socket.create_server(('127.0.0.1', 0))
 listener.settimeout(20)
 with open('port.part', 'w') as port:
     port.write(str(listener.getsockname()[1]) + '\n')
-import os
 os.rename('port.part', 'port')
 try:
     peer, _ = listener.accept()
@@ -29,11 +33,11 @@ try:
     peer = context.wrap_socket(peer, server_side=True)
     data = b''
     while b'\r\n\r\n' not in data:
-        data += peer.recv(65536)
+        data += more(peer)
     head, body = data.split(b'\r\n\r\n', 1)
     size = int(head.lower().split(b'content-length:')[1].split(b'\r\n')[0])
     while len(body) < size:
-        body += peer.recv(65536)
+        body += more(peer)
     text = b'%d bytes' % len(body)
     peer.sendall(b'HTTP/1.1 200 OK\r\nContent-Length: %d\r\n\r\n%s' % (len(text), text))
     peer.close()
