@@ -70,7 +70,9 @@ class WindowsProgramsTest(unittest.TestCase):
             "//nowhere/share/x/a.dxf": "its folder does not exist",
             r"Q:\a.dxf": "there is no such file or folder",
             "a<b.dxf": "the name holds characters that no file can have",
-            "CON.dxf": "",
+            "CON.dxf": "the name stands for a device of the system",
+            "COM1.svg": "the name stands for a device of the system",
+            self.there("nul.svg"): "the name stands for a device of the system",
             self.there("none/a.dxf"): "its folder does not exist",
             self.there("n" * 300 + ".dxf"): "",
         }

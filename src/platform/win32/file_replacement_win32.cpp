@@ -211,6 +211,14 @@ Status PathError(const fs::path& target, const char16_t* why) {
   return Status::Error(Failure::kNotFound, SystemText(target), why);
 }
 
+// Whether a name that reads as a file's, with an extension, stands for a device (COM1.svg): what is
+// written would be gone.
+bool HidesDevice(const fs::path& target) {
+  constexpr std::wstring_view kDevices = L"\\\\.\\";
+  return target.has_extension() && !target.native().starts_with(kDevices) &&
+         FullPath(target).native().starts_with(kDevices);
+}
+
 // Whether the name stands for a device (CON, NUL, LPT1, \\.\...) or a pipe.
 std::unique_ptr<FileReplacement> OpenDevice(const fs::path& target, const fs::path& place) {
   Handle file(CreateFileW(place.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
@@ -238,6 +246,10 @@ std::unique_ptr<FileReplacement> FileReplacement::Create(const fs::path& target,
   const DWORD attributes = GetFileAttributesW(place.c_str());
   if (target.filename().native().size() > kLongestName) {
     *status = PathError(target, u"the name is too long");
+    return nullptr;
+  }
+  if (HidesDevice(target)) {
+    *status = PathError(target, u"the name stands for a device of the system");
     return nullptr;
   }
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
