@@ -174,7 +174,8 @@ class RegularFile final : public FileReplacement {
     if (error == ERROR_ACCESS_DENIED) {
       const Handle probe(CreateFileW(place_.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, 0,
                                      nullptr, OPEN_EXISTING, 0, nullptr));
-      if (!probe.valid() && GetLastError() == ERROR_SHARING_VIOLATION) {
+      // One that can be had now was let go since.
+      if (probe.valid() || GetLastError() == ERROR_SHARING_VIOLATION) {
         error = ERROR_SHARING_VIOLATION;
       }
     }
