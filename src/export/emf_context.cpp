@@ -4,26 +4,10 @@
 #include <cmath>
 #include <numbers>
 
+#include "platform/drawing_objects.h"
+
 namespace kerno {
 namespace {
-
-class FilePen final : public Pen {
- public:
-  explicit FilePen(const PenData& data) : data_(data) {}
-  const PenData& Data() const override { return data_; }
-
- private:
-  PenData data_;
-};
-
-class FileBrush final : public Brush {
- public:
-  explicit FileBrush(const BrushData& data) : data_(data) {}
-  const BrushData& Data() const override { return data_; }
-
- private:
-  BrushData data_;
-};
 
 // A font of the measuring context with the description that goes into the file.
 class FileFont final : public Font {
@@ -40,8 +24,8 @@ class FileFont final : public Font {
   LogFont wanted_;
 };
 
-const FilePen kStockPen{PenData{}};
-const FileBrush kStockBrush{BrushData{}};
+const DataPen kStockPen{PenData{}};
+const DataBrush kStockBrush{BrushData{}};
 
 int32_t WholeUnit(double value) {
   constexpr double kLimit = 1 << 27;  // the desktop's own coordinates end there
@@ -78,11 +62,11 @@ Font* EmfContext::SelectedFont() const {
 }
 
 std::unique_ptr<Pen> EmfContext::CreatePenIndirect(const PenData& data) {
-  return std::make_unique<FilePen>(data);
+  return std::make_unique<DataPen>(data);
 }
 
 std::unique_ptr<Brush> EmfContext::CreateBrushIndirect(const BrushData& data) {
-  return std::make_unique<FileBrush>(data);
+  return std::make_unique<DataBrush>(data);
 }
 
 const Pen* EmfContext::CurrentPen() const {

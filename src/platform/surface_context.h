@@ -9,26 +9,9 @@
 #include <vector>
 
 #include "platform/drawing.h"
+#include "platform/drawing_objects.h"
 
 namespace kerno {
-
-class SurfacePen final : public Pen {
- public:
-  explicit SurfacePen(const PenData& data) : data_(data) {}
-  const PenData& Data() const override { return data_; }
-
- private:
-  PenData data_;
-};
-
-class SurfaceBrush final : public Brush {
- public:
-  explicit SurfaceBrush(const BrushData& data) : data_(data) {}
-  const BrushData& Data() const override { return data_; }
-
- private:
-  BrushData data_;
-};
 
 class SurfaceContext : public DrawingContext {
  public:
@@ -48,10 +31,10 @@ class SurfaceContext : public DrawingContext {
   bool TextOut(int32_t x, int32_t y, std::u16string_view text) override;
 
   std::unique_ptr<Pen> CreatePenIndirect(const PenData& data) override {
-    return std::make_unique<SurfacePen>(data);
+    return std::make_unique<DataPen>(data);
   }
   std::unique_ptr<Brush> CreateBrushIndirect(const BrushData& data) override {
-    return std::make_unique<SurfaceBrush>(data);
+    return std::make_unique<DataBrush>(data);
   }
   Pen* SelectPen(Pen* pen) override { return std::exchange(pen_, pen); }
   Brush* SelectBrush(Brush* brush) override { return std::exchange(brush_, brush); }
@@ -88,8 +71,8 @@ class SurfaceContext : public DrawingContext {
   void AddGlyph(std::span<const uint8_t> outline, DevicePoint pen);
 
   std::unique_ptr<DeviceContext> fonts_;  // made when first asked
-  SurfacePen stock_pen_{PenData{}};
-  SurfaceBrush stock_brush_{BrushData{}};
+  DataPen stock_pen_{PenData{}};
+  DataBrush stock_brush_{BrushData{}};
   Pen* pen_ = nullptr;
   Brush* brush_ = nullptr;
   uint32_t text_color_ = 0;
