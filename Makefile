@@ -72,6 +72,7 @@ test-windows: setup setup-windows
 	  build/test/tests/base/base_tests --gtest_brief=1 --gtest_filter='VersionReader*'
 	@KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix $(PYTHON) tools/check_agreement.py build/test/src/cli/kerno build/windows-test/src/cli/kerno.exe
 	@cd build/windows-test && KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix ctest --output-on-failure --timeout 600
+	@WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix wineserver -k || true
 
 windows-zip: windows
 	@sh tools/make_windows_zip.sh build/windows build/windows/kerno-windows.zip

@@ -51,8 +51,9 @@ class DesktopSession:
 
     def __enter__(self):
         read_end, write_end = os.pipe()
+        # Without -noreset the display starts anew when its last client leaves, and drops who comes then.
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{self.size}x24"],
+            ["Xvfb", "-noreset", "-displayfd", str(write_end), "-screen", "0", f"{self.size}x24"],
             pass_fds=[write_end], stderr=subprocess.DEVNULL)
         os.close(write_end)
         with os.fdopen(read_end) as answer:
@@ -62,8 +63,13 @@ class DesktopSession:
 
     def start(self):
         self.process = subprocess.Popen(self.program, env=self.environment)
-        self.window = self.wait_for(lambda: self.tool("search", "--onlyvisible", "--name", "^Kerno$"))
+        self.window = self.wait_for(self.find_window)
         self.focus()
+
+    def find_window(self):
+        status = self.process.poll()
+        assert status is None, f"the program ended with {status} before it had a window"
+        return self.tool("search", "--onlyvisible", "--name", "^Kerno$")
 
     def __exit__(self, *_):
         for child in (self.process, self.server):

@@ -33,18 +33,32 @@ server=$(dirname "$wine")/wineserver64
 [ -x "$server" ] || server=$(dirname "$wine")/wineserver
 [ -x "$server" ] || server=$(command -v wineserver || echo :)
 
-# Starting the server costs a second: it stays for a while, so that the next program finds it. Its
-# own processes start here, away from our output: whoever reads that would wait for them, too.
+# Starting the server costs a second: it stays for a while, so that the next program finds it. The
+# while is longer than any pause of the tests, for who connects to a server that is about to end is
+# turned away. Wine's own processes start here, away from our output: whoever reads that would wait
+# for them, too.
 runs() {
   [ -f "$WINEPREFIX/ready" ] && "$server" -k0 >/dev/null 2>&1
+}
+start() {
+  "$server" -p600 >/dev/null 2>&1 9>&- || true  # an old one may still be ending
+  "$wine" cmd /c exit </dev/null >"$WINEPREFIX.log" 2>&1 9>&-
 }
 if ! runs; then
   mkdir -p "$WINEPREFIX"
   exec 9>"$WINEPREFIX.lock"
   flock 9
   if ! runs; then
-    "$server" -p20 >/dev/null 2>&1 9>&- || true
-    "$wine" cmd /c exit </dev/null >/dev/null 2>&1 9>&-
+    tries=1
+    until start; do
+      if [ "$tries" -ge 3 ]; then
+        echo "run_windows: Wine did not start in $WINEPREFIX:" >&2
+        cat "$WINEPREFIX.log" >&2
+        exit 1
+      fi
+      tries=$((tries + 1))
+      sleep 2
+    done
     touch "$WINEPREFIX/ready"
   fi
   exec 9>&-
