@@ -40,6 +40,12 @@ void AppendSvgNumber(std::string* out, double value, int digits) {
   if (out->back() == '.') out->pop_back();
 }
 
+std::u16string SvgNumberText(double value, int digits) {
+  std::string text;
+  AppendSvgNumber(&text, value, digits);
+  return {text.begin(), text.end()};
+}
+
 std::string SvgColor(Color color) {
   constexpr char kHex[] = "0123456789abcdef";
   std::string text = "#";

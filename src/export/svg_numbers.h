@@ -18,6 +18,7 @@ void ResetSvgPrecision();
 // The number form of the program's texts (base/number_text.h) as far as SVG knows it: a point that
 // nothing follows is left out.
 void AppendSvgNumber(std::string* out, double value, int digits);
+std::u16string SvgNumberText(double value, int digits);
 
 // "#rrggbb", lower case.
 std::string SvgColor(Color color);

@@ -1,9 +1,7 @@
 // The lexical floor of the parts file: lines ended by CR LF, fields followed by a blank, groups in
 // double quotes, items of a group in single quotes.
 //
-// Text is formed and parsed in a packed form: each UTF-16 unit as one to three bytes, in the manner
-// of UTF-8 but unit by unit. Every text goes there and back, lone surrogates included, and
-// everything that means something to the format is one byte.
+// Text is formed and parsed in the packed form.
 #pragma once
 
 #include <cstddef>
@@ -15,16 +13,9 @@
 #include <vector>
 
 #include "parts/geometry.h"
+#include "parts/ipx_packed.h"
 
 namespace kerno::ipx {
-
-// UTF-16 to the packed form and back.
-void AppendPacked(std::string* packed, std::u16string_view text);
-std::string Pack(std::u16string_view text);
-std::u16string Unpack(std::string_view packed);
-
-// The bytes before the first that is not ASCII.
-size_t AsciiPrefix(std::string_view bytes);
 
 // Writes fields into a packed text. Every field is followed by its blank.
 class Writer {

@@ -1,8 +1,7 @@
 #include "parts/ipx_pieces.h"
 
 #include "base/text.h"
-#include "base/text_file.h"
-#include "parts/ipx_lexer.h"
+#include "parts/ipx_packed.h"
 #include "platform/code_page.h"
 
 namespace kerno::ipx {
@@ -102,10 +101,10 @@ void Pieces::Convert(std::string_view bytes) {
   packed_.clear();
   switch (form_) {
     case Form::kLittleEndian:
-      AppendPacked(&packed_, DecodeText(std::string(kLittleEndianMark).append(bytes)));
+      AppendPackedBytes(&packed_, bytes, ByteOrder::kLittle);
       break;
     case Form::kBigEndian:
-      AppendPacked(&packed_, DecodeText(std::string(kBigEndianMark).append(bytes)));
+      AppendPackedBytes(&packed_, bytes, ByteOrder::kBig);
       break;
     case Form::kUtf8:
       AppendPacked(&packed_, Utf8ToUtf16Lossy(bytes));
