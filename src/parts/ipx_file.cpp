@@ -75,16 +75,6 @@ TextEncoding EncodingFor(const PartsA& container, std::u16string_view program) {
              : TextEncoding::kUtf16;
 }
 
-std::string Utf16Bytes(std::string_view packed) {
-  std::string bytes;
-  bytes.reserve(packed.size() * 2);
-  for (const char16_t unit : ipx::Unpack(packed)) {
-    bytes.push_back(static_cast<char>(unit & 0xFF));
-    bytes.push_back(static_cast<char>(unit >> 8));
-  }
-  return bytes;
-}
-
 std::string CodePageBytes(std::string_view packed) {
   std::string bytes;
   bytes.reserve(packed.size());
@@ -138,7 +128,7 @@ Status EncodeIpx(const PartsA& container, std::u16string_view program, std::u16s
   if (!taken.ok()) return taken;
   ipx::Writer out([&](std::string_view packed) {
     if (encoding == TextEncoding::kUtf16) {
-      taken = sink(Utf16Bytes(packed));
+      taken = sink(ipx::UnpackBytes(packed));
     } else if (ipx::AsciiPrefix(packed) == packed.size()) {
       taken = sink(packed);
     } else {

@@ -17,6 +17,7 @@ std::u16string Unpack(std::string_view packed);
 // The same of units as a file holds them, two bytes each; the half of one at the end is nothing.
 enum class ByteOrder { kLittle, kBig };
 void AppendPackedBytes(std::string* packed, std::string_view bytes, ByteOrder order);
+std::string UnpackBytes(std::string_view packed);  // the low byte first
 
 // The bytes before the first that is not ASCII.
 size_t AsciiPrefix(std::string_view bytes);

@@ -215,6 +215,23 @@ TEST(IpxText, EveryUnitPacksAndUnpacks) {
   for (unsigned unit = 0; unit < 0x10000; ++unit) text.push_back(static_cast<char16_t>(unit));
   EXPECT_EQ(ipx::Unpack(ipx::Pack(text)), text);
   EXPECT_EQ(ipx::Pack(u"aé日"), "a\xC3\xA9\xE6\x97\xA5");
+  // The same from and to the bytes of a file, in either order, wherever a piece begins.
+  for (const size_t from : {0, 1, 7, 8, 100, 0xFFF0, 0xFFFF}) {
+    const std::u16string_view rest = std::u16string_view(text).substr(from);
+    std::string little;
+    std::string big;
+    for (const char16_t unit : rest) {
+      little += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
+      big += {static_cast<char>(unit >> 8), static_cast<char>(unit & 0xFF)};
+    }
+    ASSERT_TRUE(ipx::UnpackBytes(ipx::Pack(rest)) == little) << from;
+    for (const auto& [bytes, order] :
+         {std::pair(little, ipx::ByteOrder::kLittle), std::pair(big, ipx::ByteOrder::kBig)}) {
+      std::string packed;
+      ipx::AppendPackedBytes(&packed, bytes + "x", order);
+      ASSERT_TRUE(packed == ipx::Pack(rest)) << from;
+    }
+  }
   // What a slice in the middle of a unit leaves is garbage, but no harm.
   ipx::Unpack("\xE6\x97");
   for (size_t at = 0; at < 20; ++at) {
