@@ -2,6 +2,8 @@
 // its fonts from a measuring context, and turns circles and text into polygons and paths.
 #pragma once
 
+#include <cmath>
+#include <cstddef>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -82,6 +84,16 @@ class SurfaceContext : public DrawingContext {
 
 inline constexpr double kMaxDashes = 65536;  // of one line; a line of more is drawn solid
 inline constexpr double kMinPattern = 0.25;  // pixels; a finer dash pattern is drawn solid
+
+// The length of a line through points, in their unit.
+template <class Point>
+double LengthOf(std::span<const Point> points) {
+  double length = 0;
+  for (size_t i = 1; i < points.size(); ++i) {
+    length += std::hypot(points[i].x - points[i - 1].x, points[i].y - points[i - 1].y);
+  }
+  return length;
+}
 
 // The dashes and gaps of a line of `length` pixels; empty where it is drawn solid.
 std::vector<double> DashesOf(const PenData& pen, double length);

@@ -35,14 +35,6 @@ agg::rgba8 ColorOf(uint32_t color) {
   return {color & 255, color >> 8 & 255, color >> 16 & 255, 255};
 }
 
-double LengthOf(std::span<const DevicePoint> points) {
-  double length = 0;
-  for (size_t i = 1; i < points.size(); ++i) {
-    length += std::hypot(points[i].x - points[i - 1].x, points[i].y - points[i - 1].y);
-  }
-  return length;
-}
-
 bool SamePlace(const DevicePoint& a, const DevicePoint& b) {
   return a.x == b.x && a.y == b.y;
 }
@@ -130,9 +122,11 @@ void AggContext::AddSolidStroke(Source& source) {
 
 void AggContext::AddStroke(std::span<const DevicePoint> points, bool closed) {
   PointSource source(points, closed);
-  const std::vector<double> dashes = DashesOf(CurrentPen()->Data(), LengthOf(points));
+  const PenData& pen = CurrentPen()->Data();
+  std::vector<double> dashes;
+  if (pen.style != PenStyle::kSolid) dashes = DashesOf(pen, LengthOf(points));
   if (dashes.empty()) {
-    const double width = CurrentPen()->Data().width;
+    const double width = pen.width;
     if (width <= kThin) {
       thin_.Add(points, closed, width > 0 ? width : 1.0);
     } else {

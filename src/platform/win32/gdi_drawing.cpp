@@ -25,14 +25,6 @@ class Selected {
   HGDIOBJ before_;
 };
 
-double LengthOf(std::span<const POINT> points) {
-  double length = 0;
-  for (size_t i = 1; i < points.size(); ++i) {
-    length += std::hypot(points[i].x - points[i - 1].x, points[i].y - points[i - 1].y);
-  }
-  return length;
-}
-
 bool IsFar(DevicePoint p, double far_off) {
   return !(std::fabs(p.x) <= far_off && std::fabs(p.y) <= far_off);
 }
@@ -177,7 +169,7 @@ bool GdiDrawingContext::FillPolygons(const std::vector<POINT>& points,
 
 bool GdiDrawingContext::OutlinePolygons(const std::vector<POINT>& points,
                                         const std::vector<INT>& counts) {
-  const Selected line(dc_, MakePen(LengthOf(points)));
+  const Selected line(dc_, MakePen(LengthOf<POINT>(points)));
   const Selected no_fill(dc_, GetStockObject(NULL_BRUSH));
   return ::PolyPolygon(dc_, points.data(), counts.data(), static_cast<int>(counts.size())) != 0;
 }
@@ -214,7 +206,7 @@ bool GdiDrawingContext::DrawPiece(const std::vector<DevicePoint>& points) {
   std::vector<POINT> fine;
   fine.reserve(points.size());
   for (const DevicePoint& p : points) fine.push_back(ToFine(p));
-  const Selected line(dc_, MakePen(LengthOf(fine)));
+  const Selected line(dc_, MakePen(LengthOf<POINT>(fine)));
   const auto count = static_cast<int>(fine.size());
   const bool closed =
       count > 2 && fine.front().x == fine.back().x && fine.front().y == fine.back().y;
