@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/arguments.h"
 #include "cli/console.h"
 #include "web/output_run.h"
 
@@ -17,7 +18,7 @@ void PageCommand::AddOptions(CLI::App& app) {
 
 ExitStatus PageCommand::Run() {
   std::vector<std::filesystem::path> written;
-  const Status status = WriteFolderPages(folder_, &written);
+  const Status status = WriteFolderPages(PathArgument(folder_), &written);
   bool printed = true;
   for (const std::filesystem::path& page : written) {
     const std::u8string name = page.u8string();
