@@ -12,6 +12,7 @@
 #include "parts/ipx_pieces.h"
 #include "platform/code_page.h"
 #include "platform/file_replacement.h"
+#include "platform/folder_path.h"
 #include "platform/held_file.h"
 
 namespace kerno {
@@ -99,8 +100,7 @@ std::unique_ptr<FileReplacement> OpenReplacement(const fs::path& path, Status* s
   std::unique_ptr<FileReplacement> file;
   *status = WaitForFile(path, FileWait::kWrite, [&] {
     Status opened;
-    std::error_code ignored;
-    if (fs::is_regular_file(path, ignored)) {
+    if (FactsOfPath(path).kind == PathKind::kFile) {
       HeldFile::Open(path, Deny::kAll, &opened);
       if (opened.failure == Failure::kSharingViolation) return opened;
     }
@@ -178,11 +178,9 @@ Status ReadIpxFile(const fs::path& path, PartsA* container) {
     have += bytes->size() - before;
     return bytes->size() > before;
   };
-  std::error_code unknown;
-  const uintmax_t size = fs::file_size(path, unknown);
   ipx::Pieces pieces(read_more);
   ipx::Lines lines([&](std::string_view* piece) { return pieces.Next(piece); },
-                   unknown ? 0 : static_cast<size_t>(size));
+                   static_cast<size_t>(FactsOfPath(path).size));
   const bool whole = Read(&lines, container);
   if (whole && status.ok() && have > 0) return Status::Ok();
   *container = PartsA();

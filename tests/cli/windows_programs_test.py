@@ -109,7 +109,7 @@ class WindowsProgramsTest(unittest.TestCase):
         ini.parent.mkdir(exist_ok=True)
         ini.write_text(f"[UpFile]\nserver=127.0.0.1:{server.server_port}\nopen_http=http\n")
         self.addCleanup(ini.unlink)
-        for folder in ("図面 ñ",):
+        for folder in ("図面 ñ", "/".join(["d" * 100] * 4)):
             (self.folder / folder).mkdir(parents=True)
             (self.folder / folder / "永.svg").write_text("<svg/>")
             path = self.there(folder)
