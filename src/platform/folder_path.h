@@ -53,6 +53,10 @@ Status ListFolder(const std::filesystem::path& folder,
 // Removes a file; ok when it is gone already.
 Status RemoveFile(const std::filesystem::path& file);
 
+// The path as UTF-8: its bytes where names are bytes; elsewhere what is no text in it (a lone
+// surrogate) becomes U+FFFD.
+std::string PathBytes(const std::filesystem::path& path);
+
 // The path in the form in which the standard library's streams open it, however long it is.
 std::filesystem::path PathToOpen(const std::filesystem::path& path);
 

@@ -72,6 +72,10 @@ Status RemoveFile(const fs::path& file) {
   return error ? SystemError(file, error.value()) : Status::Ok();
 }
 
+std::string PathBytes(const fs::path& path) {
+  return path.native();
+}
+
 fs::path PathToOpen(const fs::path& path) {
   return path;
 }

@@ -130,6 +130,10 @@ Status RemoveFile(const fs::path& file) {
   return error == ERROR_FILE_NOT_FOUND ? Status::Ok() : SystemError(file, error);
 }
 
+std::string PathBytes(const fs::path& path) {
+  return ToUtf8(path.native());
+}
+
 fs::path PathToOpen(const fs::path& path) {
   return LongPath(path);
 }

@@ -74,6 +74,12 @@ TEST(FolderPath, LongPathsGetThePrefix) {
   EXPECT_EQ(LongPath(L"NUL"), L"NUL");
 }
 
+TEST(FolderPath, NamesThatAreNoTextCanBeShown) {
+  EXPECT_EQ(PathBytes(L"a\\\u6C38\U0001F600"), "a\\\xE6\xB0\xB8\xF0\x9F\x98\x80");
+  EXPECT_EQ(PathBytes(std::wstring{L'a', wchar_t{0xD800}, L'z'}), "a\xEF\xBF\xBDz");
+  EXPECT_EQ(PathBytes({}), "");
+}
+
 TEST(FolderPath, FoldersAndFilesFarBeyondTheUsualLength) {
   const test::TemporaryFolder root;
   fs::path folder = root.path();
