@@ -95,21 +95,6 @@ Status Stopped(std::u16string_view name) {
   return Status::Error(Failure::kOther, std::u16string(name), u"stopped by the user");
 }
 
-// Opens the replacement of a file once nobody else holds it.
-std::unique_ptr<FileReplacement> OpenReplacement(const fs::path& path, Status* status) {
-  std::unique_ptr<FileReplacement> file;
-  *status = WaitForFile(path, FileWait::kWrite, [&] {
-    Status opened;
-    if (FactsOfPath(path).kind == PathKind::kFile) {
-      HeldFile::Open(path, Deny::kAll, &opened);
-      if (opened.failure == Failure::kSharingViolation) return opened;
-    }
-    file = FileReplacement::Create(path, &opened);
-    return file ? Status::Ok() : opened;
-  });
-  return file;
-}
-
 }  // namespace
 
 bool IsIpx(std::u16string_view path) {
@@ -149,7 +134,7 @@ Status EncodeIpx(const PartsA& container, std::u16string_view program, std::u16s
 
 Status WriteIpxFile(const fs::path& path, const PartsA& container, std::u16string_view program) {
   Status status;
-  const auto file = OpenReplacement(path, &status);
+  const auto file = ReplaceWhenFree(path, &status);
   if (!file) return status;
   status = EncodeIpx(container, program, PathText(path),
                      [&](std::string_view bytes) { return file->Write(bytes); });
