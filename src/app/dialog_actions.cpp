@@ -1,6 +1,5 @@
 // The main window's buttons, menu and drops, and what it says of their results.
 
-#include <system_error>
 #include <utility>
 
 #include "app/dialog.h"
@@ -11,6 +10,7 @@
 #include "base/text.h"
 #include "base/text_file.h"
 #include "export/draw_parts.h"
+#include "platform/folder_path.h"
 
 namespace kerno {
 namespace {
@@ -219,9 +219,8 @@ void Dialog::Dropped(const std::vector<fs::path>& files) {
     const bool taken = DropOne(file);
     EndProgress();
     if (taken) continue;
-    std::error_code error;
     const std::u16string text =
-        PathText(file) + (fs::exists(file, error)
+        PathText(file) + (PathExists(file)
                               ? u": Kerno takes text files, parts files (.ipx) and font files."
                               : u": there is no such file.");
     ShowStatus(text, StatusKind::kWarning);
@@ -246,8 +245,7 @@ bool Dialog::DropOne(const fs::path& file) {
 }
 
 void Dialog::DropText(const fs::path& file) {
-  std::error_code error;
-  if (fs::file_size(file, error) > kLargestDroppedText) {
+  if (FactsOfPath(file).size > kLargestDroppedText) {
     view_.ShowMessage(PathText(file) + u": is larger than 4 MiB, too much for one drawing");
     return;
   }

@@ -3,16 +3,16 @@
 #include <array>
 #include <fstream>
 #include <string_view>
-#include <system_error>
 
 #include "base/text.h"
+#include "platform/folder_path.h"
 
 namespace kerno {
 namespace {
 
 std::string FirstBytes(const std::filesystem::path& file) {
   std::string bytes(4096, '\0');
-  std::ifstream in(file, std::ios::binary);
+  std::ifstream in(PathToOpen(file), std::ios::binary);
   in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   bytes.resize(static_cast<size_t>(in.gcount()));
   return bytes;
@@ -42,9 +42,9 @@ bool LooksLikeText(std::string_view bytes) {
 }  // namespace
 
 DroppedKind KindOfDropped(const std::filesystem::path& file) {
-  std::error_code error;
-  if (std::filesystem::is_directory(file, error)) return DroppedKind::kFolder;
-  if (!std::filesystem::is_regular_file(file, error)) return DroppedKind::kOther;
+  const PathKind kind = FactsOfPath(file).kind;
+  if (kind == PathKind::kFolder) return DroppedKind::kFolder;
+  if (kind != PathKind::kFile) return DroppedKind::kOther;
   if (AsciiLower(Extension(PathText(file.filename()))) == u"ipx") return DroppedKind::kParts;
   const std::string bytes = FirstBytes(file);
   if (IsFont(bytes)) return DroppedKind::kFont;

@@ -50,12 +50,11 @@ Status DecodeText(std::string_view bytes, std::u16string_view name, std::u16stri
 
 Status LoadText(const std::filesystem::path& path, std::u16string* text) {
   const std::u16string name = PathText(path);
-  std::error_code error;
-  if (std::filesystem::is_directory(path, error)) {
+  if (IsFolder(path)) {
     return Status::Error(Failure::kIsFolder, name, u"is a folder");
   }
   errno = 0;
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(PathToOpen(path), std::ios::binary);
   std::string bytes;
   if (file) bytes.assign(std::istreambuf_iterator<char>(file), {});
   if (!file || file.bad()) {

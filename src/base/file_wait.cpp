@@ -3,6 +3,8 @@
 #include "base/notices.h"
 #include "base/text.h"
 #include "platform/clock.h"
+#include "platform/folder_path.h"
+#include "platform/held_file.h"
 
 namespace kerno {
 namespace {
@@ -29,6 +31,21 @@ Status WaitForFile(const std::filesystem::path& path, FileWait wait,
   }
   if (shown) CurrentNotices().ClearWait();
   return status;
+}
+
+std::unique_ptr<FileReplacement> ReplaceWhenFree(const std::filesystem::path& path,
+                                                 Status* status) {
+  std::unique_ptr<FileReplacement> file;
+  *status = WaitForFile(path, FileWait::kWrite, [&] {
+    Status opened;
+    if (FactsOfPath(path).kind == PathKind::kFile) {
+      HeldFile::Open(path, Deny::kAll, &opened);
+      if (opened.failure == Failure::kSharingViolation) return opened;
+    }
+    file = FileReplacement::Create(path, &opened);
+    return file ? Status::Ok() : opened;
+  });
+  return file;
 }
 
 }  // namespace kerno

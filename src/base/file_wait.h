@@ -3,7 +3,9 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 
+#include "platform/file_replacement.h"
 #include "platform/status.h"
 
 namespace kerno {
@@ -16,5 +18,8 @@ enum class FileWait { kRead, kWrite, kNothing };
 // that of the last attempt.
 Status WaitForFile(const std::filesystem::path& path, FileWait wait,
                    const std::function<Status()>& attempt);
+
+// FileReplacement::Create for a file that another process may hold: waits until nobody does.
+std::unique_ptr<FileReplacement> ReplaceWhenFree(const std::filesystem::path& path, Status* status);
 
 }  // namespace kerno

@@ -10,6 +10,7 @@
 #include "base/text_file.h"
 #include "base/time_text.h"
 #include "platform/code_page.h"
+#include "platform/folder_path.h"
 #include "platform/held_file.h"
 
 namespace kerno {
@@ -79,12 +80,11 @@ std::u16string IniHeader() {
 
 Status PrepareIniFile(const fs::path& file) {
   const std::lock_guard lock(SettingsProcess::Current().preparation);
-  std::error_code error;
   const fs::path folder = file.parent_path();
-  if (!folder.empty() && !fs::is_directory(folder, error) && !CreateFolderPath(folder)) {
+  if (!folder.empty() && !IsFolder(folder) && !CreateFolderPath(folder)) {
     return Status::Error(Failure::kNotFound, PathText(folder), u"the folder cannot be created");
   }
-  if (!fs::is_regular_file(file, error)) return Status::Ok();
+  if (FactsOfPath(file).kind != PathKind::kFile) return Status::Ok();
   std::string mark;
   Status looked = ReadStart(file, &mark);
   if (!looked.ok() || HasUtf16Mark(mark)) return looked;

@@ -10,6 +10,7 @@
 #include "base/text_file.h"
 #include "base/time_text.h"
 #include "platform/fold_case.h"
+#include "platform/folder_path.h"
 #include "platform/held_file.h"
 #include "platform/system.h"
 
@@ -197,8 +198,7 @@ Status ProfileStore::CheckNames(std::u16string_view section, std::u16string_view
 
 Status ProfileStore::WriteLines(const std::vector<ProfileEdit>& edits) {
   Status status = WaitForFile(file_, FileWait::kWrite, [&]() -> Status {
-    std::error_code error;
-    if (!fs::exists(file_, error)) {
+    if (!PathExists(file_)) {
       Status created = CreateNewFile(file_, EncodeText(IniHeader(), TextEncoding::kUtf16));
       if (!created.ok() && created.failure != Failure::kSharingViolation) return created;
     }
@@ -252,8 +252,7 @@ Status ProfileStore::Remove(std::u16string_view section, std::u16string_view key
   if (Status refused = CheckNames(section, key, {}); !refused.ok()) return refused;
   cache_.erase(Name{std::u16string(section), std::u16string(key)});
   if (!in_registry_) {
-    std::error_code error;
-    return fs::exists(file_, error) ? WriteLine(section, key, std::nullopt) : Status::Ok();
+    return PathExists(file_) ? WriteLine(section, key, std::nullopt) : Status::Ok();
   }
   const std::u16string registry_key = RegistryKey(section);
   const bool done = registry_.DeleteValue(registry_key, key);

@@ -163,10 +163,7 @@ bool CanWriteFolder(const fs::path& folder) {
   for (int i = 0; i < kTestNames; ++i) {
     const fs::path file = folder / TextPath(TestFileName(i));
     const Status created = CreateNewFile(file, {});
-    if (created.ok()) {
-      std::error_code error;
-      return fs::remove(file, error) || !error;
-    }
+    if (created.ok()) return RemoveFile(file).ok();
     if (created.failure != Failure::kSharingViolation) return false;  // the name was not taken
   }
   return false;

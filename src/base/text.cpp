@@ -1,6 +1,7 @@
 #include "base/text.h"
 
 #include "platform/code_page.h"
+#include "platform/folder_path.h"
 
 namespace kerno {
 namespace {
@@ -92,8 +93,7 @@ std::string Utf16ToUtf8(std::u16string_view utf16) {
 }
 
 std::u16string PathText(const std::filesystem::path& path) {
-  const std::u8string bytes = path.u8string();
-  return Utf8ToUtf16Lossy({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+  return Utf8ToUtf16Lossy(PathBytes(path));
 }
 
 std::filesystem::path TextPath(std::u16string_view text) {

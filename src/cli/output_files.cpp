@@ -12,6 +12,7 @@
 #include "cli/choice.h"
 #include "cli/console.h"
 #include "export/ipl_writer.h"
+#include "platform/folder_path.h"
 #include "platform/system.h"
 
 namespace kerno {
@@ -221,9 +222,8 @@ bool OutputFiles::Write(const Output& output, const PartsA& model, const std::st
   const auto spent =
       std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
   std::string line = output.name + ": " + summary;
-  std::error_code no_size;
-  const auto size = std::filesystem::file_size(path, no_size);
-  if (!no_size) line += ", " + std::to_string(size) + " bytes";
+  const PathFacts facts = FactsOfPath(path);
+  if (facts.kind == PathKind::kFile) line += ", " + std::to_string(facts.size) + " bytes";
   return Print(line + ", " + std::to_string(spent) + " ms\n");
 }
 

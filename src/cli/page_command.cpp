@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "cli/arguments.h"
 #include "cli/console.h"
+#include "platform/folder_path.h"
 #include "web/output_run.h"
 
 namespace kerno {
@@ -17,11 +19,10 @@ void PageCommand::AddOptions(CLI::App& app) {
 
 ExitStatus PageCommand::Run() {
   std::vector<std::filesystem::path> written;
-  const Status status = WriteFolderPages(folder_, &written);
+  const Status status = WriteFolderPages(PathArgument(folder_), &written);
   bool printed = true;
   for (const std::filesystem::path& page : written) {
-    const std::u8string name = page.u8string();
-    printed &= Print(std::string(name.begin(), name.end()) + "\n");
+    printed &= Print(PathBytes(page) + "\n");
   }
   if (!status.ok()) ReportError(status);
   return FinishPrinting() && printed && status.ok() ? kDone : kFailed;

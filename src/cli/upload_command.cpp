@@ -4,6 +4,7 @@
 
 #include "base/notices.h"
 #include "base/text.h"
+#include "cli/arguments.h"
 #include "cli/console.h"
 #include "web/upload_profile.h"
 
@@ -18,7 +19,7 @@ void UploadCommand::AddOptions(CLI::App& app) {
 ExitStatus UploadCommand::Run() {
   ExitStatus status = kDone;
   for (const std::string& file : files_) {
-    const UploadResult result = UploadFile(file);
+    const UploadResult result = UploadFile(PathArgument(file));
     if (result.ok()) {
       if (!Print(Utf16ToUtf8(result.message) + "\n")) status = kFailed;
       continue;

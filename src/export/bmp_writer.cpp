@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/file_wait.h"
 #include "base/text.h"
 #include "export/draw_parts.h"
 #include "export/picture_notes.h"
@@ -118,7 +119,7 @@ Status WriteBmp(const PartsA& model, const BmpOptions& options, const std::files
 Status ExportBmp(const PartsA& model, const std::filesystem::path& file,
                  const BmpOptions& options) {
   Status status;
-  const std::unique_ptr<FileReplacement> out = FileReplacement::Create(file, &status);
+  const std::unique_ptr<FileReplacement> out = ReplaceWhenFree(file, &status);
   if (!out) return status;
   status = WriteBmp(model, options, file, out.get());
   return status.ok() ? out->Commit() : status;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <vector>
 
+#include "base/file_wait.h"
 #include "base/notices.h"
 #include "base/text.h"
 #include "parts/element_access.h"
@@ -167,7 +168,7 @@ Status WriteDxf(const PartsA& model, const DxfOptions& options, const std::files
 Status ExportDxf(const PartsA& model, const std::filesystem::path& file,
                  const DxfOptions& options) {
   Status status;
-  const auto out = FileReplacement::Create(file, &status);
+  const auto out = ReplaceWhenFree(file, &status);
   if (!out) return status;
   status = WriteDxf(model, options, file, out.get());
   return status.ok() ? out->Commit() : status;

@@ -6,6 +6,7 @@
 #include <initializer_list>
 #include <utility>
 
+#include "base/file_wait.h"
 #include "base/folders.h"
 #include "base/number_text.h"
 #include "base/text.h"
@@ -374,7 +375,7 @@ Status DxfWriter::FinishInto(FileReplacement* out) {
 
 Status DxfWriter::Finish() {
   Status status;
-  const auto file = FileReplacement::Create(output_name_, &status);
+  const auto file = ReplaceWhenFree(output_name_, &status);
   if (file) status = FinishInto(file.get());
   return status.ok() ? file->Commit() : status;
 }

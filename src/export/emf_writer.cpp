@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/file_wait.h"
 #include "base/text.h"
 #include "export/draw_parts.h"
 #include "export/emf_context.h"
@@ -59,7 +60,7 @@ Status WriteEmf(const PartsA& model, const EmfOptions& options, const std::files
 Status ExportEmf(const PartsA& model, const std::filesystem::path& file,
                  const EmfOptions& options) {
   Status status;
-  const std::unique_ptr<FileReplacement> out = FileReplacement::Create(file, &status);
+  const std::unique_ptr<FileReplacement> out = ReplaceWhenFree(file, &status);
   if (!out) return status;
   status = WriteEmf(model, options, file, out.get());
   return status.ok() ? out->Commit() : status;

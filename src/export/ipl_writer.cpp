@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/file_wait.h"
 #include "base/notices.h"
 #include "base/number_text.h"
 #include "base/text.h"
@@ -76,7 +77,7 @@ Status WriteIpl(const PartsA& model, const std::filesystem::path& name, FileRepl
 
 Status ExportIpl(const PartsA& model, const std::filesystem::path& file) {
   Status status;
-  const auto out = FileReplacement::Create(file, &status);
+  const auto out = ReplaceWhenFree(file, &status);
   if (!out) return status;
   status = WriteIpl(model, file, out.get());
   return status.ok() ? out->Commit() : status;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "base/file_wait.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "export/draw_parts.h"
@@ -119,7 +120,7 @@ Status WriteSvg(const PartsA& model, const SvgOptions& options, const std::files
 Status ExportSvg(const PartsA& model, const std::filesystem::path& file,
                  const SvgOptions& options) {
   Status status;
-  const auto out = FileReplacement::Create(file, &status);
+  const auto out = ReplaceWhenFree(file, &status);
   if (!out) return status;
   status = WriteSvg(model, options, file, out.get());
   return status.ok() ? out->Commit() : status;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/file_wait.h"
 #include "base/notices.h"
 #include "base/number_text.h"
 #include "base/text.h"
@@ -235,7 +236,7 @@ Status WriteX3d(const PartsA& model, const std::filesystem::path& name, FileRepl
 
 Status ExportX3d(const PartsA& model, const std::filesystem::path& file) {
   Status status;
-  const auto out = FileReplacement::Create(file, &status);
+  const auto out = ReplaceWhenFree(file, &status);
   if (!out) return status;
   status = WriteX3d(model, file, out.get());
   return status.ok() ? out->Commit() : status;

@@ -12,6 +12,7 @@
 #include "parts/ipx_pieces.h"
 #include "platform/code_page.h"
 #include "platform/file_replacement.h"
+#include "platform/folder_path.h"
 #include "platform/held_file.h"
 
 namespace kerno {
@@ -94,22 +95,6 @@ Status Stopped(std::u16string_view name) {
   return Status::Error(Failure::kOther, std::u16string(name), u"stopped by the user");
 }
 
-// Opens the replacement of a file once nobody else holds it.
-std::unique_ptr<FileReplacement> OpenReplacement(const fs::path& path, Status* status) {
-  std::unique_ptr<FileReplacement> file;
-  *status = WaitForFile(path, FileWait::kWrite, [&] {
-    Status opened;
-    std::error_code ignored;
-    if (fs::is_regular_file(path, ignored)) {
-      HeldFile::Open(path, Deny::kAll, &opened);
-      if (opened.failure == Failure::kSharingViolation) return opened;
-    }
-    file = FileReplacement::Create(path, &opened);
-    return file ? Status::Ok() : opened;
-  });
-  return file;
-}
-
 }  // namespace
 
 bool IsIpx(std::u16string_view path) {
@@ -149,7 +134,7 @@ Status EncodeIpx(const PartsA& container, std::u16string_view program, std::u16s
 
 Status WriteIpxFile(const fs::path& path, const PartsA& container, std::u16string_view program) {
   Status status;
-  const auto file = OpenReplacement(path, &status);
+  const auto file = ReplaceWhenFree(path, &status);
   if (!file) return status;
   status = EncodeIpx(container, program, PathText(path),
                      [&](std::string_view bytes) { return file->Write(bytes); });
@@ -178,11 +163,9 @@ Status ReadIpxFile(const fs::path& path, PartsA* container) {
     have += bytes->size() - before;
     return bytes->size() > before;
   };
-  std::error_code unknown;
-  const uintmax_t size = fs::file_size(path, unknown);
   ipx::Pieces pieces(read_more);
   ipx::Lines lines([&](std::string_view* piece) { return pieces.Next(piece); },
-                   unknown ? 0 : static_cast<size_t>(size));
+                   static_cast<size_t>(FactsOfPath(path).size));
   const bool whole = Read(&lines, container);
   if (whole && status.ok() && have > 0) return Status::Ok();
   *container = PartsA();

@@ -28,8 +28,8 @@ std::optional<std::u16string> ReadProfileString(const std::filesystem::path& fil
 int32_t ParseProfileInt(std::u16string_view value);
 
 // One line to write; without a value the key is removed. Section and key hold at least one
-// character that is not a blank, no part holds a line break or a NUL, a key no "=" and no "[" or
-// ";" at its start.
+// character that is not a blank, no part holds a line break or a NUL, a key no "[" or ";" at its
+// start. A key "a=b" may be refused where a key "a" stands already.
 struct ProfileEdit {
   std::u16string section;
   std::u16string key;

@@ -1,6 +1,7 @@
 #include "web/html_text.h"
 
 #include "base/text.h"
+#include "platform/folder_path.h"
 
 namespace kerno {
 namespace {
@@ -66,8 +67,8 @@ std::u16string UnescapeHtml(std::string_view html) {
 std::string LinkTo(const std::filesystem::path& name) {
   constexpr std::string_view kHex = "0123456789ABCDEF";
   std::string link = "./";
-  for (const char8_t byte : name.u8string()) {
-    const auto c = static_cast<char>(byte);
+  for (const char c : PathBytes(name)) {
+    const auto byte = static_cast<unsigned char>(c);
     const bool plain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
                        c == '-' || c == '.' || c == '_' || c == '~';
     if (plain) {

@@ -5,7 +5,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <system_error>
 
 #include "base/text.h"
 #include "platform/file_replacement.h"
@@ -18,24 +17,12 @@ namespace fs = std::filesystem;
 
 constexpr size_t kMostOfPage = 64 * 1024;  // the part of a page that tells its source
 
-// Calls `take` with each entry. False with the reason when the folder cannot be read.
-template <class Take>
-Status ForEachFile(const fs::path& folder, const Take& take) {
-  std::error_code error;
-  fs::directory_iterator entries(folder.empty() ? fs::path(".") : folder, error);
-  for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
-    std::error_code gone;
-    if (entries->is_regular_file(gone)) take(*entries);
-  }
-  if (!error) return Status::Ok();
-  const auto kind = error == std::errc::permission_denied           ? Failure::kAccessDenied
-                    : error == std::errc::no_such_file_or_directory ? Failure::kNotFound
-                                                                    : Failure::kOther;
-  return Status::Error(kind, PathText(folder), ErrorText(error));
+bool IsRegularFile(const fs::path& path) {
+  return FactsOfPath(path).kind == PathKind::kFile;
 }
 
 std::optional<PageSource> SourceOfPage(const fs::path& page) {
-  std::ifstream in(page, std::ios::binary);
+  std::ifstream in(PathToOpen(page), std::ios::binary);
   std::string head(kMostOfPage, '\0');
   in.read(head.data(), static_cast<std::streamsize>(head.size()));
   head.resize(static_cast<size_t>(in.gcount()));
@@ -65,12 +52,11 @@ std::vector<PageFile> FilesOfRun(const fs::path& base) {
   std::vector<PageFile> files;
   const fs::path base_name = base.filename();
   // A folder that cannot be read shows as one without files; writing the page there fails anyway.
-  const Status ignored = ForEachFile(base.parent_path(), [&](const fs::directory_entry& entry) {
-    const fs::path name = entry.path().filename();
+  const Status ignored = ListFolder(base.parent_path(), [&](const fs::path& file) {
+    const fs::path name = file.filename();
     if (BaseName(name) != base_name || !KindOfFile(name)) return;
-    std::error_code gone;
-    const uintmax_t size = entry.file_size(gone);
-    if (!gone) files.push_back({name, size});
+    const PathFacts facts = FactsOfPath(file);
+    if (facts.kind == PathKind::kFile) files.push_back({name, facts.size});
   });
   (void)ignored;
   std::sort(files.begin(), files.end(), [](const PageFile& a, const PageFile& b) {
@@ -97,8 +83,7 @@ PageSource SourceOfName(std::u16string_view base_name) {
 
 Status WriteOutputPage(const fs::path& base, const PageSource& source) {
   const fs::path page = PageOfRun(base);
-  std::error_code error;
-  if (fs::exists(page, error) && !SourceOfPage(page)) {
+  if (PathExists(page) && !SourceOfPage(page)) {
     return Status::Error(Failure::kOther, PathText(page),
                          u"not replaced: it is no page that this program wrote");
   }
@@ -112,12 +97,13 @@ Status RefreshOutputPage(const fs::path& base) {
 
 Status WriteFolderPages(const fs::path& folder, std::vector<fs::path>* written) {
   std::set<fs::path> bases;
-  Status first = ForEachFile(folder, [&](const fs::directory_entry& entry) {
-    const fs::path name = entry.path().filename();
+  Status first = ListFolder(folder, [&](const fs::path& file) {
+    const fs::path name = file.filename();
     const FileKind* const kind = KindOfFile(name);
     const bool output = kind && std::string_view(kind->extension) != "rtf";
-    const bool page = name.extension() == ".html" && SourceOfPage(entry.path());
-    if (output || page) bases.insert(BaseName(name));
+    const bool page = name.extension() == ".html";
+    if ((!output && !page) || !IsRegularFile(file)) return;
+    if (output || SourceOfPage(file)) bases.insert(BaseName(name));
   });
   if (first.ok() && bases.empty()) {
     first = Status::Error(Failure::kNotFound, PathText(folder), u"there are no outputs in it");

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <system_error>
 #include <utility>
 
 #include "base/file_wait.h"
@@ -52,22 +51,21 @@ std::u16string DurationText(std::chrono::milliseconds duration) {
 }
 
 // Why the thing at `file` is not one to send; ok for a regular file.
-Status CheckKind(const fs::path& file) {
-  std::error_code error;
-  const fs::file_type type = fs::status(file, error).type();
+Status CheckKind(const fs::path& file, const PathFacts& facts) {
   const std::u16string name = ShownPath(file);
-  switch (type) {
-    case fs::file_type::regular:
-      return Status::Ok();
-    case fs::file_type::not_found:
+  switch (facts.kind) {
+    case PathKind::kFile:
+      break;
+    case PathKind::kMissing:
       return Status::Error(Failure::kNotFound, name, u"there is no such file");
-    case fs::file_type::directory:
+    case PathKind::kFolder:
       return Status::Error(Failure::kIsFolder, name, u"it is a folder, not a file");
-    case fs::file_type::none:
-      return Status::Error(Failure::kAccessDenied, name, ErrorText(error));
-    default:
+    case PathKind::kUnknown:
+      return Status::Error(Failure::kAccessDenied, name, facts.why.why);
+    case PathKind::kOther:
       return Status::Error(Failure::kOther, name, u"it is a device or a pipe, not a file");
   }
+  return Status::Ok();
 }
 
 // Appends the file's bytes to *body, with room left for `tail` bytes more. Not ok: *end tells which
@@ -75,16 +73,15 @@ Status CheckKind(const fs::path& file) {
 Status AppendFile(const fs::path& file, int64_t limit, size_t tail, std::string* body,
                   UploadEnd* end) {
   *end = UploadEnd::kFileTrouble;
-  if (Status status = CheckKind(file); !status.ok()) return status;
+  const PathFacts facts = FactsOfPath(file);
+  if (Status status = CheckKind(file, facts); !status.ok()) return status;
   const auto too_large = [&] {
     *end = UploadEnd::kTooLarge;
     return Status::Error(
         Failure::kOther, ShownPath(file),
         u"not sent: it is larger than " + Decimal(limit) + u" bytes (\"up_max_file_size\")");
   };
-  std::error_code error;
-  const auto size = static_cast<int64_t>(fs::file_size(file, error));
-  if (!error && size > limit) return too_large();
+  if (facts.size > static_cast<uint64_t>(limit)) return too_large();
   std::unique_ptr<HeldFile> held;
   Status status = WaitForFile(file, FileWait::kRead, [&] {
     Status opened;
@@ -93,7 +90,7 @@ Status AppendFile(const fs::path& file, int64_t limit, size_t tail, std::string*
   });
   if (!held) return status;
   const size_t head = body->size();
-  body->reserve(head + static_cast<size_t>(error ? 0 : size) + kReadAtOnce + tail);
+  body->reserve(head + static_cast<size_t>(facts.size) + kReadAtOnce + tail);
   PreferLargePages(body->data(), body->capacity());
   const size_t most = head + static_cast<size_t>(limit);
   for (size_t before = head + 1; before != body->size() && body->size() <= most;) {

@@ -4,12 +4,14 @@ resources, which other readers see, too.
 
 usage: windows_programs_test.py KERNO_EXE KERNO_DESKTOP_EXE
 """
+import http.server
 import pathlib
 import re
 import shutil
 import subprocess
 import sys
 import tempfile
+import threading
 import unittest
 
 import programs
@@ -83,6 +85,39 @@ class WindowsProgramsTest(unittest.TestCase):
             self.assertTrue(err.startswith(f"kerno: {argument}: {message}"), err)
             self.assertEqual(1, err.count("\n"), err)
         self.assertEqual(before, sorted(self.folder.rglob("*")))
+
+    def test_pages_and_uploads_of_names_of_every_form(self):
+        received = []
+
+        class Receiver(http.server.BaseHTTPRequestHandler):
+            def do_POST(self):
+                received.append(self.rfile.read(int(self.headers["Content-Length"])).decode())
+                self.send_response(200)
+                self.end_headers()
+
+            def log_message(self, *_):
+                pass
+
+        server = http.server.HTTPServer(("127.0.0.1", 0), Receiver)
+        self.addCleanup(server.server_close)
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+        self.addCleanup(server.shutdown)
+        settings = self.run_kerno("upload", "--help")[1].rsplit("set in ", 1)[1].split(", section")[0]
+        done = subprocess.run([str(programs.RUNNER), "winepath", "-u", settings],
+                              capture_output=True, check=True)
+        ini = pathlib.Path(done.stdout.decode().strip())
+        ini.parent.mkdir(exist_ok=True)
+        ini.write_text(f"[UpFile]\nserver=127.0.0.1:{server.server_port}\nopen_http=http\n")
+        self.addCleanup(ini.unlink)
+        for folder in ("図面 ñ", "/".join(["d" * 100] * 4)):
+            (self.folder / folder).mkdir(parents=True)
+            (self.folder / folder / "永.svg").write_text("<svg/>")
+            path = self.there(folder)
+            self.assertEqual((0, path + "\\永.html\n", ""), self.run_kerno("page", path))
+            self.assertIn("%E6%B0%B8.svg", (self.folder / folder / "永.html").read_text("utf-8"))
+            status, _, err = self.run_kerno("upload", path + "\\永.svg")
+            self.assertEqual((0, ""), (status, err))
+            self.assertIn('filename="永.svg"\r\n', received[-1])
 
     def test_settings_beside_the_program(self):
         settings = self.folder / "Quenkit_Setting"

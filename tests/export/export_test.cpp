@@ -2,7 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
+#include "base/text.h"
+#include "export/bmp_writer.h"
+#include "export/emf_writer.h"
+#include "export/ipl_writer.h"
 #include "parts/ipx_cache.h"
+#include "support/file_holder.h"
+#include "support/recording_notices.h"
 #include "support/temporary_folder.h"
 
 namespace kerno {
@@ -28,6 +36,37 @@ TEST(Export, TheExtensionChoosesExactly) {
     EXPECT_EQ(status.why.empty(), c.result == 1) << c.name;
     EXPECT_EQ(folder.Names().size(), c.result == 1 ? 1u : 0u) << c.name;
     std::filesystem::remove(folder / c.name);
+  }
+}
+
+TEST(Export, EveryWriterWaitsForAnotherProcess) {
+  const TemporaryFolder folder;
+  const std::filesystem::path file = folder / "held";
+  PartsA model;
+  model.parts.resize(1);
+  const auto as = [&](ExportFormat format) {
+    Status status;
+    (void)ExportAs(format, model, file, {}, &status);
+    return status;
+  };
+  const std::pair<const char*, std::function<Status()>> writers[] = {
+      {"dxf", [&] { return as(ExportFormat::kDxf); }},
+      {"svg", [&] { return as(ExportFormat::kSvg); }},
+      {"ipx", [&] { return as(ExportFormat::kIpx); }},
+      {"x3d", [&] { return as(ExportFormat::kX3d); }},
+      {"emf", [&] { return ExportEmf(model, file); }},
+      {"bmp", [&] { return ExportBmp(model, file, {}); }},
+      {"ipl", [&] { return ExportIpl(model, file); }}};
+  for (const auto& [name, write] : writers) {
+    test::WriteBytes(file, "old");
+    test::RecordingNotices notices;
+    const test::FileHolder holder(file, test::HoldKind::kWholeFile, 200);
+    const Status status = write();
+    EXPECT_TRUE(status.ok()) << name << ": " << Utf16ToUtf8(status.why);
+    EXPECT_EQ(notices.waits,
+              (std::vector<std::u16string>{u"FileWait OpenWrite " + PathText(file), u""}))
+        << name;
+    EXPECT_NE(test::ReadBytes(file), "old") << name;
   }
 }
 

@@ -69,5 +69,31 @@ TEST(PrivateProfile, OddFilesGiveDefinedAnswers) {
   EXPECT_EQ(ReadProfileString(ini, u"s", u"k", kAll)->size(), 20000u);
 }
 
+TEST(PrivateProfile, AKeyWithAnEqualsSignIsReadAsItWasWritten) {
+  const test::TemporaryFolder folder;
+  const auto ini = folder / "f.ini";
+  const auto read = [&](std::u16string_view key) {
+    return ReadProfileString(ini, u"s", key, kAll).value_or(u"<none>");
+  };
+  EXPECT_TRUE(WriteProfile(ini, {{u"s", u"k", u"1"}, {u"s", u"o+=...m=n", u"1"}}).ok());
+  const auto size = std::filesystem::file_size(ini);
+  EXPECT_TRUE(WriteProfile(ini, {{u"s", u"O+=...M=N", u"2"}}).ok());
+  EXPECT_EQ(std::filesystem::file_size(ini), size);  // in its place
+  EXPECT_EQ(read(u"o+=...m=n"), u"2");
+  EXPECT_EQ(ReadProfileString(ini, u"s", u"o+=...m=n", 1), u"2");
+  EXPECT_EQ(read(u"o+=...m"), u"n=2");
+  EXPECT_EQ(read(u"o+=...x"), u"<none>");
+  EXPECT_TRUE(WriteProfile(ini, {{u"s", u"o+=...m=n", u"\" a=b \""}}).ok());
+  EXPECT_EQ(read(u"o+=...m=n"), u" a=b ");
+  EXPECT_TRUE(WriteProfile(ini, {{u"s", u"o+=...x", std::nullopt}}).ok());
+  EXPECT_EQ(read(u"o+=...m=n"), u" a=b ");
+  EXPECT_TRUE(WriteProfile(ini, {{u"s", u"o+=...m=n", std::nullopt}}).ok());
+  EXPECT_EQ(read(u"o+"), u"<none>");
+  // Where it cannot be written, nothing is lost for it.
+  const bool written = WriteProfile(ini, {{u"s", u"k=x", u"2"}}).ok();
+  EXPECT_EQ(read(u"k"), u"1");
+  EXPECT_EQ(read(u"k=x"), written ? u"2" : u"<none>");
+}
+
 }  // namespace
 }  // namespace kerno

@@ -25,12 +25,10 @@ using testing::HasSubstr;
 constexpr int64_t kMebibyte = 1 << 20;
 constexpr std::string_view kAccepting = "HTTP/1.1 200 OK\r\nContent-Length: 7\r\n\r\nTaken.\n";
 
-// What differs between the systems: a device and what is said of it, a name of a file that needs
-// care in a header, and how the system's HTTP takes an answer before the end of the body and one
-// that is none.
+// What differs between the systems: a device, a name of a file that needs care in a header, and how
+// the system's HTTP takes an answer before the end of the body and one that is none.
 #ifdef _WIN32
 constexpr const char* kDevice = "NUL";
-constexpr const char* kWhyNoDevice = "no such file";
 constexpr const char16_t* kOddName = u"a %b% 永.svg";
 constexpr const char* kOddNameSent = "a %b% 永.svg";
 const std::set<std::string> kSystemHeaders = {"Connection: Keep-Alive", "Cache-Control: no-cache",
@@ -39,7 +37,6 @@ constexpr bool kSendsOnAfterAnAnswer = true;
 constexpr bool kTakesAnyTextForHttp = true;  // Wine takes it for an answer of HTTP 0.9
 #else
 constexpr const char* kDevice = "/dev/zero";
-constexpr const char* kWhyNoDevice = "a device";
 constexpr const char16_t* kOddName = u"a \"b\" 永.svg";
 constexpr const char* kOddNameSent = "a %22b%22 永.svg";
 const std::set<std::string> kSystemHeaders;
@@ -211,7 +208,7 @@ TEST_F(UploaderTest, WhatIsNoFileIsNotSent) {
   std::filesystem::create_directory(folder_ / "folder");
   for (const auto& [path, why] : {std::pair{folder_ / "missing.svg", "no such file"},
                                   std::pair{folder_ / "folder", "a folder"},
-                                  std::pair{std::filesystem::path(kDevice), kWhyNoDevice}}) {
+                                  std::pair{std::filesystem::path(kDevice), "a device"}}) {
     const UploadResult result = With(session).Upload(path);
     EXPECT_EQ(result.end, UploadEnd::kFileTrouble) << path;
     EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr(Utf16ToUtf8(PathText(path)))) << path;

@@ -35,6 +35,51 @@ bool IsFolder(const fs::path& path) {
   return fs::is_directory(path, error);
 }
 
+PathFacts FactsOfPath(const fs::path& path) {
+  std::error_code error;
+  PathFacts facts;
+  switch (fs::status(path, error).type()) {
+    case fs::file_type::not_found:
+      break;
+    case fs::file_type::regular:
+      facts.kind = PathKind::kFile;
+      facts.size = fs::file_size(path, error);
+      if (error) facts.size = 0;
+      break;
+    case fs::file_type::directory:
+      facts.kind = PathKind::kFolder;
+      break;
+    case fs::file_type::none:
+      facts.kind = PathKind::kUnknown;
+      facts.why = SystemError(path, error.value());
+      break;
+    default:
+      facts.kind = PathKind::kOther;
+  }
+  return facts;
+}
+
+Status ListFolder(const fs::path& folder, const std::function<void(const fs::path&)>& take) {
+  std::error_code error;
+  fs::directory_iterator at(folder.empty() ? fs::path(".") : folder, error);
+  for (; !error && at != fs::directory_iterator(); at.increment(error)) take(at->path());
+  return error ? SystemError(folder, error.value()) : Status::Ok();
+}
+
+Status RemoveFile(const fs::path& file) {
+  std::error_code error;
+  fs::remove(file, error);
+  return error ? SystemError(file, error.value()) : Status::Ok();
+}
+
+std::string PathBytes(const fs::path& path) {
+  return path.native();
+}
+
+fs::path PathToOpen(const fs::path& path) {
+  return path;
+}
+
 Status MakeFolder(const fs::path& path) {
   std::error_code error;
   fs::create_directory(path, error);  // no error when another process was faster

@@ -1,6 +1,7 @@
 // The standard library knows no network paths: it takes "\\server\share" for a folder "server" in
 // the root of the current drive.
 #include "platform/folder_path.h"
+#include "platform/win32/handle.h"
 #include "platform/win32/long_path.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/wide_text.h"
@@ -77,6 +78,64 @@ bool PathExists(const fs::path& path) {
 bool IsFolder(const fs::path& path) {
   const DWORD attributes = GetFileAttributesW(LongPath(path).c_str());
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+PathFacts FactsOfPath(const fs::path& path) {
+  PathFacts facts;
+  const Handle file(CreateFileW(LongPath(path).c_str(), FILE_READ_ATTRIBUTES,
+                                FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+  if (!file.valid()) {
+    facts.why = SystemError(path, GetLastError());
+    const bool missing = facts.why.failure == Failure::kNotFound;
+    facts.kind = missing ? PathKind::kMissing : PathKind::kUnknown;
+    return facts;
+  }
+  BY_HANDLE_FILE_INFORMATION information{};
+  if (GetFileType(file.get()) != FILE_TYPE_DISK ||
+      !GetFileInformationByHandle(file.get(), &information)) {
+    facts.kind = PathKind::kOther;
+    return facts;
+  }
+  const bool folder = (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  facts.kind = folder ? PathKind::kFolder : PathKind::kFile;
+  if (!folder) facts.size = uint64_t{information.nFileSizeHigh} << 32 | information.nFileSizeLow;
+  return facts;
+}
+
+Status ListFolder(const fs::path& folder, const std::function<void(const fs::path&)>& take) {
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = FindFirstFileW(LongPath(folder / L"*").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) {
+    const DWORD error = GetLastError();
+    if (!folder.empty() && !IsFolder(folder)) {
+      return Status::Error(Failure::kNotFound, SystemText(folder),
+                           PathExists(folder) ? u"it is not a folder" : u"there is no such folder");
+    }
+    // A root may hold nothing at all, not even "." and "..".
+    return error == ERROR_FILE_NOT_FOUND ? Status::Ok() : SystemError(folder, error);
+  }
+  do {
+    const std::wstring_view name = found.cFileName;
+    if (name != L"." && name != L"..") take(folder / name);
+  } while (FindNextFileW(search, &found));
+  const DWORD error = GetLastError();
+  FindClose(search);
+  return error == ERROR_NO_MORE_FILES ? Status::Ok() : SystemError(folder, error);
+}
+
+Status RemoveFile(const fs::path& file) {
+  if (DeleteFileW(LongPath(file).c_str())) return Status::Ok();
+  const DWORD error = GetLastError();
+  return error == ERROR_FILE_NOT_FOUND ? Status::Ok() : SystemError(file, error);
+}
+
+std::string PathBytes(const fs::path& path) {
+  return ToUtf8(path.native());
+}
+
+fs::path PathToOpen(const fs::path& path) {
+  return LongPath(path);
 }
 
 Status MakeFolder(const fs::path& path) {

@@ -31,6 +31,56 @@ bool IsLong(const fs::path& whole) {
   return LongPath(whole) != whole;
 }
 
+// The functions take a key to end at its first "=". One that holds "=" itself is written as a value
+// of its beginning: the line "a=b=c" is the key "a=b" with the value "c" either way.
+struct SplitKey {
+  explicit SplitKey(std::u16string_view key) : name(ToWide(key)) {
+    const size_t equals = name.find(L'=');
+    if (equals == name.npos) return;
+    rest = name.substr(equals + 1) + L'=';
+    name.resize(equals);
+  }
+
+  // Takes the rest of the key off the value of its beginning; false when that is not there.
+  bool TakeRest(std::wstring* value) const {
+    if (rest.empty()) return true;
+    const auto length = static_cast<int>(rest.size());
+    if (value->size() < rest.size() ||
+        CompareStringOrdinal(value->data(), length, rest.data(), length, TRUE) != CSTR_EQUAL) {
+      return false;
+    }
+    value->erase(0, rest.size());
+    constexpr const wchar_t* kBlanks = L" \t";
+    value->erase(0, value->find_first_not_of(kBlanks));
+    const bool quoted = value->size() >= 2 && value->front() == value->back() &&
+                        (value->front() == L'"' || value->front() == L'\'');
+    if (quoted) *value = value->substr(1, value->size() - 2);
+    return true;
+  }
+
+  std::wstring name;
+  std::wstring rest;  // with the "=" behind it
+};
+
+// The value of a key, or its first `most` units and more; nothing when it is missing.
+std::optional<std::wstring> ReadValue(const fs::path& whole, std::u16string_view section,
+                                      const std::wstring& key, size_t most) {
+  std::wstring value(kFirstSize, L'\0');
+  for (;;) {
+    const DWORD length =
+        GetPrivateProfileStringW(ToWide(section).c_str(), key.c_str(), kMissing, value.data(),
+                                 static_cast<DWORD>(value.size()), whole.c_str());
+    const bool complete = length + 1 < value.size();
+    if (complete || length >= most || value.size() > kLargestSize) {
+      value.resize(length);
+      break;
+    }
+    value.resize(2 * value.size());
+  }
+  if (value == kMissing) return std::nullopt;
+  return value;
+}
+
 // A copy of a file's text, removed with its owner: beside the file, or among the temporary files
 // when the file's path is long.
 class WorkingCopy {
@@ -59,9 +109,21 @@ class WorkingCopy {
   Status Fill(std::string_view text) { return ReplaceFile(path_, text); }
 
   Status Edit(const ProfileEdit& edit) {
-    const std::wstring value = edit.value ? ToWide(*edit.value) : std::wstring();
+    SplitKey key(edit.key);
+    if (!key.rest.empty()) {
+      auto present = ReadValue(path_, edit.section, key.name, kLargestSize);
+      const std::wstring spelling = present ? present->substr(0, key.rest.size()) : key.rest;
+      if (present && !key.TakeRest(&*present)) {
+        if (!edit.value) return Status::Ok();
+        return Status::Error(
+            Failure::kOther, SystemText(path_),
+            u"the key \"" + FromWide(key.name) + u"\" is in the way of \"" + edit.key + u"\"");
+      }
+      key.rest = spelling;  // a line keeps its key as it stands
+    }
+    const std::wstring value = edit.value ? key.rest + ToWide(*edit.value) : std::wstring();
     const bool done =
-        WritePrivateProfileStringW(ToWide(edit.section).c_str(), ToWide(edit.key).c_str(),
+        WritePrivateProfileStringW(ToWide(edit.section).c_str(), key.name.c_str(),
                                    edit.value ? value.c_str() : nullptr, path_.c_str()) != 0;
     return done ? Status::Ok() : SystemError(path_, GetLastError());
   }
@@ -99,20 +161,11 @@ std::optional<std::u16string> ReadProfileString(const fs::path& file, std::u16st
     return copy.CopyOf(path).ok() ? ReadProfileString(copy.path(), section, key, most)
                                   : std::nullopt;
   }
-  std::wstring value(kFirstSize, L'\0');
-  for (;;) {
-    const DWORD length =
-        GetPrivateProfileStringW(ToWide(section).c_str(), ToWide(key).c_str(), kMissing,
-                                 value.data(), static_cast<DWORD>(value.size()), path.c_str());
-    const bool whole = length + 1 < value.size();
-    if (whole || length >= most || value.size() > kLargestSize) {
-      value.resize(length);
-      break;
-    }
-    value.resize(2 * value.size());
-  }
-  if (value == kMissing) return std::nullopt;
-  return FromWide(std::wstring_view(value).substr(0, most));
+  const SplitKey split(key);
+  const size_t wanted = most > kLargestSize ? most : most + split.rest.size();
+  std::optional<std::wstring> value = ReadValue(path, section, split.name, wanted);
+  if (!value || !split.TakeRest(&*value)) return std::nullopt;
+  return FromWide(std::wstring_view(*value).substr(0, most));
 }
 
 Status WriteProfile(const fs::path& file, const std::vector<ProfileEdit>& edits) {

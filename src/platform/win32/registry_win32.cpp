@@ -39,12 +39,12 @@ RegistryOutcome Failed(std::u16string_view key, LSTATUS error, Status* why) {
   return RegistryOutcome::kFailed;
 }
 
-// The text of a string value, which may or may not end with a NUL.
+// The text of a string value up to its first NUL; it may have none, or remains of another behind
+// it.
 std::u16string TextOf(const std::vector<uint8_t>& data) {
   std::u16string text(data.size() / sizeof(char16_t), u'\0');
   std::memcpy(text.data(), data.data(), text.size() * sizeof(char16_t));
-  while (!text.empty() && text.back() == u'\0') text.pop_back();
-  return text;
+  return text.substr(0, text.find(u'\0'));
 }
 
 // The text with the environment's variables ("%NAME%") put in.

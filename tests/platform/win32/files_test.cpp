@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <fstream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -72,6 +74,12 @@ TEST(FolderPath, LongPathsGetThePrefix) {
   EXPECT_EQ(LongPath(L"NUL"), L"NUL");
 }
 
+TEST(FolderPath, NamesThatAreNoTextCanBeShown) {
+  EXPECT_EQ(PathBytes(L"a\\\u6C38\U0001F600"), "a\\\xE6\xB0\xB8\xF0\x9F\x98\x80");
+  EXPECT_EQ(PathBytes(std::wstring{L'a', wchar_t{0xD800}, L'z'}), "a\xEF\xBF\xBDz");
+  EXPECT_EQ(PathBytes({}), "");
+}
+
 TEST(FolderPath, FoldersAndFilesFarBeyondTheUsualLength) {
   const test::TemporaryFolder root;
   fs::path folder = root.path();
@@ -91,9 +99,17 @@ TEST(FolderPath, FoldersAndFilesFarBeyondTheUsualLength) {
   EXPECT_EQ(ReadProfileString(folder / L"p.ini", u"s", u"k", 10), u"\u6C38");
   Status status;
   EXPECT_NE(ScratchFile::Create(folder, "scratch", &status), nullptr);
-  // What is left is what was meant to be left.
-  for (const wchar_t* name : {L"n", L"p.ini", L"\u6C38\U0001F600.dxf"}) {
-    EXPECT_TRUE(DeleteFileW((L"\\\\?\\" + (folder / name).native()).c_str())) << name;
+  EXPECT_EQ(FactsOfPath(folder).kind, PathKind::kFolder);
+  EXPECT_EQ(FactsOfPath(file).kind, PathKind::kFile);
+  EXPECT_EQ(FactsOfPath(file).size, 5u);
+  std::set<fs::path> listed;
+  EXPECT_TRUE(ListFolder(folder, [&](const fs::path& path) { listed.insert(path); }).ok());
+  EXPECT_EQ(listed, (std::set<fs::path>{file, folder / L"n", folder / L"p.ini"}));
+  EXPECT_FALSE(ListFolder(file, [](const fs::path&) {}).ok());
+  EXPECT_TRUE(std::ifstream(PathToOpen(file)).is_open());
+  for (const fs::path& path : listed) {
+    EXPECT_TRUE(RemoveFile(path).ok()) << path;
+    EXPECT_EQ(FactsOfPath(path).kind, PathKind::kMissing) << path;
   }
   EXPECT_TRUE(RemoveDirectoryW((L"\\\\?\\" + folder.native()).c_str()));
 }

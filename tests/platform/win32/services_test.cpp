@@ -65,6 +65,7 @@ TEST(Registry, TheSystemReadsWhatWasWrittenAndTheOtherWayRound) {
   } rows[] = {
       {L"no NUL", REG_SZ, L"ab", 4, RegistryType::kString, u"ab"},
       {L"empty", REG_SZ, L"", 0, RegistryType::kString, u""},
+      {L"remains", REG_SZ, std::wstring(L"ab\0cd\0", 6), 12, RegistryType::kString, u"ab"},
       {L"odd", REG_SZ, L"ab", 3, RegistryType::kString, u"a"},
       {L"variable", REG_EXPAND_SZ, L"%KERNO_TEST%\\x", 28, RegistryType::kExpandableString,
        u"C:\\here\\x"},
