@@ -274,6 +274,19 @@ TEST_F(WindowsMainWindowTest, LooksAreNothingToUndoAndLeaveTheSelection) {
   EXPECT_EQ(0u, main->dialog().item_count());
 }
 
+TEST_F(WindowsMainWindowTest, TheKeyboardComesToTheEndOfTheTextAndSelectsNothing) {
+  services.saved_text = u"A\nB";
+  Show(services);
+  const HWND text = Item(ControlId::kText);
+  for (const ControlId id : {ControlId::kPaste, ControlId::kText}) {
+    SendMessageW(window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(id)), TRUE);
+  }
+  EXPECT_EQ(text, GetFocus());
+  Type(text, L"C");
+  EXPECT_EQ(L"A\r\nBC", WindowText(text));
+  EXPECT_EQ(3u, main->dialog().item_count());
+}
+
 TEST_F(WindowsMainWindowTest, PastedLinesArriveAsLines) {
   Show(services);
   ASSERT_TRUE(OpenClipboard(window));
