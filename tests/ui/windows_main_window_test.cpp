@@ -8,6 +8,7 @@
 #include <fstream>
 #include <functional>
 
+#include "app/font_face_list.h"
 #include "app/system_services.h"
 #include "platform/win32/wide_text.h"
 #include "support/recording_view.h"
@@ -326,6 +327,28 @@ TEST_F(WindowsMainWindowTest, HeightsStayInStepWhicheverIsTouched) {
   EXPECT_TRUE(IsWindowVisible(window));
 }
 
+TEST_F(WindowsMainWindowTest, TheFacesStandInOrder) {
+  class NoFaces final : public FontFaceList {
+   public:
+    NoFaces() : FontFaceList(nullptr) {}
+  };
+  const auto listed = [this] {
+    std::vector<std::u16string> names;
+    for (LRESULT i = 0; i < Send(ControlId::kFace, CB_GETCOUNT); ++i) {
+      wchar_t name[64] = {};
+      Send(ControlId::kFace, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(name));
+      names.push_back(FromWide(name));
+    }
+    return names;
+  };
+  services.faces = {u"Plain", u"Gothic", u"arial"};  // the system has no order
+  Show(services);
+  EXPECT_THAT(listed(), testing::ElementsAre(u"arial", u"Gothic", u"Plain"));
+  services.faces = NoFaces().Entries();
+  main->dialog().FillFaces();
+  EXPECT_EQ(services.faces, listed()) << "the lines that tell why there is none";
+}
+
 TEST_F(WindowsMainWindowTest, PartsOfANameOfferTheFacesThatHoldThem) {
   services.faces = {u"ＭＳ Mincho", u"Plain", u"Plain Gothic", u"Gothic"};
   Show(services);
@@ -346,7 +369,8 @@ TEST_F(WindowsMainWindowTest, PartsOfANameOfferTheFacesThatHoldThem) {
   EXPECT_EQ(L"ＭＳ Mincho;", offered());
   SendMessageW(edit, EM_SETSEL, 0, -1);
   Type(edit, L"goth");
-  EXPECT_EQ(L"Plain Gothic;Gothic;", offered());
+  EXPECT_EQ(L"Gothic;Plain Gothic;", offered());
+  Key(edit, VK_DOWN);
   Key(edit, VK_DOWN);
   Key(edit, VK_RETURN);
   EXPECT_EQ(L"", offered());
