@@ -112,4 +112,11 @@ bool HasWarning(const SetText& set, std::u16string_view wanted_face) {
   return !set.missing.empty() || set.ended_by_nul || IsSubstitute(set, wanted_face);
 }
 
+Color StatusInk(StatusKind kind, Color normal, Color paper) {
+  if (kind == StatusKind::kNormal) return normal;
+  const bool fails = kind == StatusKind::kFailure;
+  const Color dark = fails ? RgbColor(170, 0, 0) : RgbColor(130, 75, 0);
+  return Contrasts(dark, paper) ? dark : fails ? RgbColor(255, 130, 120) : RgbColor(255, 200, 110);
+}
+
 }  // namespace kerno

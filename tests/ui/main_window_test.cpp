@@ -241,12 +241,19 @@ TEST_F(MainWindowTest, NothingTypedBreaksIt) {
 }
 
 TEST_F(MainWindowTest, DarkPalettesKeepEverythingLegible) {
+  Show(services);
+  services.failing = "export";
+  QTest::mouseClick(Find<QPushButton>(ControlId::kDxf), Qt::LeftButton);
+  QApplication::activeModalWidget()->close();
   const QPalette before = QApplication::palette();
   QPalette dark = before;
   dark.setColor(QPalette::Base, QColor(30, 30, 32));
   dark.setColor(QPalette::Window, QColor(45, 45, 48));
   QApplication::setPalette(dark);
-  Show(services);
+  QTest::qWait(1);
+  const QPalette status = Find<QLabel>(ControlId::kStatus)->palette();
+  EXPECT_TRUE(Contrasts(FromQColor(status.color(QPalette::WindowText)),
+                        FromQColor(status.color(QPalette::Window))));
   for (int i = 0; i < Find<QComboBox>(ControlId::kFirstColor)->count(); ++i) {
     Find<QComboBox>(ControlId::kFirstColor)->setCurrentIndex(i);
     EXPECT_TRUE(Contrasts(FromQColor(text->palette().color(QPalette::Text)),

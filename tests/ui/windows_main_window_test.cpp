@@ -257,6 +257,27 @@ TEST_F(WindowsMainWindowTest, TheColoursAreThereForTheFigureAlone) {
   EXPECT_EQ(RGB(255, 0, 0), Format().crTextColor);
 }
 
+TEST_F(WindowsMainWindowTest, OtherColoursOfTheSystemKeepEverythingLegible) {
+  services.memory.first_color = RgbColor(255, 255, 255);
+  Show(services);
+  const COLORREF black[] = {0, 0},
+                 before[] = {GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_BTNFACE)};
+  const int parts[] = {COLOR_WINDOW, COLOR_BTNFACE};
+  services.failing = "export";
+  WithPopup([&] { Click(ControlId::kDxf); }, [](HWND) {});
+  SetSysColors(2, parts, black);
+  SendMessageW(window, WM_SYSCOLORCHANGE, 0, 0);
+  const HDC dc = GetDC(window);
+  const HWND status = Item(ControlId::kStatus);
+  SendMessageW(window, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc),
+               reinterpret_cast<LPARAM>(status));
+  EXPECT_TRUE(Contrasts(GetTextColor(dc), black[0]));
+  ReleaseDC(window, dc);
+  const auto paper = static_cast<COLORREF>(Send(ControlId::kText, EM_SETBKGNDCOLOR, 0, 0));
+  EXPECT_EQ(PaperFor(Format().crTextColor, black[0]), paper);
+  SetSysColors(2, parts, before);
+}
+
 TEST_F(WindowsMainWindowTest, LooksAreNothingToUndoAndLeaveTheSelection) {
   Show(services);
   const HWND text = Item(ControlId::kText);

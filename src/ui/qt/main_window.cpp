@@ -247,6 +247,7 @@ void MainWindow::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
   if (event->type() != QEvent::PaletteChange || !dialog_) return;
   ShowTextColors();
+  ShowStatusColor();
   preview_->Repaint();
 }
 

@@ -64,6 +64,7 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       dialog_->Due();
       return TRUE;
     case WM_SYSCOLORCHANGE:
+      ShowTextFormat(shown_face_, shown_color_);
       RepaintPreview();
       return FALSE;
     case WM_CLOSE:
