@@ -404,6 +404,18 @@ TEST_F(WindowsMainWindowTest, PartsOfANameOfferTheFacesThatHoldThem) {
   EXPECT_EQ(L"goth", TextOf(ControlId::kFace)) << "what was typed stays";
 }
 
+TEST_F(WindowsMainWindowTest, WhatTheListCompletesIsTheFace) {
+  services.faces = {u"Plain", u"Plain Gothic"};
+  Show(services);
+  SendMessageW(EditOf(ControlId::kFace), EM_SETSEL, 0, -1);
+  Type(EditOf(ControlId::kFace), L"Plain G");
+  for (const WPARAM opens : {TRUE, FALSE}) {
+    Send(ControlId::kFace, CB_SHOWDROPDOWN, opens);
+    Pump();
+    EXPECT_EQ(TextOf(ControlId::kFace), Format().szFaceName);
+  }
+}
+
 TEST_F(WindowsMainWindowTest, ControlsKeepClearOfEachOtherAtEverySize) {
   services.uploads = true;
   Show(services);
