@@ -147,7 +147,7 @@ TEST_F(MainWindowTest, MnemonicsPressTheButtonsAndEnterPressesNone) {
   EXPECT_TRUE(services.log.empty());
 }
 
-TEST_F(MainWindowTest, HeightsStayInStepWhicheverIsTouched) {
+TEST_F(MainWindowTest, HeightsStayInStepAndListsGoOnFromTheText) {
   Show(services);
   auto* list = Find<QComboBox>(ControlId::kHeightList);
   auto* edit = Find<QLineEdit>(ControlId::kHeightEdit);
@@ -163,6 +163,16 @@ TEST_F(MainWindowTest, HeightsStayInStepWhicheverIsTouched) {
   list->lineEdit()->selectAll();
   QTest::keyClicks(list->lineEdit(), "77");
   EXPECT_EQ("77", edit->text());
+  for (QLineEdit* typed : {edit, list->lineEdit()}) {
+    typed->selectAll();
+    QTest::keyClicks(typed, "25");
+    QTest::keyClick(list, Qt::Key_Down);
+    EXPECT_EQ("30", edit->text()) << "the row behind that of the text";
+  }
+  auto* face = Find<QComboBox>(ControlId::kFace);
+  face->setEditText("Other");
+  QTest::keyClick(face, Qt::Key_Up);
+  EXPECT_EQ("Plain", face->currentText());
 }
 
 TEST_F(MainWindowTest, FilesDroppedOnTheTextBoxReachTheWindow) {
