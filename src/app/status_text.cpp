@@ -1,6 +1,8 @@
 #include "app/status_text.h"
 
 #include <cmath>
+#include <cstdio>
+#include <utility>
 
 #include "app/face_choice.h"
 #include "base/number_text.h"
@@ -32,11 +34,31 @@ void AppendSize(std::u16string* out, const Extent3& box) {
   *out += Length(box.max.x - box.min.x) + u" × " + Length(box.max.y - box.min.y) + u" units";
 }
 
+// Whether a character would show nothing in a line of text, or turn the direction of what follows.
+bool IsUnseen(char32_t ch) {
+  static constexpr std::pair<char32_t, char32_t> kRanges[] = {
+      {0, 0x20},        {0x7F, 0xA0},     {0xAD, 0xAD},       {0x61C, 0x61C},   {0x2000, 0x200F},
+      {0x2028, 0x202F}, {0x205F, 0x206F}, {0x3000, 0x3000},   {0xD800, 0xDFFF}, {0xFE00, 0xFE0F},
+      {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xE0000, 0xE0FFF},
+  };
+  for (const auto& [first, last] : kRanges) {
+    if (ch >= first && ch <= last) return true;
+  }
+  return false;
+}
+
+void AppendNameOf(char32_t ch, std::u16string* out) {
+  if (!IsUnseen(ch)) return AppendCharacter(out, ch);
+  char code[16];
+  std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(ch));
+  *out += Utf8ToUtf16Lossy(code);
+}
+
 void AppendMissing(std::u16string* out, const std::vector<char32_t>& missing) {
   *out += u"no glyph for";
   for (size_t i = 0; i < missing.size() && i < kNamedCharacters; ++i) {
     *out += u' ';
-    AppendCharacter(out, missing[i]);
+    AppendNameOf(missing[i], out);
   }
   if (missing.size() > kNamedCharacters) {
     *out += u" and ";
@@ -88,6 +110,13 @@ std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, cons
 
 bool HasWarning(const SetText& set, std::u16string_view wanted_face) {
   return !set.missing.empty() || set.ended_by_nul || IsSubstitute(set, wanted_face);
+}
+
+Color StatusInk(StatusKind kind, Color normal, Color paper) {
+  if (kind == StatusKind::kNormal) return normal;
+  const bool fails = kind == StatusKind::kFailure;
+  const Color dark = fails ? RgbColor(170, 0, 0) : RgbColor(130, 75, 0);
+  return Contrasts(dark, paper) ? dark : fails ? RgbColor(255, 130, 120) : RgbColor(255, 200, 110);
 }
 
 }  // namespace kerno

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/dialog_view.h"
 #include "app/typesetter.h"
 #include "parts/geometry.h"
 #include "parts/parts.h"
@@ -21,5 +22,8 @@ std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, cons
 
 // Whether DescribeText has something to warn of.
 bool HasWarning(const SetText& set, std::u16string_view wanted_face);
+
+// The colour of a status line of this kind where other text has the colour `normal` on `paper`.
+Color StatusInk(StatusKind kind, Color normal, Color paper);
 
 }  // namespace kerno

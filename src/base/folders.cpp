@@ -101,7 +101,9 @@ Status MakeFolders(const fs::path& path) {
     if (Status made = MakeFolder(level); !made.ok()) return made;
   }
   if (IsFolder(path)) return Status::Ok();
-  return Status::Error(Failure::kNotFound, PathText(path), u"there is no such folder");
+  const char16_t* why =
+      PathExists(path) ? u"a file of that name stands there" : u"there is no such folder";
+  return Status::Error(Failure::kNotFound, PathText(path), why);
 }
 
 bool CreateFolderPath(const fs::path& path) {

@@ -5,23 +5,14 @@
 #include "base/folders.h"
 #include "cli/console.h"
 #include "platform/shell.h"
-#include "platform/system.h"
 
 namespace kerno {
-namespace {
-
-bool IsSet(std::u16string_view variable) {
-  const auto value = CurrentSystem().Environment(variable);
-  return value && !value->empty();
-}
-
-}  // namespace
 
 ExitStatus StartDesktop() {
-  if (!IsSet(u"DISPLAY") && !IsSet(u"WAYLAND_DISPLAY")) {
+  if (!HasDisplay()) {
     ReportError("usage",
-                "no command given, and there is no display for the window (DISPLAY and "
-                "WAYLAND_DISPLAY are not set); kerno help lists the commands");
+                "no command given, and there is no display for the window; kerno help lists the "
+                "commands");
     return kWrongUsage;
   }
   const std::filesystem::path name = "kerno-desktop";

@@ -32,6 +32,9 @@ class Shell {
   virtual std::vector<std::filesystem::path> ApplicationFolders() = 0;
 };
 
+// Whether the user has a display that a program's window comes to.
+bool HasDisplay();
+
 // The process's shell; a test may set its own. ReplaceShell returns the one before; null restores
 // the real one. The caller keeps ownership.
 Shell& CurrentShell();

@@ -5,6 +5,7 @@
 #include "app/controls.h"
 #include "app/height_text.h"
 #include "app/preview_model.h"
+#include "app/status_text.h"
 #include "app/window_place.h"
 #include "base/text.h"
 
@@ -39,6 +40,14 @@ TEST(DialogRules, HeightsReadAsPlainDecimals) {
   EXPECT_EQ(u"10000", SteppedHeight(u"2147483647", 1));
   EXPECT_EQ(u"-1000", SteppedHeight(u"-2147483648", -1));
   EXPECT_EQ(u"1", SteppedHeight(u"abc", 1));
+}
+
+TEST(DialogRules, CharactersWithoutAGlyphAreNamedVisibly) {
+  SetText set;
+  set.missing = {u'\v', 0x202E, u'あ', 0x3000, 0xD800};
+  const std::u16string status = DescribeText(set, u"", {});
+  EXPECT_TRUE(status.ends_with(u"no glyph for U+000B U+202E あ U+3000 U+D800"))
+      << Utf16ToUtf8(status);
 }
 
 TEST(DialogRules, TheWindowStaysInSight) {

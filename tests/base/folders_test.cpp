@@ -74,6 +74,7 @@ TEST(Folders, CreatesEveryLevelOrNamesTheOneThatFails) {
   EXPECT_FALSE(CreateFolderPath(""));
   ASSERT_EQ(notices.messages.size(), 3u);
   EXPECT_EQ(notices.messages[0], u"Can't create " + (folder / "file/x").u16string());
+  EXPECT_EQ(MakeFolders(folder / "file").why, u"a file of that name stands there");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@ resources, which other readers see, too.
 usage: windows_programs_test.py KERNO_EXE KERNO_DESKTOP_EXE
 """
 import http.server
+import os
 import pathlib
 import re
 import shutil
@@ -44,10 +45,18 @@ class WindowsProgramsTest(unittest.TestCase):
         self.program = str(self.folder / "kerno.exe")
         shutil.copy(KERNO, self.program)
 
-    def run_kerno(self, *arguments):
+    def run_kerno(self, *arguments, environment=None):
         done = subprocess.run([*programs.command(self.program), *arguments], capture_output=True,
-                              cwd=self.folder, timeout=120, check=False)
+                              cwd=self.folder, timeout=120, check=False, env=environment)
         return done.returncode, done.stdout.decode(), done.stderr.decode()
+
+    def test_without_a_command_the_window_is_started(self):
+        # The system has a display that no variable names; here the window's program is not there.
+        environment = {k: v for k, v in os.environ.items()
+                       if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
+        status, _, error = self.run_kerno(environment=environment)
+        self.assertEqual(1, status)
+        self.assertIn("kerno-desktop: cannot be started", error)
 
     def there(self, name):
         return "Z:" + str(self.folder / name).replace("/", "\\")

@@ -147,7 +147,7 @@ TEST_F(MainWindowTest, MnemonicsPressTheButtonsAndEnterPressesNone) {
   EXPECT_TRUE(services.log.empty());
 }
 
-TEST_F(MainWindowTest, HeightsStayInStepWhicheverIsTouched) {
+TEST_F(MainWindowTest, HeightsStayInStepAndListsGoOnFromTheText) {
   Show(services);
   auto* list = Find<QComboBox>(ControlId::kHeightList);
   auto* edit = Find<QLineEdit>(ControlId::kHeightEdit);
@@ -163,6 +163,16 @@ TEST_F(MainWindowTest, HeightsStayInStepWhicheverIsTouched) {
   list->lineEdit()->selectAll();
   QTest::keyClicks(list->lineEdit(), "77");
   EXPECT_EQ("77", edit->text());
+  for (QLineEdit* typed : {edit, list->lineEdit()}) {
+    typed->selectAll();
+    QTest::keyClicks(typed, "25");
+    QTest::keyClick(list, Qt::Key_Down);
+    EXPECT_EQ("30", edit->text()) << "the row behind that of the text";
+  }
+  auto* face = Find<QComboBox>(ControlId::kFace);
+  face->setEditText("Other");
+  QTest::keyClick(face, Qt::Key_Up);
+  EXPECT_EQ("Plain", face->currentText());
 }
 
 TEST_F(MainWindowTest, FilesDroppedOnTheTextBoxReachTheWindow) {
@@ -241,12 +251,19 @@ TEST_F(MainWindowTest, NothingTypedBreaksIt) {
 }
 
 TEST_F(MainWindowTest, DarkPalettesKeepEverythingLegible) {
+  Show(services);
+  services.failing = "export";
+  QTest::mouseClick(Find<QPushButton>(ControlId::kDxf), Qt::LeftButton);
+  QApplication::activeModalWidget()->close();
   const QPalette before = QApplication::palette();
   QPalette dark = before;
   dark.setColor(QPalette::Base, QColor(30, 30, 32));
   dark.setColor(QPalette::Window, QColor(45, 45, 48));
   QApplication::setPalette(dark);
-  Show(services);
+  QTest::qWait(1);
+  const QPalette status = Find<QLabel>(ControlId::kStatus)->palette();
+  EXPECT_TRUE(Contrasts(FromQColor(status.color(QPalette::WindowText)),
+                        FromQColor(status.color(QPalette::Window))));
   for (int i = 0; i < Find<QComboBox>(ControlId::kFirstColor)->count(); ++i) {
     Find<QComboBox>(ControlId::kFirstColor)->setCurrentIndex(i);
     EXPECT_TRUE(Contrasts(FromQColor(text->palette().color(QPalette::Text)),

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <functional>
 
+#include "app/font_face_list.h"
 #include "app/system_services.h"
 #include "platform/win32/wide_text.h"
 #include "support/recording_view.h"
@@ -256,6 +257,27 @@ TEST_F(WindowsMainWindowTest, TheColoursAreThereForTheFigureAlone) {
   EXPECT_EQ(RGB(255, 0, 0), Format().crTextColor);
 }
 
+TEST_F(WindowsMainWindowTest, OtherColoursOfTheSystemKeepEverythingLegible) {
+  services.memory.first_color = RgbColor(255, 255, 255);
+  Show(services);
+  const COLORREF black[] = {0, 0},
+                 before[] = {GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_BTNFACE)};
+  const int parts[] = {COLOR_WINDOW, COLOR_BTNFACE};
+  services.failing = "export";
+  WithPopup([&] { Click(ControlId::kDxf); }, [](HWND) {});
+  SetSysColors(2, parts, black);
+  SendMessageW(window, WM_SYSCOLORCHANGE, 0, 0);
+  const HDC dc = GetDC(window);
+  const HWND status = Item(ControlId::kStatus);
+  SendMessageW(window, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc),
+               reinterpret_cast<LPARAM>(status));
+  EXPECT_TRUE(Contrasts(GetTextColor(dc), black[0]));
+  ReleaseDC(window, dc);
+  const auto paper = static_cast<COLORREF>(Send(ControlId::kText, EM_SETBKGNDCOLOR, 0, 0));
+  EXPECT_EQ(PaperFor(Format().crTextColor, black[0]), paper);
+  SetSysColors(2, parts, before);
+}
+
 TEST_F(WindowsMainWindowTest, LooksAreNothingToUndoAndLeaveTheSelection) {
   Show(services);
   const HWND text = Item(ControlId::kText);
@@ -272,6 +294,19 @@ TEST_F(WindowsMainWindowTest, LooksAreNothingToUndoAndLeaveTheSelection) {
   SendMessageW(text, EM_UNDO, 0, 0);
   EXPECT_EQ(L"", WindowText(text));
   EXPECT_EQ(0u, main->dialog().item_count());
+}
+
+TEST_F(WindowsMainWindowTest, TheKeyboardComesToTheEndOfTheTextAndSelectsNothing) {
+  services.saved_text = u"A\nB";
+  Show(services);
+  const HWND text = Item(ControlId::kText);
+  for (const ControlId id : {ControlId::kPaste, ControlId::kText}) {
+    SendMessageW(window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(id)), TRUE);
+  }
+  EXPECT_EQ(text, GetFocus());
+  Type(text, L"C");
+  EXPECT_EQ(L"A\r\nBC", WindowText(text));
+  EXPECT_EQ(3u, main->dialog().item_count());
 }
 
 TEST_F(WindowsMainWindowTest, PastedLinesArriveAsLines) {
@@ -313,6 +348,28 @@ TEST_F(WindowsMainWindowTest, HeightsStayInStepWhicheverIsTouched) {
   EXPECT_TRUE(IsWindowVisible(window));
 }
 
+TEST_F(WindowsMainWindowTest, TheFacesStandInOrder) {
+  class NoFaces final : public FontFaceList {
+   public:
+    NoFaces() : FontFaceList(nullptr) {}
+  };
+  const auto listed = [this] {
+    std::vector<std::u16string> names;
+    for (LRESULT i = 0; i < Send(ControlId::kFace, CB_GETCOUNT); ++i) {
+      wchar_t name[64] = {};
+      Send(ControlId::kFace, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(name));
+      names.push_back(FromWide(name));
+    }
+    return names;
+  };
+  services.faces = {u"Plain", u"Gothic", u"arial"};  // the system has no order
+  Show(services);
+  EXPECT_THAT(listed(), testing::ElementsAre(u"arial", u"Gothic", u"Plain"));
+  services.faces = NoFaces().Entries();
+  main->dialog().FillFaces();
+  EXPECT_EQ(services.faces, listed()) << "the lines that tell why there is none";
+}
+
 TEST_F(WindowsMainWindowTest, PartsOfANameOfferTheFacesThatHoldThem) {
   services.faces = {u"ＭＳ Mincho", u"Plain", u"Plain Gothic", u"Gothic"};
   Show(services);
@@ -333,7 +390,8 @@ TEST_F(WindowsMainWindowTest, PartsOfANameOfferTheFacesThatHoldThem) {
   EXPECT_EQ(L"ＭＳ Mincho;", offered());
   SendMessageW(edit, EM_SETSEL, 0, -1);
   Type(edit, L"goth");
-  EXPECT_EQ(L"Plain Gothic;Gothic;", offered());
+  EXPECT_EQ(L"Gothic;Plain Gothic;", offered());
+  Key(edit, VK_DOWN);
   Key(edit, VK_DOWN);
   Key(edit, VK_RETURN);
   EXPECT_EQ(L"", offered());
@@ -344,6 +402,18 @@ TEST_F(WindowsMainWindowTest, PartsOfANameOfferTheFacesThatHoldThem) {
   Key(edit, VK_ESCAPE);
   EXPECT_EQ(L"", offered());
   EXPECT_EQ(L"goth", TextOf(ControlId::kFace)) << "what was typed stays";
+}
+
+TEST_F(WindowsMainWindowTest, WhatTheListCompletesIsTheFace) {
+  services.faces = {u"Plain", u"Plain Gothic"};
+  Show(services);
+  SendMessageW(EditOf(ControlId::kFace), EM_SETSEL, 0, -1);
+  Type(EditOf(ControlId::kFace), L"Plain G");
+  for (const WPARAM opens : {TRUE, FALSE}) {
+    Send(ControlId::kFace, CB_SHOWDROPDOWN, opens);
+    Pump();
+    EXPECT_EQ(TextOf(ControlId::kFace), Format().szFaceName);
+  }
 }
 
 TEST_F(WindowsMainWindowTest, ControlsKeepClearOfEachOtherAtEverySize) {

@@ -171,6 +171,14 @@ Shell* current = &posix_shell;
 
 }  // namespace
 
+bool HasDisplay() {
+  for (const char16_t* variable : {u"DISPLAY", u"WAYLAND_DISPLAY"}) {
+    const auto value = CurrentSystem().Environment(variable);
+    if (value && !value->empty()) return true;
+  }
+  return false;
+}
+
 Shell& CurrentShell() {
   return *current;
 }

@@ -131,6 +131,13 @@ Shell* current = &windows_shell;
 
 }  // namespace
 
+bool HasDisplay() {
+  USEROBJECTFLAGS station{};
+  return GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &station, sizeof station,
+                                   nullptr) &&
+         (station.dwFlags & WSF_VISIBLE) != 0;
+}
+
 Shell& CurrentShell() {
   return *current;
 }

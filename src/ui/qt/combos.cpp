@@ -99,6 +99,13 @@ void SizeDropDown(QComboBox* combo) {
   combo->setMaxVisibleItems(DropDownRows(window->height(), top, item));
 }
 
+void SelectRowOfText(QComboBox* combo) {
+  QObject::connect(combo, &QComboBox::editTextChanged, combo, [combo](const QString& text) {
+    const int row = combo->findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    if (row >= 0) combo->setCurrentIndex(row);
+  });
+}
+
 FaceCombo::FaceCombo(QWidget* parent) : QComboBox(parent) {
   setEditable(true);
   setInsertPolicy(QComboBox::NoInsert);
@@ -112,6 +119,7 @@ FaceCombo::FaceCombo(QWidget* parent) : QComboBox(parent) {
   completer->setCompletionMode(QCompleter::PopupCompletion);
   completer->setPopup(MakeFaceList(nullptr));
   setCompleter(completer);
+  SelectRowOfText(this);
 }
 
 void FaceCombo::ShowFaces(const std::vector<std::u16string>& faces) {

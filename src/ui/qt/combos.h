@@ -14,6 +14,10 @@ namespace kerno {
 // Sizes the drop-down list by the room below the combo box in its window.
 void SizeDropDown(QComboBox* combo);
 
+// Keeps the selected row of an editable combo box that of the text in its edit, where there is one:
+// the list opens there and the arrow keys go on from there.
+void SelectRowOfText(QComboBox* combo);
+
 // Face names, each shown in its own face once that was loaded, which happens while the list stands
 // open: opening waits for no font. Typing offers the names that hold what was typed.
 class FaceCombo final : public QComboBox {

@@ -82,6 +82,7 @@ void MainWindow::MakeControls() {
   height_list_->setEditable(true);
   height_list_->setInsertPolicy(QComboBox::NoInsert);
   height_list_->setCompleter(nullptr);
+  SelectRowOfText(height_list_);
   for (const char16_t* height : HeightChoices()) height_list_->addItem(ToQString(height));
   height_spin_ = Add(new HeightSpin(this), ControlId::kHeightSpin);
   Add(height_spin_->edit(), ControlId::kHeightEdit);
@@ -247,6 +248,7 @@ void MainWindow::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
   if (event->type() != QEvent::PaletteChange || !dialog_) return;
   ShowTextColors();
+  ShowStatusColor();
   preview_->Repaint();
 }
 

@@ -82,6 +82,7 @@ class MainWindow final : public QWidget, private DialogView {
   void ConnectControls();
   void SizeDropDowns();
   void ShowTextColors();
+  void ShowStatusColor();
 
   std::map<ControlId, QWidget*> controls_;
   std::map<MenuCommand, QAction*> actions_;

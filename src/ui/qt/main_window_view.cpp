@@ -15,6 +15,7 @@
 #include <algorithm>
 
 #include "app/raised.h"
+#include "app/status_text.h"
 #include "ui/qt/combos.h"
 #include "ui/qt/main_window.h"
 #include "ui/qt/preview_frame.h"
@@ -87,16 +88,19 @@ void MainWindow::ShowStatus(std::u16string_view text, StatusKind kind) {
   status_->setText(ToQString(text));
   if (kind != status_kind_) {
     status_kind_ = kind;
-    QPalette colors = palette();
-    const bool dark = colors.color(QPalette::Window).lightness() < 128;
-    if (kind == StatusKind::kFailure) {
-      colors.setColor(QPalette::WindowText, dark ? QColor(255, 130, 120) : QColor(170, 0, 0));
-    } else if (kind == StatusKind::kWarning) {
-      colors.setColor(QPalette::WindowText, dark ? QColor(255, 200, 110) : QColor(130, 75, 0));
-    }
-    status_->setPalette(colors);
+    ShowStatusColor();
   }
   preview_->setAccessibleDescription(status_->text());
+}
+
+void MainWindow::ShowStatusColor() {
+  QPalette colors = palette();
+  if (status_kind_ != StatusKind::kNormal) {
+    const Color paper = FromQColor(colors.color(QPalette::Window));
+    const Color normal = FromQColor(colors.color(QPalette::WindowText));
+    colors.setColor(QPalette::WindowText, ToQColor(StatusInk(status_kind_, normal, paper)));
+  }
+  status_->setPalette(colors);
 }
 
 void MainWindow::RepaintPreview() {

@@ -4,11 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "app/status_text.h"
+
 namespace kerno {
 namespace {
-
-constexpr COLORREF kFailureColor = RGB(170, 0, 0);
-constexpr COLORREF kWarningColor = RGB(130, 75, 0);
 
 std::wstring ItemText(const DRAWITEMSTRUCT& item) {
   const bool is_list = item.CtlType == ODT_LISTBOX;
@@ -98,9 +97,7 @@ void DrawColorItem(const DRAWITEMSTRUCT& item) {
 
 HBRUSH StatusBrush(HDC dc, StatusKind kind) {
   SetBkMode(dc, TRANSPARENT);
-  SetTextColor(dc, kind == StatusKind::kFailure   ? kFailureColor
-                   : kind == StatusKind::kWarning ? kWarningColor
-                                                  : GetSysColor(COLOR_BTNTEXT));
+  SetTextColor(dc, StatusInk(kind, GetSysColor(COLOR_BTNTEXT), GetSysColor(COLOR_BTNFACE)));
   return GetSysColorBrush(COLOR_BTNFACE);
 }
 

@@ -33,7 +33,7 @@ FaceSuggestions::FaceSuggestions(HINSTANCE instance, HWND combo)
     : combo_(combo),
       list_(CreateWindowExW(WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE, L"LISTBOX", L"",
                             WS_POPUP | WS_BORDER | WS_VSCROLL | LBS_OWNERDRAWFIXED |
-                                LBS_HASSTRINGS | LBS_NOINTEGRALHEIGHT,
+                                LBS_HASSTRINGS | LBS_SORT | LBS_NOINTEGRALHEIGHT,
                             0, 0, 0, 0, GetParent(combo), nullptr, instance, nullptr)) {
   SetWindowSubclass(list_, ListProc, kSubclass, reinterpret_cast<DWORD_PTR>(this));
 }

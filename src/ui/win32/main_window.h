@@ -63,6 +63,7 @@ class MainWindow final : private DialogView {
   static constexpr UINT kShowMessages = WM_APP + 1;  // messages wait to be shown
   static constexpr UINT kFillFaces = WM_APP + 2;     // the window stands
   static constexpr UINT kDropped = WM_APP + 3;       // the drag's source has its answer
+  static constexpr UINT kReadCombo = WM_APP + 4;     // a list has opened or closed
   static constexpr UINT_PTR kDueTimer = 1;
   static constexpr int kListRow = 20;  // of the lists with pictures, in pixels of the first density
 

@@ -16,6 +16,11 @@ bool IsComboChange(int notification) {
   return notification == CBN_EDITCHANGE || notification == CBN_SELCHANGE;
 }
 
+// A list that opens or closes may complete what stands in the edit without telling.
+bool MayComplete(int notification) {
+  return notification == CBN_DROPDOWN || notification == CBN_CLOSEUP;
+}
+
 }  // namespace
 
 INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
@@ -64,6 +69,7 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       dialog_->Due();
       return TRUE;
     case WM_SYSCOLORCHANGE:
+      ShowTextFormat(shown_face_, shown_color_);
       RepaintPreview();
       return FALSE;
     case WM_CLOSE:
@@ -79,6 +85,9 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       return TRUE;
     case kDropped:
       Dropped(reinterpret_cast<HDROP>(wparam));
+      return TRUE;
+    case kReadCombo:
+      ComboChanged(static_cast<ControlId>(wparam), CBN_EDITCHANGE);
       return TRUE;
     case kShowMessages:
       ShowWaitingMessages();
@@ -148,6 +157,9 @@ bool MainWindow::Command(int number, int notification) {
     case ControlId::kSecondColor:
       if (IsComboChange(notification) && !shows_) ComboChanged(id, notification);
       if (id == ControlId::kFace && !shows_) OfferFaces(notification);
+      if (MayComplete(notification) && (id == ControlId::kFace || id == ControlId::kHeightList)) {
+        PostMessageW(window_, kReadCombo, static_cast<WPARAM>(number), 0);
+      }
       return true;
     case ControlId::kHeightEdit:
       if (notification != EN_CHANGE) return false;

@@ -18,6 +18,7 @@ constexpr GUID kTextDocument = {
 constexpr UINT kUtf16 = 1200;         // the code page number of UTF-16
 constexpr int kTextHeight = 14 * 20;  // in twentieths of a point
 constexpr LPARAM kLongestText = 0x7FFFFFFE;
+constexpr UINT_PTR kSubclass = 1;
 
 // While it lives, changes of the control are nothing that the user can undo.
 class NothingToUndo {
@@ -42,6 +43,14 @@ class NothingToUndo {
   ITextDocument* document_ = nullptr;
 };
 
+// A dialog selects all of an edit that gets the keyboard, and the next key would replace the text.
+LRESULT CALLBACK KeepSelection(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
+                               DWORD_PTR /*data*/) {
+  if (message == WM_NCDESTROY) RemoveWindowSubclass(window, KeepSelection, id);
+  const LRESULT result = DefSubclassProc(window, message, wparam, lparam);
+  return message == WM_GETDLGCODE ? result & ~static_cast<LRESULT>(DLGC_HASSETSEL) : result;
+}
+
 // The control ends its lines with U+000D.
 std::wstring WithReturns(std::u16string_view text) {
   std::wstring wide = ToWide(text);
@@ -52,6 +61,7 @@ std::wstring WithReturns(std::u16string_view text) {
 }  // namespace
 
 TextBox::TextBox(HWND control) : control_(control) {
+  SetWindowSubclass(control_, KeepSelection, kSubclass, 0);
   // Plain text has one format for all of it.
   SendMessageW(control_, EM_SETTEXTMODE, TM_PLAINTEXT | TM_MULTILEVELUNDO | TM_MULTICODEPAGE, 0);
   SendMessageW(control_, EM_EXLIMITTEXT, 0, kLongestText);
@@ -91,6 +101,9 @@ void TextBox::ShowText(std::u16string_view text, TextChange change) {
     SendMessageW(control_, EM_SETTEXTEX, reinterpret_cast<WPARAM>(&set),
                  reinterpret_cast<LPARAM>(wide.c_str()));
     SendMessageW(control_, EM_EMPTYUNDOBUFFER, 0, 0);
+    const auto end = static_cast<LONG>(wide.size());
+    CHARRANGE caret = {end, end};
+    SendMessageW(control_, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&caret));
     return;
   }
   CHARRANGE all = {0, -1};
