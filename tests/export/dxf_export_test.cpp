@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
 
 #include "support/memory_file.h"
@@ -24,10 +23,7 @@ PartsElement Contour(std::u16string layer, Color color, std::initializer_list<P3
   PartsElement part;
   part.name = std::move(layer);
   part.pen.color = static_cast<int32_t>(color);
-  const P3* before = points.end() - 1;
-  for (const P3* p = points.begin(); p != points.end(); before = p++) {
-    EXPECT_TRUE(part.AddLine(*before, *p));
-  }
+  EXPECT_TRUE(part.AddClosedLines(points));
   return part;
 }
 
@@ -123,22 +119,6 @@ TEST(DxfExport, ReadersFindTheModel) {
   for (const auto& c : cases) {
     EXPECT_EQ(ReadBack(c.model, c.options), "errors 0 fixes 0\n" + c.facts) << c.what;
   }
-}
-
-// The rule that lists a layer with the colour of the element before.
-TEST(DxfExport, LayersByColourAreSetBeforeTheColour) {
-  PartsA model;
-  model.parts.push_back(Contour(u"", kRed, {{0, 0}, {1, 0}}));
-  const auto layers = [&] {
-    const std::string file = Written(model, {.layers = DxfLayerRule::kColour});
-    const size_t start = file.find("  2\r\nLAYER\r\n");
-    return file.substr(start, file.find("ENDTAB", start) - start);
-  };
-  const std::string listed = "LAYER\r\n  2\r\n1\r\n 70\r\n64\r\n 62\r\n";
-  EXPECT_NE(layers().find(listed + "7\r\n"), std::string::npos);
-  model.parts.push_back(Contour(u"", kRed, {{0, 0}, {1, 0}}));
-  EXPECT_NE(layers().find(listed + "1\r\n"), std::string::npos);
-  EXPECT_NE(layers().find(" 70\r\n1\r\n"), std::string::npos) << "one row";
 }
 
 TEST(DxfExport, AModelIsFlatWhenAllItsVerticesAre) {

@@ -30,9 +30,7 @@ std::string Written(const Write& write, const PartsA& model) {
 PartsElement Triangle(Color pen, double side) {
   PartsElement part;
   part.pen.color = static_cast<int32_t>(pen);
-  EXPECT_TRUE(part.AddLine({0, 0}, {side, 0}));
-  EXPECT_TRUE(part.AddLine({side, 0}, {0, side, 1}));
-  EXPECT_TRUE(part.AddLine({0, side, 1}, {0, 0}));
+  EXPECT_TRUE(part.AddClosedLines(std::vector<P3>{{0, 0}, {side, 0}, {0, side, 1}}));
   return part;
 }
 
