@@ -7,7 +7,6 @@ import json
 import math
 import os
 import pathlib
-import shutil
 import subprocess
 import sys
 import tempfile
@@ -23,9 +22,7 @@ SANS = ["--face", "DejaVu Sans"]
 
 
 def run(*arguments, stdin=b"", env=None):
-    done = subprocess.run([*KERNO, *arguments], input=stdin, capture_output=True, timeout=300,
-                          env={**os.environ, **(env or {})}, check=False)
-    return done.returncode, done.stdout.decode("utf-8"), done.stderr.decode("utf-8", "replace")
+    return programs.run([*KERNO, *arguments], input=stdin, env={**os.environ, **(env or {})})
 
 
 def contours(*arguments, **more):
@@ -40,11 +37,7 @@ def lines_of(path):
     return [(e.dxf.start, e.dxf.end) for e in drawing.modelspace().query("LINE")]
 
 
-class CommandLineTest(unittest.TestCase):
-    def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
-
+class CommandLineTest(programs.FolderTest):
     def files(self):
         return sorted(p.name for p in self.folder.iterdir())
 
@@ -244,12 +237,6 @@ class CommandLineTest(unittest.TestCase):
         near = contours("A", *SANS, "--scale", "2")["points"]
         far = contours("A", *SANS, "--scale", "2", "--at", "30,-40")["points"]
         self.assertEqual([[x + 30, y - 40] for x, y in near], far)
-
-    def test_a_nul_ends_the_text(self):
-        path = self.folder / "zero.txt"
-        path.write_bytes(b"AB\0C")
-        got = contours("--text-file", str(path), *SANS, "--unplaced")
-        self.assertEqual(contours("AB", *SANS, "--unplaced")["points"], got["points"])
 
     def test_faces_of_the_machine_and_damaged_files_beside_them(self):
         if ON_WINDOWS:

@@ -4,12 +4,10 @@ resources, which other readers see, too.
 
 usage: windows_programs_test.py KERNO_EXE KERNO_DESKTOP_EXE
 """
-import pathlib
 import re
 import shutil
 import subprocess
 import sys
-import tempfile
 import unittest
 
 import programs
@@ -35,17 +33,14 @@ def version_strings(program):
     return found
 
 
-class WindowsProgramsTest(unittest.TestCase):
+class WindowsProgramsTest(programs.FolderTest):
     def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        super().setUp()
         self.program = str(self.folder / "kerno.exe")
         shutil.copy(KERNO, self.program)
 
     def run_kerno(self, *arguments):
-        done = subprocess.run([*programs.command(self.program), *arguments], capture_output=True,
-                              cwd=self.folder, timeout=120, check=False)
-        return done.returncode, done.stdout.decode(), done.stderr.decode()
+        return programs.run([*programs.command(self.program), *arguments], cwd=self.folder)
 
     def there(self, name):
         return "Z:" + str(self.folder / name).replace("/", "\\")
