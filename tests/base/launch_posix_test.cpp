@@ -1,4 +1,5 @@
 // The desktop's opener, editors and programs are run without a shell between.
+#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,7 +13,6 @@ namespace kerno {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ClearVariable;
 using test::ReadBytes;
 using test::SetVariable;
 using test::WriteBytes;
@@ -34,8 +34,8 @@ class LaunchPosixTest : public test::SettingsFixture {
 
   void OnlyScripts() {
     SetVariable("PATH", ((folder_ / "programs").native() + ":/bin:/usr/bin").c_str());
-    ClearVariable("VISUAL");
-    ClearVariable("EDITOR");
+    unsetenv("VISUAL");
+    unsetenv("EDITOR");
   }
 };
 

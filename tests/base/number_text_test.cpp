@@ -73,12 +73,7 @@ TEST(NumberText, GeneralNotationIsThatOfStreamsWithLongExponents) {
   const struct {
     double value;
     const char* text;
-  } kCases[] = {{420.0, "420"},       {296.98484809834997, "296.985"},
-                {0.0, "0"},           {0.5, "0.5"},
-                {1e-5, "1e-005"},     {1.5e6, "1.5e+006"},
-                {999999.5, "1e+006"}, {0.0001, "0.0001"},
-                {1e-100, "1e-100"},   {999999.4, "999999"},
-                {-1e-5, "-1e-005"}};
+  } kCases[] = {{0.0001, "0.0001"}, {-1e-5, "-1e-005"}, {999999.5, "1e+006"}, {1e-100, "1e-100"}};
   for (const auto& c : kCases) EXPECT_EQ(General(c.value, 6), c.text);
 
   std::mt19937_64 random(1);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <sstream>
 
 #include "export/draw_parts.h"
 #include "outline/text_layout.h"
@@ -111,38 +112,18 @@ TEST(BmpWriter, AwkwardModelsGiveAPictureAndAWarning) {
   }
 }
 
-// The number of white regions that a drawing encloses.
-int EnclosedRegions(const BitmapSurface& surface) {
-  const int width = surface.Width();
-  const int height = surface.Height();
-  const auto index = [&](int x, int y) {
-    return static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x);
-  };
-  std::vector<char> seen(index(0, height));
-  const auto is_open = [&](int x, int y) {
-    const auto at = index(x, y);
-    return !seen[at] && surface.Pixels()[at * 4] > 200;
-  };
+// The number of white regions that a picture encloses, as ImageMagick counts them.
+int EnclosedRegions(const test::Picture& picture) {
+  const test::TemporaryFolder folder;
+  test::WriteBytes(folder / "rgb",
+                   {reinterpret_cast<const char*>(picture.rgb.data()), picture.rgb.size()});
+  std::istringstream lines(test::OutputOf(
+      "convert -size " + std::to_string(picture.width) + "x" + std::to_string(picture.height) +
+      " -depth 8 rgb:" + (folder / "rgb").string() +
+      " -threshold 78% -define connected-components:verbose=true"
+      " -define connected-components:area-threshold=9 -connected-components 4 null:"));
   int regions = -1;  // the surroundings are one
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      if (!is_open(x, y)) continue;
-      size_t size = 0;
-      std::vector<std::pair<int, int>> todo = {{x, y}};
-      while (!todo.empty()) {
-        const auto [px, py] = todo.back();
-        todo.pop_back();
-        if (px < 0 || py < 0 || px >= width || py >= height || !is_open(px, py)) continue;
-        seen[index(px, py)] = 1;
-        ++size;
-        for (const int d : {-1, 1}) {
-          todo.emplace_back(px + d, py);
-          todo.emplace_back(px, py + d);
-        }
-      }
-      regions += size > 8;
-    }
-  }
+  for (std::string line; std::getline(lines, line);) regions += line.find("(255") != line.npos;
   return regions;
 }
 
@@ -169,7 +150,7 @@ TEST(DrawContours, CountersOfRealLettersAreOpen) {
     const auto brush = dc.CreateBrushIndirect({BrushStyle::kSolid, 0});
     dc.SelectBrush(brush.get());
     DrawContours(dc, contours, FitExtent(ContoursBox(contours), {0, 0, 240, 240}, 8), {});
-    EXPECT_EQ(EnclosedRegions(*surface), c.counters)
+    EXPECT_EQ(EnclosedRegions(test::PictureOf(*surface)), c.counters)
         << "U+" << std::hex << static_cast<int>(c.letter);
   }
 }

@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "support/memory_file.h"
-#include "support/places.h"
 #include "support/recording_notices.h"
 #include "support/run.h"
 #include "support/temporary_folder.h"
@@ -13,7 +12,6 @@
 namespace kerno {
 namespace {
 
-using test::ReadBytes;
 using test::TemporaryFolder;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
@@ -178,23 +176,6 @@ TEST(DxfExport, ElementsWithoutTheirVerticesAreLeftOut) {
   PartsA model;
   model.parts.push_back(std::move(part));
   EXPECT_NE(ReadBack(model).find("entities LINE:2\n"), std::string::npos);
-}
-
-TEST(DxfExport, AFailureLeavesTheOldFileAndNoLitter) {
-  const TemporaryFolder folder;
-  test::WriteBytes(folder / "m.dxf", "old");
-  PartsA model;
-  for (int i = 0; i < 1000; ++i) {
-    model.parts.push_back(Contour(u"", kRed, {{0, 0}, {i * 1.0, 0}, {5, 5}}));
-  }
-  EXPECT_EQ(ExportDxf(model, test::kFullDevice).failure, Failure::kNoSpace);
-  {
-    const test::FileSizeLimit limit(10000);
-    if (!limit.holds()) GTEST_SKIP() << "this system limits no file's size";
-    EXPECT_EQ(ExportDxf(model, folder / "m.dxf").failure, Failure::kNoSpace);
-  }
-  EXPECT_EQ(ReadBytes(folder / "m.dxf"), "old");
-  EXPECT_EQ(folder.Names(), std::set<std::string>{"m.dxf"});
 }
 
 }  // namespace

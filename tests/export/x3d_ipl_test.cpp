@@ -152,12 +152,5 @@ TEST(IplWriter, ListsThePartsAndTheWhole) {
   EXPECT_EQ(empty.substr(empty.find("whole")), "whole\t0\t\"\"\t0\t0\t0\t0\t0\t0\t0\t0\t0\r\n");
 }
 
-TEST(X3dAndIpl, AFullDiskIsReported) {
-  PartsA model;
-  model.parts.push_back(Triangle(0, 2.5));
-  EXPECT_EQ(ExportX3d(model, "/dev/full").failure, Failure::kNoSpace);
-  EXPECT_EQ(ExportIpl(model, "/dev/full").failure, Failure::kNoSpace);
-}
-
 }  // namespace
 }  // namespace kerno
