@@ -197,10 +197,13 @@ class CommandLineTest(programs.FolderTest):
 
     def test_warnings_tell_and_do_not_stop(self):
         path = str(self.folder / "a.dxf")
+        zero = self.folder / "zero.txt"
+        zero.write_bytes(b"AB\0C")
         cases = [
             (["A龍鬱龍", *SANS], "no glyph in DejaVu Sans: 龍 (U+9F8D), 鬱 (U+9B31)"),
             (["漢ー漢", "--face", "IPAGothic", "--vertical"], "--pitch cell"),
             (["   ", *SANS], "has no outlines"),
+            (["--text-file", str(zero), *SANS], "ends at a NUL after 2 characters"),
             (["8" * 16, *SANS, "--height", "30000"], "--scale"),
             (["A", "--face", "Nowhere Gothic", "--substitute"], "takes its place"),
         ]
