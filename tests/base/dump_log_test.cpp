@@ -128,22 +128,7 @@ TEST_F(DumpLogTest, TheThrottlePacesMessages) {
 
   Restart();
   settings.ints[{u"Message", u"DrawTiming"}] = 1000;
-  class Counting final : public Notices {
-   public:
-    Counting() : before_(ReplaceNotices(this)) {}
-    ~Counting() override { ReplaceNotices(before_); }
-    void Message(std::u16string_view) override {}
-    void ShowWait(std::u16string_view) override {}
-    void ClearWait() override {}
-    Continue Progress(std::u16string_view, int64_t done, int64_t) override {
-      ++shown;
-      return done >= 600 ? Continue::kNo : Continue::kYes;
-    }
-    int shown = 0;
-
-   private:
-    Notices* before_;
-  } counting;
+  notices_.stop_at = 600;
   PacedProgress progress;
   int steps = 0;
   clock_.ticks = 10000;
@@ -152,7 +137,7 @@ TEST_F(DumpLogTest, TheThrottlePacesMessages) {
     clock_.ticks += 10;
   }
   EXPECT_EQ(steps, 600);
-  EXPECT_EQ(counting.shown, 7);
+  EXPECT_EQ(notices_.steps.size(), 7u);
   EXPECT_EQ(ProgressText(u"Work", 3, 10), u"Work  (3/10)  ");
 }
 

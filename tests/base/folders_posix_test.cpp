@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,7 +15,7 @@ namespace fs = std::filesystem;
 TEST(FoldersPosix, WithoutAnyAnswerTheUserGetsAPrivateFolder) {
   const std::string name = "kerno-test-" + std::to_string(getpid());
   test::SetVariable("USER", name.c_str());
-  for (const char* variable : {"TMP", "TMPDIR", "TEMP"}) test::ClearVariable(variable);
+  for (const char* variable : {"TMP", "TMPDIR", "TEMP"}) unsetenv(variable);
   const fs::path own = fs::path("/tmp") / name;
   EXPECT_EQ(TempFolder(), own / "");
   struct stat info {};
@@ -32,7 +33,7 @@ TEST(FoldersPosix, WithoutAnyAnswerTheUserGetsAPrivateFolder) {
   test::SetVariable("XDG_CACHE_HOME", (folder / "cache").c_str());
   EXPECT_EQ(TempFolder(), folder / "cache/kerno/tmp/");
   fs::remove(own);
-  test::ClearVariable("XDG_CACHE_HOME");
+  unsetenv("XDG_CACHE_HOME");
 }
 
 TEST(FoldersPosix, SpecialFoldersFollowTheDesktopConventions) {
@@ -54,8 +55,7 @@ TEST(FoldersPosix, SpecialFoldersFollowTheDesktopConventions) {
   EXPECT_EQ(SpecialFolder(0x00 | kCreateSpecialFolder), folder / "Schreibtisch");
   EXPECT_TRUE(fs::is_directory(folder / "Schreibtisch"));
 
-  for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
-    test::ClearVariable(variable);
+  for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) unsetenv(variable);
   EXPECT_FALSE(SpecialFolder(0x1A).is_relative());  // the user database knows a home
 }
 

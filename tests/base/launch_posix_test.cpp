@@ -1,10 +1,11 @@
 // The desktop's opener, editors and programs are run without a shell between.
+#include <stdlib.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "base/launch.h"
 #include "platform/shell.h"
+#include "support/child_process.h"
 #include "support/environment.h"
 #include "support/settings_fixture.h"
 
@@ -12,7 +13,6 @@ namespace kerno {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ClearVariable;
 using test::ReadBytes;
 using test::SetVariable;
 using test::WriteBytes;
@@ -34,8 +34,8 @@ class LaunchPosixTest : public test::SettingsFixture {
 
   void OnlyScripts() {
     SetVariable("PATH", ((folder_ / "programs").native() + ":/bin:/usr/bin").c_str());
-    ClearVariable("VISUAL");
-    ClearVariable("EDITOR");
+    unsetenv("VISUAL");
+    unsetenv("EDITOR");
   }
 };
 
@@ -83,16 +83,13 @@ TEST_F(LaunchPosixTest, ResultsOfTheDesktopsOpener) {
   SetVariable("PATH", (folder_ / "programs").c_str());
   EXPECT_EQ(open(folder_ / "file"), 31);
   EXPECT_EQ(shell.Execute(u"unheard-of", folder_ / "file", {}, {}), 31);
-  const pid_t id = fork();
-  if (id == 0) {
-    chmod((folder_ / "file").c_str(), 0);
-    chmod(folder_.path().c_str(), 0755);
-    const bool other = seteuid(65534) == 0;
-    _exit(!other || open(folder_ / "file") == 5 ? 0 : 1);
-  }
-  int status = 0;
-  waitpid(id, &status, 0);
-  EXPECT_EQ(status, 0);
+  EXPECT_EQ(test::InChild([&] {
+              chmod((folder_ / "file").c_str(), 0);
+              chmod(folder_.path().c_str(), 0755);
+              const bool other = seteuid(65534) == 0;
+              return !other || open(folder_ / "file") == 5 ? 0 : 1;
+            }),
+            0);
 }
 
 TEST_F(LaunchPosixTest, EditingAndPrintingHaveTheirPrograms) {

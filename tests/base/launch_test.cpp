@@ -9,7 +9,6 @@ namespace kerno {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ReadBytes;
 using test::WriteBytes;
 
 // A shell that answers what it is told to.
@@ -41,16 +40,7 @@ class FakeShell final : public Shell {
   Shell* before_;
 };
 
-class LaunchTest : public test::SettingsFixture {
- protected:
-  std::u16string DumpedText() const {
-    std::u16string text;
-    for (const auto& entry : fs::directory_iterator(folder_ / "tmp/DbgDump")) {
-      text += DecodeText(ReadBytes(entry.path()));
-    }
-    return text;
-  }
-};
+class LaunchTest : public test::SettingsFixture {};
 
 TEST_F(LaunchTest, TellsTheShellsWords) {
   FakeShell shell;

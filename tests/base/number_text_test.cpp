@@ -55,16 +55,25 @@ std::string General(double value, int digits) {
   return text;
 }
 
+std::string Printed(const char* form, double value, int digits) {
+  char printed[512];
+  std::snprintf(printed, sizeof printed, form, digits, value);
+  return printed;
+}
+
+// The general notation made of what the C library prints.
+std::string PlainlyGeneral(double value, int digits) {
+  std::string text = Printed("%.*g", value, digits);
+  const size_t at = text.find('e');
+  if (at != text.npos && text.size() - at == 4) text.insert(at + 2, "0");
+  return text;
+}
+
 TEST(NumberText, GeneralNotationIsThatOfStreamsWithLongExponents) {
   const struct {
     double value;
     const char* text;
-  } kCases[] = {{420.0, "420"},       {296.98484809834997, "296.985"},
-                {0.0, "0"},           {0.5, "0.5"},
-                {1e-5, "1e-005"},     {1.5e6, "1.5e+006"},
-                {999999.5, "1e+006"}, {0.0001, "0.0001"},
-                {1e-100, "1e-100"},   {999999.4, "999999"},
-                {-1e-5, "-1e-005"}};
+  } kCases[] = {{0.0001, "0.0001"}, {-1e-5, "-1e-005"}, {999999.5, "1e+006"}, {1e-100, "1e-100"}};
   for (const auto& c : kCases) EXPECT_EQ(General(c.value, 6), c.text);
 
   std::mt19937_64 random(1);
@@ -78,28 +87,15 @@ TEST(NumberText, GeneralNotationIsThatOfStreamsWithLongExponents) {
     if (i % 4 == 1) value = std::round(value * 64) / 64;
     if (i % 4 == 2) value = std::round(value * 2e4) / 2e4;
     if (i % 4 == 3) value = std::nextafter(near_power, i % 8 == 3 ? 0.0 : 1e300);
-    char printed[64];
-    std::snprintf(printed, sizeof printed, "%.*g", digits, value);
-    std::string wanted = printed;
-    const size_t at = wanted.find('e');
-    if (at != wanted.npos && wanted.size() - at == 4) wanted.insert(at + 2, "0");
-    ASSERT_EQ(General(value, digits), wanted);
+    ASSERT_EQ(General(value, digits), PlainlyGeneral(value, digits));
   }
 }
 
 // The number form made of what the C library prints.
 std::string Plainly(double value, int digits) {
-  char printed[512];
-  if (std::fabs(value) < 1 && value != 0) {
-    std::snprintf(printed, sizeof printed, "%.*f", digits, value);
-    std::string text = printed;
-    while (text.back() == '0' && text.size() > 1) text.pop_back();
-    return text;
-  }
-  std::snprintf(printed, sizeof printed, "%.*g", digits, value);
-  std::string text = printed;
-  const size_t at = text.find('e');
-  if (at != text.npos && text.size() - at == 4) text.insert(at + 2, "0");
+  if (std::fabs(value) >= 1 || value == 0) return PlainlyGeneral(value, digits);
+  std::string text = Printed("%.*f", value, digits);
+  while (text.back() == '0' && text.size() > 1) text.pop_back();
   return text;
 }
 

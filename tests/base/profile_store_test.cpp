@@ -348,10 +348,7 @@ TEST_F(ProfileStoreTest, LogsReadsWhenAsked) {
     store.GetStr(u"A", u"s", u"def");
     EXPECT_TRUE(store.WriteStr(u"A", u"w", u"v").ok());
   }
-  std::u16string log;
-  for (const auto& entry : fs::directory_iterator(folder_ / "tmp/DbgDump")) {
-    log += DecodeText(ReadBytes(entry.path()));
-  }
+  const std::u16string log = DumpedText();
   for (const std::u16string_view line :
        {u"\tGetInt\tA\tk\t5\t", u"\tGetStr\tA\ts\tdef\t", u"\tWrite\tA\tw\tv\t"}) {
     EXPECT_NE(log.find(line), log.npos) << Utf16ToUtf8(log);

@@ -12,7 +12,6 @@ namespace kerno {
 namespace {
 
 namespace fs = std::filesystem;
-using test::ReadBytes;
 using test::WriteBytes;
 
 class SettingsPlacesTest : public test::SettingsFixture {};
@@ -63,10 +62,7 @@ TEST_F(SettingsPlacesTest, StoresFollowTheListOfCases) {
   process_->application = Application{u"", u"Quenkit.ini"};
   EXPECT_EQ(ProfileStore(u"").profile_path(), PathText(base / "Quenkit.ini"));
   EXPECT_EQ(process_->unnamed_stores, 3);
-  std::u16string log;
-  for (const auto& entry : fs::directory_iterator(folder_ / "tmp/DbgDump")) {
-    log += DecodeText(ReadBytes(entry.path()));
-  }
+  const std::u16string log = DumpedText();
   EXPECT_NE(log.find(u"Ｎｕｌｌのため \"Env__3\" を使用\r\n"), log.npos) << Utf16ToUtf8(log);
 }
 

@@ -12,23 +12,9 @@
 namespace kerno {
 namespace {
 
-class SettingsProcessesTest : public test::SettingsFixture {
- protected:
-  // Runs `work` in a process of its own.
-  template <typename Work>
-  static pid_t Fork(const Work& work) {
-    const pid_t id = fork();
-    if (id != 0) return id;
-    work();
-    _exit(0);
-  }
+using test::ChildProcess;
 
-  static int WaitFor(pid_t id) {
-    int status = 0;
-    waitpid(id, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-  }
-};
+class SettingsProcessesTest : public test::SettingsFixture {};
 
 TEST_F(SettingsProcessesTest, WritersOfDifferentKeysLoseNeither) {
   constexpr int kKeys = 30;
@@ -36,14 +22,15 @@ TEST_F(SettingsProcessesTest, WritersOfDifferentKeysLoseNeither) {
     ReplaceClock(nullptr);
     for (int i = 0; i < kKeys; ++i) {
       IniStore store(u"Quenkit");
-      if (!store.WriteInt(u"S", prefix + Int64Text(i), i).ok()) _exit(1);
-      if (!RegistryAccess().WriteDword(u"Software\\Test", prefix + Int64Text(i), i)) _exit(1);
+      if (!store.WriteInt(u"S", prefix + Int64Text(i), i).ok()) return 1;
+      if (!RegistryAccess().WriteDword(u"Software\\Test", prefix + Int64Text(i), i)) return 2;
     }
+    return 0;
   };
-  const pid_t first = Fork([&] { writer(u"a"); });
-  const pid_t second = Fork([&] { writer(u"b"); });
-  EXPECT_EQ(WaitFor(first), 0);
-  EXPECT_EQ(WaitFor(second), 0);
+  ChildProcess first([&] { return writer(u"a"); });
+  ChildProcess second([&] { return writer(u"b"); });
+  EXPECT_EQ(first.Wait(), 0);
+  EXPECT_EQ(second.Wait(), 0);
   IniStore store(u"Quenkit");
   for (const std::u16string prefix : {u"a", u"b"}) {
     for (int i = 0; i < kKeys; ++i) {
@@ -61,7 +48,7 @@ TEST_F(SettingsProcessesTest, AKilledWriterLeavesAWholeFile) {
   const std::u16string head = IniText().substr(0, IniText().find(u"[ProfileINI]"));
   int changed = 0;
   for (int round = 0; round < kRounds; ++round) {
-    const pid_t writer = Fork([&] {
+    ChildProcess writer([&]() -> int {
       ReplaceClock(nullptr);
       for (int i = round;; ++i) {
         ProfileStore store(u"Quenkit");
@@ -69,8 +56,8 @@ TEST_F(SettingsProcessesTest, AKilledWriterLeavesAWholeFile) {
       }
     });
     usleep(static_cast<useconds_t>(500 + 37 * (round % 100)));
-    kill(writer, SIGKILL);
-    WaitFor(writer);
+    writer.Signal(SIGKILL);
+    EXPECT_EQ(writer.Wait(), -SIGKILL);
     const std::u16string text = IniText();
     const bool first = text.find(values[0]) != text.npos;
     ASSERT_TRUE(first || text.find(values[1]) != text.npos) << round;

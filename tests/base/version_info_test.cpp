@@ -4,6 +4,7 @@
 
 #include <random>
 
+#include "base/text_file.h"
 #include "base/version_resource.h"
 #include "platform/system.h"
 #include "support/run.h"
@@ -19,12 +20,7 @@ using test::WriteBytes;
 const fs::path kSamples = KERNO_TEST_DATA "/version";
 
 std::string Utf16Bytes(std::u16string_view text) {
-  std::string bytes;
-  for (const char16_t unit : text) {
-    bytes.push_back(static_cast<char>(unit & 0xFF));
-    bytes.push_back(static_cast<char>(unit >> 8));
-  }
-  return bytes;
+  return EncodeText(text, TextEncoding::kUtf16).substr(2);
 }
 
 TEST(VersionReader, ReadsImagesOfBothSizes) {

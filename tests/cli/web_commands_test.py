@@ -4,29 +4,25 @@
 usage: web_commands_test.py KERNO RECEIVER
 """
 import os
-import pathlib
 import subprocess
 import sys
-import tempfile
 import unittest
+
+import programs
 
 KERNO = RECEIVER = ""
 
 
-class WebCommandsTest(unittest.TestCase):
+class WebCommandsTest(programs.FolderTest):
     def setUp(self):
-        holder = tempfile.TemporaryDirectory()
-        self.addCleanup(holder.cleanup)
-        self.folder = pathlib.Path(holder.name)
+        super().setUp()
         self.ini = self.folder / "config" / "kerno" / "UpFile.ini"
         self.env = {**os.environ, "XDG_CONFIG_HOME": str(self.folder / "config"),
                     "XDG_CACHE_HOME": str(self.folder / "cache"), "TMPDIR": str(self.folder),
                     "no_proxy": "*"}
 
     def run_kerno(self, *arguments, **env):
-        done = subprocess.run([KERNO, *map(str, arguments)], capture_output=True, timeout=60,
-                              env={**self.env, **env}, check=False)
-        return done.returncode, done.stdout.decode(), done.stderr.decode()
+        return programs.run([KERNO, *arguments], env={**self.env, **env})
 
     def start_receiver(self):
         receiver = subprocess.Popen(
@@ -79,18 +75,6 @@ class WebCommandsTest(unittest.TestCase):
         self.assertEqual((status, out), (1, ""))
         self.assertIn("404", err)
         self.assertIn("there is no receiving script here", err)
-
-    def test_the_inspection_copy_lies_in_the_work_folder_of_the_day(self):
-        address = self.start_receiver()
-        self.configure(f"[UpFile]\nserver={address}\nopen_http=http\n[Preference_202206]\nDebug=1\n")
-        drawing = self.folder / "a.svg"
-        drawing.write_bytes(b"<svg/>")
-        self.assertEqual(self.run_kerno("upload", drawing)[0], 0)
-        copies = list(self.folder.glob("**/Quenkit.tmp/????????/a.svg.txt"))
-        self.assertEqual(len(copies), 1)
-        self.assertRegex(copies[0].read_bytes(),
-                         rb'(?s)^-------UpFile__\d{6}\r\n.*filename="a.svg"\r\n.*\r\n\r\n<svg/>'
-                         rb'-------UpFile__\d{6}--\r\n$')
 
     def test_pages_of_a_folder(self):
         for name in ("Face_72_one.svg", "Face_72_one.dxf", "Face_72_two.ipx"):

@@ -11,7 +11,6 @@ import re
 import shutil
 import subprocess
 import sys
-import tempfile
 import threading
 import unittest
 
@@ -38,23 +37,20 @@ def version_strings(program):
     return found
 
 
-class WindowsProgramsTest(unittest.TestCase):
+class WindowsProgramsTest(programs.FolderTest):
     def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        super().setUp()
         self.program = str(self.folder / "kerno.exe")
         shutil.copy(KERNO, self.program)
 
-    def run_kerno(self, *arguments, environment=None):
-        done = subprocess.run([*programs.command(self.program), *arguments], capture_output=True,
-                              cwd=self.folder, timeout=120, check=False, env=environment)
-        return done.returncode, done.stdout.decode(), done.stderr.decode()
+    def run_kerno(self, *arguments, **more):
+        return programs.run([*programs.command(self.program), *arguments], cwd=self.folder, **more)
 
     def test_without_a_command_the_window_is_started(self):
         # The system has a display that no variable names; here the window's program is not there.
         environment = {k: v for k, v in os.environ.items()
                        if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
-        status, _, error = self.run_kerno(environment=environment)
+        status, _, error = self.run_kerno(env=environment)
         self.assertEqual(1, status)
         self.assertIn("kerno-desktop: cannot be started", error)
 

@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <sstream>
 
 #include "export/draw_parts.h"
 #include "outline/text_layout.h"
 #include "support/memory_file.h"
+#include "support/picture_compare.h"
+#include "support/picture_models.h"
 #include "support/recording_notices.h"
 #include "support/run.h"
 #include "support/temporary_folder.h"
@@ -16,18 +19,9 @@ namespace {
 
 using test::MemoryFile;
 using test::RecordingNotices;
+using test::TriangleModel;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
-PartsA Square(double side) {
-  PartsA model;
-  PartsElement& part = model.parts.emplace_back();
-  part.pen.color = 0x0000FF;
-  part.AddLine({0, 0, 0}, {side, 0, 0});
-  part.AddLine({side, 0, 0}, {side, side, 0});
-  part.AddLine({side, side, 0}, {0, 0, 0});
-  return model;
-}
 
 TEST(BmpWriter, LaysOutOneUnitAPixelWithinLimits) {
   const struct {
@@ -70,7 +64,7 @@ TEST(BmpWriter, HeaderAndRowsAreThoseOfTheFormat) {
 
 TEST(BmpWriter, ReaderSeesThePixelsOfTheSurface) {
   const test::TemporaryFolder folder;
-  PartsA model = Square(61.5);
+  PartsA model = TriangleModel(61.5);
   model.parts[0].pen.width = 2.5;
   const P3 face[] = {{10, 5, 0}, {40.3, 7, 0}, {33, 22.2, 0}};
   model.parts[0].brush.color = 0x8040C0;
@@ -80,20 +74,15 @@ TEST(BmpWriter, ReaderSeesThePixelsOfTheSurface) {
   EXPECT_EQ(folder.Names(), (std::set<std::string>{"square.bmp"}));
 
   const BmpLayout layout = LayOutBmp(PictureBox(model, nullptr), {});
-  const auto surface = CreateBitmapSurface(layout.width, layout.height, 0xFFFFFF);
-  DrawParts(surface->Context(), model, layout.fit, {.detail = 1.0 / 16});
-  std::string pixels;
-  for (size_t i = 0; i < surface->Pixels().size(); i += 4) {
-    for (const size_t c : {2, 1, 0}) pixels += static_cast<char>(surface->Pixels()[i + c]);
-  }
-  test::OutputOf("convert " + file.string() + " -depth 8 rgb:" + (folder / "rgb").string());
-  EXPECT_EQ(test::ReadBytes(folder / "rgb"), pixels);
+  const test::Picture drawn =
+      test::Drawn(model, layout.width, layout.height, layout.fit, {.detail = 1.0 / 16});
+  EXPECT_EQ(test::ReadPicture(file).rgb, drawn.rgb);
   EXPECT_EQ(test::OutputOf("identify -format '%m %w %h %[channels]' " + file.string()),
             "BMP3 72 72 srgb");
 }
 
 TEST(BmpWriter, AwkwardModelsGiveAPictureAndAWarning) {
-  PartsA nan = Square(10);
+  PartsA nan = TriangleModel(10);
   nan.parts[0].vertices.Append({kNan, 0, 0});
   nan.parts[0].lines.items.push_back({0, 3});
   const struct {
@@ -104,11 +93,11 @@ TEST(BmpWriter, AwkwardModelsGiveAPictureAndAWarning) {
   } cases[] = {
       {{}, {}, true, 0, 54 + 24 * 8},
       {nan, {}, true, 1, 54 + 56 * 18},
-      {Square(1e-9), {}, true, 1, 54 + 792 * 264},
-      {Square(1e9), {.width = 10, .height = 10}, true, 0, 54 + 320},
-      {Square(10), {.width = 8193, .height = 10}, false, 0, 0},
-      {Square(10), {.width = 10, .height = 0}, false, 0, 0},
-      {Square(10), {.width = -1, .height = -1}, false, 0, 0},
+      {TriangleModel(1e-9), {}, true, 1, 54 + 792 * 264},
+      {TriangleModel(1e9), {.width = 10, .height = 10}, true, 0, 54 + 320},
+      {TriangleModel(10), {.width = 8193, .height = 10}, false, 0, 0},
+      {TriangleModel(10), {.width = 10, .height = 0}, false, 0, 0},
+      {TriangleModel(10), {.width = -1, .height = -1}, false, 0, 0},
   };
   for (const auto& c : cases) {
     RecordingNotices notices;
@@ -119,42 +108,22 @@ TEST(BmpWriter, AwkwardModelsGiveAPictureAndAWarning) {
   }
   for (const size_t capacity : {0, 53, 54, 500}) {
     MemoryFile full(capacity);
-    EXPECT_EQ(WriteBmp(Square(50), {}, "a.bmp", &full).failure, Failure::kNoSpace);
+    EXPECT_EQ(WriteBmp(TriangleModel(50), {}, "a.bmp", &full).failure, Failure::kNoSpace);
   }
 }
 
-// The number of white regions that a drawing encloses.
-int EnclosedRegions(const BitmapSurface& surface) {
-  const int width = surface.Width();
-  const int height = surface.Height();
-  const auto index = [&](int x, int y) {
-    return static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x);
-  };
-  std::vector<char> seen(index(0, height));
-  const auto is_open = [&](int x, int y) {
-    const auto at = index(x, y);
-    return !seen[at] && surface.Pixels()[at * 4] > 200;
-  };
+// The number of white regions that a picture encloses, as ImageMagick counts them.
+int EnclosedRegions(const test::Picture& picture) {
+  const test::TemporaryFolder folder;
+  test::WriteBytes(folder / "rgb",
+                   {reinterpret_cast<const char*>(picture.rgb.data()), picture.rgb.size()});
+  std::istringstream lines(test::OutputOf(
+      "convert -size " + std::to_string(picture.width) + "x" + std::to_string(picture.height) +
+      " -depth 8 rgb:" + (folder / "rgb").string() +
+      " -threshold 78% -define connected-components:verbose=true"
+      " -define connected-components:area-threshold=9 -connected-components 4 null:"));
   int regions = -1;  // the surroundings are one
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      if (!is_open(x, y)) continue;
-      size_t size = 0;
-      std::vector<std::pair<int, int>> todo = {{x, y}};
-      while (!todo.empty()) {
-        const auto [px, py] = todo.back();
-        todo.pop_back();
-        if (px < 0 || py < 0 || px >= width || py >= height || !is_open(px, py)) continue;
-        seen[index(px, py)] = 1;
-        ++size;
-        for (const int d : {-1, 1}) {
-          todo.emplace_back(px + d, py);
-          todo.emplace_back(px, py + d);
-        }
-      }
-      regions += size > 8;
-    }
-  }
+  for (std::string line; std::getline(lines, line);) regions += line.find("(255") != line.npos;
   return regions;
 }
 
@@ -181,7 +150,7 @@ TEST(DrawContours, CountersOfRealLettersAreOpen) {
     const auto brush = dc.CreateBrushIndirect({BrushStyle::kSolid, 0});
     dc.SelectBrush(brush.get());
     DrawContours(dc, contours, FitExtent(ContoursBox(contours), {0, 0, 240, 240}, 8), {});
-    EXPECT_EQ(EnclosedRegions(*surface), c.counters)
+    EXPECT_EQ(EnclosedRegions(test::PictureOf(*surface)), c.counters)
         << "U+" << std::hex << static_cast<int>(c.letter);
   }
 }

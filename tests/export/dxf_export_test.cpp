@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
 
 #include "support/memory_file.h"
-#include "support/places.h"
 #include "support/recording_notices.h"
 #include "support/run.h"
 #include "support/temporary_folder.h"
@@ -14,7 +12,6 @@
 namespace kerno {
 namespace {
 
-using test::ReadBytes;
 using test::TemporaryFolder;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
@@ -24,10 +21,7 @@ PartsElement Contour(std::u16string layer, Color color, std::initializer_list<P3
   PartsElement part;
   part.name = std::move(layer);
   part.pen.color = static_cast<int32_t>(color);
-  const P3* before = points.end() - 1;
-  for (const P3* p = points.begin(); p != points.end(); before = p++) {
-    EXPECT_TRUE(part.AddLine(*before, *p));
-  }
+  EXPECT_TRUE(part.AddClosedLines(points));
   return part;
 }
 
@@ -125,22 +119,6 @@ TEST(DxfExport, ReadersFindTheModel) {
   }
 }
 
-// The rule that lists a layer with the colour of the element before.
-TEST(DxfExport, LayersByColourAreSetBeforeTheColour) {
-  PartsA model;
-  model.parts.push_back(Contour(u"", kRed, {{0, 0}, {1, 0}}));
-  const auto layers = [&] {
-    const std::string file = Written(model, {.layers = DxfLayerRule::kColour});
-    const size_t start = file.find("  2\r\nLAYER\r\n");
-    return file.substr(start, file.find("ENDTAB", start) - start);
-  };
-  const std::string listed = "LAYER\r\n  2\r\n1\r\n 70\r\n64\r\n 62\r\n";
-  EXPECT_NE(layers().find(listed + "7\r\n"), std::string::npos);
-  model.parts.push_back(Contour(u"", kRed, {{0, 0}, {1, 0}}));
-  EXPECT_NE(layers().find(listed + "1\r\n"), std::string::npos);
-  EXPECT_NE(layers().find(" 70\r\n1\r\n"), std::string::npos) << "one row";
-}
-
 TEST(DxfExport, AModelIsFlatWhenAllItsVerticesAre) {
   const struct {
     double z[2];
@@ -198,23 +176,6 @@ TEST(DxfExport, ElementsWithoutTheirVerticesAreLeftOut) {
   PartsA model;
   model.parts.push_back(std::move(part));
   EXPECT_NE(ReadBack(model).find("entities LINE:2\n"), std::string::npos);
-}
-
-TEST(DxfExport, AFailureLeavesTheOldFileAndNoLitter) {
-  const TemporaryFolder folder;
-  test::WriteBytes(folder / "m.dxf", "old");
-  PartsA model;
-  for (int i = 0; i < 1000; ++i) {
-    model.parts.push_back(Contour(u"", kRed, {{0, 0}, {i * 1.0, 0}, {5, 5}}));
-  }
-  EXPECT_EQ(ExportDxf(model, test::kFullDevice).failure, Failure::kNoSpace);
-  {
-    const test::FileSizeLimit limit(10000);
-    if (!limit.holds()) GTEST_SKIP() << "this system limits no file's size";
-    EXPECT_EQ(ExportDxf(model, folder / "m.dxf").failure, Failure::kNoSpace);
-  }
-  EXPECT_EQ(ReadBytes(folder / "m.dxf"), "old");
-  EXPECT_EQ(folder.Names(), std::set<std::string>{"m.dxf"});
 }
 
 }  // namespace

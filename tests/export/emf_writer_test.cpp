@@ -20,8 +20,7 @@ namespace {
 
 using test::MemoryFile;
 using test::RecordingNotices;
-using test::ShapesModel;
-using test::TextModel;
+using test::TriangleModel;
 
 // One record of a metafile: its type and all its 32-bit words, type and size included.
 struct Record {
@@ -85,17 +84,8 @@ std::string EmfOf(const PartsA& model, std::u16string title = u"t") {
   return out.bytes;
 }
 
-PartsA Triangle(double side) {
-  PartsA model;
-  PartsElement& part = model.parts.emplace_back();
-  part.AddLine({0, 0, 0}, {side, 0, 0});
-  part.AddLine({side, 0, 0}, {side, side, 0});
-  part.AddLine({side, side, 0}, {0, 0, 0});
-  return model;
-}
-
 TEST(EmfWriter, HeaderTellsBoundsFrameDeviceAndProgram) {
-  const std::string bytes = EmfOf(Triangle(98), u"A 字");
+  const std::string bytes = EmfOf(TriangleModel(98), u"A 字");
   const std::vector<Record> records = RecordsOf(bytes);
   const std::vector<uint32_t>& h = records.at(0).words;
   const uint32_t dots = 256;  // the finest whose 100 pixels stay within 16 bits
@@ -118,7 +108,7 @@ TEST(EmfWriter, PointsAreNarrowWhereTheyFitAndWideElsewhere) {
                {5000, 3, 16}, {1 << 22, 3, 16}, {1e9, 3, 16},   {1e-9, 86, 64}};
   for (const auto& c : cases) {
     RecordingNotices notices;
-    const std::vector<Record> records = RecordsOf(EmfOf(Triangle(c.side)));
+    const std::vector<Record> records = RecordsOf(EmfOf(TriangleModel(c.side)));
     EXPECT_EQ(CountTypes(records)[c.polygon], 1) << c.side;
     EXPECT_EQ(records[0].words[18] / 1280, c.scale) << c.side;
     EXPECT_EQ(notices.messages.size(), c.side < 1 || c.side > 1 << 22 ? 1u : 0u) << c.side;
@@ -136,7 +126,7 @@ TEST(EmfWriter, PointsAreNarrowWhereTheyFitAndWideElsewhere) {
 }
 
 TEST(EmfWriter, AwkwardModelsAreStillMetafiles) {
-  PartsA nan = Triangle(10);
+  PartsA nan = TriangleModel(10);
   nan.parts[0].vertices.Append({std::numeric_limits<double>::quiet_NaN(), 0, 0});
   nan.parts[0].lines.items.push_back({0, 3});
   PartsA hues;
@@ -159,11 +149,11 @@ TEST(EmfWriter, AwkwardModelsAreStillMetafiles) {
   }
   for (const size_t capacity : {0, 100}) {
     MemoryFile full(capacity);
-    EXPECT_EQ(WriteEmf(Triangle(5), {}, "a.emf", &full).failure, Failure::kNoSpace);
+    EXPECT_EQ(WriteEmf(TriangleModel(5), {}, "a.emf", &full).failure, Failure::kNoSpace);
   }
   const test::TemporaryFolder folder;
-  EXPECT_TRUE(ExportEmf(Triangle(5), folder / "a.emf").ok());
-  EXPECT_FALSE(ExportEmf(Triangle(5), folder / "none" / "a.emf").ok());
+  EXPECT_TRUE(ExportEmf(TriangleModel(5), folder / "a.emf").ok());
+  EXPECT_FALSE(ExportEmf(TriangleModel(5), folder / "none" / "a.emf").ok());
   EXPECT_EQ(folder.Names(), (std::set<std::string>{"a.emf"}));
 }
 
@@ -201,33 +191,24 @@ TEST(EmfContext, WritesTextWithItsFontAndAdvances) {
 }
 
 TEST(EmfWriter, AnotherProgramDrawsTheSamePicture) {
-  const struct {
-    const char* name;
-    PartsA model;
-  } cases[] = {{"latin", TextModel(u"Kerno 8O&", u"DejaVu Serif", true)},
-               {"japanese", TextModel(u"龍あ、日本語", u"IPAMincho", false)},
-               {"vertical", TextModel(u"縦書きー8", u"@IPAGothic", false)},
-               {"shapes", ShapesModel()}};
   const test::TemporaryFolder folder;
-  for (const auto& c : cases) {
+  for (const auto& [name, model] : test::PictureModels()) {
     const auto fonts = CreateMeasuringContext();
-    const EmfLayout layout = LayOutEmf(PictureBox(c.model, fonts.get()));
-    const std::string emf = (folder / c.name).string() + ".emf";
-    ASSERT_TRUE(ExportEmf(c.model, emf).ok());
+    const EmfLayout layout = LayOutEmf(PictureBox(model, fonts.get()));
+    const std::string emf = (folder / name).string() + ".emf";
+    ASSERT_TRUE(ExportEmf(model, emf).ok());
     std::ostringstream convert;
     convert << "emf2svg-conv -w " << layout.frame.width << " -h " << layout.frame.height << " -i "
             << emf << " -o " << emf << ".svg && rsvg-convert " << emf << ".svg -o " << emf
             << ".png";
     test::OutputOf(convert.str());
-    const auto surface = CreateBitmapSurface(layout.frame.width, layout.frame.height, 0xFFFFFF);
-    DrawParts(surface->Context(), c.model, layout.fit, {});
     const test::Picture other = test::ReadPicture(emf + ".png");
-    EXPECT_GE(test::AgreementNearInk(test::PictureOf(*surface), other), 0.99) << c.name;
+    const int width = layout.frame.width, height = layout.frame.height;
+    EXPECT_GE(AgreementNearInk(test::Drawn(model, width, height, layout.fit), other), 0.99) << name;
     Fit moved = layout.fit;
     moved.dx += 3;
-    const auto apart = CreateBitmapSurface(layout.frame.width, layout.frame.height, 0xFFFFFF);
-    DrawParts(apart->Context(), c.model, moved, {});
-    EXPECT_LT(test::AgreementNearInk(test::PictureOf(*apart), other), 0.9) << "a blind comparison";
+    EXPECT_LT(AgreementNearInk(test::Drawn(model, width, height, moved), other), 0.9)
+        << "a blind comparison";
   }
 }
 

@@ -19,7 +19,6 @@ namespace {
 using test::AgreementNearInk;
 using test::Picture;
 
-constexpr uint32_t kWhite = 0xFFFFFF;
 constexpr int kFiner = 4;
 constexpr double kAlike = 0.99;
 
@@ -62,12 +61,6 @@ Picture Played(const std::filesystem::path& file, int width, int height) {
   return picture;
 }
 
-Picture Drawn(const PartsA& model, const EmfLayout& layout, const Fit& fit) {
-  const auto surface = CreateBitmapSurface(layout.frame.width, layout.frame.height, kWhite);
-  DrawParts(surface->Context(), model, fit, {});
-  return test::PictureOf(*surface);
-}
-
 Picture UpsideDown(const Picture& picture) {
   Picture turned{picture.width, picture.height, {}};
   const auto row = static_cast<ptrdiff_t>(picture.width) * 3;
@@ -101,37 +94,17 @@ Picture WithoutHoles(Picture picture) {
   return picture;
 }
 
-// Letters in black, with their counters open.
-PartsA Letters() {
-  PartsA model;
-  PartsElement& part = model.parts.emplace_back();
-  TextLine line;
-  line.text = u"8OBあ&国";
-  line.values[0] = 90;
-  line.face_name = u"IPAGothic";
-  part.AddHorizontalText({0, 0, 0}, line);
-  return model;
-}
-
 TEST(MetafilePlayback, TheSystemDrawsTheSamePicture) {
-  const struct {
-    const char* name;
-    PartsA model;
-  } cases[] = {{"letters", Letters()},
-               {"latin", test::TextModel(u"Kerno 8O&", u"DejaVu Serif", true)},
-               {"japanese", test::TextModel(u"龍あ、日本語", u"IPAMincho", true)},
-               {"vertical", test::TextModel(u"縦書きー8", u"@IPAGothic", true)},
-               {"lines", test::TextModel(u"Kerno 8O&", u"DejaVu Sans", false)},
-               {"shapes", test::ShapesModel()}};
   const test::TemporaryFolder folder;
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  for (const auto& [name, model] : test::PictureModels()) {
+    SCOPED_TRACE(name);
     const auto fonts = CreateMeasuringContext();
-    const EmfLayout layout = LayOutEmf(PictureBox(c.model, fonts.get()));
-    const std::filesystem::path file = folder / (std::string(c.name) + ".emf");
-    ASSERT_TRUE(ExportEmf(c.model, file).ok());
-    const Picture theirs = Played(file, layout.frame.width, layout.frame.height);
-    const Picture ours = Drawn(c.model, layout, layout.fit);
+    const EmfLayout layout = LayOutEmf(PictureBox(model, fonts.get()));
+    const std::filesystem::path file = folder / (std::string(name) + ".emf");
+    ASSERT_TRUE(ExportEmf(model, file).ok());
+    const int width = layout.frame.width, height = layout.frame.height;
+    const Picture theirs = Played(file, width, height);
+    const Picture ours = test::Drawn(model, width, height, layout.fit);
     EXPECT_GE(AgreementNearInk(ours, theirs), kAlike);
 
     // Each of these would be noticed.
@@ -141,8 +114,8 @@ TEST(MetafilePlayback, TheSystemDrawsTheSamePicture) {
     Fit larger = layout.fit;
     larger.scale *= 1.05;
     const std::pair<const char*, Picture> wrong[] = {
-        {"moved", Drawn(c.model, layout, moved)},
-        {"larger", Drawn(c.model, layout, larger)},
+        {"moved", test::Drawn(model, width, height, moved)},
+        {"larger", test::Drawn(model, width, height, larger)},
         {"upside down", UpsideDown(ours)},
         {"without holes", WithoutHoles(ours)},
     };

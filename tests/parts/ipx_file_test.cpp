@@ -328,13 +328,5 @@ TEST(IpxFile, WaitsForAFileThatIsHeld) {
   EXPECT_EQ(ReadBytes(path), "old");
 }
 
-TEST(IpxFile, NamesOfPartsFiles) {
-  EXPECT_TRUE(IsIpx(u"a.ipx"));
-  EXPECT_TRUE(IsIpx(u"C:\\x.y\\a.IPX"));
-  EXPECT_FALSE(IsIpx(u"a.ipa"));
-  EXPECT_FALSE(IsIpx(u"a.ipx/b"));
-  EXPECT_FALSE(IsIpx(u"ipx"));
-}
-
 }  // namespace
 }  // namespace kerno

@@ -59,33 +59,24 @@ const PenData kNoPen{.style = PenStyle::kNull};
 const BrushData kRedBrush{.style = BrushStyle::kSolid, .color = kRed};
 const BrushData kNoBrush{.style = BrushStyle::kHollow};
 
-TEST_F(SurfaceTest, PolygonsCoverExactlyTheirPixelsAndLeaveHolesOpen) {
-  Make(10, 10);
-  Select(kNoPen, kRedBrush);
+TEST_F(SurfaceTest, PolygonsCoverExactlyTheirPixelsAndTheAlternateRuleOpensHoles) {
   std::vector<DevicePoint> points = Square(1, 1, 8);
-  const auto hole = Square(3, 3, 4);  // wound the same way: the alternate rule opens it
-  points.insert(points.end(), hole.begin(), hole.end());
-  const uint32_t counts[] = {4, 4};
-  ASSERT_TRUE(Context().DrawPolygons(points, counts));
-  for (int y = 0; y < 10; ++y) {
-    for (int x = 0; x < 10; ++x) {
-      const bool inside = x >= 1 && x < 9 && y >= 1 && y < 9;
-      const bool open = x >= 3 && x < 7 && y >= 3 && y < 7;
-      EXPECT_EQ(At(x, y), inside && !open ? kRed : kWhite) << x << "," << y;
-    }
-  }
-}
-
-TEST_F(SurfaceTest, WindingFillsWhatTurnsTheSameWay) {
-  Make(10, 10);
-  Select(kNoPen, kRedBrush);
-  EXPECT_EQ(Context().SetFillMode(FillMode::kWinding), FillMode::kAlternate);
-  std::vector<DevicePoint> points = Square(1, 1, 8);
-  const auto within = Square(3, 3, 4);
+  const auto within = Square(3, 3, 4);  // wound the same way
   points.insert(points.end(), within.begin(), within.end());
   const uint32_t counts[] = {4, 4};
-  ASSERT_TRUE(Context().DrawPolygons(points, counts));
-  EXPECT_EQ(InkCount(*surface_), 64);
+  for (const FillMode mode : {FillMode::kAlternate, FillMode::kWinding}) {
+    Make(10, 10);
+    Select(kNoPen, kRedBrush);
+    EXPECT_EQ(Context().SetFillMode(mode), FillMode::kAlternate);
+    ASSERT_TRUE(Context().DrawPolygons(points, counts));
+    for (int y = 0; y < 10; ++y) {
+      for (int x = 0; x < 10; ++x) {
+        const bool inside = x >= 1 && x < 9 && y >= 1 && y < 9;
+        const bool open = x >= 3 && x < 7 && y >= 3 && y < 7 && mode == FillMode::kAlternate;
+        EXPECT_EQ(At(x, y), inside && !open ? kRed : kWhite) << x << "," << y;
+      }
+    }
+  }
 }
 
 TEST_F(SurfaceTest, TextHangsFromItsUpperLeftCornerInLogicalUnits) {

@@ -4,20 +4,20 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <functional>
 #include <thread>
 
 #include "platform/file_replacement.h"
+#include "support/child_process.h"
 #include "support/temporary_folder.h"
 
 namespace kerno {
 namespace {
 
 namespace fs = std::filesystem;
+using test::InChild;
 using test::ReadBytes;
 using test::TemporaryFolder;
 using test::WriteBytes;
@@ -27,15 +27,6 @@ mode_t ModeOf(const fs::path& file) {
   struct stat info {};
   EXPECT_EQ(stat(file.c_str(), &info), 0) << file;
   return info.st_mode & 07777;
-}
-
-// Runs in a process of its own, so that limits and identities end with it; its exit status.
-int InChild(const std::function<int()>& body) {
-  const pid_t child = fork();
-  if (child == 0) _exit(body());
-  int status = 0;
-  EXPECT_EQ(waitpid(child, &status, 0), child);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
 }
 
 TEST(FileReplacementPosix, TheModeOfAnExistingFileStaysAndANewOneFollowsTheMask) {
@@ -198,21 +189,15 @@ TEST(FileReplacementPosix, AFullDiskLeavesTheOldFile) {
 TEST(FileReplacementPosix, AKilledProcessLeavesTheOldFileAlone) {
   const TemporaryFolder folder;
   WriteBytes(folder / "file", "old");
-  int ready[2];
-  ASSERT_EQ(pipe(ready), 0);
-  const pid_t child = fork();
-  if (child == 0) {
+  test::ChildProcess child([&] {
     Status status;
     const auto file = FileReplacement::Create(folder / "file", &status);
-    const char good = file && file->Write(std::string(100000, 'x')).ok() ? 'y' : 'n';
-    if (write(ready[1], &good, 1) == 1) pause();
-    _exit(1);
-  }
-  char answer = 0;
-  ASSERT_EQ(read(ready[0], &answer, 1), 1);
-  EXPECT_EQ(answer, 'y');
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
+    if (file && file->Write(std::string(100000, 'x')).ok() && write(1, "y\n", 2) == 2) pause();
+    return 1;
+  });
+  EXPECT_EQ(child.ReadLine(), "y");
+  child.Signal(SIGKILL);
+  EXPECT_EQ(child.Wait(), -SIGKILL);
   EXPECT_EQ(ReadBytes(folder / "file"), "old");
   EXPECT_EQ(folder.Names(), Names{"file"});
 }

@@ -15,13 +15,7 @@ namespace kerno {
 namespace {
 
 using test::FontProbe;
-
-std::vector<std::u16string> Names(const std::vector<InstalledFace>& faces) {
-  std::vector<std::u16string> names;
-  names.reserve(faces.size());
-  for (const InstalledFace& face : faces) names.push_back(face.name);
-  return names;
-}
+using test::Names;
 
 TEST(FontFiles, LongNamesAreComparedByTheirFirstUnits) {
   const auto bytes = test::ReadFontFile(test::InstalledFontPath(u"IPAGothic"));

@@ -59,14 +59,6 @@ TEST(NativeOutline, StartsRunsAndEndsOfContours) {
   }
 }
 
-TEST(NativeOutline, ContoursOfOnePointAreLeftOut) {
-  std::vector<std::byte> buffer;
-  ASSERT_TRUE(WriteNativeOutline({{On(3, 4), On(0, 0), On(8, 0), On(5, 5)}, {1, 3, 4}}, &buffer));
-  const auto contours = test::ReadNativeRecords(buffer);
-  ASSERT_EQ(contours.size(), 1U);
-  EXPECT_EQ(contours[0].start, At(0, 0));
-}
-
 TEST(NativeOutline, CoordinatesFillSixteenBits) {
   std::vector<std::byte> buffer;
   const int64_t least = -32768 * 64;

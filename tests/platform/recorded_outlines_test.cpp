@@ -5,7 +5,6 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "platform/device_context.h"
 #include "support/font_probe.h"
 #include "support/native_records.h"
 
@@ -13,15 +12,15 @@ namespace kerno {
 namespace {
 
 using nlohmann::json;
+using test::FontProbe;
 using test::ReadNativeRecords;
 
 std::u16string Ascii(const std::string& text) {
   return {text.begin(), text.end()};
 }
 
-json MetricsOf(DeviceContext& context) {
-  TextMetrics m;
-  EXPECT_TRUE(context.GetTextMetrics(&m));
+json MetricsOf(const FontProbe& font) {
+  const TextMetrics m = font.metrics();
   return {{"tmHeight", m.tmHeight},
           {"tmAscent", m.tmAscent},
           {"tmDescent", m.tmDescent},
@@ -47,9 +46,7 @@ json ContoursJson(const std::vector<std::byte>& buffer) {
     json records = json::array();
     for (const auto& record : contour.records) {
       json points = json::array();
-      for (const auto& point : record.points) {
-        points.push_back(PointJson(point));
-      }
+      for (const auto& point : record.points) points.push_back(PointJson(point));
       records.push_back({{"type", record.type}, {"points", points}});
     }
     contours.push_back({{"start", PointJson(contour.start)}, {"records", records}});
@@ -57,59 +54,43 @@ json ContoursJson(const std::vector<std::byte>& buffer) {
   return contours;
 }
 
-json GlyphOf(DeviceContext& context, char32_t ch) {
-  GlyphMetrics m;
-  const uint32_t size = context.GetGlyphOutline(ch, kGgoNative, &m, 0, nullptr, Mat2{});
-  if (size == kGdiError) {
-    return "GDI_ERROR";
-  }
-  std::vector<std::byte> buffer(size);
-  GlyphMetrics again;
-  EXPECT_EQ(context.GetGlyphOutline(ch, kGgoNative, &again, size, buffer.data(), Mat2{}), size);
-  Extent extent;
+json GlyphOf(const FontProbe& font, char32_t ch) {
+  const test::ProbedGlyph glyph = font.Glyph(ch);
+  if (!glyph.ok()) return "GDI_ERROR";
+  const GlyphMetrics& m = glyph.metrics;
   const char16_t unit = static_cast<char16_t>(ch);
-  EXPECT_TRUE(context.GetTextExtent({&unit, 1}, &extent));
+  const Extent extent = font.TextExtent({&unit, 1});
   return {{"ch", static_cast<uint32_t>(ch)},
-          {"size", size},
+          {"size", glyph.size},
           {"gmBlackBoxX", m.gmBlackBoxX},
           {"gmBlackBoxY", m.gmBlackBoxY},
           {"gmptGlyphOrigin", {m.gmptGlyphOriginX, m.gmptGlyphOriginY}},
           {"gmCellIncX", m.gmCellIncX},
           {"gmCellIncY", m.gmCellIncY},
           {"extent", {extent.cx, extent.cy}},
-          {"contours", ContoursJson(buffer)}};
+          {"contours", ContoursJson(glyph.buffer)}};
 }
 
 TEST(RecordedOutlines, EveryValueIsMet) {
   std::ifstream lines(KERNO_TEST_DATA "/gdi-outlines.jsonl");
-  const auto context = CreateMeasuringContext();
   int fonts = 0;
   int wrong = 0;
   for (std::string line; std::getline(lines, line); ++fonts) {
     json recorded = json::parse(line);
-    LogFont wanted;
-    wanted.face_name = Ascii(recorded["face"]);
-    wanted.height = recorded["height"];
-    wanted.width = recorded["width"];
-    wanted.weight = recorded["weight"];
-    const auto font = context->CreateFontIndirect(wanted);
-    ASSERT_NE(font, nullptr);
-    EXPECT_EQ(font->FaceName(), wanted.face_name);
-    context->SelectFont(font.get());
-    const std::string what =
-        recorded["face"].get<std::string>() + " height " + std::to_string(wanted.height) +
-        " width " + std::to_string(wanted.width) + " weight " + std::to_string(wanted.weight);
-    const json metrics = MetricsOf(*context);
+    const std::u16string face = Ascii(recorded["face"]);
+    const FontProbe font(face, recorded["height"], recorded["width"], recorded["weight"]);
+    EXPECT_EQ(font.name(), face);
+    const std::string what = line.substr(0, line.find(",\"tmHeight\""));
+    const json metrics = MetricsOf(font);
     for (const auto& [name, value] : metrics.items()) {
       EXPECT_EQ(value, recorded[name]) << what << ": " << name;
     }
     for (const json& glyph : recorded["glyphs"]) {
-      const json got = GlyphOf(*context, glyph["ch"].get<char32_t>());
+      const json got = GlyphOf(font, glyph["ch"].get<char32_t>());
       if (got != glyph && ++wrong <= 10) {
         ADD_FAILURE() << what << ", character " << glyph["ch"] << ": " << json::diff(glyph, got);
       }
     }
-    context->SelectFont(nullptr);
   }
   EXPECT_EQ(fonts, 60);
   EXPECT_EQ(wrong, 0);
@@ -137,7 +118,7 @@ TEST(RecordedOutlines, FullWidthCharactersAtOtherWidths) {
       {u"IPAGothic", -57, 147, 288},
   };
   for (const auto& r : kRecorded) {
-    const test::FontProbe font(r.face, r.height, r.width);
+    const FontProbe font(r.face, r.height, r.width);
     EXPECT_EQ(font.Glyph(U'日').metrics.gmCellIncX, r.advance)
         << "height " << r.height << " width " << r.width;
   }
@@ -145,7 +126,7 @@ TEST(RecordedOutlines, FullWidthCharactersAtOtherWidths) {
 
 // The letter's second contour is one point, kept in the face for composing accents.
 TEST(RecordedOutlines, ContoursOfOnePointAreLeftOut) {
-  const test::ProbedGlyph glyph = test::FontProbe(u"DejaVu Sans", 100).Glyph(U'u');
+  const test::ProbedGlyph glyph = FontProbe(u"DejaVu Sans", 100).Glyph(U'u');
   EXPECT_EQ(test::ReadNativeRecords(glyph.buffer).size(), 1u);
 }
 

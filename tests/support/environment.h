@@ -6,6 +6,5 @@
 namespace kerno::test {
 
 void SetVariable(const std::string& name, const std::string& value);
-void ClearVariable(const std::string& name);
 
 }  // namespace kerno::test

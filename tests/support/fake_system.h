@@ -9,7 +9,8 @@
 
 namespace kerno::test {
 
-// The process's system while it lives. Folders that are not set are unknown.
+// The process's system while it lives. Folders that are not set are unknown,
+// and all special ones are.
 class FakeSystem final : public System {
  public:
   FakeSystem() : before_(ReplaceSystem(this)) {}
@@ -25,7 +26,6 @@ class FakeSystem final : public System {
   std::filesystem::path temporary;
   std::filesystem::path config;
   std::filesystem::path cache;
-  std::map<SpecialFolderId, std::filesystem::path> special;
   std::filesystem::path system_place;  // it and what lies under it
   bool private_folders = true;         // false: MakePrivateFolder is refused
 
@@ -41,10 +41,7 @@ class FakeSystem final : public System {
   std::filesystem::path TemporaryPath() override { return temporary; }
   std::filesystem::path ConfigFolder() override { return config; }
   std::filesystem::path CacheFolder() override { return cache; }
-  std::filesystem::path SpecialFolder(SpecialFolderId id, MissingFolder) override {
-    const auto found = special.find(id);
-    return found == special.end() ? std::filesystem::path() : found->second;
-  }
+  std::filesystem::path SpecialFolder(SpecialFolderId, MissingFolder) override { return {}; }
   bool IsSystemPlace(const std::filesystem::path& path) override {
     return !system_place.empty() && path.native().starts_with(system_place.native());
   }

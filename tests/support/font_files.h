@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -22,8 +21,7 @@ namespace kerno::test {
 using FontBytes = std::string;
 
 inline FontBytes ReadFontFile(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary);
-  FontBytes bytes{std::istreambuf_iterator<char>(stream), {}};
+  FontBytes bytes = ReadBytes(path);
   EXPECT_FALSE(bytes.empty()) << path;
   return bytes;
 }
@@ -112,9 +110,8 @@ class OnlyTheseFonts {
   OnlyTheseFonts() {
     if (const char* before = getenv("FONTCONFIG_FILE")) before_ = before;
     const std::string configuration = folder_ / "fonts.conf";
-    std::ofstream(configuration) << "<fontconfig><dir>" << folder_.path().native()
-                                 << "</dir><cachedir>" << (folder_ / "cache").native()
-                                 << "</cachedir></fontconfig>";
+    WriteBytes(configuration, "<fontconfig><dir>" + folder_.path().native() + "</dir><cachedir>" +
+                                  (folder_ / "cache").native() + "</cachedir></fontconfig>");
     setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
     FontCatalog::Forget();
   }
@@ -127,7 +124,7 @@ class OnlyTheseFonts {
 
   std::string Install(std::string_view name, std::string_view bytes) {
     std::string path = folder_ / name;
-    std::ofstream(path, std::ios::binary) << bytes;
+    WriteBytes(path, bytes);
     FontCatalog::Forget();
     return path;
   }

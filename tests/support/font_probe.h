@@ -1,6 +1,8 @@
 // A font selected into a measuring context, asked in few words.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -9,6 +11,7 @@
 #include <vector>
 
 #include "platform/device_context.h"
+#include "platform/font_faces.h"
 #include "support/native_records.h"
 
 namespace kerno::test {
@@ -20,6 +23,13 @@ struct ProbedGlyph {
 
   bool ok() const { return size != kGdiError; }
 };
+
+inline std::vector<std::u16string> Names(const std::vector<InstalledFace>& faces) {
+  std::vector<std::u16string> names;
+  names.reserve(faces.size());
+  for (const InstalledFace& face : faces) names.push_back(face.name);
+  return names;
+}
 
 class FontProbe {
  public:
@@ -52,8 +62,9 @@ class FontProbe {
     glyph.size = context_->GetGlyphOutline(ch, kGgoNative, &glyph.metrics, 0, nullptr, Mat2{});
     if (glyph.ok()) {
       glyph.buffer.resize(glyph.size);
-      glyph.size = context_->GetGlyphOutline(ch, kGgoNative, &glyph.metrics, glyph.size,
-                                             glyph.buffer.data(), Mat2{});
+      EXPECT_EQ(context_->GetGlyphOutline(ch, kGgoNative, &glyph.metrics, glyph.size,
+                                          glyph.buffer.data(), Mat2{}),
+                glyph.size);
     }
     return glyph;
   }

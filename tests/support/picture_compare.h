@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "export/draw_parts.h"
 #include "platform/drawing.h"
 #include "support/run.h"
 #include "support/temporary_folder.h"
@@ -37,6 +38,14 @@ inline Picture PictureOf(const BitmapSurface& surface) {
     for (const size_t c : {2, 1, 0}) picture.rgb.push_back(pixels[i + c]);
   }
   return picture;
+}
+
+// Our own picture of a drawing, on white.
+inline Picture Drawn(const PartsA& model, int width, int height, const Fit& fit,
+                     const DrawOptions& options = {}) {
+  const auto surface = CreateBitmapSurface(width, height, 0xFFFFFF);
+  DrawParts(surface->Context(), model, fit, options);
+  return PictureOf(*surface);
 }
 
 // Any picture that ImageMagick reads, on white.

@@ -44,6 +44,14 @@ inline PartsA TextModel(std::u16string text, std::u16string face, bool filled) {
   return model;
 }
 
+// A closed triangle of lines.
+inline PartsA TriangleModel(double side) {
+  PartsA model;
+  model.parts.emplace_back().AddClosedLines(
+      std::vector<P3>{{0, 0, 0}, {side, 0, 0}, {side, side, 0}});
+  return model;
+}
+
 inline PartsA ShapesModel() {
   PartsA model;
   PartsElement& shapes = model.parts.emplace_back();
@@ -73,6 +81,19 @@ inline PartsA ShapesModel() {
   line.face_name = u"IPAGothic";
   text.AddHorizontalText({150, -60, 0}, line);
   return model;
+}
+
+struct PictureModel {
+  const char* name;
+  PartsA model;
+};
+
+inline std::vector<PictureModel> PictureModels() {
+  return {{"latin", TextModel(u"Kerno 8O&", u"DejaVu Serif", true)},
+          {"japanese", TextModel(u"龍あ、日本語", u"IPAMincho", true)},
+          {"vertical", TextModel(u"縦書きー8", u"@IPAGothic", true)},
+          {"lines", TextModel(u"Kerno 8O&", u"DejaVu Sans", false)},
+          {"shapes", ShapesModel()}};
 }
 
 }  // namespace kerno::test

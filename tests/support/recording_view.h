@@ -16,16 +16,16 @@ namespace kerno::test {
 
 class RecordingView final : public DialogView {
  public:
-  std::u16string text, format_face, status, about;
+  std::u16string text, format_face, status;
   Color format_color = 0;
   StatusKind status_kind = StatusKind::kNormal;
-  std::vector<std::u16string> faces, messages;
+  std::vector<std::u16string> messages;
   std::map<ControlId, std::u16string> texts;
-  std::map<ControlId, bool> checked, enabled, visible;
+  std::map<ControlId, bool> checked, enabled;
   std::map<ControlId, std::pair<std::vector<ColorChoice>, size_t>> colors;
   std::map<MenuCommand, bool> menu;
-  int formats = 0, repaints = 0, pastes = 0, closes = 0, due_calls = 0, progress_calls = 0;
-  bool cancels = false, closed_progress = false;
+  int formats = 0, repaints = 0, due_calls = 0, progress_calls = 0;
+  bool closed_progress = false;
   std::optional<std::filesystem::path> folder_answer;
   std::vector<std::filesystem::path> font_files;
   std::optional<WindowRect> place;
@@ -38,14 +38,14 @@ class RecordingView final : public DialogView {
     format_face = face;
     format_color = color;
   }
-  void ShowFaces(const std::vector<std::u16string>& shown) override { faces = shown; }
+  void ShowFaces(const std::vector<std::u16string>&) override {}
   void ShowControlText(ControlId id, std::u16string_view shown) override { texts[id] = shown; }
   void ShowChecked(ControlId id, bool on) override { checked[id] = on; }
   void ShowColors(ControlId id, const std::vector<ColorChoice>& shown, size_t selected) override {
     colors[id] = {shown, selected};
   }
   void Enable(ControlId id, bool on) override { enabled[id] = on; }
-  void ShowControl(ControlId id, bool on) override { visible[id] = on; }
+  void ShowControl(ControlId, bool) override {}
   void ShowMenuChecked(MenuCommand command, bool on) override { menu[command] = on; }
   void ShowStatus(std::u16string_view shown, StatusKind kind) override {
     status = shown;
@@ -55,14 +55,14 @@ class RecordingView final : public DialogView {
   void ShowMessage(std::u16string_view shown) override { messages.emplace_back(shown); }
   Continue ShowProgress(std::u16string_view, int64_t, int64_t) override {
     ++progress_calls;
-    return cancels ? Continue::kNo : Continue::kYes;
+    return Continue::kYes;
   }
   void EndProgress() override { closed_progress = true; }
-  void ShowAbout(std::u16string_view version, std::u16string_view) override { about = version; }
+  void ShowAbout(std::u16string_view, std::u16string_view) override {}
   std::optional<std::filesystem::path> AskFolder(const std::filesystem::path&) override {
     return folder_answer;
   }
-  void PasteIntoText() override { ++pastes; }
+  void PasteIntoText() override {}
   bool LoadFontFile(const std::filesystem::path& file) override {
     font_files.push_back(file);
     return true;
@@ -71,7 +71,7 @@ class RecordingView final : public DialogView {
   std::optional<WindowRect> WindowPlace() const override { return place; }
   std::vector<WindowRect> Screens() const override { return screens; }
   void MoveWindow(const WindowRect& rect) override { moved = rect; }
-  void CloseWindow() override { ++closes; }
+  void CloseWindow() override {}
 };
 
 class FakeDialogServices : public DialogServices {

@@ -1,5 +1,4 @@
 #include <stdlib.h>
-#include <sys/resource.h>
 
 #include "support/child_process.h"
 #include "support/environment.h"
@@ -14,33 +13,8 @@ const std::filesystem::path kUnwritableFolder = "/proc";
 const std::filesystem::path kFullDevice = "/dev/full";
 const bool kHoldsKeepReadersOut = false;
 
-namespace {
-
-size_t LimitFileSize(size_t bytes) {
-  rlimit limit{};
-  getrlimit(RLIMIT_FSIZE, &limit);
-  const size_t before = limit.rlim_cur;
-  limit.rlim_cur = bytes;
-  setrlimit(RLIMIT_FSIZE, &limit);
-  return before;
-}
-
-}  // namespace
-
-FileSizeLimit::FileSizeLimit(size_t bytes) : before_(LimitFileSize(bytes)) {}
-FileSizeLimit::~FileSizeLimit() {
-  LimitFileSize(before_);
-}
-bool FileSizeLimit::holds() const {
-  return true;
-}
-
 void SetVariable(const std::string& name, const std::string& value) {
   setenv(name.c_str(), value.c_str(), 1);
-}
-
-void ClearVariable(const std::string& name) {
-  unsetenv(name.c_str());
 }
 
 PrivateRegistry::PrivateRegistry() = default;

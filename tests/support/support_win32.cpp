@@ -57,18 +57,8 @@ const std::filesystem::path kUnwritableFolder = "Z:/proc";
 const std::filesystem::path kFullDevice = "Z:/dev/full";
 const bool kHoldsKeepReadersOut = true;
 
-FileSizeLimit::FileSizeLimit(size_t /*bytes*/) {}
-FileSizeLimit::~FileSizeLimit() = default;
-bool FileSizeLimit::holds() const {
-  return false;
-}
-
 void SetVariable(const std::string& name, const std::string& value) {
   SetEnvironmentVariableW(Wide(name).c_str(), Wide(value).c_str());
-}
-
-void ClearVariable(const std::string& name) {
-  SetEnvironmentVariableW(Wide(name).c_str(), nullptr);
 }
 
 std::string OutputOf(const std::string& command, int status) {

@@ -9,7 +9,7 @@ import sys
 
 sys.path.insert(0, sys.argv[2])
 from desktop_session import DesktopSession  # noqa: E402
-from output_checks import check_dxf, check_emf, check_ipx, check_rtf, check_svg  # noqa: E402
+from output_checks import check_bmp, check_dxf, check_emf, check_ipx, check_rtf, check_svg  # noqa: E402
 
 
 def main():
@@ -31,6 +31,8 @@ def main():
         page = session.wait_for_output(".html").read_text(encoding="utf-8")
         assert "Kerno 8 O!" in page and base.stem in page, page
         check_svg(session.wait_for_output(".svg"))
+        session.key("alt+b")
+        check_bmp(session.wait_for_output(".bmp"))
         stems = {p.name.removesuffix(p.suffix) for p in session.outputs()}
         assert stems == {base.stem}, stems
         assert session.opened.read_text().splitlines() == [str(base.parent)], "opened once"

@@ -20,7 +20,6 @@
 #include <QTextEdit>
 #include <QTextLayout>
 #include <QUrl>
-#include <algorithm>
 
 #include "app/system_services.h"
 #include "support/recording_view.h"
@@ -120,24 +119,8 @@ TEST_F(MainWindowTest, PastedLinesAndNoBreakSpaces) {
   EXPECT_THAT(services.rtf, testing::HasSubstr("A\\par\r\nB\\par\r\nC\\par\r\nD\\u160"));
 }
 
-TEST_F(MainWindowTest, MnemonicsPressTheButtonsAndEnterPressesNone) {
+TEST_F(MainWindowTest, EnterPressesNoButton) {
   Show(services);
-  const struct {
-    Qt::Key key;
-    const char* written;
-  } keys[] = {{Qt::Key_D, "export .dxf"},
-              {Qt::Key_S, "export .svg"},
-              {Qt::Key_I, "export .ipx"},
-              {Qt::Key_B, "bmp .bmp"}};
-  for (const auto& [key, written] : keys) {
-    services.log.clear();
-    QTest::keyClick(text, key, Qt::AltModifier);
-    const auto is_written = [&, name = std::string(written)] {
-      return std::find(services.log.begin(), services.log.end(), name) != services.log.end();
-    };
-    EXPECT_TRUE(QTest::qWaitFor(is_written)) << written;  // a button stays down for a moment
-  }
-  services.log.clear();
   for (const ControlId id : {ControlId::kHeightEdit, ControlId::kFace, ControlId::kHeightList}) {
     auto* field = Find<QWidget>(id);
     field->setFocus();

@@ -14,7 +14,6 @@ import json
 import os
 import re
 import shutil
-import struct
 import subprocess
 import sys
 import tempfile
@@ -34,18 +33,10 @@ ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
 DIRECT = urllib.request.build_opener(urllib.request.ProxyHandler({}))
 
 
-def bitmap(width=60, height=30):
-    """A 24-bit BMP with a blue frame."""
-    row = (width * 3 + 3) // 4 * 4
-    pixels = bytearray()
-    for y in range(height):
-        line = bytearray()
-        for x in range(width):
-            edge = x in (0, width - 1) or y in (0, height - 1)
-            line += b"\xc0\x40\x00" if edge else b"\xff\xff\xff"
-        pixels += line.ljust(row, b"\0")
-    header = struct.pack("<IiiHHIIiiII", 40, width, height, 1, 24, 0, len(pixels), 2835, 2835, 0, 0)
-    return b"BM" + struct.pack("<IHHI", 54 + len(pixels), 0, 0, 54) + header + bytes(pixels)
+def bitmap():
+    """A BMP of 60 by 30 pixels with a blue frame."""
+    return subprocess.run(["convert", "-size", "58x28", "xc:white", "-bordercolor", "#0040c0",
+                           "-border", "1", "BMP3:-"], check=True, stdout=subprocess.PIPE).stdout
 
 
 class Browser:
@@ -188,6 +179,13 @@ class PageTest(unittest.TestCase):
     def tearDownClass(cls):
         cls.browser.close()
 
+    def open(self, *run, **more):
+        """The folder of a run whose page the browser shows."""
+        folder = Folder(*run, **more)
+        self.addCleanup(folder.cleanup)
+        self.browser.open(folder.url)
+        return folder
+
     def assert_quiet(self, browser=None):
         self.assertEqual((browser or self.browser).log("browser"), [])
 
@@ -210,9 +208,7 @@ class PageTest(unittest.TestCase):
             "args": []})
 
     def test_slider_turns_by_keys_clicks_and_touch(self):
-        with_folder = Folder("a_100_b", "text")
-        self.addCleanup(with_folder.cleanup)
-        self.browser.open(with_folder.url)
+        self.open("a_100_b", "text")
         self.assertEqual(self.shown(), [1])
         self.assertEqual(self.wait_for_pictures(), [["svg", 200], ["bmp", 60]])
         steps = [
@@ -244,9 +240,7 @@ class PageTest(unittest.TestCase):
                  ("ends", '"><!--', "--> ]]> \u202e {{x}} ${y}")]
         for base, text, face in cases:
             with self.subTest(base):
-                folder = Folder(base, text, face)
-                self.addCleanup(folder.cleanup)
-                self.browser.open(folder.url)
+                self.open(base, text, face)
                 self.assertEqual(self.browser.run("return document.querySelector('h1').textContent"), text)
                 self.assertIn(face, self.browser.run(
                     "return document.querySelector('.source').textContent"))
@@ -262,8 +256,7 @@ class PageTest(unittest.TestCase):
                 self.assert_quiet()
 
     def test_nothing_is_asked_for_outside_the_folder(self):
-        folder = Folder("a b", ATTACK)
-        self.addCleanup(folder.cleanup)
+        folder = self.open("a b", ATTACK)
         asked = []
 
         class Handler(http.server.SimpleHTTPRequestHandler):
@@ -301,8 +294,7 @@ class PageTest(unittest.TestCase):
                 self.assertEqual(answer.status, 200)
 
     def test_without_script_the_pictures_are_a_list(self):
-        folder = Folder("a", "text")
-        self.addCleanup(folder.cleanup)
+        folder = self.open("a", "text")
         browser = Browser(script=False)
         self.addCleanup(browser.close)
         browser.open(folder.url)
@@ -316,23 +308,17 @@ class PageTest(unittest.TestCase):
                  ("missing", None, [["bmp", 60]], [1])]
         for name, svg, pictures, shown in cases:
             with self.subTest(name):
-                folder = Folder("a", "text", svg=svg)
-                self.addCleanup(folder.cleanup)
-                self.browser.open(folder.url)
+                self.open("a", "text", svg=svg)
                 self.browser.run("return 0")
                 self.wait_for_pictures()
                 self.assertEqual(self.wait_for_pictures(), pictures)
                 self.assertEqual(self.shown(), shown)
-        alone = Folder("a", "text", kinds=("dxf",), svg=None)
-        self.addCleanup(alone.cleanup)
-        self.browser.open(alone.url)
+        self.open("a", "text", kinds=("dxf",), svg=None)
         self.assertEqual(self.browser.run("return document.getElementById('pictures')"), None)
         self.assert_quiet()
 
     def test_readers_are_told_what_there_is(self):
-        folder = Folder("a", "うたう", "IPAMincho")
-        self.addCleanup(folder.cleanup)
-        self.browser.open(folder.url)
+        self.open("a", "うたう", "IPAMincho")
         nodes = self.browser.devtools("Accessibility.getFullAXTree")["nodes"]
         told = [(n["role"]["value"], n.get("name", {}).get("value", ""))
                 for n in nodes if not n.get("ignored")]
@@ -348,9 +334,7 @@ class PageTest(unittest.TestCase):
         cases = [("short_100_text", "永遠 Kerno", "IPA Mincho"), ("n" * 200, "M" * 5000, "F" * 300),
                  ("attack", ATTACK, "DejaVu Sans")]
         for base, text, face in cases:
-            folder = Folder(base, text, face)
-            self.addCleanup(folder.cleanup)
-            self.browser.open(folder.url)
+            self.open(base, text, face)
             self.wait_for_pictures()
             for width in (320, 1280):
                 for scheme in ("light", "dark"):
@@ -372,8 +356,7 @@ class PageTest(unittest.TestCase):
     def test_the_page_is_valid_and_allows_exactly_its_own_script(self):
         cases = [("a", "text", SVG), ("b", ATTACK, None), ("永'\"&<", "う\r\nう\0\x01".replace("\0", ""), SVG)]
         for base, text, svg in cases:
-            folder = Folder(base, text, svg=svg)
-            self.addCleanup(folder.cleanup)
+            folder = self.open(base, text, svg=svg)
             html = folder.html()
             for tag in ("style", "script"):
                 content = re.search(f"<{tag}>(.*?)</{tag}>", html, re.S).group(1)

@@ -2,84 +2,94 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <memory>
-#include <vector>
+#include <chrono>
+#include <map>
+#include <thread>
 
 #include "base/text.h"
-#include "support/child_process.h"
+#include "support/environment.h"
 #include "support/fake_settings.h"
 #include "support/fake_system.h"
+#include "support/run.h"
 #include "support/temporary_folder.h"
 #include "web/uploader.h"
 
 namespace kerno {
 namespace {
 
-using test::ChildProcess;
+using test::OutputOf;
 using testing::HasSubstr;
 
 class ReceiverTest : public testing::Test {
  protected:
   void SetUp() override {
-    setenv("no_proxy", "*", 1);
+    test::SetVariable("no_proxy", "*");
+    test::SetVariable("http_proxy", "");
     system_.temporary = folder_.path();
   }
+  void TearDown() override { Stop(); }
 
   // Starts the receiver and points the settings at it; `host` is the name that clients call it by.
-  void Start(std::vector<std::string> options, const std::string& host = "127.0.0.1") {
-    const std::string script = KERNO_TESTS "/../examples/receiver/receiver.py";
-    std::vector<std::string> arguments = {KERNO_PYTHON,        script,   "--folder",
-                                          received().native(), "--port", "0"};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    receiver_ = std::make_unique<ChildProcess>(arguments);
-    const std::string url = receiver_->ReadLine();
+  void Start(const std::string& options, const std::string& host = "127.0.0.1") {
+    Stop();
+    OutputOf(Here() +
+             "(" KERNO_PYTHON " " KERNO_TESTS
+             "/../examples/receiver/receiver.py --folder received --port 0 " +
+             options + " >url 2>log & echo $! >process)");
+    std::string url;
+    for (int i = 0; i < 1000 && !url.ends_with('\n'); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      url = test::ReadBytes(folder_ / "url");
+    }
     const size_t scheme = url.find("://");
-    ASSERT_NE(scheme, std::string::npos) << url;
+    ASSERT_NE(scheme, std::string::npos) << url << test::ReadBytes(folder_ / "log");
     const size_t port = url.find(':', scheme + 3);
     Set(u"open_http", Utf8ToUtf16Lossy(url.substr(0, scheme)));
     Set(u"server", Utf8ToUtf16Lossy(host + url.substr(port, url.find('/', scheme + 3) - port)));
+  }
+  void Stop() const {
+    if (!std::filesystem::exists(folder_ / "process")) return;
+    OutputOf(Here() + "kill $(cat process) && rm process url");
   }
   void Set(std::u16string_view key, std::u16string_view value) {
     settings_.texts[{u"UpFile", std::u16string(key)}] = value;
   }
   UploadResult Upload(std::string_view name, std::string_view bytes) {
-    test::WriteBytes(folder_ / name, bytes);
-    return Uploader(settings_, "/UpFile.ini", SystemHttpSession()).Upload(folder_ / name);
+    const std::filesystem::path file = folder_.path() / TextPath(Utf8ToUtf16Lossy(name));
+    test::WriteBytes(file, bytes);
+    return Uploader(settings_, "/UpFile.ini", SystemHttpSession()).Upload(file);
   }
-  std::filesystem::path received() const { return folder_ / "received"; }
-  std::vector<std::string> Received() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(received())) {
-      names.push_back(entry.path().filename().native());
+  // What arrived, by name.
+  std::map<std::string, std::string> Received() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_ / "received")) {
+      files[Utf16ToUtf8(PathText(entry.path().filename()))] = test::ReadBytes(entry.path());
     }
-    return names;
+    return files;
   }
 
-  // A certificate that signs itself, for 127.0.0.1.
-  std::vector<std::string> MakeCertificate() {
-    const std::string certificate = folder_ / "certificate.pem", key = folder_ / "key.pem";
-    const std::string command =
-        "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=kerno-test"
-        " -addext subjectAltName=IP:127.0.0.1 -keyout '" +
-        key + "' -out '" + certificate + "' 2>'" + folder_.path().native() + "/openssl.log'";
-    EXPECT_EQ(std::system(command.c_str()), 0) << test::ReadBytes(folder_ / "openssl.log");
-    return {"--certificate", certificate, "--key", key};
+  // Makes a certificate for `host` that signs itself; the options that let the receiver use it.
+  std::string Certificate(const std::string& host) const {
+    OutputOf(Here() + "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=" + host +
+             " -addext subjectAltName=DNS:" + host +
+             " -keyout key.pem -out certificate.pem 2>openssl.log");
+    return "--certificate certificate.pem --key key.pem";
   }
+  std::string Here() const { return "cd " + folder_.path().string() + " && "; }
 
   test::TemporaryFolder folder_;
   test::FakeSystem system_;
   FakeSettings settings_;
-  std::unique_ptr<ChildProcess> receiver_;
 };
 
 TEST_F(ReceiverTest, EveryByteArrivesUnderAHarmlessName) {
-  Start({});
+  Start("");
   std::string all;
   for (int i = 0; i < 3 << 20; ++i) all.push_back(static_cast<char>(i * 31 + i / 256));
   const struct {
     const char *name, *kept;
     std::string bytes;
+    bool posix = false;  // no name for a file of Windows
   } rows[] = {
       {"plain.svg", "plain.svg", "<svg/>"},
       {"plain.svg", "plain (2).svg", ""},
@@ -88,22 +98,24 @@ TEST_F(ReceiverTest, EveryByteArrivesUnderAHarmlessName) {
       {"ends in dashes.txt", "ends in dashes.txt", "text--"},
       {"looks like a body.txt", "looks like a body.txt", "\r\n-------UpFile__120000--\r\n"},
       {"@ＭＳ明朝_100_永遠.svg", "@ＭＳ明朝_100_永遠.svg", "x"},
-      {"a\"b\r\nX: y.svg", "a_b__X_ y.svg", "quotes"},
-      {"..\\..\\up.svg", "up.svg", "backslashes"},
-      {"nul.svg", "_nul.svg", "device"},
+      {"a\"b\r\nX: y.svg", "a_b__X_ y.svg", "quotes", true},
+      {"..\\..\\up.svg", "up.svg", "backslashes", true},
+      {"nul.svg", "_nul.svg", "device", true},
   };
+  std::map<std::string, std::string> kept;
   for (const auto& row : rows) {
+    if (row.posix && std::filesystem::path::preferred_separator != '/') continue;
     const UploadResult result = Upload(row.name, row.bytes);
     EXPECT_TRUE(result.ok()) << row.name << ": " << Utf16ToUtf8(result.message);
     EXPECT_EQ(Utf16ToUtf8(result.first_line),
               "OK " + std::string(row.kept) + " " + std::to_string(row.bytes.size()));
-    EXPECT_EQ(test::ReadBytes(received() / row.kept), row.bytes) << row.name;
+    kept[row.kept] = row.bytes;
   }
-  EXPECT_EQ(Received().size(), std::size(rows));
+  EXPECT_TRUE(Received() == kept);
 }
 
 TEST_F(ReceiverTest, WhatTheReceiverRefusesIsToldAndNotKept) {
-  Start({"--max-size", "100K"});
+  Start("--max-size 100K");
   EXPECT_TRUE(Upload("small.svg", std::string(100 << 10, 'x')).ok());
   const UploadResult large = Upload("large.svg", std::string(2 << 20, 'x'));
   EXPECT_EQ(large.end, UploadEnd::kNotAccepted) << Utf16ToUtf8(large.message);
@@ -114,11 +126,11 @@ TEST_F(ReceiverTest, WhatTheReceiverRefusesIsToldAndNotKept) {
   const UploadResult elsewhere = Upload("small.svg", "x");
   EXPECT_EQ(elsewhere.status, 404);
   EXPECT_THAT(Utf16ToUtf8(elsewhere.message), HasSubstr("there is no receiving script here"));
-  EXPECT_THAT(Received(), testing::ElementsAre("small.svg"));
+  EXPECT_THAT(Received(), testing::ElementsAre(testing::Key("small.svg")));
 }
 
 TEST_F(ReceiverTest, ASelfMadeCertificateIsRefusedUnlessAllowed) {
-  Start(MakeCertificate());
+  Start(Certificate("localhost"), "localhost");
   const UploadResult refused = Upload("a.svg", "secret");
   EXPECT_EQ(refused.end, UploadEnd::kNotSent);
   EXPECT_FALSE(refused.sent);
@@ -129,11 +141,11 @@ TEST_F(ReceiverTest, ASelfMadeCertificateIsRefusedUnlessAllowed) {
   Set(u"self_certificate", u"1");
   const UploadResult sent = Upload("a.svg", "secret");
   EXPECT_TRUE(sent.ok()) << Utf16ToUtf8(sent.message);
-  EXPECT_EQ(test::ReadBytes(received() / "a.svg"), "secret");
+  EXPECT_THAT(Received(), testing::ElementsAre(testing::Pair("a.svg", "secret")));
 }
 
 TEST_F(ReceiverTest, ACertificateForAnotherNameIsNeverAccepted) {
-  Start(MakeCertificate(), "localhost");
+  Start(Certificate("other.example.org"), "localhost");
   Set(u"self_certificate", u"1");
   const UploadResult refused = Upload("a.svg", "secret");
   EXPECT_EQ(refused.end, UploadEnd::kNotSent);
@@ -142,11 +154,10 @@ TEST_F(ReceiverTest, ACertificateForAnotherNameIsNeverAccepted) {
 }
 
 TEST_F(ReceiverTest, PlainHttpToATlsServerFailsAndTheOtherWayRound) {
-  Start(MakeCertificate());
+  Start(Certificate("localhost"), "localhost");
   Set(u"open_http", u"http");
   EXPECT_EQ(Upload("a.svg", "x").end, UploadEnd::kNotSent);
-  receiver_.reset();
-  Start({});
+  Start("");
   Set(u"open_http", u"https");
   const UploadResult result = Upload("a.svg", "x");
   EXPECT_EQ(result.end, UploadEnd::kNotSent);
