@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -18,6 +19,9 @@ bool IsWholePath(const std::filesystem::path& path);
 
 // The path from its root on, without "." and ".."; the path itself when the system cannot tell.
 std::filesystem::path WholePath(const std::filesystem::path& path);
+
+// The root of the drive or share that the current folder is on; nothing on a system without drives.
+std::optional<std::filesystem::path> CurrentDrive();
 
 // The folders that lead to `path`, the path itself the last. What nobody can make (the root, a
 // drive, a network server and its share, also behind the prefix "\\?\") is none of them.

@@ -1,5 +1,6 @@
 #include "web/upload_profile.h"
 
+#include "platform/folder_path.h"
 #include "platform/private_profile.h"
 #include "platform/system.h"
 
@@ -11,7 +12,10 @@ constexpr size_t kMostOfValue = 10'000;
 }  // namespace
 
 std::filesystem::path UploadSettingsFile() {
-  return CurrentSystem().ConfigFolder() / "UpFile.ini";
+  const auto drive = CurrentDrive();
+  const std::filesystem::path folder =
+      drive ? *drive / "Temp" / "Quenkit" / "_Setting" : CurrentSystem().ConfigFolder();
+  return folder / "UpFile.ini";
 }
 
 int32_t UploadProfile::GetInt(std::u16string_view section, std::u16string_view key,

@@ -11,7 +11,8 @@
 
 namespace kerno {
 
-// The uploader's INI file, "UpFile.ini" in the user's configuration folder. It is never written.
+// The uploader's INI file, "UpFile.ini": on a system with drives in "\Temp\Quenkit\_Setting\" of
+// the current folder's drive, elsewhere in the user's configuration folder. It is never written.
 std::filesystem::path UploadSettingsFile();
 
 class UploadProfile final : public SettingsReader {

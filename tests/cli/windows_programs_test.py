@@ -44,7 +44,7 @@ class WindowsProgramsTest(programs.FolderTest):
         shutil.copy(KERNO, self.program)
 
     def run_kerno(self, *arguments, **more):
-        return programs.run([*programs.command(self.program), *arguments], cwd=self.folder, **more)
+        return programs.run([*programs.command(self.program), *arguments], **{"cwd": self.folder, **more})
 
     def test_without_a_command_the_window_is_started(self):
         # The system has a display that no variable names; here the window's program is not there.
@@ -107,20 +107,23 @@ class WindowsProgramsTest(programs.FolderTest):
         self.addCleanup(server.server_close)
         threading.Thread(target=server.serve_forever, daemon=True).start()
         self.addCleanup(server.shutdown)
-        settings = self.run_kerno("upload", "--help")[1].rsplit("set in ", 1)[1].split(", section")[0]
-        done = subprocess.run([str(programs.RUNNER), "winepath", "-u", settings],
-                              capture_output=True, check=True)
-        ini = pathlib.Path(done.stdout.decode().strip())
-        ini.parent.mkdir(exist_ok=True)
+        # The settings lie on the drive of the current folder, here the prefix's own.
+        drive = subprocess.run([str(programs.RUNNER), "winepath", "-u", "C:\\"], capture_output=True,
+                               check=True)
+        drive = pathlib.Path(drive.stdout.decode().strip())
+        ini = drive / "Temp" / "Quenkit" / "_Setting" / "UpFile.ini"
+        self.addCleanup(shutil.rmtree, drive / "Temp" / "Quenkit", ignore_errors=True)
+        ini.parent.mkdir(parents=True, exist_ok=True)
         ini.write_text(f"[UpFile]\nserver=127.0.0.1:{server.server_port}\nopen_http=http\n")
-        self.addCleanup(ini.unlink)
+        self.assertIn("C:\\Temp\\Quenkit\\_Setting\\UpFile.ini, section [UpFile]",
+                      self.run_kerno("upload", "--help", cwd=drive)[1])
         for folder in ("図面 ñ", "/".join(["d" * 100] * 4)):
             (self.folder / folder).mkdir(parents=True)
             (self.folder / folder / "永.svg").write_text("<svg/>")
             path = self.there(folder)
             self.assertEqual((0, path + "\\永.html\n", ""), self.run_kerno("page", path))
             self.assertIn("%E6%B0%B8.svg", (self.folder / folder / "永.html").read_text("utf-8"))
-            status, _, err = self.run_kerno("upload", path + "\\永.svg")
+            status, _, err = self.run_kerno("upload", path + "\\永.svg", cwd=drive)
             self.assertEqual((0, ""), (status, err))
             self.assertIn('filename="永.svg"\r\n', received[-1])
 

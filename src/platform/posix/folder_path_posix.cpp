@@ -15,6 +15,10 @@ fs::path WholePath(const fs::path& path) {
   return error ? path : whole.lexically_normal();
 }
 
+std::optional<fs::path> CurrentDrive() {
+  return std::nullopt;
+}
+
 std::vector<fs::path> FolderLevels(const fs::path& path) {
   std::vector<fs::path> levels;
   fs::path level;

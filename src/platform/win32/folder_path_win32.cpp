@@ -59,6 +59,10 @@ fs::path WholePath(const fs::path& path) {
   return FullPath(path);
 }
 
+std::optional<fs::path> CurrentDrive() {
+  return FullPath(L"\\");
+}
+
 std::vector<fs::path> FolderLevels(const fs::path& path) {
   const std::wstring& text = path.native();
   std::vector<fs::path> levels;
