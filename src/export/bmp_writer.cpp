@@ -50,7 +50,7 @@ BmpLayout LayOutBmp(const Extent3& box, const BmpOptions& options) {
     return layout;
   }
   if (longest + 2 * kBmpMargin > kMaxBmpSide) scale = (kMaxBmpSide - 2 * kBmpMargin) / longest;
-  if (longest > 0 && longest < 1) scale = kSmallBmpSide / longest;
+  if (longest >= kLeastEnlarged && longest < 1) scale = kSmallBmpSide / longest;
   layout.one_to_one = scale == 1;
   layout.width = std::min(kMaxBmpSide, SideFor(width * scale));
   layout.height = std::min(kMaxBmpSide, SideFor(height * scale));

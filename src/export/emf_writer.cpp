@@ -32,7 +32,7 @@ EmfLayout LayOutEmf(const Extent3& box) {
   const double height = box.max.y - box.min.y;
   const double longest = std::max(width, height);
   double scale = 1;
-  if (longest > 0 && longest < 1) scale = kSmallEmfSide / longest;
+  if (longest >= kLeastEnlarged && longest < 1) scale = kSmallEmfSide / longest;
   if (longest > kMaxEmfSide) scale = kMaxEmfSide / longest;
   EmfLayout layout;
   layout.one_to_one = scale == 1;

@@ -15,6 +15,10 @@ inline bool IsPictured(const P3& p) {
   return IsPictured(p.x) && IsPictured(p.y);
 }
 
+// The least side of a drawing that is enlarged to be seen: below it no finite scale would do, and
+// the drawing is a dot.
+inline constexpr double kLeastEnlarged = 1e-300;
+
 // Pixels = (dx + x * scale, dy - y * scale).
 struct Fit {
   double scale = 1;

@@ -47,6 +47,9 @@ TEST(BmpWriter, LaysOutOneUnitAPixelWithinLimits) {
     EXPECT_EQ(layout.height, c.bmp_height) << c.width << " x " << c.height;
     EXPECT_NEAR(layout.fit.scale, c.scale, c.scale * 1e-6) << c.width << " x " << c.height;
   }
+  const BmpLayout dot = LayOutBmp({{0, 0, 0}, {1e-310, 1e-320, 0}}, {});  // no scale is that large
+  EXPECT_EQ(dot.width, 8);
+  EXPECT_EQ(dot.fit.scale, 1);
 }
 
 TEST(BmpWriter, HeaderAndRowsAreThoseOfTheFormat) {

@@ -157,6 +157,13 @@ TEST(EmfWriter, AwkwardModelsAreStillMetafiles) {
   EXPECT_EQ(folder.Names(), (std::set<std::string>{"a.emf"}));
 }
 
+TEST(EmfWriter, DrawingTooSmallForAnyScaleIsADot) {
+  const EmfLayout dot = LayOutEmf({{0, 0, 0}, {1e-310, 1e-320, 0}});
+  EXPECT_TRUE(dot.one_to_one);
+  EXPECT_EQ(dot.frame.width, 2);
+  EXPECT_EQ(LayOutEmf({{0, 0, 0}, {1e-300, 0, 0}}).frame.width, 258);
+}
+
 TEST(EmfContext, WritesTextWithItsFontAndAdvances) {
   EmfContext context({100, 100, 16}, u"");
   const auto font = context.CreateFontIndirect({.height = 20, .face_name = u"IPAGothic"});
