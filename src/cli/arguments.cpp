@@ -77,6 +77,11 @@ std::filesystem::path PathArgument(std::string_view text) {
   return std::filesystem::path(std::u8string(text.begin(), text.end()));
 }
 
+bool IsFileName(std::string_view option, std::string_view text) {
+  if (text.empty()) ReportError(option, "the name is empty");
+  return !text.empty();
+}
+
 void ReportChoice(std::string_view option, std::string_view text, std::string_view choices) {
   ReportError(option, Quoted(text) + " is none of " + std::string(choices));
 }

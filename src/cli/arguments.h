@@ -24,6 +24,9 @@ std::optional<std::u16string> TextArgument(std::string_view option, std::string_
 // names its file all the same.
 std::filesystem::path PathArgument(std::string_view text);
 
+// Whether the argument names a file or folder at all; reports one that does not.
+bool IsFileName(std::string_view option, std::string_view text);
+
 // Reports that an option's value is none of its choices.
 void ReportChoice(std::string_view option, std::string_view text, std::string_view choices);
 

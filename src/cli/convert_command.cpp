@@ -75,6 +75,7 @@ ExitStatus ConvertCommand::BuildFromText(PartsA* model, std::string* summary) {
 }
 
 ExitStatus ConvertCommand::ReadParts(PartsA* model, std::string* summary) const {
+  if (!IsFileName("--ipx", ipx_)) return kWrongUsage;
   for (const CLI::Option* option : app_->get_options()) {
     const std::string name = option->get_name();
     const bool goes_with_ipx = name == "--ipx" || name == "--quiet" || outputs_.Owns(name);
@@ -98,7 +99,7 @@ ExitStatus ConvertCommand::Run() {
   PartsA model;
   std::string summary;
   const ExitStatus status =
-      ipx_.empty() ? BuildFromText(&model, &summary) : ReadParts(&model, &summary);
+      app_->count("--ipx") == 0 ? BuildFromText(&model, &summary) : ReadParts(&model, &summary);
   if (status != kDone) return status;
   return outputs_.WriteAll(model, summary, text_.quiet()) ? kDone : kFailed;
 }

@@ -165,6 +165,7 @@ bool OutputFiles::Read() {
 }
 
 bool OutputFiles::AddOutput(const std::string& file) {
+  if (!IsFileName("-o", file)) return false;
   if (!format_.empty()) {
     const std::string name = Utf16ToUtf8(AsciiLower(Utf8ToUtf16Lossy(format_)));
     const OutputWriter* writer = FindWriter(name);

@@ -18,6 +18,7 @@ void PageCommand::AddOptions(CLI::App& app) {
 }
 
 ExitStatus PageCommand::Run() {
+  if (!IsFileName("FOLDER", folder_)) return kWrongUsage;
   std::vector<std::filesystem::path> written;
   const Status status = WriteFolderPages(PathArgument(folder_), &written);
   bool printed = true;

@@ -154,6 +154,7 @@ std::optional<std::u16string> TextOptions::ReadText(ExitStatus* status) const {
   }
   std::u16string text;
   if (from_file) {
+    if (!IsFileName("--text-file", text_file_)) return std::nullopt;
     *status = kFailed;
     Status read;
     if (text_file_ == "-") {

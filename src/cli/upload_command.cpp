@@ -17,6 +17,9 @@ void UploadCommand::AddOptions(CLI::App& app) {
 }
 
 ExitStatus UploadCommand::Run() {
+  for (const std::string& file : files_) {
+    if (!IsFileName("FILE", file)) return kWrongUsage;
+  }
   ExitStatus status = kDone;
   for (const std::string& file : files_) {
     const UploadResult result = UploadFile(PathArgument(file));
