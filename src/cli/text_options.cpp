@@ -88,7 +88,7 @@ void TextOptions::AddTo(CLI::App& app) {
       ->type_name("F")
       ->capture_default_str();
   app.add_flag("--substitute", substitute_, "take what the system offers for a missing face");
-  app.add_flag("--strict", strict_, "a character without a glyph is an error");
+  app.add_flag("--strict", strict_, "a character without a glyph or outline is an error");
   app.add_flag("--quiet", quiet_, "no warnings and no summary");
 }
 
@@ -193,6 +193,16 @@ bool TextOptions::ChooseFace(TextRequest* request) const {
   return false;
 }
 
+bool TextOptions::ReportLost(std::string_view what, const std::vector<char32_t>& characters) const {
+  if (characters.empty()) return true;
+  if (strict_) {
+    ReportError(what, CharacterNames(characters));
+    return false;
+  }
+  ReportWarning(what, CharacterNames(characters));
+  return true;
+}
+
 std::optional<SetText> TextOptions::SetAndReport(const TextRequest& request, Placing placing,
                                                  ExitStatus* status) const {
   Typesetter typesetter;
@@ -206,14 +216,10 @@ std::optional<SetText> TextOptions::SetAndReport(const TextRequest& request, Pla
   if (substitute_ && !IsNameOf(request.face, set->face)) {
     ReportWarning(Utf16ToUtf8(request.face), "is not installed, " + face + " takes its place");
   }
-  if (!set->missing.empty()) {
-    const std::string what = "no glyph in " + face;
-    if (strict_) {
-      ReportError(what, CharacterNames(set->missing));
-      *status = kFaceTrouble;
-      return std::nullopt;
-    }
-    ReportWarning(what, CharacterNames(set->missing));
+  if (!ReportLost("no glyph in " + face, set->missing) ||
+      !ReportLost("no outline of this size in " + face, set->notes.refused)) {
+    *status = kFaceTrouble;
+    return std::nullopt;
   }
   if (set->ended_by_nul) {
     ReportWarning("text", "ends at a NUL after " + std::to_string(set->characters) + " characters");

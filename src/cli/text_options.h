@@ -37,6 +37,8 @@ class TextOptions {
   std::optional<std::u16string> ReadText(ExitStatus* status) const;
   bool ReadNumbers(TextRequest* request);
   bool ChooseFace(TextRequest* request) const;
+  // Tells of characters that are not in the drawing as they should be; false when that ends it.
+  bool ReportLost(std::string_view what, const std::vector<char32_t>& characters) const;
 
   std::vector<std::string> positional_;
   std::vector<std::string> text_;

@@ -37,9 +37,8 @@ const CachedGlyph* GlyphCache::Find(char32_t ch) const {
 const CachedGlyph& GlyphCache::Get(DeviceContext& dc, char32_t ch) {
   std::unique_ptr<CachedGlyph>& kept = ch < kDirect ? direct_[ch] : others_[ch];
   if (kept) return *kept;
-  bool refused = false;
-  CachedGlyph glyph = Make(dc, ch, &refused);
-  if (refused) {
+  CachedGlyph glyph = Make(dc, ch);
+  if (glyph.refused) {
     refused_ = std::move(glyph);
     return refused_;
   }
@@ -62,11 +61,11 @@ void GlyphCache::Stand(CachedGlyph* glyph) const {
   }
 }
 
-CachedGlyph GlyphCache::Make(DeviceContext& dc, char32_t ch, bool* refused) const {
+CachedGlyph GlyphCache::Make(DeviceContext& dc, char32_t ch) const {
   CachedGlyph glyph;
   const uint32_t contours = GetGlyphContours(dc, ch, &glyph.metrics, &glyph.contours);
   // A refused character leaves its metrics as they were: all zero, which no glyph has.
-  *refused = contours == 0 && glyph.metrics.gmBlackBoxX == 0;
+  glyph.refused = contours == 0 && glyph.metrics.gmBlackBoxX == 0;
   if (stance_.angle != 0) Stand(&glyph);
   if (!glyph.contours.points.empty()) glyph.ink_min = glyph.ink_max = glyph.contours.points[0];
   for (const P2& p : glyph.contours.points) {

@@ -25,7 +25,8 @@ struct CharacterStance {
 struct CachedGlyph {
   GlyphMetrics metrics;
   GlyphContours contours;
-  P2 ink_min, ink_max;  // the box of the points; empty glyphs have none
+  P2 ink_min, ink_max;   // the box of the points; empty glyphs have none
+  bool refused = false;  // the rasteriser gave nothing, not even metrics
 };
 
 class GlyphCache {
@@ -45,7 +46,7 @@ class GlyphCache {
   const CachedGlyph& Get(DeviceContext& dc, char32_t ch);
 
  private:
-  CachedGlyph Make(DeviceContext& dc, char32_t ch, bool* refused) const;
+  CachedGlyph Make(DeviceContext& dc, char32_t ch) const;
   void Stand(CachedGlyph* glyph) const;
 
   static constexpr char32_t kDirect = 0x250;  // Latin letters need no look-up

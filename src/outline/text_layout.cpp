@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "base/text.h"
 #include "outline/glyph_cache.h"
@@ -67,6 +68,10 @@ class InkWatch {
   P2 low_, high_;
   bool any_ = false;
 };
+
+void NoteRefused(char32_t ch, std::vector<char32_t>* refused) {
+  if (std::find(refused->begin(), refused->end(), ch) == refused->end()) refused->push_back(ch);
+}
 
 // Makes room at once for what a long text has of glyphs met before, so that its points are not
 // copied again and again.
@@ -157,13 +162,14 @@ uint32_t LayoutString(DeviceContext& dc, std::u16string_view text, const LayoutO
       pen.x += metrics.tmAveCharWidth;
     } else {
       const CachedGlyph& glyph = glyphs.Get(dc, ch);
+      if (glyph.refused) NoteRefused(ch, &noted.refused);
       if (options.vertical) pen.y -= VerticalAdvance(glyph.metrics, options.pitch);
       ink.Place(glyph, pen, options.vertical, &noted);
       AppendGlyph(glyph, pen, contours);
       if (!options.vertical) pen.x += glyph.metrics.gmCellIncX;
     }
   }
-  if (notes) *notes = noted;
+  if (notes) *notes = std::move(noted);
   return static_cast<uint32_t>(contours->counts.size() - before);
 }
 

@@ -32,8 +32,9 @@ struct LayoutOptions {
 
 // What LayoutString noticed on its way.
 struct LayoutNotes {
-  uint32_t overlapping = 0;  // characters of vertical text whose ink box meets the one before
-  P2 low, high;              // the box around the points and the pen's origin
+  uint32_t overlapping = 0;       // characters of vertical text whose ink box meets the one before
+  P2 low, high;                   // the box around the points and the pen's origin
+  std::vector<char32_t> refused;  // distinct characters that the rasteriser gave no outline for
 };
 
 // The fields of SYSTEM_FONT with height, width, weight and face name (at most kMaxFaceName units of

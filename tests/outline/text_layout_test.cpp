@@ -145,6 +145,14 @@ TEST(LayoutString, TellsWhereVerticalInkMeets) {
   }
 }
 
+TEST(LayoutString, NamesWhatTheRasteriserRefused) {
+  FakeDeviceContext dc = Context();
+  GlyphContours contours;
+  LayoutNotes notes;
+  LayoutString(dc, u"ZAZ Y", {}, &contours, &notes);
+  EXPECT_EQ((std::vector<char32_t>{U'Z', U'Y'}), notes.refused);
+}
+
 TEST(PlaceBlock, BoxHoldsTheOriginAndTheCentreLandsOnTheInsertion) {
   std::vector<P2> points = {{10, 10}, {20, 10}, {20, 30}};
   PlaceBlock(&points, {{100, 200}, 0, 0});
