@@ -1,6 +1,7 @@
 #include "cli/convert_command.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 
 #include "base/text.h"
 #include "cli/arguments.h"
@@ -20,6 +21,12 @@ size_t EntityCount(const PartsA& model) {
     for (const FaceA& faces : part.faces) count += faces.items.size();
   }
   return count;
+}
+
+bool HasPointSets(const PartsA& model) {
+  return std::ranges::any_of(model.parts, [](const PartsElement& part) {
+    return !part.point_sets.items.empty() || !part.more_point_sets.items.empty();
+  });
 }
 
 std::string Counted(size_t count, const char* what) {
@@ -90,6 +97,7 @@ ExitStatus ConvertCommand::ReadParts(PartsA* model, std::string* summary) const 
     ReportError(read);
     return kFailed;
   }
+  if (EntityCount(*model) == 0 && !HasPointSets(*model)) ReportWarning(ipx_, "holds no elements");
   *summary = Counted(model->parts.size(), "parts, ") + Counted(EntityCount(*model), "entities");
   return kDone;
 }

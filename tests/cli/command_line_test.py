@@ -149,6 +149,20 @@ class CommandLineTest(programs.FolderTest):
         self.assertEqual(dxf.read_bytes(), (self.folder / "b.dxf").read_bytes())
         self.assertEqual(dxf.read_bytes().decode("ascii"), out)
 
+    def test_a_parts_file_without_elements_is_warned_of(self):
+        ipx, out = self.folder / "a.ipx", ["-o", str(self.folder / "b.ipl")]
+        self.assertEqual(0, run("convert", "A", *SANS, "-o", str(ipx))[0])
+        whole = ipx.read_bytes()
+        for lines in (whole.replace(b"\r\n", b"\n"), b"\xff\xfe", b"not of parts"):
+            ipx.write_bytes(lines)
+            status, _, err = run("convert", "--ipx", str(ipx), *out)
+            self.assertEqual(0, status)
+            self.assertIn("a.ipx: holds no elements", err)
+        points = whole.splitlines(True)[:3] + [b"1 0 ;\tP3A_\t\r\n", b"1 2 0 \r\n"]
+        points += [b"0 0 \r\n"] * 11 + [b"1 0 \r\n", b'-1 0 -1 "0 " \r\n']
+        ipx.write_bytes(b"".join(points))
+        self.assertEqual("", run("convert", "--ipx", str(ipx), *out)[2])
+
     def test_placement_computed_once_more(self):
         cases = [(0, 0, (0, 0)), (15, 0, (7, -3)), (0, 33.5, (0, 0)), (-20, 270, (1000.25, 4))]
         for slant, angle, at in cases:
