@@ -1,7 +1,9 @@
 #include "cli/settings_command.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
+#include <limits>
 #include <optional>
 
 #include "base/profile_store.h"
@@ -36,15 +38,21 @@ std::optional<std::u16string> ReadUtf8(const char* what, const std::string& byte
   return text;
 }
 
-// Whether all of a text is an integer as the settings take it.
+// Whether all of a text is an integer of 32 bits as the settings take it: a larger one would be
+// read as what is left of it.
 bool IsInteger(std::u16string_view text) {
-  if (!text.empty() && (text.front() == u'-' || text.front() == u'+')) text.remove_prefix(1);
-  std::u16string_view digits = u"0123456789";
-  if (text.starts_with(u"0x")) {
-    digits = u"0123456789abcdefABCDEF";
-    text.remove_prefix(2);
-  }
-  return !text.empty() && text.find_first_not_of(digits) == text.npos;
+  const bool negative = text.starts_with(u'-');
+  if (negative || text.starts_with(u'+')) text.remove_prefix(1);
+  const bool hexadecimal = text.starts_with(u"0x");
+  if (hexadecimal) text.remove_prefix(2);
+  const std::u16string_view digits = u"0123456789abcdefABCDEF";
+  const size_t bad = text.find_first_not_of(digits.substr(0, hexadecimal ? digits.npos : 10));
+  if (text.empty() || bad != text.npos) return false;
+  text.remove_prefix(std::min(text.find_first_not_of(u'0'), text.size()));
+  constexpr size_t kMostDecimal = 10, kMostHexadecimal = 8;
+  if (hexadecimal) return text.size() <= kMostHexadecimal;
+  const int64_t most = int64_t{std::numeric_limits<int32_t>::max()} + (negative ? 1 : 0);
+  return text.size() <= kMostDecimal && Int64OfText(text) <= most;
 }
 
 bool IsRectangle(std::u16string_view text) {
@@ -61,7 +69,9 @@ bool IsRectangle(std::u16string_view text) {
 // What a known setting's value has to be and is not; null when it fits.
 const char* Misfit(const Setting* setting, std::u16string_view value) {
   if (!setting || value.empty()) return nullptr;
-  if (setting->type == SettingType::kInteger && !IsInteger(value)) return "an integer is wanted";
+  if (setting->type == SettingType::kInteger && !IsInteger(value)) {
+    return "an integer is wanted, from -2147483648 to 2147483647";
+  }
   if (setting->type == SettingType::kRectangle && !IsRectangle(value)) {
     return "four integers are wanted: left, top, right, bottom";
   }

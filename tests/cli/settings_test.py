@@ -68,6 +68,10 @@ class SettingsTest(programs.FolderTest):
         self.ok("unset", "Dec", "SvgOut::Precision")
         self.assertEqual(self.ok("get", "Dec", "SvgOut::Precision"), "15\n")
         self.ok("unset", "Never", "set")
+        for value, read in (("-2147483648", "-2147483648"), ("0002147483647", "2147483647"),
+                            ("0x0ffffffff", "-1")):
+            self.ok("set", "Parts", "P3A::Search__MaxSearch", "--", value)
+            self.assertEqual(self.ok("get", "Parts", "P3A::Search__MaxSearch"), read + "\n")
 
     def test_wrong_usage_is_named(self):
         cases = [(["get", "A", "b"], 1, "A/b: it is not set"),
@@ -75,6 +79,9 @@ class SettingsTest(programs.FolderTest):
                  (["set", "A", "[b", "1"], 1, "A/[b: "),
                  (["set", "", "b", "1"], 1, "a section and a key"),
                  (["set", "Dec", "SvgOut::Precision", "nine"], 2, "an integer is wanted"),
+                 (["set", "Dec", "SvgOut::Precision", "2147483648"], 2, "an integer is wanted"),
+                 (["set", "Dec", "SvgOut::Precision", "--", "-2147483649"], 2, "an integer is wanted"),
+                 (["set", "Dec", "SvgOut::Precision", "0x100000000"], 2, "an integer is wanted"),
                  (["set", "Position\\MainFrame", "Position199902_LTRB", "1 2 3"], 2, "four integers"),
                  (["set", "A", "b"], 2, "VALUE"), (["get"], 2, "SECTION"), ([], 2, "subcommand"),
                  ([b"set", b"A", b"\xff", b"1"], 2, "KEY: not UTF-8 at byte 0")]
