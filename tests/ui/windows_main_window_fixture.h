@@ -94,14 +94,21 @@ class WindowsMainWindowTest : public testing::Test {
     const UINT_PTR timer = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR, DWORD) {
       const HWND popup = GetLastActivePopup(popup_owner);
       if (popup == popup_owner || !IsWindowVisible(popup) || !look_at_popup) return;
-      look_at_popup(popup);
-      look_at_popup = nullptr;
+      std::exchange(look_at_popup, nullptr)(popup);
       PostMessageW(popup, WM_COMMAND, popup_answer, 0);
     });
     open();
     Pump();
     KillTimer(nullptr, timer);
     EXPECT_FALSE(look_at_popup) << "nothing was shown";
+  }
+
+  static std::wstring TextsIn(HWND popup) {
+    std::wstring all;
+    for (HWND part = GetWindow(popup, GW_CHILD); part; part = GetWindow(part, GW_HWNDNEXT)) {
+      all += WindowText(part);
+    }
+    return all;
   }
 
   // Every shown control stands whole in the window, clear of the others, and its caption fits.

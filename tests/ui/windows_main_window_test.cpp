@@ -197,15 +197,29 @@ TEST_F(WindowsMainWindowTest, FailuresAreShown) {
   services.failing = "export";
   Show(services);
   std::wstring said;
-  WithPopup([&] { Click(ControlId::kSvg); },
-            [&](HWND box) {
-              for (HWND part = GetWindow(box, GW_CHILD); part;
-                   part = GetWindow(part, GW_HWNDNEXT)) {
-                said += WindowText(part);
-              }
-            });
+  WithPopup([&] { Click(ControlId::kSvg); }, [&](HWND box) { said = TextsIn(box); });
   EXPECT_NE(std::wstring::npos, said.find(L"the disk is full")) << ToUtf8(said);
   EXPECT_NE(std::wstring::npos, TextOf(ControlId::kStatus).find(L"the disk is full"));
+}
+
+TEST_F(WindowsMainWindowTest, ClosingUnderAMessageShowsOnlyWhatWasNotShownYet) {
+  class Unsaved final : public test::FakeDialogServices {
+   public:
+    Status Save(const DialogMemory&) override {
+      return Status::Error(Failure::kOther, u"settings", u"read only");
+    }
+  };
+  Unsaved unsaved;
+  unsaved.folder = services.folder;
+  unsaved.failing = "export";
+  Show(unsaved);
+  std::wstring last;
+  WithPopup([&] { Click(ControlId::kSvg); },
+            [&](HWND) {
+              WithPopup([&] { SendMessageW(window, WM_CLOSE, 0, 0); },
+                        [&](HWND box) { last = TextsIn(box); });
+            });
+  EXPECT_NE(std::wstring::npos, last.find(L"settings: read only")) << ToUtf8(last);
 }
 
 TEST_F(WindowsMainWindowTest, LongOutputsAreCancelledInTheirOwnWindow) {
