@@ -260,12 +260,14 @@ class Request {
     return true;
   }
 
-  // Whoever signed the certificate; it must still be for the host and in its time.
+  // Whoever signed the certificate, and whenever: dates that anybody can write tell nothing. It must
+  // still be for the host.
   void AcceptAnyAuthority() {
     DWORD flags = 0;
     DWORD size = sizeof flags;
     InternetQueryOptionW(request_, INTERNET_OPTION_SECURITY_FLAGS, &flags, &size);
-    flags |= SECURITY_FLAG_IGNORE_UNKNOWN_CA | SECURITY_FLAG_IGNORE_REVOCATION;
+    flags |= SECURITY_FLAG_IGNORE_UNKNOWN_CA | SECURITY_FLAG_IGNORE_CERT_DATE_INVALID |
+             SECURITY_FLAG_IGNORE_REVOCATION;
     InternetSetOptionW(request_, INTERNET_OPTION_SECURITY_FLAGS, &flags, sizeof flags);
   }
 
