@@ -1,7 +1,6 @@
 #include "cli/settings_command.h"
 
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <optional>
 
 #include "base/profile_store.h"
@@ -9,6 +8,7 @@
 #include "base/settings_table.h"
 #include "base/text.h"
 #include "cli/console.h"
+#include "platform/folder_path.h"
 
 namespace kerno {
 namespace {
@@ -122,8 +122,7 @@ bool SettingsCommand::ReadNames(std::u16string* section, std::u16string* key) co
 
 ExitStatus SettingsCommand::PrintPath() {
   const IniStore store(kStoreName);
-  std::error_code error;
-  const bool exists = std::filesystem::exists(TextPath(store.profile_path()), error);
+  const bool exists = PathExists(TextPath(store.profile_path()));
   std::string text = Utf16ToUtf8(store.profile_path()) + "\n";
   text += store.displaced()
               ? "the folder of the settings cannot be written; this is the temporary one"
