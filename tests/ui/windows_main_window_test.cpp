@@ -39,33 +39,33 @@ TEST_F(WindowsMainWindowTest, EveryControlHasItsNumberKindAndCaption) {
   constexpr DWORD kNone = 0;
   const struct {
     int id;
-    const wchar_t* kind;
     DWORD style;  // bits that tell the kind
+    const wchar_t* kind;
     const wchar_t* caption;
     bool hidden;
   } rows[] = {
-      {1, L"Button", BS_DEFPUSHBUTTON, L"OK", true},
-      {2, L"Button", BS_PUSHBUTTON, L"終了", false},
-      {1002, L"Button", BS_PUSHBUTTON, L"&DXF", false},
-      {32087, L"Button", BS_PUSHBUTTON, L"&SVG", false},
-      {1001, L"Button", BS_PUSHBUTTON, L"&IPX", false},
-      {32088, L"Button", BS_PUSHBUTTON, L"&DIB", false},
-      {32089, L"Button", BS_PUSHBUTTON, L"EMF", true},
-      {32066, L"Button", BS_PUSHBUTTON, L"ipl", true},
-      {32201, L"Button", BS_PUSHBUTTON, L"&Upload", true},
-      {1003, L"RICHEDIT50W", ES_MULTILINE | ES_WANTRETURN, L"", false},
-      {1017, L"Button", BS_PUSHBUTTON, L"貼り付け", false},
-      {1006, L"ComboBox", CBS_DROPDOWN | CBS_OWNERDRAWFIXED, L"Plain", false},
-      {1007, L"Button", BS_AUTOCHECKBOX, L"@", false},
-      {1010, L"ComboBox", CBS_DROPDOWN, L"100", false},
-      {1014, L"Edit", kNone, L"100", false},
-      {1015, L"msctls_updown32", UDS_ARROWKEYS, L"", false},
-      {1016, L"Button", BS_AUTOCHECKBOX, L"PolyPolygon", false},
-      {1008, L"ComboBox", CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED, L"Black", false},
-      {1009, L"ComboBox", CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED, L"Black", false},
-      {1011, L"Static", SS_LEFT, L"F&ace", false},
-      {1012, L"Static", SS_LEFT, L"&Height", false},
-      {1000, L"Static", SS_NOTIFY, L"", false},
+      {1, BS_DEFPUSHBUTTON, L"Button", L"OK", true},
+      {2, BS_PUSHBUTTON, L"Button", L"終了", false},
+      {1002, BS_PUSHBUTTON, L"Button", L"&DXF", false},
+      {32087, BS_PUSHBUTTON, L"Button", L"&SVG", false},
+      {1001, BS_PUSHBUTTON, L"Button", L"&IPX", false},
+      {32088, BS_PUSHBUTTON, L"Button", L"&DIB", false},
+      {32089, BS_PUSHBUTTON, L"Button", L"EMF", true},
+      {32066, BS_PUSHBUTTON, L"Button", L"ipl", true},
+      {32201, BS_PUSHBUTTON, L"Button", L"&Upload", true},
+      {1003, ES_MULTILINE | ES_WANTRETURN, L"RICHEDIT50W", L"", false},
+      {1017, BS_PUSHBUTTON, L"Button", L"貼り付け", false},
+      {1006, CBS_DROPDOWN | CBS_OWNERDRAWFIXED, L"ComboBox", L"Plain", false},
+      {1007, BS_AUTOCHECKBOX, L"Button", L"@", false},
+      {1010, CBS_DROPDOWN, L"ComboBox", L"100", false},
+      {1014, kNone, L"Edit", L"100", false},
+      {1015, UDS_ARROWKEYS, L"msctls_updown32", L"", false},
+      {1016, BS_AUTOCHECKBOX, L"Button", L"PolyPolygon", false},
+      {1008, CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED, L"ComboBox", L"Black", false},
+      {1009, CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED, L"ComboBox", L"Black", false},
+      {1011, SS_LEFT, L"Static", L"F&ace", false},
+      {1012, SS_LEFT, L"Static", L"&Height", false},
+      {1000, SS_NOTIFY, L"Static", L"", false},
   };
   services.memory.height = u"100";
   Show(services);
