@@ -1,5 +1,5 @@
 #!/bin/sh
-# Packs the Windows programs with the readme, the licence and the documents:
+# Packs the Windows programs with the readme, the licence and what the readme links to:
 # tools/make_windows_zip.sh BUILD_FOLDER ZIP
 set -e
 build=$1
@@ -11,7 +11,7 @@ mkdir "$folder/kerno"
 cp "$build/src/cli/kerno.exe" "$build/src/ui/win32/kerno-desktop.exe" "$folder/kerno/"
 x86_64-w64-mingw32-strip "$folder/kerno/"*.exe
 cp "$root/README.md" "$root/LICENSE" "$folder/kerno/"
-cp -r "$root/docs" "$folder/kerno/docs"
+cp -r "$root/docs" "$root/examples" "$folder/kerno/"
 rm -f "$zip_file"
 (cd "$folder" && zip -q -r "$zip_file" kerno)
 echo "$zip_file"

@@ -103,10 +103,14 @@ bool WriteToStandardOutput(const OutputWriter& writer, const PartsA& model,
     ReportError(status);
     return false;
   }
-  std::ifstream file(scratch.path(), std::ios::binary);
+  std::ifstream file(PathToOpen(scratch.path()), std::ios::binary);
   std::vector<char> chunk(1 << 16);
   while (file.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || file.gcount() > 0) {
     if (!Print({chunk.data(), static_cast<size_t>(file.gcount())})) return false;
+  }
+  if (!file.eof()) {
+    ReportError(PathBytes(scratch.path()), "cannot be read");
+    return false;
   }
   return FinishPrinting();
 }

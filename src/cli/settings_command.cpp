@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <filesystem>
 #include <limits>
 #include <optional>
 
@@ -11,6 +10,7 @@
 #include "base/settings_table.h"
 #include "base/text.h"
 #include "cli/console.h"
+#include "platform/folder_path.h"
 
 namespace kerno {
 namespace {
@@ -132,8 +132,7 @@ bool SettingsCommand::ReadNames(std::u16string* section, std::u16string* key) co
 
 ExitStatus SettingsCommand::PrintPath() {
   const IniStore store(kStoreName);
-  std::error_code error;
-  const bool exists = std::filesystem::exists(TextPath(store.profile_path()), error);
+  const bool exists = PathExists(TextPath(store.profile_path()));
   std::string text = Utf16ToUtf8(store.profile_path()) + "\n";
   text += store.displaced()
               ? "the folder of the settings cannot be written; this is the temporary one"

@@ -9,6 +9,7 @@
 #include "app/text_source.h"
 #include "base/text.h"
 #include "cli/arguments.h"
+#include "cli/choice.h"
 #include "cli/console.h"
 
 namespace kerno {
@@ -97,13 +98,13 @@ std::optional<TextRequest> TextOptions::Resolve(ExitStatus* status) {
   if (quiet_) SilenceWarnings();
   TextRequest request;
   if (!ReadNumbers(&request)) return std::nullopt;
-  if (line_ends_ != "crlf" && line_ends_ != "keep") {
-    ReportChoice("--line-ends", line_ends_, "crlf, keep");
+  bool crlf = true;
+  if (!Choose<bool>("--line-ends", line_ends_, {{"crlf", true}, {"keep", false}}, &crlf)) {
     return std::nullopt;
   }
   const auto text = ReadText(status);
   if (!text) return std::nullopt;
-  request.text = line_ends_ == "crlf" ? WithCrLf(*text) : *text;
+  request.text = crlf ? WithCrLf(*text) : *text;
   *status = kWrongUsage;
   const auto face = TextArgument("--face", face_);
   if (!face) return std::nullopt;
@@ -129,14 +130,14 @@ bool TextOptions::ReadNumbers(TextRequest* request) {
     ReportError("--scale", "0 leaves no geometry");
     return false;
   }
-  if (pitch_ != "classic" && pitch_ != "cell") {
-    ReportChoice("--pitch", pitch_, "classic, cell");
+  if (!Choose<VerticalPitch>("--pitch", pitch_,
+                             {{"classic", VerticalPitch::kClassic}, {"cell", VerticalPitch::kCell}},
+                             &request->layout.pitch)) {
     return false;
   }
   request->height = *height;
   request->width = *width;
   request->weight = *weight;
-  request->layout.pitch = pitch_ == "cell" ? VerticalPitch::kCell : VerticalPitch::kClassic;
   request->placement.slant = *slant;
   request->placement.angle = *angle;
   at_point_ = *at;

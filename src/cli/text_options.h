@@ -26,7 +26,8 @@ class TextOptions {
   std::optional<SetText> SetAndReport(const TextRequest& request, Placing placing,
                                       ExitStatus* status) const;
 
-  // Whether finished coordinates are numbers; reports when a scale or a place took them out of range.
+  // Whether finished coordinates are numbers; reports when a scale or a place took them out of
+  // range.
   static bool CheckRange(std::span<const P2> points);
 
   bool quiet() const { return quiet_; }
@@ -43,7 +44,6 @@ class TextOptions {
   std::vector<std::string> positional_;
   std::vector<std::string> text_;
   std::string text_file_;
-  bool has_text_file_ = false;
   std::string line_ends_ = "crlf";
   std::string face_;
   std::string height_ = "100";

@@ -22,7 +22,8 @@ class Clock {
   // Seconds since 1970-01-01 00:00:00 UTC.
   virtual int64_t Seconds() = 0;
 
-  // The local time of a moment given in such seconds.
+  // The local time of a moment given in such seconds; 1970-01-01 00:00:00 for one that the system's
+  // calendar does not reach.
   virtual LocalTime Local(int64_t seconds) = 0;
 
   // Milliseconds since the system started; starts again at 0 after 2^32 of them.

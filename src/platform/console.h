@@ -14,6 +14,7 @@ std::vector<std::string> ProgramArguments(int argc, char** argv);
 // UTF-8. Called once, before anything is printed.
 void PrepareStandardStreams();
 
+// Whether standard error is a terminal, where a line can be written over.
 bool IsErrorTerminal();
 
 }  // namespace kerno

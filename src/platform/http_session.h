@@ -15,7 +15,7 @@ namespace kerno {
 // Which server certificates are good enough. Either way the certificate must be for the host.
 enum class CertificateTrust {
   kKnownAuthority,  // signed by an authority that the system knows
-  kAnyAuthority,    // signed by anybody, the server itself included
+  kAnyAuthority,    // signed by anybody, the server itself included, for whatever dates
 };
 
 struct HttpLimits {

@@ -56,6 +56,7 @@ class System {
   // The file of the running program.
   virtual std::filesystem::path ProgramPath() = 0;
 
+  // Both are empty when the system does not tell.
   virtual std::u16string UserName() = 0;
   virtual std::u16string ComputerName() = 0;
 

@@ -1,42 +1,20 @@
-// The window of the Windows program as a user handles it. Needs a display.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+// The window of the Windows program: its controls, layout, colours and messages. Needs a display.
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
-#include <functional>
 
-#include "app/font_face_list.h"
 #include "app/system_services.h"
 #include "platform/win32/wide_text.h"
-#include "support/recording_view.h"
-#include "ui/win32/main_window.h"
 #include "ui/win32/resource.h"
-#include "ui/win32/windows_controls.h"
+#include "windows_main_window_fixture.h"
 
 namespace kerno {
 namespace {
-
-std::wstring WindowText(HWND window) {
-  std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-  text.resize(
-      static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
-  return text;
-}
 
 std::wstring ClassOf(HWND window) {
   wchar_t name[64] = {};
   GetClassNameW(window, name, 64);
   return name;
-}
-
-RECT PlaceIn(HWND parent, HWND control) {
-  RECT place{};
-  GetWindowRect(control, &place);
-  MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&place), 2);
-  return place;
 }
 
 // What a service does that takes long: it goes on until it is cancelled.
@@ -57,152 +35,37 @@ class SlowServices final : public test::FakeDialogServices {
   }
 };
 
-class WindowsMainWindowTest : public testing::Test {
- protected:
-  WindowsMainWindowTest() {
-    services.folder = std::filesystem::temp_directory_path();
-    services.memory.face = u"Plain";
-    open_folder_on_first_save = false;
-  }
-  void Show(DialogServices& used) {
-    main.emplace(GetModuleHandleW(nullptr), used);
-    window = main->window();
-    ASSERT_NE(nullptr, window);
-    ShowWindow(window, SW_SHOWNORMAL);
-    main->dialog().FillFaces();
-    Pump();
-  }
-  HWND Item(ControlId id) const { return GetDlgItem(window, static_cast<int>(id)); }
-  LRESULT Send(ControlId id, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const {
-    return SendMessageW(Item(id), message, wparam, lparam);
-  }
-  std::wstring TextOf(ControlId id) const { return WindowText(Item(id)); }
-  HWND EditOf(ControlId combo) const {
-    COMBOBOXINFO parts{};
-    parts.cbSize = sizeof parts;
-    EXPECT_TRUE(GetComboBoxInfo(Item(combo), &parts));
-    return parts.hwndItem;
-  }
-  void Pump() {
-    MSG message{};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) main->Dispatch(message);
-  }
-  void Key(HWND control, WPARAM key) {
-    MSG message{};
-    message.hwnd = control;
-    message.message = WM_KEYDOWN;
-    message.wParam = key;
-    main->Dispatch(message);
-    Pump();
-  }
-  void Type(HWND control, std::wstring_view text) {
-    for (const wchar_t unit : text) SendMessageW(control, WM_CHAR, unit, 0);
-  }
-  void Click(ControlId id) {
-    Send(id, BM_CLICK);
-    Pump();
-  }
-  CHARFORMAT2W Format() const {
-    CHARFORMAT2W format{};
-    format.cbSize = sizeof format;
-    Send(ControlId::kText, EM_GETCHARFORMAT, SCF_DEFAULT, reinterpret_cast<LPARAM>(&format));
-    return format;
-  }
-
-  // Does what opens a modal window, looks at that window, and closes it by its button `answer`.
-  void WithPopup(const std::function<void()>& open, const std::function<void(HWND)>& look,
-                 WPARAM answer = IDOK) {
-    popup_owner = window;
-    look_at_popup = look;
-    popup_answer = answer;
-    const UINT_PTR timer = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR, DWORD) {
-      const HWND popup = GetLastActivePopup(popup_owner);
-      if (popup == popup_owner || !IsWindowVisible(popup) || !look_at_popup) return;
-      look_at_popup(popup);
-      look_at_popup = nullptr;
-      PostMessageW(popup, WM_COMMAND, popup_answer, 0);
-    });
-    open();
-    Pump();
-    KillTimer(nullptr, timer);
-    EXPECT_FALSE(look_at_popup) << "nothing was shown";
-  }
-
-  // Every shown control stands whole in the window, clear of the others, and its caption fits.
-  void ExpectTidyLayout(const char* when) {
-    RECT client{};
-    GetClientRect(window, &client);
-    std::vector<std::pair<int, RECT>> places;
-    for (const ControlRow& row : Controls()) {
-      const HWND control = Item(row.id);
-      if (control == nullptr || !IsWindowVisible(control)) continue;
-      const RECT place = PlaceIn(window, control);
-      const int id = static_cast<int>(row.id);
-      EXPECT_TRUE(place.left >= 0 && place.top >= 0 && place.right <= client.right &&
-                  place.bottom <= client.bottom && place.left < place.right)
-          << when << ": control " << id << " stands in the window";
-      for (const auto& [other, taken] : places) {
-        RECT common{};
-        EXPECT_FALSE(IntersectRect(&common, &place, &taken))
-            << when << ": controls " << other << " and " << id << " overlap";
-      }
-      places.emplace_back(id, place);
-      if (*row.caption != u'\0') {
-        EXPECT_GE(place.right - place.left, CaptionWidth(control)) << when << ": control " << id;
-      }
-    }
-  }
-  static int CaptionWidth(HWND control) {
-    const HDC dc = GetDC(control);
-    const HGDIOBJ before =
-        SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
-    RECT area{};
-    DrawTextW(dc, WindowText(control).c_str(), -1, &area, DT_CALCRECT | DT_SINGLELINE);
-    SelectObject(dc, before);
-    ReleaseDC(control, dc);
-    return area.right;
-  }
-
-  static inline HWND popup_owner;
-  static inline std::function<void(HWND)> look_at_popup;
-  static inline WPARAM popup_answer;
-
-  test::FakeDialogServices services;
-  std::optional<MainWindow> main;
-  HWND window = nullptr;
-};
-
 TEST_F(WindowsMainWindowTest, EveryControlHasItsNumberKindAndCaption) {
   constexpr DWORD kNone = 0;
   const struct {
     int id;
-    const wchar_t* kind;
     DWORD style;  // bits that tell the kind
+    const wchar_t* kind;
     const wchar_t* caption;
     bool hidden;
   } rows[] = {
-      {1, L"Button", BS_DEFPUSHBUTTON, L"OK", true},
-      {2, L"Button", BS_PUSHBUTTON, L"終了", false},
-      {1002, L"Button", BS_PUSHBUTTON, L"&DXF", false},
-      {32087, L"Button", BS_PUSHBUTTON, L"&SVG", false},
-      {1001, L"Button", BS_PUSHBUTTON, L"&IPX", false},
-      {32088, L"Button", BS_PUSHBUTTON, L"&DIB", false},
-      {32089, L"Button", BS_PUSHBUTTON, L"EMF", true},
-      {32066, L"Button", BS_PUSHBUTTON, L"ipl", true},
-      {32201, L"Button", BS_PUSHBUTTON, L"&Upload", true},
-      {1003, L"RICHEDIT50W", ES_MULTILINE | ES_WANTRETURN, L"", false},
-      {1017, L"Button", BS_PUSHBUTTON, L"貼り付け", false},
-      {1006, L"ComboBox", CBS_DROPDOWN | CBS_OWNERDRAWFIXED, L"Plain", false},
-      {1007, L"Button", BS_AUTOCHECKBOX, L"@", false},
-      {1010, L"ComboBox", CBS_DROPDOWN, L"100", false},
-      {1014, L"Edit", kNone, L"100", false},
-      {1015, L"msctls_updown32", UDS_ARROWKEYS, L"", false},
-      {1016, L"Button", BS_AUTOCHECKBOX, L"PolyPolygon", false},
-      {1008, L"ComboBox", CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED, L"Black", false},
-      {1009, L"ComboBox", CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED, L"Black", false},
-      {1011, L"Static", SS_LEFT, L"F&ace", false},
-      {1012, L"Static", SS_LEFT, L"&Height", false},
-      {1000, L"Static", SS_NOTIFY, L"", false},
+      {1, BS_DEFPUSHBUTTON, L"Button", L"OK", true},
+      {2, BS_PUSHBUTTON, L"Button", L"終了", false},
+      {1002, BS_PUSHBUTTON, L"Button", L"&DXF", false},
+      {32087, BS_PUSHBUTTON, L"Button", L"&SVG", false},
+      {1001, BS_PUSHBUTTON, L"Button", L"&IPX", false},
+      {32088, BS_PUSHBUTTON, L"Button", L"&DIB", false},
+      {32089, BS_PUSHBUTTON, L"Button", L"EMF", true},
+      {32066, BS_PUSHBUTTON, L"Button", L"ipl", true},
+      {32201, BS_PUSHBUTTON, L"Button", L"&Upload", true},
+      {1003, ES_MULTILINE | ES_WANTRETURN, L"RICHEDIT50W", L"", false},
+      {1017, BS_PUSHBUTTON, L"Button", L"貼り付け", false},
+      {1006, CBS_DROPDOWN | CBS_OWNERDRAWFIXED, L"ComboBox", L"Plain", false},
+      {1007, BS_AUTOCHECKBOX, L"Button", L"@", false},
+      {1010, CBS_DROPDOWN, L"ComboBox", L"100", false},
+      {1014, kNone, L"Edit", L"100", false},
+      {1015, UDS_ARROWKEYS, L"msctls_updown32", L"", false},
+      {1016, BS_AUTOCHECKBOX, L"Button", L"PolyPolygon", false},
+      {1008, CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED, L"ComboBox", L"Black", false},
+      {1009, CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED, L"ComboBox", L"Black", false},
+      {1011, SS_LEFT, L"Static", L"F&ace", false},
+      {1012, SS_LEFT, L"Static", L"&Height", false},
+      {1000, SS_NOTIFY, L"Static", L"", false},
   };
   services.memory.height = u"100";
   Show(services);
@@ -278,144 +141,6 @@ TEST_F(WindowsMainWindowTest, OtherColoursOfTheSystemKeepEverythingLegible) {
   SetSysColors(2, parts, before);
 }
 
-TEST_F(WindowsMainWindowTest, LooksAreNothingToUndoAndLeaveTheSelection) {
-  Show(services);
-  const HWND text = Item(ControlId::kText);
-  Type(text, L"AB");
-  EXPECT_EQ(2u, main->dialog().item_count());
-  SendMessageW(text, EM_SETSEL, 1, 2);
-  Type(EditOf(ControlId::kFace), L"x");
-  Click(ControlId::kVertical);
-  EXPECT_EQ(u"@" + FromWide(TextOf(ControlId::kFace)), FromWide(Format().szFaceName));
-  CHARRANGE selected{};
-  SendMessageW(text, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&selected));
-  EXPECT_EQ(1, selected.cpMin);
-  EXPECT_EQ(2, selected.cpMax);
-  SendMessageW(text, EM_UNDO, 0, 0);
-  EXPECT_EQ(L"", WindowText(text));
-  EXPECT_EQ(0u, main->dialog().item_count());
-}
-
-TEST_F(WindowsMainWindowTest, TheKeyboardComesToTheEndOfTheTextAndSelectsNothing) {
-  services.saved_text = u"A\nB";
-  Show(services);
-  const HWND text = Item(ControlId::kText);
-  for (const ControlId id : {ControlId::kPaste, ControlId::kText}) {
-    SendMessageW(window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(id)), TRUE);
-  }
-  EXPECT_EQ(text, GetFocus());
-  Type(text, L"C");
-  EXPECT_EQ(L"A\r\nBC", WindowText(text));
-  EXPECT_EQ(3u, main->dialog().item_count());
-}
-
-TEST_F(WindowsMainWindowTest, PastedLinesArriveAsLines) {
-  Show(services);
-  ASSERT_TRUE(OpenClipboard(window));
-  EmptyClipboard();
-  const std::wstring copied = L"A\r\nB\rC";
-  const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, (copied.size() + 1) * sizeof(wchar_t));
-  std::copy_n(copied.c_str(), copied.size() + 1, static_cast<wchar_t*>(GlobalLock(memory)));
-  GlobalUnlock(memory);
-  SetClipboardData(CF_UNICODETEXT, memory);
-  CloseClipboard();
-  Click(ControlId::kPaste);
-  EXPECT_EQ(3u, main->dialog().item_count());
-  Click(ControlId::kDxf);
-  EXPECT_THAT(services.rtf, testing::HasSubstr("A\\par\r\nB\\par\r\nC"));
-}
-
-TEST_F(WindowsMainWindowTest, HeightsStayInStepWhicheverIsTouched) {
-  Show(services);
-  const HWND edit = Item(ControlId::kHeightEdit);
-  SendMessageW(edit, EM_SETSEL, 0, -1);
-  Type(edit, L"-12");
-  EXPECT_EQ(L"-12", TextOf(ControlId::kHeightList));
-  SendMessageW(edit, WM_KEYDOWN, VK_UP, 0);  // the up-down control takes it
-  EXPECT_EQ(L"-11", TextOf(ControlId::kHeightList));
-  EXPECT_EQ(L"-11", TextOf(ControlId::kHeightEdit));
-  Send(ControlId::kHeightList, CB_SETCURSEL, 12);
-  SendMessageW(window, WM_COMMAND, MAKEWPARAM(1010, CBN_SELCHANGE), 0);
-  EXPECT_EQ(L"100", TextOf(ControlId::kHeightEdit));
-  const HWND typed = EditOf(ControlId::kHeightList);
-  SendMessageW(typed, EM_SETSEL, 0, -1);
-  Type(typed, L"77");
-  EXPECT_EQ(L"77", TextOf(ControlId::kHeightEdit));
-  SetFocus(edit);
-  Key(edit, VK_RETURN);
-  Key(edit, VK_ESCAPE);
-  EXPECT_TRUE(services.log.empty()) << "Enter presses nothing";
-  EXPECT_TRUE(IsWindowVisible(window));
-}
-
-TEST_F(WindowsMainWindowTest, TheFacesStandInOrder) {
-  class NoFaces final : public FontFaceList {
-   public:
-    NoFaces() : FontFaceList(nullptr) {}
-  };
-  const auto listed = [this] {
-    std::vector<std::u16string> names;
-    for (LRESULT i = 0; i < Send(ControlId::kFace, CB_GETCOUNT); ++i) {
-      wchar_t name[64] = {};
-      Send(ControlId::kFace, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(name));
-      names.push_back(FromWide(name));
-    }
-    return names;
-  };
-  services.faces = {u"Plain", u"Gothic", u"arial"};  // the system has no order
-  Show(services);
-  EXPECT_THAT(listed(), testing::ElementsAre(u"arial", u"Gothic", u"Plain"));
-  services.faces = NoFaces().Entries();
-  main->dialog().FillFaces();
-  EXPECT_EQ(services.faces, listed()) << "the lines that tell why there is none";
-}
-
-TEST_F(WindowsMainWindowTest, PartsOfANameOfferTheFacesThatHoldThem) {
-  services.faces = {u"ＭＳ Mincho", u"Plain", u"Plain Gothic", u"Gothic"};
-  Show(services);
-  const HWND edit = EditOf(ControlId::kFace);
-  const auto list = [] { return FindWindowExW(nullptr, nullptr, L"ListBox", L""); };
-  const auto offered = [&] {
-    std::wstring all;
-    for (LRESULT i = 0; i < SendMessageW(list(), LB_GETCOUNT, 0, 0); ++i) {
-      wchar_t name[64] = {};
-      SendMessageW(list(), LB_GETTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(name));
-      all += std::wstring(name) + L";";
-    }
-    return IsWindowVisible(list()) ? all : L"";
-  };
-  SetFocus(edit);
-  SendMessageW(edit, EM_SETSEL, 0, -1);
-  Type(edit, L"m");
-  EXPECT_EQ(L"ＭＳ Mincho;", offered());
-  SendMessageW(edit, EM_SETSEL, 0, -1);
-  Type(edit, L"goth");
-  EXPECT_EQ(L"Gothic;Plain Gothic;", offered());
-  Key(edit, VK_DOWN);
-  Key(edit, VK_DOWN);
-  Key(edit, VK_RETURN);
-  EXPECT_EQ(L"", offered());
-  EXPECT_EQ(L"Plain Gothic", TextOf(ControlId::kFace));
-  EXPECT_EQ(u"Plain Gothic", FromWide(Format().szFaceName));
-  SendMessageW(edit, EM_SETSEL, 0, -1);
-  Type(edit, L"goth");
-  Key(edit, VK_ESCAPE);
-  EXPECT_EQ(L"", offered());
-  EXPECT_EQ(L"goth", TextOf(ControlId::kFace)) << "what was typed stays";
-}
-
-TEST_F(WindowsMainWindowTest, WhatTheListCompletesIsTheFace) {
-  services.faces = {u"Plain", u"Plain Gothic"};
-  Show(services);
-  SendMessageW(EditOf(ControlId::kFace), EM_SETSEL, 0, -1);
-  Type(EditOf(ControlId::kFace), L"Plain G");
-  for (const WPARAM opens : {TRUE, FALSE}) {
-    Send(ControlId::kFace, CB_SHOWDROPDOWN, opens);
-    Pump();
-    EXPECT_EQ(TextOf(ControlId::kFace), Format().szFaceName);
-  }
-}
-
 TEST_F(WindowsMainWindowTest, ControlsKeepClearOfEachOtherAtEverySize) {
   services.uploads = true;
   Show(services);
@@ -472,15 +197,29 @@ TEST_F(WindowsMainWindowTest, FailuresAreShown) {
   services.failing = "export";
   Show(services);
   std::wstring said;
-  WithPopup([&] { Click(ControlId::kSvg); },
-            [&](HWND box) {
-              for (HWND part = GetWindow(box, GW_CHILD); part;
-                   part = GetWindow(part, GW_HWNDNEXT)) {
-                said += WindowText(part);
-              }
-            });
+  WithPopup([&] { Click(ControlId::kSvg); }, [&](HWND box) { said = TextsIn(box); });
   EXPECT_NE(std::wstring::npos, said.find(L"the disk is full")) << ToUtf8(said);
   EXPECT_NE(std::wstring::npos, TextOf(ControlId::kStatus).find(L"the disk is full"));
+}
+
+TEST_F(WindowsMainWindowTest, ClosingUnderAMessageShowsOnlyWhatWasNotShownYet) {
+  class Unsaved final : public test::FakeDialogServices {
+   public:
+    Status Save(const DialogMemory&) override {
+      return Status::Error(Failure::kOther, u"settings", u"read only");
+    }
+  };
+  Unsaved unsaved;
+  unsaved.folder = services.folder;
+  unsaved.failing = "export";
+  Show(unsaved);
+  std::wstring last;
+  WithPopup([&] { Click(ControlId::kSvg); },
+            [&](HWND) {
+              WithPopup([&] { SendMessageW(window, WM_CLOSE, 0, 0); },
+                        [&](HWND box) { last = TextsIn(box); });
+            });
+  EXPECT_NE(std::wstring::npos, last.find(L"settings: read only")) << ToUtf8(last);
 }
 
 TEST_F(WindowsMainWindowTest, LongOutputsAreCancelledInTheirOwnWindow) {

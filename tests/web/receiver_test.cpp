@@ -144,6 +144,15 @@ TEST_F(ReceiverTest, ASelfMadeCertificateIsRefusedUnlessAllowed) {
   EXPECT_THAT(Received(), testing::ElementsAre(testing::Pair("a.svg", "secret")));
 }
 
+TEST_F(ReceiverTest, AnExpiredCertificateIsRefusedUnlessAllowed) {
+  const std::string pem = KERNO_TESTS "/data/certificates/expired.pem";
+  Start("--certificate " + pem + " --key " + pem, "localhost");
+  EXPECT_EQ(Upload("a.svg", "secret").end, UploadEnd::kNotSent);
+  Set(u"self_certificate", u"1");
+  const UploadResult sent = Upload("a.svg", "secret");
+  EXPECT_TRUE(sent.ok()) << Utf16ToUtf8(sent.message);
+}
+
 TEST_F(ReceiverTest, ACertificateForAnotherNameIsNeverAccepted) {
   Start(Certificate("other.example.org"), "localhost");
   Set(u"self_certificate", u"1");

@@ -15,9 +15,6 @@ bool IsLead(unsigned char byte) {
 bool IsTrail(unsigned char byte) {
   return byte >= 0x40 && byte <= 0xFC && byte != 0x7F;
 }
-bool IsSurrogate(char16_t unit) {
-  return unit >= 0xD800 && unit < 0xE000;
-}
 
 // Appends the bytes of units without surrogates; true when one of them had no mapping.
 bool AppendEncoded(std::u16string_view text, char default_byte, std::string* bytes) {

@@ -220,10 +220,11 @@ bool HidesDevice(const fs::path& target) {
          FullPath(target).native().starts_with(kDevices);
 }
 
-// Whether the name stands for a device (CON, NUL, LPT1, \\.\...) or a pipe.
-std::unique_ptr<FileReplacement> OpenDevice(const fs::path& target, const fs::path& place) {
-  Handle file(CreateFileW(place.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                          OPEN_EXISTING, 0, nullptr));
+// Opens what the name stands for when it is a device (CON, NUL, LPT1, \\.\...) or a pipe; null when
+// it is neither.
+std::unique_ptr<FileReplacement> OpenDevice(const fs::path& target) {
+  Handle file(CreateFileW(target.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                          nullptr, OPEN_EXISTING, 0, nullptr));
   if (!file.valid()) return nullptr;
   const DWORD kind = GetFileType(file.get());
   if (kind != FILE_TYPE_CHAR && kind != FILE_TYPE_PIPE) return nullptr;
@@ -243,7 +244,7 @@ std::unique_ptr<FileReplacement> FileReplacement::Create(const fs::path& target,
         Status::Error(Failure::kIsFolder, SystemText(target), u"this names a folder, not a file");
     return nullptr;
   }
-  fs::path place = LongPath(target);
+  const fs::path place = LongPath(target);
   const DWORD attributes = GetFileAttributesW(place.c_str());
   if (target.filename().native().size() > kLongestName) {
     *status = PathError(target, u"the name is too long");
@@ -254,7 +255,7 @@ std::unique_ptr<FileReplacement> FileReplacement::Create(const fs::path& target,
     return nullptr;
   }
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-    if (auto device = OpenDevice(target, target)) return device;
+    if (auto device = OpenDevice(target)) return device;
   } else {
     *status = Status::Error(Failure::kIsFolder, SystemText(target), u"it is a folder");
     return nullptr;

@@ -22,9 +22,6 @@ FIXED ToFixed(int32_t number) {
   return fixed;
 }
 
-bool IsSurrogate(char32_t unit) {
-  return unit >= 0xD800 && unit < 0xE000;
-}
 bool IsPairAt(std::u16string_view text, size_t at) {
   return at + 1 < text.size() && (text[at] & 0xFC00) == 0xD800 && (text[at + 1] & 0xFC00) == 0xDC00;
 }

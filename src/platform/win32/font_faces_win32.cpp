@@ -6,6 +6,7 @@
 #include "platform/folder_path.h"
 #include "platform/font_faces.h"
 #include "platform/held_file.h"
+#include "platform/win32/big_endian.h"
 #include "platform/win32/long_path.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/wide_text.h"
@@ -47,15 +48,6 @@ int CALLBACK Find(const LOGFONTW* /*font*/, const TEXTMETRICW* /*metrics*/, DWOR
                   LPARAM found) {
   *reinterpret_cast<bool*>(found) = true;
   return 0;
-}
-
-// Numbers of a font file, the high byte first; 0 beyond its end.
-uint32_t Big(std::string_view bytes, size_t at, size_t size) {
-  uint32_t value = 0;
-  for (size_t i = 0; i < size; ++i) {
-    value = value << 8 | (at + i < bytes.size() ? static_cast<unsigned char>(bytes[at + i]) : 0u);
-  }
-  return value;
 }
 
 // The family names in the naming table ("name") at an offset: records of platform 3 and name 1.

@@ -5,14 +5,13 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <thread>
 #include <utility>
 #include <vector>
 
 #include "platform/http_session.h"
+#include "platform/win32/http_exchange.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/windows_api.h"
@@ -28,9 +27,6 @@ constexpr DWORD kRefused = 10061;          // WSAECONNREFUSED
 constexpr DWORD kHostUnreachable = 10065;  // WSAEHOSTUNREACH
 constexpr DWORD kHostNotFound = 11001;     // WSAHOST_NOT_FOUND
 
-using Time = std::chrono::steady_clock;
-
-constexpr size_t kPiece = 8 * 1024;  // bytes handed to the connection at once
 constexpr std::chrono::milliseconds kWatchStep{50};
 constexpr std::chrono::milliseconds kFarewell{500};  // for a call whose handle was closed
 
@@ -65,105 +61,9 @@ constexpr Ending kEndings[] = {
     {ERROR_HTTP_HEADER_NOT_FOUND, HttpEnd::kNotHttp},
 };
 
-// The words of the internet library for its own errors, else the system's.
 std::string Words(DWORD error) {
-  std::array<wchar_t, 512> buffer{};
-  const DWORD length = FormatMessageW(
-      FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
-      GetModuleHandleW(L"wininet.dll"), error, 0, buffer.data(), static_cast<DWORD>(buffer.size()),
-      nullptr);
-  if (length == 0) return ToUtf8(ToWide(SystemMessage(error)));
-  std::wstring text(buffer.data(), length);
-  while (!text.empty() && (text.back() == L' ' || text.back() == L'.')) text.pop_back();
-  return ToUtf8(text);
+  return ToUtf8(ToWide(SystemMessage(error, L"wininet.dll")));
 }
-
-enum class Phase { kConnecting, kSending, kAnswering, kEnded };
-
-// What the thread that makes the calls shares with the one that watches: the handles of the
-// session, the connection and the request, the bytes to send, and how far things are.
-class Exchange {
- public:
-  struct State {
-    Phase phase = Phase::kConnecting;
-    size_t sent = 0;
-    Time::time_point moved = Time::now();  // the last change
-    Time::time_point all_sent = moved;
-  };
-
-  explicit Exchange(std::string_view body) : body_(body) {}
-  ~Exchange() { Close(); }
-  Exchange(const Exchange&) = delete;
-  Exchange& operator=(const Exchange&) = delete;
-
-  // Keeps a handle just made; false when there is none, or everything is to end.
-  bool Keep(HINTERNET handle) {
-    if (handle == nullptr) return false;
-    const std::lock_guard lock(mutex_);
-    handles_.push_back(handle);
-    if (closed_) SetLastError(ERROR_INTERNET_OPERATION_CANCELLED);
-    return !closed_;
-  }
-  HINTERNET last() {
-    const std::lock_guard lock(mutex_);
-    return handles_.empty() ? nullptr : handles_.back();
-  }
-
-  // The calls that wait on the handles come back with an error; the body is not touched any more.
-  void Close() {
-    std::vector<HINTERNET> handles;
-    {
-      const std::lock_guard lock(mutex_);
-      closed_ = true;
-      handles.swap(handles_);
-    }
-    for (size_t i = handles.size(); i-- > 0;) InternetCloseHandle(handles[i]);
-  }
-
-  // Shows the reply as far as it is known; the watching thread may take it at any moment.
-  void Publish(const HttpReply& reply) {
-    const std::lock_guard lock(mutex_);
-    reply_ = reply;
-    state_.moved = Time::now();
-  }
-  HttpReply TakeReply() {
-    const std::lock_guard lock(mutex_);
-    return std::move(reply_);
-  }
-
-  // Copies the next bytes of the body; none at its end, or when everything is to end.
-  size_t NextPiece(std::array<char, kPiece>* piece) {
-    const std::lock_guard lock(mutex_);
-    return closed_ ? 0 : body_.copy(piece->data(), piece->size(), state_.sent);
-  }
-
-  void Enter(Phase phase) {
-    const std::lock_guard lock(mutex_);
-    state_.phase = phase;
-    state_.moved = state_.all_sent = Time::now();
-    changed_.notify_all();
-  }
-  void Sent(size_t count) {
-    const std::lock_guard lock(mutex_);
-    state_.sent += count;
-    state_.moved = state_.all_sent = Time::now();
-  }
-  // The state after this time, or at the end.
-  State Wait(std::chrono::milliseconds time) {
-    std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, time, [this] { return state_.phase == Phase::kEnded; });
-    return state_;
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  bool closed_ = false;
-  std::vector<HINTERNET> handles_;
-  const std::string_view body_;
-  State state_;
-  HttpReply reply_;
-};
 
 // The calls of one request, from its URL to the end of its answer.
 class Request {
@@ -176,10 +76,10 @@ class Request {
   void Run() {
     if (CrackUrl() && Connect() && Open() && Send()) Receive();
     exchange_.Publish(reply_);
-    exchange_.Enter(Phase::kEnded);
+    exchange_.Enter(HttpPhase::kEnded);
   }
 
-  Exchange& exchange() { return exchange_; }
+  HttpExchange& exchange() { return exchange_; }
   size_t body_size() const { return body_size_; }
 
  private:
@@ -260,12 +160,14 @@ class Request {
     return true;
   }
 
-  // Whoever signed the certificate; it must still be for the host and in its time.
+  // Whoever signed the certificate, and whenever: dates that anybody can write tell nothing. It
+  // must still be for the host.
   void AcceptAnyAuthority() {
     DWORD flags = 0;
     DWORD size = sizeof flags;
     InternetQueryOptionW(request_, INTERNET_OPTION_SECURITY_FLAGS, &flags, &size);
-    flags |= SECURITY_FLAG_IGNORE_UNKNOWN_CA | SECURITY_FLAG_IGNORE_REVOCATION;
+    flags |= SECURITY_FLAG_IGNORE_UNKNOWN_CA | SECURITY_FLAG_IGNORE_CERT_DATE_INVALID |
+             SECURITY_FLAG_IGNORE_REVOCATION;
     InternetSetOptionW(request_, INTERNET_OPTION_SECURITY_FLAGS, &flags, sizeof flags);
   }
 
@@ -276,8 +178,8 @@ class Request {
     if (!HttpSendRequestExW(request_, &buffers, nullptr, 0, 0)) {
       return Fail(HttpEnd::kConnectTimeout);
     }
-    exchange_.Enter(Phase::kSending);
-    std::array<char, kPiece> piece{};
+    exchange_.Enter(HttpPhase::kSending);
+    HttpExchange::Piece piece{};
     while (const size_t length = exchange_.NextPiece(&piece)) {
       DWORD written = 0;
       if (!InternetWriteFile(request_, piece.data(), static_cast<DWORD>(length), &written)) {
@@ -288,7 +190,7 @@ class Request {
       exchange_.Sent(written);
     }
     reply_.body_sent = true;
-    exchange_.Enter(Phase::kAnswering);
+    exchange_.Enter(HttpPhase::kAnswering);
     if (HttpEndRequestW(request_, nullptr, 0, 0) && ReadStatus()) return true;
     Fail(HttpEnd::kStalled);
     // The library names a connection that was closed without a word as it names one that broke, or
@@ -361,7 +263,7 @@ class Request {
 
   HttpPost post_;  // without the body
   size_t body_size_;
-  Exchange exchange_;
+  HttpExchange exchange_;
   HttpReply reply_;
   std::wstring url_;
   std::wstring host_;
@@ -373,18 +275,18 @@ class Request {
 
 // The limit that is passed; kAnswered when none is. The system keeps the limit of a sending that
 // stands still itself, so that an early answer can still be read; the watch is only behind it.
-HttpEnd PassedLimit(const Exchange::State& state, const HttpLimits& limits) {
-  const Time::time_point now = Time::now();
+HttpEnd PassedLimit(const HttpExchange::State& state, const HttpLimits& limits) {
+  const HttpExchange::Time::time_point now = HttpExchange::Time::now();
   const auto still = now - state.moved;
   switch (state.phase) {
-    case Phase::kConnecting:
+    case HttpPhase::kConnecting:
       return still > limits.connect ? HttpEnd::kConnectTimeout : HttpEnd::kAnswered;
-    case Phase::kSending:
+    case HttpPhase::kSending:
       return still > 3 * limits.stall ? HttpEnd::kStalled : HttpEnd::kAnswered;
-    case Phase::kAnswering:
+    case HttpPhase::kAnswering:
       return still > limits.stall || now - state.all_sent > limits.answer ? HttpEnd::kStalled
                                                                           : HttpEnd::kAnswered;
-    case Phase::kEnded:
+    case HttpPhase::kEnded:
       break;
   }
   return HttpEnd::kAnswered;
@@ -395,11 +297,11 @@ class WindowsHttpSession final : public HttpSession {
   HttpReply Post(const HttpPost& post, const HttpProgress& progress) override {
     const auto request = std::make_shared<Request>(post);
     std::thread([request] { request->Run(); }).detach();
-    Exchange& exchange = request->exchange();
+    HttpExchange& exchange = request->exchange();
     const auto total = static_cast<int64_t>(post.body.size());
     HttpEnd ended_by = HttpEnd::kAnswered;
-    Exchange::State state = exchange.Wait(kWatchStep);
-    while (state.phase != Phase::kEnded && ended_by == HttpEnd::kAnswered) {
+    HttpExchange::State state = exchange.Wait(kWatchStep);
+    while (state.phase != HttpPhase::kEnded && ended_by == HttpEnd::kAnswered) {
       const bool stop =
           progress && progress(static_cast<int64_t>(state.sent), total) == Transfer::kStop;
       ended_by = stop ? HttpEnd::kStopped : PassedLimit(state, post.limits);
@@ -413,10 +315,10 @@ class WindowsHttpSession final : public HttpSession {
  private:
   // An answer that began is an answer all the same, unless the caller wants none.
   static HttpReply Ended(HttpEnd by, Request* request) {
-    const Exchange::State state = request->exchange().Wait(kFarewell);
+    const HttpExchange::State state = request->exchange().Wait(kFarewell);
     HttpReply reply = request->exchange().TakeReply();
     reply.body_sent = state.sent == request->body_size();
-    reply.answer_cut = state.phase != Phase::kEnded;
+    reply.answer_cut = state.phase != HttpPhase::kEnded;
     if (by == HttpEnd::kStopped || reply.status == 0) {
       reply.end = by;
       reply.why.clear();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/win32/big_endian.h"
 #include "platform/win32/wide_text.h"
 
 namespace kerno {
@@ -12,17 +13,6 @@ constexpr DWORD kCharacterMapTable = 0x70616D63;  // "cmap"
 constexpr uint32_t kSegmentedCoverage = 12;       // the subtable's format
 constexpr size_t kGroupSize = 12;
 constexpr char32_t kFirstFar = 0x10000;
-
-uint32_t Big(const std::vector<uint8_t>& bytes, size_t at, size_t length) {
-  if (at > bytes.size() || bytes.size() - at < length) return 0;
-  uint32_t value = 0;
-  for (size_t i = 0; i < length; ++i) value = value << 8 | bytes[at + i];
-  return value;
-}
-
-bool IsSurrogate(char32_t ch) {
-  return ch >= 0xD800 && ch < 0xE000;
-}
 
 }  // namespace
 
@@ -68,7 +58,7 @@ LogFont FromSystem(const LOGFONTW& description) {
 void CharacterMap::Load(HDC dc) {
   const DWORD size = GetFontData(dc, kCharacterMapTable, 0, nullptr, 0);
   if (size == GDI_ERROR || size == 0) return;
-  std::vector<uint8_t> table(size);
+  std::string table(size, '\0');
   if (GetFontData(dc, kCharacterMapTable, 0, table.data(), size) != size) return;
   const uint32_t subtables = Big(table, 2, 2);
   for (uint32_t i = 0; i < subtables; ++i) {

@@ -13,8 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr uint32_t kProgramFilesX86 = 0x2A;  // CSIDL_PROGRAM_FILESX86
-
 // An argument as programs of this system take it apart again: quotes round it where it needs them,
 // quotes within it escaped, and the backslashes before a quote doubled.
 void AppendArgument(std::wstring* line, const std::wstring& argument) {

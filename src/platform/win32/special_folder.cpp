@@ -1,5 +1,7 @@
 #include "platform/win32/special_folder.h"
 
+#include <shlobj.h>
+
 #include <array>
 
 #include "platform/win32/long_path.h"

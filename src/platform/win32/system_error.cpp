@@ -47,11 +47,14 @@ std::u16string SystemText(const std::filesystem::path& path) {
   return FromWide(path.native());
 }
 
-std::u16string SystemMessage(uint32_t error) {
+std::u16string SystemMessage(uint32_t error, const wchar_t* library) {
   std::array<wchar_t, 512> buffer{};
-  const DWORD length = FormatMessageW(
-      FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
-      nullptr, error, 0, buffer.data(), static_cast<DWORD>(buffer.size()), nullptr);
+  DWORD where = FORMAT_MESSAGE_FROM_SYSTEM;
+  if (library != nullptr) where |= static_cast<DWORD>(FORMAT_MESSAGE_FROM_HMODULE);
+  const DWORD length =
+      FormatMessageW(where | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
+                     library != nullptr ? GetModuleHandleW(library) : nullptr, error, 0,
+                     buffer.data(), static_cast<DWORD>(buffer.size()), nullptr);
   std::u16string text(buffer.data(), buffer.data() + length);
   while (!text.empty() && (text.back() == u' ' || text.back() == u'.')) text.pop_back();
   if (!text.empty()) return text;

@@ -16,7 +16,8 @@ std::u16string SystemText(const std::filesystem::path& path);
 // `what`.
 Status SystemError(const std::filesystem::path& what, uint32_t error);
 
-// The system's own words for an error number, without a line end.
-std::u16string SystemMessage(uint32_t error);
+// The words for an error number, without a line end: of a library of the system that is loaded,
+// when it has some for its own errors, else the system's.
+std::u16string SystemMessage(uint32_t error, const wchar_t* library = nullptr);
 
 }  // namespace kerno

@@ -20,7 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const wchar_t* kProgramFolder = L"kerno";
-constexpr uint32_t kProgramFilesX86 = 0x2A;  // CSIDL_PROGRAM_FILESX86
 
 // Calls `fill`(buffer, capacity) with a growing buffer until the text fits; a result of 0 is a
 // failure and gives an empty text.
@@ -191,8 +190,8 @@ class WindowsSystem final : public System {
 // all that is in it.
 Status TakeOverFolder(const fs::path& folder, const CurrentUser& user,
                       PSECURITY_DESCRIPTOR wanted) {
-  const Status foreign = Status::Error(Failure::kAccessDenied, SystemText(folder),
-                                       u"it is not a folder of this user's own");
+  Status foreign = Status::Error(Failure::kAccessDenied, SystemText(folder),
+                                 u"it is not a folder of this user's own");
   std::wstring name = LongPath(folder).native();
   const DWORD attributes = GetFileAttributesW(name.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) return SystemError(folder, GetLastError());

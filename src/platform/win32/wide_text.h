@@ -7,6 +7,11 @@
 
 namespace kerno {
 
+// Whether a unit is the half of a pair that stands for one character.
+constexpr bool IsSurrogate(char32_t unit) {
+  return unit >= 0xD800 && unit < 0xE000;
+}
+
 std::wstring ToWide(std::u16string_view text);
 std::u16string FromWide(std::wstring_view text);
 

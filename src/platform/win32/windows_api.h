@@ -5,7 +5,6 @@
 // clang-format off
 #include <windows.h>
 #include <shellapi.h>
-#include <shlobj.h>
 #include <wininet.h>
 #include <objbase.h>
 // clang-format on

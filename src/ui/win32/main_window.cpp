@@ -31,8 +31,7 @@ ACCEL ParseShortcut(std::u16string_view shortcut, int command) {
     shortcut.remove_prefix(prefix.size());
     return true;
   };
-  for (bool more = true; more;) {
-    more = true;
+  for (;;) {
     if (take(u"Ctrl+")) {
       accelerator.fVirt |= FCONTROL;
     } else if (take(u"Alt+")) {
@@ -40,7 +39,7 @@ ACCEL ParseShortcut(std::u16string_view shortcut, int command) {
     } else if (take(u"Shift+")) {
       accelerator.fVirt |= FSHIFT;
     } else {
-      more = false;
+      break;
     }
   }
   if (shortcut.size() == 1) {

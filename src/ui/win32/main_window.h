@@ -123,8 +123,9 @@ class MainWindow final : private DialogView {
   bool picture_is_stale_ = true;
   bool shows_ = false;  // what comes from the controls meanwhile is an echo
   bool closing_ = false;
-  bool alt_was_used_ = false;  // with another key, since it went down
-  bool ready_ = false;         // the controls are there
+  bool shows_message_ = false;  // a message box stands
+  bool alt_was_used_ = false;   // with another key, since it went down
+  bool ready_ = false;          // the controls are there
   std::u16string shown_face_;
   Color shown_color_ = 0;
   StatusKind status_kind_ = StatusKind::kNormal;

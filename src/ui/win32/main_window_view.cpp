@@ -1,6 +1,6 @@
 // What the main window shows when it is told.
 
-#include <array>
+#include <utility>
 
 #include "app/controls.h"
 #include "app/raised.h"
@@ -142,16 +142,19 @@ void MainWindow::ShowMessage(std::u16string_view text) {
   messages_.push_back(ToWide(text));
   if (closing_) {
     ShowWaitingMessages();
-  } else if (messages_.size() == 1) {
+  } else if (messages_.size() == 1 && !shows_message_) {
     PostMessageW(window_, kShowMessages, 0, 0);
   }
 }
 
+// The system can close the window while a box stands, and then this runs within itself: what is
+// shown waits no longer.
 void MainWindow::ShowWaitingMessages() {
+  const Raised raised(shows_message_);
   while (!messages_.empty()) {
-    const std::wstring text = messages_.front();
-    MessageBoxW(window_, text.c_str(), L"Kerno", MB_OK | MB_ICONWARNING);
+    const std::wstring text = std::move(messages_.front());
     messages_.erase(messages_.begin());
+    MessageBoxW(window_, text.c_str(), L"Kerno", MB_OK | MB_ICONWARNING);
   }
 }
 

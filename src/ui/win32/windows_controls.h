@@ -7,6 +7,7 @@
 #include <commctrl.h>
 #include <imm.h>
 #include <richedit.h>
+#include <shlobj.h>
 #include <shobjidl.h>
 #include <windowsx.h>
 // clang-format on

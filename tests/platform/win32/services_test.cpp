@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <initguid.h>
 #include <knownfolders.h>
+#include <shlobj.h>
 
 #include <array>
 #include <string>
