@@ -70,9 +70,10 @@ test-windows: setup setup-windows
 	@cmake --build build/windows-test -j $(JOBS)
 	@KERNO_WINDOWS_PROGRAMS="build/windows-test/src/cli/kerno.exe build/windows-test/src/ui/win32/kerno-desktop.exe" \
 	  build/test/tests/base/base_tests --gtest_brief=1 --gtest_filter='VersionReader*'
-	@KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix $(PYTHON) tools/check_agreement.py build/test/src/cli/kerno build/windows-test/src/cli/kerno.exe
-	@cd build/windows-test && KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix ctest --output-on-failure --timeout 600
-	@WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix wineserver -k || true
+	@export KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix; \
+	  trap 'WINEPREFIX=$$KERNO_WINEPREFIX wineserver -k' EXIT; \
+	  $(PYTHON) tools/check_agreement.py build/test/src/cli/kerno build/windows-test/src/cli/kerno.exe && \
+	  cd build/windows-test && ctest --output-on-failure --timeout 600
 
 windows-zip: windows
 	@sh tools/make_windows_zip.sh build/windows build/windows/kerno-windows.zip

@@ -11,6 +11,7 @@
 namespace kerno {
 namespace {
 
+constexpr std::u16string_view kGap = u"  ·  ";
 constexpr size_t kNamedCharacters =
     5;  // characters without a glyph that are named; the rest is counted
 
@@ -54,15 +55,19 @@ void AppendNameOf(char32_t ch, std::u16string* out) {
   *out += Utf8ToUtf16Lossy(code);
 }
 
-void AppendMissing(std::u16string* out, const std::vector<char32_t>& missing) {
-  *out += u"no glyph for";
-  for (size_t i = 0; i < missing.size() && i < kNamedCharacters; ++i) {
+// What the drawing lacks of some characters, with a gap before it; nothing when there are none.
+void AppendLost(std::u16string* out, std::u16string_view what,
+                const std::vector<char32_t>& characters) {
+  if (characters.empty()) return;
+  *out += kGap;
+  *out += what;
+  for (size_t i = 0; i < characters.size() && i < kNamedCharacters; ++i) {
     *out += u' ';
-    AppendNameOf(missing[i], out);
+    AppendNameOf(characters[i], out);
   }
-  if (missing.size() > kNamedCharacters) {
+  if (characters.size() > kNamedCharacters) {
     *out += u" and ";
-    AppendCount(out, missing.size() - kNamedCharacters, u"other", u"others");
+    AppendCount(out, characters.size() - kNamedCharacters, u"other", u"others");
   }
 }
 
@@ -74,7 +79,6 @@ bool IsSubstitute(const SetText& set, std::u16string_view wanted_face) {
 
 std::u16string DescribeText(const SetText& set, std::u16string_view wanted_face,
                             const Extent3& box) {
-  constexpr std::u16string_view kGap = u"  ·  ";
   std::u16string text;
   AppendCount(&text, set.characters, u"character", u"characters");
   text += kGap;
@@ -90,10 +94,8 @@ std::u16string DescribeText(const SetText& set, std::u16string_view wanted_face,
     text += wanted_face;
     text += u", which is not installed";
   }
-  if (!set.missing.empty()) {
-    text += kGap;
-    AppendMissing(&text, set.missing);
-  }
+  AppendLost(&text, u"no glyph for", set.missing);
+  AppendLost(&text, u"no outline of this size for", set.notes.refused);
   if (set.ended_by_nul) text += u"  ·  the text ends at a NUL character";
   return text;
 }
@@ -109,7 +111,8 @@ std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, cons
 }
 
 bool HasWarning(const SetText& set, std::u16string_view wanted_face) {
-  return !set.missing.empty() || set.ended_by_nul || IsSubstitute(set, wanted_face);
+  return !set.missing.empty() || !set.notes.refused.empty() || set.ended_by_nul ||
+         IsSubstitute(set, wanted_face);
 }
 
 Color StatusInk(StatusKind kind, Color normal, Color paper) {

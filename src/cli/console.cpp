@@ -1,5 +1,6 @@
 #include "cli/console.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -97,7 +98,7 @@ void ConsoleNotices::ShowWait(std::u16string_view text) {
 Continue ConsoleNotices::Progress(std::u16string_view text, int64_t done, int64_t total) {
   if (!terminal_ || warnings_silenced || total <= 0) return Continue::kYes;
   constexpr int kBarLength = 40;
-  const int percent = static_cast<int>(done * 100 / total);
+  const int percent = static_cast<int>(std::min(done, total) * 100 / total);
   if (percent == shown_percent_) return Continue::kYes;
   shown_percent_ = percent;
   const auto filled = static_cast<size_t>(percent * kBarLength / 100);

@@ -1,6 +1,7 @@
 #include "outline/glyph_cache.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "outline/glyph_outline.h"
 #include "outline/turn.h"
@@ -62,10 +63,13 @@ void GlyphCache::Stand(CachedGlyph* glyph) const {
 }
 
 CachedGlyph GlyphCache::Make(DeviceContext& dc, char32_t ch) const {
+  constexpr uint32_t kUntouched = std::numeric_limits<uint32_t>::max();
   CachedGlyph glyph;
-  const uint32_t contours = GetGlyphContours(dc, ch, &glyph.metrics, &glyph.contours);
-  // A refused character leaves its metrics as they were: all zero, which no glyph has.
-  glyph.refused = contours == 0 && glyph.metrics.gmBlackBoxX == 0;
+  // A refused character leaves its metrics as they were.
+  glyph.metrics.gmBlackBoxX = kUntouched;
+  GetGlyphContours(dc, ch, &glyph.metrics, &glyph.contours);
+  glyph.refused = glyph.metrics.gmBlackBoxX == kUntouched;
+  if (glyph.refused) glyph.metrics = {};
   if (stance_.angle != 0) Stand(&glyph);
   if (!glyph.contours.points.empty()) glyph.ink_min = glyph.ink_max = glyph.contours.points[0];
   for (const P2& p : glyph.contours.points) {

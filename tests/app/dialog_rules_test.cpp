@@ -48,6 +48,10 @@ TEST(DialogRules, CharactersWithoutAGlyphAreNamedVisibly) {
   const std::u16string status = DescribeText(set, u"", {});
   EXPECT_TRUE(status.ends_with(u"no glyph for U+000B U+202E あ U+3000 U+D800"))
       << Utf16ToUtf8(status);
+  set = {};
+  set.notes.refused = {u'W'};
+  EXPECT_TRUE(DescribeText(set, u"", {}).ends_with(u"no outline of this size for W"));
+  EXPECT_TRUE(HasWarning(set, u""));
 }
 
 TEST(DialogRules, TheWindowStaysInSight) {

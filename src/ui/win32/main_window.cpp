@@ -72,7 +72,10 @@ MainWindow::~MainWindow() {
 }
 
 int MainWindow::Run(int show, const std::vector<std::filesystem::path>& files) {
-  if (window_ == nullptr) return 1;
+  if (window_ == nullptr) {
+    MessageBoxW(nullptr, L"The window cannot be created.", L"Kerno", MB_OK | MB_ICONERROR);
+    return 1;
+  }
   ShowWindow(window_, show);
   SetFocus(text_->control());
   PostMessageW(window_, kFillFaces, 0, 0);
