@@ -1,8 +1,6 @@
 #include "app/status_text.h"
 
 #include <cmath>
-#include <cstdio>
-#include <utility>
 
 #include "app/face_choice.h"
 #include "base/number_text.h"
@@ -35,26 +33,6 @@ void AppendSize(std::u16string* out, const Extent3& box) {
   *out += Length(box.max.x - box.min.x) + u" × " + Length(box.max.y - box.min.y) + u" units";
 }
 
-// Whether a character would show nothing in a line of text, or turn the direction of what follows.
-bool IsUnseen(char32_t ch) {
-  static constexpr std::pair<char32_t, char32_t> kRanges[] = {
-      {0, 0x20},        {0x7F, 0xA0},     {0xAD, 0xAD},       {0x61C, 0x61C},   {0x2000, 0x200F},
-      {0x2028, 0x202F}, {0x205F, 0x206F}, {0x3000, 0x3000},   {0xD800, 0xDFFF}, {0xFE00, 0xFE0F},
-      {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xE0000, 0xE0FFF},
-  };
-  for (const auto& [first, last] : kRanges) {
-    if (ch >= first && ch <= last) return true;
-  }
-  return false;
-}
-
-void AppendNameOf(char32_t ch, std::u16string* out) {
-  if (!IsUnseen(ch)) return AppendCharacter(out, ch);
-  char code[16];
-  std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(ch));
-  *out += Utf8ToUtf16Lossy(code);
-}
-
 // What the drawing lacks of some characters, with a gap before it; nothing when there are none.
 void AppendLost(std::u16string* out, std::u16string_view what,
                 const std::vector<char32_t>& characters) {
@@ -63,7 +41,11 @@ void AppendLost(std::u16string* out, std::u16string_view what,
   *out += what;
   for (size_t i = 0; i < characters.size() && i < kNamedCharacters; ++i) {
     *out += u' ';
-    AppendNameOf(characters[i], out);
+    if (IsUnseen(characters[i])) {
+      *out += Utf8ToUtf16Lossy(CodeOf(characters[i]));
+    } else {
+      AppendCharacter(out, characters[i]);
+    }
   }
   if (characters.size() > kNamedCharacters) {
     *out += u" and ";

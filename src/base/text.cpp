@@ -1,5 +1,8 @@
 #include "base/text.h"
 
+#include <cstdio>
+#include <utility>
+
 #include "platform/code_page.h"
 #include "platform/folder_path.h"
 
@@ -118,6 +121,24 @@ void AppendCharacter(std::u16string* text, char32_t character) {
   const char32_t rest = character - 0x10000;
   text->push_back(static_cast<char16_t>(0xD800 + (rest >> 10)));
   text->push_back(static_cast<char16_t>(0xDC00 + (rest & 0x3FF)));
+}
+
+bool IsUnseen(char32_t character) {
+  static constexpr std::pair<char32_t, char32_t> kRanges[] = {
+      {0, 0x20},        {0x7F, 0xA0},     {0xAD, 0xAD},       {0x61C, 0x61C},   {0x2000, 0x200F},
+      {0x2028, 0x202F}, {0x205F, 0x206F}, {0x3000, 0x3000},   {0xD800, 0xDFFF}, {0xFE00, 0xFE0F},
+      {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xE0000, 0xE0FFF},
+  };
+  for (const auto& [first, last] : kRanges) {
+    if (character >= first && character <= last) return true;
+  }
+  return false;
+}
+
+std::string CodeOf(char32_t character) {
+  char code[16];
+  std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(character));
+  return code;
 }
 
 std::string ToShiftJis(std::u16string_view text) {

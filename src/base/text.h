@@ -28,6 +28,11 @@ std::filesystem::path TextPath(std::u16string_view text);
 char32_t NextCharacter(std::u16string_view text, size_t* position);
 void AppendCharacter(std::u16string* text, char32_t character);
 
+// Whether a character would show nothing in a line of text, or turn the direction of what follows.
+bool IsUnseen(char32_t character);
+// "U+" and at least four digits.
+std::string CodeOf(char32_t character);
+
 // Bytes in code page 932, best-fit mappings included; "_" for each unit without mapping.
 std::string ToShiftJis(std::u16string_view text);
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 
 #include "app/face_choice.h"
 #include "app/text_source.h"
@@ -27,12 +28,10 @@ bool ReadStandardInput(std::string* bytes) {
 }
 
 std::string CharacterName(char32_t ch) {
+  if (IsUnseen(ch)) return CodeOf(ch);
   std::u16string text;
   AppendCharacter(&text, ch);
-  char code[16];
-  std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(ch));
-  const bool shown = ch >= 0x20 && ch != 0x7F && !(ch >= 0xD800 && ch < 0xE000);
-  return shown ? Utf16ToUtf8(text) + " (" + code + ")" : code;
+  return Utf16ToUtf8(text) + " (" + CodeOf(ch) + ")";
 }
 
 std::string CharacterNames(const std::vector<char32_t>& characters) {
@@ -128,6 +127,12 @@ bool TextOptions::ReadNumbers(TextRequest* request) {
   if (!scale) return false;
   if (*scale == 0) {
     ReportError("--scale", "0 leaves no geometry");
+    return false;
+  }
+  // There numbers lie further apart than the steps of an outline, 1/64 unit.
+  constexpr double kLargestPlace = 1.0 / 64 / std::numeric_limits<double>::epsilon();
+  if (std::max(std::fabs(at->x), std::fabs(at->y)) > kLargestPlace * std::fabs(*scale)) {
+    ReportError("--at", "so far away the drawing loses its shape");
     return false;
   }
   if (!Choose<VerticalPitch>("--pitch", pitch_,

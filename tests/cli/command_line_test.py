@@ -82,6 +82,7 @@ class CommandLineTest(programs.FolderTest):
             ([*convert, "--scale", "1e308", "-o", out], 2, "--scale and --at: take the drawing out"),
             (["measure", "A", *SANS, "--scale", "-1e308"], 2, "--scale and --at"),
             (["contours", "A", *SANS, "--scale", "1e308"], 2, "--scale and --at"),
+            ([*convert, "--at", "0,-1e15", "-o", out], 2, "--at: so far away the drawing loses"),
             ([*convert, "--scale", "nan", "-o", out], 2, "--scale"),
             ([*convert, "--scale", "0", "-o", out], 2, "--scale"),
             ([*convert, "--slant", "1,5", "-o", out], 2, "--slant"),

@@ -131,7 +131,8 @@ Status ListFolder(const fs::path& folder, const std::function<void(const fs::pat
 Status RemoveFile(const fs::path& file) {
   if (DeleteFileW(LongPath(file).c_str())) return Status::Ok();
   const DWORD error = GetLastError();
-  return error == ERROR_FILE_NOT_FOUND ? Status::Ok() : SystemError(file, error);
+  const bool gone = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+  return gone ? Status::Ok() : SystemError(file, error);
 }
 
 std::string PathBytes(const fs::path& path) {
