@@ -16,12 +16,10 @@ import os
 import pathlib
 import re
 import struct
-import subprocess
 import sys
 import tempfile
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent
-WINE = str(ROOT / "tools" / "run_windows.sh")
+import windows_run
 
 LATIN = "Kerno 2026: Sphinx of black quartz, judge my vow & pack 8 boxes"
 ACCENTS = "ÀÉÎÕÜßçñøŒž €¥±½ “quotes” – — …"
@@ -88,7 +86,7 @@ def arguments(case):
 
 
 def run(command):
-    done = subprocess.run(command, capture_output=True, check=False)
+    done = windows_run.run(command)
     return done.returncode, done.stdout, done.stderr.decode("utf-8", "replace")
 
 
@@ -224,7 +222,7 @@ def main():
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--verbose", action="store_true", help="name the cases that agree, too")
     options = parser.parse_args()
-    programs = [[os.path.abspath(options.kerno)], [WINE, os.path.abspath(options.kerno_exe)]]
+    programs = [windows_run.command(os.path.abspath(program)) for program in (options.kerno, options.kerno_exe)]
     formats = [f for f in options.formats.split(",") if f]
     cases = CASES + VERTICAL
     run(programs[1] + ["--version"])  # makes the prefix, once

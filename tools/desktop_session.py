@@ -9,6 +9,8 @@ import subprocess
 import tempfile
 import time
 
+import windows_run
+
 
 class DesktopSession:
     """Use in a "with" statement; the program ends with it."""
@@ -165,8 +167,7 @@ class WindowsSession(DesktopSession):
         return super().__enter__()
 
     def command(self, program, arguments):
-        return ["sh", str(pathlib.Path(__file__).with_name("run_windows.sh")), str(program),
-                *arguments]
+        return [windows_run.RUNNER, str(program), *arguments]
 
     def output_folder(self):
         users = self.prefix / "drive_c" / "users"

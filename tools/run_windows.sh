@@ -12,7 +12,7 @@ done
   { echo "run_windows: Wine is not installed (tools/setup.sh windows)" >&2; exit 1; }
 
 WINEPREFIX=${KERNO_WINEPREFIX:-$root/build/windows/wineprefix}
-WINEDEBUG=-all
+WINEDEBUG=-all,err+virtual,err+module,err+process,err+server,err+seh
 WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe="
 export WINEPREFIX WINEDEBUG WINEDLLOVERRIDES
 
@@ -33,6 +33,12 @@ server=$(dirname "$wine")/wineserver64
 [ -x "$server" ] || server=$(dirname "$wine")/wineserver
 [ -x "$server" ] || server=$(command -v wineserver || echo :)
 
+# Wine's heap starts at a random place above the loader. Now and then (more often, the larger the
+# heap) it lies over 0x7ffe0000, where Windows programs expect the system's shared data, and Wine
+# ends with 1 before the program starts. Without random places the heap lies well below.
+fixed="setarch $(uname -m) -R"
+$fixed true >/dev/null 2>&1 || fixed=""  # some containers forbid it
+
 # Starting the server costs a second: it stays for a while, so that the next program finds it. The
 # while is longer than any pause of the tests, for who connects to a server that is about to end is
 # turned away. Wine's own processes start here, away from our output: whoever reads that would wait
@@ -42,7 +48,7 @@ runs() {
 }
 start() {
   "$server" -p600 >/dev/null 2>&1 9>&- || true  # an old one may still be ending
-  "$wine" cmd /c exit </dev/null >"$WINEPREFIX.log" 2>&1 9>&-
+  $fixed "$wine" cmd /c exit </dev/null >"$WINEPREFIX.log" 2>&1 9>&-
 }
 if ! runs; then
   mkdir -p "$WINEPREFIX"
@@ -63,4 +69,4 @@ if ! runs; then
   fi
   exec 9>&-
 fi
-exec "$wine" "$@"
+exec $fixed "$wine" "$@"

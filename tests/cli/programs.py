@@ -2,11 +2,12 @@
 import os
 import pathlib
 import shutil
-import subprocess
+import sys
 import tempfile
 import unittest
 
-RUNNER = pathlib.Path(__file__).resolve().parents[2] / "tools" / "run_windows.sh"
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
+import windows_run  # noqa: E402
 
 
 def is_windows(program):
@@ -14,13 +15,12 @@ def is_windows(program):
 
 
 def command(program):
-    program = os.path.abspath(program)
-    return [str(RUNNER), program] if is_windows(program) else [program]
+    return windows_run.command(os.path.abspath(program))
 
 
 def run(words, **more):
     """The exit status, standard output and standard error of a command."""
-    done = subprocess.run(words, capture_output=True, timeout=300, check=False, **more)
+    done = windows_run.run(words, timeout=300, **more)
     return done.returncode, done.stdout.decode("utf-8"), done.stderr.decode("utf-8", "replace")
 
 

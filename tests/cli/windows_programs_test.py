@@ -108,9 +108,8 @@ class WindowsProgramsTest(programs.FolderTest):
         threading.Thread(target=server.serve_forever, daemon=True).start()
         self.addCleanup(server.shutdown)
         # The settings lie on the drive of the current folder, here the prefix's own.
-        drive = subprocess.run([str(programs.RUNNER), "winepath", "-u", "C:\\"], capture_output=True,
-                               check=True)
-        drive = pathlib.Path(drive.stdout.decode().strip())
+        drive = programs.run([programs.windows_run.RUNNER, "winepath", "-u", "C:\\"])[1]
+        drive = pathlib.Path(drive.strip())
         ini = drive / "Temp" / "Quenkit" / "_Setting" / "UpFile.ini"
         self.addCleanup(shutil.rmtree, drive / "Temp" / "Quenkit", ignore_errors=True)
         ini.parent.mkdir(parents=True, exist_ok=True)
