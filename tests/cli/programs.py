@@ -18,6 +18,10 @@ def command(program):
     return windows_run.command(os.path.abspath(program))
 
 
+def windows_name(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
 def run(words, **more):
     """The exit status, standard output and standard error of a command."""
     done = windows_run.run(words, timeout=300, **more)

@@ -4,25 +4,42 @@
 usage: web_commands_test.py KERNO RECEIVER
 """
 import os
+import pathlib
+import shutil
 import subprocess
 import sys
 import unittest
 
 import programs
 
-KERNO = RECEIVER = ""
+KERNO = []
+RECEIVER = ""
+ON_WINDOWS = False
 
 
 class WebCommandsTest(programs.FolderTest):
     def setUp(self):
         super().setUp()
+        self.here = None
         self.ini = self.folder / "config" / "kerno" / "UpFile.ini"
+        self.shown_ini = str(self.ini)
+        if ON_WINDOWS:  # the settings lie on the drive of the current folder, here the prefix's own
+            drive = programs.run([programs.windows_run.RUNNER, "winepath", "-u", "C:\\"])[1]
+            self.here = pathlib.Path(drive.strip())
+            self.addCleanup(shutil.rmtree, self.here / "Temp" / "Quenkit", ignore_errors=True)
+            self.ini = self.here / "Temp" / "Quenkit" / "_Setting" / "UpFile.ini"
+            self.shown_ini = "C:\\Temp\\Quenkit\\_Setting\\UpFile.ini"
         self.env = {**os.environ, "XDG_CONFIG_HOME": str(self.folder / "config"),
                     "XDG_CACHE_HOME": str(self.folder / "cache"), "TMPDIR": str(self.folder),
                     "no_proxy": "*"}
 
     def run_kerno(self, *arguments, **env):
-        return programs.run([KERNO, *arguments], env={**self.env, **env})
+        arguments = [self.there(a) if isinstance(a, pathlib.Path) else a for a in arguments]
+        return programs.run([*KERNO, *arguments], env={**self.env, **env}, cwd=self.here)
+
+    def there(self, path):
+        """What the program calls a path."""
+        return programs.windows_name(path) if ON_WINDOWS else str(path)
 
     def start_receiver(self):
         receiver = subprocess.Popen(
@@ -48,14 +65,16 @@ class WebCommandsTest(programs.FolderTest):
                 self.configure(text)
             status, out, err = self.run_kerno("upload", drawing, drawing)
             self.assertEqual((status, out), (1, ""))
-            self.assertIn(f"{self.ini}: ", err)
+            self.assertIn(f"{self.shown_ini}: ", err)
             self.assertIn("[UpFile]", err)
             self.assertIn('"server"', err)
             self.assertEqual(err.count("\n"), 1)
 
     def test_files_are_sent_and_failures_told(self):
         address = self.start_receiver()
-        first, second = self.folder / "永遠.svg", self.folder / "b.dxf"
+        long = self.folder / "/".join(["d" * 100] * 4)
+        long.mkdir(parents=True)
+        first, second = long / "永遠.svg", self.folder / "b.dxf"
         first.write_bytes(b"<svg/>")
         second.write_bytes(bytes(range(256)) * 100)
         for encoding in ("ascii", "utf-16"):  # with a mark
@@ -64,6 +83,7 @@ class WebCommandsTest(programs.FolderTest):
             self.assertEqual((status, err), (0, ""))
             self.assertRegex(out, r"^\S+永遠\.svg to http://.*: sent: HTTP/1\.1 200 OK: OK 永遠.*\.svg 6\n")
         self.assertEqual((self.folder / "received" / "b.dxf").read_bytes(), second.read_bytes())
+        self.assertIn(f"{self.shown_ini}, section [UpFile]", self.run_kerno("upload", "--help")[1])
 
         status, out, err = self.run_kerno("upload", self.folder / "none.svg", second)
         self.assertEqual(status, 1)
@@ -81,10 +101,16 @@ class WebCommandsTest(programs.FolderTest):
             (self.folder / name).write_bytes(b"x")
         status, out, err = self.run_kerno("page", self.folder)
         self.assertEqual((status, err), (0, ""))
-        self.assertEqual(out.split(), [str(self.folder / "Face_72_one.html"),
-                                       str(self.folder / "Face_72_two.html")])
+        self.assertEqual(out.split(), [self.there(self.folder / "Face_72_one.html"),
+                                       self.there(self.folder / "Face_72_two.html")])
         self.assertIn("<title>one – Face, height 72</title>",
                       (self.folder / "Face_72_one.html").read_text(encoding="utf-8"))
+        for folder in (self.folder / "図面 ñ", self.folder / "/".join(["d" * 100] * 4)):
+            folder.mkdir(parents=True)
+            (folder / "永.svg").write_text("<svg/>")
+            self.assertEqual(self.run_kerno("page", folder),
+                             (0, self.there(folder / "永.html") + "\n", ""))
+            self.assertIn("%E6%B0%B8.svg", (folder / "永.html").read_text("utf-8"))
         empty = self.folder / "empty"
         empty.mkdir()
         for folder, why in ((empty, "no outputs"), (self.folder / "nowhere", "nowhere: ")):
@@ -93,6 +119,8 @@ class WebCommandsTest(programs.FolderTest):
             self.assertIn(why, err)
 
     def test_other_commands_do_not_load_the_transfer_library(self):
+        if ON_WINDOWS:
+            self.skipTest("it is the system's own there")
         for arguments in (["--version"], ["page", self.folder]):
             self.assertNotIn("libcurl", self.run_kerno(*arguments, LD_DEBUG="libs")[2])
         self.configure("[UpFile]\nserver=127.0.0.1:9\nopen_http=http\n")
@@ -101,5 +129,6 @@ class WebCommandsTest(programs.FolderTest):
 
 
 if __name__ == "__main__":
-    KERNO, RECEIVER = sys.argv[1:3]
+    ON_WINDOWS = programs.is_windows(sys.argv[1])
+    KERNO, RECEIVER = programs.command(sys.argv[1]), sys.argv[2]
     unittest.main(argv=sys.argv[:1] + sys.argv[3:])

@@ -4,14 +4,12 @@ resources, which other readers see, too.
 
 usage: windows_programs_test.py KERNO_EXE KERNO_DESKTOP_EXE
 """
-import http.server
 import os
 import pathlib
 import re
 import shutil
 import subprocess
 import sys
-import threading
 import unittest
 
 import programs
@@ -55,7 +53,7 @@ class WindowsProgramsTest(programs.FolderTest):
         self.assertIn("kerno-desktop: cannot be started", error)
 
     def there(self, name):
-        return "Z:" + str(self.folder / name).replace("/", "\\")
+        return programs.windows_name(self.folder / name)
 
     def test_paths_of_every_form(self):
         deep = "/".join(["d" * 100] * 4)
@@ -90,41 +88,6 @@ class WindowsProgramsTest(programs.FolderTest):
             self.assertTrue(err.startswith(f"kerno: {argument}: {message}"), err)
             self.assertEqual(1, err.count("\n"), err)
         self.assertEqual(before, sorted(self.folder.rglob("*")))
-
-    def test_pages_and_uploads_of_names_of_every_form(self):
-        received = []
-
-        class Receiver(http.server.BaseHTTPRequestHandler):
-            def do_POST(self):
-                received.append(self.rfile.read(int(self.headers["Content-Length"])).decode())
-                self.send_response(200)
-                self.end_headers()
-
-            def log_message(self, *_):
-                pass
-
-        server = http.server.HTTPServer(("127.0.0.1", 0), Receiver)
-        self.addCleanup(server.server_close)
-        threading.Thread(target=server.serve_forever, daemon=True).start()
-        self.addCleanup(server.shutdown)
-        # The settings lie on the drive of the current folder, here the prefix's own.
-        drive = programs.run([programs.windows_run.RUNNER, "winepath", "-u", "C:\\"])[1]
-        drive = pathlib.Path(drive.strip())
-        ini = drive / "Temp" / "Quenkit" / "_Setting" / "UpFile.ini"
-        self.addCleanup(shutil.rmtree, drive / "Temp" / "Quenkit", ignore_errors=True)
-        ini.parent.mkdir(parents=True, exist_ok=True)
-        ini.write_text(f"[UpFile]\nserver=127.0.0.1:{server.server_port}\nopen_http=http\n")
-        self.assertIn("C:\\Temp\\Quenkit\\_Setting\\UpFile.ini, section [UpFile]",
-                      self.run_kerno("upload", "--help", cwd=drive)[1])
-        for folder in ("図面 ñ", "/".join(["d" * 100] * 4)):
-            (self.folder / folder).mkdir(parents=True)
-            (self.folder / folder / "永.svg").write_text("<svg/>")
-            path = self.there(folder)
-            self.assertEqual((0, path + "\\永.html\n", ""), self.run_kerno("page", path))
-            self.assertIn("%E6%B0%B8.svg", (self.folder / folder / "永.html").read_text("utf-8"))
-            status, _, err = self.run_kerno("upload", path + "\\永.svg", cwd=drive)
-            self.assertEqual((0, ""), (status, err))
-            self.assertIn('filename="永.svg"\r\n', received[-1])
 
     def test_settings_beside_the_program(self):
         settings = self.folder / "Quenkit_Setting"
