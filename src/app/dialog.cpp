@@ -98,11 +98,18 @@ void Dialog::FillFaces() {
   view_.ShowControlText(ControlId::kFace, memory_.face);
 }
 
-void Dialog::Close() {
+bool Dialog::Close() {
+  const bool last = told_unsaved_;
+  if (last) ReplaceNotices(nullptr);  // no word can be read any more
   if (const auto place = view_.WindowPlace()) memory_.window = *place;
   const Status saved = services_.Save(memory_);
+  const bool text_saved = services_.SaveText(text_).ok();  // tells its failure itself
+  if (last || (saved.ok() && text_saved)) return true;
+  told_unsaved_ = true;
   if (!saved.ok()) view_.ShowMessage(saved.what + u": " + saved.why);
-  (void)services_.SaveText(text_);  // tells its failure itself
+  ShowStatus(u"Not saved. The window stays open; close it once more to leave all the same.",
+             StatusKind::kFailure);
+  return false;
 }
 
 void Dialog::TextChanged(std::u16string_view text) {

@@ -42,8 +42,9 @@ class Dialog final : private OutputNotifier, private Notices {
   void Open();
   void FillFaces();
 
-  // Keeps what the next run wants to know.
-  void Close();
+  // Keeps what the next run wants to know. False when that failed and was told: the window stays,
+  // so that nothing typed is lost. The next call lets it go.
+  bool Close();
 
   // Events.
   void TextChanged(std::u16string_view text);
@@ -121,6 +122,7 @@ class Dialog final : private OutputNotifier, private Notices {
 
   // The controls' contents; the persisting ones in `memory_`.
   DialogMemory memory_;
+  bool told_unsaved_ = false;
   std::u16string text_;  // lines by U+000A
   size_t first_color_ = 0;
   std::vector<ColorChoice> second_colors_;

@@ -164,7 +164,7 @@ TEST_F(DialogTest, WhatIsSetComesBackAtTheNextRun) {
   dialog->Chosen(MenuCommand::kPitchCell);
   dialog->Chosen(MenuCommand::kAciNearest);
   view.place = WindowRect{10, 20, 810, 620};
-  dialog->Close();
+  EXPECT_TRUE(dialog->Close());
   services.memory = services.saved;
   dialog.reset();
   view = {};
@@ -181,6 +181,20 @@ TEST_F(DialogTest, WhatIsSetComesBackAtTheNextRun) {
               view.menu[MenuCommand::kAciNearest]);
   EXPECT_EQ((WindowRect{10, 20, 810, 620}), view.moved);
   EXPECT_FALSE(dialog->parts().parts[0].faces[0].items.empty());
+}
+
+TEST_F(DialogTest, WhatCannotBeKeptHoldsTheWindowOnce) {
+  for (const char* kept : {"settings", "text"}) {
+    dialog.reset();
+    view.messages.clear();
+    services.failing = kept;
+    Open();
+    for (const bool goes : {false, true}) {
+      EXPECT_EQ(goes, dialog->Close()) << kept;
+      EXPECT_EQ(1u, view.messages.size()) << kept << ", told once";
+      EXPECT_TRUE(view.status.starts_with(u"Not saved.")) << kept;
+    }
+  }
 }
 
 TEST_F(DialogTest, DroppedFilesAreTextPartsFontsOrRefused) {

@@ -114,12 +114,14 @@ class FakeDialogServices : public DialogServices {
   DialogMemory Load() override { return memory; }
   Status Save(const DialogMemory& kept) override {
     saved = kept;
-    return Status::Ok();
+    return Log("settings", "kept");
   }
   std::u16string LoadSavedText() override { return saved_text; }
   Status SaveText(std::u16string_view text) override {
     saved_text = text;
-    return Status::Ok();
+    Status status = Log("text", "kept");
+    if (!status.ok()) CurrentNotices().Message(u"the text is not kept");
+    return status;
   }
   std::filesystem::path DefaultOutputFolder() override { return folder; }
   bool OpenFolder(const std::filesystem::path& opened) override {

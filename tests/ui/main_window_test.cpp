@@ -256,6 +256,17 @@ TEST_F(MainWindowTest, DarkPalettesKeepEverythingLegible) {
   QApplication::setPalette(before);
 }
 
+TEST_F(MainWindowTest, WhatCannotBeKeptHoldsTheWindowOnce) {
+  Show(services);
+  services.failing = "text";
+  EXPECT_FALSE(window->close());
+  ASSERT_TRUE(QApplication::activeModalWidget());
+  QApplication::activeModalWidget()->close();
+  EXPECT_TRUE(window->isVisible());
+  EXPECT_TRUE(window->close());
+  EXPECT_FALSE(QApplication::activeModalWidget());
+}
+
 TEST_F(MainWindowTest, F1ShowsTheVersion) {
   Show(services);
   QTest::keyClick(text, Qt::Key_F1);

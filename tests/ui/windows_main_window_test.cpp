@@ -202,24 +202,22 @@ TEST_F(WindowsMainWindowTest, FailuresAreShown) {
   EXPECT_NE(std::wstring::npos, TextOf(ControlId::kStatus).find(L"the disk is full"));
 }
 
-TEST_F(WindowsMainWindowTest, ClosingUnderAMessageShowsOnlyWhatWasNotShownYet) {
-  class Unsaved final : public test::FakeDialogServices {
-   public:
-    Status Save(const DialogMemory&) override {
-      return Status::Error(Failure::kOther, u"settings", u"read only");
-    }
-  };
-  Unsaved unsaved;
-  unsaved.folder = services.folder;
-  unsaved.failing = "export";
-  Show(unsaved);
-  std::wstring last;
-  WithPopup([&] { Click(ControlId::kSvg); },
-            [&](HWND) {
-              WithPopup([&] { SendMessageW(window, WM_CLOSE, 0, 0); },
-                        [&](HWND box) { last = TextsIn(box); });
-            });
-  EXPECT_NE(std::wstring::npos, last.find(L"settings: read only")) << ToUtf8(last);
+TEST_F(WindowsMainWindowTest, WhatCannotBeKeptHoldsTheWindowOnce) {
+  for (const UINT end : {WM_CLOSE, WM_QUERYENDSESSION}) {
+    services.failing = "settings";
+    Show(services);
+    std::wstring said;
+    WithPopup([&] { EXPECT_FALSE(SendMessageW(window, end, 0, 0)); },
+              [&](HWND box) { said = TextsIn(box); });
+    EXPECT_NE(std::wstring::npos, said.find(L"the disk is full")) << ToUtf8(said);
+    EXPECT_EQ(0u, TextOf(ControlId::kStatus).find(L"Not saved."));
+    MSG quit{};
+    EXPECT_FALSE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    const bool agreed = SendMessageW(window, end, 0, 0) != FALSE;
+    EXPECT_EQ(end == WM_QUERYENDSESSION, agreed) << "the system asks, a user does not";
+    if (agreed) SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+    EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+  }
 }
 
 TEST_F(WindowsMainWindowTest, LongOutputsAreCancelledInTheirOwnWindow) {

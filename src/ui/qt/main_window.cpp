@@ -223,9 +223,7 @@ void MainWindow::OpenFiles(const QStringList& files) {
 // Events
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  closing_ = true;
-  dialog_->Close();
-  event->accept();
+  event->setAccepted(dialog_->Close());
 }
 
 void MainWindow::showEvent(QShowEvent* event) {

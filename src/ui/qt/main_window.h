@@ -99,7 +99,6 @@ class MainWindow final : public QWidget, private DialogView {
   QPointer<QProgressDialog> progress_;
   QTimer due_;
   bool shows_ = false;  // controls are being written: nothing is an event
-  bool closing_ = false;
   bool was_shown_ = false;
   std::u16string shown_face_;
   Color shown_color_ = 0;

@@ -109,14 +109,10 @@ void MainWindow::RepaintPreview() {
 
 void MainWindow::ShowMessage(std::u16string_view text) {
   auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(), ToQString(text), QMessageBox::Ok,
-                              closing_ ? nullptr : this);
+                              this);
   box->setTextFormat(Qt::PlainText);
   box->setAttribute(Qt::WA_DeleteOnClose);
-  if (closing_) {
-    box->exec();
-  } else {
-    box->open();
-  }
+  box->open();
 }
 
 Continue MainWindow::ShowProgress(std::u16string_view text, int64_t done, int64_t total) {

@@ -121,8 +121,7 @@ class MainWindow final : private DialogView {
   std::unique_ptr<Dialog> dialog_;
   std::unique_ptr<BitmapSurface> picture_;  // of the preview
   bool picture_is_stale_ = true;
-  bool shows_ = false;  // what comes from the controls meanwhile is an echo
-  bool closing_ = false;
+  bool shows_ = false;          // what comes from the controls meanwhile is an echo
   bool shows_message_ = false;  // a message box stands
   bool alt_was_used_ = false;   // with another key, since it went down
   bool ready_ = false;          // the controls are there

@@ -73,10 +73,14 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       RepaintPreview();
       return FALSE;
     case WM_CLOSE:
+      if (dialog_->Close()) PostQuitMessage(0);
+      return TRUE;
+    case WM_QUERYENDSESSION:
+      SetWindowLongPtrW(window_, DWLP_MSGRESULT, dialog_->Close() ? TRUE : FALSE);
+      return TRUE;
     case WM_ENDSESSION:
-      if (message == WM_ENDSESSION && wparam == FALSE) return FALSE;
-      closing_ = true;
-      dialog_->Close();
+      if (wparam == FALSE) return FALSE;
+      (void)dialog_->Close();  // what was typed since the question
       PostQuitMessage(0);
       return TRUE;
     case kFillFaces:

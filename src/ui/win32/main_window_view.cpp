@@ -140,15 +140,11 @@ void MainWindow::RepaintPreview() {
 // A message box handles events while it stands: it waits until the one under way is over.
 void MainWindow::ShowMessage(std::u16string_view text) {
   messages_.push_back(ToWide(text));
-  if (closing_) {
-    ShowWaitingMessages();
-  } else if (messages_.size() == 1 && !shows_message_) {
+  if (messages_.size() == 1 && !shows_message_) {
     PostMessageW(window_, kShowMessages, 0, 0);
   }
 }
 
-// The system can close the window while a box stands, and then this runs within itself: what is
-// shown waits no longer.
 void MainWindow::ShowWaitingMessages() {
   const Raised raised(shows_message_);
   while (!messages_.empty()) {
