@@ -2,6 +2,7 @@
 
 #include "app/dialog_settings.h"
 #include "app/font_face_list.h"
+#include "base/file_wait.h"
 #include "base/launch.h"
 #include "base/text.h"
 #include "base/version_info.h"
@@ -10,7 +11,6 @@
 #include "export/export.h"
 #include "export/ipl_writer.h"
 #include "parts/ipx.h"
-#include "platform/file_replacement.h"
 #include "platform/font_faces.h"
 #include "platform/system.h"
 #include "web/output_run.h"
@@ -77,7 +77,7 @@ bool SystemServices::OpenFolder(const fs::path& folder) {
 }
 
 Status SystemServices::WriteBytes(const fs::path& file, std::string_view bytes) {
-  return ReplaceFile(file, bytes);
+  return ReplaceWhenFree(file, bytes);
 }
 
 Status SystemServices::Export(const PartsA& parts, AciRule aci, const fs::path& file) {

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "base/text.h"
+#include "base/text_file.h"
 #include "platform/folder_path.h"
 
 namespace kerno {
@@ -53,9 +54,14 @@ Status LoadText(const std::filesystem::path& path, std::u16string* text) {
   if (IsFolder(path)) {
     return Status::Error(Failure::kIsFolder, name, u"is a folder");
   }
+  std::string bytes;
+  if (FactsOfPath(path).kind == PathKind::kFile) {  // another process may hold it for a moment
+    const Status read = ReadFileBytes(path, &bytes);
+    if (!read.ok()) return Status::Error(read.failure, name, u"cannot be read: " + read.why);
+    return DecodeText(bytes, name, text);
+  }
   errno = 0;
   std::ifstream file(PathToOpen(path), std::ios::binary);
-  std::string bytes;
   if (file) bytes.assign(std::istreambuf_iterator<char>(file), {});
   if (!file || file.bad()) {
     const std::error_code reason(errno ? errno : EIO, std::generic_category());

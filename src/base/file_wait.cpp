@@ -1,5 +1,7 @@
 #include "base/file_wait.h"
 
+#include <memory>
+
 #include "base/notices.h"
 #include "base/text.h"
 #include "platform/clock.h"
@@ -33,19 +35,23 @@ Status WaitForFile(const std::filesystem::path& path, FileWait wait,
   return status;
 }
 
-std::unique_ptr<FileReplacement> ReplaceWhenFree(const std::filesystem::path& path,
-                                                 Status* status) {
+Status ReplaceWhenFree(const std::filesystem::path& target, const FileFiller& fill) {
   std::unique_ptr<FileReplacement> file;
-  *status = WaitForFile(path, FileWait::kWrite, [&] {
+  Status status = WaitForFile(target, FileWait::kWrite, [&] {
     Status opened;
-    if (FactsOfPath(path).kind == PathKind::kFile) {
-      HeldFile::Open(path, Deny::kAll, &opened);
+    if (FactsOfPath(target).kind == PathKind::kFile) {
+      HeldFile::Open(target, Deny::kAll, &opened);
       if (opened.failure == Failure::kSharingViolation) return opened;
     }
-    file = FileReplacement::Create(path, &opened);
+    file = FileReplacement::Create(target, &opened);
     return file ? Status::Ok() : opened;
   });
-  return file;
+  if (file) status = fill(file.get());
+  return status.ok() ? file->Commit() : status;
+}
+
+Status ReplaceWhenFree(const std::filesystem::path& target, std::string_view bytes) {
+  return ReplaceWhenFree(target, [&](FileReplacement* file) { return file->Write(bytes); });
 }
 
 }  // namespace kerno

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 #include <functional>
-#include <memory>
+#include <string_view>
 
 #include "platform/file_replacement.h"
 #include "platform/status.h"
@@ -19,7 +19,8 @@ enum class FileWait { kRead, kWrite, kNothing };
 Status WaitForFile(const std::filesystem::path& path, FileWait wait,
                    const std::function<Status()>& attempt);
 
-// FileReplacement::Create for a file that another process may hold: waits until nobody does.
-std::unique_ptr<FileReplacement> ReplaceWhenFree(const std::filesystem::path& path, Status* status);
+// ReplaceFile for a target that another process may hold: waits until nobody does.
+Status ReplaceWhenFree(const std::filesystem::path& target, const FileFiller& fill);
+Status ReplaceWhenFree(const std::filesystem::path& target, std::string_view bytes);
 
 }  // namespace kerno

@@ -118,11 +118,8 @@ Status WriteBmp(const PartsA& model, const BmpOptions& options, const std::files
 
 Status ExportBmp(const PartsA& model, const std::filesystem::path& file,
                  const BmpOptions& options) {
-  Status status;
-  const std::unique_ptr<FileReplacement> out = ReplaceWhenFree(file, &status);
-  if (!out) return status;
-  status = WriteBmp(model, options, file, out.get());
-  return status.ok() ? out->Commit() : status;
+  return ReplaceWhenFree(file,
+                         [&](FileReplacement* out) { return WriteBmp(model, options, file, out); });
 }
 
 }  // namespace kerno

@@ -167,11 +167,8 @@ Status WriteDxf(const PartsA& model, const DxfOptions& options, const std::files
 
 Status ExportDxf(const PartsA& model, const std::filesystem::path& file,
                  const DxfOptions& options) {
-  Status status;
-  const auto out = ReplaceWhenFree(file, &status);
-  if (!out) return status;
-  status = WriteDxf(model, options, file, out.get());
-  return status.ok() ? out->Commit() : status;
+  return ReplaceWhenFree(file,
+                         [&](FileReplacement* out) { return WriteDxf(model, options, file, out); });
 }
 
 }  // namespace kerno

@@ -374,10 +374,7 @@ Status DxfWriter::FinishInto(FileReplacement* out) {
 }
 
 Status DxfWriter::Finish() {
-  Status status;
-  const auto file = ReplaceWhenFree(output_name_, &status);
-  if (file) status = FinishInto(file.get());
-  return status.ok() ? file->Commit() : status;
+  return ReplaceWhenFree(output_name_, [&](FileReplacement* file) { return FinishInto(file); });
 }
 
 }  // namespace kerno

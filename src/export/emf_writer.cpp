@@ -59,11 +59,8 @@ Status WriteEmf(const PartsA& model, const EmfOptions& options, const std::files
 
 Status ExportEmf(const PartsA& model, const std::filesystem::path& file,
                  const EmfOptions& options) {
-  Status status;
-  const std::unique_ptr<FileReplacement> out = ReplaceWhenFree(file, &status);
-  if (!out) return status;
-  status = WriteEmf(model, options, file, out.get());
-  return status.ok() ? out->Commit() : status;
+  return ReplaceWhenFree(file,
+                         [&](FileReplacement* out) { return WriteEmf(model, options, file, out); });
 }
 
 }  // namespace kerno

@@ -76,11 +76,7 @@ Status WriteIpl(const PartsA& model, const std::filesystem::path& name, FileRepl
 }
 
 Status ExportIpl(const PartsA& model, const std::filesystem::path& file) {
-  Status status;
-  const auto out = ReplaceWhenFree(file, &status);
-  if (!out) return status;
-  status = WriteIpl(model, file, out.get());
-  return status.ok() ? out->Commit() : status;
+  return ReplaceWhenFree(file, [&](FileReplacement* out) { return WriteIpl(model, file, out); });
 }
 
 }  // namespace kerno

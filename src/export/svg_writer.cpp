@@ -119,11 +119,8 @@ Status WriteSvg(const PartsA& model, const SvgOptions& options, const std::files
 
 Status ExportSvg(const PartsA& model, const std::filesystem::path& file,
                  const SvgOptions& options) {
-  Status status;
-  const auto out = ReplaceWhenFree(file, &status);
-  if (!out) return status;
-  status = WriteSvg(model, options, file, out.get());
-  return status.ok() ? out->Commit() : status;
+  return ReplaceWhenFree(file,
+                         [&](FileReplacement* out) { return WriteSvg(model, options, file, out); });
 }
 
 }  // namespace kerno

@@ -235,11 +235,7 @@ Status WriteX3d(const PartsA& model, const std::filesystem::path& name, FileRepl
 }
 
 Status ExportX3d(const PartsA& model, const std::filesystem::path& file) {
-  Status status;
-  const auto out = ReplaceWhenFree(file, &status);
-  if (!out) return status;
-  status = WriteX3d(model, file, out.get());
-  return status.ok() ? out->Commit() : status;
+  return ReplaceWhenFree(file, [&](FileReplacement* out) { return WriteX3d(model, file, out); });
 }
 
 }  // namespace kerno

@@ -39,12 +39,10 @@ bool IsSameFile(const fs::path& a, const fs::path& b) {
 
 // Writes a copy without waiting for anybody.
 Status WriteCopy(const fs::path& path, const PartsA& parts, std::u16string_view program) {
-  Status status;
-  const auto file = FileReplacement::Create(path, &status);
-  if (!file) return status;
-  status = EncodeIpx(parts, program, PathText(path),
+  return ReplaceFile(path, [&](FileReplacement* file) {
+    return EncodeIpx(parts, program, PathText(path),
                      [&](std::string_view bytes) { return file->Write(bytes); });
-  return status.ok() ? file->Commit() : status;
+  });
 }
 
 }  // namespace

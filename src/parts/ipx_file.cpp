@@ -133,12 +133,10 @@ Status EncodeIpx(const PartsA& container, std::u16string_view program, std::u16s
 }
 
 Status WriteIpxFile(const fs::path& path, const PartsA& container, std::u16string_view program) {
-  Status status;
-  const auto file = ReplaceWhenFree(path, &status);
-  if (!file) return status;
-  status = EncodeIpx(container, program, PathText(path),
+  return ReplaceWhenFree(path, [&](FileReplacement* file) {
+    return EncodeIpx(container, program, PathText(path),
                      [&](std::string_view bytes) { return file->Write(bytes); });
-  return status.ok() ? file->Commit() : status;
+  });
 }
 
 bool DecodeIpx(std::string_view bytes, PartsA* container) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -29,7 +30,11 @@ class FileReplacement {
   virtual Status Commit() = 0;
 };
 
-// Replaces `target` by `bytes` in one go.
+// Writes what goes into a file, piece by piece.
+using FileFiller = std::function<Status(FileReplacement*)>;
+
+// Replaces `target` by what `fill` writes, or by `bytes`; it stays as it was when anything fails.
+Status ReplaceFile(const std::filesystem::path& target, const FileFiller& fill);
 Status ReplaceFile(const std::filesystem::path& target, std::string_view bytes);
 
 }  // namespace kerno

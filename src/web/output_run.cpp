@@ -1,13 +1,13 @@
 #include "web/output_run.h"
 
 #include <algorithm>
-#include <fstream>
 #include <optional>
 #include <set>
 #include <string>
 
+#include "base/file_wait.h"
 #include "base/text.h"
-#include "platform/file_replacement.h"
+#include "base/text_file.h"
 #include "platform/folder_path.h"
 
 namespace kerno {
@@ -22,12 +22,11 @@ bool IsRegularFile(const fs::path& path) {
 }
 
 std::optional<PageSource> SourceOfPage(const fs::path& page) {
-  std::ifstream in(PathToOpen(page), std::ios::binary);
-  std::string head(kMostOfPage, '\0');
-  in.read(head.data(), static_cast<std::streamsize>(head.size()));
-  head.resize(static_cast<size_t>(in.gcount()));
+  std::string head;
   PageSource source;
-  if (!ReadPageSource(head, &source)) return std::nullopt;
+  if (!ReadFileBytes(page, &head, kMostOfPage).ok() || !ReadPageSource(head, &source)) {
+    return std::nullopt;
+  }
   return source;
 }
 
@@ -87,7 +86,7 @@ Status WriteOutputPage(const fs::path& base, const PageSource& source) {
     return Status::Error(Failure::kOther, PathText(page),
                          u"not replaced: it is no page that this program wrote");
   }
-  return ReplaceFile(page, BuildOutputPage({source, FilesOfRun(base)}));
+  return ReplaceWhenFree(page, BuildOutputPage({source, FilesOfRun(base)}));
 }
 
 Status RefreshOutputPage(const fs::path& base) {

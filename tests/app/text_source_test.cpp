@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "base/text.h"
+#include "support/file_holder.h"
+#include "support/temporary_folder.h"
 
 namespace kerno {
 namespace {
@@ -46,6 +48,15 @@ TEST(LoadText, NamesWhatCannotBeRead) {
   EXPECT_EQ(Failure::kNotFound, LoadText("/nonexistent/x.txt", &text).failure);
   EXPECT_EQ(Failure::kIsFolder, LoadText("/", &text).failure);
   EXPECT_EQ(u"kept", text);
+}
+
+TEST(LoadText, WaitsForAFileThatIsHeld) {
+  const test::TemporaryFolder folder;
+  test::WriteBytes(folder / "a.txt", "text");
+  const test::FileHolder holder(folder / "a.txt", test::HoldKind::kWholeFile, 200);
+  std::u16string text;
+  EXPECT_TRUE(LoadText(folder / "a.txt", &text).ok());
+  EXPECT_EQ(u"text", text);
 }
 
 TEST(WithCrLf, EveryLineEndBecomesCrLf) {

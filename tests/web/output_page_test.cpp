@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "base/text.h"
+#include "support/file_holder.h"
 #include "support/temporary_folder.h"
 #include "web/html_text.h"
 #include "web/output_run.h"
@@ -122,6 +123,7 @@ TEST_F(OutputRunTest, APageIsWrittenAgainFromWhatItSays) {
   const PageSource source = {u"the whole text", u"The Face", u"72"};
   ASSERT_TRUE(WriteOutputPage(folder_ / "f_1_t", source).ok());
   Make("f_1_t.dxf");
+  const test::FileHolder holder(folder_ / "f_1_t.html", test::HoldKind::kWholeFile, 200);
   EXPECT_THAT(Page("f_1_t.html"), Not(HasSubstr("f_1_t.dxf")));
   ASSERT_TRUE(RefreshOutputPage(folder_ / "f_1_t").ok());
   EXPECT_THAT(Page("f_1_t.html"), HasSubstr("f_1_t.dxf"));

@@ -335,12 +335,4 @@ std::unique_ptr<FileReplacement> FileReplacement::Create(const fs::path& target,
   return replacement;
 }
 
-Status ReplaceFile(const fs::path& target, std::string_view bytes) {
-  Status status;
-  const auto replacement = FileReplacement::Create(target, &status);
-  if (!replacement) return status;
-  if (status = replacement->Write(bytes); !status.ok()) return status;
-  return replacement->Commit();
-}
-
 }  // namespace kerno

@@ -1,6 +1,7 @@
 kerno_room(platform
   SOURCES
     drawing.cpp
+    file_replacement.cpp
     private_profile.cpp
     surface_context.cpp
     win32/bitmap_surface_win32.cpp
