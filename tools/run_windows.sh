@@ -35,7 +35,9 @@ server=$(dirname "$wine")/wineserver64
 
 # Wine's heap starts at a random place above the loader. Now and then (more often, the larger the
 # heap) it lies over 0x7ffe0000, where Windows programs expect the system's shared data, and Wine
-# ends with 1 before the program starts. Without random places the heap lies well below.
+# ends with 1 before the program starts. Without random places, and without wishes for a larger heap,
+# it lies well below.
+unset GLIBC_TUNABLES MALLOC_TOP_PAD_
 fixed="setarch $(uname -m) -R"
 $fixed true >/dev/null 2>&1 || fixed=""  # some containers forbid it
 
