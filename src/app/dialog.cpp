@@ -100,10 +100,11 @@ void Dialog::FillFaces() {
 
 bool Dialog::Close() {
   const bool last = told_unsaved_;
-  if (last) ReplaceNotices(nullptr);  // no word can be read any more
+  if (last) ReplaceNotices(nullptr);  // told once
   if (const auto place = view_.WindowPlace()) memory_.window = *place;
   const Status saved = services_.Save(memory_);
   const bool text_saved = services_.SaveText(text_).ok();  // tells its failure itself
+  if (last) ReplaceNotices(this);
   if (last || (saved.ok() && text_saved)) return true;
   told_unsaved_ = true;
   if (!saved.ok()) view_.ShowMessage(saved.what + u": " + saved.why);
@@ -175,6 +176,7 @@ void Dialog::SecondColorSelected(size_t index) {
 // The rebuild
 
 void Dialog::Changed() {
+  told_unsaved_ = false;
   if (last_cost_ < kSlowRebuild) {
     Rebuild();
     return;

@@ -43,7 +43,7 @@ class Dialog final : private OutputNotifier, private Notices {
   void FillFaces();
 
   // Keeps what the next run wants to know. False when that failed and was told: the window stays,
-  // so that nothing typed is lost. The next call lets it go.
+  // so that nothing typed is lost. The next call lets it go, unless something was changed.
   bool Close();
 
   // Events.

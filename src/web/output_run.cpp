@@ -21,13 +21,17 @@ bool IsRegularFile(const fs::path& path) {
   return FactsOfPath(path).kind == PathKind::kFile;
 }
 
-std::optional<PageSource> SourceOfPage(const fs::path& page) {
+Status ReadSource(const fs::path& page, PageSource* source) {
   std::string head;
+  const Status read = ReadFileBytes(page, &head, kMostOfPage);
+  if (!read.ok() || ReadPageSource(head, source)) return read;
+  return Status::Error(Failure::kOther, PathText(page),
+                       u"not replaced: it is no page that this program wrote");
+}
+
+std::optional<PageSource> SourceOfPage(const fs::path& page) {
   PageSource source;
-  if (!ReadFileBytes(page, &head, kMostOfPage).ok() || !ReadPageSource(head, &source)) {
-    return std::nullopt;
-  }
-  return source;
+  return ReadSource(page, &source).ok() ? std::optional(source) : std::nullopt;
 }
 
 bool IsDigit(char16_t c) {
@@ -82,9 +86,8 @@ PageSource SourceOfName(std::u16string_view base_name) {
 
 Status WriteOutputPage(const fs::path& base, const PageSource& source) {
   const fs::path page = PageOfRun(base);
-  if (PathExists(page) && !SourceOfPage(page)) {
-    return Status::Error(Failure::kOther, PathText(page),
-                         u"not replaced: it is no page that this program wrote");
+  if (PageSource before; PathExists(page)) {
+    if (Status status = ReadSource(page, &before); !status.ok()) return status;
   }
   return ReplaceWhenFree(page, BuildOutputPage({source, FilesOfRun(base)}));
 }

@@ -189,11 +189,16 @@ TEST_F(DialogTest, WhatCannotBeKeptHoldsTheWindowOnce) {
     view.messages.clear();
     services.failing = kept;
     Open();
+    EXPECT_FALSE(dialog->Close()) << kept;
+    dialog->TextChanged(u"more");
     for (const bool goes : {false, true}) {
       EXPECT_EQ(goes, dialog->Close()) << kept;
-      EXPECT_EQ(1u, view.messages.size()) << kept << ", told once";
+      EXPECT_EQ(2u, view.messages.size()) << kept << ", told once for each change";
       EXPECT_TRUE(view.status.starts_with(u"Not saved.")) << kept;
     }
+    dialog->TextChanged(u"and more");  // the session that was to end goes on
+    EXPECT_FALSE(dialog->Close()) << kept;
+    EXPECT_EQ(3u, view.messages.size()) << kept;
   }
 }
 
