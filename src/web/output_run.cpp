@@ -23,7 +23,7 @@ bool IsRegularFile(const fs::path& path) {
 
 Status ReadSource(const fs::path& page, PageSource* source) {
   std::string head;
-  const Status read = ReadFileBytes(page, &head, kMostOfPage);
+  Status read = ReadFileBytes(page, &head, kMostOfPage);
   if (!read.ok() || ReadPageSource(head, source)) return read;
   return Status::Error(Failure::kOther, PathText(page),
                        u"not replaced: it is no page that this program wrote");
