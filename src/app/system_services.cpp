@@ -72,7 +72,9 @@ fs::path SystemServices::DefaultOutputFolder() {
 
 bool SystemServices::OpenFolder(const fs::path& folder) {
   LaunchRequest request;
-  request.file = folder;
+  // With a separator at the end: a shell may take the bare name for that of a program beside it
+  // ("Drawings" for "Drawings.exe").
+  request.file = folder.has_filename() ? folder / "" : folder;
   return Launch(&request);
 }
 

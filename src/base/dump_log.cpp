@@ -165,7 +165,7 @@ DumpUser::DumpUser(std::u16string_view name) : name_(name) {
   ProfileStore store(u"");
   if (store.GetInt(u"Debug", u"DbgDump", 0) == 0) return;
   const fs::path file = BeginRunFile();
-  const Status written = ReplaceFile(file, RunFileHeader());
+  const Status written = ReplaceWhenFree(file, RunFileHeader());
   if (!written.ok()) {
     CurrentNotices().Message(written.what + u": " + written.why);
     return;

@@ -134,7 +134,8 @@ void KeepInspectionCopy(const fs::path& file, std::string_view body) {
 }
 
 // Why the request did not lead to an answer, in words for the user.
-std::u16string WhyNotSent(const HttpReply& reply, const HttpLimits& limits) {
+std::u16string WhyNotSent(const HttpReply& reply, const HttpLimits& limits,
+                          CertificateTrust trust) {
   const std::u16string detail = u" (" + ShownText(reply.why, kMostShown) + u")";
   switch (reply.end) {
     case HttpEnd::kUnavailable:
@@ -149,7 +150,9 @@ std::u16string WhyNotSent(const HttpReply& reply, const HttpLimits& limits) {
       return u"no connection within " + DurationText(limits.connect);
     case HttpEnd::kUntrusted:
       return u"not sent: the server's certificate was not accepted" + detail +
-             u"; \"self_certificate\" set to 1 accepts one that no known authority signed";
+             (trust == CertificateTrust::kKnownAuthority
+                  ? u"; \"self_certificate\" set to 1 accepts one that no known authority signed"
+                  : u"; with \"self_certificate\" set it must still be for the server's name");
     case HttpEnd::kTlsFailed:
       return u"no secure connection" + detail;
     case HttpEnd::kStalled:
@@ -266,7 +269,7 @@ UploadResult Uploader::Upload(const fs::path& file) {
   const std::u16string about = ShownPath(file) + u" to " + ShownText(post.url, kMostShown);
   if (reply.end == HttpEnd::kAnswered) return FromAnswer(reply, about);
   return Ended(reply.end == HttpEnd::kStopped ? UploadEnd::kStopped : UploadEnd::kNotSent, about,
-               WhyNotSent(reply, limits));
+               WhyNotSent(reply, limits, post.trust));
 }
 
 std::string UploadUserAgent() {

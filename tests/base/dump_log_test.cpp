@@ -110,6 +110,22 @@ TEST_F(DumpLogTest, ThePerRunFileNeedsItsSwitch) {
             PathText(Folder() / "kerno.txt"));
 }
 
+TEST_F(DumpLogTest, ThePerRunFileWaitsForWhoHoldsTheOneBefore) {
+  process_->application = Application{u"", u"Quenkit.ini"};
+  WriteIni("[Debug]\r\nDbgDump=1\r\n");
+  fs::create_directories(Folder());
+  WriteBytes(Folder() / "kerno.txt", "of the run before");
+  test::FileHolder holder(Folder() / "kerno.txt", test::HoldKind::kWholeFile);
+  clock_.on_sleep = [&] {
+    if (clock_.sleeps == 3) holder.Release();
+  };
+  const DumpUser user(u"Test");
+  EXPECT_EQ(clock_.sleeps, 3);
+  EXPECT_EQ(DumpUser::File(), Folder() / "kerno.txt");
+  EXPECT_EQ(ReadBytes(Folder() / "kerno.txt").find("Created by "), 0u);
+  EXPECT_TRUE(notices_.messages.empty());
+}
+
 TEST_F(DumpLogTest, TheThrottlePacesMessages) {
   FakeSettings settings;
   MessageThrottle throttle;

@@ -11,9 +11,11 @@
 #include "support/fake_clock.h"
 #include "support/fake_settings.h"
 #include "support/fake_system.h"
+#include "support/file_holder.h"
 #include "support/loopback_server.h"
 #include "support/recording_notices.h"
 #include "support/temporary_folder.h"
+#include "web/upload_profile.h"
 
 namespace kerno {
 namespace {
@@ -188,6 +190,22 @@ TEST_F(UploaderTest, WithoutServerNothingIsSentAndTheMessageNamesTheSetting) {
   EXPECT_EQ(session.posts, 0);
   EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr(Utf16ToUtf8(PathText(kIni))));
   EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr("section [UpFile] the key \"server\""));
+}
+
+// The file to send is missing, which is told only when the settings were read.
+TEST_F(UploaderTest, SettingsThatAnotherProcessHoldsAreWaitedFor) {
+  const auto ini = Make(u"UpFile.ini", "[UpFile]\r\nserver=127.0.0.1\r\n");
+  test::FileHolder holder(ini, test::HoldKind::kWholeFile);
+  UploadResult result = UploadFile(folder_ / "missing.svg", ini);
+  EXPECT_EQ(clock_.sleeps, 100);
+  EXPECT_NE(result.end, UploadEnd::kNotConfigured) << Utf16ToUtf8(result.message);
+  clock_.sleeps = 0;
+  clock_.on_sleep = [&] {
+    if (clock_.sleeps == 3) holder.Release();
+  };
+  result = UploadFile(folder_ / "missing.svg", ini);
+  EXPECT_EQ(clock_.sleeps, 3);
+  EXPECT_EQ(result.end, UploadEnd::kFileTrouble) << Utf16ToUtf8(result.message);
 }
 
 TEST_F(UploaderTest, DefaultsAreSecureAndStrict) {
