@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <iterator>
+#include <set>
 
 #include "app/system_services.h"
 #include "platform/win32/wide_text.h"
@@ -169,6 +171,25 @@ TEST_F(WindowsMainWindowTest, ControlsKeepClearOfEachOtherAtEverySize) {
         EXPECT_EQ(DropDownRows(client.bottom, top, static_cast<int>(Send(id, CB_GETITEMHEIGHT))),
                   Send(id, CB_GETMINVISIBLE));
       }
+    }
+  }
+}
+
+TEST_F(WindowsMainWindowTest, NoControlIsPaintedOverWhenTheSizeChanges) {
+  Show(services);
+  SetFocus(Item(ControlId::kText));
+  Pump();
+  constexpr ControlId kMoving[] = {ControlId::kPaste, ControlId::kVertical, ControlId::kHeightLabel,
+                                   ControlId::kHeightEdit, ControlId::kQuit};
+  std::vector<std::vector<uint32_t>> before;
+  for (const ControlId id : kMoving) before.push_back(PixelsOf(id));
+  EXPECT_GT(std::set<uint32_t>(before[0].begin(), before[0].end()).size(), 1u) << "a caption";
+  for (const SIZE size : {SIZE{1200, 900}, {600, 900}, {700, 600}, {1200, 600}}) {
+    SetWindowPos(window, nullptr, 0, 0, size.cx, size.cy, SWP_NOZORDER);
+    Pump();
+    for (size_t i = 0; i < std::size(kMoving); ++i) {
+      EXPECT_TRUE(before[i] == PixelsOf(kMoving[i]))
+          << static_cast<int>(kMoving[i]) << " at " << size.cx << " by " << size.cy;
     }
   }
 }
