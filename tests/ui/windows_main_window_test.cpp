@@ -283,9 +283,12 @@ TEST_F(WindowsMainWindowTest, TheHoleOfAnOIsOpenInTheFigure) {
 
 TEST_F(WindowsMainWindowTest, AMinimisedWindowShowsItsIcon) {
   Show(services);
+  SetWindowPos(window, nullptr, 40, 50, 750, 650, SWP_NOZORDER);
   ShowWindow(window, SW_MINIMIZE);
   Pump();
   ASSERT_TRUE(IsIconic(window));
+  EXPECT_TRUE(main->dialog().Close());
+  EXPECT_EQ((WindowRect{40, 50, 790, 700}), services.saved.window) << "where it comes back";
   SendMessageW(window, WM_PAINT, 0, 0);
   EXPECT_FALSE(GetUpdateRect(window, nullptr, FALSE));
   ShowWindow(window, SW_RESTORE);
