@@ -73,8 +73,7 @@ void MainWindow::LayOut() {
   if (dialog_) dialog_->PreviewResized(frame.right, frame.bottom);
   picture_.reset();
   // A control that was placed has left its picture on those that are still to move.
-  RedrawWindow(window_, nullptr, nullptr,
-               RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+  RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
 // The two rows from `top` down to the end of the window's lines at `right`. Where the preview may
