@@ -14,11 +14,20 @@ void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Fit& 
   for (uint32_t count : contours.counts) {
     const size_t end = std::min(contours.points.size(), at + count);
     run.Begin();
+    DevicePoint min, max;
+    size_t pictured = 0;
     for (; at < end; ++at) {
       const P2& p = contours.points[at];
-      if (IsPictured(p.x) && IsPictured(p.y)) run.Add(fit.Apply(p));
+      if (!IsPictured(p.x) || !IsPictured(p.y)) continue;
+      const DevicePoint placed = fit.Apply(p);
+      if (pictured++ == 0) min = max = placed;
+      min = {std::min(min.x, placed.x), std::min(min.y, placed.y)};
+      max = {std::max(max.x, placed.x), std::max(max.y, placed.y)};
+      run.Add(placed);
     }
-    const size_t kept = run.End();
+    size_t kept = run.End();
+    const bool is_flat = max.x - min.x < options.detail || max.y - min.y < options.detail;
+    if (is_flat && pictured > 2) kept = run.EndAsBox(min, max);
     if (kept < 2) {
       run.DropLine();
     } else {

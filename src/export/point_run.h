@@ -1,6 +1,7 @@
 // Lines on their way to a drawing context, cut to the detail that the picture needs.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <span>
 #include <vector>
@@ -40,6 +41,16 @@ class PointRun {
     }
     dropped_ = false;
     return points_.size() - begin_;
+  }
+
+  // Puts the box of a figure without an area in the line's place: a filled line shows nothing. No
+  // side is shorter than the detail.
+  size_t EndAsBox(const DevicePoint& min, const DevicePoint& max) {
+    DropLine();
+    const double right = std::max(max.x, min.x + detail_);
+    const double bottom = std::max(max.y, min.y + detail_);
+    points_.insert(points_.end(), {min, {right, min.y}, {right, bottom}, {min.x, bottom}});
+    return 4;
   }
 
   void Clear() {

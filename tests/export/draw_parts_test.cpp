@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -247,6 +248,33 @@ TEST_F(DrawPartsTest, ContoursAreOneSetWithoutLimit) {
   EXPECT_EQ(dc_.calls[0].points.size(), 14999u);
   EXPECT_EQ(dc_.calls[0].counts[0], 24u);
   DrawContours(dc_, {}, {}, {});
+}
+
+// A text of a thousand lines in a small frame is still seen.
+TEST_F(DrawPartsTest, ContoursThatShrinkToASpotKeepAnArea) {
+  const struct {
+    const char* what;
+    double scale;
+    P2 corner;
+    size_t points;
+    double width, height;
+  } cases[] = {{"a spot", 0.001, {10, 20}, 4, 0.5, 0.5},
+               {"wide and low", 0.1, {40, 2}, 4, 4, 0.5},
+               {"narrow and high", 0.1, {2, 40}, 4, 0.5, 4},
+               {"large enough", 1, {10, 20}, 4, 10, 20}};
+  for (const auto& c : cases) {
+    dc_.calls.clear();
+    const double x = c.corner.x, y = c.corner.y;
+    const GlyphContours contours = {.points = {{0, 0}, {x, 0}, {x, y}, {0, y}}, .counts = {4}};
+    DrawContours(dc_, contours, {c.scale, 0, 0}, {.detail = 0.5});
+    ASSERT_EQ(dc_.calls.size(), 1u) << c.what;
+    const auto& points = dc_.calls[0].points;
+    ASSERT_EQ(points.size(), c.points) << c.what;
+    const auto [left, right] = std::minmax({points[0].x, points[1].x, points[2].x, points[3].x});
+    const auto [top, bottom] = std::minmax({points[0].y, points[1].y, points[2].y, points[3].y});
+    EXPECT_NEAR(right - left, c.width, 1e-9) << c.what;
+    EXPECT_NEAR(bottom - top, c.height, 1e-9) << c.what;
+  }
 }
 
 TEST_F(DrawPartsTest, BoxHoldsEverythingShownWithItsPens) {

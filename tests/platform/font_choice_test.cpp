@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -78,6 +79,26 @@ TEST(FontChoice, MissingBoldIsEmboldened) {
   }
   EXPECT_EQ(FontProbe(u"IPAMincho", 200, 0, 500).Points(U'A'),
             FontProbe(u"IPAMincho", 200).Points(U'A'));
+}
+
+// Coordinates have 16 bits before the point, and so has an advance.
+TEST(FontChoice, SizesPastTheNumbersOfOutlinesGiveNone) {
+  const struct {
+    const char16_t* face;
+    int32_t height, width;
+    char16_t letter;
+    bool outlined;
+  } cases[] = {
+      {u"IPAPGothic", 32767, 0, u'K', true},       {u"DejaVu Serif", -32768, 0, u'i', true},
+      {u"IPAPGothic", 65535, 0, u'K', false},      {u"IPAPGothic", 100000, 0, u'K', false},
+      {u"@IPAPGothic", 65535, 0, u'K', false},     {u"IPAPGothic", -1000000, 0, u'K', false},
+      {u"DejaVu Sans", INT32_MAX, 0, u'i', false}, {u"DejaVu Sans", 32767, 32767, u'W', false},
+      {u"IPAGothic", 40000, 0, u'。', false}};
+  for (const auto& c : cases) {
+    const FontProbe font(c.face, c.height, c.width);
+    EXPECT_EQ(font.Glyph(c.letter).ok(), c.outlined)
+        << std::filesystem::path(c.face) << " " << c.height << " " << c.width;
+  }
 }
 
 TEST(FontChoice, EnumerationDescribesFamilies) {

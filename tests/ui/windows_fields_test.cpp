@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <functional>
 
 #include "app/font_face_list.h"
 #include "platform/win32/wide_text.h"
@@ -135,6 +136,21 @@ TEST_F(WindowsMainWindowTest, PartsOfANameOfferTheFacesThatHoldThem) {
   Key(edit, VK_ESCAPE);
   EXPECT_EQ(L"", offered());
   EXPECT_EQ(L"goth", TextOf(ControlId::kFace)) << "what was typed stays";
+  const struct {
+    const char* what;
+    std::function<void()> act;
+  } ends[] = {{"Enter", [&] { Key(edit, VK_RETURN); }},
+              {"a menu", [&] { SendMessageW(window, WM_ENTERMENULOOP, FALSE, 0); }},
+              {"another size",
+               [&] { SetWindowPos(window, nullptr, 0, 0, 900, 700, SWP_NOMOVE | SWP_NOZORDER); }}};
+  for (const auto& end : ends) {
+    SendMessageW(edit, EM_SETSEL, 0, -1);
+    Type(edit, L"goth");
+    EXPECT_NE(L"", offered());
+    end.act();
+    EXPECT_EQ(L"", offered()) << end.what;
+    EXPECT_EQ(L"goth", TextOf(ControlId::kFace)) << end.what;
+  }
 }
 
 TEST_F(WindowsMainWindowTest, WhatTheListCompletesIsTheFace) {

@@ -111,6 +111,27 @@ class WindowsMainWindowTest : public testing::Test {
     return all;
   }
 
+  // What the screen shows of a control, row by row.
+  std::vector<uint32_t> PixelsOf(ControlId id) const {
+    const RECT place = PlaceIn(window, Item(id));
+    const int width = place.right - place.left;
+    const int height = place.bottom - place.top;
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    const HDC screen = GetDC(window);
+    const HDC copy = CreateCompatibleDC(screen);
+    const HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
+    const HGDIOBJ before = SelectObject(copy, bitmap);
+    BitBlt(copy, 0, 0, width, height, screen, place.left, place.top, SRCCOPY);
+    SelectObject(copy, before);
+    std::vector<uint32_t> pixels(static_cast<size_t>(width * height));
+    GetDIBits(copy, bitmap, 0, static_cast<UINT>(height), pixels.data(), &info, DIB_RGB_COLORS);
+    DeleteObject(bitmap);
+    DeleteDC(copy);
+    ReleaseDC(window, screen);
+    return pixels;
+  }
+
   // Every shown control stands whole in the window, clear of the others, and its caption fits.
   void ExpectTidyLayout(const char* when) {
     RECT client{};

@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <iterator>
+#include <set>
 
 #include "app/system_services.h"
 #include "platform/win32/wide_text.h"
@@ -173,6 +175,25 @@ TEST_F(WindowsMainWindowTest, ControlsKeepClearOfEachOtherAtEverySize) {
   }
 }
 
+TEST_F(WindowsMainWindowTest, NoControlIsPaintedOverWhenTheSizeChanges) {
+  Show(services);
+  SetFocus(Item(ControlId::kText));
+  Pump();
+  constexpr ControlId kMoving[] = {ControlId::kPaste, ControlId::kVertical, ControlId::kHeightLabel,
+                                   ControlId::kHeightEdit, ControlId::kQuit};
+  std::vector<std::vector<uint32_t>> before;
+  for (const ControlId id : kMoving) before.push_back(PixelsOf(id));
+  EXPECT_GT(std::set<uint32_t>(before[0].begin(), before[0].end()).size(), 1u) << "a caption";
+  for (const SIZE size : {SIZE{1200, 900}, {600, 900}, {700, 600}, {1200, 600}}) {
+    SetWindowPos(window, nullptr, 0, 0, size.cx, size.cy, SWP_NOZORDER);
+    Pump();
+    for (size_t i = 0; i < std::size(kMoving); ++i) {
+      EXPECT_TRUE(before[i] == PixelsOf(kMoving[i]))
+          << static_cast<int>(kMoving[i]) << " at " << size.cx << " by " << size.cy;
+    }
+  }
+}
+
 TEST_F(WindowsMainWindowTest, DroppedFilesReachTheDialog) {
   Show(services);
   const std::filesystem::path file = std::filesystem::temp_directory_path() / L"kerno-落とす.txt";
@@ -262,9 +283,12 @@ TEST_F(WindowsMainWindowTest, TheHoleOfAnOIsOpenInTheFigure) {
 
 TEST_F(WindowsMainWindowTest, AMinimisedWindowShowsItsIcon) {
   Show(services);
+  SetWindowPos(window, nullptr, 40, 50, 750, 650, SWP_NOZORDER);
   ShowWindow(window, SW_MINIMIZE);
   Pump();
   ASSERT_TRUE(IsIconic(window));
+  EXPECT_TRUE(main->dialog().Close());
+  EXPECT_EQ((WindowRect{40, 50, 790, 700}), services.saved.window) << "where it comes back";
   SendMessageW(window, WM_PAINT, 0, 0);
   EXPECT_FALSE(GetUpdateRect(window, nullptr, FALSE));
   ShowWindow(window, SW_RESTORE);

@@ -49,6 +49,19 @@ void AddExtent(const SIZE& size, int64_t* length, Extent* extent) {
   extent->cy = std::max(extent->cy, static_cast<int32_t>(size.cy));
 }
 
+bool FitsShort(int64_t number) {
+  using Limits = std::numeric_limits<int16_t>;
+  return number >= Limits::min() && number <= Limits::max();
+}
+
+// Whether 16.16 numbers can hold all that lies in the box.
+bool BoxFits(const GLYPHMETRICS& glyph) {
+  const int64_t left = glyph.gmptGlyphOrigin.x;
+  const int64_t top = glyph.gmptGlyphOrigin.y;
+  return FitsShort(left) && FitsShort(top) && FitsShort(left + glyph.gmBlackBoxX) &&
+         FitsShort(top - glyph.gmBlackBoxY);
+}
+
 }  // namespace
 
 FontContext::FontContext()
@@ -91,6 +104,7 @@ bool FontContext::GetTextMetrics(TextMetrics* metrics) {
 uint32_t FontContext::GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics* metrics,
                                       uint32_t size, void* buffer, const Mat2& matrix) {
   if (format != kGgoMetrics && format != kGgoNative) return kGdiError;
+  if (realized_ != nullptr && !realized_->has_size()) return kGdiError;
   UINT what = ch;
   UINT how = format;
   if (ch >= kFirstFar || IsSurrogate(ch)) {
@@ -102,11 +116,14 @@ uint32_t FontContext::GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics
   GLYPHMETRICS glyph{};
   const DWORD needed = GetGlyphOutlineW(dc_, what, how, &glyph, size, buffer, &transform);
   if (needed == GDI_ERROR || (buffer != nullptr && size < needed)) return kGdiError;
+  const bool large = realized_ != nullptr && realized_->is_large();
+  if (large && !(BoxFits(glyph) && AdvanceFits(what, how))) return kGdiError;
   const bool native = format == kGgoNative && IsIdentity(matrix);
   auto* outline = static_cast<uint8_t*>(buffer);
   if (native && outline != nullptr) CutToRasterUnits(outline, needed);
   if (native && realized_ != nullptr && realized_->turned() != nullptr) {
     PlaceTurned(what, how, transform, needed, outline, &glyph);
+    if (large && !BoxFits(glyph)) return kGdiError;
   }
   metrics->gmBlackBoxX = glyph.gmBlackBoxX;
   metrics->gmBlackBoxY = glyph.gmBlackBoxY;
@@ -115,6 +132,17 @@ uint32_t FontContext::GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics
   metrics->gmCellIncX = glyph.gmCellIncX;
   metrics->gmCellIncY = glyph.gmCellIncY;
   return format == kGgoNative ? needed : 0;
+}
+
+// The system cuts the advance in the metrics of a glyph to 16 bits; that of a text is whole.
+bool FontContext::AdvanceFits(uint32_t what, uint32_t how) const {
+  SIZE size{};
+  if ((how & GGO_GLYPH_INDEX) != 0) {
+    auto glyph = static_cast<WORD>(what);
+    return GetTextExtentPointI(dc_, &glyph, 1, &size) && FitsShort(size.cx);
+  }
+  const auto unit = static_cast<wchar_t>(what);
+  return GetTextExtentPoint32W(dc_, &unit, 1, &size) && FitsShort(size.cx);
 }
 
 // Where the system leaves a turned outline at the pen it is moved into its cell here, together with

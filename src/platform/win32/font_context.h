@@ -31,6 +31,7 @@ class FontContext final : public DeviceContext {
   bool TextOut(int32_t /*x*/, int32_t /*y*/, std::u16string_view /*text*/) override { return true; }
 
  private:
+  bool AdvanceFits(uint32_t what, uint32_t how) const;
   void PlaceTurned(uint32_t what, uint32_t how, const MAT2& transform, uint32_t size,
                    uint8_t* outline, GLYPHMETRICS* metrics);
 

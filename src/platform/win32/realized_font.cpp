@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 
 #include "platform/win32/big_endian.h"
 #include "platform/win32/wide_text.h"
@@ -13,6 +14,7 @@ constexpr DWORD kCharacterMapTable = 0x70616D63;  // "cmap"
 constexpr uint32_t kSegmentedCoverage = 12;       // the subtable's format
 constexpr size_t kGroupSize = 12;
 constexpr char32_t kFirstFar = 0x10000;
+constexpr int64_t kSurelySmall = 0x1000;  // units: a letter may be several times as large
 
 }  // namespace
 
@@ -88,6 +90,13 @@ RealizedFont::RealizedFont(HFONT font, HDC dc, const LOGFONTW& description) : fo
   std::array<wchar_t, LF_FACESIZE> name{};
   GetTextFaceW(dc_, static_cast<int>(name.size()), name.data());
   face_name_ = FromWideBuffer(name.data(), name.size());
+  TEXTMETRICW metrics{};
+  GetTextMetricsW(dc_, &metrics);
+  const int64_t wanted = std::abs(int64_t{description.lfHeight});
+  is_large_ = std::max(wanted, std::abs(int64_t{description.lfWidth})) > kSurelySmall ||
+              metrics.tmMaxCharWidth > kSurelySmall;
+  // A cell is as high as it was asked for, or as its em and more.
+  has_size_ = !is_large_ || 2 * int64_t{metrics.tmHeight} > wanted;
   if (face_name_.starts_with(u'@')) turned_ = std::make_unique<TurnedGlyphs>(description);
 }
 

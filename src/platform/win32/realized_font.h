@@ -50,6 +50,12 @@ class RealizedFont final : public Font {
 
   HFONT handle() const { return font_; }
 
+  // False when the system answers a size that it cannot make with another one.
+  bool has_size() const { return has_size_; }
+
+  // Whether glyphs may be too large for the 16 bits of the system's numbers.
+  bool is_large() const { return is_large_; }
+
   // Null for a face without "@".
   TurnedGlyphs* turned() const { return turned_.get(); }
 
@@ -58,6 +64,8 @@ class RealizedFont final : public Font {
 
   HFONT font_;
   HDC dc_;  // of its own, in which the font is always selected
+  bool has_size_ = true;
+  bool is_large_ = false;
   std::u16string face_name_;
   std::unique_ptr<TurnedGlyphs> turned_;
   mutable std::unique_ptr<CharacterMap> far_;  // read at the first need

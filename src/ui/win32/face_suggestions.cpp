@@ -84,7 +84,7 @@ bool FaceSuggestions::TakesKey(const MSG& message) {
     case VK_ESCAPE:
       return Hide(), true;
     case VK_RETURN:
-      if (SendMessageW(list_, LB_GETCURSEL, 0, 0) == LB_ERR) return false;
+      if (SendMessageW(list_, LB_GETCURSEL, 0, 0) == LB_ERR) return Hide(), true;
       return Choose(), true;
     default:
       return false;

@@ -40,11 +40,13 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       PostMessageW(window_, kDropped, wparam, 0);
       return TRUE;
     case WM_SIZE:
+      suggestions_->Hide();
       LayOut();
       SizeDropDowns();
       return TRUE;
     case WM_MOVE:
     case WM_ACTIVATE:
+    case WM_ENTERMENULOOP:
       suggestions_->Hide();
       return FALSE;
     case WM_DPICHANGED:

@@ -30,7 +30,7 @@ bool IsShown(HWND control) {
 
 void Place(HWND control, int left, int top, int width, int height) {
   SetWindowPos(control, nullptr, left, top, std::max(width, 0), std::max(height, 0),
-               SWP_NOZORDER | SWP_NOACTIVATE);
+               SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
 }
 
 int HeightOf(HWND control) {
@@ -72,7 +72,8 @@ void MainWindow::LayOut() {
   GetClientRect(Item(ControlId::kPreview), &frame);
   if (dialog_) dialog_->PreviewResized(frame.right, frame.bottom);
   picture_.reset();
-  InvalidateRect(window_, nullptr, TRUE);
+  // A control that was placed has left its picture on those that are still to move.
+  RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
 // The two rows from `top` down to the end of the window's lines at `right`. Where the preview may

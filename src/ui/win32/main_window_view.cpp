@@ -209,9 +209,9 @@ void MainWindow::CallWhenDue(int milliseconds) {
 std::optional<WindowRect> MainWindow::WindowPlace() const {
   WINDOWPLACEMENT placement{};
   placement.length = sizeof placement;
-  if (IsIconic(window_) || !GetWindowPlacement(window_, &placement)) return std::nullopt;
+  if (!GetWindowPlacement(window_, &placement)) return std::nullopt;
   RECT place = placement.rcNormalPosition;
-  if (!IsZoomed(window_)) {
+  if (!IsZoomed(window_) && !IsIconic(window_)) {
     GetWindowRect(window_, &place);
   } else {
     // A placement counts from the corner of the work area.
