@@ -35,7 +35,7 @@ def main():
         check_bmp(session.wait_for_output(".bmp"))
         stems = {p.name.removesuffix(p.suffix) for p in session.outputs()}
         assert stems == {base.stem}, stems
-        assert session.opened.read_text().splitlines() == [str(base.parent)], "opened once"
+        assert session.opened.read_text().splitlines() == [f"{base.parent}/"], "opened once"
         assert session.close() == 0
 
         session.start()  # the next run begins where this one ended
