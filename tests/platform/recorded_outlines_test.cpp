@@ -124,6 +124,15 @@ TEST(RecordedOutlines, FullWidthCharactersAtOtherWidths) {
   }
 }
 
+// In faces whose average character is narrower than half a unit at one pixel per em.
+TEST(RecordedOutlines, AverageWidthIsNeverZero) {
+  for (const char16_t* face : {u"IPAPGothic", u"@IPAPMincho", u"DejaVu Sans Condensed"}) {
+    const FontProbe own(face, 1);
+    EXPECT_EQ(own.metrics().tmAveCharWidth, 1);
+    EXPECT_EQ(FontProbe(face, 1, 19).metrics().tmAveCharWidth, 19);
+  }
+}
+
 // The letter's second contour is one point, kept in the face for composing accents.
 TEST(RecordedOutlines, ContoursOfOnePointAreLeftOut) {
   const test::ProbedGlyph glyph = FontProbe(u"DejaVu Sans", 100).Glyph(U'u');

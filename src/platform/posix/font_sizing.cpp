@@ -89,7 +89,7 @@ TextMetrics ScaleTextMetrics(const FaceUnits& units, int64_t pixels_per_em) {
   metrics.tmInternalLeading = pixels(units.cell() - units.em);
   metrics.tmExternalLeading =
       std::max(0, pixels(units.line_gap - (units.cell() - units.line_height)));
-  metrics.tmAveCharWidth = pixels(units.average_width);
+  metrics.tmAveCharWidth = std::max(pixels(units.average_width), 1);
   metrics.tmMaxCharWidth = pixels(units.max_width);
   return metrics;
 }

@@ -105,7 +105,7 @@ void RealizedFont::SetOutlineSize(int32_t height, int32_t width) {
   sized_ = true;
   metrics_ = ScaleTextMetrics(units_, pixels_per_em_);
   metrics_.tmWeight = choice_.embolden ? kBoldWeight : FaceWeight(face_.get(), choice_.face_weight);
-  const int64_t own = std::max(metrics_.tmAveCharWidth, 1);
+  const int64_t own = metrics_.tmAveCharWidth;
   metrics_.tmAveCharWidth += EmboldenedWidth();
   metrics_.tmMaxCharWidth += EmboldenedWidth();
   if (width != 0) {
