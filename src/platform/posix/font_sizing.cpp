@@ -77,10 +77,14 @@ int64_t PixelsPerEm(const FaceUnits& units, int32_t height) {
   return std::max<int64_t>(pixels, 1);
 }
 
-TextMetrics ScaleTextMetrics(const FaceUnits& units, int64_t pixels_per_em) {
+int64_t ScaledUnits(int64_t value, const FaceUnits& units, int64_t pixels_per_em) {
   const int64_t scale = DivideRounded(65536 * pixels_per_em, units.em);
-  const auto pixels = [scale](int64_t value) {
-    return static_cast<int32_t>((value * scale + 32768) >> 16);
+  return (value * scale + 32768) >> 16;
+}
+
+TextMetrics ScaleTextMetrics(const FaceUnits& units, int64_t pixels_per_em) {
+  const auto pixels = [&](int64_t value) {
+    return static_cast<int32_t>(ScaledUnits(value, units, pixels_per_em));
   };
   TextMetrics metrics;
   metrics.tmAscent = pixels(units.ascent);
@@ -89,7 +93,7 @@ TextMetrics ScaleTextMetrics(const FaceUnits& units, int64_t pixels_per_em) {
   metrics.tmInternalLeading = pixels(units.cell() - units.em);
   metrics.tmExternalLeading =
       std::max(0, pixels(units.line_gap - (units.cell() - units.line_height)));
-  metrics.tmAveCharWidth = pixels(units.average_width);
+  metrics.tmAveCharWidth = std::max(pixels(units.average_width), 1);
   metrics.tmMaxCharWidth = pixels(units.max_width);
   return metrics;
 }

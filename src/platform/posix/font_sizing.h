@@ -32,7 +32,11 @@ FaceUnits ReadFaceUnits(FT_Face face);
 // Pixels per em for a wanted height (> 0 cell, < 0 em, 0 the default 16); at least 1.
 int64_t PixelsPerEm(const FaceUnits& units, int32_t height);
 
-// Text metrics at this size and with the face's own proportions; tmWeight is left alone.
+// Font units in whole logical units at this size, to the nearest, halves up.
+int64_t ScaledUnits(int64_t value, const FaceUnits& units, int64_t pixels_per_em);
+
+// Text metrics at this size and with the face's own proportions; the average width is at least 1,
+// and tmWeight is left alone.
 TextMetrics ScaleTextMetrics(const FaceUnits& units, int64_t pixels_per_em);
 
 // The weight class of the face (100 to 1000), or `otherwise` when the face does not tell.

@@ -1,7 +1,6 @@
 #include "platform/posix/realized_font.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <utility>
@@ -105,7 +104,7 @@ void RealizedFont::SetOutlineSize(int32_t height, int32_t width) {
   sized_ = true;
   metrics_ = ScaleTextMetrics(units_, pixels_per_em_);
   metrics_.tmWeight = choice_.embolden ? kBoldWeight : FaceWeight(face_.get(), choice_.face_weight);
-  const int64_t own = std::max(metrics_.tmAveCharWidth, 1);
+  const int64_t own = metrics_.tmAveCharWidth;
   metrics_.tmAveCharWidth += EmboldenedWidth();
   metrics_.tmMaxCharWidth += EmboldenedWidth();
   if (width != 0) {
@@ -253,10 +252,8 @@ int64_t RealizedFont::Advance(int64_t hinted) const {
   // More than 1.5 times the average before rounding: 26.6 against font units.
   const bool full_width = 2 * hinted * em > 3 * units_.average_width * pixels_per_em_ * 64;
   if (choice_.fixed_pitch && full_width) {
-    // Twice the average, scaled to the width before it is rounded.
-    const double average = static_cast<double>(units_.average_width * pixels_per_em_) /
-                           static_cast<double>(em) * (static_cast<double>(width_ratio_) / 65536);
-    return 2 * static_cast<int64_t>(std::floor(average + 0.5));
+    // Twice the average, whose scaled width is rounded in font units first.
+    return 2 * ScaledUnits(ScaleX(units_.average_width), units_, pixels_per_em_);
   }
   return CeilToPixels(ScaleX(hinted));
 }
