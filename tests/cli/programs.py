@@ -24,7 +24,7 @@ def windows_name(path):
 
 def run(words, **more):
     """The exit status, standard output and standard error of a command."""
-    done = windows_run.run(words, timeout=300, **more)
+    done = windows_run.run(words, **more)
     return done.returncode, done.stdout.decode("utf-8"), done.stderr.decode("utf-8", "replace")
 
 
