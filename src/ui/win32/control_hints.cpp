@@ -20,6 +20,16 @@ wchar_t* Wide(const char16_t* text) {
   return const_cast<wchar_t*>(reinterpret_cast<const wchar_t*>(text));
 }
 
+TOOLINFOW ToolOf(HWND dialog, HWND part, wchar_t* text) {
+  TOOLINFOW tool{};
+  tool.cbSize = sizeof tool;
+  tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+  tool.hwnd = dialog;
+  tool.uId = reinterpret_cast<UINT_PTR>(part);
+  tool.lpszText = text;
+  return tool;
+}
+
 }  // namespace
 
 HWND AddControlHints(HINSTANCE instance, HWND dialog) {
@@ -28,19 +38,23 @@ HWND AddControlHints(HINSTANCE instance, HWND dialog) {
       CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, dialog, nullptr, instance, nullptr);
   for (const ControlRow& row : Controls()) {
     const HWND control = GetDlgItem(dialog, static_cast<int>(row.id));
-    if (*row.hint == u'\0' || control == nullptr) continue;
+    const bool has_hint = *row.hint != u'\0' || row.id == ControlId::kStatus;
+    if (!has_hint || control == nullptr) continue;
     for (const HWND part : {control, EditOf(control)}) {
       if (part == nullptr) continue;
-      TOOLINFOW tool{};
-      tool.cbSize = sizeof tool;
-      tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
-      tool.hwnd = dialog;
-      tool.uId = reinterpret_cast<UINT_PTR>(part);
-      tool.lpszText = Wide(row.hint);
+      const TOOLINFOW tool = ToolOf(dialog, part, Wide(row.hint));
       SendMessageW(hints, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
     }
   }
+  RECT client{};
+  GetClientRect(dialog, &client);
+  SendMessageW(hints, TTM_SETMAXTIPWIDTH, 0, client.right);  // longer ones take several lines
   return hints;
+}
+
+void ChangeHint(HWND hints, HWND dialog, HWND control, std::wstring text) {
+  const TOOLINFOW tool = ToolOf(dialog, control, text.data());
+  SendMessageW(hints, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
 }
 
 void AddControlNames(HWND dialog) {

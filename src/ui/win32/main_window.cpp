@@ -167,7 +167,7 @@ void MainWindow::InitDialog() {
     ShowControlText(ControlId::kFace, face);
     dialog_->FaceChanged(face);
   };
-  AddControlHints(instance_, window_);
+  hints_ = AddControlHints(instance_, window_);
   AddControlNames(window_);
   DragAcceptFiles(window_, TRUE);
   ready_ = true;

@@ -107,6 +107,7 @@ class MainWindow final : private DialogView {
 
   HINSTANCE instance_;
   HWND window_ = nullptr;
+  HWND hints_ = nullptr;
   HMENU menu_ = nullptr;
   HACCEL accelerators_ = nullptr;
   HICON icon_ = nullptr;

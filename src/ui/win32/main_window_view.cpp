@@ -5,6 +5,7 @@
 #include "app/controls.h"
 #include "app/raised.h"
 #include "platform/win32/wide_text.h"
+#include "ui/win32/control_hints.h"
 #include "ui/win32/main_window.h"
 #include "ui/win32/resource.h"
 #include "ui/win32/windows_controls.h"
@@ -128,7 +129,9 @@ void MainWindow::ShowMenuChecked(MenuCommand command, bool checked) {
 void MainWindow::ShowStatus(std::u16string_view text, StatusKind kind) {
   status_kind_ = kind;
   const HWND status = Item(ControlId::kStatus);
-  SetWindowTextW(status, ToWide(text).c_str());
+  const std::wstring wide = ToWide(text);
+  SetWindowTextW(status, wide.c_str());
+  ChangeHint(hints_, window_, status, wide);  // whole, where two lines do not hold it
   InvalidateRect(status, nullptr, TRUE);
 }
 
