@@ -41,6 +41,7 @@ unset GLIBC_TUNABLES MALLOC_TOP_PAD_
 fixed="setarch $(uname -m) -R"
 $fixed true >/dev/null 2>&1 || fixed=""  # some containers forbid it
 
+# The server's place follows TMPDIR: whoever changes that gets a second server over the same prefix.
 # Starting the server costs a second: it stays for a while, so that the next program finds it. The
 # while is longer than any pause of the tests, for who connects to a server that is about to end is
 # turned away. Wine's own processes start here, away from our output: whoever reads that would wait

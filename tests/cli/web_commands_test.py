@@ -20,18 +20,19 @@ ON_WINDOWS = False
 class WebCommandsTest(programs.FolderTest):
     def setUp(self):
         super().setUp()
-        self.here = None
-        self.ini = self.folder / "config" / "kerno" / "UpFile.ini"
-        self.shown_ini = str(self.ini)
+        self.env = {**os.environ, "no_proxy": "*"}
         if ON_WINDOWS:  # the settings lie on the drive of the current folder, here the prefix's own
             drive = programs.run([programs.windows_run.RUNNER, "winepath", "-u", "C:\\"])[1]
             self.here = pathlib.Path(drive.strip())
             self.addCleanup(shutil.rmtree, self.here / "Temp" / "Quenkit", ignore_errors=True)
             self.ini = self.here / "Temp" / "Quenkit" / "_Setting" / "UpFile.ini"
             self.shown_ini = "C:\\Temp\\Quenkit\\_Setting\\UpFile.ini"
-        self.env = {**os.environ, "XDG_CONFIG_HOME": str(self.folder / "config"),
-                    "XDG_CACHE_HOME": str(self.folder / "cache"), "TMPDIR": str(self.folder),
-                    "no_proxy": "*"}
+            return
+        self.here = None
+        self.ini = self.folder / "config" / "kerno" / "UpFile.ini"
+        self.shown_ini = str(self.ini)
+        self.env.update(XDG_CONFIG_HOME=str(self.folder / "config"),
+                        XDG_CACHE_HOME=str(self.folder / "cache"), TMPDIR=str(self.folder))
 
     def run_kerno(self, *arguments, **env):
         arguments = [self.there(a) if isinstance(a, pathlib.Path) else a for a in arguments]
