@@ -2,7 +2,7 @@
 
 #include "base/text.h"
 #include "platform/registry.h"
-#include "platform/shell.h"
+#include "support/fake_shell.h"
 #include "support/settings_fixture.h"
 
 namespace kerno {
@@ -11,39 +11,10 @@ namespace {
 namespace fs = std::filesystem;
 using test::WriteBytes;
 
-// A shell that answers what it is told to.
-class FakeShell final : public Shell {
- public:
-  FakeShell() : before_(ReplaceShell(this)) {}
-  ~FakeShell() override { ReplaceShell(before_); }
-  FakeShell(const FakeShell&) = delete;
-  FakeShell& operator=(const FakeShell&) = delete;
-
-  int result = 33;
-  bool starts = false;
-  int started = 0;
-  std::vector<fs::path> programs;
-  std::vector<fs::path> applications;
-
-  int Execute(std::u16string_view, const fs::path&, const std::vector<std::u16string>&,
-              const fs::path&) override {
-    return result;
-  }
-  bool StartProcess(const fs::path&, const std::vector<std::u16string>&, const fs::path&) override {
-    ++started;
-    return starts;
-  }
-  std::vector<fs::path> ProgramFolders() override { return programs; }
-  std::vector<fs::path> ApplicationFolders() override { return applications; }
-
- private:
-  Shell* before_;
-};
-
 class LaunchTest : public test::SettingsFixture {};
 
 TEST_F(LaunchTest, TellsTheShellsWords) {
-  FakeShell shell;
+  test::FakeShell shell;
   LaunchRequest request;
   request.file = u"/a/図.dxf";
   request.parameters = {u"-x", u"y z"};
@@ -75,7 +46,7 @@ TEST_F(LaunchTest, TellsTheShellsWords) {
 }
 
 TEST_F(LaunchTest, FindsPrograms) {
-  FakeShell shell;
+  test::FakeShell shell;
   const fs::path root = folder_.path();
   fs::create_directories(root / "path/dir");
   fs::create_directories(root / "apps/thing/bin");

@@ -1,0 +1,44 @@
+// A shell that answers what it is told to.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/shell.h"
+
+namespace kerno::test {
+
+class FakeShell final : public Shell {
+ public:
+  FakeShell() : before_(ReplaceShell(this)) {}
+  ~FakeShell() override { ReplaceShell(before_); }
+  FakeShell(const FakeShell&) = delete;
+  FakeShell& operator=(const FakeShell&) = delete;
+
+  int result = 33;
+  bool starts = false;
+  int started = 0;
+  std::filesystem::path opened;  // the last that it was asked to open
+  std::vector<std::filesystem::path> programs;
+  std::vector<std::filesystem::path> applications;
+
+  int Execute(std::u16string_view, const std::filesystem::path& file,
+              const std::vector<std::u16string>&, const std::filesystem::path&) override {
+    opened = file;
+    return result;
+  }
+  bool StartProcess(const std::filesystem::path&, const std::vector<std::u16string>&,
+                    const std::filesystem::path&) override {
+    ++started;
+    return starts;
+  }
+  std::vector<std::filesystem::path> ProgramFolders() override { return programs; }
+  std::vector<std::filesystem::path> ApplicationFolders() override { return applications; }
+
+ private:
+  Shell* before_;
+};
+
+}  // namespace kerno::test
