@@ -12,8 +12,8 @@
 namespace kerno {
 
 // Characters, contours, points, size in units, the face really used, and what the user should know
-// besides: a substitute for the face that was asked for, characters without a glyph or
-// without an outline at this size, a text that ends early.
+// besides: a substitute for the face that was asked for, characters without a glyph or without an
+// outline at this size, a text that ends early.
 std::u16string DescribeText(const SetText& set, std::u16string_view wanted_face,
                             const Extent3& box);
 

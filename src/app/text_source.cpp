@@ -51,11 +51,12 @@ Status DecodeText(std::string_view bytes, std::u16string_view name, std::u16stri
 
 Status LoadText(const std::filesystem::path& path, std::u16string* text) {
   const std::u16string name = PathText(path);
-  if (IsFolder(path)) {
+  const PathKind kind = FactsOfPath(path).kind;
+  if (kind == PathKind::kFolder) {
     return Status::Error(Failure::kIsFolder, name, u"is a folder");
   }
   std::string bytes;
-  if (FactsOfPath(path).kind == PathKind::kFile) {  // another process may hold it for a moment
+  if (kind == PathKind::kFile) {  // another process may hold it for a moment
     const Status read = ReadFileBytes(path, &bytes);
     if (!read.ok()) return Status::Error(read.failure, name, u"cannot be read: " + read.why);
     return DecodeText(bytes, name, text);
