@@ -56,7 +56,7 @@ void DrawPage(benchmark::State& state, const SampleText& sample) {
   const Page page = PageOf(sample, state.range(0));
   for (auto _ : state) {
     const auto surface = CreateBitmapSurface(kWidth, kHeight, 0xFFFFFF);
-    const Fit fit = FitExtent(PictureBox(page.parts, nullptr), {0, 0, kWidth, kHeight}, 8);
+    const Affine fit = FitExtent(PictureBox(page.parts, nullptr), {0, 0, kWidth, kHeight}, 8);
     DrawParts(surface->Context(), page.parts, fit, {.detail = 0.5});
     benchmark::DoNotOptimize(surface->Pixels().data());
   }
@@ -66,7 +66,7 @@ void DrawPolygons(benchmark::State& state, const SampleText& sample) {
   const Page page = PageOf(sample, state.range(0));
   for (auto _ : state) {
     const auto surface = CreateBitmapSurface(kWidth, kHeight, 0xFFFFFF);
-    const Fit fit = FitExtent(ContoursBox(page.contours), {0, 0, kWidth, kHeight}, 8);
+    const Affine fit = FitExtent(ContoursBox(page.contours), {0, 0, kWidth, kHeight}, 8);
     DrawContours(surface->Context(), page.contours, fit, {.detail = 0.5});
     benchmark::DoNotOptimize(surface->Pixels().data());
   }

@@ -300,9 +300,9 @@ void Dialog::PreviewDoubleClicked() {
 
 void Dialog::PaintPreview(DrawingContext& dc, double density) {
   const DrawOptions options = {.detail = kPreviewDetail};
-  const Fit& frame = preview_.fit();
-  const Fit fit = {
-      .scale = frame.scale * density, .dx = frame.dx * density, .dy = frame.dy * density};
+  const Affine& frame = preview_.fit();
+  const Affine fit =
+      FlippedY(PixelsPerUnit(frame) * density, {frame.to.x * density, frame.to.y * density});
   if (!DrawsContours()) {
     DrawParts(dc, is_pending_ ? parts_ : parts(), fit, options);
     return;
@@ -310,8 +310,8 @@ void Dialog::PaintPreview(DrawingContext& dc, double density) {
   // An outline in the figure's own colour would only make it bolder than it is, unless the figure
   // is too flat to be seen without.
   const Color outline = second_colors_[memory_.second_color].color;
-  const double height = (contours_box_.max.y - contours_box_.min.y) * fit.scale;
-  const double width = (contours_box_.max.x - contours_box_.min.x) * fit.scale;
+  const double height = (contours_box_.max.y - contours_box_.min.y) * PixelsPerUnit(fit);
+  const double width = (contours_box_.max.x - contours_box_.min.x) * PixelsPerUnit(fit);
   const bool is_flat = height < kFlat || width < kFlat;
   const PenStyle style = outline == FirstColor() && !is_flat ? PenStyle::kNull : PenStyle::kSolid;
   const auto pen = dc.CreatePenIndirect({.style = style, .color = outline});

@@ -5,19 +5,19 @@
 
 namespace kerno {
 
-Fit PreviewModel::WholeFit() const {
+Affine PreviewModel::WholeFit() const {
   return FitExtent(box_, {.left = 0, .top = 0, .width = width_, .height = height_}, kMargin);
 }
 
 bool PreviewModel::IsSeen() const {
-  const DevicePoint low = fit_.Apply(box_.min), high = fit_.Apply(box_.max);
+  const DevicePoint low = Placed(fit_, box_.min), high = Placed(fit_, box_.max);
   return low.x < width_ && high.x > 0 && high.y < height_ && low.y > 0;
 }
 
 void PreviewModel::SetFrame(double width, double height) {
   if (!shows_all_) {  // what was in the middle stays there
-    fit_.dx += (width - width_) / 2;
-    fit_.dy += (height - height_) / 2;
+    fit_.to.x += (width - width_) / 2;
+    fit_.to.y += (height - height_) / 2;
   }
   width_ = width;
   height_ = height;
@@ -35,18 +35,18 @@ void PreviewModel::ShowAll() {
 }
 
 void PreviewModel::ZoomAt(double x, double y, double steps) {
-  const double whole = WholeFit().scale;
-  const double wanted = fit_.scale * std::pow(kWheelFactor, steps);
+  const double whole = PixelsPerUnit(WholeFit());
+  const double wanted = PixelsPerUnit(fit_) * std::pow(kWheelFactor, steps);
   const double scale = std::clamp(wanted, whole * kShallowest, whole * kDeepest);
-  const double factor = scale / fit_.scale;
+  const double factor = scale / PixelsPerUnit(fit_);
   if (!std::isfinite(factor) || factor <= 0) return;
-  fit_ = {.scale = scale, .dx = x - (x - fit_.dx) * factor, .dy = y - (y - fit_.dy) * factor};
+  fit_ = FlippedY(scale, {x - (x - fit_.to.x) * factor, y - (y - fit_.to.y) * factor});
   shows_all_ = false;
 }
 
 void PreviewModel::Pan(double dx, double dy) {
-  fit_.dx += dx;
-  fit_.dy += dy;
+  fit_.to.x += dx;
+  fit_.to.y += dy;
   shows_all_ = false;
 }
 

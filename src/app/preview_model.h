@@ -4,8 +4,8 @@
 // corner.
 #pragma once
 
+#include "drawing/geometry.h"
 #include "export/fit.h"
-#include "parts/geometry.h"
 
 namespace kerno {
 
@@ -27,16 +27,16 @@ class PreviewModel {
   void ZoomAt(double x, double y, double steps);
   void Pan(double dx, double dy);
 
-  const Fit& fit() const { return fit_; }
+  const Affine& fit() const { return fit_; }
   bool shows_all() const { return shows_all_; }
 
  private:
-  Fit WholeFit() const;
+  Affine WholeFit() const;
   bool IsSeen() const;
 
   double width_ = 0, height_ = 0;
   Extent3 box_;
-  Fit fit_;
+  Affine fit_ = FlippedY(1, {});
   bool shows_all_ = true;
 };
 

@@ -3,6 +3,8 @@
 #include <span>
 #include <vector>
 
+#include "drawing/affine.h"
+
 namespace kerno {
 namespace {
 
@@ -33,9 +35,8 @@ std::span<const P3> CollectLoop(std::span<const P2> contour, std::vector<P3>* ro
 }  // namespace
 
 void StoreContours(const RebuildOptions& options, GlyphContours* contours) {
-  for (P2& p : contours->points) {
-    p = {p.x * options.scale + options.at.x, -p.y * options.scale + options.at.y};
-  }
+  const Affine up = FlippedY(options.scale, options.at);
+  for (P2& p : contours->points) p = up.Apply(p);
 }
 
 void BuildParts(const GlyphContours& stored, const RebuildOptions& options, PartsA* parts) {

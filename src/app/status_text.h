@@ -6,7 +6,7 @@
 
 #include "app/dialog_view.h"
 #include "app/typesetter.h"
-#include "parts/geometry.h"
+#include "drawing/geometry.h"
 #include "parts/parts.h"
 
 namespace kerno {

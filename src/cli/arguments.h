@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "parts/geometry.h"
+#include "drawing/geometry.h"
 
 namespace kerno {
 

@@ -54,7 +54,7 @@ BmpLayout LayOutBmp(const Extent3& box, const BmpOptions& options) {
   layout.one_to_one = scale == 1;
   layout.width = std::min(kMaxBmpSide, SideFor(width * scale));
   layout.height = std::min(kMaxBmpSide, SideFor(height * scale));
-  layout.fit = {scale, kBmpMargin - box.min.x * scale, kBmpMargin + box.max.y * scale};
+  layout.fit = FlippedY(scale, {kBmpMargin - box.min.x * scale, kBmpMargin + box.max.y * scale});
   return layout;
 }
 
@@ -102,7 +102,7 @@ Status WriteBmp(const PartsA& model, const BmpOptions& options, const std::files
   if (!surface) {
     return Status::Error(Failure::kOther, PathText(name), u"not enough memory for the picture");
   }
-  if (!layout.one_to_one) TellScale(layout.fit.scale, name);
+  if (!layout.one_to_one) TellScale(PixelsPerUnit(layout.fit), name);
   TellLeftOut(DrawParts(surface->Context(), model, layout.fit, {.detail = kDetail}), name);
 
   std::string block = BmpHeader(layout.width, layout.height);

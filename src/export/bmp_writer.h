@@ -29,7 +29,7 @@ inline constexpr double kSmallBmpSide = 256;
 struct BmpLayout {
   int width = 1;
   int height = 1;
-  Fit fit;
+  Affine fit = FlippedY(1, {});
   bool one_to_one = true;
 };
 BmpLayout LayOutBmp(const Extent3& box, const BmpOptions& options);

@@ -5,7 +5,7 @@
 
 namespace kerno {
 
-void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Fit& fit,
+void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Affine& fit,
                   const DrawOptions& options) {
   PointRun run(options.detail);
   std::vector<uint32_t> counts;
@@ -19,7 +19,7 @@ void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Fit& 
     for (; at < end; ++at) {
       const P2& p = contours.points[at];
       if (!IsPictured(p.x) || !IsPictured(p.y)) continue;
-      const DevicePoint placed = fit.Apply(p);
+      const DevicePoint placed = Placed(fit, p);
       if (pictured++ == 0) min = max = placed;
       min = {std::min(min.x, placed.x), std::min(min.y, placed.y)};
       max = {std::max(max.x, placed.x), std::max(max.y, placed.y)};

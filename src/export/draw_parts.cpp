@@ -35,7 +35,8 @@ class ObjectShelf {
 
 class PartsDrawer {
  public:
-  PartsDrawer(DrawingContext& dc, const Fit& fit, const DrawOptions& options, const PartsA& model)
+  PartsDrawer(DrawingContext& dc, const Affine& fit, const DrawOptions& options,
+              const PartsA& model)
       : dc_(dc),
         fit_(fit),
         model_(model),
@@ -79,7 +80,7 @@ class PartsDrawer {
   }
   // A length of the pen in pixels; 0, the context's own, for what is no length.
   double PenLength(double length) const {
-    const double pixels = std::fabs(length) * fit_.scale;
+    const double pixels = std::fabs(length) * PixelsPerUnit(fit_);
     return std::isfinite(pixels) ? std::min(pixels, kMaxDevice) : 0;
   }
   void SelectPen(const PenData& data) {
@@ -106,7 +107,7 @@ class PartsDrawer {
   }
 
   DrawingContext& dc_;
-  Fit fit_;
+  Affine fit_;
   const PartsA& model_;
   double hatch_unit_ = 0;  // 0: not asked for yet
   PenData pen_;
@@ -184,7 +185,7 @@ void PartsDrawer::DrawFaces(const Parts& part) {
         continue;
       }
       if (loop.size() > kPiece) flush();
-      for (const P2& p : loop) pieces.push_back(fit_.Apply(p));
+      for (const P2& p : loop) pieces.push_back(Placed(fit_, p));
       counts.push_back(static_cast<uint32_t>(loop.size()));
       if (loop.size() > kPiece) {
         dc_.DrawPolygons(pieces, counts);
@@ -224,7 +225,7 @@ void PartsDrawer::HatchFace(const std::vector<P2>& loop) {
   const PenData hairline{.color = static_cast<uint32_t>(brush_.color) & 0xFFFFFF};
   const auto draw_clipped = [&](const HatchLine& line) {
     for (const HatchLine& piece : ClipToLoops(line, loops)) {
-      const DevicePoint ends[] = {fit_.Apply(piece.from), fit_.Apply(piece.to)};
+      const DevicePoint ends[] = {Placed(fit_, piece.from), Placed(fit_, piece.to)};
       dc_.DrawPolyline(ends);
     }
   };
@@ -234,7 +235,7 @@ void PartsDrawer::HatchFace(const std::vector<P2>& loop) {
     if (circle.filled) {
       if (!IsInside(circle.centre, loops)) continue;
       dc_.SelectPen(null_pen_.get());
-      dc_.DrawCircle(fit_.Apply(circle.centre), circle.radius * fit_.scale);
+      dc_.DrawCircle(Placed(fit_, circle.centre), circle.radius * PixelsPerUnit(fit_));
       SelectPen(hairline);
       continue;
     }
@@ -251,7 +252,7 @@ void PartsDrawer::DrawLines(const Parts& part) {
   for (const LineItem& line : part.lines.items) {
     if (open && line.start == end) {
       const P3* p = PicturedVertex(part, line.end);
-      if (p) run_.Add(fit_.Apply(*p));
+      if (p) run_.Add(Placed(fit_, *p));
       if (!p) FlushLine();
       open = p != nullptr;
     } else {
@@ -260,8 +261,8 @@ void PartsDrawer::DrawLines(const Parts& part) {
       const P3* to = from ? PicturedVertex(part, line.end) : nullptr;
       open = to != nullptr;
       if (open) {
-        run_.Add(fit_.Apply(*from));
-        run_.Add(fit_.Apply(*to));
+        run_.Add(Placed(fit_, *from));
+        run_.Add(Placed(fit_, *to));
       }
     }
     end = line.end;
@@ -274,7 +275,7 @@ void PartsDrawer::DrawEdges(const Parts& part) {
     const P3* from = PicturedVertex(part, edge.values[0]);
     const P3* to = from ? PicturedVertex(part, edge.values[1]) : nullptr;
     if (!to) continue;
-    const DevicePoint ends[] = {fit_.Apply(*from), fit_.Apply(*to)};
+    const DevicePoint ends[] = {Placed(fit_, *from), Placed(fit_, *to)};
     dc_.DrawPolyline(ends);
   }
 }
@@ -295,7 +296,8 @@ void PartsDrawer::DrawCircles(const Parts& part) {
       sweep = DirectionDegrees(*shape.centre, *shape.end) - start;
       if (sweep <= 0) sweep += 360;
     }
-    dc_.DrawArc(fit_.Apply(*shape.centre), std::fabs(circle.radius) * fit_.scale, start, sweep);
+    dc_.DrawArc(Placed(fit_, *shape.centre), std::fabs(circle.radius) * PixelsPerUnit(fit_), start,
+                sweep);
   }
 }
 
@@ -305,7 +307,7 @@ void PartsDrawer::DrawPoints(const Parts& part) {
       for (int32_t index : set.vertices) {
         const P3* p = PicturedVertex(part, index);
         if (!p) continue;
-        const DevicePoint at = fit_.Apply(*p);
+        const DevicePoint at = Placed(fit_, *p);
         const DevicePoint across[] = {{at.x - kPointArm, at.y}, {at.x + kPointArm, at.y}};
         const DevicePoint down[] = {{at.x, at.y - kPointArm}, {at.x, at.y + kPointArm}};
         dc_.DrawPolyline(across);
@@ -347,7 +349,7 @@ void PartsDrawer::DrawTexts(const Parts& part) {
 
 }  // namespace
 
-PictureNotes DrawParts(DrawingContext& dc, const PartsA& model, const Fit& fit,
+PictureNotes DrawParts(DrawingContext& dc, const PartsA& model, const Affine& fit,
                        const DrawOptions& options) {
   PartsDrawer drawer(dc, fit, options, model);
   for (const PartsElement& part : model.parts) drawer.Draw(part);

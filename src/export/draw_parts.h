@@ -21,12 +21,12 @@ struct DrawOptions {
 };
 
 // The selected pen, brush and font are selected back at the end.
-PictureNotes DrawParts(DrawingContext& dc, const PartsA& model, const Fit& fit,
+PictureNotes DrawParts(DrawingContext& dc, const PartsA& model, const Affine& fit,
                        const DrawOptions& options);
 
 // All contours (y up) as one set of polygons filled by the alternate rule, so that counters stay
 // open, with the selected pen and brush and without any limit of number.
-void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Fit& fit,
+void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Affine& fit,
                   const DrawOptions& options);
 
 // The box of everything that DrawParts shows, half the pens' widths included; zero for a model that

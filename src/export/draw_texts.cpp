@@ -72,15 +72,15 @@ class SelectedFontScope {
 }  // namespace
 
 void DrawTextLine(DrawingContext& dc, const P3& anchor, const TextLine& line,
-                  WritingDirection direction, const Fit& fit, PictureNotes* notes) {
-  const double pixels = HeightOf(line) * fit.scale;
+                  WritingDirection direction, const Affine& fit, PictureNotes* notes) {
+  const double pixels = HeightOf(line) * PixelsPerUnit(fit);
   const int32_t units = UnitsFor(pixels);
   if (pixels * units < 0.5 || pixels > kMaxFontHeight) {
     ++notes->texts_no_size;
     return;
   }
-  TextRequest request = RequestOf(line, direction, fit.scale * units);
-  const DevicePoint at = fit.Apply(anchor);
+  TextRequest request = RequestOf(line, direction, PixelsPerUnit(fit) * units);
+  const DevicePoint at = Placed(fit, anchor);
   request.placement.insertion = {at.x * units, at.y * units};
   const int32_t before = dc.SetLogicalUnits(units);
   if (DrawOutline(dc, request) == OutlineDrawing::kTooLarge) ++notes->texts_too_large;
@@ -88,10 +88,10 @@ void DrawTextLine(DrawingContext& dc, const P3& anchor, const TextLine& line,
 }
 
 void DrawTextItem(DrawingContext& dc, const P3& anchor, const TextItem& item, uint32_t color,
-                  const Fit& fit, PictureNotes* notes) {
-  const double pixels = kDefaultTextHeight * fit.scale;
+                  const Affine& fit, PictureNotes* notes) {
+  const double pixels = kDefaultTextHeight * PixelsPerUnit(fit);
   const int32_t units = UnitsFor(pixels);
-  const DevicePoint at = fit.Apply(anchor);
+  const DevicePoint at = Placed(fit, anchor);
   constexpr double kReach = std::numeric_limits<int32_t>::max();
   if (pixels * units < 0.5 || pixels > kMaxFontHeight ||
       !(std::max(std::fabs(at.x), std::fabs(at.y)) * units < kReach / 2)) {

@@ -20,12 +20,12 @@ struct PictureNotes {
 // selected pen and brush. The font is realised at a size that keeps its shapes when cut to whole
 // units: logical units finer than pixels where the letters are small.
 void DrawTextLine(DrawingContext& dc, const P3& anchor, const TextLine& line,
-                  WritingDirection direction, const Fit& fit, PictureNotes* notes);
+                  WritingDirection direction, const Affine& fit, PictureNotes* notes);
 
 // Draws the text of an element without a face of its own: the horizontal default face in the
 // colour given, centred on the anchor.
 void DrawTextItem(DrawingContext& dc, const P3& anchor, const TextItem& item, uint32_t color,
-                  const Fit& fit, PictureNotes* notes);
+                  const Affine& fit, PictureNotes* notes);
 
 // The box of a text element's ink in model coordinates, the anchor included; of the anchor alone
 // where the text has no ink.

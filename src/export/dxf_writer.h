@@ -13,8 +13,8 @@
 #include <string_view>
 #include <vector>
 
+#include "drawing/geometry.h"
 #include "export/section_buffer.h"
-#include "parts/geometry.h"
 #include "platform/file_replacement.h"
 
 namespace kerno {

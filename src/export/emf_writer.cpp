@@ -42,7 +42,8 @@ EmfLayout LayOutEmf(const Extent3& box) {
   layout.frame.width = side(width);
   layout.frame.height = side(height);
   layout.frame.units_per_pixel = UnitsPerPixel(longest * scale + 2 * kHairlineRoom);
-  layout.fit = {scale, kHairlineRoom - box.min.x * scale, kHairlineRoom + box.max.y * scale};
+  layout.fit =
+      FlippedY(scale, {kHairlineRoom - box.min.x * scale, kHairlineRoom + box.max.y * scale});
   return layout;
 }
 
@@ -52,7 +53,7 @@ Status WriteEmf(const PartsA& model, const EmfOptions& options, const std::files
   const EmfLayout layout = LayOutEmf(PictureBox(model, fonts.get()));
   const std::u16string title = options.title.empty() ? PathText(name.filename()) : options.title;
   EmfContext context(layout.frame, title);
-  if (!layout.one_to_one) TellScale(layout.fit.scale, name);
+  if (!layout.one_to_one) TellScale(PixelsPerUnit(layout.fit), name);
   TellLeftOut(DrawParts(context, model, layout.fit, {}), name);
   return out->Write(context.Finish());
 }

@@ -18,7 +18,7 @@ struct EmfOptions {
 // unless the drawing is smaller than a pixel or its longer side passes kMaxEmfSide.
 struct EmfLayout {
   EmfFrame frame;
-  Fit fit;
+  Affine fit = FlippedY(1, {});
   bool one_to_one = true;
 };
 inline constexpr double kMaxEmfSide = 1 << 22;  // pixels

@@ -5,7 +5,7 @@
 
 namespace kerno {
 
-Fit FitExtent(const Extent3& box, const PictureFrame& frame, double margin) {
+Affine FitExtent(const Extent3& box, const PictureFrame& frame, double margin) {
   const double room_x = std::max(1.0, frame.width - 2 * margin);
   const double room_y = std::max(1.0, frame.height - 2 * margin);
   const double width = box.max.x - box.min.x;
@@ -13,14 +13,12 @@ Fit FitExtent(const Extent3& box, const PictureFrame& frame, double margin) {
   constexpr double kAny = std::numeric_limits<double>::max();
   const double by_width = width > 0 ? room_x / width : kAny;
   const double by_height = height > 0 ? room_y / height : kAny;
-  Fit fit;
-  const double scale = std::min(by_width, by_height);
-  if (scale < kAny) fit.scale = scale;
+  const double least = std::min(by_width, by_height);
+  const double scale = least < kAny ? least : 1;
   const double centre_x = box.min.x + width / 2;
   const double centre_y = box.min.y + height / 2;
-  fit.dx = frame.left + frame.width / 2 - centre_x * fit.scale;
-  fit.dy = frame.top + frame.height / 2 + centre_y * fit.scale;
-  return fit;
+  return FlippedY(scale, {frame.left + frame.width / 2 - centre_x * scale,
+                          frame.top + frame.height / 2 + centre_y * scale});
 }
 
 }  // namespace kerno

@@ -1,7 +1,7 @@
 // From model coordinates (y up) to picture coordinates (pixels, y down).
 #pragma once
 
-#include "parts/geometry.h"
+#include "drawing/affine.h"
 #include "platform/drawing.h"
 
 namespace kerno {
@@ -19,16 +19,19 @@ inline bool IsPictured(const P3& p) {
 // the drawing is a dot.
 inline constexpr double kLeastEnlarged = 1e-300;
 
-// Pixels = (dx + x * scale, dy - y * scale).
-struct Fit {
-  double scale = 1;
-  double dx = 0;
-  double dy = 0;
+// Where a point of the model lies in the picture.
+inline DevicePoint Placed(const Affine& fit, const P2& p) {
+  const P2 at = fit.Apply(p);
+  return {at.x, at.y};
+}
+inline DevicePoint Placed(const Affine& fit, const P3& p) {
+  return Placed(fit, P2{p.x, p.y});
+}
 
-  DevicePoint Apply(double x, double y) const { return {dx + x * scale, dy - y * scale}; }
-  DevicePoint Apply(const P3& p) const { return Apply(p.x, p.y); }
-  DevicePoint Apply(const P2& p) const { return Apply(p.x, p.y); }
-};
+// Pixels of a unit, for a map that FitExtent or FlippedY made.
+inline double PixelsPerUnit(const Affine& fit) {
+  return fit.xx;
+}
 
 // A rectangle of a picture, in pixels.
 struct PictureFrame {
@@ -40,6 +43,6 @@ struct PictureFrame {
 
 // Fits the box into the frame less `margin` on each side: proportions kept, centred. A box without
 // width and height is centred at scale 1; a margin that leaves nothing leaves one pixel.
-Fit FitExtent(const Extent3& box, const PictureFrame& frame, double margin);
+Affine FitExtent(const Extent3& box, const PictureFrame& frame, double margin);
 
 }  // namespace kerno

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "parts/geometry.h"
+#include "drawing/geometry.h"
 
 namespace kerno {
 

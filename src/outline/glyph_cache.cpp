@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "drawing/affine.h"
 #include "outline/glyph_outline.h"
-#include "outline/turn.h"
 
 namespace kerno {
 namespace {
@@ -50,13 +50,13 @@ const CachedGlyph& GlyphCache::Get(DeviceContext& dc, char32_t ch) {
 // Turned about its own middle, a narrow cell (a Latin letter on its side) would hang to the left of
 // the wide ones; and where the pen moves by whole cells it would reach into the one above.
 void GlyphCache::Stand(CachedGlyph* glyph) const {
-  const Turn turn(stance_.angle);
   const P2 middle = {glyph->metrics.gmCellIncX * 0.5,
                      (metrics_.tmAscent - metrics_.tmDescent) * 0.5};
+  const Affine turn = Turned(stance_.angle, middle);
   const double half_em = (metrics_.tmHeight - metrics_.tmInternalLeading) * 0.5;
   const double inwards = stance_.column ? half_em - middle.x : 0;
   for (P2& p : glyph->contours.points) {
-    p = turn.Apply(p, middle);
+    p = turn.Apply(p);
     p.x += inwards;
     if (stance_.stacked) p.y -= inwards;
   }

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "parts/geometry.h"
+#include "drawing/geometry.h"
 
 namespace kerno {
 

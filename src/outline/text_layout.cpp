@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "base/text.h"
+#include "drawing/affine.h"
 #include "outline/glyph_cache.h"
-#include "outline/turn.h"
 #include "platform/stock_font.h"
 
 namespace kerno {
@@ -184,16 +184,12 @@ void PlaceBlock(std::vector<P2>* points, const BlockPlacement& placement) {
 
 void PlaceBlock(std::vector<P2>* points, P2 low, P2 high, const BlockPlacement& placement) {
   const P2 centre = Midpoint(low, high);
-  if (placement.slant != 0) {
-    const Turn slant(placement.slant);
-    for (P2& p : *points) p = slant.Apply(p, {p.x, centre.y});
-  }
-  if (placement.angle != 0) {
-    const Turn turn(placement.angle);
-    for (P2& p : *points) p = turn.Apply(p, centre);
-  }
-  const P2 shift = {placement.insertion.x - centre.x, placement.insertion.y + centre.y};
-  for (P2& p : *points) p = {p.x + shift.x, -p.y + shift.y};
+  const auto apply = [&](const Affine& map) {
+    for (P2& p : *points) p = map.Apply(p);
+  };
+  if (placement.slant != 0) apply(Leaned(placement.slant, centre.y));
+  if (placement.angle != 0) apply(Turned(placement.angle, centre));
+  apply(FlippedY(1, {placement.insertion.x - centre.x, placement.insertion.y + centre.y}));
 }
 
 uint32_t StringOutline(DeviceContext& dc, const TextRequest& request, GlyphContours* contours) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "parts/geometry.h"
+#include "drawing/geometry.h"
 
 namespace kerno {
 

@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "parts/geometry.h"
+#include "drawing/geometry.h"
 
 namespace kerno {
 

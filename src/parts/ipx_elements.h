@@ -3,8 +3,8 @@
 // missing stays at the default.
 #pragma once
 
+#include "drawing/geometry.h"
 #include "parts/elements.h"
-#include "parts/geometry.h"
 #include "parts/ipx_lexer.h"
 
 namespace kerno::ipx {

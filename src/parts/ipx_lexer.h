@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "parts/geometry.h"
+#include "drawing/geometry.h"
 #include "parts/ipx_packed.h"
 
 namespace kerno::ipx {

@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
+#include "drawing/geometry.h"
 #include "parts/color.h"
 #include "parts/elements.h"
-#include "parts/geometry.h"
 #include "parts/vertex_pool.h"
 
 namespace kerno {

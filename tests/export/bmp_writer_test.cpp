@@ -45,11 +45,11 @@ TEST(BmpWriter, LaysOutOneUnitAPixelWithinLimits) {
     const BmpLayout layout = LayOutBmp({{5, 5, 0}, {5 + c.width, 5 + c.height, 0}}, c.options);
     EXPECT_EQ(layout.width, c.bmp_width) << c.width << " x " << c.height;
     EXPECT_EQ(layout.height, c.bmp_height) << c.width << " x " << c.height;
-    EXPECT_NEAR(layout.fit.scale, c.scale, c.scale * 1e-6) << c.width << " x " << c.height;
+    EXPECT_NEAR(PixelsPerUnit(layout.fit), c.scale, c.scale * 1e-6) << c.width << " x " << c.height;
   }
   const BmpLayout dot = LayOutBmp({{0, 0, 0}, {1e-310, 1e-320, 0}}, {});  // no scale is that large
   EXPECT_EQ(dot.width, 8);
-  EXPECT_EQ(dot.fit.scale, 1);
+  EXPECT_EQ(dot.PixelsPerUnit(fit), 1);
 }
 
 TEST(BmpWriter, HeaderAndRowsAreThoseOfTheFormat) {

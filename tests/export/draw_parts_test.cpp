@@ -36,7 +36,7 @@ class DrawPartsTest : public testing::Test {
     part_.pen.color = 0x0000FF;
     part_.brush.color = 0x00FF00;
   }
-  PictureNotes Draw(const Fit& fit = {}, double detail = 0) {
+  PictureNotes Draw(const Affine& fit = FlippedY(1, {}), double detail = 0) {
     dc_.calls.clear();
     return DrawParts(dc_, model_, fit, {.detail = detail});
   }
@@ -67,12 +67,12 @@ TEST(FitExtent, KeepsProportionsCentresAndTurnsYDown) {
       {{{0, 0, 0}, {1e-9, 5e-10, 0}}, 8e10, {10, 50}, {90, 10}},
   };
   for (const auto& c : cases) {
-    const Fit fit = FitExtent(c.box, {0, 0, 100, 60}, 10);
-    EXPECT_NEAR(fit.scale, c.scale, c.scale * 1e-12);
-    EXPECT_NEAR(fit.Apply(c.box.min).x, c.low.x, 1e-6);
-    EXPECT_NEAR(fit.Apply(c.box.min).y, c.low.y, 1e-6);
-    EXPECT_NEAR(fit.Apply(c.box.max).x, c.high.x, 1e-6);
-    EXPECT_NEAR(fit.Apply(c.box.max).y, c.high.y, 1e-6);
+    const Affine fit = FitExtent(c.box, {0, 0, 100, 60}, 10);
+    EXPECT_NEAR(PixelsPerUnit(fit), c.scale, c.scale * 1e-12);
+    EXPECT_NEAR(Placed(fit, c.box.min).x, c.low.x, 1e-6);
+    EXPECT_NEAR(Placed(fit, c.box.min).y, c.low.y, 1e-6);
+    EXPECT_NEAR(Placed(fit, c.box.max).x, c.high.x, 1e-6);
+    EXPECT_NEAR(Placed(fit, c.box.max).y, c.high.y, 1e-6);
   }
 }
 

@@ -212,8 +212,8 @@ TEST(EmfWriter, AnotherProgramDrawsTheSamePicture) {
     const test::Picture other = test::ReadPicture(emf + ".png");
     const int width = layout.frame.width, height = layout.frame.height;
     EXPECT_GE(AgreementNearInk(test::Drawn(model, width, height, layout.fit), other), 0.99) << name;
-    Fit moved = layout.fit;
-    moved.dx += 3;
+    Affine moved = layout.fit;
+    moved.to.x += 3;
     EXPECT_LT(AgreementNearInk(test::Drawn(model, width, height, moved), other), 0.9)
         << "a blind comparison";
   }

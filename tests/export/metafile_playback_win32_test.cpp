@@ -108,11 +108,12 @@ TEST(MetafilePlayback, TheSystemDrawsTheSamePicture) {
     EXPECT_GE(AgreementNearInk(ours, theirs), kAlike);
 
     // Each of these would be noticed.
-    Fit moved = layout.fit;
-    moved.dx += 2;
-    moved.dy += 2;
-    Fit larger = layout.fit;
-    larger.scale *= 1.05;
+    Affine moved = layout.fit;
+    moved.to.x += 2;
+    moved.to.y += 2;
+    Affine larger = layout.fit;
+    larger.xx *= 1.05;
+    larger.yy *= 1.05;
     const std::pair<const char*, Picture> wrong[] = {
         {"moved", test::Drawn(model, width, height, moved)},
         {"larger", test::Drawn(model, width, height, larger)},

@@ -296,7 +296,7 @@ double Agreement(const PartsA& model, double pixels) {
   const int height = static_cast<int>(std::lround((box.max.y - box.min.y) * pixels));
   test::OutputOf("rsvg-convert -b white -w " + std::to_string(width) + " -h " +
                  std::to_string(height) + " " + svg + " -o " + svg + ".png");
-  const Fit fit = {pixels, -box.min.x * pixels, box.max.y * pixels};
+  const Affine fit = FlippedY(pixels, {-box.min.x * pixels, box.max.y * pixels});
   return test::AgreementNearInk(test::ReadPicture(svg + ".png"),
                                 test::Drawn(model, width, height, fit));
 }

@@ -41,7 +41,7 @@ inline Picture PictureOf(const BitmapSurface& surface) {
 }
 
 // Our own picture of a drawing, on white.
-inline Picture Drawn(const PartsA& model, int width, int height, const Fit& fit,
+inline Picture Drawn(const PartsA& model, int width, int height, const Affine& fit,
                      const DrawOptions& options = {}) {
   const auto surface = CreateBitmapSurface(width, height, 0xFFFFFF);
   DrawParts(surface->Context(), model, fit, options);
