@@ -103,7 +103,7 @@ class Dialog final : private OutputNotifier, private Notices {
   bool DrawsContours() const;
   Color FirstColor() const;
   OutputSubject Subject() const;
-  void WriteOutput(OutputKind kind);
+  void WriteOutput(const Format& format);
   void Upload();
   void ReportOutputs();
   void EndProgress();
