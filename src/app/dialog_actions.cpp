@@ -110,7 +110,7 @@ void Dialog::SetOutputFolder(const fs::path& folder) {
 // Outputs
 
 OutputSubject Dialog::Subject() const {
-  return {.face = FaceFor(memory_.face, memory_.vertical),
+  return {.face = SystemFaceName(Face()),
           .height = memory_.height,
           .text = text_,
           .color = FirstColor()};

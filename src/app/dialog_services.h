@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "app/dialog_view.h"
-#include "app/rebuild.h"
+#include "app/job.h"
 #include "export/formats.h"
 #include "outline/text_layout.h"
 #include "parts/parts.h"

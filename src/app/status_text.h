@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "app/dialog_view.h"
-#include "app/typesetter.h"
 #include "drawing/geometry.h"
+#include "outline/typesetter.h"
 #include "parts/parts.h"
 
 namespace kerno {
@@ -14,14 +14,13 @@ namespace kerno {
 // Characters, contours, points, size in units, the face really used, and what the user should know
 // besides: a substitute for the face that was asked for, characters without a glyph or without an
 // outline at this size, a text that ends early.
-std::u16string DescribeText(const SetText& set, std::u16string_view wanted_face,
-                            const Extent3& box);
+std::u16string DescribeText(const TypesetText& set, const FaceForm& wanted, const Extent3& box);
 
 // The same of parts that came from a file.
 std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, const Extent3& box);
 
 // Whether DescribeText has something to warn of.
-bool HasWarning(const SetText& set, std::u16string_view wanted_face);
+bool HasWarning(const TypesetText& set, const FaceForm& wanted);
 
 // The colour of a status line of this kind where other text has the colour `normal` on `paper`.
 Color StatusInk(StatusKind kind, Color normal, Color paper);
