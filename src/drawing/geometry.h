@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <limits>
 
 namespace kerno {
 
@@ -13,8 +14,8 @@ struct P3 {
   double x = 0, y = 0, z = 0;
 };
 
-// Neither less nor greater: 0.0 equals -0.0, and not-a-number equals everything. No tolerance,
-// meant so.
+// Classic: neither less nor greater, so that 0.0 equals -0.0 and not-a-number equals everything; no
+// tolerance, as vertices that differ in the last digit stay two in every file.
 inline bool SameCoordinate(double a, double b) {
   return !(a < b) && !(a > b);
 }
@@ -45,17 +46,24 @@ inline void Include(Extent3* box, const P3& p) {
   box->max = {std::max(box->max.x, p.x), std::max(box->max.y, p.y), std::max(box->max.z, p.z)};
 }
 
+// The box of no point, from which Include gathers one.
+inline constexpr double kFar = std::numeric_limits<double>::infinity();
+inline constexpr Extent3 kEmptyExtent = {{kFar, kFar, kFar}, {-kFar, -kFar, -kFar}};
+
+// A box that was gathered from kEmptyExtent on; an axis that no number reached becomes 0.
+inline Extent3 GatheredExtent(Extent3 box) {
+  for (double P3::*axis : {&P3::x, &P3::y, &P3::z}) {
+    if (box.min.*axis > box.max.*axis) box.min.*axis = box.max.*axis = 0;
+  }
+  return box;
+}
+
 // The componentwise minimum and maximum of a list of points; zero for an empty list.
 template <class Points>
 Extent3 ExtentOf(const Points& points) {
-  Extent3 box;
-  bool first = true;
-  for (const P3& p : points) {
-    if (first) box = {p, p};
-    first = false;
-    Include(&box, p);
-  }
-  return box;
+  Extent3 box = kEmptyExtent;
+  for (const P3& p : points) Include(&box, p);
+  return GatheredExtent(box);
 }
 
 }  // namespace kerno

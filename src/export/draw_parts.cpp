@@ -198,9 +198,9 @@ void PartsDrawer::DrawFaces(const Parts& part) {
 }
 
 Extent3 BoxOf(const std::vector<P2>& loop) {
-  Extent3 box = {{loop[0].x, loop[0].y, 0}, {loop[0].x, loop[0].y, 0}};
+  Extent3 box = kEmptyExtent;
   for (const P2& p : loop) Include(&box, {p.x, p.y, 0});
-  return box;
+  return GatheredExtent(box);
 }
 
 // A circle as a polygon's sides, fine enough for a hatch.

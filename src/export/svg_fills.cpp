@@ -86,8 +86,9 @@ void SvgFills::Hatch(const std::vector<const P3*>& loop, const PartsElement& own
     DumpText(u"SvgOut", u"SvgOut::DrawHatch\tpoints.GetCount()==0");
     return;
   }
-  Extent3 box = {*loop[0], *loop[0]};
+  Extent3 box = kEmptyExtent;
   for (const P3* p : loop) Include(&box, *p);
+  box = GatheredExtent(box);
   std::string id = "Clip-Path-";
   AppendInteger(&id, ++clip_paths_);
   canvas_.xml.Begin("clipPath");
