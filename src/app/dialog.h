@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -84,6 +85,7 @@ class Dialog final : private OutputNotifier, private Notices {
   void FileWritten(const std::filesystem::path& file, const Status& result) override;
   // Notices
   void Message(std::u16string_view text) override;
+  void Ask(std::u16string_view text, std::function<void(int button)> answered) override;
   void ShowWait(std::u16string_view text) override;
   void ClearWait() override;
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;
@@ -143,8 +145,9 @@ class Dialog final : private OutputNotifier, private Notices {
   bool collects_ = false;
   bool shows_progress_ = false;
   std::vector<std::filesystem::path> reported_;
-  std::u16string failures_;  // a line each
-  std::u16string messages_;  // a line each
+  std::u16string failures_;                               // a line each
+  std::u16string messages_;                               // a line each
+  std::vector<std::function<void(int button)>> answers_;  // to the messages that are asked
 };
 
 }  // namespace kerno

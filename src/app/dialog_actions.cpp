@@ -152,7 +152,14 @@ void Dialog::ReportOutputs() {
   reported_.clear();
   std::u16string told = failures + messages;
   if (!told.empty()) told.pop_back();
-  if (!failures.empty() || (outputs_.folder_refused() && !told.empty())) view_.ShowMessage(told);
+  const auto closed = [answers = std::exchange(answers_, {})] {
+    for (const auto& answered : answers) answered(kOkButton);
+  };
+  if (!failures.empty() || (outputs_.folder_refused() && !told.empty())) {
+    view_.ShowMessage(told, closed);
+  } else {
+    closed();
+  }
   if (!failures.empty()) {
     return ShowStatus(failures.substr(0, failures.find(u'\n')), StatusKind::kFailure);
   }
@@ -183,6 +190,12 @@ void Dialog::Message(std::u16string_view text) {
   if (!collects_) return view_.ShowMessage(text);
   messages_ += text;
   messages_ += u"\n";
+}
+
+void Dialog::Ask(std::u16string_view text, std::function<void(int button)> answered) {
+  if (!collects_) return view_.ShowMessage(text, [answered] { answered(kOkButton); });
+  Message(text);
+  answers_.push_back(std::move(answered));
 }
 
 void Dialog::ShowWait(std::u16string_view text) {
@@ -241,12 +254,12 @@ void Dialog::DropText(const fs::path& file) {
     return;
   }
   std::u16string text;
-  Status why = Status::Ok();
   // What is neither UTF-16 nor UTF-8 is taken for the 8-bit code page.
-  if (!LoadText(file, &text).ok()) ReadText(file, &text, TextForm::kDetect, &why);
-  if (!why.ok()) {
-    view_.ShowMessage(LineOf(why));
-    return;
+  if (!LoadText(file, &text).ok()) {
+    std::string bytes;
+    const Status read = ReadFileBytes(file, &bytes);
+    if (!read.ok()) return view_.ShowMessage(LineOf(read));
+    text = DecodeText(bytes);
   }
   text = LinesOf(text);
   view_.ShowText(text, TextChange::kUndoable);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -58,7 +59,10 @@ class DialogView {
   virtual void RepaintPreview() = 0;
 
   // A message that the user closes.
-  virtual void ShowMessage(std::u16string_view text) = 0;
+  void ShowMessage(std::u16string_view text) {
+    ShowMessage(text, [] {});
+  }
+  virtual void ShowMessage(std::u16string_view text, std::function<void()> closed) = 0;
 
   // Progress of something long; shown only when it takes a while. kNo when the user cancelled.
   virtual Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) = 0;

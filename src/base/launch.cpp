@@ -5,7 +5,6 @@
 #include "base/text.h"
 #include "platform/folder_path.h"
 #include "platform/registry.h"
-#include "platform/shell.h"
 
 namespace kerno {
 namespace {
@@ -13,7 +12,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kLastFailure = 32;
-constexpr int kOkButton = 1;
 constexpr std::u16string_view kDumpName = u"Launch";
 constexpr std::u16string_view kAppPaths =
     u"Software\\Microsoft\\Windows\\CurrentVersion\\App Paths\\";
@@ -50,12 +48,13 @@ std::u16string Joined(const std::vector<std::u16string>& parameters) {
   return text;
 }
 
-// Tells the user and keeps a record; the record does not need a user interface.
+// Tells the user and keeps a record of the answer.
 void Report(const std::u16string& message) {
-  CurrentNotices().Message(message);
-  std::u16string record = u"---- OK              Button1  ";
-  record.append(ButtonLabel(kOkButton)).append(u"\r\n").append(message).append(u"\r\n");
-  DumpText(kDumpName, record);
+  CurrentNotices().Ask(message, [message](int button) {
+    std::u16string record = u"---- OK              Button1  ";
+    record.append(ButtonLabel(button)).append(u"\r\n").append(message).append(u"\r\n");
+    DumpText(kDumpName, record);
+  });
 }
 
 bool IsFile(const fs::path& path) {
@@ -76,11 +75,7 @@ bool IsText(const RegistryValue& value) {
 
 // Paths stand there with quotes round them or without.
 fs::path PathOf(const RegistryValue& value) {
-  std::u16string_view text = value.text;
-  if (text.size() >= 2 && text.front() == u'"' && text.back() == u'"') {
-    text = text.substr(1, text.size() - 2);
-  }
-  return TextPath(text);
+  return TextPath(Unquote(value.text));
 }
 
 fs::path FromAppPaths(std::u16string_view name) {
@@ -130,17 +125,15 @@ std::u16string LaunchMessage(const LaunchRequest& request) {
   for (const ResultText& known : kResults) {
     if (known.result == request.result) message = known.text;
   }
-  // "Paramaters" is spelled so in every record that exists.
+  // Classic: "Paramaters" is misspelt, as in the records that exist.
   return message + u"\nFile=" + QuoteText(file, u'"') + u"\nParamaters=" +
          QuoteText(parameters, u'"');
 }
 
 bool Launch(LaunchRequest* request) {
   Shell& shell = CurrentShell();
-  request->result =
-      shell.Execute(request->verb, request->file, request->parameters, request->folder);
-  if (request->result > kLastFailure) return true;
-  if (shell.StartProcess(request->file, request->parameters, request->folder)) return true;
+  request->result = shell.Execute(*request);
+  if (request->result > kLastFailure || shell.StartProcess(*request)) return true;
   Report(LaunchMessage(*request));
   return false;
 }

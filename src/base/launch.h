@@ -4,29 +4,26 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "platform/shell.h"
 
 namespace kerno {
 
-struct LaunchRequest {
-  std::u16string verb = u"open";  // "open", "print", "explore", "edit", or "find" for a folder
-  std::filesystem::path file;     // a file, a folder, or an address
-  std::vector<std::u16string> parameters;
-  std::filesystem::path folder;  // working folder; empty: the current one
-
+struct LaunchRequest : ShellRequest {
   // Filled in by Launch: the shell's result, above 32 when it did what was asked.
   int result = 0;
 };
 
 // Asks the shell, and when it refuses starts the file as a program. False when both fail: the user
-// is told why, in the shell's words, and the dump log gets a record.
+// is told why, in the shell's words, and once the user has answered the dump log gets a record.
 bool Launch(LaunchRequest* request);
 
 // The message for a shell result, the file and the parameters.
 std::u16string LaunchMessage(const LaunchRequest& request);
 
 // How the record names the button that the user pressed in a message box: 1 OK, 2 cancel, 3 abort,
-// 4 retry, 5 ignore, 6 yes, 7 no. The misspelling of the fifth is meant.
+// 4 retry, 5 ignore, 6 yes, 7 no.
+// Classic: the fifth is misspelt, as in the records that exist.
 std::u16string_view ButtonLabel(int button);
 
 // The full path of an installed program by its file name: from the registry's App Paths, else from

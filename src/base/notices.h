@@ -3,11 +3,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 
 namespace kerno {
 
 enum class Continue { kYes, kNo };
+
+inline constexpr int kOkButton = 1;
 
 class Notices {
  public:
@@ -15,6 +18,14 @@ class Notices {
 
   // A message that the user should read (a failure, a warning).
   virtual void Message(std::u16string_view text) = 0;
+
+  // The same, for a record of the answer: `answered` gets the number of the button that the user
+  // pressed (ButtonLabel in base/launch.h), after that was done. Where messages are no boxes, at
+  // once.
+  virtual void Ask(std::u16string_view text, std::function<void(int button)> answered) {
+    Message(text);
+    answered(kOkButton);
+  }
 
   // The wait display: shown while a file that another process holds is waited for; ClearWait
   // removes it.

@@ -18,8 +18,9 @@ ExitStatus StartDesktop() {
   const std::filesystem::path name = "kerno-desktop";
   std::error_code error;
   const std::filesystem::path beside = ProgramFolder() / name;
-  const bool stands_beside = std::filesystem::is_regular_file(beside, error);
-  if (CurrentShell().StartProcess(stands_beside ? beside : name, {}, {})) return kDone;
+  ShellRequest request;
+  request.file = std::filesystem::is_regular_file(beside, error) ? beside : name;
+  if (CurrentShell().StartProcess(request)) return kDone;
   ReportError("kerno-desktop", "cannot be started: it stands neither beside kerno nor on PATH");
   return kFailed;
 }

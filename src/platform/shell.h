@@ -9,22 +9,32 @@
 
 namespace kerno {
 
+// How a started program is to show its window, where the system passes that on.
+enum class WindowShow { kNormal, kMinimised, kMaximised };
+
+struct ShellRequest {
+  std::u16string verb = u"open";  // "open", "print", "explore", "edit", or "find" for a folder
+  std::filesystem::path file;     // a file, a folder, or an address ("https://...")
+  std::vector<std::u16string> parameters;
+  std::filesystem::path folder;  // working folder; empty: the current one
+
+  // Both without effect where the system's shell does not take them.
+  void* owner = nullptr;  // native window under which the shell asks; null: the active one
+  WindowShow show = WindowShow::kNormal;
+};
+
 class Shell {
  public:
   virtual ~Shell() = default;
 
-  // Performs a verb ("open", "print", "explore", "edit" or "find") on a file, a folder or an
-  // address ("https://..."). Above 32: done. Otherwise why not, in the shell's own numbers: 2 the
-  // file and 3 its folder does not exist, 5 no access, 31 no program is associated.
-  virtual int Execute(std::u16string_view verb, const std::filesystem::path& file,
-                      const std::vector<std::u16string>& parameters,
-                      const std::filesystem::path& folder) = 0;
+  // Performs the verb. Above 32: done. Otherwise why not, in the shell's own numbers: 2 the file
+  // and 3 its folder does not exist, 5 no access, 31 no program is associated, or the one that is
+  // takes no parameters.
+  virtual int Execute(const ShellRequest& request) = 0;
 
-  // Starts a program with arguments in a working folder (the current one when empty) and does not
-  // wait for its end. A name without a folder is looked for where the system looks for programs.
-  virtual bool StartProcess(const std::filesystem::path& file,
-                            const std::vector<std::u16string>& parameters,
-                            const std::filesystem::path& folder) = 0;
+  // Starts the file as a program with the parameters in the working folder and does not wait for
+  // its end. A name without a folder is looked for where the system looks for programs.
+  virtual bool StartProcess(const ShellRequest& request) = 0;
 
   // Folders in which installed programs lie: first those that are searched by name alone, then
   // those in which every program has a folder of its own.

@@ -19,6 +19,13 @@ using test::WriteBytes;
 
 class LaunchPosixTest : public test::SettingsFixture {
  protected:
+  LaunchPosixTest() {
+    SetVariable("PATH", ((folder_ / "programs").native() + ":/bin:/usr/bin").c_str());
+    unsetenv("VISUAL");
+    unsetenv("EDITOR");
+    WriteBytes(folder_ / "file", "x");
+  }
+
   // A program that writes its arguments, one a line, and ends with `status`.
   void Script(const std::string& name, int status, const std::string& more = "") {
     fs::create_directories(folder_ / "programs");
@@ -32,91 +39,78 @@ class LaunchPosixTest : public test::SettingsFixture {
     return ReadBytes(folder_ / (name + ".out"));
   }
 
-  void OnlyScripts() {
-    SetVariable("PATH", ((folder_ / "programs").native() + ":/bin:/usr/bin").c_str());
-    unsetenv("VISUAL");
-    unsetenv("EDITOR");
+  static int Execute(const std::u16string& verb, const fs::path& file,
+                     const std::vector<std::u16string>& parameters = {}) {
+    return CurrentShell().Execute({verb, file, parameters, {}});
   }
 };
 
 TEST_F(LaunchPosixTest, ArgumentsNeverMeetAShell) {
-  OnlyScripts();
   Script("xdg-open", 0);
-  const fs::path file = folder_ / "a; touch harm $(touch harm) -x 'q";
-  WriteBytes(file, "x");
-  LaunchRequest request;
-  request.file = file;
-  EXPECT_TRUE(Launch(&request));
-  EXPECT_EQ(Arguments("xdg-open"), file.native() + "\n");
   fs::current_path(folder_.path());
+  const fs::path odd = folder_ / "a; touch harm $(touch harm) -x 'q";
+  WriteBytes(odd, "x");
   WriteBytes(folder_ / "--help", "x");
-  request.file = "--help";
-  EXPECT_TRUE(Launch(&request));
-  EXPECT_EQ(Arguments("xdg-open"), (folder_ / "--help").native() + "\n");
-  request.file = "https://localhost/x;y";
-  EXPECT_TRUE(Launch(&request));
-  EXPECT_EQ(Arguments("xdg-open"), "https://localhost/x;y\n");
-  request.verb = u"explore";
-  request.file = folder_.path();
-  EXPECT_TRUE(Launch(&request));
-  EXPECT_EQ(Arguments("xdg-open"), folder_.path().native() + "\n");
+  const struct {
+    fs::path asked;
+    std::string opened;
+  } kCases[] = {{odd, odd.native()},
+                {"--help", (folder_ / "--help").native()},
+                {"https://localhost/x;y", "https://localhost/x;y"},
+                {folder_.path(), folder_.path().native()}};
+  for (const auto& c : kCases) {
+    LaunchRequest request;
+    request.file = c.asked;
+    EXPECT_TRUE(Launch(&request));
+    EXPECT_EQ(Arguments("xdg-open"), c.opened + "\n");
+  }
   EXPECT_FALSE(fs::exists("harm"));
   fs::current_path("/");
 }
 
 TEST_F(LaunchPosixTest, ResultsOfTheDesktopsOpener) {
-  OnlyScripts();
-  WriteBytes(folder_ / "file", "x");
-  Shell& shell = CurrentShell();
-  const auto open = [&](const fs::path& file) { return shell.Execute(u"open", file, {}, {}); };
-  const std::pair<int, int> kCases[] = {{0, 33}, {1, 1}, {2, 2}, {3, 31}, {4, 31}, {77, 31}};
-  for (const auto& [status, result] : kCases) {
+  const std::pair<int, int> kStatuses[] = {{0, 33}, {1, 1}, {2, 2}, {3, 31}, {4, 31}, {77, 31}};
+  for (const auto& [status, result] : kStatuses) {
     Script("xdg-open", status);
-    EXPECT_EQ(open(folder_ / "file"), result) << status;
+    EXPECT_EQ(Execute(u"open", folder_ / "file"), result) << status;
   }
-  EXPECT_EQ(open(folder_ / "missing"), 2);
-  EXPECT_EQ(open(folder_ / "no/folder"), 3);
-  EXPECT_EQ(open(folder_ / "file/below"), 3);
   Script("xdg-open", 0, "sleep 30");
-  EXPECT_EQ(open(folder_ / "file"), 33);  // still running after two seconds
+  EXPECT_EQ(Execute(u"explore", folder_ / "file"), 33);  // still running after two seconds
+  const std::pair<const char*, int> kFiles[] = {
+      {"missing", 2}, {"no/folder", 3}, {"file/below", 3}};
+  for (const auto& [name, result] : kFiles) EXPECT_EQ(Execute(u"open", folder_ / name), result);
+  EXPECT_EQ(Execute(u"unheard-of", folder_ / "file"), 31);
+  EXPECT_EQ(Execute(u"open", folder_ / "file", {u"--page"}), 31);  // the opener has no room for it
   fs::remove(folder_ / "programs/xdg-open");
   SetVariable("PATH", (folder_ / "programs").c_str());
-  EXPECT_EQ(open(folder_ / "file"), 31);
-  EXPECT_EQ(shell.Execute(u"unheard-of", folder_ / "file", {}, {}), 31);
+  EXPECT_EQ(Execute(u"open", folder_ / "file"), 31);
   EXPECT_EQ(test::InChild([&] {
               chmod((folder_ / "file").c_str(), 0);
               chmod(folder_.path().c_str(), 0755);
               const bool other = seteuid(65534) == 0;
-              return !other || open(folder_ / "file") == 5 ? 0 : 1;
+              return !other || Execute(u"open", folder_ / "file") == 5 ? 0 : 1;
             }),
             0);
 }
 
 TEST_F(LaunchPosixTest, EditingAndPrintingHaveTheirPrograms) {
-  OnlyScripts();
-  WriteBytes(folder_ / "file", "x");
-  Script("xdg-open", 0);
-  Script("lp", 0);
-  Script("my editor", 0);
-  Script("editor", 0);
-  Shell& shell = CurrentShell();
-  EXPECT_EQ(shell.Execute(u"print", folder_ / "file", {}, {}), 33);
-  EXPECT_EQ(Arguments("lp"), "--\n" + (folder_ / "file").native() + "\n");
+  const std::string file = (folder_ / "file").native() + "\n";
+  for (const char* name : {"xdg-open", "lp", "editor"}) Script(name, 0);
+  EXPECT_EQ(Execute(u"print", folder_ / "file", {u"-n", u"2 x"}), 33);
+  EXPECT_EQ(Arguments("lp"), "-n\n2 x\n--\n" + file);
   SetVariable("EDITOR", "editor -n;w");
-  EXPECT_EQ(shell.Execute(u"edit", folder_ / "file", {}, {}), 33);
-  EXPECT_EQ(Arguments("editor"), "-n;w\n" + (folder_ / "file").native() + "\n");
+  EXPECT_EQ(Execute(u"edit", folder_ / "file", {u"+7"}), 33);
+  EXPECT_EQ(Arguments("editor"), "-n;w\n+7\n" + file);
   EXPECT_FALSE(fs::exists(folder_ / "xdg-open.out"));
   SetVariable("VISUAL", "no-such-editor");
-  Script("editor", 1);
-  EXPECT_EQ(shell.Execute(u"edit", folder_ / "file", {}, {}), 33);
-  EXPECT_EQ(Arguments("xdg-open"), (folder_ / "file").native() + "\n");
-  Script("lp", 1);
-  EXPECT_EQ(shell.Execute(u"print", folder_ / "file", {}, {}), 31);
+  for (const char* name : {"lp", "editor"}) Script(name, 1);
+  EXPECT_EQ(Execute(u"edit", folder_ / "file"), 33);
+  EXPECT_EQ(Arguments("xdg-open"), file);
+  EXPECT_EQ(Execute(u"print", folder_ / "file"), 31);
 }
 
 TEST_F(LaunchPosixTest, StartsProgramsWhenTheShellRefuses) {
-  OnlyScripts();
-  Script("xdg-open", 3);
+  Script("xdg-open", 0);  // takes no parameters, so that the program gets them
   Script("program", 0);
   LaunchRequest request;
   request.file = folder_ / "programs/program";
@@ -134,7 +128,8 @@ TEST_F(LaunchPosixTest, StartsProgramsWhenTheShellRefuses) {
   EXPECT_FALSE(Launch(&request));
   EXPECT_FALSE(fs::exists(folder_ / "harm"));
   EXPECT_EQ(notices_.messages.size(), 2u);
-  EXPECT_FALSE(CurrentShell().StartProcess("no-such-program-anywhere", {}, {}));
+  request.file = "no-such-program-anywhere";
+  EXPECT_FALSE(CurrentShell().StartProcess(request));
 }
 
 }  // namespace

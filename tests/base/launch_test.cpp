@@ -13,35 +13,66 @@ using test::WriteBytes;
 
 class LaunchTest : public test::SettingsFixture {};
 
-TEST_F(LaunchTest, TellsTheShellsWords) {
+// A message box that stands until the test presses a button.
+class Box final : public Notices {
+ public:
+  Box() : before_(ReplaceNotices(this)) {}
+  ~Box() override { ReplaceNotices(before_); }
+  Box(const Box&) = delete;
+  Box& operator=(const Box&) = delete;
+
+  void Message(std::u16string_view) override {}
+  void ShowWait(std::u16string_view) override {}
+  void ClearWait() override {}
+  Continue Progress(std::u16string_view, int64_t, int64_t) override { return Continue::kYes; }
+  void Ask(std::u16string_view text, std::function<void(int button)> answered) override {
+    shown = text;
+    press = std::move(answered);
+  }
+
+  std::u16string shown;
+  std::function<void(int button)> press;
+
+ private:
+  Notices* before_;
+};
+
+TEST_F(LaunchTest, TellsTheShellsWordsAndRecordsTheAnswer) {
   test::FakeShell shell;
+  Box box;
   LaunchRequest request;
   request.file = u"/a/図.dxf";
   request.parameters = {u"-x", u"y z"};
-  const std::pair<int, std::u16string> kCases[] = {
-      {0, u"The operating system is out of memory or resources."},
-      {2, u"ファイルが見つかりませんでした"},
-      {31, u"指定されたファイル拡張子に関連付けされたプログラムがありません"},
-      {4, u"Error(/a/図.dxf,-x y z)\n"}};
-  for (const auto& [result, text] : kCases) {
-    shell.result = result;
-    EXPECT_FALSE(Launch(&request));
-    EXPECT_EQ(request.result, result);
-    const std::u16string message = text + u"\nFile=\"/a/図.dxf\"\nParamaters=\"-x y z\"";
-    EXPECT_EQ(notices_.messages.back(), message);
-    EXPECT_NE(
-        DumpedText().find(u"\t---- OK              Button1  [OK]    \t\r\n" + message + u"\r\n"),
-        std::u16string::npos);
+  fs::create_directories(folder_ / "tmp/DbgDump");
+  const struct {
+    int result;
+    std::u16string text;
+    int button;
+    std::u16string label;
+  } kCases[] = {
+      {0, u"The operating system is out of memory or resources.", 1, u"[OK]    \t"},
+      {2, u"ファイルが見つかりませんでした", 5, u"[Innore]\t"},
+      {31, u"指定されたファイル拡張子に関連付けされたプログラムがありません", 7, u"[No]    \t"},
+      {4, u"Error(/a/図.dxf,-x y z)\n", 0, u"Bug...  \t"},
+      {33, u"", 0, u""}};
+  for (const auto& c : kCases) {
+    shell.result = c.result;
+    box.press = nullptr;
+    EXPECT_EQ(Launch(&request), c.result > 32);
+    EXPECT_EQ(request.result, c.result);
+    ASSERT_EQ(box.press == nullptr, c.result > 32);
+    if (!box.press) continue;
+    const std::u16string message = c.text + u"\nFile=\"/a/図.dxf\"\nParamaters=\"-x y z\"";
+    EXPECT_EQ(box.shown, message);
+    const std::u16string record =
+        u"\t---- OK              Button1  " + c.label + u"\r\n" + message + u"\r\n";
+    EXPECT_EQ(DumpedText().find(record), std::u16string::npos) << "nobody has answered yet";
+    box.press(c.button);
+    EXPECT_NE(DumpedText().find(record), std::u16string::npos);
   }
-  EXPECT_EQ(shell.started, 4);
+  shell.result = 31;
   shell.starts = true;
   EXPECT_TRUE(Launch(&request));
-  shell.result = 33;
-  EXPECT_TRUE(Launch(&request));
-  EXPECT_EQ(shell.started, 5);
-  EXPECT_EQ(notices_.messages.size(), 4u);
-  EXPECT_EQ(ButtonLabel(5), u"[Innore]\t");
-  EXPECT_EQ(ButtonLabel(0), u"Bug...  \t");
   EXPECT_EQ(ButtonLabel(8), u"Bug...  \t");
 }
 
@@ -58,36 +89,38 @@ TEST_F(LaunchTest, FindsPrograms) {
   fs::permissions(root / "path/data", fs::perms::owner_read);
   shell.programs = {root / "none", root / "path"};
   shell.applications = {root / "apps"};
-  EXPECT_EQ(FindProgram(u"tool.exe"), root / "path/tool.exe");
-  EXPECT_EQ(FindProgram(u"other.exe"), root / "apps/thing/other.exe");
-  EXPECT_EQ(FindProgram(u"deep.exe"), root / "apps/thing/bin/deep.exe");
-  for (const std::u16string_view name : {u"data", u"dir", u"", u"../path/tool.exe", u"absent"}) {
-    EXPECT_EQ(FindProgram(name), fs::path());
-  }
-  const std::u16string key = u"Software\\Microsoft\\Windows\\CurrentVersion\\App Paths\\";
-  Status why;
-  const auto put = [&](std::u16string_view program, std::u16string_view name,
-                       const RegistryValue& value) {
-    EXPECT_EQ(
-        SetRegistry(RegistryRoot::kLocalMachine, key + std::u16string(program), name, value, &why),
-        RegistryOutcome::kDone);
+  const auto expect = [](std::u16string_view name, const fs::path& wanted) {
+    EXPECT_EQ(FindProgram(name), wanted) << Utf16ToUtf8(name);
+  };
+  expect(u"tool.exe", root / "path/tool.exe");
+  expect(u"other.exe", root / "apps/thing/other.exe");
+  expect(u"deep.exe", root / "apps/thing/bin/deep.exe");
+  for (const auto* name : {u"data", u"dir", u"", u"../path/tool.exe", u"absent"}) expect(name, {});
+
+  const auto put = [](const std::u16string& program, std::u16string_view name,
+                      const RegistryValue& value) {
+    Status why;
+    const std::u16string key =
+        u"Software\\Microsoft\\Windows\\CurrentVersion\\App Paths\\" + program;
+    EXPECT_EQ(SetRegistry(RegistryRoot::kLocalMachine, key, name, value, &why),
+              RegistryOutcome::kDone);
   };
   const auto text = [](const fs::path& path) {
     return RegistryValue{RegistryType::kString, PathText(path), 0};
   };
   put(u"tool.exe", u"", text(root / "path/data"));
-  EXPECT_EQ(FindProgram(u"tool.exe"), root / "path/data");  // registered: taken as it is
   put(u"folder.exe", u"", text(root / "path"));
-  EXPECT_EQ(FindProgram(u"folder.exe"), fs::path());
   put(u"data", u"", text("data"));
-  put(u"data", u"path", text(root / "path"));
-  EXPECT_EQ(FindProgram(u"data"), root / "path/data");
+  put(u"data", u"path", text("\"" + (root / "path").string() + "\""));
   put(u"none", u"x", text("y"));
   put(u"number", u"", {RegistryType::kDword, {}, 1});
-  EXPECT_EQ(FindProgram(u"none"), fs::path());
-  EXPECT_EQ(FindProgram(u"number"), fs::path());
-  EXPECT_NE(DumpedText().find(u"\tError RegQueryValueEx NULL\r\n"), std::u16string::npos);
-  EXPECT_NE(DumpedText().find(u"\tError RegQueryValueEx @\r\n"), std::u16string::npos);
+  expect(u"tool.exe", root / "path/data");  // registered: taken as it is
+  expect(u"data", root / "path/data");
+  for (const auto* name : {u"folder.exe", u"none", u"number"}) expect(name, {});
+  for (const auto* error :
+       {u"\tError RegQueryValueEx NULL\r\n", u"\tError RegQueryValueEx @\r\n"}) {
+    EXPECT_NE(DumpedText().find(error), std::u16string::npos);
+  }
 }
 
 }  // namespace

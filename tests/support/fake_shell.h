@@ -24,13 +24,11 @@ class FakeShell final : public Shell {
   std::vector<std::filesystem::path> programs;
   std::vector<std::filesystem::path> applications;
 
-  int Execute(std::u16string_view, const std::filesystem::path& file,
-              const std::vector<std::u16string>&, const std::filesystem::path&) override {
-    opened = file;
+  int Execute(const ShellRequest& request) override {
+    opened = request.file;
     return result;
   }
-  bool StartProcess(const std::filesystem::path&, const std::vector<std::u16string>&,
-                    const std::filesystem::path&) override {
+  bool StartProcess(const ShellRequest&) override {
     ++started;
     return starts;
   }

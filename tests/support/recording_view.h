@@ -1,6 +1,7 @@
 // A view that keeps what it was told, and services that record and fail on demand.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -20,6 +21,7 @@ class RecordingView final : public DialogView {
   Color format_color = 0;
   StatusKind status_kind = StatusKind::kNormal;
   std::vector<std::u16string> messages;
+  std::function<void()> close_message;  // as the user does with the last one
   std::map<ControlId, std::u16string> texts;
   std::map<ControlId, bool> checked, enabled;
   std::map<ControlId, std::pair<std::vector<ColorChoice>, size_t>> colors;
@@ -52,7 +54,10 @@ class RecordingView final : public DialogView {
     status_kind = kind;
   }
   void RepaintPreview() override { ++repaints; }
-  void ShowMessage(std::u16string_view shown) override { messages.emplace_back(shown); }
+  void ShowMessage(std::u16string_view shown, std::function<void()> closed) override {
+    messages.emplace_back(shown);
+    close_message = std::move(closed);
+  }
   Continue ShowProgress(std::u16string_view, int64_t, int64_t) override {
     ++progress_calls;
     return Continue::kYes;

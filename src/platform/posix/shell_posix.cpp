@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "platform/posix/child_process.h"
 #include "platform/posix/unicode.h"
@@ -56,12 +57,18 @@ std::vector<std::string> Words(const char* text) {
   return words;
 }
 
+std::vector<std::string> Arguments(const ShellRequest& request) {
+  std::vector<std::string> arguments;
+  for (const std::u16string& parameter : request.parameters) {
+    arguments.push_back(ToFontconfigText(parameter));
+  }
+  return arguments;
+}
+
 class PosixShell final : public Shell {
  public:
-  int Execute(std::u16string_view verb, const fs::path& file,
-              const std::vector<std::u16string>& parameters, const fs::path& folder) override;
-  bool StartProcess(const fs::path& file, const std::vector<std::u16string>& parameters,
-                    const fs::path& folder) override;
+  int Execute(const ShellRequest& request) override;
+  bool StartProcess(const ShellRequest& request) override;
 
   std::vector<fs::path> ProgramFolders() override {
     std::vector<fs::path> folders;
@@ -85,9 +92,10 @@ class PosixShell final : public Shell {
   }
 
  private:
+  // Each acts on the target instead of the request's file.
   static int RunXdgOpen(const std::string& target, const fs::path& folder);
-  static bool RunEditor(const std::string& target, const fs::path& folder);
-  static int RunPrinter(const std::string& target, const fs::path& folder);
+  static bool RunEditor(const std::string& target, const ShellRequest& request);
+  static int RunPrinter(const std::string& target, const ShellRequest& request);
 };
 
 int PosixShell::RunXdgOpen(const std::string& target, const fs::path& folder) {
@@ -108,33 +116,35 @@ int PosixShell::RunXdgOpen(const std::string& target, const fs::path& folder) {
   }
 }
 
-bool PosixShell::RunEditor(const std::string& target, const fs::path& folder) {
+bool PosixShell::RunEditor(const std::string& target, const ShellRequest& request) {
   for (const char* variable : {"VISUAL", "EDITOR"}) {
     std::vector<std::string> words = Words(std::getenv(variable));
     const fs::path program = words.empty() ? fs::path() : posix::FindExecutable(words[0]);
     if (program.empty()) continue;
     words.erase(words.begin());
+    for (std::string& argument : Arguments(request)) words.push_back(std::move(argument));
     words.push_back(target);
     // An editor may want the terminal for itself.
     const bool terminal = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO);
-    const posix::ChildResult result = terminal
-                                          ? posix::RunInTerminal(program, words)
-                                          : posix::StartDetached(program, words, folder, kPatience);
+    const posix::ChildResult result =
+        terminal ? posix::RunInTerminal(program, words)
+                 : posix::StartDetached(program, words, request.folder, kPatience);
     if (result.started && result.exit_status.value_or(0) == 0) return true;
   }
   return false;
 }
 
-int PosixShell::RunPrinter(const std::string& target, const fs::path& folder) {
+int PosixShell::RunPrinter(const std::string& target, const ShellRequest& request) {
   const fs::path program = posix::FindExecutable("lp");
   if (program.empty()) return kNoAssociation;
-  const posix::ChildResult result =
-      posix::StartDetached(program, {"--", target}, folder, kPatience);
+  std::vector<std::string> words = Arguments(request);
+  words.insert(words.end(), {"--", target});
+  const posix::ChildResult result = posix::StartDetached(program, words, request.folder, kPatience);
   return result.started && result.exit_status.value_or(0) == 0 ? kDone : kNoAssociation;
 }
 
-int PosixShell::Execute(std::u16string_view verb, const fs::path& file,
-                        const std::vector<std::u16string>&, const fs::path& folder) {
+int PosixShell::Execute(const ShellRequest& request) {
+  const auto& [verb, file, parameters, folder, owner, show] = request;
   std::string target = file.native();
   if (!IsAddress(target)) {
     const fs::path whole = folder.empty() || file.is_absolute() ? file : folder / file;
@@ -142,27 +152,22 @@ int PosixShell::Execute(std::u16string_view verb, const fs::path& file,
     std::error_code error;
     target = fs::absolute(whole, error).native();  // no name looks like an option
   }
-  if (verb == u"print") return RunPrinter(target, folder);
-  if (verb == u"edit" && RunEditor(target, folder)) return kDone;
-  if (verb == u"edit" || verb == u"open" || verb == u"explore" || verb == u"find") {
-    return RunXdgOpen(target, folder);
-  }
-  return kNoAssociation;
+  if (verb == u"print") return RunPrinter(target, request);
+  if (verb == u"edit" && RunEditor(target, request)) return kDone;
+  const bool opens = verb == u"edit" || verb == u"open" || verb == u"explore" || verb == u"find";
+  // The desktop's opener takes no parameters; dropping them would be another request.
+  return opens && parameters.empty() ? RunXdgOpen(target, folder) : kNoAssociation;
 }
 
-bool PosixShell::StartProcess(const fs::path& file, const std::vector<std::u16string>& parameters,
-                              const fs::path& folder) {
+bool PosixShell::StartProcess(const ShellRequest& request) {
   constexpr int kStartPatience = 100;  // long enough to learn that it did not start
-  const fs::path whole =
-      file.has_parent_path() && file.is_relative() && !folder.empty() ? folder / file : file;
-  const fs::path program = posix::FindExecutable(whole);
+  const fs::path& file = request.file;
+  const bool in_folder = file.has_parent_path() && file.is_relative() && !request.folder.empty();
+  const fs::path program = posix::FindExecutable(in_folder ? request.folder / file : file);
   if (program.empty()) return false;
-  std::vector<std::string> arguments;
-  arguments.reserve(parameters.size());
-  for (const std::u16string& parameter : parameters)
-    arguments.push_back(ToFontconfigText(parameter));
   std::error_code error;
-  return posix::StartDetached(fs::absolute(program, error), arguments, folder, kStartPatience)
+  return posix::StartDetached(fs::absolute(program, error), Arguments(request), request.folder,
+                              kStartPatience)
       .started;
 }
 

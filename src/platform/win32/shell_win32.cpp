@@ -62,31 +62,45 @@ int FailureOf(DWORD error) {
                                                                         : SE_ERR_ACCESSDENIED;
 }
 
+int NativeShow(WindowShow show) {
+  switch (show) {
+    case WindowShow::kMinimised:
+      return SW_SHOWMINIMIZED;
+    case WindowShow::kMaximised:
+      return SW_SHOWMAXIMIZED;
+    case WindowShow::kNormal:
+      break;
+  }
+  return SW_SHOWNORMAL;
+}
+
 class WindowsShell final : public Shell {
  public:
-  int Execute(std::u16string_view verb, const fs::path& file,
-              const std::vector<std::u16string>& parameters, const fs::path& folder) override {
-    const std::wstring wide_verb = ToWide(verb);
-    const std::wstring line = Joined(parameters);
-    SHELLEXECUTEINFOW request{};
-    request.cbSize = sizeof request;
-    request.fMask = SEE_MASK_FLAG_NO_UI | SEE_MASK_NOASYNC;
-    request.lpVerb = wide_verb.c_str();
-    request.lpFile = file.c_str();
-    request.lpParameters = line.empty() ? nullptr : line.c_str();
-    request.lpDirectory = folder.empty() ? nullptr : folder.c_str();
-    request.nShow = SW_SHOWNORMAL;
+  int Execute(const ShellRequest& request) override {
+    const std::wstring verb = ToWide(request.verb);
+    const std::wstring line = Joined(request.parameters);
+    SHELLEXECUTEINFOW native{};
+    native.cbSize = sizeof native;
+    native.fMask = SEE_MASK_FLAG_NO_UI | SEE_MASK_NOASYNC;
+    native.hwnd = request.owner != nullptr ? static_cast<HWND>(request.owner) : GetActiveWindow();
+    native.lpVerb = verb.c_str();
+    native.lpFile = request.file.c_str();
+    native.lpParameters = line.empty() ? nullptr : line.c_str();
+    native.lpDirectory = request.folder.empty() ? nullptr : request.folder.c_str();
+    native.nShow = NativeShow(request.show);
     const ComApartment apartment;
-    const bool done = ShellExecuteExW(&request) != 0;
-    const auto result = static_cast<int>(reinterpret_cast<INT_PTR>(request.hInstApp));
+    const bool done = ShellExecuteExW(&native) != 0;
+    const auto result = static_cast<int>(reinterpret_cast<INT_PTR>(native.hInstApp));
     return done || result <= kLastFailure ? result : FailureOf(GetLastError());
   }
 
-  bool StartProcess(const fs::path& file, const std::vector<std::u16string>& parameters,
-                    const fs::path& folder) override {
+  bool StartProcess(const ShellRequest& request) override {
+    const std::wstring folder = request.folder.native();
     std::wstring line;
-    AppendArgument(&line, file.native());
-    for (const std::u16string& parameter : parameters) AppendArgument(&line, ToWide(parameter));
+    AppendArgument(&line, request.file.native());
+    for (const std::u16string& parameter : request.parameters) {
+      AppendArgument(&line, ToWide(parameter));
+    }
     STARTUPINFOW start{};
     start.cb = sizeof start;
     PROCESS_INFORMATION process{};

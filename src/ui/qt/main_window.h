@@ -5,6 +5,7 @@
 #include <QProgressDialog>
 #include <QTimer>
 #include <QWidget>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -58,7 +59,7 @@ class MainWindow final : public QWidget, private DialogView {
   void ShowMenuChecked(MenuCommand command, bool checked) override;
   void ShowStatus(std::u16string_view text, StatusKind kind) override;
   void RepaintPreview() override;
-  void ShowMessage(std::u16string_view text) override;
+  void ShowMessage(std::u16string_view text, std::function<void()> closed) override;
   Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) override;
   void EndProgress() override;
   void ShowAbout(std::u16string_view version, std::u16string_view copyright) override;

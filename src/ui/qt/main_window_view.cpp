@@ -107,11 +107,12 @@ void MainWindow::RepaintPreview() {
   preview_->Repaint();
 }
 
-void MainWindow::ShowMessage(std::u16string_view text) {
-  auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(), ToQString(text), QMessageBox::Ok,
-                              this);
+void MainWindow::ShowMessage(std::u16string_view text, std::function<void()> closed) {
+  auto* box =
+      new QMessageBox(QMessageBox::Warning, windowTitle(), ToQString(text), QMessageBox::Ok, this);
   box->setTextFormat(Qt::PlainText);
   box->setAttribute(Qt::WA_DeleteOnClose);
+  connect(box, &QMessageBox::finished, this, std::move(closed));
   box->open();
 }
 

@@ -2,6 +2,7 @@
 // forwards; the decisions are Dialog's.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -47,7 +48,7 @@ class MainWindow final : private DialogView {
   void ShowMenuChecked(MenuCommand command, bool checked) override;
   void ShowStatus(std::u16string_view text, StatusKind kind) override;
   void RepaintPreview() override;
-  void ShowMessage(std::u16string_view text) override;
+  void ShowMessage(std::u16string_view text, std::function<void()> closed) override;
   Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) override;
   void EndProgress() override;
   void ShowAbout(std::u16string_view version, std::u16string_view copyright) override;
@@ -130,7 +131,11 @@ class MainWindow final : private DialogView {
   Color shown_color_ = 0;
   StatusKind status_kind_ = StatusKind::kNormal;
   std::optional<POINT> drag_from_;
-  std::vector<std::wstring> messages_;  // to be shown when the event under way is over
+  struct WaitingMessage {
+    std::wstring text;
+    std::function<void()> closed;
+  };
+  std::vector<WaitingMessage> messages_;  // to be shown when the event under way is over
 };
 
 }  // namespace kerno

@@ -141,8 +141,8 @@ void MainWindow::RepaintPreview() {
 }
 
 // A message box handles events while it stands: it waits until the one under way is over.
-void MainWindow::ShowMessage(std::u16string_view text) {
-  messages_.push_back(ToWide(text));
+void MainWindow::ShowMessage(std::u16string_view text, std::function<void()> closed) {
+  messages_.push_back({ToWide(text), std::move(closed)});
   if (messages_.size() == 1 && !shows_message_) {
     PostMessageW(window_, kShowMessages, 0, 0);
   }
@@ -151,9 +151,10 @@ void MainWindow::ShowMessage(std::u16string_view text) {
 void MainWindow::ShowWaitingMessages() {
   const Raised raised(shows_message_);
   while (!messages_.empty()) {
-    const std::wstring text = std::move(messages_.front());
+    const WaitingMessage message = std::move(messages_.front());
     messages_.erase(messages_.begin());
-    MessageBoxW(window_, text.c_str(), L"Kerno", MB_OK | MB_ICONWARNING);
+    MessageBoxW(window_, message.text.c_str(), L"Kerno", MB_OK | MB_ICONWARNING);
+    message.closed();
   }
 }
 

@@ -176,10 +176,10 @@ TEST(Shell, TellsWhyItRefuses) {
   const fs::path unknown = folder / "x.kerno-no-such-type";
   test::WriteBytes(unknown, "x");
   Shell& shell = CurrentShell();
-  EXPECT_EQ(shell.Execute(u"open", unknown, {}, {}), SE_ERR_NOASSOC);
-  EXPECT_EQ(shell.Execute(u"open", folder / "missing.exe", {}, {}), SE_ERR_FNF);
-  EXPECT_FALSE(shell.StartProcess(unknown, {u"a b"}, {}));
-  EXPECT_FALSE(shell.StartProcess(folder / "missing.exe", {}, {}));
+  EXPECT_EQ(shell.Execute({u"open", unknown, {}, {}}), SE_ERR_NOASSOC);
+  EXPECT_EQ(shell.Execute({u"open", folder / "missing.exe", {}, {}}), SE_ERR_FNF);
+  EXPECT_FALSE(shell.StartProcess({u"open", unknown, {u"a b"}, {}}));
+  EXPECT_FALSE(shell.StartProcess({u"open", folder / "missing.exe", {}, {}}));
 }
 
 // What a program of this file is started as by the test below: it writes its arguments down.
@@ -209,7 +209,8 @@ TEST(Shell, ArgumentsArriveAsTheyWere) {
     wanted.append(argument.begin(), argument.end()).append(L"\n");
   }
   SetEnvironmentVariableW(L"KERNO_ARGUMENTS", file.c_str());
-  ASSERT_TRUE(CurrentShell().StartProcess(CurrentSystem().ProgramPath(), all, folder.path()));
+  ASSERT_TRUE(
+      CurrentShell().StartProcess({u"open", CurrentSystem().ProgramPath(), all, folder.path()}));
   std::string bytes;
   const size_t size = wanted.size() * sizeof(wchar_t);
   for (int i = 0; i < 1000 && bytes.size() < size; ++i) {
