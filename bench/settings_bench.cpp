@@ -29,8 +29,7 @@ class Place {
     std::string name = (fs::temp_directory_path() / "kerno-bench-XXXXXX").native();
     folder_ = mkdtemp(name.data());
     setenv("XDG_CONFIG_HOME", folder_.c_str(), 1);
-    RegistryAccess().WriteString(u"Software\\Quenkit\\Quenkit", u"IniFullBase",
-                                 PathText(folder_ / "ini"));
+    (void)WriteUserString(u"Software\\Quenkit\\Quenkit", u"IniFullBase", PathText(folder_ / "ini"));
     for (int i = 0; i < kKeys; ++i) {
       ProfileStore store(kStoreName);
       static_cast<void>(store.WriteStr(u"Section" + Int64Text(i / 20), u"SomeKey" + Int64Text(i),

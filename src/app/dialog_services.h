@@ -9,6 +9,7 @@
 
 #include "app/dialog_view.h"
 #include "app/job.h"
+#include "base/settings_table.h"
 #include "export/formats.h"
 #include "outline/text_layout.h"
 #include "parts/parts.h"
@@ -20,9 +21,9 @@ namespace kerno {
 // What persists between runs besides the text.
 struct DialogMemory {
   std::u16string face;  // empty: the one that the system gives
-  std::u16string height = u"100";
+  std::u16string height{kDialogHeight.default_value};
   bool vertical = false;
-  bool use_poly_polygon = true;
+  bool use_poly_polygon = kDialogPolyPolygon.default_value;
   Color first_color = 0;
   size_t second_color = 0;  // index into the following colours
   ContourElements elements = ContourElements::kLines;

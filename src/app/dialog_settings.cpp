@@ -1,46 +1,44 @@
 #include "app/dialog_settings.h"
 
-#include <algorithm>
-
 #include "app/text_source.h"
 #include "base/profile_store.h"
 #include "base/settings_places.h"
+#include "base/settings_table.h"
 #include "base/text.h"
 #include "base/text_file.h"
 
 namespace kerno {
 namespace {
 
-constexpr std::u16string_view kSection = u"Dialog";
-constexpr std::u16string_view kWindow = u"Kerno";  // under "Position\Dialog"
 constexpr std::u16string_view kTextFile = u"Kerno_Text.txt";
-
-// An enumeration of `count` values, kept by its number.
-template <class Enum>
-Enum GetEnum(ProfileStore& store, std::u16string_view key, Enum fallback, int32_t count) {
-  const int32_t number = store.GetInt(kSection, key, static_cast<int32_t>(fallback));
-  return number >= 0 && number < count ? static_cast<Enum>(number) : fallback;
-}
 
 // Writes the values that differ, until a write fails.
 class Differences {
  public:
-  void Int(std::u16string_view key, int64_t value, int64_t before) {
-    if (value == before || !status_.ok()) return;
-    status_ = store_.WriteInt(kSection, key, static_cast<int32_t>(value));
+  void Switch(const SwitchSetting& row, bool value, bool before) {
+    Number(row.section, row.key, value, before);
   }
-  void Text(std::u16string_view key, const std::u16string& value, const std::u16string& before) {
-    if (value == before || !status_.ok()) return;
-    status_ = store_.WriteStr(kSection, key, value);
+  template <class Value>
+  void Integer(const IntegerSetting& row, Value value, Value before) {
+    Number(row.section, row.key, static_cast<int64_t>(value), static_cast<int64_t>(before));
   }
-  void Window(const WindowRect& rect, const WindowRect& before) {
+  void Text(const TextSetting& row, const std::u16string& value, const std::u16string& before) {
+    if (value == before || !status_.ok()) return;
+    status_ = store_.WriteStr(row.section, row.key, value);
+  }
+  void Window(const RectangleSetting& row, const WindowRect& rect, const WindowRect& before) {
     if (rect == before || !status_.ok()) return;
-    status_ = store_.SaveDialogRect(kWindow, {rect.left, rect.top, rect.right, rect.bottom},
-                                    DialogState::kNormal);
+    status_ =
+        store_.WriteRect(row.section, row.key, {rect.left, rect.top, rect.right, rect.bottom});
   }
   const Status& status() const { return status_; }
 
  private:
+  void Number(std::u16string_view section, std::u16string_view key, int64_t value, int64_t before) {
+    if (value == before || !status_.ok()) return;
+    status_ = store_.WriteInt(section, key, static_cast<int32_t>(value));
+  }
+
   IniStore store_{kStoreName};
   Status status_ = Status::Ok();
 };
@@ -50,36 +48,34 @@ class Differences {
 DialogMemory LoadDialogMemory() {
   IniStore store(kStoreName);
   DialogMemory m;
-  m.face = store.GetStr(kSection, u"Face", m.face);
-  m.height = store.GetStr(kSection, u"Height", m.height);
-  m.vertical = store.GetInt(kSection, u"Vertical", m.vertical) != 0;
-  m.use_poly_polygon = store.GetInt(kSection, u"PolyPolygon", m.use_poly_polygon) != 0;
-  const int32_t first = store.GetInt(kSection, u"TextColor", static_cast<int32_t>(m.first_color));
-  m.first_color = static_cast<Color>(first) & 0xFFFFFF;
-  m.second_color = static_cast<size_t>(std::max(0, store.GetInt(kSection, u"SecondColor", 0)));
-  m.elements = GetEnum(store, u"Elements", m.elements, 3);
-  m.pitch = GetEnum(store, u"VerticalPitch", m.pitch, 2);
-  m.aci = GetEnum(store, u"ColorIndexRule", m.aci, 2);
-  m.output_folder = store.GetStr(kSection, u"OutputFolder", m.output_folder);
-  const ProfileRect window = store.LoadDialogRect(kWindow, {});
+  m.face = Get(kDialogFace, store);
+  m.height = Get(kDialogHeight, store);
+  m.vertical = Get(kDialogVertical, store);
+  m.use_poly_polygon = Get(kDialogPolyPolygon, store);
+  m.first_color = static_cast<Color>(Get(kDialogTextColor, store));
+  m.second_color = static_cast<size_t>(Get(kDialogSecondColor, store));
+  m.elements = static_cast<ContourElements>(Get(kDialogElements, store));
+  m.pitch = static_cast<VerticalPitch>(Get(kDialogVerticalPitch, store));
+  m.aci = static_cast<AciRule>(Get(kDialogColorIndexRule, store));
+  m.output_folder = Get(kDialogOutputFolder, store);
+  const ProfileRect window = Get(kDialogPlace, store);
   m.window = {window.left, window.top, window.right, window.bottom};
   return m;
 }
 
 Status SaveDialogMemory(const DialogMemory& m, const DialogMemory& before) {
   Differences out;
-  out.Text(u"Face", m.face, before.face);
-  out.Text(u"Height", m.height, before.height);
-  out.Int(u"Vertical", m.vertical, before.vertical);
-  out.Int(u"PolyPolygon", m.use_poly_polygon, before.use_poly_polygon);
-  out.Int(u"TextColor", m.first_color, before.first_color);
-  out.Int(u"SecondColor", static_cast<int64_t>(m.second_color),
-          static_cast<int64_t>(before.second_color));
-  out.Int(u"Elements", static_cast<int64_t>(m.elements), static_cast<int64_t>(before.elements));
-  out.Int(u"VerticalPitch", static_cast<int64_t>(m.pitch), static_cast<int64_t>(before.pitch));
-  out.Int(u"ColorIndexRule", static_cast<int64_t>(m.aci), static_cast<int64_t>(before.aci));
-  out.Text(u"OutputFolder", m.output_folder, before.output_folder);
-  out.Window(m.window, before.window);
+  out.Text(kDialogFace, m.face, before.face);
+  out.Text(kDialogHeight, m.height, before.height);
+  out.Switch(kDialogVertical, m.vertical, before.vertical);
+  out.Switch(kDialogPolyPolygon, m.use_poly_polygon, before.use_poly_polygon);
+  out.Integer(kDialogTextColor, m.first_color, before.first_color);
+  out.Integer(kDialogSecondColor, m.second_color, before.second_color);
+  out.Integer(kDialogElements, m.elements, before.elements);
+  out.Integer(kDialogVerticalPitch, m.pitch, before.pitch);
+  out.Integer(kDialogColorIndexRule, m.aci, before.aci);
+  out.Text(kDialogOutputFolder, m.output_folder, before.output_folder);
+  out.Window(kDialogPlace, m.window, before.window);
   return out.status();
 }
 
@@ -90,8 +86,7 @@ std::filesystem::path SavedTextPath() {
 
 std::u16string LoadDialogText() {
   std::u16string text;
-  ReadText(SavedTextPath(), &text);
-  return text;
+  return ReadText(SavedTextPath(), &text) ? text : std::u16string();
 }
 
 Status SaveDialogText(std::u16string_view text) {

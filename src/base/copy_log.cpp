@@ -4,14 +4,14 @@
 
 #include "base/dump_log.h"
 #include "base/profile_values.h"
-#include "base/settings.h"
 #include "base/settings_places.h"
+#include "base/settings_table.h"
 
 namespace kerno {
 
 void LogModelCopy(std::u16string_view operation, size_t parts) {
   std::optional<bool>& switched = SettingsProcess::Current().copy_log;
-  if (!switched) switched = CurrentSettings().GetInt(u"Debug\\Parts", u"CopyLog", 0) != 0;
+  if (!switched) switched = Get(kCopyLog);
   if (!*switched) return;
   DumpText(u"Parts", std::u16string(operation) + u"\t" + Int64Text(static_cast<int64_t>(parts)));
 }

@@ -9,6 +9,7 @@
 #include "base/notices.h"
 #include "base/profile_store.h"
 #include "base/settings_places.h"
+#include "base/settings_table.h"
 #include "base/text.h"
 #include "base/text_file.h"
 #include "base/time_text.h"
@@ -122,8 +123,9 @@ bool DumpText(std::u16string_view name, std::u16string_view text) {
       FormatTime(now, u"\t\t%Y/%m/%d %H:%M:%S\t").append(text).append(u"\r\n");
   const std::string start = EncodeText(LogHeader(), TextEncoding::kUtf16);
   const std::string bytes = WithoutMark(EncodeText(entry, TextEncoding::kUtf16));
-  const Status status =
-      WaitForFile(file, FileWait::kNothing, [&] { return AppendToFile(file, start, bytes); });
+  const WaitOut what = process.unopened == file ? WaitOut::kHolder : WaitOut::kAnyFailure;
+  const Status status = WaitForFile(
+      file, FileWait::kNothing, [&] { return AppendToFile(file, start, bytes); }, what);
   if (status.ok()) return true;
   if (process.unopened != file) {
     process.unopened = file;
@@ -163,7 +165,7 @@ DumpUser::DumpUser(std::u16string_view name) : name_(name) {
   SettingsProcess::Current().dump_begun = true;
   process.run_file.clear();
   ProfileStore store(u"");
-  if (store.GetInt(u"Debug", u"DbgDump", 0) == 0) return;
+  if (!Get(kRunDump, store)) return;
   const fs::path file = BeginRunFile();
   const Status written = ReplaceWhenFree(file, RunFileHeader());
   if (!written.ok()) {
@@ -190,14 +192,14 @@ void DumpUser::Write(std::u16string_view line) {
                                 [&] { return AppendToFile(process.run_file, {}, bytes); }));
 }
 
+RunDump::RunDump(std::u16string_view program) {
+  // Without the question first, every run would note that it opened a store without a name.
+  if (Get(kRunDump)) user_.emplace(program);
+}
+
 int DumpUser::Count() {
   const std::lock_guard lock(Process().lock);
   return Process().users;
-}
-
-fs::path DumpUser::File() {
-  const std::lock_guard lock(Process().lock);
-  return Process().run_file;
 }
 
 }  // namespace kerno

@@ -4,15 +4,16 @@
 // once per process.
 #pragma once
 
-#include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace kerno {
 
 // Appends an entry, stamped with the time, to the file "<name>_MMDD_HH.txt" (UTF-16 little-endian
-// with a mark). Waits up to 10 s while another process holds the file. False, after a message, when
-// it cannot be opened.
+// with a mark). A file that cannot be opened is tried again for 10 s; after that the answer is
+// false and the user is told, once for each file. While the same file stays so, later entries wait
+// only for a process that holds it.
 bool DumpText(std::u16string_view name, std::u16string_view text);
 
 // Whoever writes into the per-run dump file. The first one of a process reads the switch and begins
@@ -31,11 +32,18 @@ class DumpUser {
   // How many there are in the process.
   static int Count();
 
-  // The per-run file; empty while the switch is off.
-  static std::filesystem::path File();
-
  private:
   std::u16string name_;
+};
+
+// For the start of a program, after its settings are installed: makes the per-run dump file when
+// "Debug"/"DbgDump" asks for one, and is a dump user for as long as it lives.
+class RunDump {
+ public:
+  explicit RunDump(std::u16string_view program);
+
+ private:
+  std::optional<DumpUser> user_;
 };
 
 }  // namespace kerno

@@ -14,15 +14,20 @@ namespace {
 constexpr int kTries = 100;
 constexpr uint32_t kPause = 100;  // milliseconds
 
+bool MayPass(const Status& status, WaitOut what) {
+  if (status.failure == Failure::kSharingViolation) return true;
+  return what == WaitOut::kAnyFailure && !status.ok() && status.failure != Failure::kNoSpace;
+}
+
 }  // namespace
 
 Status WaitForFile(const std::filesystem::path& path, FileWait wait,
-                   const std::function<Status()>& attempt) {
+                   const std::function<Status()>& attempt, WaitOut what) {
   bool shown = false;
   Status status;
   for (int i = 0; i < kTries; ++i) {
     status = attempt();
-    if (status.failure != Failure::kSharingViolation) break;
+    if (!MayPass(status, what)) break;
     if (!shown && wait != FileWait::kNothing) {
       CurrentNotices().ShowWait(
           (wait == FileWait::kRead ? u"FileWait OpenRead  " : u"FileWait OpenWrite ") +

@@ -13,11 +13,17 @@ namespace kerno {
 // What the wait display tells.
 enum class FileWait { kRead, kWrite, kNothing };
 
-// Makes `attempt` up to 100 times, 100 ms apart, while it answers with a sharing violation. The
-// wait display tells the path after the first such answer and is cleared at the end. The result is
-// that of the last attempt.
+// Which failures may pass with time.
+enum class WaitOut {
+  kHolder,      // another process holds the file
+  kAnyFailure,  // whatever keeps it from being opened; a full disk does not
+};
+
+// Makes `attempt` up to 100 times, 100 ms apart, while it fails for what is waited out. The wait
+// display tells the path after the first such failure and is cleared at the end. The result is that
+// of the last attempt.
 Status WaitForFile(const std::filesystem::path& path, FileWait wait,
-                   const std::function<Status()>& attempt);
+                   const std::function<Status()>& attempt, WaitOut what = WaitOut::kHolder);
 
 // ReplaceFile for a target that another process may hold: waits until nobody does.
 Status ReplaceWhenFree(const std::filesystem::path& target, const FileFiller& fill);

@@ -37,21 +37,21 @@ Decoded Decode(const std::string& bytes) {
   return {std::move(text), whole};
 }
 
-// Keeps the bytes beside the file under a name that is not taken. False when that is impossible.
-bool KeepCopy(const fs::path& file, std::string_view bytes) {
+// Keeps the bytes beside the file under a name that is not taken.
+Status KeepCopy(const fs::path& file, std::string_view bytes) {
+  Status status;
   for (int i = 0; i < kCopyNames; ++i) {
     fs::path copy = file;
     copy += i == 0 ? ".orig" : ".orig" + std::to_string(i);
-    const Status created = CreateNewFile(copy, bytes);
-    if (created.ok()) {
+    status = CreateNewFile(copy, bytes);
+    if (status.ok()) {
       CurrentNotices().Message(PathText(file) +
                                u": not all of it is text; the file as it was is kept as " +
                                PathText(copy));
-      return true;
     }
-    if (created.failure != Failure::kSharingViolation) return false;
+    if (status.failure != Failure::kSharingViolation) break;  // the name was not taken
   }
-  return false;
+  return status;
 }
 
 // The first bytes of a file, where a mark would be.
@@ -64,10 +64,13 @@ Status ReadStart(const fs::path& file, std::string* start) {
   });
 }
 
-std::optional<std::string> Convert(const fs::path& file, const std::string& bytes) {
-  if (HasUtf16Mark(bytes)) return std::nullopt;  // another process was faster
+// Nothing, so that the file stays, when another process was faster or the copy cannot be kept;
+// *kept tells.
+std::optional<std::string> Convert(const fs::path& file, const std::string& bytes, Status* kept) {
+  if (HasUtf16Mark(bytes)) return std::nullopt;
   const Decoded decoded = Decode(bytes);
-  if (!decoded.whole && !KeepCopy(file, bytes)) return std::nullopt;
+  if (!decoded.whole) *kept = KeepCopy(file, bytes);
+  if (!kept->ok()) return std::nullopt;
   return EncodeText(IniHeader() + decoded.text, TextEncoding::kUtf16);
 }
 
@@ -81,17 +84,18 @@ std::u16string IniHeader() {
 Status PrepareIniFile(const fs::path& file) {
   const std::lock_guard lock(SettingsProcess::Current().preparation);
   const fs::path folder = file.parent_path();
-  if (!folder.empty() && !IsFolder(folder) && !CreateFolderPath(folder)) {
-    return Status::Error(Failure::kNotFound, PathText(folder), u"the folder cannot be created");
-  }
+  if (!folder.empty() && !CreateFolderPath(folder)) return MakeFolders(folder);  // tells why
   if (FactsOfPath(file).kind != PathKind::kFile) return Status::Ok();
   std::string mark;
   Status looked = ReadStart(file, &mark);
   if (!looked.ok() || HasUtf16Mark(mark)) return looked;
-  return WaitForFile(file, FileWait::kWrite, [&] {
-    return ChangeFile(file, IfMissing::kFail,
-                      [&](std::string_view bytes) { return Convert(file, std::string(bytes)); });
+  Status kept;
+  Status changed = WaitForFile(file, FileWait::kWrite, [&] {
+    return ChangeFile(file, IfMissing::kFail, [&](std::string_view bytes) {
+      return Convert(file, std::string(bytes), &kept);
+    });
   });
+  return kept.ok() ? changed : kept;
 }
 
 }  // namespace kerno

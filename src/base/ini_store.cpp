@@ -2,6 +2,7 @@
 
 #include "base/folders.h"
 #include "base/profile_store.h"
+#include "base/registry_access.h"
 #include "base/settings_places.h"
 #include "base/text.h"
 #include "base/time_text.h"
@@ -61,11 +62,9 @@ IniStore::~IniStore() {
   const std::u16string text = FormatTime(clock.Local(now), kTimeStamp);
   const std::u16string name = StampName();
   // A stamp that cannot be written is missing; nobody waits for the destructor's word.
-  RegistryAccess registry;
-  registry.WriteString(StampKey(), name, text);
-  static_cast<void>(
-      WriteLines({{std::u16string(kStampSection), name, text},
-                  {std::u16string(kStampSection), std::u16string(kStampValue), Int64Text(now)}}));
+  (void)WriteUserString(StampKey(), name, text);
+  (void)WriteLines({{std::u16string(kStampSection), name, text},
+                    {std::u16string(kStampSection), std::u16string(kStampValue), Int64Text(now)}});
 }
 
 // As the name of a key in the file; what a key cannot hold becomes "_".
@@ -78,19 +77,13 @@ std::u16string IniStore::StampName() const {
 }
 
 void IniStore::CheckStamp() {
-  const auto stamp = [&](std::u16string_view default_value) {
-    return Int64OfText(GetStr(kStampSection, kStampValue, default_value));
-  };
-  // Three defaults tell a missing entry from any stored value; a default is never cached.
-  const int64_t first = stamp(u"0");
-  const int64_t second = stamp(u"1");
-  const int64_t third = stamp(u"2");
-  if (second != third) return;
+  const std::optional<std::u16string> stamp = FindStr(kStampSection, kStampValue);
+  if (!stamp) return;
   const auto modified = ModificationTime(file());
-  if (modified && *modified > first + kTolerance) changed_outside_ = true;
+  if (modified && *modified > Int64OfText(*stamp) + kTolerance) changed_outside_ = true;
   const std::u16string name = StampName();
-  RegistryAccess registry;
-  const std::u16string here = registry.ReadString(StampKey(), name).value_or(u"");
+  std::u16string here;
+  (void)ReadUserString(StampKey(), name, &here);  // missing: as an empty one
   const std::u16string there = GetStr(kStampSection, name, {});
   if (!here.empty() && !there.empty() && here != there) changed_outside_ = true;
 }

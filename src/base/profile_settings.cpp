@@ -44,24 +44,18 @@ IniStore& ProfileSettings::Store() {
 int32_t ProfileSettings::GetInt(std::u16string_view section, std::u16string_view key,
                                 int32_t default_value) {
   IniStore& store = Store();
+  if (!settled_) return store.GetInt(section, key, default_value);
   const auto [entry, is_new] = numbers_.try_emplace(Name(section, key));
-  if (is_new) {
-    // Two defaults tell what is missing from every stored value.
-    const int32_t value = store.GetInt(section, key, default_value);
-    const bool held = value != default_value || store.GetInt(section, key, ~default_value) == value;
-    if (held) entry->second = value;
-  }
+  if (is_new) entry->second = store.FindInt(section, key);
   return entry->second.value_or(default_value);
 }
 
 std::u16string ProfileSettings::GetStr(std::u16string_view section, std::u16string_view key,
                                        std::u16string_view default_value) {
   IniStore& store = Store();
+  if (!settled_) return store.GetStr(section, key, default_value);
   const auto [entry, is_new] = texts_.try_emplace(Name(section, key));
-  if (is_new) {
-    const std::u16string value = store.GetStr(section, key, u"0");
-    if (value != u"0" || store.GetStr(section, key, u"1") == value) entry->second = value;
-  }
+  if (is_new) entry->second = store.FindStr(section, key);
   return entry->second.value_or(std::u16string(default_value));
 }
 

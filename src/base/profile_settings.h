@@ -42,7 +42,7 @@ class ProfileSettings final : public SettingsReader {
   std::filesystem::path file_;
   Look look_;
   bool settled_ = false;  // no later change can look the same
-  // What the store answered; nothing for what the file does not hold.
+  // What a settled store answered; nothing for what the file does not hold.
   std::map<Name, std::optional<int32_t>> numbers_;
   std::map<Name, std::optional<std::u16string>> texts_;
 };

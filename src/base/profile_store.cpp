@@ -5,7 +5,9 @@
 #include "base/folders.h"
 #include "base/ini_preparation.h"
 #include "base/number_text.h"
+#include "base/registry_access.h"
 #include "base/settings_places.h"
+#include "base/settings_table.h"
 #include "base/text.h"
 #include "base/text_file.h"
 #include "base/time_text.h"
@@ -20,12 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr size_t kLongestValue = 10000;
-constexpr std::u16string_view kDebug = u"Debug";
 constexpr std::u16string_view kDumpName = u"ProfileStore";
-
-std::u16string IntText(int32_t value) {
-  return Int64Text(value);
-}
 
 Status Refusal(std::u16string_view section, std::u16string_view key, std::u16string_view why) {
   return Status::Error(Failure::kOther, std::u16string(section).append(u"/").append(key),
@@ -85,15 +82,14 @@ ProfileStore::ProfileStore(std::u16string_view name) {
   in_registry_ = application && !application->registry_key.empty();
   if (in_registry_) {
     profile_path_ = name.empty() ? application->profile_file : std::u16string(name);
-    ReadSwitches(!name.empty());
   } else {
     OpenFile(!name.empty() ? ResolveIniPath(name)
              : application ? ResolveIniPath(application->profile_file)
                            : FileOfProgram());
-    ReadSwitches(!name.empty());
   }
+  ReadSwitches(!name.empty());
   if (name.empty()) {
-    const std::u16string own = u"Env__" + IntText(++process.unnamed_stores);
+    const std::u16string own = u"Env__" + Int64Text(++process.unnamed_stores);
     DumpText(kDumpName, u"Ｎｕｌｌのため " + QuoteText(own, u'"') + u" を使用");
   }
 }
@@ -110,12 +106,12 @@ void ProfileStore::ReadSwitches(bool named) {
   if (process.use_cache) {
     use_cache_ = *process.use_cache;
   } else {
-    use_cache_ = GetInt(u"Debug\\2009_09", u"UseProfileCache", 1) != 0;
+    use_cache_ = Get(kUseProfileCache, *this);
     if (named) process.use_cache = use_cache_;
     if (!use_cache_) cache_.clear();
   }
-  write_ = GetInt(kDebug, u"Write", 0);
-  log_ = GetInt(kDebug, u"Log", 0);
+  logs_writes_ = Get(kLogWrites, *this);
+  logs_reads_ = Get(kLogReads, *this);
 }
 
 fs::path ProfileStore::file() const {
@@ -140,7 +136,11 @@ ProfileStore::Cached& ProfileStore::CacheEntry(std::u16string_view section,
 }
 
 std::optional<int32_t> ProfileStore::ReadInt(std::u16string_view section, std::u16string_view key) {
-  if (in_registry_) return registry_.ReadDword(RegistryKey(section), key);
+  if (in_registry_) {
+    int32_t value = 0;
+    const Status read = ReadUserDword(RegistryKey(section), key, &value);
+    return FromRegistry(read, section, key).ok() ? std::optional(value) : std::nullopt;
+  }
   const auto text = ReadProfileString(file_, section, key, kLongestValue);
   if (!text || text->empty()) return std::nullopt;  // an empty value is no number: the default
   return ParseProfileInt(*text);
@@ -148,36 +148,66 @@ std::optional<int32_t> ProfileStore::ReadInt(std::u16string_view section, std::u
 
 std::optional<std::u16string> ProfileStore::ReadStr(std::u16string_view section,
                                                     std::u16string_view key) {
-  if (in_registry_) return registry_.ReadString(RegistryKey(section), key);
+  if (in_registry_) {
+    std::u16string value;
+    const Status read = ReadUserString(RegistryKey(section), key, &value);
+    return FromRegistry(read, section, key).ok() ? std::optional(value) : std::nullopt;
+  }
   return ReadProfileString(file_, section, key, kLongestValue);
+}
+
+std::optional<int32_t> ProfileStore::LookUpInt(std::u16string_view section, std::u16string_view key,
+                                               std::u16string_view if_missing) {
+  if (section.empty() || key.empty()) return std::nullopt;
+  if (use_cache_) {
+    const Cached* cached = FindCached(section, key);
+    if (cached && cached->number) return cached->number;
+  }
+  const std::optional<int32_t> value = ReadInt(section, key);
+  if (value && use_cache_) CacheEntry(section, key).number = value;
+  if (logs_reads_) Log(u"GetInt", section, key, value ? Int64Text(*value) : if_missing);
+  return value;
+}
+
+std::optional<std::u16string> ProfileStore::LookUpStr(std::u16string_view section,
+                                                      std::u16string_view key,
+                                                      std::u16string_view if_missing) {
+  if (section.empty() || key.empty()) return std::nullopt;
+  if (use_cache_) {
+    const Cached* cached = FindCached(section, key);
+    if (cached && cached->text) return cached->text;
+  }
+  std::optional<std::u16string> value = ReadStr(section, key);
+  if (value && use_cache_) CacheEntry(section, key).text = value;
+  if (logs_reads_) Log(u"GetStr", section, key, value ? *value : if_missing);
+  return value;
+}
+
+std::optional<int32_t> ProfileStore::FindInt(std::u16string_view section, std::u16string_view key) {
+  return LookUpInt(section, key, {});
+}
+
+std::optional<std::u16string> ProfileStore::FindStr(std::u16string_view section,
+                                                    std::u16string_view key) {
+  return LookUpStr(section, key, {});
 }
 
 int32_t ProfileStore::GetInt(std::u16string_view section, std::u16string_view key,
                              int32_t default_value) {
-  if (section.empty() || key.empty()) return default_value;
-  if (use_cache_) {
-    const Cached* cached = FindCached(section, key);
-    if (cached && cached->number) return *cached->number;
-  }
-  const std::optional<int32_t> value = ReadInt(section, key);
-  if (value && use_cache_) CacheEntry(section, key).number = value;
-  const int32_t answer = value.value_or(default_value);
-  if (log_ != 0) Log(u"GetInt", section, key, IntText(answer));
-  return answer;
+  return LookUpInt(section, key, Int64Text(default_value)).value_or(default_value);
 }
 
 std::u16string ProfileStore::GetStr(std::u16string_view section, std::u16string_view key,
                                     std::u16string_view default_value) {
-  if (section.empty() || key.empty()) return std::u16string(default_value);
-  if (use_cache_) {
-    const Cached* cached = FindCached(section, key);
-    if (cached && cached->text) return *cached->text;
-  }
-  std::optional<std::u16string> value = ReadStr(section, key);
-  if (value && use_cache_) CacheEntry(section, key).text = value;
-  std::u16string answer = value ? *std::move(value) : std::u16string(default_value);
-  if (log_ != 0) Log(u"GetStr", section, key, answer);
-  return answer;
+  std::optional<std::u16string> value = LookUpStr(section, key, default_value);
+  return value ? *std::move(value) : std::u16string(default_value);
+}
+
+Status ProfileStore::FromRegistry(const Status& status, std::u16string_view section,
+                                  std::u16string_view key) {
+  if (status.ok()) return Status::Ok();
+  registry_error_ = status.why;
+  return Refusal(section, key, status.why);
 }
 
 Status ProfileStore::CheckNames(std::u16string_view section, std::u16string_view key,
@@ -197,19 +227,18 @@ Status ProfileStore::CheckNames(std::u16string_view section, std::u16string_view
 }
 
 Status ProfileStore::WriteLines(const std::vector<ProfileEdit>& edits) {
-  Status status = WaitForFile(file_, FileWait::kWrite, [&]() -> Status {
+  return WaitForFile(file_, FileWait::kWrite, [&]() -> Status {
     if (!PathExists(file_)) {
       Status created = CreateNewFile(file_, EncodeText(IniHeader(), TextEncoding::kUtf16));
       if (!created.ok() && created.failure != Failure::kSharingViolation) return created;
     }
     return WriteProfile(file_, edits);
   });
-  return status;
 }
 
 Status ProfileStore::WriteLine(std::u16string_view section, std::u16string_view key,
                                std::optional<std::u16string> value) {
-  if (write_ != 0) Log(value ? u"Write" : u"Remove", section, key, value.value_or(u""));
+  if (logs_writes_) Log(value ? u"Write" : u"Remove", section, key, value.value_or(u""));
   if (value) value = Protected(*value);
   Status status = WriteLines({{std::u16string(section), std::u16string(key), std::move(value)}});
   if (status.ok()) wrote_ = true;
@@ -218,34 +247,29 @@ Status ProfileStore::WriteLine(std::u16string_view section, std::u16string_view 
 
 Status ProfileStore::WriteInt(std::u16string_view section, std::u16string_view key, int32_t value) {
   if (Status refused = CheckNames(section, key, {}); !refused.ok()) return refused;
-  if (!in_registry_) {
-    if (Status failed = WriteLine(section, key, IntText(value)); !failed.ok()) return failed;
-  } else if (!registry_.WriteDword(RegistryKey(section), key, value)) {
-    return Refusal(section, key, registry_.last_error());
-  }
-  if (use_cache_) {
+  Status status = in_registry_
+                      ? FromRegistry(WriteUserDword(RegistryKey(section), key, value), section, key)
+                      : WriteLine(section, key, Int64Text(value));
+  if (status.ok() && use_cache_) {
     Cached& cached = CacheEntry(section, key);
     cached.number = value;
     cached.text.reset();
   }
-  return Status::Ok();
+  return status;
 }
 
 Status ProfileStore::WriteStr(std::u16string_view section, std::u16string_view key,
                               std::u16string_view value) {
   if (Status refused = CheckNames(section, key, value); !refused.ok()) return refused;
-  if (!in_registry_) {
-    Status failed = WriteLine(section, key, std::u16string(value));
-    if (!failed.ok()) return failed;
-  } else if (!registry_.WriteString(RegistryKey(section), key, value)) {
-    return Refusal(section, key, registry_.last_error());
-  }
-  if (use_cache_) {
+  Status status =
+      in_registry_ ? FromRegistry(WriteUserString(RegistryKey(section), key, value), section, key)
+                   : WriteLine(section, key, std::u16string(value));
+  if (status.ok() && use_cache_) {
     Cached& cached = CacheEntry(section, key);
     cached.number.reset();
     cached.text = in_registry_ ? value : value.substr(0, kLongestValue);
   }
-  return Status::Ok();
+  return status;
 }
 
 Status ProfileStore::Remove(std::u16string_view section, std::u16string_view key) {
@@ -254,9 +278,7 @@ Status ProfileStore::Remove(std::u16string_view section, std::u16string_view key
   if (!in_registry_) {
     return PathExists(file_) ? WriteLine(section, key, std::nullopt) : Status::Ok();
   }
-  const std::u16string registry_key = RegistryKey(section);
-  const bool done = registry_.DeleteValue(registry_key, key);
-  return done ? Status::Ok() : Refusal(section, key, registry_.last_error());
+  return FromRegistry(DeleteUserValue(RegistryKey(section), key), section, key);
 }
 
 void ProfileStore::Log(std::u16string_view operation, std::u16string_view section,

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "base/profile_values.h"
-#include "base/registry_access.h"
+#include "base/settings.h"
 #include "platform/status.h"
 
 namespace kerno {
@@ -30,20 +30,25 @@ struct WindowPlacement {
 enum class DialogState { kNormal, kMinimised };
 
 // The general store, which may use the registry.
-class ProfileStore {
+class ProfileStore : public SettingsReader {
  public:
   // Chooses where the settings live: the registry when the application has a registry key, else an
   // INI file, whose folder is created and whose text becomes UTF-16. A store without a name calls
   // itself "Env__" and a serial number, which it notes in the dump log.
   explicit ProfileStore(std::u16string_view name);
-  virtual ~ProfileStore() = default;
   ProfileStore(const ProfileStore&) = delete;
   ProfileStore& operator=(const ProfileStore&) = delete;
 
-  int32_t GetInt(std::u16string_view section, std::u16string_view key, int32_t default_value);
+  int32_t GetInt(std::u16string_view section, std::u16string_view key, int32_t default_value) final;
   // At most 10,000 units.
   std::u16string GetStr(std::u16string_view section, std::u16string_view key,
-                        std::u16string_view default_value);
+                        std::u16string_view default_value) final;
+
+  // The value that is stored, nothing for one that is missing; a number that is empty counts as
+  // missing. In the log of reads a missing one is empty.
+  std::optional<int32_t> FindInt(std::u16string_view section, std::u16string_view key);
+  std::optional<std::u16string> FindStr(std::u16string_view section, std::u16string_view key);
+
   Status WriteInt(std::u16string_view section, std::u16string_view key, int32_t value);
   Status WriteStr(std::u16string_view section, std::u16string_view key, std::u16string_view value);
   Status Remove(std::u16string_view section, std::u16string_view key);
@@ -84,14 +89,14 @@ class ProfileStore {
   ProfileRect LoadDialogRect(std::u16string_view dialog, const ProfileRect& default_value);
 
   // Whether every read is to reach the file or the log.
-  bool reads_are_watched() const { return log_ != 0 || !use_cache_; }
+  bool reads_are_watched() const { return logs_reads_ || !use_cache_; }
 
   // The INI file's full path, or the profile's name in the registry.
   const std::u16string& profile_path() const { return profile_path_; }
   bool in_registry() const { return in_registry_; }
 
   // The last registry failure as a message; empty when there was none.
-  const std::u16string& registry_error() const { return registry_.last_error(); }
+  const std::u16string& registry_error() const { return registry_error_; }
 
  protected:
   ProfileStore() = default;
@@ -136,11 +141,19 @@ class ProfileStore {
     static bool Equal(const NameView& a, const NameView& b);
   };
 
+  // Out of the cache or the backing store. The log tells `if_missing` as the answer when nothing is
+  // stored.
+  std::optional<int32_t> LookUpInt(std::u16string_view section, std::u16string_view key,
+                                   std::u16string_view if_missing);
+  std::optional<std::u16string> LookUpStr(std::u16string_view section, std::u16string_view key,
+                                          std::u16string_view if_missing);
   std::optional<int32_t> ReadInt(std::u16string_view section, std::u16string_view key);
   std::optional<std::u16string> ReadStr(std::u16string_view section, std::u16string_view key);
   Cached& CacheEntry(std::u16string_view section, std::u16string_view key);
   const Cached* FindCached(std::u16string_view section, std::u16string_view key) const;
   std::u16string RegistryKey(std::u16string_view section) const;
+  // Keeps the message of a failure of the registry, and tells it of the setting.
+  Status FromRegistry(const Status& status, std::u16string_view section, std::u16string_view key);
   Status CheckNames(std::u16string_view section, std::u16string_view key,
                     std::u16string_view value) const;
   Status WriteLine(std::u16string_view section, std::u16string_view key,
@@ -157,10 +170,10 @@ class ProfileStore {
   bool in_registry_ = false;
   bool use_cache_ = true;
   bool wrote_ = false;
-  int32_t write_ = 0;  // "Debug"/"Write": every write is logged
-  int32_t log_ = 0;    // "Debug"/"Log": every read is logged
+  bool logs_writes_ = false;
+  bool logs_reads_ = false;
   std::unordered_map<Name, Cached, NameHash, NameEqual> cache_;
-  RegistryAccess registry_;
+  std::u16string registry_error_;
 };
 
 // The INI-only store: always a file, in a folder that can be written, and stamped when it wrote.

@@ -1,5 +1,7 @@
 #include "base/registry_access.h"
 
+#include <utility>
+
 #include "base/file_wait.h"
 #include "platform/registry.h"
 
@@ -27,74 +29,68 @@ RegistryOutcome Await(const Change& change) {
   return status.ok() ? outcome : RegistryOutcome::kFailed;
 }
 
+Status Failed(std::u16string_view what, std::u16string_view key, std::u16string_view name) {
+  std::u16string message(what);
+  message.resize(kPrefixWidth, u'\u3000');
+  message.append(key).append(u"\\[").append(name).append(u"]");
+  return Status::Error(Failure::kOther, std::u16string(key), std::move(message));
+}
+
+// A value of the wanted type; `other_type` is told when it is of another.
+Status Read(std::u16string_view key, std::u16string_view name, RegistryType wanted,
+            std::u16string_view other_type, RegistryValue* value) {
+  switch (QueryRegistry(RegistryRoot::kCurrentUser, key, name, value)) {
+    case RegistryOutcome::kDone:
+      return value->type == wanted ? Status::Ok() : Failed(other_type, key, name);
+    case RegistryOutcome::kNoValue:
+      return Failed(kNoEntry, key, name);
+    default:
+      return Failed(kNoSection, key, name);
+  }
+}
+
+Status Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) {
+  const RegistryOutcome outcome = Await(
+      [&](Status* why) { return SetRegistry(RegistryRoot::kCurrentUser, key, name, value, why); });
+  return outcome == RegistryOutcome::kDone ? Status::Ok() : Failed(kNotSet, key, name);
+}
+
 }  // namespace
 
-void RegistryAccess::Record(std::u16string_view what, std::u16string_view key,
-                            std::u16string_view name) {
-  last_error_ = what;
-  last_error_.resize(kPrefixWidth, u'\u3000');
-  last_error_.append(key).append(u"\\[").append(name).append(u"]");
+Status ReadUserDword(std::u16string_view key, std::u16string_view name, int32_t* value) {
+  RegistryValue data;
+  Status status = Read(key, name, RegistryType::kDword, kNotDword, &data);
+  if (status.ok()) *value = static_cast<int32_t>(data.number);
+  return status;
 }
 
-std::optional<int32_t> RegistryAccess::ReadDword(std::u16string_view key,
-                                                 std::u16string_view name) {
-  RegistryValue value;
-  const RegistryOutcome outcome = QueryRegistry(RegistryRoot::kCurrentUser, key, name, &value);
-  if (outcome == RegistryOutcome::kDone && value.type == RegistryType::kDword) {
-    return static_cast<int32_t>(value.number);
-  }
-  Record(outcome == RegistryOutcome::kDone      ? kNotDword
-         : outcome == RegistryOutcome::kNoValue ? kNoEntry
-                                                : kNoSection,
-         key, name);
-  return std::nullopt;
+Status ReadUserString(std::u16string_view key, std::u16string_view name, std::u16string* value) {
+  RegistryValue data;
+  Status status = Read(key, name, RegistryType::kString, kNotString, &data);
+  if (status.ok()) *value = std::move(data.text);
+  return status;
 }
 
-std::optional<std::u16string> RegistryAccess::ReadString(std::u16string_view key,
-                                                         std::u16string_view name) {
-  RegistryValue value;
-  const RegistryOutcome outcome = QueryRegistry(RegistryRoot::kCurrentUser, key, name, &value);
-  if (outcome == RegistryOutcome::kDone && value.type == RegistryType::kString) return value.text;
-  Record(outcome == RegistryOutcome::kDone      ? kNotString
-         : outcome == RegistryOutcome::kNoValue ? kNoEntry
-                                                : kNoSection,
-         key, name);
-  return std::nullopt;
+Status WriteUserDword(std::u16string_view key, std::u16string_view name, int32_t value) {
+  return Write(key, name, {RegistryType::kDword, {}, static_cast<uint32_t>(value)});
 }
 
-bool RegistryAccess::WriteDword(std::u16string_view key, std::u16string_view name, int32_t value) {
-  const RegistryValue data{RegistryType::kDword, {}, static_cast<uint32_t>(value)};
-  const RegistryOutcome outcome = Await(
-      [&](Status* why) { return SetRegistry(RegistryRoot::kCurrentUser, key, name, data, why); });
-  if (outcome == RegistryOutcome::kDone) return true;
-  Record(kNotSet, key, name);
-  return false;
+Status WriteUserString(std::u16string_view key, std::u16string_view name,
+                       std::u16string_view value) {
+  return Write(key, name, {RegistryType::kString, std::u16string(value), 0});
 }
 
-bool RegistryAccess::WriteString(std::u16string_view key, std::u16string_view name,
-                                 std::u16string_view value) {
-  const RegistryValue data{RegistryType::kString, std::u16string(value), 0};
-  const RegistryOutcome outcome = Await(
-      [&](Status* why) { return SetRegistry(RegistryRoot::kCurrentUser, key, name, data, why); });
-  if (outcome == RegistryOutcome::kDone) return true;
-  Record(kNotSet, key, name);
-  return false;
-}
-
-bool RegistryAccess::DeleteValue(std::u16string_view key, std::u16string_view name) {
+Status DeleteUserValue(std::u16string_view key, std::u16string_view name) {
   const RegistryOutcome outcome = Await(
       [&](Status* why) { return DeleteRegistryValue(RegistryRoot::kCurrentUser, key, name, why); });
-  if (outcome == RegistryOutcome::kDone) return true;
-  Record(outcome == RegistryOutcome::kNoKey ? kNoSection : kValueNotDeleted, key, name);
-  return false;
+  if (outcome == RegistryOutcome::kDone) return Status::Ok();
+  return Failed(outcome == RegistryOutcome::kNoKey ? kNoSection : kValueNotDeleted, key, name);
 }
 
-bool RegistryAccess::DeleteKey(std::u16string_view key) {
+Status DeleteUserKey(std::u16string_view key) {
   const RegistryOutcome outcome =
       Await([&](Status* why) { return DeleteRegistryKey(RegistryRoot::kCurrentUser, key, why); });
-  if (outcome == RegistryOutcome::kDone) return true;
-  Record(kKeyNotDeleted, key, {});
-  return false;
+  return outcome == RegistryOutcome::kDone ? Status::Ok() : Failed(kKeyNotDeleted, key, {});
 }
 
 }  // namespace kerno

@@ -3,7 +3,7 @@
 namespace kerno {
 namespace {
 
-class DefaultSettings final : public SettingsReader {
+class Defaults final : public SettingsReader {
  public:
   int32_t GetInt(std::u16string_view, std::u16string_view, int32_t default_value) override {
     return default_value;
@@ -14,10 +14,14 @@ class DefaultSettings final : public SettingsReader {
   }
 };
 
-DefaultSettings defaults;
+Defaults defaults;
 SettingsReader* current = &defaults;
 
 }  // namespace
+
+SettingsReader& DefaultSettings() {
+  return defaults;
+}
 
 SettingsReader& CurrentSettings() {
   return *current;

@@ -18,6 +18,9 @@ class SettingsReader {
                                 std::u16string_view default_value) = 0;
 };
 
+// Answers every default.
+SettingsReader& DefaultSettings();
+
 // The process's settings; one that answers every default until a program sets its own.
 // ReplaceSettings returns the one before; null restores the defaults. The caller keeps ownership.
 SettingsReader& CurrentSettings();

@@ -36,10 +36,16 @@ bool CanUse(const fs::path& folder) {
   return MakeFolders(folder).ok() && CanWriteFolder(folder);
 }
 
+// Empty for a value that is missing.
+std::u16string UserText(std::u16string_view key, std::u16string_view name) {
+  std::u16string text;
+  (void)ReadUserString(key, name, &text);
+  return text;
+}
+
 IniBase FindIniBase(const std::u16string& registry_key) {
-  RegistryAccess registry;
-  const auto full_base = registry.ReadString(registry_key, kIniFullBase);
-  if (full_base && !full_base->empty()) return {TextPath(*full_base), IniBaseReason::kOverride};
+  const std::u16string full_base = UserText(registry_key, kIniFullBase);
+  if (!full_base.empty()) return {TextPath(full_base), IniBaseReason::kOverride};
   const fs::path program = ProgramFolder();
   if (!program.empty()) {
     if (IsFolder(program / kFolderName)) {
@@ -59,8 +65,7 @@ IniBase FindIniBase(const std::u16string& registry_key) {
 
 // Shows the user what is in use; a registry that cannot be written shows nothing.
 void WriteBack(std::u16string_view key, std::u16string_view name, std::u16string_view value) {
-  RegistryAccess registry;
-  if (registry.ReadString(key, name) != value) registry.WriteString(key, name, value);
+  if (UserText(key, name) != value) (void)WriteUserString(key, name, value);
 }
 
 // "_HHMMSS_<serial>" and the ending of a test file, as TestFileName makes them.
@@ -125,9 +130,8 @@ SettingsProcess& SettingsProcess::Current() {
 const std::u16string& SettingsProcess::BaseName() {
   if (base_name_) return *base_name_;
   const std::u16string key = std::u16string(kSoftware).append(kStoreName);
-  RegistryAccess registry;
-  const auto other = registry.ReadString(key, u"");
-  base_name_ = other && !other->empty() ? *other : std::u16string(kStoreName);
+  const std::u16string other = UserText(key, u"");
+  base_name_ = other.empty() ? std::u16string(kStoreName) : other;
   return *base_name_;
 }
 

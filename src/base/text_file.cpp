@@ -77,15 +77,11 @@ Status ReadFileBytes(const fs::path& path, std::string* bytes, size_t most) {
   return status;
 }
 
-bool ReadText(const fs::path& path, std::u16string* text, TextForm form, Status* why) {
-  text->clear();
-  Status ignored;
-  Status& status = why ? *why : ignored;
+bool ReadText(const fs::path& path, std::u16string* text, TextForm form) {
   std::string bytes;
-  status = ReadFileBytes(path, &bytes);
-  if (!status.ok() || bytes.empty()) return false;
-  *text = DecodeText(bytes, form);
-  return true;
+  const bool read = ReadFileBytes(path, &bytes).ok() && !bytes.empty();
+  *text = read ? DecodeText(bytes, form) : std::u16string();
+  return read;
 }
 
 std::string EncodeText(std::u16string_view text, TextEncoding encoding) {

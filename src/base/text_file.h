@@ -25,10 +25,9 @@ Status ReadFileBytes(const std::filesystem::path& path, std::string* bytes,
                      size_t most = std::string::npos);
 
 // Reads a whole file. False, with an empty text, when the path is empty, or the file does not
-// exist, is empty, or cannot be read; *why, when given, then tells the reason (ok for an empty
-// file).
-bool ReadText(const std::filesystem::path& path, std::u16string* text,
-              TextForm form = TextForm::kDetect, Status* why = nullptr);
+// exist, is empty, or cannot be read; ReadFileBytes and DecodeText tell why.
+[[nodiscard]] bool ReadText(const std::filesystem::path& path, std::u16string* text,
+                            TextForm form = TextForm::kDetect);
 
 enum class TextEncoding {
   kUtf16,        // little-endian after the mark FF FE

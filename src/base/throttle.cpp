@@ -3,15 +3,15 @@
 #include <string>
 
 #include "base/profile_values.h"
-#include "base/settings.h"
 #include "base/settings_places.h"
+#include "base/settings_table.h"
 #include "platform/clock.h"
 
 namespace kerno {
 
 bool MessageThrottle::Due() {
   std::optional<int32_t>& timing = SettingsProcess::Current().draw_timing;
-  if (!timing) timing = CurrentSettings().GetInt(u"Message", u"DrawTiming", 100);
+  if (!timing) timing = Get(kDrawTiming);
   const uint32_t now = CurrentClock().Ticks();
   // Either way round, so that ticks that started again at 0 count as passed time.
   const uint32_t passed = now > last_ ? now - last_ : last_ - now;

@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -105,8 +104,7 @@ ExitStatus Main(const std::vector<std::string>& arguments) {
   if (help->parsed()) return PrintHelp(app, topic);
   const ConsoleNotices notices;
   InstallProfileSettings();
-  std::optional<DumpUser> dump;
-  if (CurrentSettings().GetInt(u"Debug", u"DbgDump", 0) != 0) dump.emplace(u"kerno");
+  const RunDump dump(u"kerno");
   for (size_t i = 0; i < commands.size(); ++i) {
     if (entries[i]->parsed()) return commands[i]->Run();
   }

@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "cli/console.h"
 #include "platform/folder_path.h"
+#include "platform/private_profile.h"
 
 namespace kerno {
 namespace {
@@ -66,25 +67,18 @@ bool IsRectangle(std::u16string_view text) {
   return numbers == 4;
 }
 
-// What a known setting's value has to be and is not; null when it fits.
-const char* Misfit(const Setting* setting, std::u16string_view value) {
-  if (!setting || value.empty()) return nullptr;
-  if (setting->type == SettingType::kInteger && !IsInteger(value)) {
-    return "an integer is wanted, from -2147483648 to 2147483647";
+// What the value of a known setting has to be and is not; empty when it fits.
+std::string Misfit(const Setting& row, std::u16string_view value) {
+  if (value.empty() || std::holds_alternative<TextSetting>(row)) return {};
+  if (std::holds_alternative<RectangleSetting>(row)) {
+    return IsRectangle(value) ? "" : "four integers are wanted: left, top, right, bottom";
   }
-  if (setting->type == SettingType::kRectangle && !IsRectangle(value)) {
-    return "four integers are wanted: left, top, right, bottom";
-  }
-  return nullptr;
-}
-
-// A known setting's value as the program takes it.
-std::u16string CurrentValue(IniStore& store, const Setting& setting) {
-  if (setting.type == SettingType::kInteger) {
-    const auto default_value = static_cast<int32_t>(Int64OfText(setting.default_value));
-    return Int64Text(store.GetInt(setting.section, setting.key, default_value));
-  }
-  return store.GetStr(setting.section, setting.key, setting.default_value);
+  const auto* const integer = std::get_if<IntegerSetting>(&row);
+  const IntegerLimits limits = integer ? integer->limits : IntegerLimits();
+  const int32_t number = ParseProfileInt(value);
+  if (IsInteger(value) && number >= limits.least && number <= limits.most) return {};
+  return "an integer is wanted, from " + std::to_string(limits.least) + " to " +
+         std::to_string(limits.most);
 }
 
 ExitStatus PrintAll(const std::string& text) {
@@ -111,7 +105,7 @@ void SettingsCommand::AddOptions(CLI::App& app) {
     action->add_option("SECTION", section_, "the setting's section")->required();
     action->add_option("KEY", key_, "the setting's key")->required();
   }
-  set->add_option("VALUE", value_, "its new value (behind -- when it begins with -)")->required();
+  set->add_option("VALUE", value_, "its new value (after -- when it begins with -)")->required();
   get->callback(choose(&SettingsCommand::Get));
   set->callback(choose(&SettingsCommand::Set));
   unset->callback(choose(&SettingsCommand::Unset));
@@ -144,14 +138,12 @@ ExitStatus SettingsCommand::PrintPath() {
 ExitStatus SettingsCommand::List() {
   IniStore store(kStoreName);
   std::string text = "section\tkey\ttype\tdefault\tvalue\tmeaning\n";
-  for (const Setting& setting : KnownSettings()) {
-    for (const std::u16string_view part : {setting.section, setting.key}) {
-      text += Utf16ToUtf8(part) + "\t";
-    }
-    text.append(SettingTypeName(setting.type)).append("\t");
-    text += Utf16ToUtf8(setting.default_value) + "\t";
-    text += Utf16ToUtf8(CurrentValue(store, setting)) + "\t";
-    text.append(setting.meaning).append("\n");
+  for (const Setting& row : KnownSettings()) {
+    const SettingText known = Describe(row);
+    text += Utf16ToUtf8(known.section) + "\t" + Utf16ToUtf8(known.key) + "\t";
+    text.append(known.type).append("\t");
+    text += Utf16ToUtf8(known.default_value) + "\t" + Utf16ToUtf8(ValueText(row, store)) + "\t";
+    text.append(known.meaning).append("\n");
   }
   return PrintAll(text);
 }
@@ -161,15 +153,14 @@ ExitStatus SettingsCommand::Get() {
   if (!ReadNames(&section, &key)) return kWrongUsage;
   IniStore store(kStoreName);
   if (const Setting* const known = FindSetting(section, key)) {
-    return PrintAll(Utf16ToUtf8(CurrentValue(store, *known)) + "\n");
+    return PrintAll(Utf16ToUtf8(ValueText(*known, store)) + "\n");
   }
-  // Two defaults tell an absent entry from every stored one.
-  const std::u16string value = store.GetStr(section, key, u"0");
-  if (value == u"0" && store.GetStr(section, key, u"1") == u"1") {
+  const std::optional<std::u16string> value = store.FindStr(section, key);
+  if (!value) {
     ReportError(section_ + "/" + key_, "it is not set, and Kerno knows no default");
     return kFailed;
   }
-  return PrintAll(Utf16ToUtf8(value) + "\n");
+  return PrintAll(Utf16ToUtf8(*value) + "\n");
 }
 
 ExitStatus SettingsCommand::Set() {
@@ -177,7 +168,8 @@ ExitStatus SettingsCommand::Set() {
   if (!ReadNames(&section, &key)) return kWrongUsage;
   const auto value = ReadUtf8("VALUE", value_);
   if (!value) return kWrongUsage;
-  if (const char* const misfit = Misfit(FindSetting(section, key), *value)) {
+  const Setting* const known = FindSetting(section, key);
+  if (const std::string misfit = known ? Misfit(*known, *value) : ""; !misfit.empty()) {
     ReportError(section_ + "/" + key_, misfit);
     return kWrongUsage;
   }

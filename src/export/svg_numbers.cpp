@@ -1,18 +1,15 @@
 #include "export/svg_numbers.h"
 
-#include <algorithm>
 #include <optional>
 
 #include "base/number_text.h"
-#include "base/settings.h"
+#include "base/settings_table.h"
 #include "platform/clock.h"
 
 namespace kerno {
 namespace {
 
 constexpr uint32_t kReadAgain = 11000;  // milliseconds
-constexpr int kDefaultDigits = 15;
-constexpr int kMostDigits = 40;
 
 struct ReadPrecision {
   int digits;
@@ -25,8 +22,7 @@ std::optional<ReadPrecision> read_precision;
 int SvgPrecision() {
   const uint32_t now = CurrentClock().Ticks();
   if (!read_precision || now - read_precision->ticks >= kReadAgain) {
-    const int digits = CurrentSettings().GetInt(u"Dec", u"SvgOut::Precision", kDefaultDigits);
-    read_precision = {std::clamp(digits, 1, kMostDigits), now};
+    read_precision = {Get(kSvgPrecision), now};
   }
   return read_precision->digits;
 }

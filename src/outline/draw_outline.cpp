@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include "base/settings.h"
+#include "base/settings_table.h"
 
 namespace kerno {
 namespace {
@@ -87,7 +87,7 @@ PolygonList GatherContours(const std::vector<std::vector<P2>>& contours) {
 }  // namespace
 
 OutlineDrawing DrawOutline(DrawingContext& dc, const TextRequest& request) {
-  const bool one_by_one = CurrentSettings().GetInt(u"Debug\\DrawTTOutline", u"UseP2A_Ary", 0) != 0;
+  const bool one_by_one = Get(kOutlinesOneByOne);
   GlyphContours contours;
   StringOutline(dc, request, &contours);
 

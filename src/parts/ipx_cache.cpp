@@ -6,7 +6,7 @@
 
 #include "base/notices.h"
 #include "base/number_text.h"
-#include "base/settings.h"
+#include "base/settings_table.h"
 #include "base/text.h"
 #include "parts/ipx.h"
 #include "parts/ipx_lexer.h"
@@ -18,6 +18,10 @@ namespace kerno {
 namespace {
 
 namespace fs = std::filesystem;
+
+// Not among the known settings: no program here converts models.
+constexpr SwitchSetting kUseCacheIpx{u"PartsAry\\Convert3D", u"UseCacheIPX", false,
+                                     "1: keep an IPX copy of converted models"};
 
 // Nobody asked for the copies, so nobody hears of them.
 class Silence {
@@ -69,7 +73,7 @@ double IpxVersionNumber(std::u16string_view version_text) {
 }
 
 bool UsesIpxCache() {
-  return CurrentSettings().GetInt(u"PartsAry\\Convert3D", u"UseCacheIPX", 0) != 0;
+  return Get(kUseCacheIpx);
 }
 
 IpxCache::IpxCache(const fs::path& temporary, std::u16string program)

@@ -3,20 +3,22 @@
 #include <optional>
 
 #include "base/copy_log.h"
-#include "base/settings.h"
+#include "base/settings_table.h"
 
 namespace kerno {
 namespace {
 
 constexpr size_t kMostVertices = 0x7FFFFFFF;
 
-std::optional<bool> use_merge;  // setting "oprator+=...UseMerge", read once
+// Not among the known settings: no output of the program joins parts.
+// Classic: "oprator" is spelled so in the files that users have.
+constexpr SwitchSetting kUseMerge{
+    u"Debug\\Parts", u"oprator+=...UseMerge", true,
+    "1: joining a smaller part to a larger one lists the larger one's elements first"};
+std::optional<bool> use_merge;  // read once
 
 bool UseMerge() {
-  if (!use_merge) {
-    // The key is misspelt and stays so.
-    use_merge = CurrentSettings().GetInt(u"Debug\\Parts", u"oprator+=...UseMerge", 1) != 0;
-  }
+  if (!use_merge) use_merge = Get(kUseMerge);
   return *use_merge;
 }
 
@@ -206,23 +208,15 @@ Parts& Parts::operator+=(const Parts& other) {
 }
 
 Extent3 PartsA::Extent() const {
-  Extent3 box;
-  bool first = true;
+  Extent3 box = kEmptyExtent;
   for (const PartsElement& part : parts) {
-    if (part.vertices.empty()) continue;
-    const Extent3 of_part = part.Extent();
-    if (first) box = of_part;
-    first = false;
-    Include(&box, of_part.min);
-    Include(&box, of_part.max);
+    for (const P3& point : part.vertices) Include(&box, point);
   }
-  return box;
+  return GatheredExtent(box);
 }
 
 std::u16string DefaultFaceName(WritingDirection direction) {
-  return direction == WritingDirection::kHorizontal
-             ? CurrentSettings().GetStr(u"Parts", u"横書フェイス名", u"ＭＳ ゴシック")
-             : CurrentSettings().GetStr(u"Parts", u"縦書フェイス名", u"@ＭＳ 明朝");
+  return Get(direction == WritingDirection::kHorizontal ? kHorizontalFace : kVerticalFace);
 }
 
 void ForgetPartsSettings() {

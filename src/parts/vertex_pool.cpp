@@ -5,7 +5,7 @@
 #include <bit>
 #include <cmath>
 
-#include "base/settings.h"
+#include "base/settings_table.h"
 
 namespace kerno {
 namespace {
@@ -18,14 +18,14 @@ constexpr uint32_t kReadLimitEvery = 1000;
 struct SearchState {
   bool backward = true;
   uint32_t limited_calls = 0;
-  int32_t max_search = -1;
+  int32_t max_search = kMaxSearch.default_value;
 };
 SearchState state;
 
 size_t LowestSearched(size_t count) {
   if (count < kLimitApplies) return 0;
   if (state.limited_calls++ % kReadLimitEvery == 0) {
-    state.max_search = CurrentSettings().GetInt(u"Parts", u"P3A::Search__MaxSearch", -1);
+    state.max_search = Get(kMaxSearch);
   }
   if (state.max_search < 0 || static_cast<size_t>(state.max_search) >= count) return 0;
   return count - static_cast<size_t>(state.max_search);

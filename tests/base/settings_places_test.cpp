@@ -34,14 +34,16 @@ TEST_F(SettingsPlacesTest, TriesThePlacesInOrder) {
   EXPECT_TRUE(fs::is_directory(folder_ / "prog/Temp/Quenkit_Setting"));
   fs::create_directories(folder_ / "prog/Quenkit_Setting");
   expect(folder_ / "prog/Quenkit_Setting", IniBaseReason::kBesideProgram);
-  RegistryAccess().WriteString(u"Software\\Quenkit\\Quenkit", u"IniFullBase", u"/elsewhere");
+  EXPECT_TRUE(WriteUserString(u"Software\\Quenkit\\Quenkit", u"IniFullBase", u"/elsewhere").ok());
   expect("/elsewhere", IniBaseReason::kOverride);
-  RegistryAccess().WriteString(u"Software\\Quenkit", u"", u"Other");
+  EXPECT_TRUE(WriteUserString(u"Software\\Quenkit", u"", u"Other").ok());
   expect(folder_ / "prog/Quenkit_Setting", IniBaseReason::kBesideProgram);
   EXPECT_EQ(process_->BaseName(), u"Other");
-  EXPECT_EQ(RegistryAccess().ReadString(u"Software\\Quenkit", u"RegKey_Base は"), u"Other");
-  EXPECT_EQ(RegistryAccess().ReadString(u"Software\\Other\\Quenkit", u"IniFullBase は"),
-            PathText(folder_ / "prog/Quenkit_Setting"));
+  std::u16string shown;
+  EXPECT_TRUE(ReadUserString(u"Software\\Quenkit", u"RegKey_Base は", &shown).ok());
+  EXPECT_EQ(shown, u"Other");
+  EXPECT_TRUE(ReadUserString(u"Software\\Other\\Quenkit", u"IniFullBase は", &shown).ok());
+  EXPECT_EQ(shown, PathText(folder_ / "prog/Quenkit_Setting"));
 }
 
 TEST_F(SettingsPlacesTest, ResolvesNames) {

@@ -23,7 +23,7 @@ TEST_F(SettingsProcessesTest, WritersOfDifferentKeysLoseNeither) {
     for (int i = 0; i < kKeys; ++i) {
       IniStore store(u"Quenkit");
       if (!store.WriteInt(u"S", prefix + Int64Text(i), i).ok()) return 1;
-      if (!RegistryAccess().WriteDword(u"Software\\Test", prefix + Int64Text(i), i)) return 2;
+      if (!WriteUserDword(u"Software\\Test", prefix + Int64Text(i), i).ok()) return 2;
     }
     return 0;
   };
@@ -35,7 +35,9 @@ TEST_F(SettingsProcessesTest, WritersOfDifferentKeysLoseNeither) {
   for (const std::u16string prefix : {u"a", u"b"}) {
     for (int i = 0; i < kKeys; ++i) {
       EXPECT_EQ(store.GetInt(u"S", prefix + Int64Text(i), -1), i) << Utf16ToUtf8(prefix) << i;
-      EXPECT_EQ(RegistryAccess().ReadDword(u"Software\\Test", prefix + Int64Text(i)), i);
+      int32_t value = -1;
+      EXPECT_TRUE(ReadUserDword(u"Software\\Test", prefix + Int64Text(i), &value).ok());
+      EXPECT_EQ(value, i);
     }
   }
 }

@@ -21,12 +21,12 @@ TEST(SettingsTable, IsWhatTheDocumentSays) {
     if (line.starts_with("| `")) rows.insert(line);
   }
   for (const Setting& setting : KnownSettings()) {
-    const std::string default_value = Utf16ToUtf8(setting.default_value);
-    const std::string row = "| `" + Utf16ToUtf8(setting.section) + "` | `" +
-                            Utf16ToUtf8(setting.key) + "` | " +
-                            std::string(SettingTypeName(setting.type)) + " | " +
+    const SettingText text = Describe(setting);
+    const std::string default_value = Utf16ToUtf8(text.default_value);
+    const std::string row = "| `" + Utf16ToUtf8(text.section) + "` | `" + Utf16ToUtf8(text.key) +
+                            "` | " + std::string(text.type) + " | " +
                             (default_value.empty() ? "(empty)" : "`" + default_value + "`") +
-                            " | " + std::string(setting.meaning) + " |";
+                            " | " + std::string(text.meaning) + " |";
     EXPECT_EQ(rows.erase(row), 1u) << "missing: " << row;
   }
   for (const std::string& row : rows) ADD_FAILURE() << "not in the table: " << row;

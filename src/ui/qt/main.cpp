@@ -5,6 +5,7 @@
 #include <QProxyStyle>
 
 #include "app/system_services.h"
+#include "base/dump_log.h"
 #include "base/profile_settings.h"
 #include "ui/qt/main_window.h"
 
@@ -32,6 +33,7 @@ int main(int argc, char** argv) {
   QApplication::setStyle(new kerno::Style);
   QApplication::setWindowIcon(QIcon(QStringLiteral(":/kerno.png")));
   kerno::InstallProfileSettings();
+  const kerno::RunDump dump(u"kerno-desktop");
   kerno::SystemServices services;
   kerno::MainWindow window(services);
   window.show();

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/system_services.h"
+#include "base/dump_log.h"
 #include "base/profile_settings.h"
 #include "platform/win32/windows_api.h"
 #include "ui/win32/main_window.h"
@@ -31,6 +32,7 @@ int RunProgram(HINSTANCE instance, int show) {
     return 1;
   }
   InstallProfileSettings();
+  const RunDump dump(u"kerno-desktop");
   SystemServices services;
   MainWindow window(instance, services);
   return window.Run(show, FilesToOpen());
