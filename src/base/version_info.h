@@ -24,7 +24,9 @@ class VersionReader {
   // the first kind says nothing of a file without a version resource.
   bool Open(const std::filesystem::path& path);
 
-  // The string of a key ("FileVersion", "LegalCopyright", ...), empty when there is none.
+  // The string of a key, empty when there is none: "Comments", "CompanyName", "FileDescription",
+  // "FileVersion", "InternalName", "LegalCopyright", "LegalTrademarks", "OriginalFilename",
+  // "PrivateBuild", "ProductName", "ProductVersion", "SpecialBuild".
   std::u16string Get(std::u16string_view key) const;
 
   const std::u16string& last_error() const { return last_error_; }
@@ -43,12 +45,6 @@ class VersionReader {
   std::string_view block_;
   std::map<std::u16string, std::u16string, std::less<>> own_;
 };
-
-// The keys that version resources hold.
-inline constexpr std::u16string_view kVersionKeys[] = {
-    u"Comments",     u"CompanyName",    u"FileDescription", u"FileVersion",
-    u"InternalName", u"LegalCopyright", u"LegalTrademarks", u"OriginalFilename",
-    u"PrivateBuild", u"ProductName",    u"ProductVersion",  u"SpecialBuild"};
 
 // The two lines of the about box, of the running program.
 struct AboutTexts {

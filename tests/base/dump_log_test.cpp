@@ -41,22 +41,23 @@ TEST_F(DumpLogTest, OneFileForEachHour) {
 
 TEST_F(DumpLogTest, DeletesOnlyItsOwnOldFiles) {
   fs::create_directories(Folder() / "Dir_0101_01.txt");
-  const std::pair<const char*, const char*> kFiles[] = {
+  const std::pair<std::string, std::string> kFiles[] = {
       {"Old_0101_01.txt", "\xFF\xFEx"}, {"kerno.txt", "Created by /kerno\t"},
       {"notes_0101_01.txt", "mine"},    {"notes.txt", "mine"},
       {"Old_0101_1.txt", "\xFF\xFEx"},  {"Created.md", "Created by me"}};
+  const auto now = fs::file_time_type::clock::now();
   for (const auto& [name, bytes] : kFiles) {
     WriteBytes(Folder() / name, bytes);
-    fs::last_write_time(Folder() / name,
-                        fs::file_time_type::clock::now() - std::chrono::hours(24 * 10 + 1));
+    fs::last_write_time(Folder() / name, now - std::chrono::hours(24 * 10 + 1));
   }
   WriteBytes(Folder() / "New_0101_01.txt", "\xFF\xFEx");
-  ReplaceClock(nullptr);
-  clock_.seconds = CurrentClock().Seconds();
-  ReplaceClock(&clock_);
+  const auto today = fs::file_time_type::clock::to_sys(now).time_since_epoch();
+  clock_.seconds = std::chrono::duration_cast<std::chrono::seconds>(today).count();
   EXPECT_TRUE(DumpText(u"Test", u"x"));
-  EXPECT_FALSE(fs::exists(Folder() / "Old_0101_01.txt"));
-  EXPECT_FALSE(fs::exists(Folder() / "kerno.txt"));
+  for (const auto& [name, bytes] : kFiles) {
+    EXPECT_EQ(fs::exists(Folder() / name), name != "Old_0101_01.txt" && name != "kerno.txt")
+        << name;
+  }
   EXPECT_EQ(std::distance(fs::directory_iterator(Folder()), {}), 7);  // with the new one
 }
 
@@ -68,26 +69,20 @@ TEST_F(DumpLogTest, WhatCannotBeOpenedIsTriedForTenSecondsAndReportedOnce) {
   };
   EXPECT_TRUE(DumpText(u"Test", u"x"));
   EXPECT_EQ(clock_.sleeps, 3);
-
-  const std::string before = ReadBytes(file);
   test::FileHolder holder(file, test::HoldKind::kWholeFile);
   for (const int sleeps : {103, 203}) {  // a holder may go at any time
     EXPECT_FALSE(DumpText(u"Test", u"y"));
     EXPECT_EQ(clock_.sleeps, sleeps);
   }
-  ASSERT_EQ(notices_.messages.size(), 1u);
-  EXPECT_EQ(notices_.messages[0].find(u"Can't open ab  " + PathText(file)), 0u);
   holder.Release();
   EXPECT_TRUE(DumpText(u"Test", u"z"));
-  EXPECT_EQ(ReadBytes(file),
-            before + EncodeText(u"\t\t2026/11/21 09:00:00\tz\r\n", TextEncoding::kUtf16).substr(2));
-
   fs::create_directories(Folder() / "Other_1121_09.txt");
   for (int i = 0; i < 2; ++i) {  // what stays so is not waited for twice
     EXPECT_FALSE(DumpText(u"Other", u"x"));
     EXPECT_EQ(clock_.sleeps, 303);
   }
-  EXPECT_EQ(notices_.messages.size(), 2u);
+  ASSERT_EQ(notices_.messages.size(), 2u);
+  EXPECT_EQ(notices_.messages[0].find(u"Can't open ab  " + PathText(file)), 0u);
 }
 
 TEST_F(DumpLogTest, ThePerRunFileNeedsItsSwitch) {

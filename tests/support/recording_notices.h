@@ -9,7 +9,7 @@
 namespace kerno::test {
 
 // The process's notices while it lives.
-class RecordingNotices final : public Notices {
+class RecordingNotices : public Notices {
  public:
   RecordingNotices() : before_(ReplaceNotices(this)) {}
   ~RecordingNotices() override { ReplaceNotices(before_); }
