@@ -234,5 +234,15 @@ TEST_F(DialogTest, DroppedFilesAreTextPartsFontsOrRefused) {
   EXPECT_EQ(u"あい", view.text);
 }
 
+TEST_F(DialogTest, AnAnswerIsKnownOnceTheMessageIsClosed) {
+  Open();
+  int answer = 0;
+  CurrentNotices().Ask(u"refused", [&](int button) { answer = button; });
+  EXPECT_EQ(u"refused", view.messages.back());
+  EXPECT_EQ(0, answer);
+  view.close_message();
+  EXPECT_EQ(kOkButton, answer);
+}
+
 }  // namespace
 }  // namespace kerno

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "parts/color.h"
 #include "support/fake_settings.h"
 
@@ -117,6 +119,23 @@ TEST(Color, HuesOfTheWheelAtHalfLightness) {
     EXPECT_EQ(RgbColor(c.red, c.green, c.blue), HlsColor(c.hue, 128, 128)) << c.hue;
   }
   EXPECT_EQ(RgbColor(255, 255, 255), HlsColor(77, 255, 200));
+}
+
+TEST(Extents, ACoordinateThatIsNoNumberWidensNothingWhereverItStands) {
+  const double nan = std::nan("");
+  const std::vector<P3> points = {{nan, nan, nan}, {nan, 2, nan}, {3, -1, nan}, {5, nan, nan}};
+  PartsA model;
+  model.parts.resize(3);
+  for (size_t i = 0; i < points.size(); ++i) {
+    model.parts[i % 3].vertices.Append(points[i]);
+  }
+  const Extent3 wanted = {{3, -1, 0}, {5, 2, 0}};
+  for (const Extent3& box : {ExtentOf(points), model.Extent()}) {
+    EXPECT_EQ(box.min, wanted.min) << box.min.x << " " << box.min.y << " " << box.min.z;
+    EXPECT_EQ(box.max, wanted.max);
+    for (const double end : {box.min.x, box.min.z, box.max.z}) EXPECT_FALSE(std::isnan(end));
+  }
+  EXPECT_EQ(PartsA().Extent().max, P3());
 }
 
 }  // namespace
