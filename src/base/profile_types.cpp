@@ -18,11 +18,6 @@ std::u16string WithSuffix(std::u16string_view key, std::u16string_view suffix) {
   return std::u16string(key).append(suffix);
 }
 
-// Of several writes the first that failed.
-Status First(const Status& first, const Status& second) {
-  return first.ok() ? second : first;
-}
-
 }  // namespace
 
 std::u16string ProfileStore::GetTyped(std::u16string_view section, std::u16string_view key,
@@ -110,9 +105,10 @@ std::u16string ProfileStore::GetFilePath(std::u16string_view section) {
 Status ProfileStore::SavePosition(const WindowPlacement& placement) {
   const bool minimised = placement.show == ShowState::kMinimised;
   const bool normal = placement.show == ShowState::kNormal;
-  Status status = First(WriteInt(kMainFrame, u"Iconic", minimised ? 1 : 0),
-                        WriteInt(kMainFrame, u"Maximized", normal || minimised ? 0 : 1));
-  return minimised ? status : First(status, WriteRect(kMainFrame, kPosition, placement.normal));
+  Status status = WriteInt(kMainFrame, u"Iconic", minimised ? 1 : 0);
+  if (status.ok()) status = WriteInt(kMainFrame, u"Maximized", normal || minimised ? 0 : 1);
+  if (status.ok() && !minimised) status = WriteRect(kMainFrame, kPosition, placement.normal);
+  return status;
 }
 
 WindowPlacement ProfileStore::RestorePosition(int32_t work_area_left, int32_t work_area_top) {

@@ -39,19 +39,18 @@ TEST(Folders, WorkFolderIsOneForEachDay) {
   test::FakeSystem system;
   test::FakeClock clock;
   test::WriteBytes(folder / "file", "x");
-  const struct {
-    fs::path temporary, program, wanted;
-  } kCases[] = {
+  const fs::path kCases[][3] = {
+      // temporary folder, program, work folder
       {folder / "t", folder / "kerno", folder / "t/Quenkit.tmp/20261121/"},
       {folder / "t", folder / "kerno", folder / "t/Quenkit.tmp/20261122/"},
       {folder / "file", folder / "kerno", folder / "Temp/Quenkit.tmp/20261123/"},
       {folder / "file", test::kUnwritableFolder / "kerno", folder / "c/Quenkit.tmp/20261124/"}};
   system.cache = folder / "c";
-  for (const auto& c : kCases) {
-    system.temporary = c.temporary;
-    system.program = c.program;
-    EXPECT_EQ(WorkFolder(), c.wanted);
-    EXPECT_TRUE(fs::is_directory(c.wanted)) << c.wanted;
+  for (const auto& [temporary, program, wanted] : kCases) {
+    system.temporary = temporary;
+    system.program = program;
+    EXPECT_EQ(WorkFolder(), wanted);
+    EXPECT_TRUE(fs::is_directory(wanted)) << wanted;
     clock.seconds += 24 * 60 * 60;
   }
 }

@@ -20,62 +20,6 @@ using std::u16string;
 using test::ReadBytes;
 using test::WriteBytes;
 
-class ProfileStoreTest : public test::SettingsFixture {
- protected:
-  static void ExpectIn(std::u16string_view text, std::u16string_view part) {
-    EXPECT_NE(text.find(part), text.npos) << Utf16ToUtf8(part) << "\nin " << Utf16ToUtf8(text);
-  }
-};
-
-TEST(ProfileValues, HaveTheirTextFormsAndComeBackOutOfThem) {
-  EXPECT_EQ(RectText({1, -2, 3, 4}, NumberForm::kPadded),
-            u"000000001 -00000002 000000003 000000004");
-  EXPECT_EQ(PointText({-2147483647, 7}, NumberForm::kPadded), u"-2147483647 000000007");
-  EXPECT_EQ(Point3Text({0.1, -2, 1e30}), u"0.10000000000000000555 -2 1.0000000000000000199e+030");
-  EXPECT_EQ(Point3Text({0.1, -2, 1e6}, NumberForm::kPadded), u"0.100000 -2.000000 1000000.000000");
-  EXPECT_EQ(Int64Text(INT64_MIN), u"-9223372036854775808");
-  for (const double value : {0.1, -0.0, 1.0 / 3, 5e-324, 1.7976931348623157e308, 123456789.123}) {
-    const double back = DoubleOfText(DoubleText(value));
-    EXPECT_EQ(back, value);
-    EXPECT_EQ(std::signbit(back), std::signbit(value));
-  }
-  const std::pair<u16string, int64_t> kIntegers[] = {{u" +12x", 12},
-                                                     {u"99999999999999999999", INT64_MAX},
-                                                     {u"-99999999999999999999", INT64_MIN},
-                                                     {u"number", 0}};
-  for (const auto& [text, value] : kIntegers) EXPECT_EQ(Int64OfText(text), value);
-  EXPECT_EQ(DoubleOfText(u"1e999"), std::numeric_limits<double>::infinity());
-  EXPECT_EQ(DoubleOfText(u"1e-999"), 0);
-  EXPECT_EQ(DoubleOfText(u"1,5"), 1);
-  EXPECT_EQ(RectOfText(u"1  2 x 4"), (ProfileRect{1, 2, 0, 0}));
-}
-
-TEST_F(ProfileStoreTest, KeepsTypedValuesUnderSuffixes) {
-  {
-    IniStore store(u"Quenkit");
-    EXPECT_TRUE(store.WriteRect(u"P", u"Position199902", {1, 2, 3, 4}).ok());
-    EXPECT_TRUE(store.WriteDouble(u"P", u"d", 1.0 / 3).ok());
-    EXPECT_TRUE(store.WriteInt64(u"P", u"i", -5000000000).ok());
-    EXPECT_TRUE(store.WritePoint(u"P", u"p", {-1, 2}, NumberForm::kPadded).ok());
-    EXPECT_TRUE(store.WritePoint3(u"P", u"q", {1, 0.5, -0.0}).ok());
-    EXPECT_TRUE(store.WriteInt(u"P", u"plain", -7).ok());
-  }
-  for (const auto* line :
-       {u"\r\nPosition199902_LTRB=1 2 3 4\r\n", u"\r\nd_Flt_=0.33333333333333331483\r\n",
-        u"\r\ni_I64_=-5000000000\r\n", u"\r\np_L_XY=-00000001 000000002\r\n",
-        u"\r\nq_P_3_=1 0.5 -0\r\n", u"\r\nplain=-7\r\n"}) {
-    ExpectIn(IniText(), line);
-  }
-  IniStore store(u"Quenkit");
-  EXPECT_EQ(store.GetRect(u"P", u"Position199902", {}), (ProfileRect{1, 2, 3, 4}));
-  EXPECT_EQ(store.GetDouble(u"P", u"d", 0), 1.0 / 3);
-  EXPECT_EQ(store.GetPoint(u"P", u"p", {}), (ProfilePoint{-1, 2}));
-  EXPECT_EQ(store.GetPoint3(u"P", u"q", {}).y, 0.5);
-  EXPECT_EQ(store.GetRect(u"P", u"none", {5, 6, 7, 8}), (ProfileRect{5, 6, 7, 8}));
-  EXPECT_EQ(store.GetInt(u"", u"plain", 3), 3);
-  EXPECT_EQ(store.GetInt64(u"P", u"", 3), 3);
-}
-
 // The text with one kind of line end and none at its end: a system may write its own.
 u16string Lines(u16string text) {
   std::erase(text, u'\r');
@@ -83,43 +27,127 @@ u16string Lines(u16string text) {
   return text;
 }
 
-TEST_F(ProfileStoreTest, ConvertsFilesOnceAndLosesNothing) {
-  const u16string kAnything = u"*";
+class ProfileStoreTest : public test::SettingsFixture {
+ protected:
+  static void ExpectIn(std::u16string_view text, std::u16string_view part) {
+    EXPECT_NE(text.find(part), text.npos) << Utf16ToUtf8(part) << "\nin " << Utf16ToUtf8(text);
+  }
+};
+
+TEST(ProfileValues, ComeBackOutOfTheirTextForms) {
+  EXPECT_EQ(RectText({1, -2, 3, 4}, NumberForm::kPadded),
+            u"000000001 -00000002 000000003 000000004");
+  EXPECT_EQ(Point3Text({0.1, -2, 1e30}), u"0.10000000000000000555 -2 1.0000000000000000199e+030");
+  EXPECT_EQ(Point3Text({0.1, -2, 1e6}, NumberForm::kPadded), u"0.100000 -2.000000 1000000.000000");
+  for (const double value : {0.1, -0.0, 1.0 / 3, 5e-324, 1.7976931348623157e308, 123456789.123}) {
+    const double back = DoubleOfText(DoubleText(value));
+    EXPECT_EQ(back, value);
+    EXPECT_EQ(std::signbit(back), std::signbit(value));
+  }
+  const std::pair<u16string, int64_t> kIntegers[] = {
+      {u" +12x", 12}, {u"99999999999999999999", INT64_MAX}, {u"-99999999999999999999", INT64_MIN}};
+  for (const auto& [text, value] : kIntegers) EXPECT_EQ(Int64OfText(text), value);
+  const std::pair<u16string, double> kDoubles[] = {
+      {u"1e999", std::numeric_limits<double>::infinity()}, {u"1e-999", 0}, {u"1,5", 1}, {u"x", 0}};
+  for (const auto& [text, value] : kDoubles) EXPECT_EQ(DoubleOfText(text), value);
+  EXPECT_EQ(RectOfText(u"1  2 x 4"), (ProfileRect{1, 2, 0, 0}));
+}
+
+TEST_F(ProfileStoreTest, EachKindOfValueIsOneLineAndComesBack) {
+  const ProfileRect place{110, 120, 310, 420};
+  {
+    IniStore store(u"Quenkit");
+    for (const Status& written :
+         {store.WriteDouble(u"P", u"d", 1.0 / 3), store.WriteInt64(u"P", u"i", -5000000000),
+          store.WritePoint(u"P", u"p", {-1, 2}, NumberForm::kPadded),
+          store.WritePoint3(u"P", u"q", {1, 0.5, -0.0}), store.WriteInt(u"P", u"plain", -7),
+          store.WriteStr(u"P", u"FilePath", u"C:\\x"), store.WriteCounter(u"P", -3),
+          store.SaveDialogRect(u"Upload", place, DialogState::kNormal),
+          store.SaveDialogRect(u"Upload", {}, DialogState::kMinimised),
+          store.SavePosition({ShowState::kMaximised, false, place}),
+          store.SavePosition({ShowState::kMinimised, false, {1, 1, 2, 2}})}) {
+      EXPECT_TRUE(written.ok());
+    }
+    EXPECT_EQ(store.GetCounter(u"New"), 0);
+  }
+  u16string text = Lines(IniText());
+  EXPECT_EQ(text.substr(0, text.find(u"[ProfileINI]")),
+            Lines(IniHeader()) +
+                u"\n[P]\nd_Flt_=0.33333333333333331483\ni_I64_=-5000000000\n"
+                u"p_L_XY=-00000001 000000002\nq_P_3_=1 0.5 -0\nplain=-7\nFilePath=C:\\x\n"
+                u"Counter=-3\n[Position\\Dialog]\nUpload_LTRB=110 120 310 420\n"
+                u"[Position\\MainFrame]\nIconic=1\nMaximized=0\n"
+                u"Position199902_LTRB=110 120 310 420\n[New]\nCounter=0\n");
+  IniStore store(u"Quenkit");
+  EXPECT_EQ(store.GetDouble(u"P", u"d", 0), 1.0 / 3);
+  EXPECT_EQ(store.GetInt64(u"P", u"i", 0), -5000000000);
+  EXPECT_EQ(store.GetPoint(u"P", u"p", {}), (ProfilePoint{-1, 2}));
+  EXPECT_EQ(store.GetPoint3(u"P", u"q", {}).y, 0.5);
+  EXPECT_EQ(store.GetRect(u"P", u"none", place), place);
+  EXPECT_EQ(store.GetInt(u"", u"plain", 3), 3);
+  EXPECT_EQ(store.GetInt64(u"P", u"", 3), 3);
+  EXPECT_EQ(store.GetCounter(u"P"), -3);
+  EXPECT_TRUE(store.WriteStr(u"P", u"Counter", u"4278255360").ok());  // FF00FF00 in 32 bits
+  EXPECT_EQ(store.GetCounter(u"P"), 0);
+  EXPECT_EQ(store.LoadDialogRect(u"Upload", {}), place);
+
+  const u16string separator(1, fs::path::preferred_separator);
+  const std::pair<u16string, u16string> kFolders[] = {
+      {u"", u"." + separator}, {u"/a", u"/a" + separator}, {u"/a/", u"/a/"}, {u"C:\\", u"C:\\"}};
+  for (const auto& [stored, wanted] : kFolders) {
+    EXPECT_TRUE(store.WriteStr(u"P", u"FilePath", stored).ok());
+    EXPECT_EQ(store.GetFilePath(u"P"), wanted);
+  }
+}
+
+TEST_F(ProfileStoreTest, TheMainWindowComesBackAsItWas) {
+  IniStore store(u"Quenkit");
+  using enum ShowState;
   const struct {
-    const char* what;
-    std::string bytes;
-    u16string rest;  // of the text, after the header
-  } kCases[] = {
-      {"empty", "", u""},
-      {"one byte", "k", u"k"},
-      {"UTF-8", "[A]\nk=\xE6\x97\xA5\n", u"[A]\nk=日\n"},
-      {"UTF-8 with a mark", "\xEF\xBB\xBF[A]\nk=\xC3\xA4", u"[A]\nk=ä"},
-      {"code page 932", "; \x93\xFA\r\n\r\n[A]\r\n k = \x8C\xEA", u"; 日\r\n\r\n[A]\r\n k = 語"},
-      {"binary", std::string("\x81\xAD\0[A]\xFF\x81", 8), kAnything},
-  };
+    int iconic, maximized;
+    ShowState show;
+    bool restores_to_maximised;
+  } kCases[] = {{0, 0, kNormal, false},
+                {0, 1, kMaximised, false},
+                {1, 0, kRestore, false},
+                {1, 1, kRestore, true}};
+  EXPECT_TRUE(store.SavePosition({kNormal, false, {INT32_MIN, 20, 30, 40}}).ok());
   for (const auto& c : kCases) {
-    WriteIni(c.bytes);
+    EXPECT_TRUE(store.WriteInt(u"Position\\MainFrame", u"Iconic", c.iconic).ok());
+    EXPECT_TRUE(store.WriteInt(u"Position\\MainFrame", u"Maximized", c.maximized).ok());
+    const WindowPlacement restored = store.RestorePosition(1, 20);
+    EXPECT_EQ(restored.show, c.show);
+    EXPECT_EQ(restored.restore_to_maximised, c.restores_to_maximised);
+    EXPECT_EQ(restored.normal, (ProfileRect{INT32_MAX, 0, 29, 20}));
+  }
+}
+
+TEST_F(ProfileStoreTest, ConvertsFilesOnceAndLosesNothing) {
+  const std::pair<std::string, u16string> kCases[] = {
+      {"", u""},
+      {"k", u"k"},
+      {"[A]\nk=\xE6\x97\xA5\n", u"[A]\nk=日\n"},
+      {"\xEF\xBB\xBF[A]\nk=\xC3\xA4", u"[A]\nk=ä"},
+      {"; \x93\xFA\r\n\r\n[A]\r\n k = \x8C\xEA", u"; 日\r\n\r\n[A]\r\n k = 語"}};
+  for (const auto& [bytes, rest] : kCases) {
+    WriteIni(bytes);
     { IniStore store(u"Quenkit"); }
     const u16string text = IniText();
-    const bool copied = c.rest == kAnything;
-    EXPECT_EQ(text.substr(0, 70), IniHeader().substr(0, 70)) << c.what;
-    EXPECT_EQ(IniHeader().size(), 72 * 2 + 2 + 19 + 2u);
-    fs::path copy = Ini();
-    copy += ".orig";
-    ASSERT_EQ(fs::exists(copy), copied) << c.what;
-    if (copied) {
-      EXPECT_EQ(ReadBytes(copy), c.bytes);
-      continue;
-    }
-    EXPECT_EQ(ReadBytes(Ini()), EncodeText(IniHeader() + c.rest, TextEncoding::kUtf16)) << c.what;
+    EXPECT_EQ(ReadBytes(Ini()), EncodeText(IniHeader() + rest, TextEncoding::kUtf16)) << bytes;
     EXPECT_EQ(test::OutputOf("iconv -f UTF-16 -t UTF-8 '" + Ini().string() + "'"),
               Utf16ToUtf8(text));
     clock_.seconds += 100;
     IniStore store(u"Quenkit");
-    EXPECT_EQ(IniText(), text) << c.what;
-    EXPECT_TRUE(store.WriteInt(u"Z", u"z", 1).ok()) << c.what;
-    EXPECT_EQ(Lines(IniText()).find(Lines(text)), 0u) << c.what;
+    EXPECT_EQ(IniText(), text) << bytes;
+    EXPECT_TRUE(store.WriteInt(u"Z", u"z", 1).ok()) << bytes;
+    EXPECT_EQ(Lines(IniText()).find(Lines(text)), 0u) << bytes;
   }
+  EXPECT_EQ(IniHeader().size(), 72 * 2 + 2 + 19 + 2u);
+  const std::string binary("\x81\xAD\0[A]\xFF\x81", 8);
+  WriteIni(binary);
+  { IniStore store(u"Quenkit"); }
+  EXPECT_TRUE(IniText().starts_with(IniHeader()));
+  EXPECT_EQ(ReadBytes(Ini().string() + ".orig"), binary);
   EXPECT_EQ(notices_.messages.size(), 1u);
   WriteIni("\xFE\xFF" + std::string("\0[\0A\0]\0\n\0k\0=\0"
                                     "1",
@@ -194,57 +222,11 @@ TEST_F(ProfileStoreTest, CachesWhatItReadButNoDefaults) {
   WriteIni("[Debug\\2009_09]\r\nUseProfileCache=0\r\n[A]\r\nk=1\r\n");
   Restart();
   IniStore uncached(u"Quenkit");
-  EXPECT_EQ(uncached.GetInt(u"A", u"k", 0), 1);
-  WriteIni("[A]\r\nk=2\r\n");
-  EXPECT_EQ(uncached.GetInt(u"A", u"k", 0), 2);
-  EXPECT_EQ(IniStore(u"Quenkit").GetInt(u"A", u"k", 0), 2);
+  for (const int value : {1, 2}) {
+    WriteIni("[A]\r\nk=" + std::to_string(value) + "\r\n");
+    EXPECT_EQ(uncached.GetInt(u"A", u"k", 0), value);
+  }
   EXPECT_EQ(process_->use_cache, false);  // settled for the whole process
-}
-
-TEST_F(ProfileStoreTest, CountersAndFoldersHaveTheirOwnDefaults) {
-  IniStore store(u"Quenkit");
-  EXPECT_EQ(store.GetCounter(u"C"), 0);
-  EXPECT_EQ(store.GetInt(u"C", u"Counter", -1), 0);  // set up
-  EXPECT_TRUE(store.WriteCounter(u"C", -3).ok());
-  EXPECT_EQ(IniStore(u"Quenkit").GetCounter(u"C"), -3);
-  EXPECT_TRUE(store.WriteStr(u"C", u"Counter", u"4278255360").ok());  // FF00FF00 in 32 bits
-  EXPECT_EQ(store.GetCounter(u"C"), 0);
-  EXPECT_EQ(store.GetCounter(u""), 0);
-
-  const u16string separator(1, fs::path::preferred_separator);
-  const std::pair<u16string, u16string> kFolders[] = {{u"", u"." + separator},
-                                                      {u"/a", u"/a" + separator},
-                                                      {u"/a/", u"/a/"},
-                                                      {u"C:\\x\\", u"C:\\x\\"}};
-  for (const auto& [stored, wanted] : kFolders) {
-    EXPECT_TRUE(store.WriteStr(u"S", u"FilePath", stored).ok());
-    EXPECT_EQ(store.GetFilePath(u"S"), wanted);
-  }
-}
-
-TEST_F(ProfileStoreTest, WindowPositions) {
-  const ProfileRect place{110, 120, 310, 420};
-  IniStore store(u"Quenkit");
-  EXPECT_EQ(store.RestorePosition(0, 0).normal, ProfileRect{});
-  EXPECT_TRUE(store.SavePosition({ShowState::kMaximised, false, place}).ok());
-  const WindowPlacement maximised = IniStore(u"Quenkit").RestorePosition(10, 20);
-  EXPECT_EQ(maximised.show, ShowState::kMaximised);
-  EXPECT_EQ(maximised.normal, (ProfileRect{100, 100, 300, 400}));
-  EXPECT_TRUE(store.SavePosition({ShowState::kMinimised, false, {1, 1, 2, 2}}).ok());
-  for (const bool before : {false, true}) {
-    EXPECT_TRUE(store.WriteInt(u"Position\\MainFrame", u"Maximized", before).ok());
-    const WindowPlacement minimised = store.RestorePosition(0, 0);
-    EXPECT_EQ(minimised.normal, place);
-    EXPECT_EQ(minimised.show, ShowState::kRestore);
-    EXPECT_EQ(minimised.restore_to_maximised, before);
-  }
-  EXPECT_TRUE(store.SavePosition({ShowState::kNormal, false, {INT32_MIN, 0, 0, 0}}).ok());
-  EXPECT_EQ(store.RestorePosition(1, 0).show, ShowState::kNormal);
-  EXPECT_EQ(store.RestorePosition(1, 0).normal.left, INT32_MAX);
-
-  EXPECT_TRUE(store.SaveDialogRect(u"Upload", place, DialogState::kNormal).ok());
-  EXPECT_TRUE(store.SaveDialogRect(u"Upload", {}, DialogState::kMinimised).ok());
-  EXPECT_EQ(store.LoadDialogRect(u"Upload", {}), place);
 }
 
 TEST_F(ProfileStoreTest, StampsWhatItWroteAndSeesChangesOfOthers) {

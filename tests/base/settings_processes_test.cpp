@@ -71,12 +71,9 @@ TEST_F(SettingsProcessesTest, AKilledWriterLeavesAWholeFile) {
 }
 
 TEST_F(SettingsProcessesTest, ARegistryFileThatCannotBeWrittenIsNamed) {
-  process_->application = Application{u"Maker\\Kerno", u"File"};
-  ProfileStore store(u"Name");
   test::WriteBytes(folder_ / "config", "a file");
-  EXPECT_FALSE(store.WriteInt(u"S", u"i", 1).ok());
-  EXPECT_EQ(store.registry_error(),
-            u"登録に失敗　　　　　　　Software\\Maker\\Kerno\\Name\\S\\[i]");
+  EXPECT_EQ(WriteUserDword(u"Software\\Test", u"i", 1).why,
+            u"登録に失敗　　　　　　　Software\\Test\\[i]");
 }
 
 }  // namespace
