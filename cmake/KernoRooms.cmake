@@ -16,7 +16,10 @@ endif()
 
 add_library(kerno_options INTERFACE)
 target_compile_options(kerno_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
-                                               -Wnon-virtual-dtor -Werror)
+                                               -Wnon-virtual-dtor)
+if(KERNO_WARNINGS_AS_ERRORS)
+  target_compile_options(kerno_options INTERFACE -Werror)
+endif()
 # GCC 12 sees overlapping copies where an optimised "literal" + string has none (its bug 105651);
 # clang does not know that warning.
 target_compile_options(kerno_options INTERFACE -Wno-unknown-warning-option -Wno-restrict)
