@@ -1,6 +1,7 @@
 #!/bin/sh
 # Installs the Debian packages that building, running and testing need; with "windows" also those for
-# building and testing the Windows programs. Does nothing when all are there.
+# building and testing the Windows programs. Does nothing when all are there. The tests see the faces of
+# the font packages alone: tests/fonts.conf names them.
 set -e
 packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  qt6-base-dev xvfb xdotool unrtf
