@@ -1,18 +1,9 @@
 // Uploads to the example receiver, over HTTP and TLS.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <chrono>
 #include <map>
-#include <thread>
 
-#include "base/text.h"
-#include "support/environment.h"
-#include "support/fake_settings.h"
-#include "support/fake_system.h"
-#include "support/run.h"
-#include "support/temporary_folder.h"
-#include "web/uploader.h"
+#include "web/upload_fixture.h"
 
 namespace kerno {
 namespace {
@@ -20,44 +11,19 @@ namespace {
 using test::OutputOf;
 using testing::HasSubstr;
 
-class ReceiverTest : public testing::Test {
+class ReceiverTest : public test::UploadFixture {
  protected:
-  void SetUp() override {
-    test::SetVariable("no_proxy", "*");
-    test::SetVariable("http_proxy", "");
-    system_.temporary = folder_.path();
-  }
-  void TearDown() override { Stop(); }
-
-  // Starts the receiver and points the settings at it; `host` is the name that clients call it by.
-  void Start(const std::string& options, const std::string& host = "127.0.0.1") {
-    Stop();
-    OutputOf(Here() +
-             "(" KERNO_PYTHON " " KERNO_TESTS
-             "/../examples/receiver/receiver.py --folder received --port 0 " +
-             options + " >url 2>log & echo $! >process)");
-    std::string url;
-    for (int i = 0; i < 1000 && !url.ends_with('\n'); ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-      url = test::ReadBytes(folder_ / "url");
-    }
+  // Points the settings at the receiver; `host` is the name that clients call it by.
+  void StartReceiver(const std::string& options, const std::string& host = "127.0.0.1") {
+    const std::string url =
+        Start("../examples/receiver/receiver.py --folder received --port 0 " + options, "\n");
     const size_t scheme = url.find("://");
-    ASSERT_NE(scheme, std::string::npos) << url << test::ReadBytes(folder_ / "log");
     const size_t port = url.find(':', scheme + 3);
     Set(u"open_http", Utf8ToUtf16Lossy(url.substr(0, scheme)));
     Set(u"server", Utf8ToUtf16Lossy(host + url.substr(port, url.find('/', scheme + 3) - port)));
   }
-  void Stop() const {
-    if (!std::filesystem::exists(folder_ / "process")) return;
-    OutputOf(Here() + "kill $(cat process) && rm process url");
-  }
-  void Set(std::u16string_view key, std::u16string_view value) {
-    settings_.texts[{u"UpFile", std::u16string(key)}] = value;
-  }
   UploadResult Upload(std::string_view name, std::string_view bytes) {
-    const std::filesystem::path file = folder_.path() / TextPath(Utf8ToUtf16Lossy(name));
-    test::WriteBytes(file, bytes);
-    return Uploader(settings_, "/UpFile.ini", SystemHttpSession()).Upload(file);
+    return With(SystemHttpSession()).Upload(Make(name, bytes));
   }
   // What arrived, by name.
   std::map<std::string, std::string> Received() const {
@@ -75,15 +41,10 @@ class ReceiverTest : public testing::Test {
              " -keyout key.pem -out certificate.pem 2>openssl.log");
     return "--certificate certificate.pem --key key.pem";
   }
-  std::string Here() const { return "cd " + folder_.path().string() + " && "; }
-
-  test::TemporaryFolder folder_;
-  test::FakeSystem system_;
-  FakeSettings settings_;
 };
 
 TEST_F(ReceiverTest, EveryByteArrivesUnderAHarmlessName) {
-  Start("");
+  StartReceiver("");
   std::string all;
   for (int i = 0; i < 3 << 20; ++i) all.push_back(static_cast<char>(i * 31 + i / 256));
   const struct {
@@ -115,7 +76,7 @@ TEST_F(ReceiverTest, EveryByteArrivesUnderAHarmlessName) {
 }
 
 TEST_F(ReceiverTest, WhatTheReceiverRefusesIsToldAndNotKept) {
-  Start("--max-size 100K");
+  StartReceiver("--max-size 100K");
   EXPECT_TRUE(Upload("small.svg", std::string(100 << 10, 'x')).ok());
   const UploadResult large = Upload("large.svg", std::string(2 << 20, 'x'));
   EXPECT_EQ(large.end, UploadEnd::kNotAccepted) << Utf16ToUtf8(large.message);
@@ -129,47 +90,47 @@ TEST_F(ReceiverTest, WhatTheReceiverRefusesIsToldAndNotKept) {
   EXPECT_THAT(Received(), testing::ElementsAre(testing::Key("small.svg")));
 }
 
-TEST_F(ReceiverTest, ASelfMadeCertificateIsRefusedUnlessAllowed) {
-  Start(Certificate("localhost"), "localhost");
-  const UploadResult refused = Upload("a.svg", "secret");
-  EXPECT_EQ(refused.end, UploadEnd::kNotSent);
-  EXPECT_FALSE(refused.sent);
-  EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("certificate was not accepted"));
-  EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("self_certificate\" set to 1"));
-  EXPECT_TRUE(Received().empty());
+// What each certificate is worth, without and with "self_certificate".
+TEST_F(ReceiverTest, CertificatesAreRefusedUnlessAllowedAndForTheNameAlways) {
+  const std::string expired = KERNO_TESTS "/data/certificates/expired.pem";
+  const struct {
+    const char* what;
+    std::string options;
+    bool allowed;
+  } rows[] = {{"self-made", Certificate("localhost"), true},
+              {"expired", "--certificate " + expired + " --key " + expired, true},
+              {"of another name", "", false}};
+  for (const auto& row : rows) {
+    StartReceiver(row.options.empty() ? Certificate("other.example.org") : row.options,
+                  "localhost");
+    Set(u"self_certificate", u"");
+    const UploadResult refused = Upload("a.svg", "secret");
+    EXPECT_EQ(refused.end, UploadEnd::kNotSent) << row.what;
+    EXPECT_FALSE(refused.sent) << row.what;
+    EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("certificate was not accepted"));
+    EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("self_certificate\" set to 1"));
+    EXPECT_TRUE(Received().empty()) << row.what;
 
-  Set(u"self_certificate", u"1");
-  const UploadResult sent = Upload("a.svg", "secret");
-  EXPECT_TRUE(sent.ok()) << Utf16ToUtf8(sent.message);
-  EXPECT_THAT(Received(), testing::ElementsAre(testing::Pair("a.svg", "secret")));
-}
-
-TEST_F(ReceiverTest, AnExpiredCertificateIsRefusedUnlessAllowed) {
-  const std::string pem = KERNO_TESTS "/data/certificates/expired.pem";
-  Start("--certificate " + pem + " --key " + pem, "localhost");
-  EXPECT_EQ(Upload("a.svg", "secret").end, UploadEnd::kNotSent);
-  Set(u"self_certificate", u"1");
-  const UploadResult sent = Upload("a.svg", "secret");
-  EXPECT_TRUE(sent.ok()) << Utf16ToUtf8(sent.message);
-}
-
-TEST_F(ReceiverTest, ACertificateForAnotherNameIsNeverAccepted) {
-  Start(Certificate("other.example.org"), "localhost");
-  Set(u"self_certificate", u"1");
-  const UploadResult refused = Upload("a.svg", "secret");
-  EXPECT_EQ(refused.end, UploadEnd::kNotSent);
-  EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("certificate was not accepted"));
-  // What is set already is no advice.
-  EXPECT_THAT(Utf16ToUtf8(refused.message), testing::Not(HasSubstr("set to 1")));
-  EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("for the server's name"));
-  EXPECT_TRUE(Received().empty());
+    Set(u"self_certificate", u"1");
+    const UploadResult allowed = Upload("a.svg", "secret");
+    EXPECT_EQ(allowed.ok(), row.allowed) << row.what << Utf16ToUtf8(allowed.message);
+    if (row.allowed) {
+      EXPECT_THAT(Received(), testing::ElementsAre(testing::Pair("a.svg", "secret")));
+      std::filesystem::remove(folder_ / "received/a.svg");
+      continue;
+    }
+    EXPECT_TRUE(Received().empty());
+    // What is set already is no advice.
+    EXPECT_THAT(Utf16ToUtf8(allowed.message), testing::Not(HasSubstr("set to 1")));
+    EXPECT_THAT(Utf16ToUtf8(allowed.message), HasSubstr("for the server's name"));
+  }
 }
 
 TEST_F(ReceiverTest, PlainHttpToATlsServerFailsAndTheOtherWayRound) {
-  Start(Certificate("localhost"), "localhost");
+  StartReceiver(Certificate("localhost"), "localhost");
   Set(u"open_http", u"http");
   EXPECT_EQ(Upload("a.svg", "x").end, UploadEnd::kNotSent);
-  Start("");
+  StartReceiver("");
   Set(u"open_http", u"https");
   const UploadResult result = Upload("a.svg", "x");
   EXPECT_EQ(result.end, UploadEnd::kNotSent);
