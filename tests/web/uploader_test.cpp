@@ -1,14 +1,24 @@
 #include "web/uploader.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
+#include <chrono>
+#include <map>
 #include <set>
 #include <sstream>
+#include <thread>
 #include <vector>
 
+#include "base/text.h"
+#include "support/environment.h"
+#include "support/fake_clock.h"
+#include "support/fake_settings.h"
+#include "support/fake_system.h"
 #include "support/file_holder.h"
 #include "support/recording_notices.h"
-#include "web/upload_fixture.h"
+#include "support/run.h"
+#include "support/temporary_folder.h"
 #include "web/upload_profile.h"
 
 namespace kerno {
@@ -56,8 +66,48 @@ class RecordingSession final : public HttpSession {
   std::string body;
 };
 
-class UploaderTest : public test::UploadFixture {
+class UploaderTest : public testing::Test {
  protected:
+  UploaderTest() {
+    test::SetVariable("no_proxy", "*");
+    test::SetVariable("http_proxy", "");
+    system_.temporary = folder_ / "tmp";
+    std::filesystem::create_directory(system_.temporary);
+    Set(u"server", u"127.0.0.1");
+    Set(u"open_http", u"http");
+  }
+  ~UploaderTest() override { Stop(); }
+
+  void Set(std::u16string_view key, std::u16string_view value) {
+    settings_.texts[{u"UpFile", std::u16string(key)}] = value;
+  }
+  std::filesystem::path Make(std::string_view name, std::string_view bytes) {
+    const auto file = folder_.path() / TextPath(Utf8ToUtf16Lossy(name));
+    test::WriteBytes(file, bytes);
+    return file;
+  }
+  Uploader With(HttpSession& session) { return Uploader(settings_, kIni, session); }
+
+  // Starts a script of Python, from the folder of the tests, that prints where it serves; that text
+  // once it has come to `end`.
+  std::string Start(const std::string& script, std::string_view end) {
+    Stop();
+    test::OutputOf(Here() + "(" KERNO_PYTHON " " KERNO_TESTS "/" + script +
+                   " >told 2>log & echo $! >process)");
+    std::string told;
+    for (int i = 0; i < 1000 && !told.ends_with(end); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      told = test::ReadBytes(folder_ / "told");
+    }
+    EXPECT_TRUE(told.ends_with(end)) << told << test::ReadBytes(folder_ / "log");
+    return told;
+  }
+  void Stop() const {
+    if (!std::filesystem::exists(folder_ / "process")) return;
+    test::OutputOf(Here() + "kill $(cat process) && rm process told");
+  }
+  std::string Here() const { return "cd " + folder_.path().string() + " && "; }
+
   // Uploads to one of the misbehaving servers. Only one that stands still meets short limits: a
   // busy machine may take longer over any step of the others.
   enum class Server { kAnswers, kStandsStill };
@@ -78,8 +128,43 @@ class UploaderTest : public test::UploadFixture {
     return "127.0.0.1:" + servers_.substr(at, servers_.find('\n', at) - at);
   }
 
+  // Starts the example receiver and points the settings at it; `host` is the name that clients call
+  // it by.
+  void StartReceiver(const std::string& options, const std::string& host = "127.0.0.1") {
+    const std::string url =
+        Start("../examples/receiver/receiver.py --folder received --port 0 " + options, "\n");
+    const size_t scheme = url.find("://");
+    const size_t port = url.find(':', scheme + 3);
+    Set(u"open_http", Utf8ToUtf16Lossy(url.substr(0, scheme)));
+    Set(u"server", Utf8ToUtf16Lossy(host + url.substr(port, url.find('/', scheme + 3) - port)));
+  }
+  UploadResult Upload(std::string_view name, std::string_view bytes) {
+    return With(SystemHttpSession()).Upload(Make(name, bytes));
+  }
+  // What arrived, by name.
+  std::map<std::string, std::string> Received() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_ / "received")) {
+      files[Utf16ToUtf8(PathText(entry.path().filename()))] = test::ReadBytes(entry.path());
+    }
+    return files;
+  }
+
+  // Makes a certificate for `host` that signs itself; the options that let the receiver use it.
+  std::string Certificate(const std::string& host) const {
+    test::OutputOf(Here() + "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=" + host +
+                   " -addext subjectAltName=DNS:" + host +
+                   " -keyout key.pem -out certificate.pem 2>openssl.log");
+    return "--certificate certificate.pem --key key.pem";
+  }
+
+  const std::filesystem::path kIni = "/home/someone/.config/kerno/UpFile.ini";
+  test::TemporaryFolder folder_;
+  test::FakeSystem system_;
+  test::FakeClock clock_;
+  FakeSettings settings_;
   test::RecordingNotices notices_;
-  std::string servers_;
+  std::string servers_;  // of the misbehaving ones, a line "NAME PORT" each
 };
 
 TEST_F(UploaderTest, TheSizeRule) {
@@ -306,6 +391,91 @@ TEST_F(UploaderTest, ServersMisbehave) {
   const UploadResult result = With(SystemHttpSession()).Upload(file);
   EXPECT_EQ(result.end, kNotSent);
   EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr("http://no-such-host.invalid"));
+}
+
+TEST_F(UploaderTest, EveryByteArrivesUnderAHarmlessName) {
+  StartReceiver("");
+  std::string all;
+  for (int i = 0; i < 3 << 20; ++i) all.push_back(static_cast<char>(i * 31 + i / 256));
+  const struct {
+    const char *name, *kept;
+    std::string bytes;
+    bool posix = false;  // no name for a file of Windows
+  } rows[] = {
+      {"plain.svg", "plain.svg", "<svg/>"},
+      {"plain.svg", "plain (2).svg", ""},
+      {"all.bin", "all.bin", all},
+      {"ends in a line.txt", "ends in a line.txt", "text\r\n"},
+      {"ends in dashes.txt", "ends in dashes.txt", "text--"},
+      {"looks like a body.txt", "looks like a body.txt", "\r\n-------UpFile__120000--\r\n"},
+      {"@ＭＳ明朝_100_永遠.svg", "@ＭＳ明朝_100_永遠.svg", "x"},
+      {"a\"b\r\nX: y.svg", "a_b__X_ y.svg", "quotes", true},
+      {"..\\..\\up.svg", "up.svg", "backslashes", true},
+      {"nul.svg", "_nul.svg", "device", true},
+  };
+  std::map<std::string, std::string> kept;
+  for (const auto& row : rows) {
+    if (row.posix && std::filesystem::path::preferred_separator != '/') continue;
+    const UploadResult result = Upload(row.name, row.bytes);
+    EXPECT_TRUE(result.ok()) << row.name << ": " << Utf16ToUtf8(result.message);
+    EXPECT_EQ(Utf16ToUtf8(result.first_line),
+              "OK " + std::string(row.kept) + " " + std::to_string(row.bytes.size()));
+    kept[row.kept] = row.bytes;
+  }
+  EXPECT_TRUE(Received() == kept);
+  StartReceiver("--max-size 100K");
+  EXPECT_TRUE(Upload("a.svg", std::string(100 << 10, 'x')).ok());
+  for (const size_t size : {(100 << 10) + 1, 2 << 20}) {
+    EXPECT_EQ(Upload("large.svg", std::string(size, 'x')).status, 413);
+  }
+  EXPECT_FALSE(Received().contains("large.svg"));
+}
+
+// What each certificate is worth, without and with "self_certificate".
+TEST_F(UploaderTest, CertificatesAreRefusedUnlessAllowedAndForTheNameAlways) {
+  const std::string expired = KERNO_TESTS "/data/certificates/expired.pem";
+  const struct {
+    const char* what;
+    std::string options;
+    bool allowed;
+  } rows[] = {{"self-made", Certificate("localhost"), true},
+              {"expired", "--certificate " + expired + " --key " + expired, true},
+              {"of another name", "", false}};
+  for (const auto& row : rows) {
+    StartReceiver(row.options.empty() ? Certificate("other.example.org") : row.options,
+                  "localhost");
+    Set(u"self_certificate", u"");
+    const UploadResult refused = Upload("a.svg", "secret");
+    EXPECT_EQ(refused.end, UploadEnd::kNotSent) << row.what;
+    EXPECT_FALSE(refused.sent) << row.what;
+    EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("certificate was not accepted"));
+    EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("self_certificate\" set to 1"));
+    EXPECT_TRUE(Received().empty()) << row.what;
+
+    Set(u"self_certificate", u"1");
+    const UploadResult allowed = Upload("a.svg", "secret");
+    EXPECT_EQ(allowed.ok(), row.allowed) << row.what << Utf16ToUtf8(allowed.message);
+    if (row.allowed) {
+      EXPECT_THAT(Received(), testing::ElementsAre(testing::Pair("a.svg", "secret")));
+      std::filesystem::remove(folder_ / "received/a.svg");
+      continue;
+    }
+    EXPECT_TRUE(Received().empty());
+    // What is set already is no advice.
+    EXPECT_THAT(Utf16ToUtf8(allowed.message), testing::Not(HasSubstr("set to 1")));
+    EXPECT_THAT(Utf16ToUtf8(allowed.message), HasSubstr("for the server's name"));
+  }
+}
+
+TEST_F(UploaderTest, PlainHttpToATlsServerFailsAndTheOtherWayRound) {
+  StartReceiver(Certificate("localhost"), "localhost");
+  Set(u"open_http", u"http");
+  EXPECT_EQ(Upload("a.svg", "x").end, UploadEnd::kNotSent);
+  StartReceiver("");
+  Set(u"open_http", u"https");
+  const UploadResult result = Upload("a.svg", "x");
+  EXPECT_EQ(result.end, UploadEnd::kNotSent);
+  EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr("no secure connection"));
 }
 
 }  // namespace
