@@ -11,7 +11,7 @@ constexpr double kFixedToPixels = 1.0 / 65536;
 
 bool SurfaceContext::PolyPolygon(std::span<const IntPoint> points,
                                  std::span<const int32_t> counts) {
-  const double scale = 1.0 / units_;
+  const double scale = 1.0 / units();
   std::vector<DevicePoint> device;
   device.reserve(points.size());
   for (const IntPoint& p : points) device.push_back({p.x * scale, p.y * scale});
@@ -41,7 +41,7 @@ void SurfaceContext::AddGlyph(std::span<const uint8_t> outline, DevicePoint pen)
   constexpr size_t kRecordSize = 4;
   constexpr size_t kPointSize = 8;
   constexpr uint16_t kSpline = 2;
-  const double scale = kFixedToPixels / units_;
+  const double scale = kFixedToPixels / units();
   const auto read_point = [&](size_t at) {
     int32_t xy[2];
     std::memcpy(xy, outline.data() + at, sizeof xy);
@@ -94,11 +94,11 @@ bool SurfaceContext::TextOut(int32_t x, int32_t y, std::u16string_view text) {
     if (size == kGdiError) continue;
     outline.resize(size);
     if (size > 0 && GetGlyphOutline(ch, kGgoNative, &glyph, size, outline.data(), Mat2{}) == size) {
-      AddGlyph(outline, {pen / units_, baseline / units_});
+      AddGlyph(outline, {pen / units(), baseline / units()});
     }
     pen += glyph.gmCellIncX;
   }
-  return FillPath(text_color_);
+  return FillPath(text_color());
 }
 
 std::vector<double> DashesOf(const PenData& pen, double length) {
