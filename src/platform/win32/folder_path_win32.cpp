@@ -41,9 +41,9 @@ size_t RootLength(std::wstring_view text) {
   const bool prefix =
       text.size() >= 4 && (text[2] == L'?' || text[2] == L'.') && IsSeparator(text[3]);
   if (!prefix) return EndOfServerAndShare(text, 2);
-  const std::wstring_view behind = text.substr(4);
-  const bool network = behind.size() >= 4 && IsSeparator(behind[3]) &&
-                       CompareStringOrdinal(behind.data(), 3, L"UNC", 3, TRUE) == CSTR_EQUAL;
+  const std::wstring_view rest = text.substr(4);
+  const bool network = rest.size() >= 4 && IsSeparator(rest[3]) &&
+                       CompareStringOrdinal(rest.data(), 3, L"UNC", 3, TRUE) == CSTR_EQUAL;
   return network ? EndOfServerAndShare(text, 8) : EndOfName(text, 4);
 }
 

@@ -274,7 +274,7 @@ class Request {
 };
 
 // The limit that is passed; kAnswered when none is. The system keeps the limit of a sending that
-// stands still itself, so that an early answer can still be read; the watch is only behind it.
+// stands still itself, so that an early answer can still be read; the watch only backs it up.
 HttpEnd PassedLimit(const HttpExchange::State& state, const HttpLimits& limits) {
   const HttpExchange::Time::time_point now = HttpExchange::Time::now();
   const auto still = now - state.moved;
