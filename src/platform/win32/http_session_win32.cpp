@@ -247,7 +247,6 @@ class Request {
       if (!InternetQueryDataAvailable(request_, &there, 0, 0) ||
           !InternetReadFile(request_, piece.data(),
                             std::min(there, static_cast<DWORD>(piece.size())), &got)) {
-        reply_.answer_cut = true;
         reply_.why = Words(GetLastError());
         break;
       }
@@ -257,7 +256,6 @@ class Request {
     }
     if (reply_.answer.size() > post_.limits.answer_size) {
       reply_.answer.resize(post_.limits.answer_size);
-      reply_.answer_cut = true;
     }
   }
 
@@ -318,7 +316,6 @@ class WindowsHttpSession final : public HttpSession {
     const HttpExchange::State state = request->exchange().Wait(kFarewell);
     HttpReply reply = request->exchange().TakeReply();
     reply.body_sent = state.sent == request->body_size();
-    reply.answer_cut = state.phase != HttpPhase::kEnded;
     if (by == HttpEnd::kStopped || reply.status == 0) {
       reply.end = by;
       reply.why.clear();
