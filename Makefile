@@ -1,6 +1,9 @@
 # Two commands for a new machine: "make run" and "make test". Each installs what is missing first.
 JOBS ?= 2
 PYTHON := /usr/bin/python3
+# ON where a warning of the compiler is to end a build of the tests.
+WARNINGS_AS_ERRORS ?= OFF
+TEST_BUILD := -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_WARNINGS_AS_ERRORS=$(WARNINGS_AS_ERRORS)
 
 .PHONY: all setup release run samples test bench fuzz fuzz-briefly screenshots install clean \
   setup-windows windows test-windows windows-zip agreement
@@ -18,7 +21,7 @@ run: release
 	@[ -z "$$DISPLAY$$WAYLAND_DISPLAY" ] || build/release/src/cli/kerno
 
 test: setup fuzz-briefly
-	@cmake -S . -B build/test -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_SANITIZE=ON >/dev/null
+	@cmake -S . -B build/test $(TEST_BUILD) -DKERNO_SANITIZE=ON >/dev/null
 	@cmake --build build/test -j $(JOBS)
 	@cd build/test && ctest -j $(JOBS) --output-on-failure --timeout 600
 
@@ -64,9 +67,9 @@ windows: setup-windows
 
 # The tests of that system, run under Wine, and the same texts on both.
 test-windows: setup setup-windows
-	@cmake -S . -B build/test -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_SANITIZE=ON >/dev/null
+	@cmake -S . -B build/test $(TEST_BUILD) -DKERNO_SANITIZE=ON >/dev/null
 	@cmake --build build/test -j $(JOBS) --target kerno
-	@cmake -S . -B build/windows-test -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw.cmake -DCMAKE_BUILD_TYPE=Debug >/dev/null
+	@cmake -S . -B build/windows-test $(TEST_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw.cmake >/dev/null
 	@cmake --build build/windows-test -j $(JOBS)
 	@export KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix; \
 	  trap 'WINEPREFIX=$$KERNO_WINEPREFIX wineserver -k' EXIT; \

@@ -21,6 +21,9 @@ import tempfile
 
 import windows_run
 
+# Both systems see the faces of the set-up alone.
+FONTS = str(pathlib.Path(__file__).resolve().parents[1] / "tests/fonts.conf")
+
 LATIN = "Kerno 2026: Sphinx of black quartz, judge my vow & pack 8 boxes"
 ACCENTS = "ÀÉÎÕÜßçñøŒž €¥±½ “quotes” – — …"
 GREEK = "Ελληνικά Кириллица"
@@ -222,6 +225,7 @@ def main():
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--verbose", action="store_true", help="name the cases that agree, too")
     options = parser.parse_args()
+    os.environ["FONTCONFIG_FILE"] = FONTS
     programs = [windows_run.command(os.path.abspath(program)) for program in (options.kerno, options.kerno_exe)]
     formats = [f for f in options.formats.split(",") if f]
     cases = CASES + VERTICAL

@@ -1,12 +1,13 @@
 #!/bin/sh
 # Installs the Debian packages that building, running and testing need; with "windows" also those for
-# building and testing the Windows programs. Does nothing when all are there.
+# building and testing the Windows programs. Does nothing when all are there. The tests see the faces of
+# the font packages alone: tests/fonts.conf names them.
 set -e
 packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  qt6-base-dev xvfb xdotool unrtf
  libfreetype-dev libfontconfig-dev libharfbuzz-dev libcli11-dev libagg-dev
  fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf
- libcurl4-openssl-dev libcurl4 ca-certificates openssl curl chromium chromium-driver tidy
+ libcurl4-openssl-dev libcurl4 ca-certificates openssl curl chromium tidy
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  libxml2-utils assimp-utils
  python3 python3-ezdxf imagemagick file emf2svg librsvg2-bin icoutils"

@@ -22,7 +22,7 @@ class FontFaceList {
   FontFaceList(const FontFaceList&) = delete;
   FontFaceList& operator=(const FontFaceList&) = delete;
 
-  // Collects the faces anew. 1 on success; 0 without a window, and then there are none.
+  // Collects the faces again. 1 on success; 0 without a window, and then there are none.
   int Enumerate();
 
   // The accepted names in the system's order; any sorting is the control's own.
@@ -31,8 +31,8 @@ class FontFaceList {
   // What a control is filled with: the names or, when there is none, the lines that tell why.
   std::vector<std::u16string> Entries() const;
 
-  // Four lines: two blank ones, that the names could not be had, and whether there was a window. A
-  // control that stays empty after filling shows them, too.
+  // Four lines: two blank ones, that the names could not be had, and whether there was a window.
+  // They stand in a list of no names, as its entries.
   std::vector<std::u16string> DiagnosticLines() const;
 
  protected:

@@ -34,8 +34,10 @@ class Clock {
   LocalTime Now() { return Local(Seconds()); }
 };
 
+Clock& SystemClock();
+
 // The process's clock: the system's until a test sets its own. ReplaceClock returns the one before;
-// null restores the system's. The caller keeps ownership.
+// null stands for the system's. The caller keeps ownership.
 Clock& CurrentClock();
 Clock* ReplaceClock(Clock* clock);
 

@@ -71,9 +71,8 @@ struct Extent {
   int32_t cy = 0;
 };
 
-inline constexpr uint32_t kGgoMetrics = 0;  // GGO_METRICS: only the metrics are wanted
-inline constexpr uint32_t kGgoNative =
-    2;  // GGO_NATIVE: the outline as polygon headers and curve records
+// GGO_NATIVE: the outline as polygon headers and curve records.
+inline constexpr uint32_t kGgoNative = 2;
 inline constexpr uint32_t kGdiError = 0xFFFFFFFF;  // GDI_ERROR
 
 // A realised font. Owns what the rasteriser needs, and keeps the outlines that were asked of it.
@@ -109,10 +108,10 @@ class DeviceContext {
   // False when the metrics cannot be had; *metrics is then zero.
   virtual bool GetTextMetrics(TextMetrics* metrics) = 0;
 
-  // GetGlyphOutline: with format kGgoNative the size of the outline in bytes (0 for a blank), or
-  // kGdiError. `buffer` may be null to ask for the size; otherwise it receives the outline when
-  // `size` suffices. `metrics` is filled unless the call fails. A character outside the first plane
-  // is one character; a surrogate half is a character without a glyph.
+  // GetGlyphOutline: with format kGgoNative, the only one, the size of the outline in bytes (0 for
+  // a blank), or kGdiError. `buffer` may be null to ask for the size; otherwise it receives the
+  // outline when `size` suffices. `metrics` is filled unless the call fails. A character outside
+  // the first plane is one character; a surrogate half is a character without a glyph.
   virtual uint32_t GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics* metrics,
                                    uint32_t size, void* buffer, const Mat2& matrix) = 0;
 

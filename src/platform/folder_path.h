@@ -24,7 +24,7 @@ std::filesystem::path WholePath(const std::filesystem::path& path);
 std::optional<std::filesystem::path> CurrentDrive();
 
 // The folders that lead to `path`, the path itself the last. What nobody can make (the root, a
-// drive, a network server and its share, also behind the prefix "\\?\") is none of them.
+// drive, a network server and its share, also after the prefix "\\?\") is none of them.
 std::vector<std::filesystem::path> FolderLevels(const std::filesystem::path& path);
 
 // Whether anything stands there.
@@ -46,7 +46,7 @@ struct PathFacts {
   Status why;         // of kUnknown
 };
 
-// What stands there, behind links, however long the path is.
+// What stands there, links followed, however long the path is.
 PathFacts FactsOfPath(const std::filesystem::path& path);
 
 // Calls `take` with the path of everything that stands in the folder, in no order; "" is the

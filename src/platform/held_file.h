@@ -56,7 +56,7 @@ enum class IfMissing { kFail, kCreate };
 Status ChangeFile(const std::filesystem::path& path, IfMissing if_missing,
                   const std::function<std::optional<std::string>(std::string_view)>& change);
 
-// Adds bytes at the end of a file, behind `start` when the file is new or empty. Never waits:
+// Adds bytes at the end of a file, after `start` when the file is new or empty. Never waits:
 // kSharingViolation when another process holds it.
 Status AppendToFile(const std::filesystem::path& path, std::string_view start,
                     std::string_view bytes);

@@ -40,7 +40,7 @@ struct HttpPost {
 
 // How a request ended.
 enum class HttpEnd {
-  kAnswered,        // an answer came; perhaps cut short (HttpReply::answer_cut)
+  kAnswered,        // an answer came; perhaps cut short
   kUnavailable,     // this machine lacks what HTTP needs
   kBadUrl,          // the URL cannot be read
   kUnknownHost,     // no address for the host's name
@@ -64,7 +64,6 @@ struct HttpReply {
   std::string status_line;  // as received, without the line end
   std::string location;     // where a redirect points to, absolute
   std::string answer;       // the first HttpLimits::answer_size bytes
-  bool answer_cut = false;  // there was, or may have been, more
 };
 
 enum class Transfer { kGoOn, kStop };

@@ -21,7 +21,7 @@ class ScratchFile {
   static std::unique_ptr<ScratchFile> Create(const std::filesystem::path& folder,
                                              std::string_view prefix, Status* status);
 
-  // Puts bytes behind those written so far. After a failure the earlier bytes are still there.
+  // Puts bytes after those written so far. After a failure the earlier bytes are still there.
   virtual Status Append(std::string_view bytes) = 0;
 
   // Reads up to `size` bytes from `offset` on into `buffer`; *count tells how many there were.

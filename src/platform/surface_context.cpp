@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "platform/native_records.h"
+
 namespace kerno {
 namespace {
 
@@ -11,7 +13,7 @@ constexpr double kFixedToPixels = 1.0 / 65536;
 
 bool SurfaceContext::PolyPolygon(std::span<const IntPoint> points,
                                  std::span<const int32_t> counts) {
-  const double scale = 1.0 / units_;
+  const double scale = 1.0 / units();
   std::vector<DevicePoint> device;
   device.reserve(points.size());
   for (const IntPoint& p : points) device.push_back({p.x * scale, p.y * scale});
@@ -34,47 +36,35 @@ bool SurfaceContext::DrawArc(DevicePoint centre, double radius, double start, do
   return DrawPolyline(ArcPoints(centre, radius, start, sweep));
 }
 
-// Adds a native outline (polygon headers of type 24 and their curve records) with its pen position
-// at `pen`, y turned down.
+// Adds a native outline with its pen position at `pen`, y turned down.
 void SurfaceContext::AddGlyph(std::span<const uint8_t> outline, DevicePoint pen) {
-  constexpr size_t kHeaderSize = 16;
-  constexpr size_t kRecordSize = 4;
-  constexpr size_t kPointSize = 8;
-  constexpr uint16_t kSpline = 2;
-  const double scale = kFixedToPixels / units_;
-  const auto read_point = [&](size_t at) {
+  const double scale = kFixedToPixels / units();
+  const auto point_at = [&](const uint8_t* at) {
     int32_t xy[2];
-    std::memcpy(xy, outline.data() + at, sizeof xy);
+    std::memcpy(xy, at, sizeof xy);
     return DevicePoint{pen.x + xy[0] * scale, pen.y - xy[1] * scale};
   };
-  for (size_t polygon = 0; polygon + kHeaderSize <= outline.size();) {
-    uint32_t size = 0;
-    std::memcpy(&size, outline.data() + polygon, sizeof size);
-    if (size < kHeaderSize || size > outline.size() - polygon) return;
-    const size_t end = polygon + size;
-    DevicePoint from = read_point(polygon + 8);
-    MoveTo(from);
-    for (size_t at = polygon + kHeaderSize; at + kRecordSize <= end;) {
-      uint16_t record[2];  // kind and number of points
-      std::memcpy(record, outline.data() + at, sizeof record);
-      at += kRecordSize;
-      if (at + record[1] * kPointSize > end) break;
-      for (uint16_t i = 0; i < record[1]; ++i) {
-        const DevicePoint p = read_point(at + i * kPointSize);
-        if (record[0] != kSpline) {
-          LineTo(from = p);
-        } else if (i + 1 < record[1]) {
-          DevicePoint to = read_point(at + (i + 1u) * kPointSize);
-          if (i + 2 < record[1]) to = {(p.x + to.x) / 2, (p.y + to.y) / 2};
-          CurveTo(from, p, to);
-          from = to;
-        }
+  DevicePoint from;
+  bool open = false;
+  const auto contour = [&](const uint8_t* start) {
+    if (open) CloseFigure();
+    open = true;
+    MoveTo(from = point_at(start));
+  };
+  WalkNativeOutline(outline, contour, [&](uint16_t kind, const uint8_t* points, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+      const DevicePoint p = point_at(points + i * kNativePointSize);
+      if (kind != kNativeSpline) {
+        LineTo(from = p);
+      } else if (i + 1 < count) {
+        DevicePoint to = point_at(points + (i + 1) * kNativePointSize);
+        if (i + 2 < count) to = {(p.x + to.x) / 2, (p.y + to.y) / 2};
+        CurveTo(from, p, to);
+        from = to;
       }
-      at += record[1] * kPointSize;
     }
-    CloseFigure();
-    polygon = end;
-  }
+  });
+  if (open) CloseFigure();
 }
 
 bool SurfaceContext::TextOut(int32_t x, int32_t y, std::u16string_view text) {
@@ -94,11 +84,11 @@ bool SurfaceContext::TextOut(int32_t x, int32_t y, std::u16string_view text) {
     if (size == kGdiError) continue;
     outline.resize(size);
     if (size > 0 && GetGlyphOutline(ch, kGgoNative, &glyph, size, outline.data(), Mat2{}) == size) {
-      AddGlyph(outline, {pen / units_, baseline / units_});
+      AddGlyph(outline, {pen / units(), baseline / units()});
     }
     pen += glyph.gmCellIncX;
   }
-  return FillPath(text_color_);
+  return FillPath(text_color());
 }
 
 std::vector<double> DashesOf(const PenData& pen, double length) {

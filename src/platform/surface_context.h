@@ -1,5 +1,5 @@
-// What every drawing surface does alike: it keeps the selected objects, colours and units, takes
-// its fonts from a measuring context, and turns circles and text into polygons and paths.
+// What every drawing surface does alike: it takes its fonts from a measuring context, and turns
+// circles and text into polygons and paths.
 #pragma once
 
 #include <cmath>
@@ -7,15 +7,13 @@
 #include <memory>
 #include <span>
 #include <string_view>
-#include <utility>
 #include <vector>
 
-#include "platform/drawing.h"
 #include "platform/drawing_objects.h"
 
 namespace kerno {
 
-class SurfaceContext : public DrawingContext {
+class SurfaceContext : public ObjectContext {
  public:
   std::unique_ptr<Font> CreateFontIndirect(const LogFont& wanted) override {
     return Fonts().CreateFontIndirect(wanted);
@@ -32,22 +30,6 @@ class SurfaceContext : public DrawingContext {
   }
   bool TextOut(int32_t x, int32_t y, std::u16string_view text) override;
 
-  std::unique_ptr<Pen> CreatePenIndirect(const PenData& data) override {
-    return std::make_unique<DataPen>(data);
-  }
-  std::unique_ptr<Brush> CreateBrushIndirect(const BrushData& data) override {
-    return std::make_unique<DataBrush>(data);
-  }
-  Pen* SelectPen(Pen* pen) override { return std::exchange(pen_, pen); }
-  Brush* SelectBrush(Brush* brush) override { return std::exchange(brush_, brush); }
-  const Pen* CurrentPen() const override { return pen_ ? pen_ : &stock_pen_; }
-  const Brush* CurrentBrush() const override { return brush_ ? brush_ : &stock_brush_; }
-  uint32_t SetTextColor(uint32_t color) override { return std::exchange(text_color_, color); }
-  FillMode SetFillMode(FillMode mode) override { return std::exchange(fill_mode_, mode); }
-  int32_t SetLogicalUnits(int32_t per_pixel) override {
-    return std::exchange(units_, per_pixel < 1 ? 1 : per_pixel);
-  }
-
   bool PolyPolygon(std::span<const IntPoint> points, std::span<const int32_t> counts) override;
   bool DrawCircle(DevicePoint centre, double radius) override;
   bool DrawArc(DevicePoint centre, double radius, double start, double sweep) override;
@@ -61,10 +43,6 @@ class SurfaceContext : public DrawingContext {
   virtual void CloseFigure() = 0;
   virtual bool FillPath(uint32_t color) = 0;
 
-  bool HasPen() const { return CurrentPen()->Data().style != PenStyle::kNull; }
-  bool HasBrush() const { return CurrentBrush()->Data().style != BrushStyle::kHollow; }
-  FillMode fill_mode() const { return fill_mode_; }
-
  private:
   DeviceContext& Fonts() {
     if (!fonts_) fonts_ = CreateMeasuringContext();
@@ -73,13 +51,6 @@ class SurfaceContext : public DrawingContext {
   void AddGlyph(std::span<const uint8_t> outline, DevicePoint pen);
 
   std::unique_ptr<DeviceContext> fonts_;  // made when first asked
-  DataPen stock_pen_{PenData{}};
-  DataBrush stock_brush_{BrushData{}};
-  Pen* pen_ = nullptr;
-  Brush* brush_ = nullptr;
-  uint32_t text_color_ = 0;
-  FillMode fill_mode_ = FillMode::kAlternate;
-  int32_t units_ = 1;
 };
 
 inline constexpr double kMaxDashes = 65536;  // of one line; a line of more is drawn solid

@@ -84,8 +84,10 @@ class System {
   virtual Status MakePrivateFolder(const std::filesystem::path& folder) = 0;
 };
 
-// The process's system; a test may set its own. ReplaceSystem returns the one before; null restores
-// the real one. The caller keeps ownership.
+System& RealSystem();
+
+// The process's system; a test may set its own. ReplaceSystem returns the one before; null stands
+// for the real one. The caller keeps ownership.
 System& CurrentSystem();
 System* ReplaceSystem(System* system);
 

@@ -7,8 +7,8 @@
 //   the file's bytes
 //   --BOUNDARY-- CR LF
 //
-// There is no line end between the file's last byte and the closing boundary. This is meant: the
-// receiving script takes the bytes up to the closing boundary as the file.
+// Classic: no line end stands between the file's last byte and the closing boundary, for receiving
+// scripts take the bytes up to the closing boundary as the file.
 #pragma once
 
 #include <optional>
@@ -32,7 +32,7 @@ std::string HeaderFileName(std::u16string_view name);
 std::string MultipartHead(std::string_view boundary, std::string_view field,
                           std::string_view header_name);
 
-// What stands behind them.
+// What stands after them.
 std::string MultipartTail(std::string_view boundary);
 
 }  // namespace kerno

@@ -168,8 +168,8 @@ class PageBuilder {
     const Picture& picture = pictures_[index];
     const std::string link = LinkTo(picture.file->name);
     const std::string name = EscapeHtml(PathText(picture.file->name));
-    const std::string alt =
-        EscapeHtml(Cut(OneLine(heading_), kMostTitle)) + " (" + std::string(picture.kind->name) + ")";
+    const std::string alt = EscapeHtml(Cut(OneLine(heading_), kMostTitle)) + " (" +
+                            std::string(picture.kind->name) + ")";
     out_.append("<li data-label=\"Picture ").append(std::to_string(index + 1)).append(" of ");
     out_.append(std::to_string(pictures_.size())).append(": ").append(name).append("\">");
     out_.append("<figure><picture class=\"paper\">");
@@ -207,7 +207,8 @@ class PageBuilder {
       const FileKind* const kind = KindOfFile(file.name);
       out_.append("<tr><th scope=\"row\"><a href=\"").append(LinkTo(file.name)).append("\"><bdi>");
       out_.append(EscapeHtml(PathText(file.name))).append("</bdi></a></th><td>");
-      out_.append(kind ? kind->name : std::string_view("File")).append("</td><td class=\"size\" title=\"");
+      out_.append(kind ? kind->name : std::string_view("File"))
+          .append("</td><td class=\"size\" title=\"");
       out_.append(std::to_string(file.size)).append(" bytes\">").append(SizeText(file.size));
       out_.append("</td></tr>\n");
     }
@@ -236,21 +237,20 @@ std::string BuildOutputPage(const OutputPage& page) {
   return PageBuilder(page).Build();
 }
 
-bool ReadPageSource(std::string_view html, PageSource* source) {
+std::optional<PageSource> ReadPageSource(std::string_view html) {
   PageSource found;
   size_t at = 0;
   for (const SourceField& field : kFields) {
     const std::string start = "<meta name=\"" + std::string(field.name) + "\" content=\"";
     at = html.find(start, at);
-    if (at == std::string_view::npos) return false;
+    if (at == std::string_view::npos) return std::nullopt;
     at += start.size();
     const size_t end = html.find('"', at);
-    if (end == std::string_view::npos) return false;
+    if (end == std::string_view::npos) return std::nullopt;
     found.*field.value = UnescapeHtml(html.substr(at, end - at));
     at = end;
   }
-  *source = std::move(found);
-  return true;
+  return found;
 }
 
 }  // namespace kerno

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,7 +40,7 @@ struct OutputPage {
 std::string BuildOutputPage(const OutputPage& page);
 
 // What a page of BuildOutputPage says of its source (a text longer than the page shows comes back
-// cut). False for any other bytes.
-bool ReadPageSource(std::string_view html, PageSource* source);
+// cut). Nothing for any other bytes.
+[[nodiscard]] std::optional<PageSource> ReadPageSource(std::string_view html);
 
 }  // namespace kerno

@@ -23,10 +23,14 @@ bool IsRegularFile(const fs::path& path) {
 
 Status ReadSource(const fs::path& page, PageSource* source) {
   std::string head;
-  Status read = ReadFileBytes(page, &head, kMostOfPage);
-  if (!read.ok() || ReadPageSource(head, source)) return read;
-  return Status::Error(Failure::kOther, PathText(page),
-                       u"not replaced: it is no page that this program wrote");
+  if (Status read = ReadFileBytes(page, &head, kMostOfPage); !read.ok()) return read;
+  const auto told = ReadPageSource(head);
+  if (!told) {
+    return Status::Error(Failure::kOther, PathText(page),
+                         u"not replaced: it is no page that this program wrote");
+  }
+  *source = *told;
+  return Status::Ok();
 }
 
 std::optional<PageSource> SourceOfPage(const fs::path& page) {

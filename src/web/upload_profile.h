@@ -1,6 +1,6 @@
 // The uploader as the program uses it: with its own INI file and the system's HTTP.
 //
-// The file is read anew each time, so that a change takes effect at the next use.
+// The file is read again each time, so that a change takes effect at the next use.
 #pragma once
 
 #include <filesystem>

@@ -1,6 +1,7 @@
 #include "web/upload_settings.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "base/text.h"
 
@@ -108,30 +109,29 @@ std::string UploadTarget::Url() const {
   return url + path;
 }
 
-std::optional<UploadTarget> FormUploadTarget(const UploadSettings& settings, std::u16string* why) {
-  UploadTarget target;
-  target.secure = AsciiLower(settings.open_http) == u"https";
-  target.port = target.secure ? kHttpsPort : kHttpPort;
-  target.host = Utf16ToUtf8(settings.server);
-  const size_t colon = target.host.rfind(':');
-  const size_t bracket = target.host.rfind(']');
+Status FormUploadTarget(const UploadSettings& settings, UploadTarget* target) {
+  const auto wrong = [&](std::u16string_view how) {
+    return Status::Error(Failure::kOther, u"[" + std::u16string(kUploadSection) + u"]",
+                         u"\"server\" (" + settings.server + u") " + std::u16string(how));
+  };
+  target->secure = AsciiLower(settings.open_http) == u"https";
+  target->port = target->secure ? kHttpsPort : kHttpPort;
+  target->host = Utf16ToUtf8(settings.server);
+  const size_t colon = target->host.rfind(':');
+  const size_t bracket = target->host.rfind(']');
   if (colon != std::string::npos && (bracket == std::string::npos || colon > bracket)) {
-    const auto port = PortNumber(std::string_view(target.host).substr(colon + 1));
-    if (!port) {
-      *why = u"the port of \"server\" (" + settings.server + u") is not a number of 1 to 65535";
-      return std::nullopt;
-    }
-    target.port = *port;
-    target.host.resize(colon);
+    const auto port = PortNumber(std::string_view(target->host).substr(colon + 1));
+    if (!port) return wrong(u"has a port that is not a number of 1 to 65535");
+    target->port = *port;
+    target->host.resize(colon);
   }
-  if (!IsHost(target.host)) {
-    *why = u"\"server\" (" + settings.server +
-           u") is not a host name; it has the form name or name:port, in ASCII letters, without "
-           u"\"http://\" and without a path";
-    return std::nullopt;
+  if (!IsHost(target->host)) {
+    return wrong(
+        u"is not a host name; it has the form name or name:port, in ASCII letters, without "
+        u"\"http://\" and without a path");
   }
-  target.path = EncodedPath(settings.php_fn);
-  return target;
+  target->path = EncodedPath(settings.php_fn);
+  return Status::Ok();
 }
 
 }  // namespace kerno

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
 #include "base/settings.h"
+#include "platform/status.h"
 
 namespace kerno {
 
@@ -26,8 +26,9 @@ struct UploadSettings {
 
 UploadSettings ReadUploadSettings(SettingsReader& reader);
 
-// The largest file that is sent, in bytes. The number at the start of the text is taken modulo
-// 65536 (this is meant), raised to 1, cut to 32, and counts MiB; whatever follows it is ignored.
+// The largest file that is sent, in bytes. The number at the start of the text counts MiB, raised
+// to 1 and cut to 32; whatever follows it is ignored. Classic: the number is first taken modulo
+// 65536, as settings in the field are read.
 int64_t UploadLimit(std::u16string_view up_max_file_size);
 
 // The parts of a place on the web.
@@ -40,8 +41,8 @@ struct UploadTarget {
   std::string Url() const;  // the port left out where it is the scheme's own
 };
 
-// The target that the settings name. Nothing when they cannot be read as one; *why then says which
-// key is wrong and how.
-std::optional<UploadTarget> FormUploadTarget(const UploadSettings& settings, std::u16string* why);
+// The target that the settings name. When they cannot be read as one, the failure says which key is
+// wrong and how, and *target is no place.
+Status FormUploadTarget(const UploadSettings& settings, UploadTarget* target);
 
 }  // namespace kerno

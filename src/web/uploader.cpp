@@ -68,15 +68,19 @@ Status CheckKind(const fs::path& file, const PathFacts& facts) {
   return Status::Ok();
 }
 
-// Appends the file's bytes to *body, with room left for `tail` bytes more. Not ok: *end tells which
-// kind of trouble.
-Status AppendFile(const fs::path& file, int64_t limit, size_t tail, std::string* body,
-                  UploadEnd* end) {
-  *end = UploadEnd::kFileTrouble;
+// A whole request body, or why there is none: then `trouble` is how the upload ends.
+struct Body {
+  UploadEnd trouble = UploadEnd::kFileTrouble;
+  std::string boundary;  // the one in the bytes
+  std::string bytes;
+};
+
+// Appends the file's bytes to the body, with room left for `tail` bytes more.
+Status AppendFile(const fs::path& file, int64_t limit, size_t tail, Body* body) {
   const PathFacts facts = FactsOfPath(file);
   if (Status status = CheckKind(file, facts); !status.ok()) return status;
   const auto too_large = [&] {
-    *end = UploadEnd::kTooLarge;
+    body->trouble = UploadEnd::kTooLarge;
     return Status::Error(
         Failure::kOther, ShownPath(file),
         u"not sent: it is larger than " + Decimal(limit) + u" bytes (\"up_max_file_size\")");
@@ -89,37 +93,35 @@ Status AppendFile(const fs::path& file, int64_t limit, size_t tail, std::string*
     return opened;
   });
   if (!held) return status;
-  const size_t head = body->size();
-  body->reserve(head + static_cast<size_t>(facts.size) + kReadAtOnce + tail);
-  PreferLargePages(body->data(), body->capacity());
+  std::string& bytes = body->bytes;
+  const size_t head = bytes.size();
+  bytes.reserve(head + static_cast<size_t>(facts.size) + kReadAtOnce + tail);
+  PreferLargePages(bytes.data(), bytes.capacity());
   const size_t most = head + static_cast<size_t>(limit);
-  for (size_t before = head + 1; before != body->size() && body->size() <= most;) {
-    before = body->size();
-    status = held->ReadPiece(before - head, kReadAtOnce, body);
+  for (size_t before = head + 1; before != bytes.size() && bytes.size() <= most;) {
+    before = bytes.size();
+    status = held->ReadPiece(before - head, kReadAtOnce, &bytes);
     if (!status.ok()) return status;
   }
-  return body->size() > most ? too_large() : Status::Ok();  // it may have grown meanwhile
+  return bytes.size() > most ? too_large() : Status::Ok();  // it may have grown meanwhile
 }
 
-// The whole request body of a file; *boundary is the one in it.
-Status BuildBody(const fs::path& file, int64_t limit, std::string* boundary, std::string* body,
-                 UploadEnd* end) {
+Status BuildBody(const fs::path& file, int64_t limit, Body* body) {
   const std::string name = HeaderFileName(PathText(file.filename()));
   const LocalTime now = CurrentClock().Now();
-  *boundary = *ChooseBoundary(now, "");
-  *body = MultipartHead(*boundary, kField, name);
-  const size_t head = body->size();
-  const size_t tail = MultipartTail(*boundary).size();
-  if (Status status = AppendFile(file, limit, tail, body, end); !status.ok()) return status;
-  const auto chosen = ChooseBoundary(now, std::string_view(*body).substr(head));
+  body->boundary = *ChooseBoundary(now, "");
+  body->bytes = MultipartHead(body->boundary, kField, name);
+  const size_t head = body->bytes.size();
+  const size_t tail = MultipartTail(body->boundary).size();
+  if (Status status = AppendFile(file, limit, tail, body); !status.ok()) return status;
+  const auto chosen = ChooseBoundary(now, std::string_view(body->bytes).substr(head));
   if (!chosen) {
-    *end = UploadEnd::kFileTrouble;
     return Status::Error(Failure::kOther, ShownPath(file),
                          u"not sent: it holds every text that could mark its end");
   }
-  *boundary = *chosen;
-  body->replace(0, head, MultipartHead(*boundary, kField, name));
-  body->append(MultipartTail(*boundary));
+  body->boundary = *chosen;
+  body->bytes.replace(0, head, MultipartHead(body->boundary, kField, name));
+  body->bytes.append(MultipartTail(body->boundary));
   return Status::Ok();
 }
 
@@ -234,23 +236,22 @@ UploadResult Uploader::Upload(const fs::path& file) {
                  u"no upload server is set; give section [UpFile] the key \"server\" with the name "
                  u"of a host that runs a receiving script");
   }
-  std::u16string why;
-  const auto target = FormUploadTarget(settings, &why);
-  if (!target) return Ended(UploadEnd::kBadSettings, ini + u": [UpFile]", why);
+  UploadTarget target;
+  if (const Status formed = FormUploadTarget(settings, &target); !formed.ok()) {
+    return Ended(UploadEnd::kBadSettings, ini + u": " + formed.what, formed.why);
+  }
 
   const std::shared_ptr<void> preparation = session_.Prepare();
-  std::string body, boundary;
-  UploadEnd trouble = UploadEnd::kFileTrouble;
-  const Status built =
-      BuildBody(file, UploadLimit(settings.up_max_file_size), &boundary, &body, &trouble);
-  if (!built.ok()) return Ended(trouble, built.what, built.why);
-  if (!settings.debug.empty()) KeepInspectionCopy(file, body);
+  Body body;
+  const Status built = BuildBody(file, UploadLimit(settings.up_max_file_size), &body);
+  if (!built.ok()) return Ended(body.trouble, built.what, built.why);
+  if (!settings.debug.empty()) KeepInspectionCopy(file, body.bytes);
 
   HttpPost post;
-  post.url = target->Url();
+  post.url = target.Url();
   post.user_agent = UploadUserAgent();
-  post.headers = {"Content-Type: multipart/form-data; boundary=" + boundary};
-  post.body = body;
+  post.headers = {"Content-Type: multipart/form-data; boundary=" + body.boundary};
+  post.body = body.bytes;
   post.trust = settings.self_certificate.empty() ? CertificateTrust::kKnownAuthority
                                                  : CertificateTrust::kAnyAuthority;
   post.limits = limits;
@@ -262,7 +263,7 @@ UploadResult Uploader::Upload(const fs::path& file) {
                                                                            : Transfer::kStop;
   });
   if (reply.body_sent) {
-    const auto total = static_cast<int64_t>(body.size());
+    const auto total = static_cast<int64_t>(body.bytes.size());
     // Nothing is left to stop, whatever the answer is.
     (void)CurrentNotices().Progress(doing, total, total);
   }

@@ -137,7 +137,7 @@ TEST_F(DrawPartsTest, FacesAreFilledWithoutOutlineAndPiecesTogether) {
   EXPECT_EQ(fills[1].points.size(), 5u);
   EXPECT_EQ(fills[0].pen.style, PenStyle::kNull);
   EXPECT_EQ(fills[0].brush.color, 0x00FF00u);
-  EXPECT_EQ(dc_.fill_mode, FillMode::kAlternate);
+  EXPECT_EQ(dc_.fill_mode(), FillMode::kAlternate);
 
   part_.brush.style = 1;
   Draw();
@@ -230,7 +230,7 @@ TEST_F(DrawPartsTest, TextsGoThroughTheOutlineInFineUnits) {
       EXPECT_NEAR(p.y / 8, 80, 8) << p.y;
     }
   }
-  EXPECT_EQ(dc_.units, 1);
+  EXPECT_EQ(dc_.units(), 1);
 }
 
 TEST_F(DrawPartsTest, ContoursAreOneSetWithoutLimit) {

@@ -7,8 +7,18 @@
 #include <sstream>
 #include <string>
 
+#include "support/run.h"
+
 namespace kerno {
 namespace {
+
+std::string Bytes(const std::string& hex) {
+  std::string bytes;
+  for (size_t i = 0; i < hex.size(); i += 2) {
+    bytes.push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+  }
+  return bytes;
+}
 
 std::map<uint32_t, std::string> RecordedMapping() {
   std::map<uint32_t, std::string> mapping;
@@ -18,9 +28,7 @@ std::map<uint32_t, std::string> RecordedMapping() {
     uint32_t unit = 0;
     std::string hex;
     std::istringstream(line) >> std::hex >> unit >> hex;
-    for (size_t i = 0; i < hex.size(); i += 2) {
-      mapping[unit].push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-    }
+    mapping[unit] = Bytes(hex);
   }
   return mapping;
 }
@@ -37,6 +45,35 @@ TEST(CodePage, EncodesEveryUnitAsRecorded) {
     ASSERT_EQ(bytes, found == recorded.end() ? "_" : found->second) << std::hex << unit;
     ASSERT_EQ(used_default, found == recorded.end()) << std::hex << unit;
   }
+}
+
+// The characters of Python's table, one line each: bytes and UTF-16 unit. It agrees with the
+// desktop's table but for the single bytes 80, A0 and FD to FF, which the latter keeps.
+TEST(CodePage, DecodesAsAnotherTableDoes) {
+  std::istringstream lines(
+      test::OutputOf(KERNO_PYTHON
+                     " -c 'import itertools as i\n"
+                     "for n in (1, 2):\n"
+                     " for b in map(bytes, i.product(range(256), repeat=n)):\n"
+                     "  t = b.decode(\"cp932\", \"replace\")\n"
+                     "  if len(t) == 1 and t != chr(0xFFFD): print(b.hex(), hex(ord(t)))'"));
+  std::map<std::string, char16_t> characters;
+  for (std::string hex, unit; lines >> hex >> unit;) {
+    characters[Bytes(hex)] = static_cast<char16_t>(std::stoi(unit, nullptr, 16));
+  }
+  EXPECT_GT(characters.size(), 9700u);
+  for (int first = 0; first <= 0xFF; ++first) {
+    const bool pair = (first >= 0x81 && first <= 0x9F) || (first >= 0xE0 && first <= 0xFC);
+    for (int second = pair ? 0x40 : 0; second <= (pair ? 0xFC : 0); ++second) {
+      if (second == 0x7F || first == 0x80 || first == 0xA0 || first >= 0xFD) continue;
+      std::string bytes(1, static_cast<char>(first));
+      if (pair) bytes.push_back(static_cast<char>(second));
+      const auto found = characters.find(bytes);
+      const char16_t wanted = found == characters.end() ? u'\u30FB' : found->second;
+      EXPECT_EQ(DecodeCodePage932(bytes), std::u16string(1, wanted)) << first << ' ' << second;
+    }
+  }
+  EXPECT_EQ(DecodeCodePage932("\x80\xA0\xFD\xFE\xFF"), u"\u0080\uF8F0\uF8F1\uF8F2\uF8F3");
 }
 
 TEST(CodePage, DecodesDamagedBytes) {

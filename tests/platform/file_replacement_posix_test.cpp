@@ -86,17 +86,6 @@ TEST(FileReplacementPosix, PipesAndDevicesAreWrittenThrough) {
   EXPECT_EQ(full.why, u"the disk is full");
 }
 
-TEST(FileReplacementPosix, APipeWithoutReaderIsAFailureNotTheEndOfTheProcess) {
-  EXPECT_EQ(InChild([] {
-              int ends[2];
-              if (pipe(ends) != 0) return 1;
-              close(ends[0]);
-              const Status status = ReplaceFile("/dev/fd/" + std::to_string(ends[1]), "x");
-              return status.why == u"the reader of the pipe has gone" ? 0 : 2;
-            }),
-            0);
-}
-
 // Standard output that the shell sends to a file keeps what stands there (">>").
 TEST(FileReplacementPosix, AnOpenFileBehindAProcessLinkIsAppendedTo) {
   const TemporaryFolder folder;
@@ -129,14 +118,19 @@ TEST(FileReplacementPosix, PermissionsAreKept) {
   EXPECT_EQ(folder.Names(), (Names{"closed", "free", "protected"}));
 }
 
-TEST(FileReplacementPosix, AFileSizeLimitIsAFailureNotTheEndOfTheProcess) {
+// Both come with a signal that would end the process.
+TEST(FileReplacementPosix, APipeWithoutReaderAndAFileSizeLimitAreFailures) {
   const TemporaryFolder folder;
   WriteBytes(folder / "file", "old");
   EXPECT_EQ(InChild([&] {
+              int ends[2];
               const rlimit limit{1000, 1000};
-              if (setrlimit(RLIMIT_FSIZE, &limit) != 0) return 1;
+              if (pipe(ends) != 0 || close(ends[0]) != 0) return 1;
+              const Status gone = ReplaceFile("/dev/fd/" + std::to_string(ends[1]), "x");
+              if (gone.why != u"the reader of the pipe has gone") return 2;
+              if (setrlimit(RLIMIT_FSIZE, &limit) != 0) return 3;
               const Status status = ReplaceFile(folder / "file", std::string(5000, 'x'));
-              return status.failure == Failure::kNoSpace ? 0 : 2;
+              return status.failure == Failure::kNoSpace ? 0 : 4;
             }),
             0);
   EXPECT_EQ(ReadBytes(folder / "file"), "old");
@@ -145,18 +139,21 @@ TEST(FileReplacementPosix, AFileSizeLimitIsAFailureNotTheEndOfTheProcess) {
 
 constexpr int kMayNotMount = 77;
 
-// Mounts an empty disk of 64 KB in a mount name space of this process's own.
-bool MountSmallDisk(const fs::path& where) {
-  if (unshare(CLONE_NEWNS) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
-  return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-         mount("tmpfs", where.c_str(), "tmpfs", 0, "size=64k") == 0;
+// Does the work in a process of its own with an empty disk of 64 KB at a place: its exit status.
+int WithSmallDisk(const fs::path& where, const std::function<int()>& work) {
+  return InChild([&] {
+    if (unshare(CLONE_NEWNS) != 0 && unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return kMayNotMount;
+    return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                   mount("tmpfs", where.c_str(), "tmpfs", 0, "size=64k") == 0
+               ? work()
+               : kMayNotMount;
+  });
 }
 
 // Without the process file system no file without a name can get one later.
-TEST(FileReplacementPosix, WorksWithoutTheProcessFileSystem) {
+TEST(FileReplacementPosix, NeedsNoProcessFileSystemAndAFullDiskLeavesTheOldFile) {
   const TemporaryFolder folder;
-  const int result = InChild([&] {
-    if (!MountSmallDisk("/proc")) return kMayNotMount;
+  const int unnamed = WithSmallDisk("/proc", [&] {
     for (const char* bytes : {"first", "second"}) {
       if (!ReplaceFile(folder / "file", bytes).ok()) return 2;
       if (ReadBytes(folder / "file") != bytes) return 3;
@@ -168,22 +165,15 @@ TEST(FileReplacementPosix, WorksWithoutTheProcessFileSystem) {
     }
     return 0;
   });
-  if (result == kMayNotMount) GTEST_SKIP() << "this process may not mount";
-  EXPECT_EQ(result, 0);
-}
-
-TEST(FileReplacementPosix, AFullDiskLeavesTheOldFile) {
-  const TemporaryFolder folder;
-  const int result = InChild([&] {
-    if (!MountSmallDisk(folder.path())) return kMayNotMount;
+  const int full = WithSmallDisk(folder.path(), [&] {
     WriteBytes(folder / "file", "old");
     const Status status = ReplaceFile(folder / "file", std::string(1 << 20, 'x'));
     if (status.failure != Failure::kNoSpace) return 2;
-    if (ReadBytes(folder / "file") != "old") return 3;
-    return folder.Names() == Names{"file"} ? 0 : 4;
+    return ReadBytes(folder / "file") == "old" && folder.Names() == Names{"file"} ? 0 : 3;
   });
-  if (result == kMayNotMount) GTEST_SKIP() << "this process may not mount";
-  EXPECT_EQ(result, 0);
+  if (unnamed == kMayNotMount) GTEST_SKIP() << "this process may not mount";
+  EXPECT_EQ(unnamed, 0);
+  EXPECT_EQ(full, 0);
 }
 
 TEST(FileReplacementPosix, AKilledProcessLeavesTheOldFileAlone) {

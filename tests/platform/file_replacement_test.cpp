@@ -15,33 +15,23 @@ using Names = std::set<std::string>;
 
 TEST(FileReplacement, TheTargetChangesAtTheEndOnly) {
   const TemporaryFolder folder;
+  const fs::path target = folder / "drawing.dxf";
   for (const bool exists : {false, true}) {
-    const fs::path target = folder / "drawing.dxf";
-    if (exists) WriteBytes(target, "old");
-    Status status;
-    const auto file = FileReplacement::Create(target, &status);
-    ASSERT_TRUE(file && status.ok());
-    ASSERT_TRUE(file->Write("new ").ok());
-    ASSERT_TRUE(file->Write(std::string(1 << 20, 'x')).ok());
-    EXPECT_EQ(exists ? ReadBytes(target) : "", exists ? "old" : "");
-    EXPECT_EQ(fs::exists(target), exists);
-    ASSERT_TRUE(file->Commit().ok());
-    EXPECT_EQ(ReadBytes(target), "new " + std::string(1 << 20, 'x'));
-    EXPECT_EQ(folder.Names(), Names{"drawing.dxf"});
     fs::remove(target);
-  }
-}
-
-TEST(FileReplacement, AnAbandonedReplacementLeavesNothing) {
-  const TemporaryFolder folder;
-  WriteBytes(folder / "old", "old");
-  for (const char* name : {"old", "new"}) {
-    Status status;
-    auto file = FileReplacement::Create(folder / name, &status);
-    ASSERT_TRUE(file && file->Write("half").ok());
-    file.reset();
-    EXPECT_EQ(folder.Names(), Names{"old"}) << name;
-    EXPECT_EQ(ReadBytes(folder / "old"), "old");
+    if (exists) WriteBytes(target, "old");
+    for (const bool whole : {false, true}) {
+      Status status;
+      auto file = FileReplacement::Create(target, &status);
+      ASSERT_TRUE(file && status.ok());
+      ASSERT_TRUE(file->Write("new ").ok());
+      ASSERT_TRUE(file->Write(std::string(1 << 20, 'x')).ok());
+      EXPECT_EQ(fs::exists(target), exists);
+      EXPECT_EQ(ReadBytes(target), exists ? "old" : "");
+      ASSERT_TRUE(!whole || file->Commit().ok());
+      file.reset();
+      EXPECT_EQ(folder.Names(), exists || whole ? Names{"drawing.dxf"} : Names{});
+    }
+    EXPECT_EQ(ReadBytes(target), "new " + std::string(1 << 20, 'x'));
   }
 }
 

@@ -98,30 +98,16 @@ TEST(RecordedOutlines, EveryValueIsMet) {
 
 // Recorded besides: the advance of 日 in fixed-pitch faces set to a width of their own.
 TEST(RecordedOutlines, FullWidthCharactersAtOtherWidths) {
-  const struct {
-    const char16_t* face;
-    int32_t height, width, advance;
-  } kRecorded[] = {
-      {u"IPAMincho", 33, 0, 30},     {u"IPAMincho", 33, 21, 42},     {u"IPAMincho", 33, 63, 126},
-      {u"IPAMincho", 33, 119, 238},  {u"IPAMincho", 33, 147, 294},   {u"IPAMincho", 100, 0, 92},
-      {u"IPAMincho", 100, 21, 42},   {u"IPAMincho", 100, 63, 124},   {u"IPAMincho", 100, 119, 236},
-      {u"IPAMincho", 100, 147, 290}, {u"IPAMincho", 250, 0, 228},    {u"IPAMincho", 250, 21, 42},
-      {u"IPAMincho", 250, 63, 126},  {u"IPAMincho", 250, 119, 236},  {u"IPAMincho", 250, 147, 292},
-      {u"IPAMincho", -57, 0, 58},    {u"IPAMincho", -57, 21, 42},    {u"IPAMincho", -57, 63, 124},
-      {u"IPAMincho", -57, 119, 234}, {u"IPAMincho", -57, 147, 288},  {u"IPAGothic", 33, 0, 32},
-      {u"IPAGothic", 33, 21, 40},    {u"IPAGothic", 33, 63, 122},    {u"IPAGothic", 33, 119, 230},
-      {u"IPAGothic", 33, 147, 284},  {u"IPAGothic", 100, 0, 94},     {u"IPAGothic", 100, 21, 42},
-      {u"IPAGothic", 100, 63, 124},  {u"IPAGothic", 100, 119, 236},  {u"IPAGothic", 100, 147, 290},
-      {u"IPAGothic", 250, 0, 232},   {u"IPAGothic", 250, 21, 42},    {u"IPAGothic", 250, 63, 126},
-      {u"IPAGothic", 250, 119, 238}, {u"IPAGothic", 250, 147, 294},  {u"IPAGothic", -57, 0, 58},
-      {u"IPAGothic", -57, 21, 42},   {u"IPAGothic", -57, 63, 124},   {u"IPAGothic", -57, 119, 234},
-      {u"IPAGothic", -57, 147, 288}, {u"IPAGothic", -103, 155, 306}, {u"IPAGothic", -137, 71, 142},
-  };
-  for (const auto& r : kRecorded) {
-    const FontProbe font(r.face, r.height, r.width);
-    EXPECT_EQ(font.Glyph(U'日').metrics.gmCellIncX, r.advance)
-        << "height " << r.height << " width " << r.width;
+  std::ifstream lines(KERNO_TEST_DATA "/full-width-advances.tsv");
+  std::string face;
+  std::getline(lines, face);  // what the columns are
+  int count = 0;
+  for (int height = 0, width = 0, advance = 0; lines >> face >> height >> width >> advance;
+       ++count) {
+    EXPECT_EQ(FontProbe(Ascii(face), height, width).Glyph(U'日').metrics.gmCellIncX, advance)
+        << face << " height " << height << " width " << width;
   }
+  EXPECT_EQ(count, 42);
 }
 
 // In faces whose average character is narrower than half a unit at one pixel per em.

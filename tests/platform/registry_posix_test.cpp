@@ -10,6 +10,8 @@
 namespace kerno {
 namespace {
 
+using enum RegistryOutcome;
+
 constexpr auto kUser = RegistryRoot::kCurrentUser;
 
 // As a registry editor exports it, with types that Kerno does not read.
@@ -43,28 +45,35 @@ class RegistryTest : public testing::Test {
 
   test::TemporaryFolder folder_;
   test::FakeSystem system_;
+  RegistryOutcome Query(std::u16string_view key, std::u16string_view name) {
+    return QueryRegistry(kUser, key, name, &value_);
+  }
+  RegistryOutcome Set(std::u16string_view key, std::u16string_view name,
+                      const RegistryValue& value) {
+    return SetRegistry(kUser, key, name, value, &why_);
+  }
+
   RegistryValue value_;
   Status why_;
 };
 
 TEST_F(RegistryTest, ReadsWhatEditorsExport) {
   Install(kExport);
-  ASSERT_EQ(QueryRegistry(kUser, u"software\\QUENKIT", u"", &value_), RegistryOutcome::kDone);
+  ASSERT_EQ(Query(u"software\\QUENKIT", u""), kDone);
   EXPECT_EQ(value_.type, RegistryType::kString);
   EXPECT_EQ(value_.text, u"base \\ \"name\"");
-  ASSERT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"N", &value_), RegistryOutcome::kDone);
+  ASSERT_EQ(Query(u"Software\\Quenkit", u"N"), kDone);
   EXPECT_EQ(value_.type, RegistryType::kDword);
   EXPECT_EQ(value_.number, 0xFFFFFFFEu);
-  ASSERT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"e", &value_), RegistryOutcome::kDone);
+  ASSERT_EQ(Query(u"Software\\Quenkit", u"e"), kDone);
   EXPECT_EQ(value_.type, RegistryType::kOther);
-  ASSERT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"two lines", &value_),
-            RegistryOutcome::kDone);
+  ASSERT_EQ(Query(u"Software\\Quenkit", u"two lines"), kDone);
   EXPECT_EQ(value_.text, u"a\r\n[HKEY_CURRENT_USER\\b]");
-  EXPECT_EQ(QueryRegistry(kUser, u"b", u"", &value_), RegistryOutcome::kNoKey);
-  EXPECT_EQ(QueryRegistry(kUser, u"Software", u"n", &value_), RegistryOutcome::kNoValue);
-  EXPECT_EQ(QueryRegistry(kUser, u"Soft", u"n", &value_), RegistryOutcome::kNoKey);
+  EXPECT_EQ(Query(u"b", u""), kNoKey);
+  EXPECT_EQ(Query(u"Software", u"n"), kNoValue);
+  EXPECT_EQ(Query(u"Soft", u"n"), kNoKey);
   EXPECT_EQ(QueryRegistry(RegistryRoot::kLocalMachine, u"Software\\Quenkit", u"n", &value_),
-            RegistryOutcome::kNoKey);
+            kNoKey);
 }
 
 TEST_F(RegistryTest, ChangesOneLineAndKeepsTheRest) {
@@ -76,27 +85,25 @@ TEST_F(RegistryTest, ChangesOneLineAndKeepsTheRest) {
     wanted.replace(wanted.find(from), from.size(), to);
     EXPECT_EQ(Text(), wanted);
   };
-  EXPECT_EQ(SetRegistry(kUser, u"Software\\Quenkit", u"n", text, &why_), RegistryOutcome::kDone);
+  EXPECT_EQ(Set(u"Software\\Quenkit", u"n", text), kDone);
   replace(u"\"n\"=dword:fffffffe", u"\"n\"=\"a \\\"b\\\" \\\\\"");
-  EXPECT_EQ(SetRegistry(kUser, u"Software\\Quenkit", u"m", number, &why_), RegistryOutcome::kDone);
+  EXPECT_EQ(Set(u"Software\\Quenkit", u"m", number), kDone);
   replace(u"b]\"\r\n", u"b]\"\r\n\"m\"=dword:0000000a\r\n");
-  EXPECT_EQ(SetRegistry(kUser, u"Other", u"", number, &why_), RegistryOutcome::kDone);
+  EXPECT_EQ(Set(u"Other", u"", number), kDone);
   wanted += u"\r\n[HKEY_CURRENT_USER\\Other]\r\n@=dword:0000000a\r\n";
   EXPECT_EQ(Text(), wanted);
-  EXPECT_EQ(DeleteRegistryValue(kUser, u"Software\\Quenkit", u"m", &why_), RegistryOutcome::kDone);
+  EXPECT_EQ(DeleteRegistryValue(kUser, u"Software\\Quenkit", u"m", &why_), kDone);
   replace(u"\"m\"=dword:0000000a\r\n", u"");
-  EXPECT_EQ(DeleteRegistryValue(kUser, u"Software\\Quenkit", u"m", &why_),
-            RegistryOutcome::kNoValue);
-  EXPECT_EQ(DeleteRegistryKey(kUser, u"Software\\Quenkit", &why_), RegistryOutcome::kFailed);
-  EXPECT_EQ(DeleteRegistryKey(kUser, u"Software\\Quenkit\\Below", &why_), RegistryOutcome::kDone);
-  EXPECT_EQ(QueryRegistry(kUser, u"Software\\Quenkit\\Below", u"x", &value_),
-            RegistryOutcome::kNoKey);
-  EXPECT_EQ(QueryRegistry(kUser, u"Other", u"", &value_), RegistryOutcome::kDone);
+  EXPECT_EQ(DeleteRegistryValue(kUser, u"Software\\Quenkit", u"m", &why_), kNoValue);
+  EXPECT_EQ(DeleteRegistryKey(kUser, u"Software\\Quenkit", &why_), kFailed);
+  EXPECT_EQ(DeleteRegistryKey(kUser, u"Software\\Quenkit\\Below", &why_), kDone);
+  EXPECT_EQ(Query(u"Software\\Quenkit\\Below", u"x"), kNoKey);
+  EXPECT_EQ(Query(u"Other", u""), kDone);
 }
 
 TEST_F(RegistryTest, ANewFileIsAnExport) {
   const RegistryValue text{RegistryType::kString, u"日本", 0};
-  EXPECT_EQ(SetRegistry(kUser, u"A\\B", u"k", text, &why_), RegistryOutcome::kDone);
+  EXPECT_EQ(Set(u"A\\B", u"k", text), kDone);
   EXPECT_EQ(Text(),
             u"Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\A\\B]\r\n"
             u"\"k\"=\"日本\"\r\n");
@@ -109,11 +116,11 @@ TEST_F(RegistryTest, LaterLinesWin) {
       u"REGEDIT4\n[HKEY_CURRENT_USER\\a]\n\"k\"=\"1\"\n\"k\"=\"2\"\n[HKEY_CURRENT_USER\\a]\n"
       u"\"gone\"=\"x\"\n\"gone\"=-\n[HKEY_CURRENT_USER\\b\\c]\n\"k\"=\"1\"\n"
       u"[-HKEY_CURRENT_USER\\b]\n[HKEY_CURRENT_USER\\d]\n\"bad\"=dword:12345678900\n\"open=1");
-  EXPECT_EQ(QueryRegistry(kUser, u"a", u"k", &value_), RegistryOutcome::kDone);
+  EXPECT_EQ(Query(u"a", u"k"), kDone);
   EXPECT_EQ(value_.text, u"2");
-  EXPECT_EQ(QueryRegistry(kUser, u"a", u"gone", &value_), RegistryOutcome::kNoValue);
-  EXPECT_EQ(QueryRegistry(kUser, u"b\\c", u"k", &value_), RegistryOutcome::kNoKey);
-  EXPECT_EQ(QueryRegistry(kUser, u"d", u"bad", &value_), RegistryOutcome::kDone);
+  EXPECT_EQ(Query(u"a", u"gone"), kNoValue);
+  EXPECT_EQ(Query(u"b\\c", u"k"), kNoKey);
+  EXPECT_EQ(Query(u"d", u"bad"), kDone);
   EXPECT_EQ(value_.type, RegistryType::kOther);
 }
 
@@ -125,31 +132,29 @@ TEST_F(RegistryTest, AFileThatWasCutOffTakesNewValues) {
     Install(cut);
     const RegistryValue text{RegistryType::kString, u"=x", 0};
     for (const std::u16string_view name : {u"", u"n"}) {
-      EXPECT_EQ(SetRegistry(kUser, u"New", name, text, &why_), RegistryOutcome::kDone);
-      EXPECT_EQ(QueryRegistry(kUser, u"New", name, &value_), RegistryOutcome::kDone);
+      EXPECT_EQ(Set(u"New", name, text), kDone);
+      EXPECT_EQ(Query(u"New", name), kDone);
       EXPECT_EQ(value_.text, u"=x");
     }
     EXPECT_EQ(Text().find(cut), 0u);
-    EXPECT_EQ(SetRegistry(kUser, u"Software\\Quenkit", u"m", text, &why_), RegistryOutcome::kDone);
-    EXPECT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"m", &value_), RegistryOutcome::kDone);
+    EXPECT_EQ(Set(u"Software\\Quenkit", u"m", text), kDone);
+    EXPECT_EQ(Query(u"Software\\Quenkit", u"m"), kDone);
     Install(cut);
-    EXPECT_EQ(SetRegistry(kUser, u"Software\\Quenkit", u"m", text, &why_), RegistryOutcome::kDone);
-    EXPECT_EQ(QueryRegistry(kUser, u"Software\\Quenkit", u"m", &value_), RegistryOutcome::kDone);
+    EXPECT_EQ(Set(u"Software\\Quenkit", u"m", text), kDone);
+    EXPECT_EQ(Query(u"Software\\Quenkit", u"m"), kDone);
   }
 }
 
 TEST_F(RegistryTest, AnotherFileIsNeitherReadNorHarmed) {
   Install(u"Dear diary\r\n[HKEY_CURRENT_USER\\a]\r\n\"k\"=\"1\"\r\n");
   const std::string before = test::ReadBytes(File());
-  EXPECT_EQ(QueryRegistry(kUser, u"a", u"k", &value_), RegistryOutcome::kNoKey);
-  EXPECT_EQ(SetRegistry(kUser, u"a", u"k", {RegistryType::kDword, {}, 1}, &why_),
-            RegistryOutcome::kFailed);
+  EXPECT_EQ(Query(u"a", u"k"), kNoKey);
+  EXPECT_EQ(Set(u"a", u"k", {RegistryType::kDword, {}, 1}), kFailed);
   EXPECT_EQ(why_.why, u"it is no registry file");
   EXPECT_EQ(test::ReadBytes(File()), before);
   system_.config.clear();
-  EXPECT_EQ(SetRegistry(kUser, u"a", u"k", {RegistryType::kDword, {}, 1}, &why_),
-            RegistryOutcome::kFailed);
-  EXPECT_EQ(QueryRegistry(kUser, u"a", u"k", &value_), RegistryOutcome::kNoKey);
+  EXPECT_EQ(Set(u"a", u"k", {RegistryType::kDword, {}, 1}), kFailed);
+  EXPECT_EQ(Query(u"a", u"k"), kNoKey);
 }
 
 }  // namespace

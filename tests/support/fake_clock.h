@@ -6,17 +6,13 @@
 #include <functional>
 
 #include "platform/clock.h"
+#include "support/installed.h"
 
 namespace kerno::test {
 
 // The process's clock while it lives.
-class FakeClock final : public Clock {
+class FakeClock final : public Installed<Clock, ReplaceClock> {
  public:
-  FakeClock() : before_(ReplaceClock(this)) {}
-  ~FakeClock() override { ReplaceClock(before_); }
-  FakeClock(const FakeClock&) = delete;
-  FakeClock& operator=(const FakeClock&) = delete;
-
   int64_t seconds = 1795251600;  // 2026-11-21 09:00:00
   uint32_t ticks = 1000;
   uint32_t tick_step = 0;  // how far the ticks go on at each reading
@@ -44,9 +40,6 @@ class FakeClock final : public Clock {
     ticks += milliseconds;
     if (on_sleep) on_sleep();
   }
-
- private:
-  Clock* before_;
 };
 
 }  // namespace kerno::test

@@ -6,16 +6,12 @@
 #include <utility>
 
 #include "base/settings.h"
+#include "support/installed.h"
 
 namespace kerno {
 
-class FakeSettings final : public SettingsReader {
+class FakeSettings final : public test::Installed<SettingsReader, ReplaceSettings> {
  public:
-  FakeSettings() : before_(ReplaceSettings(this)) {}
-  ~FakeSettings() override { ReplaceSettings(before_); }
-  FakeSettings(const FakeSettings&) = delete;
-  FakeSettings& operator=(const FakeSettings&) = delete;
-
   int32_t GetInt(std::u16string_view section, std::u16string_view key, int32_t fallback) override {
     ++reads;
     const auto found = ints.find({std::u16string(section), std::u16string(key)});
@@ -32,9 +28,6 @@ class FakeSettings final : public SettingsReader {
   std::map<Key, int32_t> ints;
   std::map<Key, std::u16string> texts;
   int reads = 0;
-
- private:
-  SettingsReader* before_;
 };
 
 }  // namespace kerno

@@ -7,16 +7,12 @@
 #include <vector>
 
 #include "platform/shell.h"
+#include "support/installed.h"
 
 namespace kerno::test {
 
-class FakeShell final : public Shell {
+class FakeShell final : public Installed<Shell, ReplaceShell> {
  public:
-  FakeShell() : before_(ReplaceShell(this)) {}
-  ~FakeShell() override { ReplaceShell(before_); }
-  FakeShell(const FakeShell&) = delete;
-  FakeShell& operator=(const FakeShell&) = delete;
-
   int result = 33;
   bool starts = false;
   int started = 0;
@@ -34,9 +30,6 @@ class FakeShell final : public Shell {
   }
   std::vector<std::filesystem::path> ProgramFolders() override { return programs; }
   std::vector<std::filesystem::path> ApplicationFolders() override { return applications; }
-
- private:
-  Shell* before_;
 };
 
 }  // namespace kerno::test

@@ -6,18 +6,14 @@
 #include <string>
 
 #include "platform/system.h"
+#include "support/installed.h"
 
 namespace kerno::test {
 
 // The process's system while it lives. Folders that are not set are unknown,
 // and all special ones are.
-class FakeSystem final : public System {
+class FakeSystem final : public Installed<System, ReplaceSystem> {
  public:
-  FakeSystem() : before_(ReplaceSystem(this)) {}
-  ~FakeSystem() override { ReplaceSystem(before_); }
-  FakeSystem(const FakeSystem&) = delete;
-  FakeSystem& operator=(const FakeSystem&) = delete;
-
   std::map<std::u16string, std::u16string, std::less<>> environment;
   std::filesystem::path program = "/nowhere/bin/kerno";
   std::u16string user = u"someone";
@@ -53,9 +49,6 @@ class FakeSystem final : public System {
     }
     return Status::Error(Failure::kAccessDenied, u"folder", u"refused");
   }
-
- private:
-  System* before_;
 };
 
 }  // namespace kerno::test

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -60,23 +60,23 @@ inline size_t TableOffset(const FontBytes& font, std::string_view tag) {
   return GetBig(font, TableEntry(font, tag) + 8, 4);
 }
 
+// Numbers of 16 bits.
+inline FontBytes Words(std::initializer_list<size_t> words) {
+  FontBytes bytes;
+  for (const size_t word : words) {
+    bytes += {static_cast<char>(word >> 8 & 0xFF), static_cast<char>(word & 0xFF)};
+  }
+  return bytes;
+}
+
 // The font under another family name: a new name table at the end of the file.
 inline FontBytes WithFamilyName(FontBytes font, std::u16string_view family) {
   FontBytes text;
-  for (const char16_t unit : family) {
-    text += {static_cast<char>(unit >> 8), static_cast<char>(unit & 0xFF)};
-  }
-  constexpr uint32_t kNames[] = {1, 2, 4, 6};  // family, style, full and PostScript name
-  FontBytes table(6 + 12 * std::size(kNames), '\0');
-  PutBig(&table, 2, 2, std::size(kNames));
-  PutBig(&table, 4, 2, static_cast<uint32_t>(table.size()));
-  for (size_t i = 0; i < std::size(kNames); ++i) {
-    const size_t at = 6 + 12 * i;
-    PutBig(&table, at, 2, 3);          // Windows
-    PutBig(&table, at + 2, 2, 1);      // Unicode
-    PutBig(&table, at + 4, 2, 0x409);  // English
-    PutBig(&table, at + 6, 2, kNames[i]);
-    PutBig(&table, at + 8, 2, static_cast<uint32_t>(text.size()));
+  for (const char16_t unit : family) text += Words({unit});
+  FontBytes table = Words({0, 4, 6 + 4 * 12});
+  for (const size_t name : {1, 2, 4, 6}) {  // family, style, full and PostScript name
+    constexpr size_t kWindows = 3, kUnicode = 1, kEnglish = 0x409;
+    table += Words({kWindows, kUnicode, kEnglish, name, text.size(), 0});
   }
   font.resize((font.size() + 3) / 4 * 4);
   const size_t entry = TableEntry(font, "name");

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "export/draw_parts.h"
@@ -59,56 +60,42 @@ inline Picture ReadPicture(const std::filesystem::path& file) {
   return picture;
 }
 
-namespace detail {
-
-inline bool IsInkNear(const Picture& picture, int x, int y) {
-  for (int dy = -1; dy <= 1; ++dy) {
-    for (int dx = -1; dx <= 1; ++dx) {
-      const int px = std::clamp(x + dx, 0, picture.width - 1);
-      const int py = std::clamp(y + dy, 0, picture.height - 1);
-      for (int c = 0; c < 3; ++c) {
-        if (picture.At(px, py, c) < 200) return true;
-      }
-    }
+// The darkest and the lightest of a channel in and next to a pixel.
+inline std::pair<int, int> RangeAround(const Picture& picture, int x, int y, int channel) {
+  std::pair<int, int> range = {255, 0};
+  for (int at = 0; at < 9; ++at) {
+    const int value = picture.At(std::clamp(x + at % 3 - 1, 0, picture.width - 1),
+                                 std::clamp(y + at / 3 - 1, 0, picture.height - 1), channel);
+    range = {std::min(range.first, value), std::max(range.second, value)};
   }
-  return false;
+  return range;
 }
-
-// Whether the pixel's colour lies within what the other picture shows around the same place.
-inline bool IsAround(const Picture& a, const Picture& b, int x, int y) {
-  constexpr int kShade = 40;
-  for (int c = 0; c < 3; ++c) {
-    int low = 255;
-    int high = 0;
-    for (int dy = -1; dy <= 1; ++dy) {
-      for (int dx = -1; dx <= 1; ++dx) {
-        const int v =
-            b.At(std::clamp(x + dx, 0, b.width - 1), std::clamp(y + dy, 0, b.height - 1), c);
-        low = std::min(low, v);
-        high = std::max(high, v);
-      }
-    }
-    const int v = a.At(x, y, c);
-    if (v < low - kShade || v > high + kShade) return false;
-  }
-  return true;
-}
-
-}  // namespace detail
 
 // The share of the pixels near ink on which two pictures of one size agree within anti-aliasing:
 // each shows there what the other shows within a pixel's distance. 0 when there is no ink at all.
 inline double AgreementNearInk(const Picture& a, const Picture& b) {
+  constexpr int kInk = 200;  // anything darker
+  constexpr int kShade = 40;
   EXPECT_EQ(a.width, b.width);
   EXPECT_EQ(a.height, b.height);
   if (a.width != b.width || a.height != b.height || a.rgb.size() != b.rgb.size()) return 0;
+  const auto within = [](int value, const std::pair<int, int>& range) {
+    return value >= range.first - kShade && value <= range.second + kShade;
+  };
   size_t near = 0;
   size_t agree = 0;
   for (int y = 0; y < a.height; ++y) {
     for (int x = 0; x < a.width; ++x) {
-      if (!detail::IsInkNear(a, x, y) && !detail::IsInkNear(b, x, y)) continue;
-      ++near;
-      agree += detail::IsAround(a, b, x, y) && detail::IsAround(b, a, x, y);
+      bool ink = false;
+      bool alike = true;
+      for (int c = 0; c < 3; ++c) {
+        const auto of_a = RangeAround(a, x, y, c);
+        const auto of_b = RangeAround(b, x, y, c);
+        ink |= std::min(of_a.first, of_b.first) < kInk;
+        alike &= within(a.At(x, y, c), of_b) && within(b.At(x, y, c), of_a);
+      }
+      near += ink;
+      agree += ink && alike;
     }
   }
   return near > 0 ? static_cast<double>(agree) / static_cast<double>(near) : 0;

@@ -5,17 +5,13 @@
 #include <vector>
 
 #include "base/notices.h"
+#include "support/installed.h"
 
 namespace kerno::test {
 
 // The process's notices while it lives.
-class RecordingNotices : public Notices {
+class RecordingNotices : public Installed<Notices, ReplaceNotices> {
  public:
-  RecordingNotices() : before_(ReplaceNotices(this)) {}
-  ~RecordingNotices() override { ReplaceNotices(before_); }
-  RecordingNotices(const RecordingNotices&) = delete;
-  RecordingNotices& operator=(const RecordingNotices&) = delete;
-
   std::vector<std::u16string> messages;
   std::vector<std::u16string> waits;  // an empty text for each time that the display is cleared
 
@@ -35,9 +31,6 @@ class RecordingNotices : public Notices {
     steps.push_back({std::u16string(text), done, total});
     return stop_at >= 0 && done >= stop_at ? Continue::kNo : Continue::kYes;
   }
-
- private:
-  Notices* before_;
 };
 
 }  // namespace kerno::test

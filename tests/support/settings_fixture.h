@@ -48,7 +48,7 @@ class SettingsFixture : public testing::Test {
   }
   std::u16string IniText() const { return DecodeText(ReadBytes(Ini())); }
 
-  // Every log's text, one behind the other.
+  // Every log's text, one after the other.
   std::u16string DumpedText() const {
     std::u16string text;
     for (const auto& entry : std::filesystem::directory_iterator(folder_ / "tmp/DbgDump")) {

@@ -3,7 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <map>
 #include <set>
+#include <sstream>
+#include <thread>
 #include <vector>
 
 #include "base/text.h"
@@ -12,34 +16,31 @@
 #include "support/fake_settings.h"
 #include "support/fake_system.h"
 #include "support/file_holder.h"
-#include "support/loopback_server.h"
 #include "support/recording_notices.h"
+#include "support/run.h"
 #include "support/temporary_folder.h"
 #include "web/upload_profile.h"
 
 namespace kerno {
 namespace {
 
-using test::Connection;
-using test::LoopbackServer;
 using testing::HasSubstr;
 
-constexpr int64_t kMebibyte = 1 << 20;
-constexpr std::string_view kAccepting = "HTTP/1.1 200 OK\r\nContent-Length: 7\r\n\r\nTaken.\n";
+constexpr int kMebibyte = 1 << 20;
 
 // What differs between the systems: a device, a name of a file that needs care in a header, and how
 // the system's HTTP takes an answer before the end of the body and one that is none.
 #ifdef _WIN32
 constexpr const char* kDevice = "NUL";
-constexpr const char16_t* kOddName = u"a %b% 永.svg";
+constexpr const char* kOddName = "a %b% 永.svg";
 constexpr const char* kOddNameSent = "a %b% 永.svg";
-const std::set<std::string> kSystemHeaders = {"Connection: Keep-Alive", "Cache-Control: no-cache",
-                                              "Pragma: no-cache"};
+const std::set<std::string> kSystemHeaders = {"Connection: Keep-Alive\r",
+                                              "Cache-Control: no-cache\r", "Pragma: no-cache\r"};
 constexpr bool kSendsOnAfterAnAnswer = true;
 constexpr bool kTakesAnyTextForHttp = true;  // Wine takes it for an answer of HTTP 0.9
 #else
 constexpr const char* kDevice = "/dev/zero";
-constexpr const char16_t* kOddName = u"a \"b\" 永.svg";
+constexpr const char* kOddName = "a \"b\" 永.svg";
 constexpr const char* kOddNameSent = "a %22b%22 永.svg";
 const std::set<std::string> kSystemHeaders;
 constexpr bool kSendsOnAfterAnAnswer = false;
@@ -67,29 +68,52 @@ class RecordingSession final : public HttpSession {
 
 class UploaderTest : public testing::Test {
  protected:
-  void SetUp() override {
+  UploaderTest() {
     test::SetVariable("no_proxy", "*");
+    test::SetVariable("http_proxy", "");
     system_.temporary = folder_ / "tmp";
     std::filesystem::create_directory(system_.temporary);
     Set(u"server", u"127.0.0.1");
     Set(u"open_http", u"http");
   }
+  ~UploaderTest() override { Stop(); }
+
   void Set(std::u16string_view key, std::u16string_view value) {
     settings_.texts[{u"UpFile", std::u16string(key)}] = value;
   }
-  std::filesystem::path Make(std::u16string_view name, std::string_view bytes) {
-    const auto file = folder_.path() / TextPath(name);
+  std::filesystem::path Make(std::string_view name, std::string_view bytes) {
+    const auto file = folder_.path() / TextPath(Utf8ToUtf16Lossy(name));
     test::WriteBytes(file, bytes);
     return file;
   }
   Uploader With(HttpSession& session) { return Uploader(settings_, kIni, session); }
 
-  // Uploads to a server. Only one that stands still meets short limits: a busy machine may take
-  // longer over any step of the others.
+  // Starts a script of Python, from the folder of the tests, that prints where it serves; that text
+  // once it has come to `end`.
+  std::string Start(const std::string& script, std::string_view end) {
+    Stop();
+    test::OutputOf(Here() + "(" KERNO_PYTHON " " KERNO_TESTS "/" + script +
+                   " >told 2>log & echo $! >process)");
+    std::string told;
+    for (int i = 0; i < 1000 && !told.ends_with(end); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      told = test::ReadBytes(folder_ / "told");
+    }
+    EXPECT_TRUE(told.ends_with(end)) << told << test::ReadBytes(folder_ / "log");
+    return told;
+  }
+  void Stop() const {
+    if (!std::filesystem::exists(folder_ / "process")) return;
+    test::OutputOf(Here() + "kill $(cat process) && rm process told");
+  }
+  std::string Here() const { return "cd " + folder_.path().string() + " && "; }
+
+  // Uploads to one of the misbehaving servers. Only one that stands still meets short limits: a
+  // busy machine may take longer over any step of the others.
   enum class Server { kAnswers, kStandsStill };
-  UploadResult UploadTo(const LoopbackServer& server, const std::filesystem::path& file,
+  UploadResult UploadTo(const std::string& server, const std::filesystem::path& file,
                         Server kind = Server::kAnswers) {
-    Set(u"server", Utf8ToUtf16Lossy(server.Address()));
+    Set(u"server", Utf8ToUtf16Lossy(Address(server)));
     Uploader uploader = With(SystemHttpSession());
     const auto patient = std::chrono::milliseconds(60'000);
     const bool waits = kind == Server::kStandsStill;
@@ -98,13 +122,49 @@ class UploaderTest : public testing::Test {
     uploader.limits.answer = waits ? std::chrono::milliseconds(1500) : patient;
     return uploader.Upload(file);
   }
+  std::string Address(const std::string& server) {
+    if (servers_.empty()) servers_ = "\n" + Start("web/misbehaving_server.py", "\n\n");
+    const size_t at = servers_.find("\n" + server + " ") + server.size() + 2;
+    return "127.0.0.1:" + servers_.substr(at, servers_.find('\n', at) - at);
+  }
+
+  // Starts the example receiver and points the settings at it; `host` is the name that clients call
+  // it by.
+  void StartReceiver(const std::string& options, const std::string& host = "127.0.0.1") {
+    const std::string url =
+        Start("../examples/receiver/receiver.py --folder received --port 0 " + options, "\n");
+    const size_t scheme = url.find("://");
+    const size_t port = url.find(':', scheme + 3);
+    Set(u"open_http", Utf8ToUtf16Lossy(url.substr(0, scheme)));
+    Set(u"server", Utf8ToUtf16Lossy(host + url.substr(port, url.find('/', scheme + 3) - port)));
+  }
+  UploadResult Upload(std::string_view name, std::string_view bytes) {
+    return With(SystemHttpSession()).Upload(Make(name, bytes));
+  }
+  // What arrived, by name.
+  std::map<std::string, std::string> Received() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_ / "received")) {
+      files[Utf16ToUtf8(PathText(entry.path().filename()))] = test::ReadBytes(entry.path());
+    }
+    return files;
+  }
+
+  // Makes a certificate for `host` that signs itself; the options that let the receiver use it.
+  std::string Certificate(const std::string& host) const {
+    test::OutputOf(Here() + "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=" + host +
+                   " -addext subjectAltName=DNS:" + host +
+                   " -keyout key.pem -out certificate.pem 2>openssl.log");
+    return "--certificate certificate.pem --key key.pem";
+  }
 
   const std::filesystem::path kIni = "/home/someone/.config/kerno/UpFile.ini";
   test::TemporaryFolder folder_;
   test::FakeSystem system_;
   test::FakeClock clock_;
-  test::RecordingNotices notices_;
   FakeSettings settings_;
+  test::RecordingNotices notices_;
+  std::string servers_;  // of the misbehaving ones, a line "NAME PORT" each
 };
 
 TEST_F(UploaderTest, TheSizeRule) {
@@ -118,26 +178,16 @@ TEST_F(UploaderTest, TheSizeRule) {
   for (const auto& row : rows) {
     EXPECT_EQ(UploadLimit(row.text), row.mebibytes * kMebibyte) << Utf16ToUtf8(row.text);
   }
-}
-
-TEST_F(UploaderTest, AFileOfTheLimitIsSentAndOneByteMoreIsNot) {
-  const struct {
-    const char16_t* limit;
-    int64_t mebibytes;
-  } rows[] = {{u"0M", 1}, {u"10M", 10}, {u"100M", 32}, {u"65537M", 1}};
-  const auto file = Make(u"big.svg", "");
-  for (const auto& row : rows) {
-    Set(u"up_max_file_size", row.limit);
-    RecordingSession session;
-    std::filesystem::resize_file(file, static_cast<uintmax_t>(row.mebibytes * kMebibyte));
-    EXPECT_TRUE(With(session).Upload(file).ok());
-    EXPECT_EQ(session.posts, 1);
-    std::filesystem::resize_file(file, static_cast<uintmax_t>(row.mebibytes * kMebibyte + 1));
-    const UploadResult result = With(session).Upload(file);
-    EXPECT_EQ(result.end, UploadEnd::kTooLarge);
-    EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr(std::to_string(row.mebibytes * kMebibyte)));
-    EXPECT_EQ(session.posts, 1) << Utf16ToUtf8(row.limit);
-  }
+  const auto file = Make("big.svg", "");
+  Set(u"up_max_file_size", u"2M");
+  RecordingSession session;
+  std::filesystem::resize_file(file, 2 * kMebibyte);
+  EXPECT_TRUE(With(session).Upload(file).ok());
+  std::filesystem::resize_file(file, 2 * kMebibyte + 1);
+  const UploadResult result = With(session).Upload(file);
+  EXPECT_EQ(result.end, UploadEnd::kTooLarge);
+  EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr(std::to_string(2 * kMebibyte)));
+  EXPECT_EQ(session.posts, 1);
 }
 
 TEST_F(UploaderTest, SettingsNameTheTarget) {
@@ -166,7 +216,7 @@ TEST_F(UploaderTest, SettingsNameTheTarget) {
       {u"https", u"a\r\nb", u"/b", ""},
       {u"https", u"[::1", u"/b", ""},
   };
-  const auto file = Make(u"a.svg", "x");
+  const auto file = Make("a.svg", "x");
   for (const auto& row : rows) {
     Set(u"open_http", row.scheme);
     Set(u"server", row.server);
@@ -180,21 +230,30 @@ TEST_F(UploaderTest, SettingsNameTheTarget) {
   }
 }
 
-TEST_F(UploaderTest, WithoutServerNothingIsSentAndTheMessageNamesTheSetting) {
+TEST_F(UploaderTest, DefaultsAreSecureAndNameNoServer) {
   settings_.texts.clear();
+  const auto file = Make("a.svg", "x");
   RecordingSession session;
   EXPECT_FALSE(With(session).IsConfigured());
   Set(u"server", u"  ");
-  const UploadResult result = With(session).Upload(Make(u"a.svg", "x"));
+  const UploadResult result = With(session).Upload(file);
   EXPECT_EQ(result.end, UploadEnd::kNotConfigured);
   EXPECT_EQ(session.posts, 0);
   EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr(Utf16ToUtf8(PathText(kIni))));
   EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr("section [UpFile] the key \"server\""));
+  Set(u"server", u"up.example.org");
+  EXPECT_TRUE(With(session).IsConfigured());
+  EXPECT_TRUE(With(session).Upload(file).ok());
+  EXPECT_EQ(session.last.url, "https://up.example.org/Quenkit/upload/share/upload.php");
+  EXPECT_EQ(session.last.trust, CertificateTrust::kKnownAuthority);
+  Set(u"self_certificate", u"1");
+  EXPECT_TRUE(With(session).Upload(file).ok());
+  EXPECT_EQ(session.last.trust, CertificateTrust::kAnyAuthority);
 }
 
 // The file to send is missing, which is told only when the settings were read.
 TEST_F(UploaderTest, SettingsThatAnotherProcessHoldsAreWaitedFor) {
-  const auto ini = Make(u"UpFile.ini", "[UpFile]\r\nserver=127.0.0.1\r\n");
+  const auto ini = Make("UpFile.ini", "[UpFile]\r\nserver=127.0.0.1\r\n");
   test::FileHolder holder(ini, test::HoldKind::kWholeFile);
   UploadResult result = UploadFile(folder_ / "missing.svg", ini);
   EXPECT_EQ(clock_.sleeps, 100);
@@ -206,19 +265,6 @@ TEST_F(UploaderTest, SettingsThatAnotherProcessHoldsAreWaitedFor) {
   result = UploadFile(folder_ / "missing.svg", ini);
   EXPECT_EQ(clock_.sleeps, 3);
   EXPECT_EQ(result.end, UploadEnd::kFileTrouble) << Utf16ToUtf8(result.message);
-}
-
-TEST_F(UploaderTest, DefaultsAreSecureAndStrict) {
-  settings_.texts.clear();
-  Set(u"server", u"up.example.org");
-  RecordingSession session;
-  EXPECT_TRUE(With(session).IsConfigured());
-  EXPECT_TRUE(With(session).Upload(Make(u"a.svg", "x")).ok());
-  EXPECT_EQ(session.last.url, "https://up.example.org/Quenkit/upload/share/upload.php");
-  EXPECT_EQ(session.last.trust, CertificateTrust::kKnownAuthority);
-  Set(u"self_certificate", u"1");
-  EXPECT_TRUE(With(session).Upload(folder_ / "a.svg").ok());
-  EXPECT_EQ(session.last.trust, CertificateTrust::kAnyAuthority);
 }
 
 TEST_F(UploaderTest, WhatIsNoFileIsNotSent) {
@@ -236,16 +282,9 @@ TEST_F(UploaderTest, WhatIsNoFileIsNotSent) {
 }
 
 TEST_F(UploaderTest, TheBytesOnTheWire) {
-  std::string request;
-  LoopbackServer server([&](Connection& connection) {
-    connection.ReadRequest();
-    request = connection.received;
-    connection.Send(kAccepting);
-  });
   Set(u"php_fn", u"/up.php");
   const std::string content("a\0b\r\n--\xFF", 8);
-  const UploadResult result = UploadTo(server, Make(kOddName, content));
-  server.Stop();
+  const UploadResult result = UploadTo("takes it", Make(kOddName, content));
   EXPECT_EQ(Utf16ToUtf8(result.status_line), "HTTP/1.1 200 OK");
   EXPECT_EQ(Utf16ToUtf8(result.first_line), "Taken.");
   EXPECT_TRUE(result.sent);
@@ -259,43 +298,37 @@ TEST_F(UploaderTest, TheBytesOnTheWire) {
       "Content-Type: application/octet-stream\r\n"
       "\r\n" +
       content + "-------UpFile__090000--\r\n";
+  const std::string request = test::ReadBytes(folder_ / "request");
   const size_t end = request.find("\r\n\r\n");
   ASSERT_NE(end, std::string::npos);
   EXPECT_EQ(request.substr(end + 4), body);
+  std::istringstream text(request.substr(0, end + 2));
   std::vector<std::string> lines;
-  for (size_t at = 0; at < end;) {
-    const size_t line_end = request.find("\r\n", at);
-    lines.push_back(request.substr(at, line_end - at));
-    at = line_end + 2;
-  }
-  EXPECT_EQ(lines.front(), "POST /up.php HTTP/1.1");
+  for (std::string line; std::getline(text, line);) lines.push_back(line);
+  EXPECT_EQ(lines.front(), "POST /up.php HTTP/1.1\r");
   std::erase_if(lines, [](const std::string& line) { return kSystemHeaders.contains(line); });
   EXPECT_THAT(lines, testing::UnorderedElementsAre(
-                         "POST /up.php HTTP/1.1", "Host: " + server.Address(),
-                         "User-Agent: " + UploadUserAgent(), "Accept: */*",
-                         "Content-Type: multipart/form-data; boundary=-----UpFile__090000",
-                         "Content-Length: " + std::to_string(body.size())));
+                         "POST /up.php HTTP/1.1\r", "Host: " + Address("takes it") + "\r",
+                         "User-Agent: " + UploadUserAgent() + "\r", "Accept: */*\r",
+                         "Content-Type: multipart/form-data; boundary=-----UpFile__090000\r",
+                         "Content-Length: " + std::to_string(body.size()) + "\r"));
 }
 
 TEST_F(UploaderTest, TheInspectionCopyIsTheBody) {
   settings_.texts[{u"Preference_202206", u"Debug"}] = u"1";
   RecordingSession session;
-  EXPECT_TRUE(With(session).Upload(Make(u"永.svg", "content")).ok());
+  EXPECT_TRUE(With(session).Upload(Make("永.svg", "content")).ok());
   EXPECT_EQ(test::ReadBytes(system_.temporary / TextPath(u"Quenkit.tmp/20261121/永.svg.txt")),
             session.body);
   EXPECT_THAT(session.body, HasSubstr("content--"));
   settings_.texts.erase({u"Preference_202206", u"Debug"});
-  EXPECT_TRUE(With(session).Upload(Make(u"other.svg", "content")).ok());
+  EXPECT_TRUE(With(session).Upload(Make("other.svg", "content")).ok());
   EXPECT_FALSE(std::filesystem::exists(system_.temporary / "Quenkit.tmp/20261121/other.svg.txt"));
 }
 
 TEST_F(UploaderTest, ProgressIsToldAndStopsTheTransfer) {
-  LoopbackServer server([](Connection& connection) {
-    connection.ReadHeaders();
-    connection.Ignore();
-  });
   notices_.stop_at = 1;
-  const UploadResult result = UploadTo(server, Make(u"a.svg", std::string(9 << 20, 'x')));
+  const UploadResult result = UploadTo("never reads", Make("a.svg", std::string(9 << 20, 'x')));
   EXPECT_EQ(result.end, UploadEnd::kStopped);
   EXPECT_FALSE(result.sent);
   ASSERT_FALSE(notices_.steps.empty());
@@ -303,125 +336,146 @@ TEST_F(UploaderTest, ProgressIsToldAndStopsTheTransfer) {
   EXPECT_GT(notices_.steps.back().total, 9 << 20);
 }
 
-struct Misbehaviour {
-  const char* name;
-  std::function<void(Connection&)> server;
-  UploadEnd end;
-  const char* message;
-  bool sent;
-  bool stands_still = false;
-};
-
-std::vector<Misbehaviour> Misbehaviours() {
-  const auto answer = [](const std::string& text) {
-    return [text](Connection& connection) {
-      connection.ReadRequest();
-      connection.Send(text);
-    };
-  };
-  return {
-      {"never reads", [](Connection& c) { c.Ignore(); }, UploadEnd::kNotSent, "stood still", false,
-       true},
-      {"reads all, never answers", [](Connection& c) { c.Hang(); }, UploadEnd::kNotSent,
-       "did not answer in time", false, true},
-      {"a status line that never ends",
-       [](Connection& c) {
-         c.ReadRequest();
-         c.Send("HTTP/1.1 200 ");
-         c.Drip('x');
-       },
-       UploadEnd::kNotSent, "did not answer in time", false, true},
-      {"an answer that drips",
-       [](Connection& c) {
-         c.ReadRequest();
-         c.Send("HTTP/1.1 200 OK\r\n\r\nfirst\n");
-         c.Drip('x');
-       },
-       UploadEnd::kAccepted, "HTTP/1.1 200 OK: first", true, true},
-      {"resets at once", [](Connection& c) { c.Reset(); }, UploadEnd::kNotSent, "", false},
-      {"resets in the middle",
-       [](Connection& c) {
-         c.ReadUntil([](std::string_view text) { return text.size() > 100'000; });
-         c.Reset();
-       },
-       UploadEnd::kNotSent, "broke", false},
-      {"closes after the request", [](Connection& c) { c.ReadRequest(); }, UploadEnd::kNotSent,
-       "without an answer", false},
-      {"301",
-       answer("HTTP/1.1 301 Moved Permanently\r\nLocation: /else.php\r\nContent-Length: 0\r\n\r\n"),
-       UploadEnd::kNotAccepted, "301 Moved Permanently; it points to http://127.0.0.1", true},
-      {"308",
-       answer("HTTP/1.1 308 Permanent Redirect\r\nLocation: http://example.org/\r\nContent-Length: "
-              "0\r\n\r\n"),
-       UploadEnd::kNotAccepted, "http://example.org/, not followed", true},
-      {"303 after taking the form",
-       answer("HTTP/1.1 303 See Other\r\nLocation: /thanks\r\nContent-Length: 0\r\n\r\n"),
-       UploadEnd::kAccepted, "/thanks, not followed", true},
-      {"413 before the body is read",
-       [](Connection& c) {
-         c.ReadHeaders();
-         c.Send(
-             "HTTP/1.1 413 Too Large\r\nContent-Length: 9\r\nConnection: close\r\n\r\ntoo large");
-         c.Hang();
-       },
-       UploadEnd::kNotAccepted, "HTTP/1.1 413 Too Large: too large", kSendsOnAfterAnAnswer, true},
-      {"500", answer("HTTP/1.0 500 Oops\r\n\r\n\r\n  \r\n<b>no</b>\r\nmore"),
-       UploadEnd::kNotAccepted, "not accepted: HTTP/1.0 500 Oops: <b>no</b>", true},
-      {"401 is not answered by a second try",
-       answer("HTTP/1.1 401 Who\r\nWWW-Authenticate: Basic realm=x\r\nContent-Length: 0\r\n\r\n"),
-       UploadEnd::kNotAccepted, "401 Who", true},
-      {"the answer is shorter than told",
-       answer("HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\nshort\n"), UploadEnd::kAccepted,
-       "200 OK: short", true},
-      {"a megabyte of answer", answer("HTTP/1.1 200 OK\r\n\r\n" + std::string(1 << 20, 'y')),
-       UploadEnd::kAccepted, "yyyy…", true},
-      {"a megabyte of headers",
-       answer("HTTP/1.1 200 OK\r\nX: " + std::string(1 << 20, 'y') + "\r\n\r\n"),
-       UploadEnd::kAccepted, "sent: HTTP/1.1 200 OK", true},
-      {"no HTTP", answer("220 mail.example.org ready\r\n"), UploadEnd::kNotSent, "not a web server",
-       false},
-      {"terminal escapes", answer("HTTP/1.1 200 \x1B]0;x\x07\r\n\r\n\x1B[2J\xE2\x80\xAEgnp\n"),
-       UploadEnd::kAccepted, "HTTP/1.1 200  ]0;x :  [2J gnp", true},
-      {"continue first",
-       answer("HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"),
-       UploadEnd::kAccepted, "sent: HTTP/1.1 200 OK", true},
-  };
-}
-
 TEST_F(UploaderTest, ServersMisbehave) {
-  const auto file = Make(u"a.svg", std::string(9 << 20, 'x'));
-  for (const Misbehaviour& row : Misbehaviours()) {
-    if (kTakesAnyTextForHttp && std::string_view(row.name) == "no HTTP") continue;
-    LoopbackServer server(row.server);
+  constexpr auto kAccepted = UploadEnd::kAccepted;
+  constexpr auto kNotAccepted = UploadEnd::kNotAccepted;
+  constexpr auto kNotSent = UploadEnd::kNotSent;
+  constexpr auto kStill = Server::kStandsStill;
+  const struct {
+    const char* server;
+    UploadEnd end;
+    const char* message;
+    bool sent;
+    Server kind = Server::kAnswers;
+  } rows[] = {
+      {"never reads", kNotSent, "stood still", false, kStill},
+      {"never answers", kNotSent, "did not answer in time", false, kStill},
+      {"endless status line", kNotSent, "did not answer in time", false, kStill},
+      {"dripping answer", kAccepted, "HTTP/1.1 200 OK: first", true, kStill},
+      {"resets", kNotSent, "", false},
+      {"resets in the middle", kNotSent, "broke", false},
+      {"closes after the request", kNotSent, "without an answer", false},
+      {"301", kNotAccepted, "301 Moved Permanently; it points to http://127.0.0.1", true},
+      {"308", kNotAccepted, "http://example.org/, not followed", true},
+      {"303", kAccepted, "/thanks, not followed", true},
+      {"413 before the body", kNotAccepted, "HTTP/1.1 413 Too Large: too large",
+       kSendsOnAfterAnAnswer},
+      {"500", kNotAccepted, "not accepted: HTTP/1.0 500 Oops: <b>no</b>", true},
+      {"401", kNotAccepted, "401 Who", true},
+      {"short answer", kAccepted, "200 OK: short", true},
+      {"megabyte of answer", kAccepted, "yyyy…", true},
+      {"megabyte of headers", kAccepted, "sent: HTTP/1.1 200 OK", true},
+      {"no HTTP", kNotSent, "not a web server", false},
+      {"terminal escapes", kAccepted, "HTTP/1.1 200  ]0;x :  [2J gnp", true},
+      {"continue first", kAccepted, "sent: HTTP/1.1 200 OK", true},
+      {"nobody", kNotSent, "no connection", false},
+  };
+  const auto file = Make("a.svg", std::string(9 << 20, 'x'));
+  std::string connections;
+  for (const auto& row : rows) {
+    const std::string name = row.server;
+    if (kTakesAnyTextForHttp && name == "no HTTP") continue;
     const auto start = std::chrono::steady_clock::now();
-    const UploadResult result =
-        UploadTo(server, file, row.stands_still ? Server::kStandsStill : Server::kAnswers);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30)) << row.name;
-    server.Stop();
+    const UploadResult result = UploadTo(name, file, row.kind);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30)) << name;
     const std::string message = Utf16ToUtf8(result.message);
-    EXPECT_EQ(result.end, row.end) << row.name << ": " << message;
-    EXPECT_THAT(message, HasSubstr(row.message)) << row.name;
-    EXPECT_THAT(message, HasSubstr("a.svg to http://127.0.0.1")) << row.name;
-    EXPECT_EQ(result.sent, row.sent) << row.name << ": " << message;
-    EXPECT_EQ(server.connections(), 1) << row.name;
-    EXPECT_EQ(message.find_first_of("\r\n\x1B"), std::string::npos) << row.name;
+    EXPECT_EQ(result.end, row.end) << name << ": " << message;
+    EXPECT_THAT(message, HasSubstr(row.message)) << name;
+    EXPECT_THAT(message, HasSubstr("a.svg to http://127.0.0.1")) << name;
+    EXPECT_EQ(result.sent, row.sent) << name << ": " << message;
+    EXPECT_EQ(message.find_first_of("\r\n\x1B"), std::string::npos) << name;
+    if (name != "nobody") connections += name + "\n";
+  }
+  EXPECT_EQ(test::ReadBytes(folder_ / "connections"), connections) << "one each, never repeated";
+  Set(u"server", u"no-such-host.invalid");
+  const UploadResult result = With(SystemHttpSession()).Upload(file);
+  EXPECT_EQ(result.end, kNotSent);
+  EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr("http://no-such-host.invalid"));
+}
+
+TEST_F(UploaderTest, EveryByteArrivesUnderAHarmlessName) {
+  StartReceiver("");
+  std::string all;
+  for (int i = 0; i < 3 << 20; ++i) all.push_back(static_cast<char>(i * 31 + i / 256));
+  const struct {
+    const char *name, *kept;
+    std::string bytes;
+    bool posix = false;  // no name for a file of Windows
+  } rows[] = {
+      {"plain.svg", "plain.svg", "<svg/>"},
+      {"plain.svg", "plain (2).svg", ""},
+      {"all.bin", "all.bin", all},
+      {"ends in a line.txt", "ends in a line.txt", "text\r\n"},
+      {"ends in dashes.txt", "ends in dashes.txt", "text--"},
+      {"looks like a body.txt", "looks like a body.txt", "\r\n-------UpFile__120000--\r\n"},
+      {"@ＭＳ明朝_100_永遠.svg", "@ＭＳ明朝_100_永遠.svg", "x"},
+      {"a\"b\r\nX: y.svg", "a_b__X_ y.svg", "quotes", true},
+      {"..\\..\\up.svg", "up.svg", "backslashes", true},
+      {"nul.svg", "_nul.svg", "device", true},
+  };
+  std::map<std::string, std::string> kept;
+  for (const auto& row : rows) {
+    if (row.posix && std::filesystem::path::preferred_separator != '/') continue;
+    const UploadResult result = Upload(row.name, row.bytes);
+    EXPECT_TRUE(result.ok()) << row.name << ": " << Utf16ToUtf8(result.message);
+    EXPECT_EQ(Utf16ToUtf8(result.first_line),
+              "OK " + std::string(row.kept) + " " + std::to_string(row.bytes.size()));
+    kept[row.kept] = row.bytes;
+  }
+  EXPECT_TRUE(Received() == kept);
+  StartReceiver("--max-size 100K");
+  EXPECT_TRUE(Upload("a.svg", std::string(100 << 10, 'x')).ok());
+  for (const size_t size : {(100 << 10) + 1, 2 << 20}) {
+    EXPECT_EQ(Upload("large.svg", std::string(size, 'x')).status, 413);
+  }
+  EXPECT_FALSE(Received().contains("large.svg"));
+}
+
+// What each certificate is worth, without and with "self_certificate".
+TEST_F(UploaderTest, CertificatesAreRefusedUnlessAllowedAndForTheNameAlways) {
+  const std::string expired = KERNO_TESTS "/data/certificates/expired.pem";
+  const struct {
+    const char* what;
+    std::string options;
+    bool allowed;
+  } rows[] = {{"self-made", Certificate("localhost"), true},
+              {"expired", "--certificate " + expired + " --key " + expired, true},
+              {"of another name", "", false}};
+  for (const auto& row : rows) {
+    StartReceiver(row.options.empty() ? Certificate("other.example.org") : row.options,
+                  "localhost");
+    Set(u"self_certificate", u"");
+    const UploadResult refused = Upload("a.svg", "secret");
+    EXPECT_EQ(refused.end, UploadEnd::kNotSent) << row.what;
+    EXPECT_FALSE(refused.sent) << row.what;
+    EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("certificate was not accepted"));
+    EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("self_certificate\" set to 1"));
+    EXPECT_TRUE(Received().empty()) << row.what;
+
+    Set(u"self_certificate", u"1");
+    const UploadResult allowed = Upload("a.svg", "secret");
+    EXPECT_EQ(allowed.ok(), row.allowed) << row.what << Utf16ToUtf8(allowed.message);
+    if (row.allowed) {
+      EXPECT_THAT(Received(), testing::ElementsAre(testing::Pair("a.svg", "secret")));
+      std::filesystem::remove(folder_ / "received/a.svg");
+      continue;
+    }
+    EXPECT_TRUE(Received().empty());
+    // What is set already is no advice.
+    EXPECT_THAT(Utf16ToUtf8(allowed.message), testing::Not(HasSubstr("set to 1")));
+    EXPECT_THAT(Utf16ToUtf8(allowed.message), HasSubstr("for the server's name"));
   }
 }
 
-TEST_F(UploaderTest, NobodyListens) {
-  const auto file = Make(u"a.svg", "x");
-  int port = 0;
-  {
-    port = LoopbackServer([](Connection&) {}).port();
-  }
-  Set(u"server", Utf8ToUtf16Lossy("127.0.0.1:" + std::to_string(port)));
-  UploadResult result = With(SystemHttpSession()).Upload(file);
+TEST_F(UploaderTest, PlainHttpToATlsServerFailsAndTheOtherWayRound) {
+  StartReceiver(Certificate("localhost"), "localhost");
+  Set(u"open_http", u"http");
+  EXPECT_EQ(Upload("a.svg", "x").end, UploadEnd::kNotSent);
+  StartReceiver("");
+  Set(u"open_http", u"https");
+  const UploadResult result = Upload("a.svg", "x");
   EXPECT_EQ(result.end, UploadEnd::kNotSent);
-  EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr("no connection"));
-  Set(u"server", u"no-such-host.invalid");
-  result = With(SystemHttpSession()).Upload(file);
-  EXPECT_EQ(result.end, UploadEnd::kNotSent);
-  EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr("http://no-such-host.invalid"));
+  EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr("no secure connection"));
 }
 
 }  // namespace

@@ -8,7 +8,7 @@ namespace {
 constexpr int64_t kThousand = 1000;
 constexpr int64_t kMillion = 1000000;
 
-class SystemClock final : public Clock {
+class PosixClock final : public Clock {
  public:
   int64_t Seconds() override { return static_cast<int64_t>(time(nullptr)); }
 
@@ -34,19 +34,12 @@ class SystemClock final : public Clock {
   }
 };
 
-SystemClock system_clock;
-Clock* current = &system_clock;
+PosixClock system_clock;
 
 }  // namespace
 
-Clock& CurrentClock() {
-  return *current;
-}
-
-Clock* ReplaceClock(Clock* clock) {
-  Clock* before = current;
-  current = clock ? clock : &system_clock;
-  return before;
+Clock& SystemClock() {
+  return system_clock;
 }
 
 }  // namespace kerno

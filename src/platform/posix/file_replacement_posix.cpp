@@ -257,8 +257,8 @@ Status FollowLinks(fs::path* path, bool* open_file) {
     struct stat info {};
     if (lstat(path->c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return Status::Ok();
     if (OnProcessFileSystem(FolderOf(*path))) {
-      struct stat behind {};
-      *open_file = stat(path->c_str(), &behind) == 0 && S_ISREG(behind.st_mode);
+      struct stat linked {};
+      *open_file = stat(path->c_str(), &linked) == 0 && S_ISREG(linked.st_mode);
       if (*open_file) return Status::Ok();
     }
     std::error_code error;
@@ -325,7 +325,7 @@ std::unique_ptr<FileReplacement> FileReplacement::Create(const fs::path& target,
   bool open_file = false;
   *status = FollowLinks(&file, &open_file);
   if (!status->ok()) return nullptr;
-  if (open_file) return OpenThrough(target, O_APPEND, status);  // behind what stands there already
+  if (open_file) return OpenThrough(target, O_APPEND, status);  // after what stands there already
   Place place;
   *status = FindPlace(target, file, &place);
   if (!status->ok()) return nullptr;

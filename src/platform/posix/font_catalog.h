@@ -51,7 +51,7 @@ class FontCatalog {
   // The catalogue of the process, read at the first call.
   static FontCatalog& Current();
 
-  // Makes the next call of Current read the configuration anew when it, or a folder, has changed
+  // Makes the next call of Current read the configuration again when it, or a folder, has changed
   // since. Faces found before lose their place.
   static void Refresh();
   // The same, whether something has changed or not.

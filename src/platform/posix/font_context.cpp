@@ -107,14 +107,14 @@ bool FontContext::GetTextMetrics(TextMetrics* metrics) {
 uint32_t FontContext::GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics* metrics,
                                       uint32_t size, void* buffer, const Mat2& matrix) {
   RealizedFont* font = CurrentFont();
-  if (font == nullptr || !IsIdentity(matrix) || (format != kGgoMetrics && format != kGgoNative)) {
+  if (font == nullptr || !IsIdentity(matrix) || format != kGgoNative) {
     return kGdiError;
   }
   const NativeGlyph& glyph = font->Glyph(ch);
   if (!glyph.has_outline) {
     return kGdiError;
   }
-  const auto needed = static_cast<uint32_t>(format == kGgoNative ? glyph.outline.size() : 0);
+  const auto needed = static_cast<uint32_t>(glyph.outline.size());
   if (buffer != nullptr && size < needed) {
     return kGdiError;
   }

@@ -144,11 +144,11 @@ Status ExistsAlready(const fs::path& path) {
   return Status::Error(Failure::kSharingViolation, SystemText(path.native()), u"it exists already");
 }
 
-// A file without a name gets it when it is whole. False when the file system knows no such files.
-bool CreateUnnamedFirst(const fs::path& path, std::string_view bytes, Status* status) {
+// A file without a name gets it when it is whole. Nothing when the file system knows no such files.
+std::optional<Status> CreateUnnamedFirst(const fs::path& path, std::string_view bytes) {
   const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
   const int fd = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
-  if (fd < 0) return false;
+  if (fd < 0) return std::nullopt;
   const std::string self = "/proc/self/fd/" + std::to_string(fd);
   int error = WriteAll(fd, bytes);
   if (error == 0 && !bytes.empty() && fsync(fd) != 0) error = errno;
@@ -159,17 +159,15 @@ bool CreateUnnamedFirst(const fs::path& path, std::string_view bytes, Status* st
     known = error == EEXIST;
   }
   close(fd);
-  *status = error == 0        ? Status::Ok()
-            : error == EEXIST ? ExistsAlready(path)
-                              : SystemError(path, error);
-  return known;
+  if (!known) return std::nullopt;
+  if (error == 0) return Status::Ok();
+  return error == EEXIST ? ExistsAlready(path) : SystemError(path, error);
 }
 
 }  // namespace
 
 Status CreateNewFile(const fs::path& path, std::string_view bytes) {
-  Status status;
-  if (CreateUnnamedFirst(path, bytes, &status)) return status;
+  if (auto done = CreateUnnamedFirst(path, bytes)) return *std::move(done);
   const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (fd < 0) return errno == EEXIST ? ExistsAlready(path) : SystemError(path, errno);
   int error = WriteAll(fd, bytes);

@@ -41,7 +41,6 @@ size_t TakeAnswer(char* data, size_t, size_t size, void* context) {
   receiver->received += size;
   const size_t taken = std::min(size, receiver->most_answer - answer.size());
   answer.append(data, taken);
-  receiver->reply.answer_cut = taken < size;
   return taken;  // fewer than `size` ends the transfer
 }
 
@@ -222,7 +221,6 @@ class Request {
     if (reply.end == HttpEnd::kAnswered && !final_status) reply.end = HttpEnd::kNoAnswer;
     if (reply.end == HttpEnd::kAnswered || reply.end == HttpEnd::kStopped || !final_status) return;
     reply.end = HttpEnd::kAnswered;
-    reply.answer_cut = true;
   }
 
   const CurlLibrary& curl_;

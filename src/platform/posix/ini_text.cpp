@@ -56,7 +56,7 @@ std::optional<std::u16string_view> SectionName(std::u16string_view content) {
   return Trim(content.substr(1, end - 1));
 }
 
-// The "=" behind a key that holds `inside` of them itself.
+// The "=" after a key that holds `inside` of them itself.
 size_t FindEquals(std::u16string_view content, size_t inside) {
   size_t equals = content.find(u'=');
   for (; equals != kNone && inside > 0; --inside) equals = content.find(u'=', equals + 1);
@@ -68,7 +68,7 @@ struct Place {
   bool has_section = false;
   bool has_key = false;
   Line line;         // of the key
-  size_t value = 0;  // just behind its "="
+  size_t value = 0;  // just after its "="
   size_t end = 0;    // of the section's last line that is not blank, line end included
 };
 

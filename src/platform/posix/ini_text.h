@@ -12,7 +12,7 @@ std::optional<std::u16string_view> FindIniValue(std::u16string_view text,
                                                 std::u16string_view section,
                                                 std::u16string_view key);
 
-// Replaces the value behind the key's "=", or adds a line at the end of the section, or a section
+// Replaces the value after the key's "=", or adds a line at the end of the section, or a section
 // at the end of the text. New lines end as the text's first line does (CR LF in an empty text).
 void SetIniValue(std::u16string* text, std::u16string_view section, std::u16string_view key,
                  std::u16string_view value);

@@ -20,7 +20,7 @@ struct OutlinePoint {
   PointKind kind = PointKind::kOn;
 };
 
-// Contours one after the other; ends[i] is the index behind the last point of contour i.
+// Contours one after the other; ends[i] is the index after the last point of contour i.
 struct Outline {
   std::vector<OutlinePoint> points;
   std::vector<size_t> ends;

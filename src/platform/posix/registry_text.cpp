@@ -20,13 +20,13 @@ struct Statement {
   enum class Kind { kNothing, kKey, kDeleteKey, kValue, kDeleteValue };
   Kind kind = Kind::kNothing;
   size_t begin = 0;
-  size_t end = 0;             // behind its line end
+  size_t end = 0;             // after its line end
   std::u16string_view name;   // of a key, the brackets left out
   std::u16string value_name;  // of a value, unescaped
   std::u16string_view data;   // of a value, as it stands
 };
 
-// The index behind the closing quote of a string that begins at `at`, or kNone.
+// The index after the closing quote of a string that begins at `at`, or kNone.
 size_t EndOfString(std::u16string_view text, size_t at) {
   for (size_t i = at + 1; i < text.size(); ++i) {
     if (text[i] == u'\\') {
@@ -73,7 +73,7 @@ bool IsLineDone(std::u16string_view text, size_t at) {
   return at == kNone || text[at] == u'\r' || text[at] == u'\n';
 }
 
-// Where the data of a value ends: strings may hold line breaks, other data goes on behind "\". A
+// Where the data of a value ends: strings may hold line breaks, other data goes on after "\". A
 // string that is never closed (its file was cut off) ends with its line, whatever follows.
 size_t EndOfData(std::u16string_view text, size_t at) {
   while (at < text.size() && (text[at] == u' ' || text[at] == u'\t')) ++at;
@@ -147,7 +147,7 @@ bool IsOrLiesUnder(std::u16string_view key, std::u16string_view parent) {
 struct KeyState {
   bool exists = false;
   bool has_keys_below = false;
-  size_t block_end = kNone;  // behind the last statement of its last block
+  size_t block_end = kNone;  // after the last statement of its last block
   const Statement* value = nullptr;
 };
 
@@ -260,7 +260,7 @@ void SetRegistryText(std::u16string* text, std::u16string_view key, std::u16stri
   if (state.value) {
     text->replace(state.value->begin, state.value->end - state.value->begin, line);
   } else if (state.block_end == text->size()) {
-    // Data that was cut off behind its "\" goes on in the next line, which has to be an empty one.
+    // Data that was cut off after its "\" goes on in the next line, which has to be an empty one.
     const std::u16string_view last = LastLine(*text);
     const bool goes_on = !last.empty() && last.back() == u'\\';
     EnsureLineEnd(text);

@@ -6,7 +6,7 @@
 //   "number"=dword:0000000a
 //   "other"=hex(2):25,00,00,00
 //
-// where other data goes on in the next line behind a backslash at the end.
+// where other data goes on in the next line after a backslash at the end.
 //
 // Lines are executed in order, as an import does: later ones win, "name"=- and [-key] delete.
 // Everything that is not written stays as it stands.

@@ -190,18 +190,11 @@ Status PosixSystem::MakePrivateFolder(const fs::path& folder) {
 }
 
 PosixSystem posix_system;
-System* current = &posix_system;
 
 }  // namespace
 
-System& CurrentSystem() {
-  return *current;
-}
-
-System* ReplaceSystem(System* system) {
-  System* before = current;
-  current = system ? system : &posix_system;
-  return before;
+System& RealSystem() {
+  return posix_system;
 }
 
 }  // namespace kerno

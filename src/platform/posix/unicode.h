@@ -7,7 +7,7 @@
 
 namespace kerno {
 
-// The character that starts at unit `*position`, which moves behind it: a surrogate pair is one
+// The character that starts at unit `*position`, which moves past it: a surrogate pair is one
 // character, a lone surrogate stands for itself.
 char32_t NextUtf16Character(std::u16string_view text, size_t* position);
 

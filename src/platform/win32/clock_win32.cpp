@@ -8,7 +8,7 @@ namespace {
 constexpr int64_t kStepsPerSecond = 10000000;
 constexpr int64_t kSecondsTo1970 = 11644473600;
 
-class SystemClock final : public Clock {
+class WindowsClock final : public Clock {
  public:
   int64_t Seconds() override {
     FILETIME now{};
@@ -34,19 +34,12 @@ class SystemClock final : public Clock {
   void Sleep(uint32_t milliseconds) override { ::Sleep(milliseconds); }
 };
 
-SystemClock system_clock;
-Clock* current = &system_clock;
+WindowsClock system_clock;
 
 }  // namespace
 
-Clock& CurrentClock() {
-  return *current;
-}
-
-Clock* ReplaceClock(Clock* clock) {
-  Clock* before = current;
-  current = clock ? clock : &system_clock;
-  return before;
+Clock& SystemClock() {
+  return system_clock;
 }
 
 }  // namespace kerno

@@ -63,8 +63,8 @@ bool MarkForDeletion(HANDLE file, bool marked) {
          0;
 }
 
-// What another file keeps of the one that it replaces: who may use it, and the attributes.
-struct Keepsake {
+// What a new file takes over from the one that it replaces: who may use it, and the attributes.
+struct TakenOver {
   std::vector<uint8_t> access;  // a security descriptor with the access list; empty without one
   DWORD attributes = 0;         // those that describe the file's use; 0 for a new file
 };
@@ -184,7 +184,7 @@ class RegularFile final : public FileReplacement {
 
   fs::path target_;
   fs::path place_;
-  Keepsake kept_;
+  TakenOver kept_;
   Handle file_;
   fs::path name_;        // the private name while it exists
   bool marked_ = false;  // for deletion

@@ -22,7 +22,7 @@ bool StartsWithDrive(std::wstring_view text) {
   return text.size() >= 2 && text[1] == L':';
 }
 
-// Where the name that begins at `at` ends, the separators behind it included.
+// Where the name that begins at `at` ends, the separators after it included.
 size_t EndOfName(std::wstring_view text, size_t at) {
   while (at < text.size() && !IsSeparator(text[at])) ++at;
   while (at < text.size() && IsSeparator(text[at])) ++at;
@@ -33,7 +33,7 @@ size_t EndOfServerAndShare(std::wstring_view text, size_t at) {
   return EndOfName(text, EndOfName(text, at));
 }
 
-// The length of what nobody can make, the separators behind it included.
+// The length of what nobody can make, the separators after it included.
 size_t RootLength(std::wstring_view text) {
   if (StartsWithDrive(text))
     return text.size() > 2 && IsSeparator(text[2]) ? EndOfName(text, 2) : 2;
@@ -41,9 +41,9 @@ size_t RootLength(std::wstring_view text) {
   const bool prefix =
       text.size() >= 4 && (text[2] == L'?' || text[2] == L'.') && IsSeparator(text[3]);
   if (!prefix) return EndOfServerAndShare(text, 2);
-  const std::wstring_view behind = text.substr(4);
-  const bool network = behind.size() >= 4 && IsSeparator(behind[3]) &&
-                       CompareStringOrdinal(behind.data(), 3, L"UNC", 3, TRUE) == CSTR_EQUAL;
+  const std::wstring_view rest = text.substr(4);
+  const bool network = rest.size() >= 4 && IsSeparator(rest[3]) &&
+                       CompareStringOrdinal(rest.data(), 3, L"UNC", 3, TRUE) == CSTR_EQUAL;
   return network ? EndOfServerAndShare(text, 8) : EndOfName(text, 4);
 }
 

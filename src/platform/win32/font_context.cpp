@@ -103,7 +103,7 @@ bool FontContext::GetTextMetrics(TextMetrics* metrics) {
 // looked up first, and a surrogate half has no glyph of its own.
 uint32_t FontContext::GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics* metrics,
                                       uint32_t size, void* buffer, const Mat2& matrix) {
-  if (format != kGgoMetrics && format != kGgoNative) return kGdiError;
+  if (format != kGgoNative) return kGdiError;
   if (realized_ != nullptr && !realized_->has_size()) return kGdiError;
   UINT what = ch;
   UINT how = format;
@@ -118,7 +118,7 @@ uint32_t FontContext::GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics
   if (needed == GDI_ERROR || (buffer != nullptr && size < needed)) return kGdiError;
   const bool large = realized_ != nullptr && realized_->is_large();
   if (large && !(BoxFits(glyph) && AdvanceFits(what, how))) return kGdiError;
-  const bool native = format == kGgoNative && IsIdentity(matrix);
+  const bool native = IsIdentity(matrix);
   auto* outline = static_cast<uint8_t*>(buffer);
   if (native && outline != nullptr) CutToRasterUnits(outline, needed);
   if (native && realized_ != nullptr && realized_->turned() != nullptr) {
@@ -131,7 +131,7 @@ uint32_t FontContext::GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics
   metrics->gmptGlyphOriginY = glyph.gmptGlyphOrigin.y;
   metrics->gmCellIncX = glyph.gmCellIncX;
   metrics->gmCellIncY = glyph.gmCellIncY;
-  return format == kGgoNative ? needed : 0;
+  return needed;
 }
 
 // The system cuts the advance in the metrics of a glyph to 16 bits; that of a text is whole.

@@ -247,7 +247,6 @@ class Request {
       if (!InternetQueryDataAvailable(request_, &there, 0, 0) ||
           !InternetReadFile(request_, piece.data(),
                             std::min(there, static_cast<DWORD>(piece.size())), &got)) {
-        reply_.answer_cut = true;
         reply_.why = Words(GetLastError());
         break;
       }
@@ -257,7 +256,6 @@ class Request {
     }
     if (reply_.answer.size() > post_.limits.answer_size) {
       reply_.answer.resize(post_.limits.answer_size);
-      reply_.answer_cut = true;
     }
   }
 
@@ -274,7 +272,7 @@ class Request {
 };
 
 // The limit that is passed; kAnswered when none is. The system keeps the limit of a sending that
-// stands still itself, so that an early answer can still be read; the watch is only behind it.
+// stands still itself, so that an early answer can still be read; the watch only backs it up.
 HttpEnd PassedLimit(const HttpExchange::State& state, const HttpLimits& limits) {
   const HttpExchange::Time::time_point now = HttpExchange::Time::now();
   const auto still = now - state.moved;
@@ -318,7 +316,6 @@ class WindowsHttpSession final : public HttpSession {
     const HttpExchange::State state = request->exchange().Wait(kFarewell);
     HttpReply reply = request->exchange().TakeReply();
     reply.body_sent = state.sent == request->body_size();
-    reply.answer_cut = state.phase != HttpPhase::kEnded;
     if (by == HttpEnd::kStopped || reply.status == 0) {
       reply.end = by;
       reply.why.clear();

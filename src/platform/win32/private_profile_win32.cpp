@@ -59,7 +59,7 @@ struct SplitKey {
   }
 
   std::wstring name;
-  std::wstring rest;  // with the "=" behind it
+  std::wstring rest;  // with the "=" before it
 };
 
 // The value of a key, or its first `most` units and more; nothing when it is missing.
@@ -128,7 +128,7 @@ class WorkingCopy {
     return done ? Status::Ok() : SystemError(path_, GetLastError());
   }
 
-  // The text behind all edits.
+  // The text after all edits.
   Status Read(std::string* text) {
     WritePrivateProfileStringW(nullptr, nullptr, nullptr, path_.c_str());  // empties the cache
     Status status;

@@ -77,11 +77,11 @@ void CharacterMap::Load(HDC dc) {
 }
 
 uint32_t CharacterMap::GlyphOf(char32_t ch) const {
-  const auto behind =
+  const auto next =
       std::upper_bound(groups_.begin(), groups_.end(), ch,
                        [](char32_t wanted, const Group& group) { return wanted < group.first; });
-  if (behind == groups_.begin()) return 0;
-  const Group& group = *(behind - 1);
+  if (next == groups_.begin()) return 0;
+  const Group& group = *(next - 1);
   return ch <= group.last ? group.glyph + (ch - group.first) : 0;
 }
 

@@ -39,8 +39,8 @@ RegistryOutcome Failed(std::u16string_view key, LSTATUS error, Status* why) {
   return RegistryOutcome::kFailed;
 }
 
-// The text of a string value up to its first NUL; it may have none, or remains of another behind
-// it.
+// The text of a string value up to its first NUL; it may have none, or remains of another
+// after it.
 std::u16string TextOf(const std::vector<uint8_t>& data) {
   std::u16string text(data.size() / sizeof(char16_t), u'\0');
   std::memcpy(text.data(), data.data(), text.size() * sizeof(char16_t));

@@ -3,6 +3,7 @@ kerno_room(platform
     drawing.cpp
     file_replacement.cpp
     private_profile.cpp
+    services.cpp
     surface_context.cpp
     win32/bitmap_surface_win32.cpp
     win32/clock_win32.cpp

@@ -233,18 +233,11 @@ Status WindowsSystem::MakePrivateFolder(const fs::path& folder) {
 }
 
 WindowsSystem windows_system;
-System* current = &windows_system;
 
 }  // namespace
 
-System& CurrentSystem() {
-  return *current;
-}
-
-System* ReplaceSystem(System* system) {
-  System* before = current;
-  current = system ? system : &windows_system;
-  return before;
+System& RealSystem() {
+  return windows_system;
 }
 
 }  // namespace kerno
