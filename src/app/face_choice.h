@@ -8,12 +8,17 @@
 
 namespace kerno {
 
+// What is not installed.
+enum class FaceLack {
+  kNothing,
+  kFace,          // the one that was named
+  kVerticalFace,  // any for vertical writing, and none was named
+};
+
 struct FaceChoice {
   std::u16string face;  // what to ask the device context for; "@" in front for vertical writing
-  bool installed =
-      false;  // otherwise what and why tell the user, the nearest installed names included
-  std::u16string what;
-  std::u16string why;
+  FaceLack lack = FaceLack::kNothing;
+  std::u16string why;  // for the user, the nearest installed names included
 };
 
 // Puts "@" in front for vertical writing unless it stands there. An empty name means the system's
