@@ -53,7 +53,7 @@ class DesktopSession:
 
     def __enter__(self):
         read_end, write_end = os.pipe()
-        # Without -noreset the display starts anew when its last client leaves, and drops who comes then.
+        # Without -noreset the display starts again when its last client leaves, and drops who comes then.
         self.server = subprocess.Popen(
             ["Xvfb", "-noreset", "-displayfd", str(write_end), "-screen", "0", f"{self.size}x24"],
             pass_fds=[write_end], stderr=subprocess.DEVNULL)

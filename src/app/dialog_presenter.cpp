@@ -1,4 +1,4 @@
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 
 #include <algorithm>
 #include <new>
@@ -56,18 +56,18 @@ std::u16string FaceFor(std::u16string_view face, bool vertical) {
   return name;
 }
 
-Dialog::Dialog(DialogView& view, DialogServices& services)
+DialogPresenter::DialogPresenter(DialogView& view, DialogServices& services)
     : view_(view),
       services_(services),
       notices_before_(ReplaceNotices(this)),
       typesetter_(services.CreateMeasuringContext()),
       outputs_(services, *this) {}
 
-Dialog::~Dialog() {
+DialogPresenter::~DialogPresenter() {
   ReplaceNotices(notices_before_);
 }
 
-void Dialog::Open() {
+void DialogPresenter::Open() {
   memory_ = services_.Load();
   text_ = LinesOf(services_.LoadSavedText());
   first_color_ = IndexOf(memory_.first_color);
@@ -91,14 +91,14 @@ void Dialog::Open() {
   Rebuild();
 }
 
-void Dialog::FillFaces() {
+void DialogPresenter::FillFaces() {
   const std::vector<std::u16string> faces = services_.Faces();
   view_.ShowFaces(faces);
   if (memory_.face.empty()) memory_.face = used_face_;
   view_.ShowControlText(ControlId::kFace, memory_.face);
 }
 
-bool Dialog::Close() {
+bool DialogPresenter::Close() {
   const bool last = told_unsaved_;
   if (last) ReplaceNotices(nullptr);  // told once
   if (const auto place = view_.WindowPlace()) memory_.window = *place;
@@ -113,52 +113,52 @@ bool Dialog::Close() {
   return false;
 }
 
-void Dialog::TextChanged(std::u16string_view text) {
+void DialogPresenter::TextChanged(std::u16string_view text) {
   std::u16string lines = LinesOf(text);
   if (lines == text_) return;  // a change of looks alone
   text_ = std::move(lines);
   Changed();
 }
 
-void Dialog::FaceChanged(std::u16string_view face) {
+void DialogPresenter::FaceChanged(std::u16string_view face) {
   if (memory_.face == face) return;
   memory_.face = face;
   Changed();
 }
 
-void Dialog::VerticalClicked(bool vertical) {
+void DialogPresenter::VerticalClicked(bool vertical) {
   memory_.vertical = vertical;
   Changed();
 }
 
-void Dialog::HeightListChanged(std::u16string_view text) {
+void DialogPresenter::HeightListChanged(std::u16string_view text) {
   if (memory_.height == text) return;
   memory_.height = text;
   view_.ShowControlText(ControlId::kHeightEdit, text);
   Changed();
 }
 
-void Dialog::HeightEditChanged(std::u16string_view text) {
+void DialogPresenter::HeightEditChanged(std::u16string_view text) {
   if (memory_.height == text) return;
   memory_.height = text;
   view_.ShowControlText(ControlId::kHeightList, text);
   Changed();
 }
 
-void Dialog::HeightStepped(int steps) {
+void DialogPresenter::HeightStepped(int steps) {
   const std::u16string text = SteppedHeight(memory_.height, steps);
   view_.ShowControlText(ControlId::kHeightEdit, text);
   HeightEditChanged(text);
 }
 
-void Dialog::PolyPolygonClicked(bool use) {
+void DialogPresenter::PolyPolygonClicked(bool use) {
   memory_.use_poly_polygon = use;
   view_.Enable(ControlId::kFirstColor, use);
   view_.Enable(ControlId::kSecondColor, use);
   ShowDrawing();
 }
 
-void Dialog::FirstColorSelected(size_t index) {
+void DialogPresenter::FirstColorSelected(size_t index) {
   first_color_ = std::min(index, NamedColors().size() - 1);
   memory_.first_color = FirstColor();
   memory_.second_color = 0;
@@ -168,14 +168,14 @@ void Dialog::FirstColorSelected(size_t index) {
   view_.RepaintPreview();
 }
 
-void Dialog::SecondColorSelected(size_t index) {
+void DialogPresenter::SecondColorSelected(size_t index) {
   memory_.second_color = std::min(index, second_colors_.size() - 1);
   view_.RepaintPreview();
 }
 
 // The rebuild
 
-void Dialog::Changed() {
+void DialogPresenter::Changed() {
   told_unsaved_ = false;
   if (last_cost_ < kSlowRebuild) {
     Rebuild();
@@ -185,11 +185,11 @@ void Dialog::Changed() {
   view_.CallWhenDue(kGatherFor);
 }
 
-void Dialog::Due() {
+void DialogPresenter::Due() {
   if (is_pending_ && !collects_) Rebuild();
 }
 
-void Dialog::Rebuild() {
+void DialogPresenter::Rebuild() {
   is_pending_ = false;
   const uint32_t start = CurrentClock().Ticks();
   ShowTextFormat();
@@ -208,7 +208,7 @@ void Dialog::Rebuild() {
   last_cost_ = CurrentClock().Ticks() - start;
 }
 
-void Dialog::SetTextAnew() {
+void DialogPresenter::SetTextAnew() {
   TextRequest request;
   request.text = WithCrLf(text_);
   request.face = FaceFor(memory_.face, memory_.vertical);
@@ -228,7 +228,7 @@ void Dialog::SetTextAnew() {
   contours_ = std::move(set->contours);
 }
 
-const PartsA& Dialog::parts() {
+const PartsA& DialogPresenter::parts() {
   if (is_pending_) Rebuild();
   if (parts_are_stale_) {
     parts_are_stale_ = false;
@@ -239,24 +239,24 @@ const PartsA& Dialog::parts() {
   return parts_;
 }
 
-void Dialog::ShowTextFormat() {
+void DialogPresenter::ShowTextFormat() {
   view_.ShowTextFormat(FaceFor(memory_.face, memory_.vertical), FirstColor());
 }
 
-Color Dialog::FirstColor() const {
+Color DialogPresenter::FirstColor() const {
   return NamedColors()[first_color_].color;
 }
 
-Color Dialog::PaperBehind(Color paper) const {
+Color DialogPresenter::PaperBehind(Color paper) const {
   return PaperFor(FirstColor(), paper);
 }
 
-void Dialog::ShowColors() {
+void DialogPresenter::ShowColors() {
   view_.ShowColors(ControlId::kFirstColor, NamedColors(), first_color_);
   view_.ShowColors(ControlId::kSecondColor, second_colors_, memory_.second_color);
 }
 
-void Dialog::ShowStatus(std::u16string text, StatusKind kind) {
+void DialogPresenter::ShowStatus(std::u16string text, StatusKind kind) {
   shown_status_ = std::move(text);
   shown_status_kind_ = kind;
   view_.ShowStatus(shown_status_, kind);
@@ -264,41 +264,41 @@ void Dialog::ShowStatus(std::u16string text, StatusKind kind) {
 
 // The preview
 
-bool Dialog::DrawsContours() const {
+bool DialogPresenter::DrawsContours() const {
   return memory_.use_poly_polygon && !contours_.counts.empty();
 }
 
-Extent3 Dialog::DrawingBox() {
+Extent3 DialogPresenter::DrawingBox() {
   return DrawsContours() || parts_are_stale_ ? contours_box_
                                              : PictureBox(parts_, &typesetter_.context());
 }
 
-void Dialog::ShowDrawing() {
+void DialogPresenter::ShowDrawing() {
   preview_.SetDrawing(DrawingBox());
   view_.RepaintPreview();
 }
 
-void Dialog::PreviewResized(double width, double height) {
+void DialogPresenter::PreviewResized(double width, double height) {
   preview_.SetFrame(width, height);
   view_.RepaintPreview();
 }
 
-void Dialog::PreviewZoomed(double x, double y, double steps) {
+void DialogPresenter::PreviewZoomed(double x, double y, double steps) {
   preview_.ZoomAt(x, y, steps);
   view_.RepaintPreview();
 }
 
-void Dialog::PreviewDragged(double dx, double dy) {
+void DialogPresenter::PreviewDragged(double dx, double dy) {
   preview_.Pan(dx, dy);
   view_.RepaintPreview();
 }
 
-void Dialog::PreviewDoubleClicked() {
+void DialogPresenter::PreviewDoubleClicked() {
   preview_.ShowAll();
   view_.RepaintPreview();
 }
 
-void Dialog::PaintPreview(DrawingContext& dc, double density) {
+void DialogPresenter::PaintPreview(DrawingContext& dc, double density) {
   const DrawOptions options = {.detail = kPreviewDetail};
   const Affine& frame = preview_.fit();
   const Affine fit =

@@ -27,15 +27,15 @@ std::u16string LinesOf(std::u16string_view text);
 // The face name with "@" in front for vertical writing, once.
 std::u16string FaceFor(std::u16string_view face, bool vertical);
 
-// Every change of text, face, "@", height or colour sets the text anew. Where that took long the
+// Every change of text, face, "@", height or colour sets the text again. Where that took long the
 // last time, changes are gathered and set once the user pauses; outputs never wait for that.
-class Dialog final : private OutputNotifier, private Notices {
+class DialogPresenter final : private OutputNotifier, private Notices {
  public:
   // Both outlive the dialog. The dialog is the process's notices while it lives.
-  Dialog(DialogView& view, DialogServices& services);
-  ~Dialog() override;
-  Dialog(const Dialog&) = delete;
-  Dialog& operator=(const Dialog&) = delete;
+  DialogPresenter(DialogView& view, DialogServices& services);
+  ~DialogPresenter() override;
+  DialogPresenter(const DialogPresenter&) = delete;
+  DialogPresenter& operator=(const DialogPresenter&) = delete;
 
   // Fills the controls with what the last run left. Before the window is shown; FillFaces may
   // follow later.

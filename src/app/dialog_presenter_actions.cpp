@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 #include "app/dropped_file.h"
 #include "app/status_text.h"
 #include "app/text_source.h"
@@ -23,7 +23,7 @@ std::u16string LineOf(const Status& status) {
 
 }  // namespace
 
-void Dialog::Pressed(ControlId button) {
+void DialogPresenter::Pressed(ControlId button) {
   switch (button) {
     case ControlId::kDxf:
       return WriteOutput(OutputKind::kDxf);
@@ -48,7 +48,7 @@ void Dialog::Pressed(ControlId button) {
   }
 }
 
-void Dialog::Chosen(MenuCommand command) {
+void DialogPresenter::Chosen(MenuCommand command) {
   switch (command) {
     case MenuCommand::kAbout: {
       std::u16string version, copyright;
@@ -102,7 +102,7 @@ void Dialog::Chosen(MenuCommand command) {
   Rebuild();
 }
 
-void Dialog::ShowMenu() {
+void DialogPresenter::ShowMenu() {
   using enum MenuCommand;
   view_.ShowMenuChecked(kLines, memory_.elements == ContourElements::kLines);
   view_.ShowMenuChecked(kFaces, memory_.elements == ContourElements::kFaces);
@@ -113,28 +113,28 @@ void Dialog::ShowMenu() {
   view_.ShowMenuChecked(kAciNearest, memory_.aci == AciRule::kNearest);
 }
 
-void Dialog::SetOutputFolder(const fs::path& folder) {
+void DialogPresenter::SetOutputFolder(const fs::path& folder) {
   outputs_.SetFolder(folder);
   ShowStatus(u"Outputs go to " + PathText(folder), StatusKind::kNormal);
 }
 
 // Outputs
 
-OutputSubject Dialog::Subject() const {
+OutputSubject DialogPresenter::Subject() const {
   return {.face = FaceFor(memory_.face, memory_.vertical),
           .height = memory_.height,
           .text = text_,
           .color = FirstColor()};
 }
 
-void Dialog::WriteOutput(OutputKind kind) {
+void DialogPresenter::WriteOutput(OutputKind kind) {
   const PartsA& drawing = parts();
   collects_ = true;
   outputs_.Write(kind, drawing, memory_.aci, Subject());
   ReportOutputs();
 }
 
-void Dialog::Upload() {
+void DialogPresenter::Upload() {
   const PartsA& drawing = parts();
   collects_ = true;
   std::u16string answer;
@@ -147,7 +147,7 @@ void Dialog::Upload() {
   if (!failed) ShowStatus(u"Sent. " + answer, StatusKind::kNormal);
 }
 
-void Dialog::ReportOutputs() {
+void DialogPresenter::ReportOutputs() {
   collects_ = false;
   EndProgress();
   std::u16string names;
@@ -174,11 +174,11 @@ void Dialog::ReportOutputs() {
   ShowStatus(std::move(status), warns ? StatusKind::kWarning : StatusKind::kNormal);
 }
 
-void Dialog::MetafileWritten(const fs::path& metafile, const Status& result) {
+void DialogPresenter::MetafileWritten(const fs::path& metafile, const Status& result) {
   FileWritten(metafile, result);
 }
 
-void Dialog::FileWritten(const fs::path& file, const Status& result) {
+void DialogPresenter::FileWritten(const fs::path& file, const Status& result) {
   if (result.ok()) {
     reported_.push_back(file);
   } else {
@@ -188,33 +188,33 @@ void Dialog::FileWritten(const fs::path& file, const Status& result) {
 
 // Notices
 
-void Dialog::Message(std::u16string_view text) {
+void DialogPresenter::Message(std::u16string_view text) {
   if (!collects_) return view_.ShowMessage(text);
   messages_ += text;
   messages_ += u"\n";
 }
 
-void Dialog::ShowWait(std::u16string_view text) {
+void DialogPresenter::ShowWait(std::u16string_view text) {
   view_.ShowStatus(text, StatusKind::kWarning);
 }
 
-void Dialog::ClearWait() {
+void DialogPresenter::ClearWait() {
   view_.ShowStatus(shown_status_, shown_status_kind_);
 }
 
-Continue Dialog::Progress(std::u16string_view text, int64_t done, int64_t total) {
+Continue DialogPresenter::Progress(std::u16string_view text, int64_t done, int64_t total) {
   shows_progress_ = true;
   return view_.ShowProgress(text, done, total);
 }
 
-void Dialog::EndProgress() {
+void DialogPresenter::EndProgress() {
   if (shows_progress_) view_.EndProgress();
   shows_progress_ = false;
 }
 
 // Drops
 
-void Dialog::Dropped(const std::vector<fs::path>& files) {
+void DialogPresenter::Dropped(const std::vector<fs::path>& files) {
   for (const fs::path& file : files) {
     const bool taken = DropOne(file);
     EndProgress();
@@ -228,7 +228,7 @@ void Dialog::Dropped(const std::vector<fs::path>& files) {
   }
 }
 
-bool Dialog::DropOne(const fs::path& file) {
+bool DialogPresenter::DropOne(const fs::path& file) {
   switch (KindOfDropped(file)) {
     case DroppedKind::kText:
       DropText(file);
@@ -244,7 +244,7 @@ bool Dialog::DropOne(const fs::path& file) {
   }
 }
 
-void Dialog::DropText(const fs::path& file) {
+void DialogPresenter::DropText(const fs::path& file) {
   if (FactsOfPath(file).size > kLargestDroppedText) {
     view_.ShowMessage(PathText(file) + u": is larger than 4 MiB, too much for one drawing");
     return;
@@ -262,7 +262,7 @@ void Dialog::DropText(const fs::path& file) {
   TextChanged(text);
 }
 
-void Dialog::DropParts(const fs::path& file) {
+void DialogPresenter::DropParts(const fs::path& file) {
   PartsA read;
   const Status status = services_.ReadParts(file, &read);
   if (!status.ok()) {
@@ -280,7 +280,7 @@ void Dialog::DropParts(const fs::path& file) {
   ShowDrawing();
 }
 
-void Dialog::DropFont(const fs::path& file) {
+void DialogPresenter::DropFont(const fs::path& file) {
   std::vector<std::u16string> faces;
   const Status status = services_.LoadFontFile(file, &faces);
   if (!status.ok() || faces.empty()) {

@@ -54,7 +54,7 @@ class DialogView {
   virtual void ShowMenuChecked(MenuCommand command, bool checked) = 0;
   virtual void ShowStatus(std::u16string_view text, StatusKind kind) = 0;
 
-  // Makes the preview paint itself anew, soon.
+  // Makes the preview paint itself again, soon.
   virtual void RepaintPreview() = 0;
 
   // A message that the user closes.
@@ -76,7 +76,8 @@ class DialogView {
   // Makes the toolkit's own fonts know a font file for this run. Whether it did.
   virtual bool LoadFontFile(const std::filesystem::path& file) = 0;
 
-  // Calls Dialog::Due after some milliseconds, once; a call before that starts the time anew.
+  // Calls DialogPresenter::Due after some milliseconds, once; a call before that starts the time
+  // again.
   virtual void CallWhenDue(int milliseconds) = 0;
 
   // The window's place when neither minimised nor maximised (nothing while minimised), the work

@@ -22,7 +22,7 @@ class FontFaceList {
   FontFaceList(const FontFaceList&) = delete;
   FontFaceList& operator=(const FontFaceList&) = delete;
 
-  // Collects the faces anew. 1 on success; 0 without a window, and then there are none.
+  // Collects the faces again. 1 on success; 0 without a window, and then there are none.
   int Enumerate();
 
   // The accepted names in the system's order; any sorting is the control's own.

@@ -1,4 +1,4 @@
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ namespace {
 class DialogTest : public testing::Test {
  protected:
   void Open() {
-    dialog = std::make_unique<Dialog>(view, services);
+    dialog = std::make_unique<DialogPresenter>(view, services);
     dialog->PreviewResized(200, 100);
     dialog->Open();
     dialog->FillFaces();
@@ -23,7 +23,7 @@ class DialogTest : public testing::Test {
   test::TemporaryFolder folder;
   test::RecordingView view;
   test::FakeDialogServices services;
-  std::unique_ptr<Dialog> dialog;
+  std::unique_ptr<DialogPresenter> dialog;
 };
 
 TEST_F(DialogTest, EveryChangeRebuildsAndALookDoesNot) {

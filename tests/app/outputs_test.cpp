@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 #include "app/output_name.h"
 #include "app/rtf_writer.h"
 #include "support/recording_view.h"
@@ -23,7 +23,7 @@ class OutputsTest : public testing::Test {
     services.folder = folder / "made" / "on demand";
     services.memory.face = u"Plain";
     open_folder_on_first_save = true;
-    dialog = std::make_unique<Dialog>(view, services);
+    dialog = std::make_unique<DialogPresenter>(view, services);
     dialog->Open();
     dialog->TextChanged(u"AB");
   }
@@ -36,7 +36,7 @@ class OutputsTest : public testing::Test {
   test::TemporaryFolder folder;
   test::RecordingView view;
   test::FakeDialogServices services;
-  std::unique_ptr<Dialog> dialog;
+  std::unique_ptr<DialogPresenter> dialog;
 };
 
 TEST_F(OutputsTest, EachButtonWritesWhatFollowsToo) {

@@ -82,7 +82,7 @@ TEST_F(MainWindowTest, EveryControlIsThereAsItsRowSays) {
 TEST_F(MainWindowTest, TypingRebuildsAndUndoIsTheUsersOwn) {
   Show(services);
   QTest::keyClicks(text, "AB");
-  EXPECT_EQ(2u, window->dialog().item_count());
+  EXPECT_EQ(2u, window->presenter().item_count());
   QTest::keyClick(text, Qt::Key_Left, Qt::ShiftModifier);
   Find<QComboBox>(ControlId::kFace)->setEditText("DejaVu Serif");
   EXPECT_EQ("DejaVu Serif", text->font().families().first());
@@ -91,7 +91,7 @@ TEST_F(MainWindowTest, TypingRebuildsAndUndoIsTheUsersOwn) {
   EXPECT_EQ(QColor(Qt::red), text->palette().color(QPalette::Text));
   QTest::keyClick(text, Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ("", text->toPlainText()) << "looks are nothing to undo";
-  EXPECT_EQ(0u, window->dialog().item_count());
+  EXPECT_EQ(0u, window->presenter().item_count());
   QTest::keyClick(text, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
   EXPECT_EQ("AB", text->toPlainText());
 }
@@ -101,12 +101,12 @@ TEST_F(MainWindowTest, AnInputMethodComposesUndisturbed) {
   QTest::keyClicks(text, "A");
   Compose(u"にほ");
   const int formats = static_cast<int>(services.context->created.size());
-  EXPECT_EQ(1u, window->dialog().item_count());
-  window->dialog().FaceChanged(u"DejaVu Serif");
+  EXPECT_EQ(1u, window->presenter().item_count());
+  window->presenter().FaceChanged(u"DejaVu Serif");
   EXPECT_EQ(u"にほ", FromQString(text->textCursor().block().layout()->preeditAreaText()));
   EXPECT_EQ(formats + 1, static_cast<int>(services.context->created.size()));
   Compose(u"", u"BC");
-  EXPECT_EQ(3u, window->dialog().item_count()) << "rebuilt on commit";
+  EXPECT_EQ(3u, window->presenter().item_count()) << "rebuilt on commit";
   EXPECT_EQ("ABC", text->toPlainText());
 }
 
@@ -150,7 +150,7 @@ TEST_F(MainWindowTest, HeightsStayInStepAndListsGoOnFromTheText) {
     typed->selectAll();
     QTest::keyClicks(typed, "25");
     QTest::keyClick(list, Qt::Key_Down);
-    EXPECT_EQ("30", edit->text()) << "the row behind that of the text";
+    EXPECT_EQ("30", edit->text()) << "the row after that of the text";
   }
   auto* face = Find<QComboBox>(ControlId::kFace);
   face->setEditText("Other");
@@ -171,7 +171,7 @@ TEST_F(MainWindowTest, FilesDroppedOnTheTextBoxReachTheWindow) {
   QApplication::sendEvent(text->viewport(), &drop);
   QTest::qWait(1);
   EXPECT_EQ("AB\nC", text->toPlainText());
-  EXPECT_EQ(3u, window->dialog().item_count());
+  EXPECT_EQ(3u, window->presenter().item_count());
   QTest::keyClick(text, Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ("", text->toPlainText());
 }
@@ -191,7 +191,7 @@ TEST_F(MainWindowTest, DropDownListsHaveTheRowsThatFit) {
 TEST_F(MainWindowTest, TheHoleOfAnOIsOpenInTheFigure) {
   SystemServices real;
   Show(real);
-  window->dialog().FaceChanged(u"DejaVu Sans");
+  window->presenter().FaceChanged(u"DejaVu Sans");
   QTest::keyClicks(text, "O");
   auto* preview = Find<QWidget>(ControlId::kPreview);
   QImage picture;
@@ -227,10 +227,10 @@ TEST_F(MainWindowTest, NothingTypedBreaksIt) {
   type("100");
   for (const char* face : {"", "@", "@@", "No such face", "@No such face"}) {
     Find<QComboBox>(ControlId::kFace)->setEditText(face);
-    EXPECT_EQ(window->dialog().contours().counts.size(), window->dialog().item_count());
+    EXPECT_EQ(window->presenter().contours().counts.size(), window->presenter().item_count());
   }
   Find<QComboBox>(ControlId::kFace)->setEditText("DejaVu Sans");
-  EXPECT_EQ(4u, window->dialog().item_count()) << "and it still works";
+  EXPECT_EQ(4u, window->presenter().item_count()) << "and it still works";
 }
 
 TEST_F(MainWindowTest, DarkPalettesKeepEverythingLegible) {

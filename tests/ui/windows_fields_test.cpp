@@ -16,7 +16,7 @@ TEST_F(WindowsMainWindowTest, LooksAreNothingToUndoAndLeaveTheSelection) {
   Show(services);
   const HWND text = Item(ControlId::kText);
   Type(text, L"AB");
-  EXPECT_EQ(2u, main->dialog().item_count());
+  EXPECT_EQ(2u, main->presenter().item_count());
   SendMessageW(text, EM_SETSEL, 1, 2);
   Type(EditOf(ControlId::kFace), L"x");
   Click(ControlId::kVertical);
@@ -27,7 +27,7 @@ TEST_F(WindowsMainWindowTest, LooksAreNothingToUndoAndLeaveTheSelection) {
   EXPECT_EQ(2, selected.cpMax);
   SendMessageW(text, EM_UNDO, 0, 0);
   EXPECT_EQ(L"", WindowText(text));
-  EXPECT_EQ(0u, main->dialog().item_count());
+  EXPECT_EQ(0u, main->presenter().item_count());
 }
 
 TEST_F(WindowsMainWindowTest, TheKeyboardComesToTheEndOfTheTextAndSelectsNothing) {
@@ -40,7 +40,7 @@ TEST_F(WindowsMainWindowTest, TheKeyboardComesToTheEndOfTheTextAndSelectsNothing
   EXPECT_EQ(text, GetFocus());
   Type(text, L"C");
   EXPECT_EQ(L"A\r\nBC", WindowText(text));
-  EXPECT_EQ(3u, main->dialog().item_count());
+  EXPECT_EQ(3u, main->presenter().item_count());
 }
 
 TEST_F(WindowsMainWindowTest, PastedLinesArriveAsLines) {
@@ -54,7 +54,7 @@ TEST_F(WindowsMainWindowTest, PastedLinesArriveAsLines) {
   SetClipboardData(CF_UNICODETEXT, memory);
   CloseClipboard();
   Click(ControlId::kPaste);
-  EXPECT_EQ(3u, main->dialog().item_count());
+  EXPECT_EQ(3u, main->presenter().item_count());
   Click(ControlId::kDxf);
   EXPECT_THAT(services.rtf, testing::HasSubstr("A\\par\r\nB\\par\r\nC"));
 }
@@ -100,7 +100,7 @@ TEST_F(WindowsMainWindowTest, TheFacesStandInOrder) {
   Show(services);
   EXPECT_THAT(listed(), testing::ElementsAre(u"arial", u"Gothic", u"Plain"));
   services.faces = NoFaces().Entries();
-  main->dialog().FillFaces();
+  main->presenter().FillFaces();
   EXPECT_EQ(services.faces, listed()) << "the lines that tell why there is none";
 }
 

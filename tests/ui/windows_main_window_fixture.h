@@ -45,7 +45,7 @@ class WindowsMainWindowTest : public testing::Test {
     window = main->window();
     ASSERT_NE(nullptr, window);
     ShowWindow(window, SW_SHOWNORMAL);
-    main->dialog().FillFaces();
+    main->presenter().FillFaces();
     Pump();
   }
   HWND Item(ControlId id) const { return GetDlgItem(window, static_cast<int>(id)); }

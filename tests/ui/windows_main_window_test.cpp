@@ -208,9 +208,9 @@ TEST_F(WindowsMainWindowTest, DroppedFilesReachTheDialog) {
   GlobalUnlock(memory);
   SendMessageW(window, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
   Pump();
-  EXPECT_EQ(3u, main->dialog().item_count());
+  EXPECT_EQ(3u, main->presenter().item_count());
   SendMessageW(Item(ControlId::kText), EM_UNDO, 0, 0);
-  EXPECT_EQ(0u, main->dialog().item_count());
+  EXPECT_EQ(0u, main->presenter().item_count());
   std::filesystem::remove(file);
 }
 
@@ -264,9 +264,9 @@ TEST_F(WindowsMainWindowTest, LongOutputsAreCancelledInTheirOwnWindow) {
 TEST_F(WindowsMainWindowTest, TheHoleOfAnOIsOpenInTheFigure) {
   SystemServices real;
   Show(real);
-  main->dialog().FaceChanged(u"DejaVu Sans");
-  main->dialog().PolyPolygonClicked(true);
-  main->dialog().TextChanged(u"O");
+  main->presenter().FaceChanged(u"DejaVu Sans");
+  main->presenter().PolyPolygonClicked(true);
+  main->presenter().TextChanged(u"O");
   const HWND preview = Item(ControlId::kPreview);
   RedrawWindow(preview, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
   RECT area{};
@@ -287,7 +287,7 @@ TEST_F(WindowsMainWindowTest, AMinimisedWindowShowsItsIcon) {
   ShowWindow(window, SW_MINIMIZE);
   Pump();
   ASSERT_TRUE(IsIconic(window));
-  EXPECT_TRUE(main->dialog().Close());
+  EXPECT_TRUE(main->presenter().Close());
   EXPECT_EQ((WindowRect{40, 50, 790, 700}), services.saved.window) << "where it comes back";
   SendMessageW(window, WM_PAINT, 0, 0);
   EXPECT_FALSE(GetUpdateRect(window, nullptr, FALSE));

@@ -34,12 +34,12 @@ MainWindow::MainWindow(DialogServices& services) {
   LayOut();
   SetTabOrder();
   DialogView& view = *this;
-  dialog_ = std::make_unique<Dialog>(view, services);
-  preview_->SetDialog(dialog_.get());
+  presenter_ = std::make_unique<DialogPresenter>(view, services);
+  preview_->SetPresenter(presenter_.get());
   ConnectControls();
   due_.setSingleShot(true);
-  connect(&due_, &QTimer::timeout, this, [this] { dialog_->Due(); });
-  dialog_->Open();
+  connect(&due_, &QTimer::timeout, this, [this] { presenter_->Due(); });
+  presenter_->Open();
   text_->setFocus();
 }
 
@@ -64,7 +64,7 @@ QPushButton* MainWindow::AddButton(ControlId id) {
     button->setShortcut(
         QKeySequence::fromString(ToQString(row.shortcut), QKeySequence::PortableText));
   }
-  connect(button, &QPushButton::clicked, this, [this, id] { dialog_->Pressed(id); });
+  connect(button, &QPushButton::clicked, this, [this, id] { presenter_->Pressed(id); });
   return button;
 }
 
@@ -171,7 +171,7 @@ QMenuBar* MainWindow::MakeMenu() {
       if (row.checkable) group->addAction(action);
       actions_[row.command] = action;
       connect(action, &QAction::triggered, this,
-              [this, command = row.command] { dialog_->Chosen(command); });
+              [this, command = row.command] { presenter_->Chosen(command); });
     }
   }
   return bar;
@@ -184,25 +184,26 @@ void MainWindow::ConnectControls() {
     };
   };
   connect(text_, &QTextEdit::textChanged, this,
-          unless_shown([this] { dialog_->TextChanged(text_->Text()); }));
-  connect(face_, &QComboBox::editTextChanged, this,
-          unless_shown([this](const QString& text) { dialog_->FaceChanged(FromQString(text)); }));
-  connect(
-      height_list_, &QComboBox::editTextChanged, this,
-      unless_shown([this](const QString& text) { dialog_->HeightListChanged(FromQString(text)); }));
+          unless_shown([this] { presenter_->TextChanged(text_->Text()); }));
+  connect(face_, &QComboBox::editTextChanged, this, unless_shown([this](const QString& text) {
+            presenter_->FaceChanged(FromQString(text));
+          }));
+  connect(height_list_, &QComboBox::editTextChanged, this,
+          unless_shown(
+              [this](const QString& text) { presenter_->HeightListChanged(FromQString(text)); }));
   height_spin_->on_edited = [this](const QString& text) {
-    dialog_->HeightEditChanged(FromQString(text));
+    presenter_->HeightEditChanged(FromQString(text));
   };
-  height_spin_->on_stepped = [this](int steps) { dialog_->HeightStepped(steps); };
+  height_spin_->on_stepped = [this](int steps) { presenter_->HeightStepped(steps); };
   connect(vertical_, &QCheckBox::toggled, this,
-          unless_shown([this](bool on) { dialog_->VerticalClicked(on); }));
+          unless_shown([this](bool on) { presenter_->VerticalClicked(on); }));
   connect(poly_polygon_, &QCheckBox::toggled, this,
-          unless_shown([this](bool on) { dialog_->PolyPolygonClicked(on); }));
+          unless_shown([this](bool on) { presenter_->PolyPolygonClicked(on); }));
   connect(first_color_, &QComboBox::currentIndexChanged, this, unless_shown([this](int index) {
-            if (index >= 0) dialog_->FirstColorSelected(static_cast<size_t>(index));
+            if (index >= 0) presenter_->FirstColorSelected(static_cast<size_t>(index));
           }));
   connect(second_color_, &QComboBox::currentIndexChanged, this, unless_shown([this](int index) {
-            if (index >= 0) dialog_->SecondColorSelected(static_cast<size_t>(index));
+            if (index >= 0) presenter_->SecondColorSelected(static_cast<size_t>(index));
           }));
 }
 
@@ -217,13 +218,13 @@ void MainWindow::SizeDropDowns() {
 void MainWindow::OpenFiles(const QStringList& files) {
   std::vector<std::filesystem::path> paths;
   for (const QString& file : files) paths.push_back(QStringToPath(file));
-  if (!paths.empty()) dialog_->Dropped(paths);
+  if (!paths.empty()) presenter_->Dropped(paths);
 }
 
 // Events
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  event->setAccepted(dialog_->Close());
+  event->setAccepted(presenter_->Close());
 }
 
 void MainWindow::showEvent(QShowEvent* event) {
@@ -232,7 +233,7 @@ void MainWindow::showEvent(QShowEvent* event) {
   was_shown_ = true;
   // The window stands before the faces are listed.
   QTimer::singleShot(0, this, [this] {
-    dialog_->FillFaces();
+    presenter_->FillFaces();
     SizeDropDowns();
   });
 }
@@ -244,7 +245,7 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
 
 void MainWindow::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
-  if (event->type() != QEvent::PaletteChange || !dialog_) return;
+  if (event->type() != QEvent::PaletteChange || !presenter_) return;
   ShowTextColors();
   ShowStatusColor();
   preview_->Repaint();
@@ -261,7 +262,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
   }
   event->acceptProposedAction();
   // The drag's source waits for the answer; a message may stand long.
-  QTimer::singleShot(0, this, [this, files] { dialog_->Dropped(files); });
+  QTimer::singleShot(0, this, [this, files] { presenter_->Dropped(files); });
 }
 
 }  // namespace kerno

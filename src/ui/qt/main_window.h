@@ -8,7 +8,7 @@
 #include <map>
 #include <memory>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 
 class QAction;
 class QCheckBox;
@@ -35,7 +35,7 @@ class MainWindow final : public QWidget, private DialogView {
   // Takes files as if they had been dropped.
   void OpenFiles(const QStringList& files);
 
-  Dialog& dialog() { return *dialog_; }
+  DialogPresenter& presenter() { return *presenter_; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -103,7 +103,7 @@ class MainWindow final : public QWidget, private DialogView {
   std::u16string shown_face_;
   Color shown_color_ = 0;
   StatusKind status_kind_ = StatusKind::kNormal;
-  std::unique_ptr<Dialog> dialog_;
+  std::unique_ptr<DialogPresenter> presenter_;
 };
 
 }  // namespace kerno

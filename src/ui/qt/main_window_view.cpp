@@ -14,7 +14,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "app/raised.h"
+#include "app/scoped_flag.h"
 #include "app/status_text.h"
 #include "ui/qt/combos.h"
 #include "ui/qt/main_window.h"
@@ -30,12 +30,12 @@ constexpr int kProgressAfter = 500;  // milliseconds until progress is shown
 }  // namespace
 
 void MainWindow::ShowText(std::u16string_view text, TextChange change) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   text_->ShowText(text, change);
 }
 
 void MainWindow::ShowTextFormat(std::u16string_view face, Color color) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   shown_face_ = face.substr(std::min(face.find_first_not_of(u'@'), face.size()));
   shown_color_ = color;
   ShowTextColors();
@@ -47,12 +47,12 @@ void MainWindow::ShowTextColors() {
 }
 
 void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   face_->ShowFaces(faces);
 }
 
 void MainWindow::ShowControlText(ControlId id, std::u16string_view text) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   QWidget* control = controls_.at(id);
   const QString shown = ToQString(text);
   if (auto* combo = qobject_cast<QComboBox*>(control)) {
@@ -63,12 +63,12 @@ void MainWindow::ShowControlText(ControlId id, std::u16string_view text) {
 }
 
 void MainWindow::ShowChecked(ControlId id, bool checked) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   static_cast<QCheckBox*>(controls_.at(id))->setChecked(checked);
 }
 
 void MainWindow::ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   static_cast<ColorCombo*>(controls_.at(id))->ShowColors(colors, selected);
 }
 
@@ -108,8 +108,8 @@ void MainWindow::RepaintPreview() {
 }
 
 void MainWindow::ShowMessage(std::u16string_view text) {
-  auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(), ToQString(text), QMessageBox::Ok,
-                              this);
+  auto* box =
+      new QMessageBox(QMessageBox::Warning, windowTitle(), ToQString(text), QMessageBox::Ok, this);
   box->setTextFormat(Qt::PlainText);
   box->setAttribute(Qt::WA_DeleteOnClose);
   box->open();

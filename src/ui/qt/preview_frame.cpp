@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <QWheelEvent>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 #include "ui/qt/qt_text.h"
 
 namespace kerno {
@@ -34,11 +34,11 @@ void PreviewFrame::PaintPicture() {
   const double ratio = devicePixelRatioF();
   const QSize size = contentsRect().size() * ratio;
   const Color base = FromQColor(palette().color(QPalette::Base));
-  const Color paper = dialog_ ? dialog_->PaperBehind(base) : base;
+  const Color paper = presenter_ ? presenter_->PaperBehind(base) : base;
   picture_ = {};
   surface_ = CreateBitmapSurface(size.width(), size.height(), paper);
   if (!surface_) return;
-  if (dialog_) dialog_->PaintPreview(surface_->Context(), ratio);
+  if (presenter_) presenter_->PaintPreview(surface_->Context(), ratio);
   picture_ = QImage(surface_->Pixels().data(), size.width(), size.height(), QImage::Format_RGB32);
   picture_.setDevicePixelRatio(ratio);
 }
@@ -56,7 +56,7 @@ void PreviewFrame::paintEvent(QPaintEvent*) {
 
 void PreviewFrame::resizeEvent(QResizeEvent* event) {
   QFrame::resizeEvent(event);
-  if (dialog_) dialog_->PreviewResized(contentsRect().width(), contentsRect().height());
+  if (presenter_) presenter_->PreviewResized(contentsRect().width(), contentsRect().height());
 }
 
 void PreviewFrame::changeEvent(QEvent* event) {
@@ -66,7 +66,7 @@ void PreviewFrame::changeEvent(QEvent* event) {
 
 void PreviewFrame::wheelEvent(QWheelEvent* event) {
   const QPointF at = event->position() - contentsRect().topLeft();
-  dialog_->PreviewZoomed(at.x(), at.y(), event->angleDelta().y() / kWheelStep);
+  presenter_->PreviewZoomed(at.x(), at.y(), event->angleDelta().y() / kWheelStep);
   event->accept();
 }
 
@@ -81,7 +81,7 @@ void PreviewFrame::mouseMoveEvent(QMouseEvent* event) {
   if (!drags_) return;
   const QPointF moved = event->position() - drag_from_;
   drag_from_ = event->position();
-  dialog_->PreviewDragged(moved.x(), moved.y());
+  presenter_->PreviewDragged(moved.x(), moved.y());
 }
 
 void PreviewFrame::mouseReleaseEvent(QMouseEvent*) {
@@ -90,26 +90,26 @@ void PreviewFrame::mouseReleaseEvent(QMouseEvent*) {
 }
 
 void PreviewFrame::mouseDoubleClickEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) dialog_->PreviewDoubleClicked();
+  if (event->button() == Qt::LeftButton) presenter_->PreviewDoubleClicked();
 }
 
 void PreviewFrame::keyPressEvent(QKeyEvent* event) {
   const double x = contentsRect().width() / 2.0, y = contentsRect().height() / 2.0;
   switch (event->key()) {
     case Qt::Key_Plus:
-      return dialog_->PreviewZoomed(x, y, 1);
+      return presenter_->PreviewZoomed(x, y, 1);
     case Qt::Key_Minus:
-      return dialog_->PreviewZoomed(x, y, -1);
+      return presenter_->PreviewZoomed(x, y, -1);
     case Qt::Key_0:
-      return dialog_->PreviewDoubleClicked();
+      return presenter_->PreviewDoubleClicked();
     case Qt::Key_Left:
-      return dialog_->PreviewDragged(kKeyStep, 0);
+      return presenter_->PreviewDragged(kKeyStep, 0);
     case Qt::Key_Right:
-      return dialog_->PreviewDragged(-kKeyStep, 0);
+      return presenter_->PreviewDragged(-kKeyStep, 0);
     case Qt::Key_Up:
-      return dialog_->PreviewDragged(0, kKeyStep);
+      return presenter_->PreviewDragged(0, kKeyStep);
     case Qt::Key_Down:
-      return dialog_->PreviewDragged(0, -kKeyStep);
+      return presenter_->PreviewDragged(0, -kKeyStep);
     default:
       QFrame::keyPressEvent(event);
   }

@@ -57,14 +57,14 @@ MainWindow::MainWindow(HINSTANCE instance, DialogServices& services) : instance_
                      reinterpret_cast<LPARAM>(this));
   if (window_ == nullptr) return;
   DialogView& view = *this;
-  dialog_ = std::make_unique<Dialog>(view, services);
+  presenter_ = std::make_unique<DialogPresenter>(view, services);
   LayOut();
-  dialog_->Open();
+  presenter_->Open();
   SizeDropDowns();
 }
 
 MainWindow::~MainWindow() {
-  dialog_.reset();
+  presenter_.reset();
   suggestions_.reset();
   if (window_ != nullptr) DestroyWindow(window_);
   if (accelerators_ != nullptr) DestroyAcceleratorTable(accelerators_);
@@ -79,7 +79,7 @@ int MainWindow::Run(int show, const std::vector<std::filesystem::path>& files) {
   ShowWindow(window_, show);
   SetFocus(text_->control());
   PostMessageW(window_, kFillFaces, 0, 0);
-  if (!files.empty()) dialog_->Dropped(files);
+  if (!files.empty()) presenter_->Dropped(files);
   MSG message{};
   while (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
   return static_cast<int>(message.wParam);
@@ -94,7 +94,7 @@ void MainWindow::Dispatch(MSG& message) {
   DispatchMessageW(&message);
 }
 
-// The Alt key that comes up behind another key opens no menu, whoever took that key.
+// The Alt key that comes up after another key opens no menu, whoever took that key.
 bool MainWindow::EndsShortcut(const MSG& message) {
   const bool goes_up = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
   if (goes_up && message.wParam == VK_MENU) return std::exchange(alt_was_used_, false);
@@ -165,7 +165,7 @@ void MainWindow::InitDialog() {
   suggestions_.emplace(instance_, Item(ControlId::kFace));
   suggestions_->on_chosen = [this](std::u16string_view face) {
     ShowControlText(ControlId::kFace, face);
-    dialog_->FaceChanged(face);
+    presenter_->FaceChanged(face);
   };
   hints_ = AddControlHints(instance_, window_);
   AddControlNames(window_);

@@ -1,5 +1,5 @@
 // The main window as a dialog of the system: controls from a resource, no toolkit. It shows and
-// forwards; the decisions are Dialog's.
+// forwards; the decisions are DialogPresenter's.
 #pragma once
 
 #include <map>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 #include "platform/drawing.h"
 #include "platform/win32/windows_api.h"
 #include "ui/win32/face_suggestions.h"
@@ -32,7 +32,7 @@ class MainWindow final : private DialogView {
   void Dispatch(MSG& message);
 
   HWND window() const { return window_; }
-  Dialog& dialog() { return *dialog_; }
+  DialogPresenter& presenter() { return *presenter_; }
 
  private:
   // DialogView
@@ -119,7 +119,7 @@ class MainWindow final : private DialogView {
   std::optional<TextBox> text_;
   std::optional<FaceSuggestions> suggestions_;
   std::optional<ProgressWindow> progress_;
-  std::unique_ptr<Dialog> dialog_;
+  std::unique_ptr<DialogPresenter> presenter_;
   std::unique_ptr<BitmapSurface> picture_;  // of the preview
   bool picture_is_stale_ = true;
   bool shows_ = false;          // what comes from the controls meanwhile is an echo

@@ -24,11 +24,11 @@ bool MayComplete(int notification) {
 }  // namespace
 
 INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
-  if (!dialog_) return FALSE;
+  if (!presenter_) return FALSE;
   switch (message) {
     case WM_SYSCOMMAND:
       if (static_cast<int>(wparam & 0xFFF0) != static_cast<int>(MenuCommand::kAbout)) return FALSE;
-      dialog_->Chosen(MenuCommand::kAbout);
+      presenter_->Chosen(MenuCommand::kAbout);
       return TRUE;
     case WM_PAINT:
       if (!IsIconic(window_)) return FALSE;
@@ -68,25 +68,25 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_TIMER:
       if (wparam != kDueTimer) return FALSE;
       KillTimer(window_, kDueTimer);
-      dialog_->Due();
+      presenter_->Due();
       return TRUE;
     case WM_SYSCOLORCHANGE:
       ShowTextFormat(shown_face_, shown_color_);
       RepaintPreview();
       return FALSE;
     case WM_CLOSE:
-      if (dialog_->Close()) PostQuitMessage(0);
+      if (presenter_->Close()) PostQuitMessage(0);
       return TRUE;
     case WM_QUERYENDSESSION:
-      SetWindowLongPtrW(window_, DWLP_MSGRESULT, dialog_->Close() ? TRUE : FALSE);
+      SetWindowLongPtrW(window_, DWLP_MSGRESULT, presenter_->Close() ? TRUE : FALSE);
       return TRUE;
     case WM_ENDSESSION:
       if (wparam == FALSE) return FALSE;
-      (void)dialog_->Close();  // what was typed since the question
+      (void)presenter_->Close();  // what was typed since the question
       PostQuitMessage(0);
       return TRUE;
     case kFillFaces:
-      dialog_->FillFaces();
+      presenter_->FillFaces();
       SizeDropDowns();
       return TRUE;
     case kDropped:
@@ -137,14 +137,14 @@ void MainWindow::ComboChanged(ControlId id, int notification) {
   const LRESULT selected = Send(id, CB_GETCURSEL);
   switch (id) {
     case ControlId::kFace:
-      return dialog_->FaceChanged(ComboText(id, notification));
+      return presenter_->FaceChanged(ComboText(id, notification));
     case ControlId::kHeightList:
-      return dialog_->HeightListChanged(ComboText(id, notification));
+      return presenter_->HeightListChanged(ComboText(id, notification));
     case ControlId::kFirstColor:
-      if (selected >= 0) dialog_->FirstColorSelected(static_cast<size_t>(selected));
+      if (selected >= 0) presenter_->FirstColorSelected(static_cast<size_t>(selected));
       return;
     default:
-      if (selected >= 0) dialog_->SecondColorSelected(static_cast<size_t>(selected));
+      if (selected >= 0) presenter_->SecondColorSelected(static_cast<size_t>(selected));
   }
 }
 
@@ -155,7 +155,7 @@ bool MainWindow::Command(int number, int notification) {
       return true;  // Enter in a field presses it, and it does nothing
     case ControlId::kText:
       if (notification != EN_CHANGE) return false;
-      if (!shows_ && !text_->IsComposing()) dialog_->TextChanged(text_->Text());
+      if (!shows_ && !text_->IsComposing()) presenter_->TextChanged(text_->Text());
       return true;
     case ControlId::kFace:
     case ControlId::kHeightList:
@@ -169,13 +169,13 @@ bool MainWindow::Command(int number, int notification) {
       return true;
     case ControlId::kHeightEdit:
       if (notification != EN_CHANGE) return false;
-      if (!shows_) dialog_->HeightEditChanged(TextOf(id));
+      if (!shows_) presenter_->HeightEditChanged(TextOf(id));
       return true;
     case ControlId::kVertical:
-      dialog_->VerticalClicked(IsDlgButtonChecked(window_, number) == BST_CHECKED);
+      presenter_->VerticalClicked(IsDlgButtonChecked(window_, number) == BST_CHECKED);
       return true;
     case ControlId::kPolyPolygon:
-      dialog_->PolyPolygonClicked(IsDlgButtonChecked(window_, number) == BST_CHECKED);
+      presenter_->PolyPolygonClicked(IsDlgButtonChecked(window_, number) == BST_CHECKED);
       return true;
     case ControlId::kPreview:
     case ControlId::kStatus:
@@ -188,12 +188,12 @@ bool MainWindow::Command(int number, int notification) {
   for (const MenuColumn& column : Menu()) {
     for (const MenuRow& row : column.rows) {
       if (static_cast<int>(row.command) != number) continue;
-      dialog_->Chosen(row.command);
+      presenter_->Chosen(row.command);
       return true;
     }
   }
   for (const ControlRow& row : Controls()) {
-    if (row.id == id) dialog_->Pressed(id);
+    if (row.id == id) presenter_->Pressed(id);
   }
   return true;
 }
@@ -212,7 +212,7 @@ bool MainWindow::Notify(const NMHDR& header) {
       header.idFrom != static_cast<UINT_PTR>(ControlId::kHeightSpin)) {
     return false;
   }
-  dialog_->HeightStepped(reinterpret_cast<const NMUPDOWN&>(header).iDelta);
+  presenter_->HeightStepped(reinterpret_cast<const NMUPDOWN&>(header).iDelta);
   SetWindowLongPtrW(window_, DWLP_MSGRESULT, TRUE);  // the edit holds the number, not the control
   return true;
 }
@@ -235,7 +235,7 @@ void MainWindow::Dropped(HDROP drop) {
     files.emplace_back(name);
   }
   DragFinish(drop);
-  dialog_->Dropped(files);
+  presenter_->Dropped(files);
 }
 
 }  // namespace kerno

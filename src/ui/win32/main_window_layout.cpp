@@ -70,7 +70,7 @@ void MainWindow::LayOut() {
 
   RECT frame{};
   GetClientRect(Item(ControlId::kPreview), &frame);
-  if (dialog_) dialog_->PreviewResized(frame.right, frame.bottom);
+  if (presenter_) presenter_->PreviewResized(frame.right, frame.bottom);
   picture_.reset();
   // A control that was placed has left its picture on those that are still to move.
   RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);

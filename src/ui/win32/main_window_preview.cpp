@@ -17,10 +17,10 @@ void MainWindow::PaintPreview(HDC dc) {
   GetClientRect(Item(ControlId::kPreview), &frame);
   if (frame.right <= 0 || frame.bottom <= 0) return;
   if (!picture_ || picture_is_stale_) {
-    const Color paper = dialog_->PaperBehind(GetSysColor(COLOR_WINDOW));
+    const Color paper = presenter_->PaperBehind(GetSysColor(COLOR_WINDOW));
     picture_ = CreateBitmapSurface(frame.right, frame.bottom, paper);
     if (!picture_) return;
-    dialog_->PaintPreview(picture_->Context(), kDensity);
+    presenter_->PaintPreview(picture_->Context(), kDensity);
     picture_is_stale_ = false;
   }
   BITMAPINFO info{};
@@ -45,7 +45,7 @@ LRESULT CALLBACK MainWindow::PreviewProc(HWND window, UINT message, WPARAM wpara
 
 LRESULT MainWindow::ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam) {
   const HWND preview = Item(ControlId::kPreview);
-  if (!dialog_) return DefSubclassProc(preview, message, wparam, lparam);
+  if (!presenter_) return DefSubclassProc(preview, message, wparam, lparam);
   switch (message) {
     case WM_PAINT: {
       PAINTSTRUCT paint{};
@@ -64,8 +64,8 @@ LRESULT MainWindow::ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam)
     case WM_MOUSEWHEEL: {
       POINT at = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
       ScreenToClient(preview, &at);
-      dialog_->PreviewZoomed(at.x, at.y,
-                             static_cast<double>(GET_WHEEL_DELTA_WPARAM(wparam)) / WHEEL_DELTA);
+      presenter_->PreviewZoomed(at.x, at.y,
+                                static_cast<double>(GET_WHEEL_DELTA_WPARAM(wparam)) / WHEEL_DELTA);
       return 0;
     }
     case WM_LBUTTONDOWN:
@@ -76,7 +76,7 @@ LRESULT MainWindow::ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam)
     case WM_MOUSEMOVE: {
       if (!drag_from_) return 0;
       const POINT at = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
-      dialog_->PreviewDragged(at.x - drag_from_->x, at.y - drag_from_->y);
+      presenter_->PreviewDragged(at.x - drag_from_->x, at.y - drag_from_->y);
       drag_from_ = at;
       return 0;
     }
@@ -86,7 +86,7 @@ LRESULT MainWindow::ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam)
       if (message == WM_LBUTTONUP) ReleaseCapture();
       return 0;
     case WM_LBUTTONDBLCLK:
-      dialog_->PreviewDoubleClicked();
+      presenter_->PreviewDoubleClicked();
       return 0;
     case WM_KEYDOWN:
       if (PreviewKey(wparam)) return 0;
@@ -105,27 +105,27 @@ bool MainWindow::PreviewKey(WPARAM key) {
   switch (key) {
     case VK_ADD:
     case VK_OEM_PLUS:
-      dialog_->PreviewZoomed(x, y, 1);
+      presenter_->PreviewZoomed(x, y, 1);
       return true;
     case VK_SUBTRACT:
     case VK_OEM_MINUS:
-      dialog_->PreviewZoomed(x, y, -1);
+      presenter_->PreviewZoomed(x, y, -1);
       return true;
     case '0':
     case VK_NUMPAD0:
-      dialog_->PreviewDoubleClicked();
+      presenter_->PreviewDoubleClicked();
       return true;
     case VK_LEFT:
-      dialog_->PreviewDragged(kKeyStep, 0);
+      presenter_->PreviewDragged(kKeyStep, 0);
       return true;
     case VK_RIGHT:
-      dialog_->PreviewDragged(-kKeyStep, 0);
+      presenter_->PreviewDragged(-kKeyStep, 0);
       return true;
     case VK_UP:
-      dialog_->PreviewDragged(0, kKeyStep);
+      presenter_->PreviewDragged(0, kKeyStep);
       return true;
     case VK_DOWN:
-      dialog_->PreviewDragged(0, -kKeyStep);
+      presenter_->PreviewDragged(0, -kKeyStep);
       return true;
     default:
       return false;

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "app/controls.h"
-#include "app/raised.h"
+#include "app/scoped_flag.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_hints.h"
 #include "ui/win32/main_window.h"
@@ -64,19 +64,19 @@ BOOL CALLBACK CollectWorkArea(HMONITOR monitor, HDC /*dc*/, LPRECT /*place*/, LP
 }  // namespace
 
 void MainWindow::ShowText(std::u16string_view text, TextChange change) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   text_->ShowText(text, change);
 }
 
 void MainWindow::ShowTextFormat(std::u16string_view face, Color color) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   shown_face_ = std::u16string(face);
   shown_color_ = color;
   text_->ShowFormat(face, color, dpi_);
 }
 
 void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   const HWND combo = Item(ControlId::kFace);
   const std::u16string typed = TextOf(ControlId::kFace);
   SendMessageW(combo, WM_SETREDRAW, FALSE, 0);
@@ -91,7 +91,7 @@ void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
 }
 
 void MainWindow::ShowControlText(ControlId id, std::u16string_view text) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   if (TextOf(id) != text) SetWindowTextW(Item(id), ToWide(text).c_str());
 }
 
@@ -100,7 +100,7 @@ void MainWindow::ShowChecked(ControlId id, bool checked) {
 }
 
 void MainWindow::ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   const HWND combo = Item(id);
   SendMessageW(combo, CB_RESETCONTENT, 0, 0);
   for (const ColorChoice& choice : colors) {
@@ -149,7 +149,7 @@ void MainWindow::ShowMessage(std::u16string_view text) {
 }
 
 void MainWindow::ShowWaitingMessages() {
-  const Raised raised(shows_message_);
+  const ScopedFlag writing(shows_message_);
   while (!messages_.empty()) {
     const std::wstring text = std::move(messages_.front());
     messages_.erase(messages_.begin());
