@@ -1,6 +1,7 @@
 #include "app/dialog_presenter.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 
 #include "app/height_text.h"
@@ -14,10 +15,10 @@
 namespace kerno {
 namespace {
 
-constexpr uint32_t kSlowRebuild = 60;   // milliseconds from which changes are gathered
-constexpr double kPreviewDetail = 0.5;  // pixels
-constexpr double kFlat = 2;             // pixels
-constexpr int kGatherFor = 250;         // milliseconds without a change until they are set
+constexpr uint32_t kSlowRebuild = 60;  // milliseconds from which changes are gathered
+constexpr DrawOptions kPreviewOptions = {.detail = 0.5};
+constexpr double kFlat = 2;      // pixels
+constexpr int kGatherFor = 250;  // milliseconds without a change until they are set
 
 size_t IndexOf(Color color) {
   const auto& colors = NamedColors();
@@ -86,8 +87,9 @@ void DialogPresenter::Open() {
   view_.ShowControl(ControlId::kUpload, services_.CanUpload());
   ShowColors();
   ShowMenu();
-  const WindowRect place = KeepInSight(memory_.window, view_.Screens());
-  if (place != WindowRect{}) view_.MoveWindow(place);
+  WindowPlace place = memory_.window;
+  place.normal = KeepInSight(place.normal, view_.Screens());
+  view_.PlaceWindow(place);
   Rebuild();
 }
 
@@ -101,7 +103,9 @@ void DialogPresenter::FillFaces() {
 bool DialogPresenter::Close() {
   const bool last = told_unsaved_;
   if (last) ReplaceNotices(nullptr);  // told once
-  if (const auto place = view_.WindowPlace()) memory_.window = *place;
+  const WindowPlace place = view_.PlaceOfWindow();
+  memory_.window.show = place.show;
+  if (place.show != WindowShow::kMinimised) memory_.window.normal = place.normal;
   const Status saved = services_.Save(memory_);
   const bool text_saved = services_.SaveText(text_).ok();  // tells its failure itself
   if (last) ReplaceNotices(this);
@@ -113,7 +117,46 @@ bool DialogPresenter::Close() {
   return false;
 }
 
-void DialogPresenter::TextChanged(std::u16string_view text) {
+void DialogPresenter::TextChanged(ControlId control, std::u16string_view text) {
+  switch (control) {
+    case ControlId::kText:
+      return LinesChanged(text);
+    case ControlId::kFace:
+      return FaceChanged(text);
+    case ControlId::kHeightList:
+      return HeightChanged(text, ControlId::kHeightEdit);
+    case ControlId::kHeightEdit:
+      return HeightChanged(text, ControlId::kHeightList);
+    default:
+      return;
+  }
+}
+
+void DialogPresenter::Checked(ControlId box, bool checked) {
+  switch (box) {
+    case ControlId::kVertical:
+      memory_.vertical = checked;
+      return Changed();
+    case ControlId::kPolyPolygon:
+      return PolyPolygonClicked(checked);
+    default:
+      return;
+  }
+}
+
+void DialogPresenter::Selected(ControlId list, size_t index) {
+  if (list == ControlId::kFirstColor) return FirstColorSelected(index);
+  memory_.second_color = std::min(index, second_colors_.size() - 1);
+  view_.RepaintPreview();
+}
+
+void DialogPresenter::Stepped(ControlId /*up_down*/, int steps) {
+  const std::u16string text = SteppedHeight(memory_.height, steps);
+  view_.ShowControlText(ControlId::kHeightEdit, text);
+  HeightChanged(text, ControlId::kHeightList);
+}
+
+void DialogPresenter::LinesChanged(std::u16string_view text) {
   std::u16string lines = LinesOf(text);
   if (lines == text_) return;  // a change of looks alone
   text_ = std::move(lines);
@@ -126,29 +169,11 @@ void DialogPresenter::FaceChanged(std::u16string_view face) {
   Changed();
 }
 
-void DialogPresenter::VerticalClicked(bool vertical) {
-  memory_.vertical = vertical;
-  Changed();
-}
-
-void DialogPresenter::HeightListChanged(std::u16string_view text) {
+void DialogPresenter::HeightChanged(std::u16string_view text, ControlId shown_too) {
   if (memory_.height == text) return;
   memory_.height = text;
-  view_.ShowControlText(ControlId::kHeightEdit, text);
+  view_.ShowControlText(shown_too, text);
   Changed();
-}
-
-void DialogPresenter::HeightEditChanged(std::u16string_view text) {
-  if (memory_.height == text) return;
-  memory_.height = text;
-  view_.ShowControlText(ControlId::kHeightList, text);
-  Changed();
-}
-
-void DialogPresenter::HeightStepped(int steps) {
-  const std::u16string text = SteppedHeight(memory_.height, steps);
-  view_.ShowControlText(ControlId::kHeightEdit, text);
-  HeightEditChanged(text);
 }
 
 void DialogPresenter::PolyPolygonClicked(bool use) {
@@ -165,11 +190,6 @@ void DialogPresenter::FirstColorSelected(size_t index) {
   second_colors_ = FollowingColors(NamedColors()[first_color_]);
   view_.ShowColors(ControlId::kSecondColor, second_colors_, memory_.second_color);
   ShowTextFormat();
-  view_.RepaintPreview();
-}
-
-void DialogPresenter::SecondColorSelected(size_t index) {
-  memory_.second_color = std::min(index, second_colors_.size() - 1);
   view_.RepaintPreview();
 }
 
@@ -191,6 +211,7 @@ void DialogPresenter::Due() {
 
 void DialogPresenter::Rebuild() {
   is_pending_ = false;
+  unseen_.clear();
   const uint32_t start = CurrentClock().Ticks();
   ShowTextFormat();
   contours_ = {};
@@ -247,10 +268,6 @@ Color DialogPresenter::FirstColor() const {
   return NamedColors()[first_color_].color;
 }
 
-Color DialogPresenter::PaperBehind(Color paper) const {
-  return PaperFor(FirstColor(), paper);
-}
-
 void DialogPresenter::ShowColors() {
   view_.ShowColors(ControlId::kFirstColor, NamedColors(), first_color_);
   view_.ShowColors(ControlId::kSecondColor, second_colors_, memory_.second_color);
@@ -259,7 +276,12 @@ void DialogPresenter::ShowColors() {
 void DialogPresenter::ShowStatus(std::u16string text, StatusKind kind) {
   shown_status_ = std::move(text);
   shown_status_kind_ = kind;
-  view_.ShowStatus(shown_status_, kind);
+  ShowStatusAgain();
+}
+
+void DialogPresenter::ShowStatusAgain() {
+  const bool warns = shown_status_kind_ == StatusKind::kNormal && !unseen_.empty();
+  view_.ShowStatus(shown_status_ + unseen_, warns ? StatusKind::kWarning : shown_status_kind_);
 }
 
 // The preview
@@ -288,9 +310,19 @@ void DialogPresenter::PreviewZoomed(double x, double y, double steps) {
   view_.RepaintPreview();
 }
 
-void DialogPresenter::PreviewDragged(double dx, double dy) {
-  preview_.Pan(dx, dy);
+void DialogPresenter::PreviewGrabbed(double x, double y) {
+  grabbed_at_ = P2{x, y};
+}
+
+void DialogPresenter::PreviewPointedAt(double x, double y) {
+  if (!grabbed_at_) return;
+  preview_.Pan(x - grabbed_at_->x, y - grabbed_at_->y);
+  grabbed_at_ = P2{x, y};
   view_.RepaintPreview();
+}
+
+void DialogPresenter::PreviewReleased() {
+  grabbed_at_.reset();
 }
 
 void DialogPresenter::PreviewDoubleClicked() {
@@ -298,15 +330,48 @@ void DialogPresenter::PreviewDoubleClicked() {
   view_.RepaintPreview();
 }
 
+bool DialogPresenter::PreviewKeyPressed(char16_t key) {
+  for (const PreviewKeyRow& row : PreviewKeys()) {
+    if (row.key != key) continue;
+    if (row.zoom_steps != 0) {
+      preview_.ZoomAt(preview_.width() / 2, preview_.height() / 2, row.zoom_steps);
+    } else if (row.right != 0 || row.down != 0) {
+      preview_.Pan(row.right, row.down);
+    } else {
+      preview_.ShowAll();
+    }
+    view_.RepaintPreview();
+    return true;
+  }
+  return false;
+}
+
+std::unique_ptr<BitmapSurface> DialogPresenter::PreviewPicture(double density, Color paper) {
+  const auto pixels = [density](double length) {
+    return static_cast<int>(std::lround(length * density));
+  };
+  auto picture = CreateBitmapSurface(pixels(preview_.width()), pixels(preview_.height()),
+                                     PaperFor(FirstColor(), paper));
+  if (picture) PaintPreview(picture->Context(), density);
+  return picture;
+}
+
 void DialogPresenter::PaintPreview(DrawingContext& dc, double density) {
-  const DrawOptions options = {.detail = kPreviewDetail};
   const Affine& frame = preview_.fit();
   const Affine fit =
       FlippedY(PixelsPerUnit(frame) * density, {frame.to.x * density, frame.to.y * density});
-  if (!DrawsContours()) {
-    DrawParts(dc, is_pending_ ? parts_ : parts(), fit, options);
-    return;
+  std::u16string unseen;
+  if (DrawsContours()) {
+    PaintFigure(dc, fit);
+  } else {
+    unseen = DescribeUnseen(DrawParts(dc, is_pending_ ? parts_ : parts(), fit, kPreviewOptions));
   }
+  if (unseen == unseen_) return;
+  unseen_ = std::move(unseen);
+  ShowStatusAgain();
+}
+
+void DialogPresenter::PaintFigure(DrawingContext& dc, const Affine& fit) {
   // An outline in the figure's own colour would only make it bolder than it is, unless the figure
   // is too flat to be seen without.
   const Color outline = second_colors_[memory_.second_color].color;
@@ -318,7 +383,7 @@ void DialogPresenter::PaintPreview(DrawingContext& dc, double density) {
   const auto brush = dc.CreateBrushIndirect({.color = FirstColor()});
   Pen* const pen_before = dc.SelectPen(pen.get());
   Brush* const brush_before = dc.SelectBrush(brush.get());
-  DrawContours(dc, contours_, fit, options);
+  DrawContours(dc, contours_, fit, kPreviewOptions);
   dc.SelectPen(pen_before);
   dc.SelectBrush(brush_before);
 }

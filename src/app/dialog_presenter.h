@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -46,16 +47,11 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   // so that nothing typed is lost. The next call lets it go, unless something was changed.
   bool Close();
 
-  // Events.
-  void TextChanged(std::u16string_view text);
-  void FaceChanged(std::u16string_view face);  // typed or selected
-  void VerticalClicked(bool vertical);
-  void HeightListChanged(std::u16string_view text);  // typed or selected
-  void HeightEditChanged(std::u16string_view text);
-  void HeightStepped(int steps);
-  void PolyPolygonClicked(bool use);
-  void FirstColorSelected(size_t index);
-  void SecondColorSelected(size_t index);
+  // Events of the controls. What a control has, it has by typing or by selection.
+  void TextChanged(ControlId control, std::u16string_view text);
+  void Checked(ControlId box, bool checked);
+  void Selected(ControlId list, size_t index);
+  void Stepped(ControlId up_down, int steps);
   void Pressed(ControlId button);
   void Chosen(MenuCommand command);
   void Dropped(const std::vector<std::filesystem::path>& files);
@@ -64,15 +60,18 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   // The preview: its frame in pixels, what the user does in it, and painting.
   void PreviewResized(double width, double height);
   void PreviewZoomed(double x, double y, double steps);
-  void PreviewDragged(double dx, double dy);
+  void PreviewGrabbed(double x, double y);
+  void PreviewPointedAt(double x, double y);
+  void PreviewReleased();
   void PreviewDoubleClicked();
-  // Draws on a context that covers the frame with `density` pixels for each of the frame's. What is
-  // smaller than half a pixel of the context may be left out.
+  // A character, or an arrow for its key. Whether it does something.
+  bool PreviewKeyPressed(char16_t key);
+  // The frame's picture with `density` pixels for each of the frame's, on paper of the colour given
+  // or of one on which the text can be read. Null where nothing of that size can be made.
+  std::unique_ptr<BitmapSurface> PreviewPicture(double density, Color paper);
+  // Draws on a context that covers the frame. What is smaller than half a pixel of the context may
+  // be left out.
   void PaintPreview(DrawingContext& dc, double density);
-
-  // The colour behind text and figure on paper of this colour: the paper's own, or one on which the
-  // text can be read.
-  Color PaperBehind(Color paper) const;
 
   // State, for tests and for writing it out.
   const GlyphContours& contours() const { return contours_; }
@@ -91,6 +90,11 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void ClearWait() override;
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;
 
+  void LinesChanged(std::u16string_view text);
+  void FaceChanged(std::u16string_view face);
+  void HeightChanged(std::u16string_view text, ControlId shown_too);
+  void PolyPolygonClicked(bool use);
+  void FirstColorSelected(size_t index);
   void Changed();
   void Rebuild();
   void SetTextAnew();
@@ -99,8 +103,10 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void ShowColors();
   void ShowMenu();
   void ShowStatus(std::u16string text, StatusKind kind);
+  void ShowStatusAgain();
   Extent3 DrawingBox();
   bool DrawsContours() const;
+  void PaintFigure(DrawingContext& dc, const Affine& fit);
   Color FirstColor() const;
   OutputSubject Subject() const;
   void WriteOutput(OutputKind kind);
@@ -119,6 +125,7 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   Typesetter typesetter_;
   Outputs outputs_;
   PreviewModel preview_;
+  std::optional<P2> grabbed_at_;
 
   // The controls' contents; the persisting ones in `memory_`.
   DialogMemory memory_;
@@ -139,6 +146,7 @@ class DialogPresenter final : private OutputNotifier, private Notices {
 
   std::u16string shown_status_;
   StatusKind shown_status_kind_ = StatusKind::kNormal;
+  std::u16string unseen_;  // what the preview cannot show of the drawing, for the status
 
   // What the outputs under way came to.
   bool collects_ = false;

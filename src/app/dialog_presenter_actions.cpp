@@ -199,12 +199,13 @@ void DialogPresenter::ShowWait(std::u16string_view text) {
 }
 
 void DialogPresenter::ClearWait() {
-  view_.ShowStatus(shown_status_, shown_status_kind_);
+  ShowStatusAgain();
 }
 
 Continue DialogPresenter::Progress(std::u16string_view text, int64_t done, int64_t total) {
   shows_progress_ = true;
-  return view_.ShowProgress(text, done, total);
+  return view_.ShowProgress(text,
+                            total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0);
 }
 
 void DialogPresenter::EndProgress() {
@@ -259,7 +260,7 @@ void DialogPresenter::DropText(const fs::path& file) {
   }
   text = LinesOf(text);
   view_.ShowText(text, TextChange::kUndoable);
-  TextChanged(text);
+  LinesChanged(text);
 }
 
 void DialogPresenter::DropParts(const fs::path& file) {
@@ -271,6 +272,7 @@ void DialogPresenter::DropParts(const fs::path& file) {
     return;
   }
   is_pending_ = false;
+  unseen_.clear();
   contours_ = {};
   parts_ = std::move(read);
   parts_are_stale_ = false;

@@ -18,10 +18,20 @@ namespace kerno {
 
 enum class StatusKind { kNormal, kWarning, kFailure };
 
-// A rectangle of the screen, in the units in which the view counts windows.
+// A rectangle of the screen, frame and title bar included, in the units in which the view counts
+// windows.
 struct WindowRect {
   int32_t left = 0, top = 0, right = 0, bottom = 0;
   bool operator==(const WindowRect&) const = default;
+};
+
+enum class WindowShow { kNormal, kMinimised, kMaximised };
+
+// Where the window is when it is neither minimised nor maximised, and what it is now.
+struct WindowPlace {
+  WindowRect normal;  // empty: wherever the system puts it
+  WindowShow show = WindowShow::kNormal;
+  bool operator==(const WindowPlace&) const = default;
 };
 
 enum class TextChange {
@@ -60,8 +70,9 @@ class DialogView {
   // A message that the user closes.
   virtual void ShowMessage(std::u16string_view text) = 0;
 
-  // Progress of something long; shown only when it takes a while. kNo when the user cancelled.
-  virtual Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) = 0;
+  // Progress of something long, from 0 to 1; shown only when it takes kProgressDelay. kNo when the
+  // user cancelled.
+  virtual Continue ShowProgress(std::u16string_view text, double part) = 0;
   virtual void EndProgress() = 0;
 
   // The About box, with the texts of controls kAboutVersion and kAboutCopyright.
@@ -80,11 +91,10 @@ class DialogView {
   // again.
   virtual void CallWhenDue(int milliseconds) = 0;
 
-  // The window's place when neither minimised nor maximised (nothing while minimised), the work
-  // areas of the screens, and moving the window.
-  virtual std::optional<WindowRect> WindowPlace() const = 0;
-  virtual std::vector<WindowRect> Screens() const = 0;
-  virtual void MoveWindow(const WindowRect& rect) = 0;
+  virtual WindowPlace PlaceOfWindow() const = 0;
+  // Puts the window there. It is shown maximised if it was so, and as usual otherwise.
+  virtual void PlaceWindow(const WindowPlace& place) = 0;
+  virtual std::vector<WindowRect> Screens() const = 0;  // their work areas
 
   virtual void CloseWindow() = 0;
 };

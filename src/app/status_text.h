@@ -7,6 +7,7 @@
 #include "app/dialog_view.h"
 #include "app/typesetter.h"
 #include "drawing/geometry.h"
+#include "export/draw_texts.h"
 #include "parts/parts.h"
 
 namespace kerno {
@@ -22,6 +23,9 @@ std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, cons
 
 // Whether DescribeText has something to warn of.
 bool HasWarning(const SetText& set, std::u16string_view wanted_face);
+
+// What a picture of the drawing cannot show, to be added to the status; nothing where it shows all.
+std::u16string DescribeUnseen(const PictureNotes& notes);
 
 // The colour of a status line of this kind where other text has the colour `normal` on `paper`.
 Color StatusInk(StatusKind kind, Color normal, Color paper);

@@ -13,36 +13,36 @@ namespace {
 class DialogTest : public testing::Test {
  protected:
   void Open() {
-    dialog = std::make_unique<DialogPresenter>(view, services);
-    dialog->PreviewResized(200, 100);
-    dialog->Open();
-    dialog->FillFaces();
+    presenter = std::make_unique<DialogPresenter>(view, services);
+    presenter->PreviewResized(200, 100);
+    presenter->Open();
+    presenter->FillFaces();
   }
   const LogFont& LastFont() const { return services.context->created.back(); }
 
   test::TemporaryFolder folder;
   test::RecordingView view;
   test::FakeDialogServices services;
-  std::unique_ptr<DialogPresenter> dialog;
+  std::unique_ptr<DialogPresenter> presenter;
 };
 
 TEST_F(DialogTest, EveryChangeRebuildsAndALookDoesNot) {
   Open();
-  dialog->TextChanged(u"AB");
-  EXPECT_EQ(2u, dialog->item_count());
-  EXPECT_EQ(2u, dialog->parts().parts.size());
+  presenter->TextChanged(ControlId::kText, u"AB");
+  EXPECT_EQ(2u, presenter->item_count());
+  EXPECT_EQ(2u, presenter->parts().parts.size());
   EXPECT_TRUE(view.status.starts_with(u"2 characters  ·  2 contours")) << Utf16ToUtf8(view.status);
   const int formats = view.formats;
-  dialog->TextChanged(u"AB");
+  presenter->TextChanged(ControlId::kText, u"AB");
   EXPECT_EQ(formats, view.formats) << "the text is the same: its looks changed";
-  dialog->TextChanged(u"A\u2029B");
+  presenter->TextChanged(ControlId::kText, u"A\u2029B");
   EXPECT_LT(formats, view.formats);
-  dialog->FaceChanged(u"Other");
+  presenter->TextChanged(ControlId::kFace, u"Other");
   EXPECT_EQ(u"Other", LastFont().face_name);
   EXPECT_EQ(u"Other", view.format_face);
-  dialog->TextChanged(u"");
-  EXPECT_EQ(0u, dialog->item_count());
-  EXPECT_TRUE(dialog->parts().parts.empty());
+  presenter->TextChanged(ControlId::kText, u"");
+  EXPECT_EQ(0u, presenter->item_count());
+  EXPECT_TRUE(presenter->parts().parts.empty());
 }
 
 TEST_F(DialogTest, LinesOfAnyEndAreSetAsLines) {
@@ -52,54 +52,54 @@ TEST_F(DialogTest, LinesOfAnyEndAreSetAsLines) {
   EXPECT_EQ(u"A\n\nB", LinesOf(u"A\n\rB"));
   EXPECT_EQ(u"AB", LinesOf(std::u16string_view(u"A\0B", 3)));
   Open();
-  dialog->TextChanged(u"A\nB");
+  presenter->TextChanged(ControlId::kText, u"A\nB");
   // The second square stands below the first one.
-  EXPECT_EQ(dialog->contours().points[0].x, dialog->contours().points[5].x);
-  EXPECT_EQ(dialog->contours().points[0].y, dialog->contours().points[5].y + 20);
+  EXPECT_EQ(presenter->contours().points[0].x, presenter->contours().points[5].x);
+  EXPECT_EQ(presenter->contours().points[0].y, presenter->contours().points[5].y + 20);
 }
 
 TEST_F(DialogTest, TheTwoHeightsAreOne) {
   Open();
-  dialog->HeightEditChanged(u"123");
+  presenter->TextChanged(ControlId::kHeightEdit, u"123");
   EXPECT_EQ(u"123", view.texts[ControlId::kHeightList]);
   EXPECT_EQ(123, LastFont().height);
-  dialog->HeightListChanged(u"250");
+  presenter->TextChanged(ControlId::kHeightList, u"250");
   EXPECT_EQ(u"250", view.texts[ControlId::kHeightEdit]);
   EXPECT_EQ(250, LastFont().height);
-  dialog->HeightStepped(-2);
+  presenter->Stepped(ControlId::kHeightSpin, -2);
   EXPECT_EQ(u"248", view.texts[ControlId::kHeightEdit]);
   EXPECT_EQ(u"248", view.texts[ControlId::kHeightList]);
-  dialog->HeightEditChanged(u"-1000");
-  dialog->HeightStepped(-1);
+  presenter->TextChanged(ControlId::kHeightEdit, u"-1000");
+  presenter->Stepped(ControlId::kHeightSpin, -1);
   EXPECT_EQ(-1000, LastFont().height) << "the up-down control keeps its range";
   for (const char16_t* text : {u"", u"abc", u"0", u"10000", u"99999999999999999999"}) {
-    dialog->HeightEditChanged(text);
+    presenter->TextChanged(ControlId::kHeightEdit, text);
     EXPECT_EQ(text, view.texts[ControlId::kHeightList]);
   }
 }
 
 TEST_F(DialogTest, VerticalWritingPutsOneAtInFrontOfTheFace) {
   Open();
-  dialog->FaceChanged(u"Other");
-  dialog->VerticalClicked(true);
+  presenter->TextChanged(ControlId::kFace, u"Other");
+  presenter->Checked(ControlId::kVertical, true);
   EXPECT_EQ(u"@Other", LastFont().face_name);
   EXPECT_EQ(u"@Other", view.format_face);
-  dialog->FaceChanged(u"@Plain");
+  presenter->TextChanged(ControlId::kFace, u"@Plain");
   EXPECT_EQ(u"@Plain", LastFont().face_name);
   EXPECT_EQ(u"@Plain", view.format_face);
-  dialog->TextChanged(u"A");
+  presenter->TextChanged(ControlId::kText, u"A");
   // The square of 10 turns by -90 degrees: its first corner (10, 0) comes to lie at another height.
-  EXPECT_NE(dialog->contours().points[0].x, dialog->contours().points[1].x);
+  EXPECT_NE(presenter->contours().points[0].x, presenter->contours().points[1].x);
 }
 
 TEST_F(DialogTest, ColoursFollowPolyPolygonAndEachOther) {
   Open();
   EXPECT_TRUE(view.enabled[ControlId::kFirstColor]);
-  dialog->PolyPolygonClicked(false);
+  presenter->Checked(ControlId::kPolyPolygon, false);
   EXPECT_FALSE(view.enabled[ControlId::kFirstColor]);
   EXPECT_FALSE(view.enabled[ControlId::kSecondColor]);
   const int repaints = view.repaints;
-  dialog->FirstColorSelected(6);
+  presenter->Selected(ControlId::kFirstColor, 6);
   const Color red = RgbColor(255, 0, 0);
   ASSERT_EQ(red, NamedColors()[6].color);
   EXPECT_EQ(red, view.format_color);
@@ -108,24 +108,25 @@ TEST_F(DialogTest, ColoursFollowPolyPolygonAndEachOther) {
   EXPECT_EQ(13u, colors.size());
   EXPECT_EQ(red, colors[10].color) << "the wheel comes round";
   EXPECT_LT(repaints, view.repaints);
-  EXPECT_NE(RgbColor(255, 255, 255), dialog->PaperBehind(RgbColor(250, 0, 0)));
+  const auto picture = presenter->PreviewPicture(1, RgbColor(250, 0, 0));
+  EXPECT_NE(0xFA, picture->Pixels()[2]) << "another paper, so that the text can be read";
 }
 
 TEST_F(DialogTest, ThePreviewDrawsOneFigureOrTheParts) {
   Open();
-  dialog->TextChanged(u"AB");
-  dialog->SecondColorSelected(3);
+  presenter->TextChanged(ControlId::kText, u"AB");
+  presenter->Selected(ControlId::kSecondColor, 3);
   RecordingDrawingContext figure;
-  dialog->PaintPreview(figure, 1);
+  presenter->PaintPreview(figure, 1);
   ASSERT_EQ(1u, figure.calls.size());
   EXPECT_EQ(2u, figure.calls[0].counts.size());
   EXPECT_EQ(FillMode::kAlternate, figure.calls[0].mode);
   EXPECT_EQ(NamedColors()[0].color, figure.calls[0].brush.color);
   EXPECT_EQ(FollowingColors(NamedColors()[0])[3].color, figure.calls[0].pen.color);
 
-  dialog->PolyPolygonClicked(false);
+  presenter->Checked(ControlId::kPolyPolygon, false);
   RecordingDrawingContext parts;
-  dialog->PaintPreview(parts, 1);
+  presenter->PaintPreview(parts, 1);
   ASSERT_EQ(2u, parts.calls.size());
   EXPECT_EQ(HlsColor(0, 128, 128), parts.calls[0].pen.color);
   EXPECT_EQ(HlsColor(30, 128, 128), parts.calls[1].pen.color);
@@ -135,38 +136,38 @@ TEST_F(DialogTest, SlowRebuildsWaitForAPauseAndOutputsDoNot) {
   test::FakeClock clock;
   services.folder = folder.path();
   Open();
-  dialog->TextChanged(u"A");
+  presenter->TextChanged(ControlId::kText, u"A");
   EXPECT_EQ(0, view.due_calls);
   clock.tick_step = 100;
-  dialog->TextChanged(u"AB");
-  dialog->TextChanged(u"ABC");
+  presenter->TextChanged(ControlId::kText, u"AB");
+  presenter->TextChanged(ControlId::kText, u"ABC");
   EXPECT_EQ(1, view.due_calls);
-  EXPECT_EQ(2u, dialog->item_count());
-  dialog->Due();
-  EXPECT_EQ(3u, dialog->item_count());
-  dialog->TextChanged(u"ABCD");
-  dialog->Pressed(ControlId::kDxf);
+  EXPECT_EQ(2u, presenter->item_count());
+  presenter->Due();
+  EXPECT_EQ(3u, presenter->item_count());
+  presenter->TextChanged(ControlId::kText, u"ABCD");
+  presenter->Pressed(ControlId::kDxf);
   EXPECT_EQ(4u, services.exported.parts.size());
 }
 
 TEST_F(DialogTest, WhatIsSetComesBackAtTheNextRun) {
-  services.memory.window = {5000, 5000, 5600, 5400};
+  services.memory.window.normal = {5000, 5000, 5600, 5400};
   Open();
-  EXPECT_EQ((WindowRect{660, 340, 1260, 740}), view.moved) << "its screen is gone";
-  dialog->TextChanged(u"AB\nC");
-  dialog->FaceChanged(u"Other");
-  dialog->HeightEditChanged(u"77");
-  dialog->VerticalClicked(true);
-  dialog->PolyPolygonClicked(false);
-  dialog->FirstColorSelected(3);
-  dialog->SecondColorSelected(5);
-  dialog->Chosen(MenuCommand::kLinesAndFaces);
-  dialog->Chosen(MenuCommand::kPitchCell);
-  dialog->Chosen(MenuCommand::kAciNearest);
-  view.place = WindowRect{10, 20, 810, 620};
-  EXPECT_TRUE(dialog->Close());
+  EXPECT_EQ((WindowRect{660, 340, 1260, 740}), view.placed.normal) << "its screen is gone";
+  presenter->TextChanged(ControlId::kText, u"AB\nC");
+  presenter->TextChanged(ControlId::kFace, u"Other");
+  presenter->TextChanged(ControlId::kHeightEdit, u"77");
+  presenter->Checked(ControlId::kVertical, true);
+  presenter->Checked(ControlId::kPolyPolygon, false);
+  presenter->Selected(ControlId::kFirstColor, 3);
+  presenter->Selected(ControlId::kSecondColor, 5);
+  presenter->Chosen(MenuCommand::kLinesAndFaces);
+  presenter->Chosen(MenuCommand::kPitchCell);
+  presenter->Chosen(MenuCommand::kAciNearest);
+  view.place = {.normal = {10, 20, 810, 620}, .show = WindowShow::kMaximised};
+  EXPECT_TRUE(presenter->Close());
   services.memory = services.saved;
-  dialog.reset();
+  presenter.reset();
   view = {};
   Open();
   EXPECT_EQ(u"AB\nC", view.text);
@@ -179,25 +180,28 @@ TEST_F(DialogTest, WhatIsSetComesBackAtTheNextRun) {
   EXPECT_EQ(5u, view.colors[ControlId::kSecondColor].second);
   EXPECT_TRUE(view.menu[MenuCommand::kLinesAndFaces] && view.menu[MenuCommand::kPitchCell] &&
               view.menu[MenuCommand::kAciNearest]);
-  EXPECT_EQ((WindowRect{10, 20, 810, 620}), view.moved);
-  EXPECT_FALSE(dialog->parts().parts[0].faces[0].items.empty());
+  EXPECT_EQ((WindowPlace{{10, 20, 810, 620}, WindowShow::kMaximised}), view.placed);
+  view.place = {.normal = {-32000, -32000, -31840, -31972}, .show = WindowShow::kMinimised};
+  EXPECT_TRUE(presenter->Close());
+  EXPECT_EQ((WindowPlace{{10, 20, 810, 620}, WindowShow::kMinimised}), services.saved.window);
+  EXPECT_FALSE(presenter->parts().parts[0].faces[0].items.empty());
 }
 
 TEST_F(DialogTest, WhatCannotBeKeptHoldsTheWindowOnce) {
   for (const char* kept : {"settings", "text"}) {
-    dialog.reset();
+    presenter.reset();
     view.messages.clear();
     services.failing = kept;
     Open();
-    EXPECT_FALSE(dialog->Close()) << kept;
-    dialog->TextChanged(u"more");
+    EXPECT_FALSE(presenter->Close()) << kept;
+    presenter->TextChanged(ControlId::kText, u"more");
     for (const bool goes : {false, true}) {
-      EXPECT_EQ(goes, dialog->Close()) << kept;
+      EXPECT_EQ(goes, presenter->Close()) << kept;
       EXPECT_EQ(2u, view.messages.size()) << kept << ", told once for each change";
       EXPECT_TRUE(view.status.starts_with(u"Not saved.")) << kept;
     }
-    dialog->TextChanged(u"and more");  // the session that was to end goes on
-    EXPECT_FALSE(dialog->Close()) << kept;
+    presenter->TextChanged(ControlId::kText, u"and more");  // the session that was to end goes on
+    EXPECT_FALSE(presenter->Close()) << kept;
     EXPECT_EQ(3u, view.messages.size()) << kept;
   }
 }
@@ -210,26 +214,26 @@ TEST_F(DialogTest, DroppedFilesAreTextPartsFontsOrRefused) {
   test::WriteBytes(folder / "font.ttf", std::string("\0\1\0\0rest", 8));
   test::WriteBytes(folder / "drawing.IPX", "anything");
   test::WriteBytes(folder / "picture.png", std::string("\x89PNG\r\n\x1A\n\0\0", 10));
-  dialog->Dropped({folder / "utf8.txt"});
+  presenter->Dropped({folder / "utf8.txt"});
   EXPECT_EQ(u"A\nあ", view.text);
-  dialog->Dropped({folder / "cp932.txt"});
+  presenter->Dropped({folder / "cp932.txt"});
   EXPECT_EQ(u"あい", view.text);
 
   services.parts_to_read.parts.resize(3);
-  dialog->Dropped({folder / "drawing.IPX"});
+  presenter->Dropped({folder / "drawing.IPX"});
   EXPECT_EQ(1, view.progress_calls);
   EXPECT_TRUE(view.closed_progress);
   EXPECT_TRUE(view.status.starts_with(u"drawing.IPX  ·  3 parts"));
-  dialog->Pressed(ControlId::kSvg);
+  presenter->Pressed(ControlId::kSvg);
   EXPECT_EQ(3u, services.exported.parts.size());
-  dialog->TextChanged(u"A");
-  EXPECT_EQ(1u, dialog->parts().parts.size()) << "typing shows the text again";
+  presenter->TextChanged(ControlId::kText, u"A");
+  EXPECT_EQ(1u, presenter->parts().parts.size()) << "typing shows the text again";
 
-  dialog->Dropped({folder / "font.ttf"});
+  presenter->Dropped({folder / "font.ttf"});
   EXPECT_EQ(u"Dropped", LastFont().face_name);
   EXPECT_EQ(1u, view.font_files.size());
   EXPECT_TRUE(view.messages.empty());
-  dialog->Dropped({folder / "picture.png", folder / "missing.txt", folder.path()});
+  presenter->Dropped({folder / "picture.png", folder / "missing.txt", folder.path()});
   EXPECT_EQ(3u, view.messages.size());
   EXPECT_EQ(u"あい", view.text);
 }

@@ -11,16 +11,13 @@
 #include "app/dialog_presenter.h"
 
 class QAction;
-class QCheckBox;
 class QComboBox;
-class QGridLayout;
 class QLabel;
 class QMenuBar;
 class QPushButton;
 
 namespace kerno {
 
-class ColorCombo;
 class FaceCombo;
 class HeightSpin;
 class PreviewFrame;
@@ -41,6 +38,7 @@ class MainWindow final : public QWidget, private DialogView {
   void closeEvent(QCloseEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
   void changeEvent(QEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
@@ -59,28 +57,34 @@ class MainWindow final : public QWidget, private DialogView {
   void ShowStatus(std::u16string_view text, StatusKind kind) override;
   void RepaintPreview() override;
   void ShowMessage(std::u16string_view text) override;
-  Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) override;
+  Continue ShowProgress(std::u16string_view text, double part) override;
   void EndProgress() override;
   void ShowAbout(std::u16string_view version, std::u16string_view copyright) override;
   std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) override;
   void PasteIntoText() override;
   bool LoadFontFile(const std::filesystem::path& file) override;
   void CallWhenDue(int milliseconds) override;
-  std::optional<WindowRect> WindowPlace() const override;
+  WindowPlace PlaceOfWindow() const override;
+  void PlaceWindow(const WindowPlace& place) override;
   std::vector<WindowRect> Screens() const override;
-  void MoveWindow(const WindowRect& rect) override;
   void CloseWindow() override;
 
-  template <class Control>
-  Control* Add(Control* control, ControlId id);
-  QPushButton* AddButton(ControlId id);
-  QLabel* AddLabel(ControlId id, QWidget* buddy);
+  // A control's event for the presenter, unless the view's own writing has caused it.
+  template <class Event>
+  auto UnlessShown(Event event) {
+    return [this, event](auto&&... arguments) {
+      if (!shows_) event(std::forward<decltype(arguments)>(arguments)...);
+    };
+  }
   void MakeControls();
+  QWidget* MakeControl(const ControlRow& row);
+  QPushButton* MakeButton(const ControlRow& row);
+  QComboBox* ConnectEdit(QComboBox* combo, ControlId id);
+  QLabel* MakeStatus();
   void LayOut();
-  void SetTabOrder();
   QMenuBar* MakeMenu();
-  void ConnectControls();
   void SizeDropDowns();
+  void LearnFrame();
   void ShowTextColors();
   void ShowStatusColor();
 
@@ -88,18 +92,14 @@ class MainWindow final : public QWidget, private DialogView {
   std::map<MenuCommand, QAction*> actions_;
   TextBox* text_ = nullptr;
   FaceCombo* face_ = nullptr;
-  QComboBox* height_list_ = nullptr;
-  HeightSpin* height_spin_ = nullptr;
-  QCheckBox* vertical_ = nullptr;
-  QCheckBox* poly_polygon_ = nullptr;
-  ColorCombo* first_color_ = nullptr;
-  ColorCombo* second_color_ = nullptr;
+  HeightSpin* spin_ = nullptr;
   PreviewFrame* preview_ = nullptr;
   QLabel* status_ = nullptr;
   QPointer<QProgressDialog> progress_;
   QTimer due_;
   bool shows_ = false;  // controls are being written: nothing is an event
   bool was_shown_ = false;
+  QPoint frame_;  // from the corner of the frame to that of its content, as the window last was
   std::u16string shown_face_;
   Color shown_color_ = 0;
   StatusKind status_kind_ = StatusKind::kNormal;

@@ -23,11 +23,6 @@
 #include "ui/qt/text_box.h"
 
 namespace kerno {
-namespace {
-
-constexpr int kProgressAfter = 500;  // milliseconds until progress is shown
-
-}  // namespace
 
 void MainWindow::ShowText(std::u16string_view text, TextChange change) {
   const ScopedFlag writing(shows_);
@@ -115,20 +110,19 @@ void MainWindow::ShowMessage(std::u16string_view text) {
   box->open();
 }
 
-Continue MainWindow::ShowProgress(std::u16string_view text, int64_t done, int64_t total) {
+Continue MainWindow::ShowProgress(std::u16string_view text, double part) {
   constexpr int kSteps = 1000;
   if (!progress_) {
     progress_ = new QProgressDialog(this);
     progress_->setWindowTitle(windowTitle());
     progress_->setWindowModality(Qt::WindowModal);
-    progress_->setMinimumDuration(kProgressAfter);
+    progress_->setMinimumDuration(kProgressDelay);
     progress_->setAutoReset(false);
     progress_->setAutoClose(false);
     progress_->setMaximum(kSteps);
     progress_->setValue(0);
   }
   progress_->setLabelText(ToQString(text));
-  const double part = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
   progress_->setValue(static_cast<int>(part * (kSteps - 1)));
   return progress_->wasCanceled() ? Continue::kNo : Continue::kYes;
 }
@@ -184,11 +178,29 @@ void MainWindow::CallWhenDue(int milliseconds) {
   due_.start(milliseconds);
 }
 
-std::optional<WindowRect> MainWindow::WindowPlace() const {
-  if (isMinimized()) return std::nullopt;
-  const QPoint at = isMaximized() ? normalGeometry().topLeft() : pos();
-  const QSize size = isMaximized() ? normalGeometry().size() : this->size();
-  return WindowRect{at.x(), at.y(), at.x() + size.width(), at.y() + size.height()};
+// Toolkits know a maximised window's place as usual without its frame.
+void MainWindow::LearnFrame() {
+  constexpr auto kUnusual = Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen;
+  if ((windowState() & kUnusual) == 0) frame_ = geometry().topLeft() - pos();
+}
+
+WindowPlace MainWindow::PlaceOfWindow() const {
+  const WindowShow show = isMinimized()   ? WindowShow::kMinimised
+                          : isMaximized() ? WindowShow::kMaximised
+                                          : WindowShow::kNormal;
+  const bool is_usual = show == WindowShow::kNormal && !isFullScreen();
+  const QPoint at = is_usual ? pos() : normalGeometry().topLeft() - frame_;
+  const QSize size = is_usual ? this->size() : normalGeometry().size();
+  return {.normal = {at.x(), at.y(), at.x() + size.width(), at.y() + size.height()}, .show = show};
+}
+
+void MainWindow::PlaceWindow(const WindowPlace& place) {
+  const WindowRect& rect = place.normal;
+  if (rect != WindowRect{}) {
+    resize(rect.right - rect.left, rect.bottom - rect.top);
+    move(rect.left, rect.top);
+  }
+  if (place.show == WindowShow::kMaximised) setWindowState(windowState() | Qt::WindowMaximized);
 }
 
 std::vector<WindowRect> MainWindow::Screens() const {
@@ -199,11 +211,6 @@ std::vector<WindowRect> MainWindow::Screens() const {
         {area.left(), area.top(), area.left() + area.width(), area.top() + area.height()});
   }
   return screens;
-}
-
-void MainWindow::MoveWindow(const WindowRect& rect) {
-  resize(rect.right - rect.left, rect.bottom - rect.top);
-  move(rect.left, rect.top);
 }
 
 void MainWindow::CloseWindow() {

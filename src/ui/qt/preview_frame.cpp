@@ -4,6 +4,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
+#include <algorithm>
 
 #include "app/dialog_presenter.h"
 #include "ui/qt/qt_text.h"
@@ -11,8 +12,23 @@
 namespace kerno {
 namespace {
 
-constexpr double kKeyStep = 40;     // pixels by an arrow key
 constexpr double kWheelStep = 120;  // units of the toolkit by one step of a wheel
+
+// Keys of Latin characters have the characters' numbers.
+char16_t NameOfKey(int key) {
+  switch (key) {
+    case Qt::Key_Left:
+      return u'←';
+    case Qt::Key_Right:
+      return u'→';
+    case Qt::Key_Up:
+      return u'↑';
+    case Qt::Key_Down:
+      return u'↓';
+    default:
+      return static_cast<char16_t>(std::clamp(key, 0, 0xFFFF));
+  }
+}
 
 }  // namespace
 
@@ -32,14 +48,11 @@ void PreviewFrame::Repaint() {
 void PreviewFrame::PaintPicture() {
   is_stale_ = false;
   const double ratio = devicePixelRatioF();
-  const QSize size = contentsRect().size() * ratio;
-  const Color base = FromQColor(palette().color(QPalette::Base));
-  const Color paper = presenter_ ? presenter_->PaperBehind(base) : base;
   picture_ = {};
-  surface_ = CreateBitmapSurface(size.width(), size.height(), paper);
+  surface_ = presenter_->PreviewPicture(ratio, FromQColor(palette().color(QPalette::Base)));
   if (!surface_) return;
-  if (presenter_) presenter_->PaintPreview(surface_->Context(), ratio);
-  picture_ = QImage(surface_->Pixels().data(), size.width(), size.height(), QImage::Format_RGB32);
+  picture_ = QImage(surface_->Pixels().data(), surface_->Width(), surface_->Height(),
+                    QImage::Format_RGB32);
   picture_.setDevicePixelRatio(ratio);
 }
 
@@ -72,20 +85,16 @@ void PreviewFrame::wheelEvent(QWheelEvent* event) {
 
 void PreviewFrame::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return;
-  drags_ = true;
-  drag_from_ = event->position();
+  presenter_->PreviewGrabbed(event->position().x(), event->position().y());
   setCursor(Qt::ClosedHandCursor);
 }
 
 void PreviewFrame::mouseMoveEvent(QMouseEvent* event) {
-  if (!drags_) return;
-  const QPointF moved = event->position() - drag_from_;
-  drag_from_ = event->position();
-  presenter_->PreviewDragged(moved.x(), moved.y());
+  presenter_->PreviewPointedAt(event->position().x(), event->position().y());
 }
 
 void PreviewFrame::mouseReleaseEvent(QMouseEvent*) {
-  drags_ = false;
+  presenter_->PreviewReleased();
   setCursor(Qt::OpenHandCursor);
 }
 
@@ -94,25 +103,7 @@ void PreviewFrame::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void PreviewFrame::keyPressEvent(QKeyEvent* event) {
-  const double x = contentsRect().width() / 2.0, y = contentsRect().height() / 2.0;
-  switch (event->key()) {
-    case Qt::Key_Plus:
-      return presenter_->PreviewZoomed(x, y, 1);
-    case Qt::Key_Minus:
-      return presenter_->PreviewZoomed(x, y, -1);
-    case Qt::Key_0:
-      return presenter_->PreviewDoubleClicked();
-    case Qt::Key_Left:
-      return presenter_->PreviewDragged(kKeyStep, 0);
-    case Qt::Key_Right:
-      return presenter_->PreviewDragged(-kKeyStep, 0);
-    case Qt::Key_Up:
-      return presenter_->PreviewDragged(0, kKeyStep);
-    case Qt::Key_Down:
-      return presenter_->PreviewDragged(0, -kKeyStep);
-    default:
-      QFrame::keyPressEvent(event);
-  }
+  if (!presenter_->PreviewKeyPressed(NameOfKey(event->key()))) QFrame::keyPressEvent(event);
 }
 
 }  // namespace kerno

@@ -41,8 +41,6 @@ class PreviewFrame final : public QFrame {
   std::unique_ptr<BitmapSurface> surface_;
   QImage picture_;  // the surface's pixels
   bool is_stale_ = true;
-  QPointF drag_from_;
-  bool drags_ = false;
 };
 
 }  // namespace kerno

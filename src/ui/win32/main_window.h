@@ -25,6 +25,9 @@ class MainWindow final : private DialogView {
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
 
+  // Shows it, maximised where it was so when it was closed last.
+  void Show(int show);
+
   // Shows it, opens the files, and runs until it is closed. The program's exit status.
   int Run(int show, const std::vector<std::filesystem::path>& files);
 
@@ -48,16 +51,16 @@ class MainWindow final : private DialogView {
   void ShowStatus(std::u16string_view text, StatusKind kind) override;
   void RepaintPreview() override;
   void ShowMessage(std::u16string_view text) override;
-  Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) override;
+  Continue ShowProgress(std::u16string_view text, double part) override;
   void EndProgress() override;
   void ShowAbout(std::u16string_view version, std::u16string_view copyright) override;
   std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) override;
   void PasteIntoText() override;
   bool LoadFontFile(const std::filesystem::path& file) override;
   void CallWhenDue(int milliseconds) override;
-  std::optional<WindowRect> WindowPlace() const override;
+  WindowPlace PlaceOfWindow() const override;
+  void PlaceWindow(const WindowPlace& place) override;
   std::vector<WindowRect> Screens() const override;
-  void MoveWindow(const WindowRect& rect) override;
   void CloseWindow() override;
 
   static constexpr UINT kShowMessages = WM_APP + 1;  // messages wait to be shown
@@ -75,24 +78,25 @@ class MainWindow final : private DialogView {
   LRESULT ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam);
   void InitDialog();
   void LearnDensity();
+  void MakeControls();
   void AddSystemMenuEntry();
   void MakeMenu();
   void MakeAccelerators();
   bool Command(int id, int notification);
-  void ComboChanged(ControlId id, int notification);
+  void ComboCommand(const ControlRow& row, int notification);
+  void ReadCombo(const ControlRow& row, int notification);
   bool Notify(const NMHDR& header);
   void DrawItem(const DRAWITEMSTRUCT& item);
   void Dropped(HDROP drop);
   void OfferFaces(int notification);
   void LayOut();
-  int LayOutSettings(int top, int right);
+  void LayOutLine(WindowLine line, int top, int height);
   void SizeItems();
   void SizeDropDowns();
   int RowsBelow(ControlId combo) const;
   void DensityChanged(int dpi, const RECT& place);
   void PaintIcon();
   void PaintPreview(HDC dc);
-  bool PreviewKey(WPARAM key);
   void ShowWaitingMessages();
   bool EndsShortcut(const MSG& message);
   bool SwallowsEscape(const MSG& message) const;
@@ -126,10 +130,10 @@ class MainWindow final : private DialogView {
   bool shows_message_ = false;  // a message box stands
   bool alt_was_used_ = false;   // with another key, since it went down
   bool ready_ = false;          // the controls are there
+  bool opens_maximised_ = false;
   std::u16string shown_face_;
   Color shown_color_ = 0;
   StatusKind status_kind_ = StatusKind::kNormal;
-  std::optional<POINT> drag_from_;
   std::vector<std::wstring> messages_;  // to be shown when the event under way is over
 };
 

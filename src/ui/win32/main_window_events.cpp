@@ -9,19 +9,6 @@
 #include "ui/win32/windows_controls.h"
 
 namespace kerno {
-namespace {
-
-// Events of edits and lists that tell of a change by the user.
-bool IsComboChange(int notification) {
-  return notification == CBN_EDITCHANGE || notification == CBN_SELCHANGE;
-}
-
-// A list that opens or closes may complete what stands in the edit without telling.
-bool MayComplete(int notification) {
-  return notification == CBN_DROPDOWN || notification == CBN_CLOSEUP;
-}
-
-}  // namespace
 
 INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
   if (!presenter_) return FALSE;
@@ -93,7 +80,7 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       Dropped(reinterpret_cast<HDROP>(wparam));
       return TRUE;
     case kReadCombo:
-      ComboChanged(static_cast<ControlId>(wparam), CBN_EDITCHANGE);
+      ReadCombo(Control(static_cast<ControlId>(wparam)), CBN_EDITCHANGE);
       return TRUE;
     case kShowMessages:
       ShowWaitingMessages();
@@ -133,69 +120,54 @@ std::u16string MainWindow::ComboText(ControlId id, int notification) const {
   return FromWide(text);
 }
 
-void MainWindow::ComboChanged(ControlId id, int notification) {
-  const LRESULT selected = Send(id, CB_GETCURSEL);
-  switch (id) {
-    case ControlId::kFace:
-      return presenter_->FaceChanged(ComboText(id, notification));
-    case ControlId::kHeightList:
-      return presenter_->HeightListChanged(ComboText(id, notification));
-    case ControlId::kFirstColor:
-      if (selected >= 0) presenter_->FirstColorSelected(static_cast<size_t>(selected));
-      return;
-    default:
-      if (selected >= 0) presenter_->SecondColorSelected(static_cast<size_t>(selected));
+void MainWindow::ReadCombo(const ControlRow& row, int notification) {
+  if (row.kind != ControlKind::kColorCombo) {
+    return presenter_->TextChanged(row.id, ComboText(row.id, notification));
+  }
+  const LRESULT selected = Send(row.id, CB_GETCURSEL);
+  if (selected >= 0) presenter_->Selected(row.id, static_cast<size_t>(selected));
+}
+
+void MainWindow::ComboCommand(const ControlRow& row, int notification) {
+  if (!shows_ && (notification == CBN_EDITCHANGE || notification == CBN_SELCHANGE)) {
+    ReadCombo(row, notification);
+  }
+  if (!shows_ && row.kind == ControlKind::kFaceCombo) OfferFaces(notification);
+  // A list that opens or closes may complete what stands in the edit without telling.
+  const bool may_complete = notification == CBN_DROPDOWN || notification == CBN_CLOSEUP;
+  if (may_complete && row.kind != ControlKind::kColorCombo) {
+    PostMessageW(window_, kReadCombo, static_cast<WPARAM>(row.id), 0);
   }
 }
 
 bool MainWindow::Command(int number, int notification) {
-  const auto id = static_cast<ControlId>(number);
-  switch (id) {
-    case ControlId::kOk:
-      return true;  // Enter in a field presses it, and it does nothing
-    case ControlId::kText:
+  if (const MenuRow* command = FindMenuRow(number)) {
+    presenter_->Chosen(command->command);
+    return true;
+  }
+  const ControlRow* row = FindControl(static_cast<ControlId>(number));
+  if (row == nullptr) return false;
+  switch (row->kind) {
+    case ControlKind::kButton:
+    case ControlKind::kDefaultButton:  // by Enter in a field, too
+      presenter_->Pressed(row->id);
+      return true;
+    case ControlKind::kCheckBox:
+      presenter_->Checked(row->id, IsDlgButtonChecked(window_, number) == BST_CHECKED);
+      return true;
+    case ControlKind::kTextBox:
       if (notification != EN_CHANGE) return false;
-      if (!shows_ && !text_->IsComposing()) presenter_->TextChanged(text_->Text());
+      if (!shows_ && !text_->IsComposing()) presenter_->TextChanged(row->id, text_->Text());
       return true;
-    case ControlId::kFace:
-    case ControlId::kHeightList:
-    case ControlId::kFirstColor:
-    case ControlId::kSecondColor:
-      if (IsComboChange(notification) && !shows_) ComboChanged(id, notification);
-      if (id == ControlId::kFace && !shows_) OfferFaces(notification);
-      if (MayComplete(notification) && (id == ControlId::kFace || id == ControlId::kHeightList)) {
-        PostMessageW(window_, kReadCombo, static_cast<WPARAM>(number), 0);
-      }
-      return true;
-    case ControlId::kHeightEdit:
+    case ControlKind::kNumberEdit:
       if (notification != EN_CHANGE) return false;
-      if (!shows_) presenter_->HeightEditChanged(TextOf(id));
+      if (!shows_) presenter_->TextChanged(row->id, TextOf(row->id));
       return true;
-    case ControlId::kVertical:
-      presenter_->VerticalClicked(IsDlgButtonChecked(window_, number) == BST_CHECKED);
-      return true;
-    case ControlId::kPolyPolygon:
-      presenter_->PolyPolygonClicked(IsDlgButtonChecked(window_, number) == BST_CHECKED);
-      return true;
-    case ControlId::kPreview:
-    case ControlId::kStatus:
-    case ControlId::kFaceLabel:
-    case ControlId::kHeightLabel:
-      return false;
     default:
-      break;
-  }
-  for (const MenuColumn& column : Menu()) {
-    for (const MenuRow& row : column.rows) {
-      if (static_cast<int>(row.command) != number) continue;
-      presenter_->Chosen(row.command);
+      if (!HasDropDown(row->kind)) return false;
+      ComboCommand(*row, notification);
       return true;
-    }
   }
-  for (const ControlRow& row : Controls()) {
-    if (row.id == id) presenter_->Pressed(id);
-  }
-  return true;
 }
 
 // While a name is typed the faces that hold it are offered; anything else puts the offer away.
@@ -208,11 +180,9 @@ void MainWindow::OfferFaces(int notification) {
 }
 
 bool MainWindow::Notify(const NMHDR& header) {
-  if (header.code != static_cast<UINT>(UDN_DELTAPOS) ||
-      header.idFrom != static_cast<UINT_PTR>(ControlId::kHeightSpin)) {
-    return false;
-  }
-  presenter_->HeightStepped(reinterpret_cast<const NMUPDOWN&>(header).iDelta);
+  if (header.code != static_cast<UINT>(UDN_DELTAPOS)) return false;
+  presenter_->Stepped(static_cast<ControlId>(header.idFrom),
+                      reinterpret_cast<const NMUPDOWN&>(header).iDelta);
   SetWindowLongPtrW(window_, DWLP_MSGRESULT, TRUE);  // the edit holds the number, not the control
   return true;
 }

@@ -157,9 +157,9 @@ void MainWindow::ShowWaitingMessages() {
   }
 }
 
-Continue MainWindow::ShowProgress(std::u16string_view text, int64_t done, int64_t total) {
+Continue MainWindow::ShowProgress(std::u16string_view text, double part) {
   if (!progress_) progress_.emplace(instance_, window_);
-  return progress_->Show(text, done, total);
+  return progress_->Show(text, part);
 }
 
 void MainWindow::EndProgress() {
@@ -209,31 +209,40 @@ void MainWindow::CallWhenDue(int milliseconds) {
   SetTimer(window_, kDueTimer, static_cast<UINT>(milliseconds), nullptr);
 }
 
-std::optional<WindowRect> MainWindow::WindowPlace() const {
+WindowPlace MainWindow::PlaceOfWindow() const {
   WINDOWPLACEMENT placement{};
   placement.length = sizeof placement;
-  if (!GetWindowPlacement(window_, &placement)) return std::nullopt;
+  GetWindowPlacement(window_, &placement);
   RECT place = placement.rcNormalPosition;
-  if (!IsZoomed(window_) && !IsIconic(window_)) {
-    GetWindowRect(window_, &place);
+  const WindowShow show = IsIconic(window_)   ? WindowShow::kMinimised
+                          : IsZoomed(window_) ? WindowShow::kMaximised
+                                              : WindowShow::kNormal;
+  if (show == WindowShow::kNormal) {
+    GetWindowRect(window_, &place);  // where it is, docked to a side of the screen, too
   } else {
-    // A placement counts from the corner of the work area.
-    RECT work{};
-    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-    OffsetRect(&place, work.left, work.top);
+    // A placement counts from the corner of its screen's work area.
+    MONITORINFO screen{};
+    screen.cbSize = sizeof screen;
+    GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &screen);
+    OffsetRect(&place, screen.rcWork.left - screen.rcMonitor.left,
+               screen.rcWork.top - screen.rcMonitor.top);
   }
-  return WindowRect{place.left, place.top, place.right, place.bottom};
+  return {.normal = {place.left, place.top, place.right, place.bottom}, .show = show};
+}
+
+void MainWindow::PlaceWindow(const WindowPlace& place) {
+  const WindowRect& rect = place.normal;
+  if (rect != WindowRect{}) {
+    SetWindowPos(window_, nullptr, rect.left, rect.top, rect.right - rect.left,
+                 rect.bottom - rect.top, SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+  opens_maximised_ = place.show == WindowShow::kMaximised;
 }
 
 std::vector<WindowRect> MainWindow::Screens() const {
   std::vector<WindowRect> screens;
   EnumDisplayMonitors(nullptr, nullptr, CollectWorkArea, reinterpret_cast<LPARAM>(&screens));
   return screens;
-}
-
-void MainWindow::MoveWindow(const WindowRect& rect) {
-  SetWindowPos(window_, nullptr, rect.left, rect.top, rect.right - rect.left,
-               rect.bottom - rect.top, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void MainWindow::CloseWindow() {
