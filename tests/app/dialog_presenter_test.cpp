@@ -1,16 +1,19 @@
 #include "app/dialog_presenter.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/fake_clock.h"
+#include <cmath>
+
+#include "app/dialog_settings.h"
 #include "support/recording_drawing_context.h"
 #include "support/recording_view.h"
-#include "support/temporary_folder.h"
+#include "support/settings_fixture.h"
 
 namespace kerno {
 namespace {
 
-class DialogTest : public testing::Test {
+class DialogTest : public test::SettingsFixture {
  protected:
   void Open() {
     presenter = std::make_unique<DialogPresenter>(view, services);
@@ -18,9 +21,19 @@ class DialogTest : public testing::Test {
     presenter->Open();
     presenter->FillFaces();
   }
+  // The settings go through their file.
+  void CloseAndOpenAgain() {
+    EXPECT_TRUE(presenter->Close());
+    EXPECT_TRUE(SaveDialogMemory(services.saved, services.memory).ok());
+    Restart();
+    services.memory = LoadDialogMemory();
+    presenter.reset();
+    view = {};
+    Open();
+  }
   const LogFont& LastFont() const { return services.context->created.back(); }
 
-  test::TemporaryFolder folder;
+  const test::TemporaryFolder& folder = folder_;
   test::RecordingView view;
   test::FakeDialogServices services;
   std::unique_ptr<DialogPresenter> presenter;
@@ -58,60 +71,6 @@ TEST_F(DialogTest, LinesOfAnyEndAreSetAsLines) {
   EXPECT_EQ(presenter->contours().points[0].y, presenter->contours().points[5].y + 20);
 }
 
-TEST_F(DialogTest, TheTwoHeightsAreOne) {
-  Open();
-  presenter->TextChanged(ControlId::kHeightEdit, u"123");
-  EXPECT_EQ(u"123", view.texts[ControlId::kHeightList]);
-  EXPECT_EQ(123, LastFont().height);
-  presenter->TextChanged(ControlId::kHeightList, u"250");
-  EXPECT_EQ(u"250", view.texts[ControlId::kHeightEdit]);
-  EXPECT_EQ(250, LastFont().height);
-  presenter->Stepped(ControlId::kHeightSpin, -2);
-  EXPECT_EQ(u"248", view.texts[ControlId::kHeightEdit]);
-  EXPECT_EQ(u"248", view.texts[ControlId::kHeightList]);
-  presenter->TextChanged(ControlId::kHeightEdit, u"-1000");
-  presenter->Stepped(ControlId::kHeightSpin, -1);
-  EXPECT_EQ(-1000, LastFont().height) << "the up-down control keeps its range";
-  for (const char16_t* text : {u"", u"abc", u"0", u"10000", u"99999999999999999999"}) {
-    presenter->TextChanged(ControlId::kHeightEdit, text);
-    EXPECT_EQ(text, view.texts[ControlId::kHeightList]);
-  }
-}
-
-TEST_F(DialogTest, VerticalWritingPutsOneAtInFrontOfTheFace) {
-  Open();
-  presenter->TextChanged(ControlId::kFace, u"Other");
-  presenter->Checked(ControlId::kVertical, true);
-  EXPECT_EQ(u"@Other", LastFont().face_name);
-  EXPECT_EQ(u"@Other", view.format_face);
-  presenter->TextChanged(ControlId::kFace, u"@Plain");
-  EXPECT_EQ(u"@Plain", LastFont().face_name);
-  EXPECT_EQ(u"@Plain", view.format_face);
-  presenter->TextChanged(ControlId::kText, u"A");
-  // The square of 10 turns by -90 degrees: its first corner (10, 0) comes to lie at another height.
-  EXPECT_NE(presenter->contours().points[0].x, presenter->contours().points[1].x);
-}
-
-TEST_F(DialogTest, ColoursFollowPolyPolygonAndEachOther) {
-  Open();
-  EXPECT_TRUE(view.enabled[ControlId::kFirstColor]);
-  presenter->Checked(ControlId::kPolyPolygon, false);
-  EXPECT_FALSE(view.enabled[ControlId::kFirstColor]);
-  EXPECT_FALSE(view.enabled[ControlId::kSecondColor]);
-  const int repaints = view.repaints;
-  presenter->Selected(ControlId::kFirstColor, 6);
-  const Color red = RgbColor(255, 0, 0);
-  ASSERT_EQ(red, NamedColors()[6].color);
-  EXPECT_EQ(red, view.format_color);
-  const auto& [colors, selected] = view.colors[ControlId::kSecondColor];
-  EXPECT_EQ(red, colors[selected].color);
-  EXPECT_EQ(13u, colors.size());
-  EXPECT_EQ(red, colors[10].color) << "the wheel comes round";
-  EXPECT_LT(repaints, view.repaints);
-  const auto picture = presenter->PreviewPicture(1, RgbColor(250, 0, 0));
-  EXPECT_NE(0xFA, picture->Pixels()[2]) << "another paper, so that the text can be read";
-}
-
 TEST_F(DialogTest, ThePreviewDrawsOneFigureOrTheParts) {
   Open();
   presenter->TextChanged(ControlId::kText, u"AB");
@@ -133,12 +92,11 @@ TEST_F(DialogTest, ThePreviewDrawsOneFigureOrTheParts) {
 }
 
 TEST_F(DialogTest, SlowRebuildsWaitForAPauseAndOutputsDoNot) {
-  test::FakeClock clock;
   services.folder = folder.path();
   Open();
   presenter->TextChanged(ControlId::kText, u"A");
   EXPECT_EQ(0, view.due_calls);
-  clock.tick_step = 100;
+  clock_.tick_step = 100;
   presenter->TextChanged(ControlId::kText, u"AB");
   presenter->TextChanged(ControlId::kText, u"ABC");
   EXPECT_EQ(1, view.due_calls);
@@ -148,6 +106,20 @@ TEST_F(DialogTest, SlowRebuildsWaitForAPauseAndOutputsDoNot) {
   presenter->TextChanged(ControlId::kText, u"ABCD");
   presenter->Pressed(ControlId::kDxf);
   EXPECT_EQ(4u, services.exported.parts.size());
+}
+
+TEST_F(DialogTest, TheStatusTellsWhatThePreviewCannotShow) {
+  services.parts_to_read.parts.resize(1);
+  services.parts_to_read.parts[0].AddLine({0, 0, 0}, {std::nan(""), 1, 0});
+  test::WriteBytes(folder / "drawing.ipx", "anything");
+  Open();
+  presenter->Dropped({folder / "drawing.ipx"});
+  (void)presenter->PreviewPicture(1, 0);
+  EXPECT_THAT(Utf16ToUtf8(view.status), testing::HasSubstr("  ·  1 element not shown"));
+  EXPECT_EQ(StatusKind::kWarning, view.status_kind);
+  presenter->TextChanged(ControlId::kText, u"A");
+  (void)presenter->PreviewPicture(1, 0);
+  EXPECT_THAT(Utf16ToUtf8(view.status), testing::Not(testing::HasSubstr("not shown")));
 }
 
 TEST_F(DialogTest, WhatIsSetComesBackAtTheNextRun) {
@@ -164,13 +136,12 @@ TEST_F(DialogTest, WhatIsSetComesBackAtTheNextRun) {
   presenter->Chosen(MenuCommand::kLinesAndFaces);
   presenter->Chosen(MenuCommand::kPitchCell);
   presenter->Chosen(MenuCommand::kAciNearest);
+  view.folder_answer = folder / "outputs";
+  presenter->Chosen(MenuCommand::kChooseFolder);
   view.place = {.normal = {10, 20, 810, 620}, .show = WindowShow::kMaximised};
-  EXPECT_TRUE(presenter->Close());
-  services.memory = services.saved;
-  presenter.reset();
-  view = {};
-  Open();
+  CloseAndOpenAgain();
   EXPECT_EQ(u"AB\nC", view.text);
+  EXPECT_EQ(u"@Other", view.format_face);
   EXPECT_EQ(u"Other", view.texts[ControlId::kFace]);
   EXPECT_EQ(u"77", view.texts[ControlId::kHeightList]);
   EXPECT_EQ(u"77", view.texts[ControlId::kHeightEdit]);
@@ -180,11 +151,23 @@ TEST_F(DialogTest, WhatIsSetComesBackAtTheNextRun) {
   EXPECT_EQ(5u, view.colors[ControlId::kSecondColor].second);
   EXPECT_TRUE(view.menu[MenuCommand::kLinesAndFaces] && view.menu[MenuCommand::kPitchCell] &&
               view.menu[MenuCommand::kAciNearest]);
+  EXPECT_EQ(folder / "outputs", presenter->outputs().folder());
   EXPECT_EQ((WindowPlace{{10, 20, 810, 620}, WindowShow::kMaximised}), view.placed);
-  view.place = {.normal = {-32000, -32000, -31840, -31972}, .show = WindowShow::kMinimised};
-  EXPECT_TRUE(presenter->Close());
-  EXPECT_EQ((WindowPlace{{10, 20, 810, 620}, WindowShow::kMinimised}), services.saved.window);
   EXPECT_FALSE(presenter->parts().parts[0].faces[0].items.empty());
+  view.place = {.normal = {-32000, -32000, -31840, -31972}, .show = WindowShow::kMinimised};
+  CloseAndOpenAgain();
+  EXPECT_EQ((WindowPlace{{10, 20, 810, 620}, WindowShow::kMinimised}), view.placed);
+}
+
+TEST_F(DialogTest, SettingsThatMakeNoSenseAndTheWindowOfFormerVersions) {
+  WriteIni(
+      "[Dialog]\r\nElements=3\r\nVerticalPitch=-1\r\nTextColor=-1\r\n"
+      "[Position\\Dialog]\r\nKerno_LTRB=1 2 3 4\r\n");
+  const DialogMemory memory = LoadDialogMemory();
+  EXPECT_EQ(ContourElements::kLines, memory.elements);
+  EXPECT_EQ(VerticalPitch::kClassic, memory.pitch);
+  EXPECT_EQ(0u, memory.first_color);
+  EXPECT_EQ((WindowPlace{{1, 2, 3, 4}}), memory.window);
 }
 
 TEST_F(DialogTest, WhatCannotBeKeptHoldsTheWindowOnce) {

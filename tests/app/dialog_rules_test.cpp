@@ -3,6 +3,7 @@
 
 #include "app/color_choices.h"
 #include "app/controls.h"
+#include "app/dialog_presenter.h"
 #include "app/height_text.h"
 #include "app/preview_model.h"
 #include "app/status_text.h"
@@ -40,6 +41,12 @@ TEST(DialogRules, HeightsReadAsPlainDecimals) {
   EXPECT_EQ(u"10000", SteppedHeight(u"2147483647", 1));
   EXPECT_EQ(u"-1000", SteppedHeight(u"-2147483648", -1));
   EXPECT_EQ(u"1", SteppedHeight(u"abc", 1));
+}
+
+TEST(DialogRules, VerticalWritingPutsOneAtInFront) {
+  EXPECT_EQ(u"@Plain", FaceFor(u"Plain", true));
+  EXPECT_EQ(u"@Plain", FaceFor(u"@Plain", true));
+  EXPECT_EQ(u"Plain", FaceFor(u"Plain", false));
 }
 
 TEST(DialogRules, CharactersWithoutAGlyphAreNamedVisibly) {
@@ -101,6 +108,14 @@ TEST(PreviewModel, FitsUntilTheUserChoosesAndThenKeepsThat) {
   model.SetFrame(0, 0);
   model.ZoomAt(0, 0, 1);
   EXPECT_GT(PixelsPerUnit(model.fit()), 0);
+}
+
+TEST(ColorChoices, TheSecondListGoesRoundTheWheel) {
+  const ColorChoice red = NamedColors()[6];
+  const std::vector<ColorChoice> following = FollowingColors(red);
+  ASSERT_EQ(13u, following.size());
+  EXPECT_EQ(red.color, following[0].color);
+  EXPECT_EQ(red.color, following[10].color);
 }
 
 TEST(ColorChoices, TextCanBeReadOnItsPaper) {
