@@ -42,19 +42,20 @@ FaceChoice ChooseFace(std::u16string_view name, WritingDirection direction) {
   const bool vertical = direction == WritingDirection::kVertical;
   if (name.empty()) {
     if (vertical) choice.face = FirstVerticalFace();
-    if (vertical && choice.face.empty()) {
-      choice.lack = FaceLack::kVerticalFace;
-      choice.why = u"no installed face has an \"@\" form";
-    }
+    choice.installed = !vertical || !choice.face.empty();
+    if (!choice.installed)
+      choice.what = u"--vertical", choice.why = u"no installed face has an \"@\" form";
     return choice;
   }
   if (vertical && !name.starts_with(u'@')) choice.face.insert(0, 1, u'@');
-  if (IsFaceInstalled(choice.face)) return choice;
-  choice.lack = FaceLack::kFace;
-  const bool has_plain_form = vertical && IsFaceInstalled(choice.face.substr(1));
-  choice.why = has_plain_form ? u"\"" + choice.face.substr(1) + u"\" has no \"@\" form"
-                              : u"\"" + choice.face + u"\" is not installed";
-  choice.why += NearestInstalled(choice.face);
+  choice.installed = IsFaceInstalled(choice.face);
+  if (!choice.installed) {
+    const bool has_plain_form = vertical && IsFaceInstalled(choice.face.substr(1));
+    choice.what = u"face";
+    choice.why = has_plain_form ? u"\"" + choice.face.substr(1) + u"\" has no \"@\" form"
+                                : u"\"" + choice.face + u"\" is not installed";
+    choice.why += NearestInstalled(choice.face);
+  }
   return choice;
 }
 

@@ -8,17 +8,12 @@
 
 namespace kerno {
 
-// What is not installed.
-enum class FaceLack {
-  kNothing,
-  kFace,          // the one that was named
-  kVerticalFace,  // any for vertical writing, and none was named
-};
-
 struct FaceChoice {
   std::u16string face;  // what to ask the device context for; "@" in front for vertical writing
-  FaceLack lack = FaceLack::kNothing;
-  std::u16string why;  // for the user, the nearest installed names included
+  bool installed =
+      false;  // otherwise what and why tell the user, the nearest installed names included
+  std::u16string what;
+  std::u16string why;
 };
 
 // Puts "@" in front for vertical writing unless it stands there. An empty name means the system's

@@ -193,9 +193,9 @@ bool TextOptions::ChooseFace(TextRequest* request) const {
   const FaceChoice choice = kerno::ChooseFace(
       request->face, vertical_ ? WritingDirection::kVertical : WritingDirection::kHorizontal);
   request->face = choice.face;
-  if (choice.lack == FaceLack::kNothing || substitute_) return true;
-  ReportError(choice.lack == FaceLack::kVerticalFace ? "--vertical" : "face",
-              Utf16ToUtf8(choice.why));
+  if (choice.installed) return true;
+  if (substitute_) return true;
+  ReportError(Utf16ToUtf8(choice.what), Utf16ToUtf8(choice.why));
   return false;
 }
 

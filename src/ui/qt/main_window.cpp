@@ -127,7 +127,6 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
 
 QPushButton* MainWindow::MakeButton(const ControlRow& row) {
   auto* button = new QPushButton(ToQString(row.caption), this);
-  button->setAutoDefault(false);
   if (*row.shortcut) button->setShortcut(ShortcutOf(row.shortcut));
   connect(button, &QPushButton::clicked, this, [this, id = row.id] { presenter_->Pressed(id); });
   return button;
