@@ -6,8 +6,7 @@
 #include <ctime>
 #include <string>
 
-#include "app/rebuild.h"
-#include "app/typesetter.h"
+#include "app/job.h"
 #include "export/bmp_writer.h"
 #include "export/draw_parts.h"
 #include "export/emf_writer.h"
@@ -28,16 +27,16 @@ struct Page {
 };
 
 Page PageOf(const SampleText& sample, int64_t characters) {
-  TextRequest request;
-  request.face = sample.face;
+  Job job;
+  job.text.face.name = sample.face;
   const std::u16string text = RepeatTo(sample.text, static_cast<size_t>(characters));
   for (size_t at = 0; at < text.size(); at += kLineLength) {
-    request.text += text.substr(at, kLineLength) + u"\r\n";
+    job.text.text += text.substr(at, kLineLength) + u"\r\n";
   }
-  Typesetter typesetter;
+  const auto context = CreateMeasuringContext();
+  Typesetter typesetter(*context);
   Page page;
-  page.contours = typesetter.Set(request)->contours;
-  StoreContours({}, &page.contours);
+  page.contours = Make(job, typesetter)->contours;
   BuildParts(page.contours, {}, &page.parts);
   return page;
 }

@@ -5,8 +5,7 @@
 #include <map>
 #include <string>
 
-#include "app/rebuild.h"
-#include "app/typesetter.h"
+#include "app/job.h"
 #include "base/text.h"
 #include "outline/glyph_outline.h"
 #include "ratio.h"
@@ -15,11 +14,11 @@
 namespace kerno {
 namespace {
 
-TextRequest Request(const SampleText& sample, int64_t characters) {
-  TextRequest request;
-  request.face = sample.face;
-  request.text = RepeatTo(sample.text, static_cast<size_t>(characters));
-  return request;
+Job JobOf(const SampleText& sample, int64_t characters) {
+  Job job;
+  job.text.face.name = sample.face;
+  job.text.text = RepeatTo(sample.text, static_cast<size_t>(characters));
+  return job;
 }
 
 // Drops what a run made without counting the time: freeing it is no part of any stage.
@@ -40,14 +39,14 @@ struct FlattenedText {
   std::vector<Placed> placed;
 };
 
-FlattenedText Flatten(Typesetter& typesetter, const std::u16string& text) {
+FlattenedText Flatten(DeviceContext& context, const std::u16string& text) {
   FlattenedText flattened;
   double x = 0;
   for (size_t at = 0; at < text.size();) {
     const char32_t ch = NextCharacter(text, &at);
     const auto [entry, is_new] = flattened.glyphs.try_emplace(ch);
     GlyphMetrics metrics;
-    if (is_new) GetGlyphContours(typesetter.context(), ch, &metrics, &entry->second);
+    if (is_new) GetGlyphContours(context, ch, &metrics, &entry->second);
     flattened.placed.push_back({&entry->second, {x, 0}});
     x += 50;
   }
@@ -55,10 +54,11 @@ FlattenedText Flatten(Typesetter& typesetter, const std::u16string& text) {
 }
 
 void AppendBaseline(benchmark::State& state, const SampleText& sample) {
-  Typesetter typesetter;
-  const TextRequest request = Request(sample, state.range(0));
-  (void)typesetter.Lay(request);
-  const FlattenedText text = Flatten(typesetter, request.text);
+  const auto context = CreateMeasuringContext();
+  Typesetter typesetter(*context);
+  const Job job = JobOf(sample, state.range(0));
+  (void)typesetter.LayOut(job.text);
+  const FlattenedText text = Flatten(*context, job.text.text);
   for (auto _ : state) {
     GlyphContours out;
     for (const auto& [glyph, offset] : text.placed) {
@@ -71,24 +71,25 @@ void AppendBaseline(benchmark::State& state, const SampleText& sample) {
 }
 
 void Layout(benchmark::State& state, const SampleText& sample) {
-  Typesetter typesetter;
-  const TextRequest request = Request(sample, state.range(0));
-  (void)typesetter.Lay(request);
+  const auto context = CreateMeasuringContext();
+  Typesetter typesetter(*context);
+  const Job job = JobOf(sample, state.range(0));
+  (void)typesetter.LayOut(job.text);
   for (auto _ : state) {
     GlyphContours out;
-    LayoutString(typesetter.context(), request.text, {}, &out);
+    LayoutString(*context, job.text.text, {}, &out);
     benchmark::DoNotOptimize(out.points.data());
     Drop(state, &out);
   }
 }
 
 void TextToParts(benchmark::State& state, const SampleText& sample) {
-  Typesetter typesetter;
-  const TextRequest request = Request(sample, state.range(0));
-  (void)typesetter.Lay(request);
+  const auto context = CreateMeasuringContext();
+  Typesetter typesetter(*context);
+  const Job job = JobOf(sample, state.range(0));
+  (void)typesetter.LayOut(job.text);
   for (auto _ : state) {
-    auto set = typesetter.Set(request);
-    StoreContours({}, &set->contours);
+    const auto set = Make(job, typesetter);
     PartsA parts;
     BuildParts(set->contours, {}, &parts);
     benchmark::DoNotOptimize(parts.parts.data());

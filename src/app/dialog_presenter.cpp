@@ -51,17 +51,12 @@ std::u16string LinesOf(std::u16string_view text) {
   return lines;
 }
 
-std::u16string FaceFor(std::u16string_view face, bool vertical) {
-  std::u16string name(face);
-  if (vertical && !name.starts_with(u'@')) name.insert(0, 1, u'@');
-  return name;
-}
-
 DialogPresenter::DialogPresenter(DialogView& view, DialogServices& services)
     : view_(view),
       services_(services),
       notices_before_(ReplaceNotices(this)),
-      typesetter_(services.CreateMeasuringContext()),
+      measuring_(services.CreateMeasuringContext()),
+      typesetter_(*measuring_),
       outputs_(services, *this) {}
 
 DialogPresenter::~DialogPresenter() {
@@ -230,21 +225,21 @@ void DialogPresenter::Rebuild() {
 }
 
 void DialogPresenter::SetTextAnew() {
-  TextRequest request;
-  request.text = WithCrLf(text_);
-  request.face = FaceFor(memory_.face, memory_.vertical);
-  request.height = HeightNumber(memory_.height);
-  request.layout.pitch = memory_.pitch;
-  std::optional<SetText> set = typesetter_.Set(request);
+  Job job;
+  job.text.text = WithCrLf(text_);
+  job.text.face = Face();
+  job.text.height = HeightNumber(memory_.height);
+  job.text.layout.pitch = memory_.pitch;
+  if (job.text.face.vertical) SetVertical(&job.text);
+  std::optional<TypesetText> set = Make(job, typesetter_);
   if (!set) {
     ShowStatus(u"No font is installed, so nothing can be outlined.", StatusKind::kFailure);
     return;
   }
-  StoreContours({}, &set->contours);
   used_face_ = set->face;
   contours_box_ = ContoursBox(set->contours);
-  const bool warns = HasWarning(*set, request.face);
-  ShowStatus(DescribeText(*set, request.face, contours_box_),
+  const bool warns = HasWarning(*set, job.text.face);
+  ShowStatus(DescribeText(*set, job.text.face, contours_box_),
              warns ? StatusKind::kWarning : StatusKind::kNormal);
   contours_ = std::move(set->contours);
 }
@@ -253,15 +248,20 @@ const PartsA& DialogPresenter::parts() {
   if (is_pending_) Rebuild();
   if (parts_are_stale_) {
     parts_are_stale_ = false;
-    RebuildOptions options;
-    options.elements = memory_.elements;
-    BuildParts(contours_, options, &parts_);
+    BuildParts(contours_, {.elements = memory_.elements}, &parts_);
   }
   return parts_;
 }
 
+// A name that was typed may be that of the vertical form already.
+FaceForm DialogPresenter::Face() const {
+  FaceForm face = FaceFormOf(memory_.face);
+  face.vertical |= memory_.vertical;
+  return face;
+}
+
 void DialogPresenter::ShowTextFormat() {
-  view_.ShowTextFormat(FaceFor(memory_.face, memory_.vertical), FirstColor());
+  view_.ShowTextFormat(SystemFaceName(Face()), FirstColor());
 }
 
 Color DialogPresenter::FirstColor() const {
@@ -291,8 +291,7 @@ bool DialogPresenter::DrawsContours() const {
 }
 
 Extent3 DialogPresenter::DrawingBox() {
-  return DrawsContours() || parts_are_stale_ ? contours_box_
-                                             : PictureBox(parts_, &typesetter_.context());
+  return DrawsContours() || parts_are_stale_ ? contours_box_ : PictureBox(parts_, measuring_.get());
 }
 
 void DialogPresenter::ShowDrawing() {

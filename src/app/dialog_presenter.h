@@ -13,9 +13,9 @@
 #include "app/dialog_view.h"
 #include "app/outputs.h"
 #include "app/preview_model.h"
-#include "app/typesetter.h"
 #include "base/notices.h"
 #include "outline/glyph_contours.h"
+#include "outline/typesetter.h"
 #include "parts/parts.h"
 #include "platform/drawing.h"
 
@@ -24,9 +24,6 @@ namespace kerno {
 // The text with every line end (CR LF, CR, LF, NEL, U+2028, U+2029) as U+000A and without NULs,
 // which would end it early: what is pasted or dropped.
 std::u16string LinesOf(std::u16string_view text);
-
-// The face name with "@" in front for vertical writing, once.
-std::u16string FaceFor(std::u16string_view face, bool vertical);
 
 // Every change of text, face, "@", height or colour sets the text again. Where that took long the
 // last time, changes are gathered and set once the user pauses; outputs never wait for that.
@@ -108,8 +105,9 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   bool DrawsContours() const;
   void PaintFigure(DrawingContext& dc, const Affine& fit);
   Color FirstColor() const;
+  FaceForm Face() const;
   OutputSubject Subject() const;
-  void WriteOutput(OutputKind kind);
+  void WriteOutput(const Format& format);
   void Upload();
   void ReportOutputs();
   void EndProgress();
@@ -122,6 +120,7 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   DialogView& view_;
   DialogServices& services_;
   Notices* notices_before_;
+  std::unique_ptr<DeviceContext> measuring_;
   Typesetter typesetter_;
   Outputs outputs_;
   PreviewModel preview_;

@@ -24,19 +24,8 @@ std::u16string LineOf(const Status& status) {
 }  // namespace
 
 void DialogPresenter::Pressed(ControlId button) {
+  if (const Format* format = FormatOfButton(static_cast<int>(button))) return WriteOutput(*format);
   switch (button) {
-    case ControlId::kDxf:
-      return WriteOutput(OutputKind::kDxf);
-    case ControlId::kSvg:
-      return WriteOutput(OutputKind::kSvg);
-    case ControlId::kIpx:
-      return WriteOutput(OutputKind::kIpx);
-    case ControlId::kDib:
-      return WriteOutput(OutputKind::kBitmap);
-    case ControlId::kEmf:
-      return WriteOutput(OutputKind::kMetafile);
-    case ControlId::kIpl:
-      return WriteOutput(OutputKind::kIpl);
     case ControlId::kUpload:
       return Upload();
     case ControlId::kPaste:
@@ -121,24 +110,26 @@ void DialogPresenter::SetOutputFolder(const fs::path& folder) {
 // Outputs
 
 OutputSubject DialogPresenter::Subject() const {
-  return {.face = FaceFor(memory_.face, memory_.vertical),
+  return {.face = SystemFaceName(Face()),
           .height = memory_.height,
           .text = text_,
           .color = FirstColor()};
 }
 
-void DialogPresenter::WriteOutput(OutputKind kind) {
+void DialogPresenter::WriteOutput(const Format& format) {
   const PartsA& drawing = parts();
   collects_ = true;
-  outputs_.Write(kind, drawing, memory_.aci, Subject());
+  OutputOptions options;
+  options.dxf.aci = memory_.aci;
+  outputs_.Write(format, drawing, options, Subject());
   ReportOutputs();
 }
 
 void DialogPresenter::Upload() {
-  const PartsA& drawing = parts();
+  if (is_pending_) Rebuild();
   collects_ = true;
   std::u16string answer;
-  if (outputs_.Write(OutputKind::kPage, drawing, memory_.aci, Subject())) {
+  if (outputs_.WritePage(Subject())) {
     const Status sent = services_.Upload(outputs_.written(), &answer);
     if (!sent.ok()) failures_ += LineOf(sent) + u"\n";
   }

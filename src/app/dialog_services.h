@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "app/dialog_view.h"
-#include "app/rebuild.h"
-#include "export/aci.h"
+#include "app/job.h"
+#include "export/formats.h"
 #include "outline/text_layout.h"
 #include "parts/parts.h"
 #include "platform/device_context.h"
@@ -57,10 +57,8 @@ class DialogServices {
 
   // The writers. Each leaves no new file when it fails.
   virtual Status WriteBytes(const std::filesystem::path& file, std::string_view bytes) = 0;
-  virtual Status Export(const PartsA& parts, AciRule aci, const std::filesystem::path& file) = 0;
-  virtual Status WriteMetafile(const PartsA& parts, const std::filesystem::path& file) = 0;
-  virtual Status WriteBitmap(const PartsA& parts, const std::filesystem::path& file) = 0;
-  virtual Status WriteIpl(const PartsA& parts, const std::filesystem::path& file) = 0;
+  virtual Status Write(const Format& format, const PartsA& parts, const OutputOptions& options,
+                       const std::filesystem::path& file) = 0;
   virtual Status ReadParts(const std::filesystem::path& file, PartsA* parts) = 0;
 
   // The page of the outputs of a run, and sending them to the server.

@@ -9,26 +9,26 @@
 namespace kerno {
 namespace {
 
-std::u16string FirstVerticalFace() {
+FaceForm FirstVerticalFace() {
   for (const InstalledFace& face : EnumerateFaces()) {
-    if (face.name.starts_with(u'@') && face.font_type == kTrueTypeFontType) return face.name;
+    const FaceForm form = FaceFormOf(face.name);
+    if (form.vertical && face.font_type == kTrueTypeFontType) return form;
   }
   return {};
 }
 
 // The installed names that a missing one may have meant, as the end of a sentence.
-std::u16string NearestInstalled(std::u16string_view face) {
+std::u16string NearestInstalled(const FaceForm& face) {
   constexpr size_t kSuggestions = 3;
-  const bool vertical = face.starts_with(u'@');
   std::vector<std::u16string> names;
   for (InstalledFace& installed : EnumerateFaces()) {
-    const bool alike = installed.name.starts_with(u'@') == vertical;
+    const bool alike = FaceFormOf(installed.name).vertical == face.vertical;
     if (installed.font_type == kTrueTypeFontType && alike) {
       names.push_back(std::move(installed.name));
     }
   }
   std::u16string text;
-  for (const std::u16string& name : NearestNames(face, names, kSuggestions)) {
+  for (const std::u16string& name : NearestNames(SystemFaceName(face), names, kSuggestions)) {
     text += (text.empty() ? u"; the nearest are \"" : u", \"") + name + u"\"";
   }
   return text;
@@ -36,31 +36,29 @@ std::u16string NearestInstalled(std::u16string_view face) {
 
 }  // namespace
 
-FaceChoice ChooseFace(std::u16string_view name, WritingDirection direction) {
+FaceChoice ChooseFace(const FaceForm& wanted) {
   FaceChoice choice;
-  choice.face = name;
-  const bool vertical = direction == WritingDirection::kVertical;
-  if (name.empty()) {
-    if (vertical) choice.face = FirstVerticalFace();
-    choice.installed = !vertical || !choice.face.empty();
-    if (!choice.installed)
-      choice.what = u"--vertical", choice.why = u"no installed face has an \"@\" form";
+  choice.face = wanted;
+  choice.what = u"face";
+  if (wanted.name.empty()) {
+    if (wanted.vertical) choice.face = FirstVerticalFace();
+    choice.installed = !wanted.vertical || !choice.face.name.empty();
+    if (!choice.installed) choice.why = u"none that is installed has a form for vertical writing";
     return choice;
   }
-  if (vertical && !name.starts_with(u'@')) choice.face.insert(0, 1, u'@');
-  choice.installed = IsFaceInstalled(choice.face);
-  if (!choice.installed) {
-    const bool has_plain_form = vertical && IsFaceInstalled(choice.face.substr(1));
-    choice.what = u"face";
-    choice.why = has_plain_form ? u"\"" + choice.face.substr(1) + u"\" has no \"@\" form"
-                                : u"\"" + choice.face + u"\" is not installed";
-    choice.why += NearestInstalled(choice.face);
-  }
+  const std::u16string name = SystemFaceName(wanted);
+  choice.installed = IsFaceInstalled(name);
+  if (choice.installed) return choice;
+  const bool has_plain_form = wanted.vertical && IsFaceInstalled(wanted.name);
+  choice.why = has_plain_form ? u"\"" + wanted.name + u"\" has no \"@\" form"
+                              : u"\"" + name + u"\" is not installed";
+  choice.why += NearestInstalled(wanted);
   return choice;
 }
 
-bool IsNameOf(std::u16string_view wanted, std::u16string_view used) {
-  return wanted.empty() || wanted == used || IsFaceInstalled(wanted);
+bool IsNameOf(const FaceForm& wanted, std::u16string_view used) {
+  const std::u16string name = SystemFaceName(wanted);
+  return wanted.name.empty() || name == used || IsFaceInstalled(name);
 }
 
 }  // namespace kerno

@@ -1,7 +1,6 @@
 #include "app/outputs.h"
 
 #include <algorithm>
-#include <span>
 #include <system_error>
 
 #include "app/output_name.h"
@@ -13,45 +12,6 @@ namespace kerno {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Each output with what follows it, in order.
-std::span<const OutputKind> ChainOf(OutputKind kind) {
-  using enum OutputKind;
-  static constexpr OutputKind kDxfChain[] = {kDxf, kMetafile};
-  static constexpr OutputKind kSvgChain[] = {kSvg, kMetafile, kPage};
-  static constexpr OutputKind kIpxChain[] = {kIpx, kIpl};
-  static constexpr OutputKind kAlone[] = {kDxf, kSvg, kIpx, kMetafile, kBitmap, kIpl, kPage};
-  switch (kind) {
-    case kDxf:
-      return kDxfChain;
-    case kSvg:
-      return kSvgChain;
-    case kIpx:
-      return kIpxChain;
-    default:
-      return std::span(kAlone).subspan(static_cast<size_t>(kind), 1);
-  }
-}
-
-const char16_t* ExtensionOf(OutputKind kind) {
-  switch (kind) {
-    case OutputKind::kDxf:
-      return u".dxf";
-    case OutputKind::kSvg:
-      return u".svg";
-    case OutputKind::kIpx:
-      return u".ipx";
-    case OutputKind::kMetafile:
-      return u".emf";
-    case OutputKind::kBitmap:
-      return u".bmp";
-    case OutputKind::kIpl:
-      return u".ipl";
-    case OutputKind::kPage:
-      return u".html";
-  }
-  return u"";
-}
 
 Status MakeOutputFolder(const fs::path& folder) {
   Status made = MakeFolders(folder);
@@ -72,6 +32,7 @@ void Outputs::SetFolder(fs::path folder) {
 }
 
 bool Outputs::MakeBasePath(const OutputSubject& subject) {
+  folder_refused_ = false;
   if (!base_path_.empty()) {
     // Scratch folders are emptied behind a long run's back.
     const Status made = MakeOutputFolder(folder_);
@@ -95,52 +56,56 @@ bool Outputs::MakeBasePath(const OutputSubject& subject) {
   return true;
 }
 
-bool Outputs::Write(OutputKind kind, const PartsA& parts, AciRule aci,
+bool Outputs::Write(const Format& format, const PartsA& parts, const OutputOptions& options,
                     const OutputSubject& subject) {
   // The view may handle events while progress is shown, and the drawing change with them.
   const PartsA copy = parts;  // NOLINT(performance-unnecessary-copy-initialization)
-  folder_refused_ = false;
   if (!MakeBasePath(subject)) return false;
-  const std::span<const OutputKind> chain = ChainOf(kind);
-  for (const OutputKind step : chain) WriteOne(step, copy, aci, subject);
-  if (chain.back() != OutputKind::kPage) {
+  WriteOne(format, copy, options);
+  bool page_is_new = false;
+  for (const std::string_view next : format.followed_by) {
+    page_is_new = next == kPageExtension;
+    if (page_is_new) {
+      BuildPage(subject);
+    } else if (const Format* follower = FindFormat(Utf8ToUtf16Lossy(next))) {
+      WriteOne(*follower, copy, options);
+    }
+  }
+  if (!page_is_new) {
     const Status refreshed = services_.RefreshPage(base_path_);
-    if (!refreshed.ok()) notifier_.FileWritten(OutputPath(base_path_, u".html"), refreshed);
+    if (!refreshed.ok()) {
+      notifier_.FileWritten(OutputPath(base_path_, Utf8ToUtf16Lossy(kPageExtension)), refreshed);
+    }
   }
   return true;
 }
 
-void Outputs::WriteOne(OutputKind kind, const PartsA& parts, AciRule aci,
-                       const OutputSubject& subject) {
-  if (kind == OutputKind::kPage) return WritePage(subject);
-  const fs::path file = OutputPath(base_path_, ExtensionOf(kind));
-  switch (kind) {
-    case OutputKind::kMetafile:
-      return Tell(kind, file, services_.WriteMetafile(parts, file));
-    case OutputKind::kBitmap:
-      return Tell(kind, file, services_.WriteBitmap(parts, file));
-    case OutputKind::kIpl:
-      return Tell(kind, file, services_.WriteIpl(parts, file));
-    default:
-      return Tell(kind, file, services_.Export(parts, aci, file));
-  }
+bool Outputs::WritePage(const OutputSubject& subject) {
+  if (!MakeBasePath(subject)) return false;
+  BuildPage(subject);
+  return true;
 }
 
-void Outputs::WritePage(const OutputSubject& subject) {
-  fs::path page = OutputPath(base_path_, ExtensionOf(OutputKind::kPage));
+void Outputs::WriteOne(const Format& format, const PartsA& parts, const OutputOptions& options) {
+  const fs::path file = OutputPath(base_path_, Utf8ToUtf16Lossy(format.extension));
+  Keep(file, services_.Write(format, parts, options, file));
+}
+
+void Outputs::BuildPage(const OutputSubject& subject) {
+  fs::path page = OutputPath(base_path_, Utf8ToUtf16Lossy(kPageExtension));
   const Status result = services_.BuildPage({.base_path = base_path_,
                                              .text = subject.text,
                                              .face = subject.face,
                                              .height = subject.height},
                                             &page);
-  Tell(OutputKind::kPage, page, result);
+  Keep(page, result);
 }
 
-void Outputs::Tell(OutputKind kind, const fs::path& file, const Status& result) {
+void Outputs::Keep(const fs::path& file, const Status& result) {
   if (result.ok() && std::find(written_.begin(), written_.end(), file) == written_.end()) {
     written_.push_back(file);
   }
-  if (kind == OutputKind::kMetafile) {
+  if (file.extension() == ".emf") {
     notifier_.MetafileWritten(file, result);
   } else {
     notifier_.FileWritten(file, result);

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/dialog_services.h"
+#include "export/formats.h"
 #include "parts/parts.h"
 
 namespace kerno {
@@ -26,8 +27,6 @@ struct OutputSubject {
   Color color = 0;
 };
 
-enum class OutputKind { kDxf, kSvg, kIpx, kMetafile, kBitmap, kIpl, kPage };
-
 // The first output of a process opens its folder in the shell; tests set this again.
 extern bool open_folder_on_first_save;
 
@@ -42,10 +41,12 @@ class Outputs {
   void SetFolder(std::filesystem::path folder);
   const std::filesystem::path& folder() const { return folder_; }
 
-  // Writes an output and what follows it: after DXF and SVG the metafile, after SVG the page, after
-  // IPX the sizes. Nothing is shown; the notifier hears of each. False when the base path could not
-  // be made, and then nothing else was tried.
-  bool Write(OutputKind kind, const PartsA& parts, AciRule aci, const OutputSubject& subject);
+  // Writes an output and what follows it (Format::followed_by), or the page alone. Nothing is
+  // shown; the notifier hears of each file. False when the base path could not be made, and then
+  // nothing else was tried.
+  bool Write(const Format& format, const PartsA& parts, const OutputOptions& options,
+             const OutputSubject& subject);
+  bool WritePage(const OutputSubject& subject);
 
   const std::filesystem::path& base_path() const { return base_path_; }
 
@@ -57,9 +58,9 @@ class Outputs {
 
  private:
   bool MakeBasePath(const OutputSubject& subject);
-  void WriteOne(OutputKind kind, const PartsA& parts, AciRule aci, const OutputSubject& subject);
-  void WritePage(const OutputSubject& subject);
-  void Tell(OutputKind kind, const std::filesystem::path& file, const Status& result);
+  void WriteOne(const Format& format, const PartsA& parts, const OutputOptions& options);
+  void BuildPage(const OutputSubject& subject);
+  void Keep(const std::filesystem::path& file, const Status& result);
 
   DialogServices& services_;
   OutputNotifier& notifier_;

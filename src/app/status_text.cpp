@@ -53,14 +53,13 @@ void AppendLost(std::u16string* out, std::u16string_view what,
   }
 }
 
-bool IsSubstitute(const SetText& set, std::u16string_view wanted_face) {
-  return !IsNameOf(wanted_face, set.face);
+bool IsSubstitute(const TypesetText& set, const FaceForm& wanted) {
+  return !IsNameOf(wanted, set.face);
 }
 
 }  // namespace
 
-std::u16string DescribeText(const SetText& set, std::u16string_view wanted_face,
-                            const Extent3& box) {
+std::u16string DescribeText(const TypesetText& set, const FaceForm& wanted, const Extent3& box) {
   std::u16string text;
   AppendCount(&text, set.characters, u"character", u"characters");
   text += kGap;
@@ -71,9 +70,9 @@ std::u16string DescribeText(const SetText& set, std::u16string_view wanted_face,
   AppendSize(&text, box);
   text += kGap;
   text += set.face;
-  if (IsSubstitute(set, wanted_face)) {
+  if (IsSubstitute(set, wanted)) {
     text += u" in place of ";
-    text += wanted_face;
+    text += SystemFaceName(wanted);
     text += u", which is not installed";
   }
   AppendLost(&text, u"no glyph for", set.missing);
@@ -92,9 +91,9 @@ std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, cons
   return text;
 }
 
-bool HasWarning(const SetText& set, std::u16string_view wanted_face) {
+bool HasWarning(const TypesetText& set, const FaceForm& wanted) {
   return !set.missing.empty() || !set.notes.refused.empty() || set.ended_by_nul ||
-         IsSubstitute(set, wanted_face);
+         IsSubstitute(set, wanted);
 }
 
 std::u16string DescribeUnseen(const PictureNotes& notes) {

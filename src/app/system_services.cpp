@@ -6,10 +6,7 @@
 #include "base/launch.h"
 #include "base/text.h"
 #include "base/version_info.h"
-#include "export/bmp_writer.h"
-#include "export/emf_writer.h"
 #include "export/export.h"
-#include "export/ipl_writer.h"
 #include "parts/ipx.h"
 #include "platform/font_faces.h"
 #include "platform/system.h"
@@ -82,28 +79,17 @@ Status SystemServices::WriteBytes(const fs::path& file, std::string_view bytes) 
   return ReplaceWhenFree(file, bytes);
 }
 
-Status SystemServices::Export(const PartsA& parts, AciRule aci, const fs::path& file) {
-  ExportOptions options;
-  options.dxf.aci = aci;
-  options.program = PathText(CurrentSystem().ProgramPath());
-  options.after_export = [this](const PartsA& model, const fs::path& written) {
+Status SystemServices::Write(const Format& format, const PartsA& parts,
+                             const OutputOptions& options, const fs::path& file) {
+  OutputOptions own = options;
+  own.program = PathText(CurrentSystem().ProgramPath());
+  if (format.dispatch == Format::Dispatch::kNever) return format.write(parts, file, own);
+  own.after_export = [this](const PartsA& model, const fs::path& written) {
     cache_.KeepCopy(model, written);
   };
   Status status = Status::Ok();
-  kerno::Export(parts, file, options, &status);
+  Export(parts, file, own, &status);
   return status;
-}
-
-Status SystemServices::WriteMetafile(const PartsA& parts, const fs::path& file) {
-  return ExportEmf(parts, file);
-}
-
-Status SystemServices::WriteBitmap(const PartsA& parts, const fs::path& file) {
-  return ExportBmp(parts, file);
-}
-
-Status SystemServices::WriteIpl(const PartsA& parts, const fs::path& file) {
-  return ExportIpl(parts, file);
 }
 
 Status SystemServices::ReadParts(const fs::path& file, PartsA* parts) {

@@ -22,10 +22,8 @@ class SystemServices : public DialogServices {
   std::filesystem::path DefaultOutputFolder() override;
   bool OpenFolder(const std::filesystem::path& folder) override;
   Status WriteBytes(const std::filesystem::path& file, std::string_view bytes) override;
-  Status Export(const PartsA& parts, AciRule aci, const std::filesystem::path& file) override;
-  Status WriteMetafile(const PartsA& parts, const std::filesystem::path& file) override;
-  Status WriteBitmap(const PartsA& parts, const std::filesystem::path& file) override;
-  Status WriteIpl(const PartsA& parts, const std::filesystem::path& file) override;
+  Status Write(const Format& format, const PartsA& parts, const OutputOptions& options,
+               const std::filesystem::path& file) override;
   Status ReadParts(const std::filesystem::path& file, PartsA* parts) override;
   Status BuildPage(const PageRequest& request, std::filesystem::path* page) override;
   Status RefreshPage(const std::filesystem::path& base_path) override;

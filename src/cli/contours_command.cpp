@@ -5,6 +5,7 @@
 #include "base/number_text.h"
 #include "base/text.h"
 #include "cli/console.h"
+#include "drawing/affine.h"
 
 namespace kerno {
 namespace {
@@ -15,7 +16,7 @@ constexpr size_t kChunk = 1 << 16;
 class Printer {
  public:
   std::string& text() { return text_; }
-  bool Relax() { return text_.size() < kChunk || Drain(); }
+  bool DrainWhenLong() { return text_.size() < kChunk || Drain(); }
   bool Drain() {
     const bool printed = Print(text_);
     text_.clear();
@@ -40,19 +41,19 @@ void AppendMetrics(std::string* out, const TextMetrics& metrics) {
   out->append("}");
 }
 
-bool PrintJson(const SetText& set, const TextRequest& request) {
+bool PrintJson(const TypesetText& set, const TextRequest& request) {
   Printer printer;
   std::string& out = printer.text();
   out += "{\"face\": ";
   AppendJsonString(&out, set.face);
   AppendField(&out.append(", "), "height", request.height);
-  out.append(", \"vertical\": ").append(request.face.starts_with(u'@') ? "true" : "false");
+  out.append(", \"vertical\": ").append(request.face.vertical ? "true" : "false");
   AppendMetrics(&out.append(", "), set.metrics);
   out += ", \"counts\": [";
   for (size_t i = 0; i < set.contours.counts.size(); ++i) {
     if (i > 0) out += ", ";
     AppendInteger(&out, set.contours.counts[i]);
-    if (!printer.Relax()) return false;
+    if (!printer.DrainWhenLong()) return false;
   }
   out += "], \"points\": [";
   for (size_t i = 0; i < set.contours.points.size(); ++i) {
@@ -61,18 +62,18 @@ bool PrintJson(const SetText& set, const TextRequest& request) {
     out += ", ";
     AppendShortest(&out, set.contours.points[i].y);
     out += "]";
-    if (!printer.Relax()) return false;
+    if (!printer.DrainWhenLong()) return false;
   }
   out += "]}\n";
   return printer.Drain();
 }
 
-bool PrintListing(const SetText& set, const TextRequest& request) {
+bool PrintListing(const TypesetText& set, const TextRequest& request) {
   Printer printer;
   std::string& out = printer.text();
   const TextMetrics& m = set.metrics;
   out += "face " + Utf16ToUtf8(set.face) + ", height " + std::to_string(request.height) + ", " +
-         (request.face.starts_with(u'@') ? "vertical" : "horizontal") + "\n";
+         (request.face.vertical ? "vertical" : "horizontal") + "\n";
   out += "text height " + std::to_string(m.tmHeight) + ", ascent " + std::to_string(m.tmAscent) +
          ", descent " + std::to_string(m.tmDescent) + ", average width " +
          std::to_string(m.tmAveCharWidth) + "\n";
@@ -86,7 +87,7 @@ bool PrintListing(const SetText& set, const TextRequest& request) {
       AppendShortest(&out.append("  "), set.contours.points[at].x);
       AppendShortest(&out.append(" "), set.contours.points[at].y);
       out += "\n";
-      if (!printer.Relax()) return false;
+      if (!printer.DrainWhenLong()) return false;
     }
   }
   return printer.Drain();
@@ -102,20 +103,19 @@ void ContoursCommand::AddOptions(CLI::App& app) {
 
 ExitStatus ContoursCommand::Run() {
   ExitStatus status = kDone;
-  auto request = text_.Resolve(&status);
-  if (!request) return status;
-  const bool scaled = text_.scale() != 1;
-  if (!scaled) request->placement.insertion = text_.at();
+  auto job = text_.Resolve(&status);
+  if (!job) return status;
+  // Placed contours are printed with y down, and the place that was asked for counts so, too.
+  const Affine down = FlippedY(1, {});
+  job->at = down.Apply(job->at);
   const auto placing = unplaced_ ? TextOptions::Placing::kUnplaced : TextOptions::Placing::kPlaced;
-  auto set = text_.SetAndReport(*request, placing, &status);
+  auto set = text_.MakeAndReport(*job, placing, &status);
   if (!set) return status;
-  if (!unplaced_ && scaled) {
-    for (P2& p : set->contours.points) {
-      p = {p.x * text_.scale() + text_.at().x, p.y * text_.scale() + text_.at().y};
-    }
+  if (!unplaced_) {
+    for (P2& p : set->contours.points) p = down.Apply(p);
   }
   if (!TextOptions::CheckRange(set->contours.points)) return kWrongUsage;
-  const bool printed = json_ ? PrintJson(*set, *request) : PrintListing(*set, *request);
+  const bool printed = json_ ? PrintJson(*set, job->text) : PrintListing(*set, job->text);
   return printed && FinishPrinting() ? kDone : kFailed;
 }
 

@@ -50,31 +50,22 @@ void ConvertCommand::AddOptions(CLI::App& app) {
 bool ConvertCommand::ReadChoices() {
   const auto layer = TextArgument("--layer", layer_);
   if (!layer) return false;
-  rebuild_.layer = *layer;
+  parts_.layer = *layer;
   return Choose<ContourElements>("--elements", elements_,
                                  {{"lines", ContourElements::kLines},
                                   {"faces", ContourElements::kFaces},
                                   {"both", ContourElements::kBoth}},
-                                 &rebuild_.elements);
+                                 &parts_.elements);
 }
 
 ExitStatus ConvertCommand::BuildFromText(PartsA* model, std::string* summary) {
   ExitStatus status = kDone;
-  auto request = text_.Resolve(&status);
-  if (!request) return status;
-  // The file's y points up, the placement's down. A scale moves the geometry to its place
-  // afterwards.
-  if (text_.scale() == 1) {
-    request->placement.insertion = {text_.at().x, -text_.at().y};
-  } else {
-    rebuild_.scale = text_.scale();
-    rebuild_.at = text_.at();
-  }
-  auto set = text_.SetAndReport(*request, TextOptions::Placing::kPlaced, &status);
+  const auto job = text_.Resolve(&status);
+  if (!job) return status;
+  const auto set = text_.MakeAndReport(*job, TextOptions::Placing::kPlaced, &status);
   if (!set) return status;
-  StoreContours(rebuild_, &set->contours);
   if (!TextOptions::CheckRange(set->contours.points)) return kWrongUsage;
-  BuildParts(set->contours, rebuild_, model);
+  BuildParts(set->contours, parts_, model);
   *summary = Counted(set->characters, "characters, ") +
              Counted(set->contours.counts.size(), "contours, ") +
              Counted(EntityCount(*model), "entities");

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "app/rebuild.h"
+#include "app/job.h"
 #include "cli/output_files.h"
 #include "cli/text_options.h"
 
@@ -26,7 +26,7 @@ class ConvertCommand final : public Command {
   std::string elements_ = "lines";
   std::string layer_ = "Kerno";
   std::string ipx_;
-  RebuildOptions rebuild_;
+  PartsOptions parts_;
   CLI::App* app_ = nullptr;
 };
 

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "base/dump_log.h"
+#include "base/nearest_names.h"
 #include "base/profile_settings.h"
+#include "base/text.h"
 #include "cli/console.h"
 #include "cli/contours_command.h"
 #include "cli/convert_command.h"
@@ -38,18 +40,37 @@ ExitStatus PrintText(const std::string& text) {
   return Print(text) && FinishPrinting() ? kDone : kFailed;
 }
 
+const CLI::App* FindCommand(const CLI::App& app, const std::string& name) {
+  for (const CLI::App* command : app.get_subcommands({})) {
+    if (command->get_name() == name) return command;
+  }
+  return nullptr;
+}
+
+// Says that there is no such command, and which one may have been meant.
+ExitStatus ReportUnknown(const CLI::App& app, const std::string& word) {
+  std::vector<std::u16string> names;
+  for (const CLI::App* command : app.get_subcommands({})) {
+    names.push_back(Utf8ToUtf16Lossy(command->get_name()));
+  }
+  const std::u16string wanted = Utf8ToUtf16Lossy(word);
+  std::string why = "is no command of kerno";
+  for (const std::u16string& name : NearestNames(wanted, names, 1)) {
+    const bool is_near = 2 * EditDistance(wanted, name) <= name.size();
+    why += is_near ? "; the nearest is \"" + Utf16ToUtf8(name) + "\"" : " (kerno help lists them)";
+  }
+  ReportError("\"" + word + "\"", why);
+  return kWrongUsage;
+}
+
 // kerno help [COMMAND]
 ExitStatus PrintHelp(const CLI::App& app, const std::string& command) {
   if (command.empty()) {  // app.help() would speak of "help", the command that was given
     const auto overview = CLI::AppFormatMode::Normal;
     return PrintText(app.get_formatter()->make_help(&app, app.get_name(), overview));
   }
-  try {
-    return PrintText(app.get_subcommand(command)->help(app.get_name()));
-  } catch (const CLI::OptionNotFound&) {
-    ReportError(command, "is no command of kerno");
-    return kWrongUsage;
-  }
+  const CLI::App* known = FindCommand(app, command);
+  return known ? PrintText(known->help(app.get_name())) : ReportUnknown(app, command);
 }
 
 ExitStatus Main(const std::vector<std::string>& arguments) {
@@ -66,6 +87,8 @@ ExitStatus Main(const std::vector<std::string>& arguments) {
   std::string topic;
   CLI::App* help = app.add_subcommand("help", "explain a command");
   help->add_option("COMMAND", topic, "the command to explain");
+  const bool has_word = arguments.size() > 1 && !arguments[1].empty() && arguments[1][0] != '-';
+  if (has_word && !FindCommand(app, arguments[1])) return ReportUnknown(app, arguments[1]);
   std::vector<const char*> argv;
   for (const std::string& argument : arguments) argv.push_back(argument.c_str());
   try {

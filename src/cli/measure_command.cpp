@@ -14,14 +14,14 @@ void MeasureCommand::AddOptions(CLI::App& app) {
 
 ExitStatus MeasureCommand::Run() {
   ExitStatus status = kDone;
-  const auto request = text_.Resolve(&status);
-  if (!request) return status;
+  const auto job = text_.Resolve(&status);
+  if (!job) return status;
   const auto context = CreateMeasuringContext();
-  const StringExtent extent =
-      MeasureString(context.get(), request->text, request->face.starts_with(u'@'), request->height,
-                    request->width, request->placement.slant, request->placement.angle,
-                    request->face, request->weight);
-  const P2 size = {extent.length * text_.scale(), extent.height * text_.scale()};
+  const TextRequest& text = job->text;
+  const StringExtent extent = MeasureString(
+      context.get(), text.text, text.face.vertical, text.height, text.width, text.placement.slant,
+      text.placement.angle, SystemFaceName(text.face), text.weight);
+  const P2 size = {extent.length * job->scale, extent.height * job->scale};
   if (!TextOptions::CheckRange({&size, 1})) return kWrongUsage;
   std::string length, height;
   AppendShortest(&length, size.x);

@@ -11,7 +11,7 @@
 #include "cli/arguments.h"
 #include "cli/choice.h"
 #include "cli/console.h"
-#include "export/ipl_writer.h"
+#include "export/export.h"
 #include "platform/folder_path.h"
 #include "platform/system.h"
 
@@ -20,51 +20,12 @@ namespace {
 
 constexpr char kStandardOutput[] = "-";
 
-template <ExportFormat kFormat>
-Status Dispatch(const PartsA& model, const std::filesystem::path& file,
-                const OutputOptions& options) {
-  Status status;
-  (void)ExportAs(kFormat, model, file, options.dispatch, &status);
-  return status;
-}
-
-Status Bitmap(const PartsA& model, const std::filesystem::path& file,
-              const OutputOptions& options) {
-  return ExportBmp(model, file, options.bmp);
-}
-
-Status Metafile(const PartsA& model, const std::filesystem::path& file,
-                const OutputOptions& options) {
-  return ExportEmf(model, file, options.emf);
-}
-
-Status PartsList(const PartsA& model, const std::filesystem::path& file, const OutputOptions&) {
-  return ExportIpl(model, file);
-}
-
-constexpr OutputWriter kWriters[] = {
-    {"dxf", Dispatch<ExportFormat::kDxf>},
-    {"svg", Dispatch<ExportFormat::kSvg>},
-    {"ipx", Dispatch<ExportFormat::kIpx>},
-    {"x3d", Dispatch<ExportFormat::kX3d>},
-    {"emf", Metafile},
-    {"bmp", Bitmap},
-    {"ipl", PartsList},
-};
-
-std::string WriterNames() {
+std::string FormatNames() {
   std::string names;
-  for (const OutputWriter& writer : kWriters) {
-    names.append(names.empty() ? "" : ", ").append(writer.extension);
+  for (const Format& format : Formats()) {
+    names.append(names.empty() ? "" : ", ").append(format.extension);
   }
   return names;
-}
-
-const OutputWriter* FindWriter(std::string_view extension) {
-  for (const OutputWriter& writer : kWriters) {
-    if (writer.extension == extension) return &writer;
-  }
-  return nullptr;
 }
 
 // A file in a folder of its own that nobody else can look into; both go with the object.
@@ -94,11 +55,11 @@ class ScratchPath {
 };
 
 // Nothing is printed before the whole output stands in a scratch file.
-bool WriteToStandardOutput(const OutputWriter& writer, const PartsA& model,
+bool WriteToStandardOutput(const Format& format, const PartsA& model,
                            const OutputOptions& options) {
-  const ScratchPath scratch(writer.extension);
+  const ScratchPath scratch(format.extension);
   const Status status =
-      scratch.status().ok() ? writer.write(model, scratch.path(), options) : scratch.status();
+      scratch.status().ok() ? format.write(model, scratch.path(), options) : scratch.status();
   if (!status.ok()) {
     ReportError(status);
     return false;
@@ -120,7 +81,7 @@ bool WriteToStandardOutput(const OutputWriter& writer, const PartsA& model,
 void OutputFiles::AddTo(CLI::App& app) {
   app.add_option("-o", files_,
                  "file to write, \"-\" for standard output; the extension chooses the format (" +
-                     WriterNames() + ")")
+                     FormatNames() + ")")
       ->type_name("FILE")
       ->take_all()
       ->allow_extra_args(false);  // one file each, so that a text may follow
@@ -156,44 +117,43 @@ bool OutputFiles::Read() {
   for (const std::string& file : files_) {
     if (!AddOutput(file)) return false;
   }
-  options_.dispatch.program = PathText(CurrentSystem().ProgramPath());
+  options_.program = PathText(CurrentSystem().ProgramPath());
   return Choose<DxfLayerRule>("--dxf-layers", dxf_layers_,
                               {{"name", DxfLayerRule::kName}, {"colour", DxfLayerRule::kColour}},
-                              &options_.dispatch.dxf.layers) &&
+                              &options_.dxf.layers) &&
          Choose<AciRule>("--aci", aci_,
                          {{"classic", AciRule::kClassic}, {"nearest", AciRule::kNearest}},
-                         &options_.dispatch.dxf.aci) &&
+                         &options_.dxf.aci) &&
          Choose<bool>("--units", units_, {{"none", false}, {"mm", true}},
-                      &options_.dispatch.svg.millimetres) &&
+                      &options_.svg.millimetres) &&
          (size_.empty() || ReadSize());
 }
 
 bool OutputFiles::AddOutput(const std::string& file) {
   if (!IsFileName("-o", file)) return false;
   if (!format_.empty()) {
-    const std::string name = Utf16ToUtf8(AsciiLower(Utf8ToUtf16Lossy(format_)));
-    const OutputWriter* writer = FindWriter(name);
-    if (!writer) {
-      ReportChoice("--format", format_, WriterNames());
+    const Format* format = FindFormat(Utf8ToUtf16Lossy(format_));
+    if (!format) {
+      ReportChoice("--format", format_, FormatNames());
       return false;
     }
-    outputs_.push_back({file, writer});
+    outputs_.push_back({file, format});
     return true;
   }
   const std::u16string extension = AsciiLower(Extension(Utf8ToUtf16Lossy(file)));
   const std::string shown = Utf16ToUtf8(extension);
-  if (const OutputWriter* writer = FindWriter(shown)) {
-    outputs_.push_back({file, writer});
+  if (const Format* format = FindFormat(extension)) {
+    outputs_.push_back({file, format});
     return true;
   }
   if (file == kStandardOutput) {
     ReportError("-o -", "needs --format");
   } else if (extension.empty()) {
     ReportError(file, "has no extension to choose the format by");
-  } else if (FormatOfExtension(extension)) {
+  } else if (IsKnownUnwritten(extension)) {
     ReportError(file, "the format \"" + shown + "\" is known but not written");
   } else {
-    ReportError(file, "the format \"" + shown + "\" is unknown (" + WriterNames() + ")");
+    ReportError(file, "the format \"" + shown + "\" is unknown (" + FormatNames() + ")");
   }
   return false;
 }
@@ -218,7 +178,7 @@ bool OutputFiles::Write(const Output& output, const PartsA& model, const std::st
   using Clock = std::chrono::steady_clock;
   const auto start = Clock::now();
   const std::filesystem::path path = PathArgument(output.name);
-  const Status status = output.writer->write(model, path, options_);
+  const Status status = output.format->write(model, path, options_);
   if (!status.ok()) {
     ReportError(status);
     return false;
@@ -239,7 +199,7 @@ bool OutputFiles::WriteAll(const PartsA& model, const std::string& summary, bool
   }
   for (const Output& output : outputs_) {
     all_written &= output.name == kStandardOutput
-                       ? WriteToStandardOutput(*output.writer, model, options_)
+                       ? WriteToStandardOutput(*output.format, model, options_)
                        : Write(output, model, summary, quiet);
   }
   return FinishPrinting() && all_written;

@@ -6,26 +6,10 @@
 #include <vector>
 
 #include "cli/command.h"
-#include "export/bmp_writer.h"
-#include "export/emf_writer.h"
-#include "export/export.h"
+#include "export/formats.h"
 #include "parts/parts.h"
 
 namespace kerno {
-
-// What the writers are told beyond the model.
-struct OutputOptions {
-  ExportOptions dispatch;
-  BmpOptions bmp;
-  EmfOptions emf;
-};
-
-// One format that a file can be written in.
-struct OutputWriter {
-  std::string_view extension;  // lower case
-  Status (*write)(const PartsA& model, const std::filesystem::path& file,
-                  const OutputOptions& options);
-};
 
 class OutputFiles {
  public:
@@ -44,7 +28,7 @@ class OutputFiles {
  private:
   struct Output {
     std::string name;  // as given; "-" is standard output
-    const OutputWriter* writer;
+    const Format* format;
   };
 
   bool AddOutput(const std::string& file);

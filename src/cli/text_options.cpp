@@ -92,31 +92,33 @@ void TextOptions::AddTo(CLI::App& app) {
   app.add_flag("--quiet", quiet_, "no warnings and no summary");
 }
 
-std::optional<TextRequest> TextOptions::Resolve(ExitStatus* status) {
+std::optional<Job> TextOptions::Resolve(ExitStatus* status) {
   *status = kWrongUsage;
   if (quiet_) SilenceWarnings();
-  TextRequest request;
-  if (!ReadNumbers(&request)) return std::nullopt;
+  Job job;
+  if (!ReadNumbers(&job)) return std::nullopt;
   bool crlf = true;
   if (!Choose<bool>("--line-ends", line_ends_, {{"crlf", true}, {"keep", false}}, &crlf)) {
     return std::nullopt;
   }
   const auto text = ReadText(status);
   if (!text) return std::nullopt;
-  request.text = crlf ? WithCrLf(*text) : *text;
+  job.text.text = crlf ? WithCrLf(*text) : *text;
   *status = kWrongUsage;
   const auto face = TextArgument("--face", face_);
   if (!face) return std::nullopt;
-  request.face = *face;
-  if (!ChooseFace(&request)) {
+  job.text.face = FaceFormOf(*face);
+  job.text.face.vertical |= vertical_;
+  if (!ChooseFace(&job)) {
     *status = kFaceTrouble;
     return std::nullopt;
   }
+  if (job.text.face.vertical) SetVertical(&job.text);
   *status = kDone;
-  return request;
+  return job;
 }
 
-bool TextOptions::ReadNumbers(TextRequest* request) {
+bool TextOptions::ReadNumbers(Job* job) {
   const auto height = WholeNumber("--height", height_, kLowestHeight, kHighestHeight);
   const auto width = height ? WholeNumber("--width", width_, 0, kHighestHeight) : std::nullopt;
   const auto weight = width ? WholeNumber("--weight", weight_, 0, 1000) : std::nullopt;
@@ -137,16 +139,16 @@ bool TextOptions::ReadNumbers(TextRequest* request) {
   }
   if (!Choose<VerticalPitch>("--pitch", pitch_,
                              {{"classic", VerticalPitch::kClassic}, {"cell", VerticalPitch::kCell}},
-                             &request->layout.pitch)) {
+                             &job->text.layout.pitch)) {
     return false;
   }
-  request->height = *height;
-  request->width = *width;
-  request->weight = *weight;
-  request->placement.slant = *slant;
-  request->placement.angle = *angle;
-  at_point_ = *at;
-  scale_number_ = *scale;
+  job->text.height = *height;
+  job->text.width = *width;
+  job->text.weight = *weight;
+  job->text.placement.slant = *slant;
+  job->text.placement.angle = *angle;
+  job->at = *at;
+  job->scale = *scale;
   return true;
 }
 
@@ -189,12 +191,10 @@ std::optional<std::u16string> TextOptions::ReadText(ExitStatus* status) const {
   return text;
 }
 
-bool TextOptions::ChooseFace(TextRequest* request) const {
-  const FaceChoice choice = kerno::ChooseFace(
-      request->face, vertical_ ? WritingDirection::kVertical : WritingDirection::kHorizontal);
-  request->face = choice.face;
-  if (choice.installed) return true;
-  if (substitute_) return true;
+bool TextOptions::ChooseFace(Job* job) const {
+  const FaceChoice choice = kerno::ChooseFace(job->text.face);
+  job->text.face = choice.face;
+  if (choice.installed || substitute_) return true;
   ReportError(Utf16ToUtf8(choice.what), Utf16ToUtf8(choice.why));
   return false;
 }
@@ -209,18 +209,20 @@ bool TextOptions::ReportLost(std::string_view what, const std::vector<char32_t>&
   return true;
 }
 
-std::optional<SetText> TextOptions::SetAndReport(const TextRequest& request, Placing placing,
-                                                 ExitStatus* status) const {
-  Typesetter typesetter;
-  auto set = placing == Placing::kPlaced ? typesetter.Set(request) : typesetter.Lay(request);
+std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing placing,
+                                                      ExitStatus* status) const {
+  const auto context = CreateMeasuringContext();
+  Typesetter typesetter(*context);
+  auto set = placing == Placing::kPlaced ? Make(job, typesetter) : typesetter.LayOut(job.text);
   if (!set) {
     ReportError("faces", "the system has none installed");
     *status = kFaceTrouble;
     return std::nullopt;
   }
   const std::string face = Utf16ToUtf8(set->face);
-  if (substitute_ && !IsNameOf(request.face, set->face)) {
-    ReportWarning(Utf16ToUtf8(request.face), "is not installed, " + face + " takes its place");
+  if (substitute_ && !IsNameOf(job.text.face, set->face)) {
+    ReportWarning(Utf16ToUtf8(SystemFaceName(job.text.face)),
+                  "is not installed, " + face + " takes its place");
   }
   if (!ReportLost("no glyph in " + face, set->missing) ||
       !ReportLost("no outline of this size in " + face, set->notes.refused)) {

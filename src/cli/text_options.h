@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/typesetter.h"
+#include "app/job.h"
 #include "cli/command.h"
 
 namespace kerno {
@@ -18,26 +18,24 @@ class TextOptions {
 
   // Checks the values, reads the text and settles the face. What is wrong is reported, and *status
   // says how the process ends.
-  std::optional<TextRequest> Resolve(ExitStatus* status);
+  std::optional<Job> Resolve(ExitStatus* status);
 
-  // Sets text and reports what the user should know of it: missing glyphs, a substitute, contact in
-  // vertical text. Placed as the request says, or left as laid out.
+  // Makes the job, or lays its text out alone (y up, not placed), and reports what the user should
+  // know of it: missing glyphs, a substitute, contact in vertical text.
   enum class Placing { kPlaced, kUnplaced };
-  std::optional<SetText> SetAndReport(const TextRequest& request, Placing placing,
-                                      ExitStatus* status) const;
+  std::optional<TypesetText> MakeAndReport(const Job& job, Placing placing,
+                                           ExitStatus* status) const;
 
   // Whether finished coordinates are numbers; reports when a scale or a place took them out of
   // range.
   static bool CheckRange(std::span<const P2> points);
 
   bool quiet() const { return quiet_; }
-  double scale() const { return scale_number_; }
-  const P2& at() const { return at_point_; }
 
  private:
   std::optional<std::u16string> ReadText(ExitStatus* status) const;
-  bool ReadNumbers(TextRequest* request);
-  bool ChooseFace(TextRequest* request) const;
+  bool ReadNumbers(Job* job);
+  bool ChooseFace(Job* job) const;
   // Tells of characters that are not in the drawing as they should be; false when that ends it.
   bool ReportLost(std::string_view what, const std::vector<char32_t>& characters) const;
 
@@ -58,8 +56,6 @@ class TextOptions {
   bool substitute_ = false;
   bool strict_ = false;
   bool quiet_ = false;
-  double scale_number_ = 1;
-  P2 at_point_;
   CLI::App* app_ = nullptr;
 };
 

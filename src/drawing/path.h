@@ -20,7 +20,7 @@ enum class SegmentKind : uint8_t {
 struct Segment {
   SegmentKind kind = SegmentKind::kLine;
   P2 end;
-  P2 first, second;
+  P2 first = {}, second = {};
   // Of an arc: the tangent of a quarter of its angle, above 0 counter-clockwise where y points up;
   // 1 is half a circle.
   double bulge = 0;

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "outline/draw_outline.h"
-#include "outline/text_layout.h"
+#include "outline/typesetter.h"
 #include "parts/element_access.h"
 
 namespace kerno {
@@ -37,7 +37,8 @@ int32_t UnitsFor(double height) {
 TextRequest RequestOf(const TextLine& line, WritingDirection direction, double scale) {
   TextRequest request;
   request.text = line.text;
-  request.face = line.face_name.empty() ? DefaultFaceName(direction) : line.face_name;
+  request.face = FaceFormOf(line.face_name.empty() ? DefaultFaceName(direction) : line.face_name);
+  if (request.face.vertical) SetVertical(&request);
   request.height =
       static_cast<int32_t>(std::lround(std::min(kMaxFontHeight, HeightOf(line) * scale)));
   const double width = std::fabs(line.values[1]) * scale;
@@ -45,7 +46,6 @@ TextRequest RequestOf(const TextLine& line, WritingDirection direction, double s
     request.width = std::max(1, static_cast<int32_t>(std::lround(width)));
   }
   request.layout.vertical = direction == WritingDirection::kVertical;
-  if (request.face.starts_with(u'@')) request.layout.character_angle = -90;
   request.placement.angle = AngleOr0(line.values[2]);
   request.placement.slant = AngleOr0(line.values[3]);
   return request;

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "outline/text_layout.h"
+#include "outline/typesetter.h"
 #include "platform/drawing.h"
 
 namespace kerno {

@@ -10,55 +10,51 @@ namespace kerno {
 namespace {
 
 // A context that works with its stock font has no font object to keep a cache with.
-GlyphCache& Unkept(const TextMetrics& metrics, CharacterStance stance) {
+GlyphCache& Unkept(const TextMetrics& metrics, CellPose pose) {
   static std::unique_ptr<GlyphCache> last;
-  last = std::make_unique<GlyphCache>(metrics, stance);
+  last = std::make_unique<GlyphCache>(metrics, pose);
   return *last;
 }
 
 }  // namespace
 
-GlyphCache& GlyphCache::Of(DeviceContext& dc, const TextMetrics& metrics, CharacterStance stance) {
+GlyphCache& GlyphCache::Of(DeviceContext& dc, const TextMetrics& metrics, CellPose pose) {
   Font* font = dc.SelectedFont();
-  if (!font) return Unkept(metrics, stance);
+  if (!font) return Unkept(metrics, pose);
   auto cache = std::static_pointer_cast<GlyphCache>(font->derived);
-  if (!cache || !(cache->stance_ == stance)) {
-    cache = std::make_shared<GlyphCache>(metrics, stance);
+  if (!cache || !(cache->pose_ == pose)) {
+    cache = std::make_shared<GlyphCache>(metrics, pose);
     font->derived = cache;
   }
   return *cache;
 }
 
-const CachedGlyph* GlyphCache::Find(char32_t ch) const {
-  if (ch < kDirect) return direct_[ch].get();
-  const auto found = others_.find(ch);
-  return found == others_.end() ? nullptr : found->second.get();
-}
-
 const CachedGlyph& GlyphCache::Get(DeviceContext& dc, char32_t ch) {
   std::unique_ptr<CachedGlyph>& kept = ch < kDirect ? direct_[ch] : others_[ch];
   if (kept) return *kept;
+  static const CachedGlyph refused = [] {
+    CachedGlyph empty;
+    empty.refused = true;
+    return empty;
+  }();
   CachedGlyph glyph = Make(dc, ch);
-  if (glyph.refused) {
-    refused_ = std::move(glyph);
-    return refused_;
-  }
+  if (glyph.refused) return refused;
   kept = std::make_unique<CachedGlyph>(std::move(glyph));
   return *kept;
 }
 
 // Turned about its own middle, a narrow cell (a Latin letter on its side) would hang to the left of
 // the wide ones; and where the pen moves by whole cells it would reach into the one above.
-void GlyphCache::Stand(CachedGlyph* glyph) const {
+void GlyphCache::ApplyPose(CachedGlyph* glyph) const {
   const P2 middle = {glyph->metrics.gmCellIncX * 0.5,
                      (metrics_.tmAscent - metrics_.tmDescent) * 0.5};
-  const Affine turn = Turned(stance_.angle, middle);
+  const Affine turn = Turned(pose_.angle, middle);
   const double half_em = (metrics_.tmHeight - metrics_.tmInternalLeading) * 0.5;
-  const double inwards = stance_.column ? half_em - middle.x : 0;
+  const double inwards = pose_.column ? half_em - middle.x : 0;
   for (P2& p : glyph->contours.points) {
     p = turn.Apply(p);
     p.x += inwards;
-    if (stance_.stacked) p.y -= inwards;
+    if (pose_.stacked) p.y -= inwards;
   }
 }
 
@@ -69,8 +65,8 @@ CachedGlyph GlyphCache::Make(DeviceContext& dc, char32_t ch) const {
   glyph.metrics.gmBlackBoxX = kUntouched;
   GetGlyphContours(dc, ch, &glyph.metrics, &glyph.contours);
   glyph.refused = glyph.metrics.gmBlackBoxX == kUntouched;
-  if (glyph.refused) glyph.metrics = {};
-  if (stance_.angle != 0) Stand(&glyph);
+  if (glyph.refused) return glyph;
+  if (pose_.angle != 0) ApplyPose(&glyph);
   if (!glyph.contours.points.empty()) glyph.ink_min = glyph.ink_max = glyph.contours.points[0];
   for (const P2& p : glyph.contours.points) {
     glyph.ink_min = {std::min(glyph.ink_min.x, p.x), std::min(glyph.ink_min.y, p.y)};

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace kerno {
 namespace {
@@ -38,97 +39,48 @@ PointFx FixedMidpoint(PointFx a, PointFx b) {
   return {half(a.x, b.x), half(a.y, b.y)};
 }
 
-class NativeOutlineParser {
- public:
-  explicit NativeOutlineParser(GlyphContours* out) : out_(out) {
-    out_->points.clear();
-    out_->counts.clear();
+void AppendLines(const uint8_t* at, uint16_t count, std::vector<Segment>* segments) {
+  for (uint16_t i = 0; i < count; ++i) {
+    segments->push_back({.end = ToDouble(ReadPoint(at + i * kPointSize))});
   }
+}
 
-  uint32_t Parse(const uint8_t* at, const uint8_t* end) {
-    while (static_cast<size_t>(end - at) >= kHeaderSize) {
-      const size_t length = Read<uint32_t>(at);
-      const uint32_t type = Read<uint32_t>(at + 4);
-      if (type != kPolygonType || length < kHeaderSize) break;
-      const auto left = static_cast<size_t>(end - at);
-      if (!ParsePolygon(at, at + std::min(length, left)) || length > left) break;
-      at += length;
+// Two control points in a row have an implied point of the curve between them.
+void AppendSpline(const uint8_t* at, uint16_t count, std::vector<Segment>* segments) {
+  for (uint32_t i = 0; i + 1 < count; ++i) {
+    const PointFx control = ReadPoint(at + i * kPointSize);
+    const PointFx next = ReadPoint(at + (i + 1) * kPointSize);
+    const PointFx end = i + 2 == count ? next : FixedMidpoint(control, next);
+    segments->push_back({SegmentKind::kQuadratic, ToDouble(end), ToDouble(control)});
+  }
+}
+
+// Reads one polygon, header and records. False when a record cannot be read.
+bool ReadPolygon(const uint8_t* at, const uint8_t* end, Path* path) {
+  path->start = ToDouble(ReadPoint(at + 8));
+  for (at += kHeaderSize; at < end;) {
+    if (static_cast<size_t>(end - at) < kRecordSize) return false;
+    const auto type = Read<uint16_t>(at);
+    const auto count = Read<uint16_t>(at + 2);
+    at += kRecordSize;
+    if (type != kLine && type != kQSpline) return false;
+    if (static_cast<size_t>(end - at) < count * kPointSize) return false;
+    // A spline needs a control and an end point; a lone point can only be an end.
+    if (type == kLine || count == 1) {
+      AppendLines(at, count, &path->segments);
+    } else {
+      AppendSpline(at, count, &path->segments);
     }
-    return static_cast<uint32_t>(out_->counts.size());
+    at += count * kPointSize;
   }
-
- private:
-  // False when a record cannot be read: the contour then gets no count.
-  bool ParsePolygon(const uint8_t* at, const uint8_t* end) {
-    const uint16_t first = index_;
-    const PointFx start = ReadPoint(at + 8);
-    previous_ = start;
-    contour_ = 0;
-    for (at += kHeaderSize; at < end;) {
-      if (static_cast<size_t>(end - at) < kRecordSize) return false;
-      const auto type = Read<uint16_t>(at);
-      const auto count = Read<uint16_t>(at + 2);
-      at += kRecordSize;
-      if (type != kLine && type != kQSpline) return false;
-      if (static_cast<size_t>(end - at) < count * kPointSize) return false;
-      // A spline needs a control and an end point; a lone point can only be an end.
-      if (type == kLine || count == 1) {
-        AppendLines(at, count);
-      } else if (count > 0) {
-        AppendSpline(at, count);
-      }
-      at += count * kPointSize;
-    }
-    out_->points.push_back(ToDouble(start));
-    out_->points.push_back(out_->points[first]);
-    Advance(2);
-    out_->counts.push_back(contour_);
-    return true;
-  }
-
-  void AppendLines(const uint8_t* at, uint16_t count) {
-    for (uint16_t i = 0; i < count; ++i) {
-      previous_ = ReadPoint(at + i * kPointSize);
-      out_->points.push_back(ToDouble(previous_));
-    }
-    Advance(count);
-  }
-
-  void AppendSpline(const uint8_t* at, uint16_t count) {
-    for (uint32_t i = 0; i < count;) {
-      const PointFx control = ReadPoint(at + i * kPointSize);
-      ++i;
-      const PointFx next = ReadPoint(at + i * kPointSize);
-      const bool last = i == count - 1u;
-      const PointFx end = last ? next : FixedMidpoint(control, next);
-      if (last) ++i;
-      Advance(FlattenQSpline(&out_->points, previous_, control, end));
-      previous_ = end;
-    }
-  }
-
-  // Both counters are 16 bits wide and wrap.
-  void Advance(uint32_t points) {
-    index_ = static_cast<uint16_t>(index_ + points);
-    contour_ = static_cast<uint16_t>(contour_ + points);
-  }
-
-  GlyphContours* out_;
-  PointFx previous_;
-  uint16_t index_ = 0;
-  uint16_t contour_ = 0;
-};
+  return true;
+}
 
 int WholeUnits(double from, double to) {
   return std::abs(static_cast<int>(to - from));
 }
 
-}  // namespace
-
-uint32_t FlattenQSpline(std::vector<P2>* points, PointFx a, PointFx b, PointFx c) {
-  const P2 p0 = ToDouble(a);
-  const P2 p1 = ToDouble(b);
-  const P2 p2 = ToDouble(c);
+uint32_t FlattenQuadratic(std::vector<P2>* points, const P2& p0, const P2& p1, const P2& p2) {
   const int largest =
       std::max({WholeUnits(p0.x, p1.x), WholeUnits(p0.y, p1.y), WholeUnits(p1.x, p2.x),
                 WholeUnits(p1.y, p2.y), WholeUnits(p2.x, p0.x), WholeUnits(p2.y, p0.y)});
@@ -136,7 +88,7 @@ uint32_t FlattenQSpline(std::vector<P2>* points, PointFx a, PointFx b, PointFx c
   if (n < 2) {
     n = 2;
   } else if (n > 20) {
-    n = 30;  // the jump is meant
+    n = 30;
   }
   const P2 square = {p0.x - 2 * p1.x + p2.x, p0.y - 2 * p1.y + p2.y};
   const P2 linear = {2 * p1.x - 2 * p0.x, 2 * p1.y - 2 * p0.y};
@@ -147,11 +99,53 @@ uint32_t FlattenQSpline(std::vector<P2>* points, PointFx a, PointFx b, PointFx c
   return static_cast<uint32_t>(n);
 }
 
+}  // namespace
+
+std::vector<Path> ReadNativeOutline(const void* buffer, size_t size) {
+  std::vector<Path> paths;
+  if (size == 0) return paths;
+  const auto* at = static_cast<const uint8_t*>(buffer);
+  const uint8_t* const end = at + size;
+  while (static_cast<size_t>(end - at) >= kHeaderSize) {
+    const size_t length = Read<uint32_t>(at);
+    const uint32_t type = Read<uint32_t>(at + 4);
+    if (type != kPolygonType || length < kHeaderSize) break;
+    const auto left = static_cast<size_t>(end - at);
+    Path path;
+    if (!ReadPolygon(at, at + std::min(length, left), &path)) break;
+    paths.push_back(std::move(path));
+    if (length > left) break;
+    at += length;
+  }
+  return paths;
+}
+
+void FlattenClassic(const Path& path, GlyphContours* contours) {
+  std::vector<P2>& points = contours->points;
+  const size_t before = points.size();
+  P2 from = path.start;
+  for (const Segment& segment : path.segments) {
+    if (segment.kind == SegmentKind::kQuadratic) {
+      FlattenQuadratic(&points, from, segment.first, segment.end);
+    } else {
+      points.push_back(segment.end);
+    }
+    from = segment.end;
+  }
+  points.push_back(path.start);
+  points.push_back(points[static_cast<uint16_t>(before)]);
+  contours->counts.push_back(static_cast<uint16_t>(points.size() - before));
+}
+
 uint32_t ParseNativeOutline(const void* buffer, size_t size, GlyphContours* contours) {
-  NativeOutlineParser parser(contours);
-  if (size == 0) return 0;
-  const auto* bytes = static_cast<const uint8_t*>(buffer);
-  return parser.Parse(bytes, bytes + size);
+  contours->points.clear();
+  contours->counts.clear();
+  for (const Path& path : ReadNativeOutline(buffer, size)) FlattenClassic(path, contours);
+  return static_cast<uint32_t>(contours->counts.size());
+}
+
+uint32_t FlattenQSpline(std::vector<P2>* points, PointFx a, PointFx b, PointFx c) {
+  return FlattenQuadratic(points, ToDouble(a), ToDouble(b), ToDouble(c));
 }
 
 uint32_t GetGlyphContours(DeviceContext& dc, char32_t ch, GlyphMetrics* metrics,

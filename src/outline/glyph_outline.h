@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "drawing/path.h"
 #include "outline/glyph_contours.h"
 #include "platform/device_context.h"
 
@@ -27,16 +28,25 @@ struct PointFx {
 uint32_t GetGlyphContours(DeviceContext& dc, char32_t ch, GlyphMetrics* metrics,
                           GlyphContours* contours);
 
-// Flattens a buffer of native records. Returns the number of contours; reads nothing outside the
-// buffer. The walk ends at a polygon of another type, at one that is too short for its header and
-// at its first damaged or unknown record, whose contour is dropped. Each contour begins at the
-// first point that its records produce and ends with the polygon's start point and that first point
-// again: the turned order is meant. Its point count is kept in 16 bits and wraps.
+// The polygons of a buffer of native records as closed paths (y up), curves kept; reads nothing
+// outside the buffer. The walk ends at a polygon of another type, at one that is too short for its
+// header and at its first damaged or unknown record, whose polygon is dropped.
+std::vector<Path> ReadNativeOutline(const void* buffer, size_t size);
+
+// Appends a path of lines and quadratic curves as one contour, by the classic rule. Classic: the
+// contour begins at the end of its first segment and closes with the path's start and that first
+// point again, because the parts of every file in the field begin so; its point count has 16 bits
+// and wraps.
+void FlattenClassic(const Path& path, GlyphContours* contours);
+
+// ReadNativeOutline and FlattenClassic in one: *contours is replaced. Returns the number of
+// contours.
 uint32_t ParseNativeOutline(const void* buffer, size_t size, GlyphContours* contours);
 
 // Appends the end points of n chords of the quadratic from a over control b to c, without a itself,
 // and returns n: a third of the largest extent of the control triangle in whole units, at least 2,
-// and 30 where that is above 20. The jump from 20 to 30 is meant.
+// and 30 where that is above 20. Classic: the jump from 20 to 30, so that drawings of the same text
+// keep their points.
 uint32_t FlattenQSpline(std::vector<P2>* points, PointFx a, PointFx b, PointFx c);
 
 }  // namespace kerno

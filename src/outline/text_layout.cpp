@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <utility>
 
 #include "base/text.h"
 #include "drawing/affine.h"
@@ -21,23 +20,6 @@ struct Pen {
   int64_t y = 0;
 };
 
-bool IsPenControl(char32_t ch) {
-  return ch == U'\r' || ch == U'\n' || ch == U'\t';
-}
-
-void AppendGlyph(const CachedGlyph& glyph, const Pen& pen, GlyphContours* contours) {
-  contours->counts.insert(contours->counts.end(), glyph.contours.counts.begin(),
-                          glyph.contours.counts.end());
-  const P2 offset = {static_cast<double>(pen.x), static_cast<double>(pen.y)};
-  const size_t before = contours->points.size();
-  contours->points.insert(contours->points.end(), glyph.contours.points.begin(),
-                          glyph.contours.points.end());
-  for (size_t i = before; i < contours->points.size(); ++i) {
-    contours->points[i].x += offset.x;
-    contours->points[i].y += offset.y;
-  }
-}
-
 // Truncates towards zero.
 int64_t VerticalAdvance(const GlyphMetrics& metrics, VerticalPitch pitch) {
   if (pitch == VerticalPitch::kCell) return metrics.gmCellIncX;
@@ -48,12 +30,10 @@ int64_t VerticalAdvance(const GlyphMetrics& metrics, VerticalPitch pitch) {
 // The box of a placed glyph is the moved box of the glyph: rounding keeps the order of numbers.
 class InkWatch {
  public:
-  void Place(const CachedGlyph& glyph, const Pen& pen, bool vertical, LayoutNotes* notes) {
+  void Place(const CachedGlyph& glyph, const P2& origin, bool vertical, LayoutNotes* notes) {
     if (glyph.contours.points.empty()) return;
-    const auto x = static_cast<double>(pen.x);
-    const auto y = static_cast<double>(pen.y);
-    const P2 low = {glyph.ink_min.x + x, glyph.ink_min.y + y};
-    const P2 high = {glyph.ink_max.x + x, glyph.ink_max.y + y};
+    const P2 low = {glyph.ink_min.x + origin.x, glyph.ink_min.y + origin.y};
+    const P2 high = {glyph.ink_max.x + origin.x, glyph.ink_max.y + origin.y};
     notes->low = {std::min(notes->low.x, low.x), std::min(notes->low.y, low.y)};
     notes->high = {std::max(notes->high.x, high.x), std::max(notes->high.y, high.y)};
     const bool meets =
@@ -71,26 +51,6 @@ class InkWatch {
 
 void NoteRefused(char32_t ch, std::vector<char32_t>* refused) {
   if (std::find(refused->begin(), refused->end(), ch) == refused->end()) refused->push_back(ch);
-}
-
-// Makes room at once for what a long text has of glyphs met before, so that its points are not
-// copied again and again.
-void ReserveFor(const GlyphCache& glyphs, std::u16string_view text, GlyphContours* contours) {
-  constexpr size_t kLongText = 2000;
-  if (text.size() < kLongText) return;
-  size_t points = contours->points.size();
-  size_t counts = contours->counts.size();
-  for (size_t at = 0; at < text.size();) {
-    const char32_t ch = NextCharacter(text, &at);
-    if (ch == 0) break;
-    if (IsPenControl(ch)) continue;
-    const CachedGlyph* glyph = glyphs.Find(ch);
-    if (!glyph) continue;
-    points += glyph->contours.points.size();
-    counts += glyph->contours.counts.size();
-  }
-  contours->points.reserve(points);
-  contours->counts.reserve(counts);
 }
 
 // Truncates towards zero; what passes the range ends at its limits.
@@ -139,19 +99,19 @@ LogFont BuildLogFont(int32_t height, int32_t width, int32_t weight, std::u16stri
   return font;
 }
 
-uint32_t LayoutString(DeviceContext& dc, std::u16string_view text, const LayoutOptions& options,
-                      GlyphContours* contours, LayoutNotes* notes) {
+GlyphRun LayOutGlyphs(DeviceContext& dc, std::u16string_view text, const LayoutOptions& options,
+                      LayoutNotes* notes) {
   TextMetrics metrics;
   (void)dc.GetTextMetrics(&metrics);
-  const size_t before = contours->counts.size();
   GlyphCache& glyphs = GlyphCache::Of(
       dc, metrics,
       {options.character_angle, options.vertical, options.pitch == VerticalPitch::kCell});
-  ReserveFor(glyphs, text, contours);
-  LayoutNotes noted;
+  GlyphRun run;
+  run.reserve(text.size());
   InkWatch ink;
   Pen pen;
   for (size_t at = 0; at < text.size();) {
+    const size_t character = at;
     const char32_t ch = NextCharacter(text, &at);
     if (ch == 0) break;
     if (ch == U'\r') {
@@ -162,15 +122,43 @@ uint32_t LayoutString(DeviceContext& dc, std::u16string_view text, const LayoutO
       pen.x += metrics.tmAveCharWidth;
     } else {
       const CachedGlyph& glyph = glyphs.Get(dc, ch);
-      if (glyph.refused) NoteRefused(ch, &noted.refused);
+      if (glyph.refused) NoteRefused(ch, &notes->refused);
       if (options.vertical) pen.y -= VerticalAdvance(glyph.metrics, options.pitch);
-      ink.Place(glyph, pen, options.vertical, &noted);
-      AppendGlyph(glyph, pen, contours);
+      const P2 origin = {static_cast<double>(pen.x), static_cast<double>(pen.y)};
+      ink.Place(glyph, origin, options.vertical, notes);
+      run.push_back({&glyph, origin, character});
       if (!options.vertical) pen.x += glyph.metrics.gmCellIncX;
     }
   }
-  if (notes) *notes = std::move(noted);
-  return static_cast<uint32_t>(contours->counts.size() - before);
+  return run;
+}
+
+uint32_t AppendContours(const GlyphRun& run, GlyphContours* contours) {
+  size_t points = contours->points.size();
+  const size_t before = contours->counts.size();
+  size_t counts = before;
+  for (const PlacedGlyph& placed : run) {
+    points += placed.glyph->contours.points.size();
+    counts += placed.glyph->contours.counts.size();
+  }
+  contours->points.reserve(points);
+  contours->counts.reserve(counts);
+  for (const auto& [glyph, origin, character] : run) {
+    contours->counts.insert(contours->counts.end(), glyph->contours.counts.begin(),
+                            glyph->contours.counts.end());
+    for (const P2& p : glyph->contours.points) {
+      contours->points.push_back({p.x + origin.x, p.y + origin.y});
+    }
+  }
+  return static_cast<uint32_t>(counts - before);
+}
+
+uint32_t LayoutString(DeviceContext& dc, std::u16string_view text, const LayoutOptions& options,
+                      GlyphContours* contours, LayoutNotes* notes) {
+  LayoutNotes own;
+  if (!notes) notes = &own;
+  *notes = {};
+  return AppendContours(LayOutGlyphs(dc, text, options, notes), contours);
 }
 
 void PlaceBlock(std::vector<P2>* points, const BlockPlacement& placement) {
@@ -190,20 +178,6 @@ void PlaceBlock(std::vector<P2>* points, P2 low, P2 high, const BlockPlacement& 
   if (placement.slant != 0) apply(Leaned(placement.slant, centre.y));
   if (placement.angle != 0) apply(Turned(placement.angle, centre));
   apply(FlippedY(1, {placement.insertion.x - centre.x, placement.insertion.y + centre.y}));
-}
-
-uint32_t StringOutline(DeviceContext& dc, const TextRequest& request, GlyphContours* contours) {
-  contours->points.clear();
-  contours->counts.clear();
-  const auto font = dc.CreateFontIndirect(
-      BuildLogFont(request.height, request.width, request.weight, request.face));
-  if (!font) return 0;
-  Font* before = dc.SelectFont(font.get());
-  LayoutNotes notes;
-  const uint32_t count = LayoutString(dc, request.text, request.layout, contours, &notes);
-  dc.SelectFont(before);
-  PlaceBlock(&contours->points, notes.low, notes.high, request.placement);
-  return count;
 }
 
 StringExtent MeasureString(DeviceContext* dc, std::u16string_view text, bool vertical,

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "outline/glyph_cache.h"
 #include "outline/glyph_contours.h"
 #include "platform/device_context.h"
 
@@ -41,43 +42,45 @@ struct LayoutNotes {
 // it) put in, for the default character set.
 LogFont BuildLogFont(int32_t height, int32_t width, int32_t weight, std::u16string_view face);
 
-// Lays out the text, up to a NUL or its end, in the font selected into `dc`, and appends to
-// *contours. Returns the number of contours appended. CR returns the pen to x = 0, LF moves it down
-// by tmHeight, TAB right by tmAveCharWidth; vertical text moves the pen down before each character.
-// Characters without an outline add nothing but their advance; one that the rasteriser refuses adds
-// nothing at all.
+// One character of a laid-out text.
+struct PlacedGlyph {
+  const CachedGlyph* glyph = nullptr;
+  P2 origin;             // where the pen stood, y up
+  size_t character = 0;  // its place in the text, in UTF-16 units
+};
+
+// The characters of a text in their order; line ends, tabs and what follows a NUL are none. The
+// glyphs live in the cache of the font that was selected: use them before another is.
+using GlyphRun = std::vector<PlacedGlyph>;
+
+// Lays out the text, up to a NUL or its end, in the font selected into `dc`. CR returns the pen to
+// x = 0, LF moves it down by tmHeight, TAB right by tmAveCharWidth; vertical text moves the pen
+// down before each character. Characters without an outline add nothing but their advance; one that
+// the rasteriser refuses adds nothing at all. *notes is added to.
+GlyphRun LayOutGlyphs(DeviceContext& dc, std::u16string_view text, const LayoutOptions& options,
+                      LayoutNotes* notes);
+
+// Appends the contours of the run's glyphs, each at its place. Returns their number.
+uint32_t AppendContours(const GlyphRun& run, GlyphContours* contours);
+
+// LayOutGlyphs and AppendContours in one; *notes is replaced.
 uint32_t LayoutString(DeviceContext& dc, std::u16string_view text, const LayoutOptions& options,
                       GlyphContours* contours, LayoutNotes* notes = nullptr);
 
 // Where a block goes.
 struct BlockPlacement {
   P2 insertion;  // where the block's centre lands, y down
-  double slant =
-      0;  // leans the block: each point turns about its own x at the height of the centre
+  // Leans the block: each point turns about its own x at the height of the centre.
+  double slant = 0;
   double angle = 0;  // turns the block about its centre
 };
 
 // Slants, turns, negates y and moves: from y-up layout coordinates to y-down drawing coordinates.
-// The centre is that of the box around all points and the pen's origin; that it holds the origin is
-// meant.
+// The centre is that of the box around all points and the pen's origin. Classic: the box holds the
+// origin, so that texts of one line keep their places whatever their letters are.
 // `low` and `high` are that box where it is known already.
 void PlaceBlock(std::vector<P2>* points, const BlockPlacement& placement);
 void PlaceBlock(std::vector<P2>* points, P2 low, P2 high, const BlockPlacement& placement);
-
-// Everything that a string's outline depends on.
-struct TextRequest {
-  std::u16string text;
-  std::u16string face;  // "@" in front for the vertical form
-  int32_t height = 100;
-  int32_t width = 0;
-  int32_t weight = 400;
-  LayoutOptions layout;
-  BlockPlacement placement;
-};
-
-// Creates and selects the font, lays out and places the text (y down), and selects the font before
-// it back. *contours is replaced. Returns the number of contours.
-uint32_t StringOutline(DeviceContext& dc, const TextRequest& request, GlyphContours* contours);
 
 // The extent of a text that is set in one line.
 struct StringExtent {
@@ -87,7 +90,8 @@ struct StringExtent {
 
 // Measures the whole string with the system's own extent, or estimates it by columns (two for
 // characters above U+007F that are not half-width forms) when `dc` is null or height or width is
-// 5,000 or more. Height and width swap their roles for vertical text, which is meant.
+// 5,000 or more. Classic: height and width swap their roles for vertical text, as frames of text
+// elements in the field were sized so.
 StringExtent MeasureString(DeviceContext* dc, std::u16string_view text, bool vertical,
                            int32_t height, int32_t width, double slant, double angle,
                            std::u16string_view face, int32_t weight);

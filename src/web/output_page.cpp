@@ -15,13 +15,15 @@ namespace fs = std::filesystem;
 constexpr size_t kMostHeading = 300;  // characters of the text that the page shows
 constexpr size_t kMostTitle = 80;     // and its title
 
-// In the order in which a page lists them.
-constexpr FileKind kKinds[] = {
-    {"svg", "SVG drawing", FileRole::kDrawing}, {"bmp", "Bitmap", FileRole::kBitmap},
-    {"dxf", "DXF drawing", FileRole::kOther},   {"emf", "Enhanced metafile", FileRole::kOther},
-    {"x3d", "X3D scene", FileRole::kOther},     {"ipx", "IPX parts", FileRole::kOther},
-    {"ipl", "IPL sizes", FileRole::kOther},     {"rtf", "Text, formatted (RTF)", FileRole::kOther},
-};
+// The kinds of files that a run leaves, in the order in which a page lists them.
+const std::vector<FileKind>& Kinds() {
+  static const std::vector<FileKind> kinds = [] {
+    std::vector<FileKind> all(Formats().begin(), Formats().end());
+    all.push_back({"rtf", "Text, formatted (RTF)"});
+    return all;
+  }();
+  return kinds;
+}
 
 struct SourceField {
   std::string_view name;
@@ -122,11 +124,11 @@ class PageBuilder {
     if (OneLine(heading_).empty()) heading_ = u"Outputs";
     for (const PageFile& file : page.files) {
       const FileKind* const kind = KindOfFile(file.name);
-      if (!kind || kind->role == FileRole::kOther) continue;
-      if (kind->role == FileRole::kBitmap && fallback_.empty()) fallback_ = LinkTo(file.name);
+      if (!kind || kind->role == PageRole::kOther) continue;
+      if (kind->role == PageRole::kBitmap && fallback_.empty()) fallback_ = LinkTo(file.name);
       // Drawings come first, otherwise the order stays.
       auto place = pictures_.end();
-      if (kind->role == FileRole::kDrawing) place = pictures_.begin() + drawings_++;
+      if (kind->role == PageRole::kDrawing) place = pictures_.begin() + drawings_++;
       pictures_.insert(place, {&file, kind});
     }
   }
@@ -167,11 +169,11 @@ class PageBuilder {
     const std::string link = LinkTo(picture.file->name);
     const std::string name = EscapeHtml(PathText(picture.file->name));
     const std::string alt =
-        EscapeHtml(Cut(OneLine(heading_), kMostTitle)) + " (" + picture.kind->name + ")";
+        EscapeHtml(Cut(OneLine(heading_), kMostTitle)) + " (" + std::string(picture.kind->name) + ")";
     out_.append("<li data-label=\"Picture ").append(std::to_string(index + 1)).append(" of ");
     out_.append(std::to_string(pictures_.size())).append(": ").append(name).append("\">");
     out_.append("<figure><picture class=\"paper\">");
-    if (picture.kind->role == FileRole::kDrawing && !fallback_.empty()) {
+    if (picture.kind->role == PageRole::kDrawing && !fallback_.empty()) {
       out_.append("<source type=\"image/svg+xml\" srcset=\"").append(link).append("\">");
       out_.append("<img src=\"").append(fallback_).append("\" data-else=\"").append(fallback_);
     } else {
@@ -205,7 +207,7 @@ class PageBuilder {
       const FileKind* const kind = KindOfFile(file.name);
       out_.append("<tr><th scope=\"row\"><a href=\"").append(LinkTo(file.name)).append("\"><bdi>");
       out_.append(EscapeHtml(PathText(file.name))).append("</bdi></a></th><td>");
-      out_.append(kind ? kind->name : "File").append("</td><td class=\"size\" title=\"");
+      out_.append(kind ? kind->name : std::string_view("File")).append("</td><td class=\"size\" title=\"");
       out_.append(std::to_string(file.size)).append(" bytes\">").append(SizeText(file.size));
       out_.append("</td></tr>\n");
     }
@@ -224,7 +226,7 @@ class PageBuilder {
 
 const FileKind* KindOfFile(const fs::path& name) {
   const std::string extension = Utf16ToUtf8(AsciiLower(PathText(name.extension())));
-  for (const FileKind& kind : kKinds) {
+  for (const FileKind& kind : Kinds()) {
     if (!extension.empty() && extension.substr(1) == kind.extension) return &kind;
   }
   return nullptr;

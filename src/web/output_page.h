@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "export/formats.h"
+
 namespace kerno {
 
 // What the outputs were made of.
@@ -17,19 +19,6 @@ struct PageSource {
   std::u16string face;
   std::u16string height;  // as the user typed it; may be empty when it is not known
   bool operator==(const PageSource&) const = default;
-};
-
-// How a page shows a file.
-enum class FileRole {
-  kDrawing,  // a picture that browsers draw themselves
-  kBitmap,   // a picture of pixels
-  kOther,    // a link
-};
-
-struct FileKind {
-  const char* extension;  // in lower case, without the point
-  const char* name;       // what the table calls it
-  FileRole role;
 };
 
 // The kind of an output by its extension, compared without case; null when a run makes no such

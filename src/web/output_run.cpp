@@ -102,7 +102,7 @@ Status WriteFolderPages(const fs::path& folder, std::vector<fs::path>* written) 
   Status first = ListFolder(folder, [&](const fs::path& file) {
     const fs::path name = file.filename();
     const FileKind* const kind = KindOfFile(name);
-    const bool output = kind && std::string_view(kind->extension) != "rtf";
+    const bool output = kind && kind->extension != "rtf";
     const bool page = name.extension() == ".html";
     if ((!output && !page) || !IsRegularFile(file)) return;
     if (output || SourceOfPage(file)) bases.insert(BaseName(name));

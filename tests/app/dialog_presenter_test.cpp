@@ -53,6 +53,10 @@ TEST_F(DialogTest, EveryChangeRebuildsAndALookDoesNot) {
   presenter->TextChanged(ControlId::kFace, u"Other");
   EXPECT_EQ(u"Other", LastFont().face_name);
   EXPECT_EQ(u"Other", view.format_face);
+  presenter->Checked(ControlId::kVertical, true);
+  EXPECT_EQ(u"@Other", LastFont().face_name);
+  presenter->TextChanged(ControlId::kFace, u"@Plain");
+  EXPECT_EQ(u"@Plain", LastFont().face_name) << "one \"@\" is enough";
   presenter->TextChanged(ControlId::kText, u"");
   EXPECT_EQ(0u, presenter->item_count());
   EXPECT_TRUE(presenter->parts().parts.empty());
@@ -161,12 +165,11 @@ TEST_F(DialogTest, WhatIsSetComesBackAtTheNextRun) {
 
 TEST_F(DialogTest, SettingsThatMakeNoSenseAndTheWindowOfFormerVersions) {
   WriteIni(
-      "[Dialog]\r\nElements=3\r\nVerticalPitch=-1\r\nTextColor=-1\r\n"
+      "[Dialog]\r\nElements=3\r\nVerticalPitch=-1\r\n"
       "[Position\\Dialog]\r\nKerno_LTRB=1 2 3 4\r\n");
   const DialogMemory memory = LoadDialogMemory();
   EXPECT_EQ(ContourElements::kLines, memory.elements);
   EXPECT_EQ(VerticalPitch::kClassic, memory.pitch);
-  EXPECT_EQ(0u, memory.first_color);
   EXPECT_EQ((WindowPlace{{1, 2, 3, 4}}), memory.window);
 }
 

@@ -3,7 +3,6 @@
 
 #include "app/color_choices.h"
 #include "app/controls.h"
-#include "app/dialog_presenter.h"
 #include "app/height_text.h"
 #include "app/preview_model.h"
 #include "app/status_text.h"
@@ -43,22 +42,16 @@ TEST(DialogRules, HeightsReadAsPlainDecimals) {
   EXPECT_EQ(u"1", SteppedHeight(u"abc", 1));
 }
 
-TEST(DialogRules, VerticalWritingPutsOneAtInFront) {
-  EXPECT_EQ(u"@Plain", FaceFor(u"Plain", true));
-  EXPECT_EQ(u"@Plain", FaceFor(u"@Plain", true));
-  EXPECT_EQ(u"Plain", FaceFor(u"Plain", false));
-}
-
 TEST(DialogRules, CharactersWithoutAGlyphAreNamedVisibly) {
-  SetText set;
+  TypesetText set;
   set.missing = {u'\v', 0x202E, u'あ', 0x3000, 0xD800};
-  const std::u16string status = DescribeText(set, u"", {});
+  const std::u16string status = DescribeText(set, {}, {});
   EXPECT_TRUE(status.ends_with(u"no glyph for U+000B U+202E あ U+3000 U+D800"))
       << Utf16ToUtf8(status);
   set = {};
   set.notes.refused = {u'W'};
-  EXPECT_TRUE(DescribeText(set, u"", {}).ends_with(u"no outline of this size for W"));
-  EXPECT_TRUE(HasWarning(set, u""));
+  EXPECT_TRUE(DescribeText(set, {}, {}).ends_with(u"no outline of this size for W"));
+  EXPECT_TRUE(HasWarning(set, {}));
 }
 
 TEST(DialogRules, TheWindowStaysInSight) {

@@ -40,10 +40,10 @@ class OutputsTest : public testing::Test {
 };
 
 TEST_F(OutputsTest, EachButtonWritesWhatFollowsToo) {
-  EXPECT_THAT(Press(ControlId::kDxf), ElementsAre("rtf .rtf", "export .dxf", "emf .emf"));
-  EXPECT_THAT(Press(ControlId::kSvg), ElementsAre("export .svg", "emf .emf", "page .html"));
+  EXPECT_THAT(Press(ControlId::kDxf), ElementsAre("rtf .rtf", "dxf .dxf", "emf .emf"));
+  EXPECT_THAT(Press(ControlId::kSvg), ElementsAre("svg .svg", "emf .emf", "page .html"));
   const int refreshed = services.refreshed_pages;
-  EXPECT_THAT(Press(ControlId::kIpx), ElementsAre("export .ipx", "ipl .ipl"));
+  EXPECT_THAT(Press(ControlId::kIpx), ElementsAre("ipx .ipx", "ipl .ipl"));
   EXPECT_EQ(refreshed + 1, services.refreshed_pages) << "the page lists the new files";
   EXPECT_THAT(Press(ControlId::kDib), ElementsAre("bmp .bmp"));
   EXPECT_THAT(Press(ControlId::kEmf), ElementsAre("emf .emf"));
@@ -60,7 +60,7 @@ TEST_F(OutputsTest, ARunKeepsTheBaseNameOfItsFirstOutput) {
   EXPECT_EQ(services.folder / "Plain_100_AB.rtf", presenter->outputs().base_path());
   EXPECT_THAT(services.rtf, testing::HasSubstr("\\fs24 AB}"));
   presenter->TextChanged(ControlId::kText, u"CD");
-  EXPECT_THAT(Press(ControlId::kDxf), ElementsAre("export .dxf", "emf .emf"));
+  EXPECT_THAT(Press(ControlId::kDxf), ElementsAre("dxf .dxf", "emf .emf"));
   EXPECT_EQ(services.folder / "Plain_100_AB.rtf", presenter->outputs().base_path());
   EXPECT_THAT(services.opened_folders, ElementsAre(services.folder));
 
@@ -72,8 +72,8 @@ TEST_F(OutputsTest, ARunKeepsTheBaseNameOfItsFirstOutput) {
 }
 
 TEST_F(OutputsTest, AFailureIsToldAndTheChainGoesOn) {
-  services.failing = "export";
-  EXPECT_THAT(Press(ControlId::kDxf), ElementsAre("rtf .rtf", "export .dxf", "emf .emf"));
+  services.failing = "dxf";
+  EXPECT_THAT(Press(ControlId::kDxf), ElementsAre("rtf .rtf", "dxf .dxf", "emf .emf"));
   ASSERT_EQ(1u, view.messages.size());
   EXPECT_THAT(Utf16ToUtf8(view.messages[0]),
               testing::HasSubstr("Plain_100_AB.dxf: the disk is full"));

@@ -50,7 +50,8 @@ class CommandLineTest(programs.FolderTest):
         convert = ["convert", "A", *SANS]
         cases = [  # arguments, exit status, what standard error must hold
             *([] if ON_WINDOWS else [([], 2, "usage")]),  # there is always a display there
-            (["frobnicate"], 2, "frobnicate"),
+            (["frobnicate", "A", "-o", out], 2, '"frobnicate": is no command of kerno (kerno help lists them)'),
+            (["convret", "A", "-o", out], 2, 'no command of kerno; the nearest is "convert"'),
             (["convert", "-o", out], 2, "text: none is given"),
             (["convert", "A", "--text", "B", "-o", out], 2, "more than once"),
             (["convert", "", *SANS, "-o", out], 2, "holds no text"),

@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "export/draw_parts.h"
-#include "outline/text_layout.h"
+#include "outline/typesetter.h"
 #include "support/memory_file.h"
 #include "support/picture_compare.h"
 #include "support/picture_models.h"
@@ -49,7 +49,7 @@ TEST(BmpWriter, LaysOutOneUnitAPixelWithinLimits) {
   }
   const BmpLayout dot = LayOutBmp({{0, 0, 0}, {1e-310, 1e-320, 0}}, {});  // no scale is that large
   EXPECT_EQ(dot.width, 8);
-  EXPECT_EQ(dot.PixelsPerUnit(fit), 1);
+  EXPECT_EQ(PixelsPerUnit(dot.fit), 1);
 }
 
 TEST(BmpWriter, HeaderAndRowsAreThoseOfTheFormat) {
@@ -145,7 +145,7 @@ TEST(DrawContours, CountersOfRealLettersAreOpen) {
     DrawingContext& dc = surface->Context();
     TextRequest request;
     request.text = c.letter;
-    request.face = c.face;
+    request.face.name = c.face;
     request.height = 220;
     GlyphContours contours;
     ASSERT_GT(StringOutline(dc, request, &contours), 0u);

@@ -1,4 +1,4 @@
-#include "outline/text_layout.h"
+#include "outline/typesetter.h"
 
 #include <gtest/gtest.h>
 
@@ -179,7 +179,7 @@ TEST(StringOutline, SelectsItsFontAndPutsTheFormerBack) {
   dc.SelectFont(mine.get());
   TextRequest request;
   request.text = u"A";
-  request.face = std::u16string(40, u'x');
+  request.face.name = std::u16string(40, u'x');
   request.height = 77;
   request.width = 5;
   request.weight = 700;

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "outline/text_layout.h"
+#include "outline/typesetter.h"
 #include "parts/color.h"
 #include "parts/parts.h"
 #include "platform/device_context.h"
@@ -20,12 +20,9 @@ inline PartsA TextModel(std::u16string text, std::u16string face, bool filled) {
   const auto dc = CreateMeasuringContext();
   TextRequest request;
   request.text = std::move(text);
-  request.face = std::move(face);
+  request.face = FaceFormOf(face);
   request.height = 90;
-  if (request.face.starts_with(u'@')) {
-    request.layout.vertical = true;
-    request.layout.character_angle = -90;
-  }
+  if (request.face.vertical) SetVertical(&request);
   GlyphContours contours;
   EXPECT_GT(StringOutline(*dc, request, &contours), 0u);
   PartsA model;

@@ -132,18 +132,10 @@ class FakeDialogServices : public DialogServices {
     rtf = bytes;
     return Log("rtf", file);
   }
-  Status Export(const PartsA& parts, AciRule, const std::filesystem::path& file) override {
+  Status Write(const Format& format, const PartsA& parts, const OutputOptions&,
+               const std::filesystem::path& file) override {
     exported = parts;
-    return Log("export", file);
-  }
-  Status WriteMetafile(const PartsA&, const std::filesystem::path& file) override {
-    return Log("emf", file);
-  }
-  Status WriteBitmap(const PartsA&, const std::filesystem::path& file) override {
-    return Log("bmp", file);
-  }
-  Status WriteIpl(const PartsA&, const std::filesystem::path& file) override {
-    return Log("ipl", file);
+    return Log(std::string(format.extension), file);
   }
   Status ReadParts(const std::filesystem::path& file, PartsA* parts) override {
     *parts = parts_to_read;

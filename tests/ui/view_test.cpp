@@ -43,7 +43,8 @@ class SlowServices final : public FakeDialogServices {
   bool was_shown = false;
   int steps = 0;
 
-  Status Export(const PartsA&, AciRule, const std::filesystem::path& file) override {
+  Status Write(const Format&, const PartsA&, const OutputOptions&,
+               const std::filesystem::path& file) override {
     for (; steps < 400; ++steps) {
       was_shown = was_shown || (*view)->CancelProgress();
       if (CurrentNotices().Progress(u"Writing", steps, 400) == Continue::kNo) break;
@@ -132,7 +133,7 @@ TEST_F(ViewTest, ColoursAreThereForTheFigureAloneAndLegible) {
     EXPECT_EQ(on, view->IsEnabled(kFirstColor) && view->IsEnabled(kSecondColor));
     view->Click(kPolyPolygon);
   }
-  services.failing = "export";
+  services.failing = "dxf";
   view->Click(kDxf);
   EXPECT_THAT(TakeMessage(), HasSubstr("the disk is full"));
   EXPECT_THAT(Utf16ToUtf8(view->TextOf(kStatus)), HasSubstr("the disk is full"));

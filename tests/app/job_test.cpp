@@ -1,8 +1,8 @@
-#include "app/rebuild.h"
+#include "app/job.h"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include "support/fake_device_context.h"
 
 namespace kerno {
 namespace {
@@ -40,10 +40,8 @@ TEST(BuildParts, ElementKindsAndDegenerateContours) {
       {"count of nothing", {{}, {0}}, ContourElements::kBoth, 0, 0},
   };
   for (const auto& c : cases) {
-    RebuildOptions options;
-    options.elements = c.elements;
     PartsA parts;
-    BuildParts(c.contours, options, &parts);
+    BuildParts(c.contours, {.elements = c.elements}, &parts);
     ASSERT_EQ(1u, parts.parts.size()) << c.name;
     EXPECT_EQ(c.lines, parts.parts[0].lines.items.size()) << c.name;
     EXPECT_EQ(c.faces, parts.parts[0].faces[0].items.size()) << c.name;
@@ -66,13 +64,28 @@ TEST(BuildParts, HuesStepRoundTheWheel) {
   EXPECT_EQ(colour(30), parts.parts[13].pen.color);
 }
 
-TEST(StoreContours, TurnsYUpScalesAndMoves) {
-  GlyphContours contours = {{{1, 2}, {0, 0}}, {2}};
-  StoreContours({.scale = 0.5, .at = {10, 20}}, &contours);
-  EXPECT_EQ((P2{10.5, 19}), contours.points[0]);
-  contours = {{{1, 0}}, {1}};
-  StoreContours({}, &contours);
-  EXPECT_FALSE(std::signbit(contours.points[0].y)) << "no negative zero comes of turning";
+// A character of one segment from (0, 0) to (4, 8): its block's middle is (2, 4).
+TEST(Make, PutsTheMiddleOfTheBlockAtItsPlaceYUp) {
+  FakeDeviceContext dc;
+  NativeBuffer stroke;
+  stroke.Polygon(0, 0).Record(1, {{4, 8}});
+  dc.glyphs[U'A'] = {{4, 8, 0, 8, 5, 0}, stroke.bytes()};
+  Typesetter typesetter(dc);
+  Job job;
+  job.text.text = u"A";
+  const struct {
+    double scale;
+    P2 at, end;
+  } cases[] = {
+      {1, {}, {2, 4}}, {1, {10, 20}, {12, 24}}, {0.5, {10, 20}, {11, 22}}, {-2, {}, {-4, -8}}};
+  for (const auto& c : cases) {
+    job.scale = c.scale;
+    job.at = c.at;
+    const auto made = Make(job, typesetter);
+    ASSERT_TRUE(made && !made->contours.points.empty());
+    EXPECT_EQ(c.end, made->contours.points[0]) << c.scale;
+  }
+  EXPECT_EQ(1u, dc.created.size()) << "one font for all";
 }
 
 }  // namespace

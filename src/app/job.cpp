@@ -1,4 +1,4 @@
-#include "app/rebuild.h"
+#include "app/job.h"
 
 #include <span>
 #include <vector>
@@ -34,19 +34,27 @@ std::span<const P3> CollectLoop(std::span<const P2> contour, std::vector<P3>* ro
 
 }  // namespace
 
-void StoreContours(const RebuildOptions& options, GlyphContours* contours) {
-  const Affine up = FlippedY(options.scale, options.at);
-  for (P2& p : contours->points) p = up.Apply(p);
+// Without a scale the insertion point moves the block once, in the units of its glyphs; a scaled
+// block is moved after it.
+std::optional<TypesetText> Make(const Job& job, Typesetter& typesetter) {
+  TextRequest text = job.text;
+  const bool scaled = job.scale != 1;
+  const Affine up = FlippedY(job.scale, scaled ? job.at : P2{});
+  text.placement.insertion = scaled ? P2{} : up.Apply(job.at);
+  std::optional<TypesetText> set = typesetter.Typeset(text);
+  if (!set) return set;
+  for (P2& p : set->contours.points) p = up.Apply(p);
+  return set;
 }
 
-void BuildParts(const GlyphContours& stored, const RebuildOptions& options, PartsA* parts) {
-  parts->parts.reserve(parts->parts.size() + stored.counts.size());
+void BuildParts(const GlyphContours& contours, const PartsOptions& options, PartsA* parts) {
+  parts->parts.reserve(parts->parts.size() + contours.counts.size());
   std::vector<P3> room;
   size_t first = 0;
-  for (size_t i = 0; i < stored.counts.size(); ++i) {
-    const auto contour = std::span(stored.points).subspan(first, stored.counts[i]);
+  for (size_t i = 0; i < contours.counts.size(); ++i) {
+    const auto contour = std::span(contours.points).subspan(first, contours.counts[i]);
     const std::span<const P3> loop = CollectLoop(contour, &room);
-    first += stored.counts[i];
+    first += contours.counts[i];
     PartsElement& part = parts->parts.emplace_back();
     part.name = options.layer;
     ColourByIndex(i, &part);
