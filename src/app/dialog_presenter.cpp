@@ -151,6 +151,12 @@ void DialogPresenter::Stepped(ControlId /*up_down*/, int steps) {
   HeightChanged(text, ControlId::kHeightList);
 }
 
+void DialogPresenter::ShowLooksAgain() {
+  ShowTextFormat();
+  ShowStatusAgain();
+  view_.RepaintPreview();
+}
+
 void DialogPresenter::LinesChanged(std::u16string_view text) {
   std::u16string lines = LinesOf(text);
   if (lines == text_) return;  // a change of looks alone

@@ -50,6 +50,8 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void Selected(ControlId list, size_t index);
   void Stepped(ControlId up_down, int steps);
   void Pressed(ControlId button);
+  // The system's colours or the screen's density are others.
+  void ShowLooksAgain();
   void Chosen(MenuCommand command);
   void Dropped(const std::vector<std::filesystem::path>& files);
   void Due();

@@ -233,10 +233,7 @@ void MainWindow::moveEvent(QMoveEvent* event) {
 
 void MainWindow::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
-  if (event->type() != QEvent::PaletteChange || !presenter_) return;
-  ShowTextColors();
-  ShowStatusColor();
-  preview_->Repaint();
+  if (event->type() == QEvent::PaletteChange && presenter_) presenter_->ShowLooksAgain();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

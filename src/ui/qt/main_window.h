@@ -85,8 +85,6 @@ class MainWindow final : public QWidget, private DialogView {
   QMenuBar* MakeMenu();
   void SizeDropDowns();
   void LearnFrame();
-  void ShowTextColors();
-  void ShowStatusColor();
 
   std::map<ControlId, QWidget*> controls_;
   std::map<MenuCommand, QAction*> actions_;
@@ -100,9 +98,6 @@ class MainWindow final : public QWidget, private DialogView {
   bool shows_ = false;  // controls are being written: nothing is an event
   bool was_shown_ = false;
   QPoint frame_;  // from the corner of the frame to that of its content, as the window last was
-  std::u16string shown_face_;
-  Color shown_color_ = 0;
-  StatusKind status_kind_ = StatusKind::kNormal;
   std::unique_ptr<DialogPresenter> presenter_;
 };
 

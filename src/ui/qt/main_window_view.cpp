@@ -29,16 +29,13 @@ void MainWindow::ShowText(std::u16string_view text, TextChange change) {
   text_->ShowText(text, change);
 }
 
+// The toolkit turns text by itself: the plain family will do.
 void MainWindow::ShowTextFormat(std::u16string_view face, Color color) {
   const ScopedFlag writing(shows_);
-  shown_face_ = face.substr(std::min(face.find_first_not_of(u'@'), face.size()));
-  shown_color_ = color;
-  ShowTextColors();
-}
-
-void MainWindow::ShowTextColors() {
+  const std::u16string_view family =
+      face.substr(std::min(face.find_first_not_of(u'@'), face.size()));
   const Color paper = FromQColor(palette().color(QPalette::Base));
-  text_->ShowFormat(shown_face_, shown_color_, PaperFor(shown_color_, paper));
+  text_->ShowFormat(family, color, PaperFor(color, paper));
 }
 
 void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
@@ -81,21 +78,12 @@ void MainWindow::ShowMenuChecked(MenuCommand command, bool checked) {
 
 void MainWindow::ShowStatus(std::u16string_view text, StatusKind kind) {
   status_->setText(ToQString(text));
-  if (kind != status_kind_) {
-    status_kind_ = kind;
-    ShowStatusColor();
-  }
   preview_->setAccessibleDescription(status_->text());
-}
-
-void MainWindow::ShowStatusColor() {
   QPalette colors = palette();
-  if (status_kind_ != StatusKind::kNormal) {
-    const Color paper = FromQColor(colors.color(QPalette::Window));
-    const Color normal = FromQColor(colors.color(QPalette::WindowText));
-    colors.setColor(QPalette::WindowText, ToQColor(StatusInk(status_kind_, normal, paper)));
-  }
-  status_->setPalette(colors);
+  const Color paper = FromQColor(colors.color(QPalette::Window));
+  const Color normal = FromQColor(colors.color(QPalette::WindowText));
+  colors.setColor(QPalette::WindowText, ToQColor(StatusInk(kind, normal, paper)));
+  if (colors != status_->palette()) status_->setPalette(colors);
 }
 
 void MainWindow::RepaintPreview() {

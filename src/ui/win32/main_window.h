@@ -14,6 +14,7 @@
 #include "ui/win32/face_suggestions.h"
 #include "ui/win32/progress_window.h"
 #include "ui/win32/text_box.h"
+#include "ui/win32/window_text.h"
 
 namespace kerno {
 
@@ -106,7 +107,7 @@ class MainWindow final : private DialogView {
     return SendMessageW(Item(id), message, wparam, lparam);
   }
   int Scaled(int units) const;
-  std::u16string TextOf(ControlId id) const;
+  std::u16string TextOf(ControlId id) const { return TextOfWindow(Item(id)); }
   std::u16string ComboText(ControlId id, int notification) const;
 
   HINSTANCE instance_;
@@ -131,8 +132,6 @@ class MainWindow final : private DialogView {
   bool alt_was_used_ = false;   // with another key, since it went down
   bool ready_ = false;          // the controls are there
   bool opens_maximised_ = false;
-  std::u16string shown_face_;
-  Color shown_color_ = 0;
   StatusKind status_kind_ = StatusKind::kNormal;
   std::vector<std::wstring> messages_;  // to be shown when the event under way is over
 };

@@ -1,7 +1,5 @@
 // What the system and the controls tell the main window, handed on to the dialog.
 
-#include <algorithm>
-
 #include "app/controls.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_drawing.h"
@@ -58,8 +56,7 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       presenter_->Due();
       return TRUE;
     case WM_SYSCOLORCHANGE:
-      ShowTextFormat(shown_face_, shown_color_);
-      RepaintPreview();
+      presenter_->ShowLooksAgain();
       return FALSE;
     case WM_CLOSE:
       if (presenter_->Close()) PostQuitMessage(0);
@@ -100,24 +97,11 @@ void MainWindow::PaintIcon() {
   EndPaint(window_, &paint);
 }
 
-std::u16string MainWindow::TextOf(ControlId id) const {
-  const HWND item = Item(id);
-  std::wstring text(static_cast<size_t>(GetWindowTextLengthW(item)) + 1, L'\0');
-  const int length = GetWindowTextW(item, text.data(), static_cast<int>(text.size()));
-  text.resize(static_cast<size_t>(length));
-  return FromWide(text);
-}
-
 // While a selection is told the combo's edit still holds what was in it before.
 std::u16string MainWindow::ComboText(ControlId id, int notification) const {
   const LRESULT selected = Send(id, CB_GETCURSEL);
   if (notification != CBN_SELCHANGE || selected == CB_ERR) return TextOf(id);
-  const auto index = static_cast<WPARAM>(selected);
-  const LRESULT length = Send(id, CB_GETLBTEXTLEN, index);
-  std::wstring text(static_cast<size_t>(std::max<LRESULT>(length, 0)) + 1, L'\0');
-  Send(id, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(text.data()));
-  text.resize(text.size() - 1);
-  return FromWide(text);
+  return TextOfRow(Item(id), ListKind::kComboBox, selected);
 }
 
 void MainWindow::ReadCombo(const ControlRow& row, int notification) {

@@ -132,7 +132,7 @@ void MainWindow::DensityChanged(int dpi, const RECT& place) {
   }
   if (font_ != nullptr) DeleteObject(font_);
   font_ = font;
-  ShowTextFormat(shown_face_, shown_color_);
+  presenter_->ShowLooksAgain();
   SizeItems();
   PlaceWindow({.normal = {place.left, place.top, place.right, place.bottom}});
   LayOut();

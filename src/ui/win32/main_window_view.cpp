@@ -6,6 +6,7 @@
 #include "app/scoped_flag.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_hints.h"
+#include "ui/win32/interface.h"
 #include "ui/win32/main_window.h"
 #include "ui/win32/resource.h"
 #include "ui/win32/windows_controls.h"
@@ -32,24 +33,6 @@ INT_PTR CALLBACK AboutProc(HWND window, UINT message, WPARAM wparam, LPARAM lpar
   return FALSE;
 }
 
-// Releases an interface of the shell with its owner.
-template <class T>
-class Interface {
- public:
-  Interface() = default;
-  ~Interface() {
-    if (pointer_ != nullptr) pointer_->Release();
-  }
-  Interface(const Interface&) = delete;
-  Interface& operator=(const Interface&) = delete;
-  T* operator->() const { return pointer_; }
-  T* get() const { return pointer_; }
-  T** put() { return &pointer_; }
-
- private:
-  T* pointer_ = nullptr;
-};
-
 BOOL CALLBACK CollectWorkArea(HMONITOR monitor, HDC /*dc*/, LPRECT /*place*/, LPARAM target) {
   MONITORINFO info{};
   info.cbSize = sizeof info;
@@ -70,8 +53,6 @@ void MainWindow::ShowText(std::u16string_view text, TextChange change) {
 
 void MainWindow::ShowTextFormat(std::u16string_view face, Color color) {
   const ScopedFlag writing(shows_);
-  shown_face_ = std::u16string(face);
-  shown_color_ = color;
   text_->ShowFormat(face, color, dpi_);
 }
 
@@ -175,13 +156,13 @@ void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copy
 std::optional<std::filesystem::path> MainWindow::AskFolder(const std::filesystem::path& start) {
   Interface<IFileOpenDialog> dialog;
   if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER,
-                              IID_IFileOpenDialog, reinterpret_cast<void**>(dialog.put())))) {
+                              IID_IFileOpenDialog, dialog.put_void()))) {
     return std::nullopt;
   }
   dialog->SetOptions(FOS_PICKFOLDERS | FOS_FORCEFILESYSTEM);
   Interface<IShellItem> folder;
-  if (SUCCEEDED(SHCreateItemFromParsingName(start.c_str(), nullptr, IID_IShellItem,
-                                            reinterpret_cast<void**>(folder.put())))) {
+  if (SUCCEEDED(
+          SHCreateItemFromParsingName(start.c_str(), nullptr, IID_IShellItem, folder.put_void()))) {
     dialog->SetFolder(folder.get());
   }
   Interface<IShellItem> chosen;

@@ -25,13 +25,6 @@ enum class UserKey {
   kZero = '0',
 };
 
-inline std::u16string WindowText(HWND window) {
-  std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-  text.resize(
-      static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
-  return FromWide(text);
-}
-
 // What the screen shows of a window, from the upper left corner row by row.
 inline std::vector<Color> PixelsOf(HWND window) {
   RECT area{};
@@ -75,8 +68,8 @@ class ViewDriver {
   bool IsShown(ControlId id) const { return IsWindowVisible(Item(id)); }
   bool IsEnabled(ControlId id) const { return IsWindowEnabled(Item(id)); }
   ControlId Focused() const { return static_cast<ControlId>(GetDlgCtrlID(GetFocus())); }
-  std::u16string Title() const { return WindowText(window); }
-  std::u16string TextOf(ControlId id) const { return WindowText(Item(id)); }
+  std::u16string Title() const { return TextOfWindow(window); }
+  std::u16string TextOf(ControlId id) const { return TextOfWindow(Item(id)); }
   ShownText LooksOf(ControlId id) const {
     if (id == ControlId::kStatus) {
       const HDC dc = GetDC(window);
@@ -101,7 +94,7 @@ class ViewDriver {
                    static_cast<int>(Send(id, CB_GETITEMHEIGHT)),
                    static_cast<int>(Send(id, CB_GETMINVISIBLE)),
                    {}};
-    list.items = Rows(Item(id), CB_GETCOUNT, CB_GETLBTEXT);
+    list.items = Rows(Item(id), ListKind::kComboBox);
     return list;
   }
   std::vector<Color> MiddleOfPreview() const {
@@ -212,12 +205,11 @@ class ViewDriver {
     MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
     return place;
   }
-  static std::vector<std::u16string> Rows(HWND list, UINT count, UINT text) {
+  static std::vector<std::u16string> Rows(HWND list, ListKind kind) {
     std::vector<std::u16string> rows;
+    const UINT count = kind == ListKind::kListBox ? LB_GETCOUNT : CB_GETCOUNT;
     for (LRESULT i = 0; i < SendMessageW(list, count, 0, 0); ++i) {
-      wchar_t name[64] = {};
-      SendMessageW(list, text, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(name));
-      rows.push_back(FromWide(name));
+      rows.push_back(TextOfRow(list, kind, i));
     }
     return rows;
   }
@@ -249,7 +241,7 @@ class ViewDriver {
     if (GetDlgItem(popup, KERNO_PROGRESS_BAR) != nullptr) return;
     message_.clear();
     for (HWND part = GetWindow(popup, GW_CHILD); part; part = GetWindow(part, GW_HWNDNEXT)) {
-      message_ += WindowText(part);
+      message_ += TextOfWindow(part);
     }
     PostMessageW(popup, WM_COMMAND, IDOK, 0);
   }

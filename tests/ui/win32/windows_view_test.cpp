@@ -136,7 +136,7 @@ TEST_F(WindowsViewTest, PartsOfANameOfferTheFacesThatHoldThem) {
               ElementsAre(u"Gothic", u"ＭＳ Mincho", u"Plain", u"Plain Gothic"));
   const auto offered = [&] {
     const HWND list = FindWindowExW(nullptr, nullptr, L"ListBox", L"");
-    return IsWindowVisible(list) ? ViewDriver::Rows(list, LB_GETCOUNT, LB_GETTEXT)
+    return IsWindowVisible(list) ? ViewDriver::Rows(list, ListKind::kListBox)
                                  : std::vector<std::u16string>{};
   };
   view->TypeOver(ControlId::kFace, u"m");
