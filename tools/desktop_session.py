@@ -53,7 +53,7 @@ class DesktopSession:
 
     def __enter__(self):
         read_end, write_end = os.pipe()
-        # Without -noreset the display starts anew when its last client leaves, and drops who comes then.
+        # Without -noreset the display starts again when its last client leaves, and drops who comes then.
         self.server = subprocess.Popen(
             ["Xvfb", "-noreset", "-displayfd", str(write_end), "-screen", "0", f"{self.size}x24"],
             pass_fds=[write_end], stderr=subprocess.DEVNULL)
@@ -67,6 +67,7 @@ class DesktopSession:
         self.process = subprocess.Popen(self.program, env=self.environment)
         self.window = self.wait_for(self.find_window)
         self.focus()
+        self.tool("mousemove", "5", "5")  # no hint covers anything
 
     def find_window(self):
         status = self.process.poll()
@@ -119,6 +120,18 @@ class DesktopSession:
     def wait_for_output(self, suffix):
         """The file's path once it is there; files appear whole."""
         return self.wait_for(lambda: next((p for p in self.outputs() if p.suffix == suffix), None))
+
+    def folder_was_opened(self):
+        """Whether the shell was asked to open a folder since the last question."""
+        was_opened = self.opened.exists()
+        self.opened.unlink(missing_ok=True)
+        return was_opened
+
+    def window_part(self, left, top, width, height):
+        """Shares of the window in pixels."""
+        across, down = (int(self.tool_text("getwindowgeometry", "--shell", self.window)
+                            .split(f"{side}=")[1].split()[0]) for side in ("WIDTH", "HEIGHT"))
+        return int(across * left), int(down * top), int(across * width), int(down * height)
 
     def screenshot(self, file):
         """The window alone."""
@@ -174,6 +187,18 @@ class WindowsSession(DesktopSession):
         temp = [user / "Temp" for user in users.glob("*") if user.name != "Public"]
         return (temp[0] if temp else users / "nobody") / "Kerno.tmp"
 
+    def folder_was_opened(self):
+        """Closes the folder in the system's own file manager."""
+        find = ("search", "--onlyvisible", "--name", r"Kerno\.tmp")
+        opened = self.tool(*find)
+        if not opened:
+            return False
+        self.tool("windowfocus", "--sync", opened)
+        self.key("alt+F4")
+        self.wait_for(lambda: not self.tool(*find))
+        self.click((100, 60))  # in the text box
+        return True
+
     def __exit__(self, *error):
         self.end_wine()
         super().__exit__(*error)
@@ -183,3 +208,8 @@ class WindowsSession(DesktopSession):
         for order in ("-k", "-w"):  # end, and wait for the end
             subprocess.run(["wineserver", order], check=False, stderr=subprocess.DEVNULL,
                            env={**self.environment, "WINEPREFIX": str(self.prefix)})
+
+
+def session_of(program, **options):
+    """The session for a program of either system."""
+    return (WindowsSession if program.endswith(".exe") else DesktopSession)(program, **options)

@@ -8,7 +8,7 @@ import pathlib
 import sys
 import time
 
-from desktop_session import DesktopSession, WindowsSession
+from desktop_session import session_of
 
 SETTLE = 1.0  # seconds until what was typed is shown
 
@@ -56,8 +56,8 @@ def main():
     program, folder = sys.argv[1], pathlib.Path(sys.argv[2])
     folder.mkdir(parents=True, exist_ok=True)
     for name, scale, act in states(folder):
-        kind = WindowsSession if program.endswith(".exe") else DesktopSession
-        with kind(program, size="1720x1360" if scale == 2 else "1000x760", scale=scale) as session:
+        size = "1720x1360" if scale == 2 else "1000x760"
+        with session_of(program, size=size, scale=scale) as session:
             time.sleep(SETTLE)
             act(session)
             time.sleep(SETTLE)

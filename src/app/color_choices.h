@@ -17,7 +17,7 @@ struct ColorChoice {
 const std::vector<ColorChoice>& NamedColors();
 
 // The second list, which follows the first: the first list's colour itself, then 12 hues of its
-// lightness and saturation round the wheel, beginning 90 degrees behind its own hue. A colour
+// lightness and saturation round the wheel, beginning 90 degrees after its own hue. A colour
 // without a hue counts as red of middle lightness and full saturation.
 std::vector<ColorChoice> FollowingColors(const ColorChoice& first);
 

@@ -1,43 +1,86 @@
 #include "app/controls.h"
 
-#include <array>
+#include <algorithm>
+#include <iterator>
 
 namespace kerno {
 namespace {
 
+constexpr int kButtonWidth = 80;
+constexpr int kLabelWidth = 36;
+constexpr int kNumberWidth = 90;
+constexpr int kColorWidth = 170;
+
+using Id = ControlId;
+using Kind = ControlKind;
+using Line = WindowLine;
+
+constexpr ControlRow Shown(Id id, Kind kind, Line line, int width, const char16_t* caption,
+                           const char16_t* name, const char16_t* hint,
+                           const char16_t* shortcut = u"") {
+  return {id, kind, line, width, caption, name, hint, shortcut, false, false};
+}
+constexpr ControlRow Hidden(ControlRow row) {
+  row.hidden = true;
+  return row;
+}
+constexpr ControlRow AtEnd(ControlRow row) {
+  row.at_end = true;
+  return row;
+}
+constexpr ControlRow Label(Id id, const char16_t* caption) {
+  return Shown(id, Kind::kLabel, Line::kFace, kLabelWidth, caption, u"", u"");
+}
+constexpr ControlRow Output(Id id, const char16_t* caption, const char16_t* name,
+                            const char16_t* hint, const char16_t* shortcut = u"") {
+  return Shown(id, Kind::kButton, Line::kOutputs, kButtonWidth, caption, name, hint, shortcut);
+}
+constexpr ControlRow AboutText(Id id, const char16_t* name) {
+  return Shown(id, Kind::kLabel, Line::kAboutBox, kRestOfLine, u"", name, u"");
+}
+
 constexpr ControlRow kControls[] = {
-    {ControlId::kOk, u"OK", u"OK", u"", true},
-    {ControlId::kQuit, u"終了", u"Quit", u"Close the window", false},
-    {ControlId::kDxf, u"&DXF", u"Write DXF", u"Write a DXF drawing and a metafile", false,
-     u"Alt+D"},
-    {ControlId::kSvg, u"&SVG", u"Write SVG",
-     u"Write an SVG drawing, a metafile and the page of the outputs", false},
-    {ControlId::kIpx, u"&IPX", u"Write IPX", u"Write an IPX parts file and its sizes (IPL)", false},
-    {ControlId::kDib, u"&DIB", u"Write a bitmap", u"Write a bitmap (Alt+B)", false, u"Alt+B"},
-    {ControlId::kEmf, u"EMF", u"Write a metafile", u"Write a metafile", true},
-    {ControlId::kIpl, u"ipl", u"Write IPL", u"Write the sizes of the parts", true},
-    {ControlId::kUpload, u"&Upload", u"Upload",
-     u"Build the page of the outputs and send the files to the server", true},
-    {ControlId::kText, u"", u"Text", u"", false},
-    {ControlId::kPaste, u"貼り付け", u"Paste", u"Paste the clipboard into the text", false},
-    {ControlId::kFace, u"", u"Face", u"", false},
-    {ControlId::kVertical, u"@", u"Vertical writing", u"Vertical writing", false},
-    {ControlId::kHeightList, u"", u"Height", u"Character height in drawing units", false},
-    {ControlId::kHeightEdit, u"", u"Height as a number", u"Character height in drawing units",
-     false},
-    {ControlId::kHeightSpin, u"", u"Height, step by step", u"", false},
-    {ControlId::kPolyPolygon, u"PolyPolygon", u"Preview as one filled figure",
-     u"Show the outlines as one filled figure; otherwise each contour in its own colour", false},
-    {ControlId::kFirstColor, u"", u"Text colour", u"Colour of the text and of the filled figure",
-     false},
-    {ControlId::kSecondColor, u"", u"Outline colour", u"Colour of the figure's outline", false},
-    {ControlId::kFaceLabel, u"F&ace", u"", u"", false},
-    {ControlId::kHeightLabel, u"&Height", u"", u"", false},
-    {ControlId::kStatus, u"", u"Status", u"", false},
-    {ControlId::kPreview, u"", u"Preview", u"Wheel zooms, dragging moves, a double click shows all",
-     false},
-    {ControlId::kAboutVersion, u"", u"Version", u"", false},
-    {ControlId::kAboutCopyright, u"", u"Copyright", u"", false},
+    Shown(Id::kText, Kind::kTextBox, Line::kText, kRestOfLine, u"", u"Text", u""),
+    Shown(Id::kPaste, Kind::kButton, Line::kText, kButtonWidth, u"貼り付け", u"Paste",
+          u"Paste the clipboard into the text"),
+
+    Label(Id::kFaceLabel, u"F&ace"),
+    Shown(Id::kFace, Kind::kFaceCombo, Line::kFace, kRestOfLine, u"", u"Face", u""),
+    Shown(Id::kVertical, Kind::kCheckBox, Line::kFace, 44, u"@", u"Vertical writing",
+          u"Vertical writing"),
+    Label(Id::kHeightLabel, u"&Height"),
+    Shown(Id::kHeightList, Kind::kTextCombo, Line::kFace, kNumberWidth, u"", u"Height",
+          u"Character height in drawing units"),
+    Shown(Id::kHeightEdit, Kind::kNumberEdit, Line::kFace, kNumberWidth, u"", u"Height as a number",
+          u"Character height in drawing units"),
+    Shown(Id::kHeightSpin, Kind::kUpDown, Line::kFace, 18, u"", u"Height, step by step", u""),
+
+    Shown(Id::kPolyPolygon, Kind::kCheckBox, Line::kColors, 102, u"PolyPolygon",
+          u"Preview as one filled figure",
+          u"Show the outlines as one filled figure; otherwise each contour in its own colour"),
+    Shown(Id::kFirstColor, Kind::kColorCombo, Line::kColors, kColorWidth, u"", u"Text colour",
+          u"Colour of the text and of the filled figure"),
+    Shown(Id::kSecondColor, Kind::kColorCombo, Line::kColors, kColorWidth, u"", u"Outline colour",
+          u"Colour of the figure's outline"),
+
+    Shown(Id::kPreview, Kind::kPreview, Line::kPreview, kRestOfLine, u"", u"Preview",
+          u"Wheel zooms, dragging moves, a double click shows all"),
+    Shown(Id::kStatus, Kind::kStatus, Line::kStatus, kRestOfLine, u"", u"Status", u""),
+
+    Output(Id::kDxf, u"&DXF", u"Write DXF", u"Write a DXF drawing and a metafile", u"Alt+D"),
+    Output(Id::kSvg, u"&SVG", u"Write SVG",
+           u"Write an SVG drawing, a metafile and the page of the outputs"),
+    Output(Id::kIpx, u"&IPX", u"Write IPX", u"Write an IPX parts file and its sizes (IPL)"),
+    Output(Id::kDib, u"&DIB", u"Write a bitmap", u"Write a bitmap (Alt+B)", u"Alt+B"),
+    Hidden(Output(Id::kUpload, u"&Upload", u"Upload",
+                  u"Build the page of the outputs and send the files to the server")),
+    Hidden(Output(Id::kEmf, u"EMF", u"Write a metafile", u"Write a metafile")),
+    Hidden(Output(Id::kIpl, u"ipl", u"Write IPL", u"Write the sizes of the parts")),
+    AtEnd(Output(Id::kQuit, u"終了", u"Quit", u"Close the window")),
+    Hidden(Shown(Id::kOk, Kind::kDefaultButton, Line::kOutputs, kButtonWidth, u"OK", u"OK", u"")),
+
+    AboutText(Id::kAboutVersion, u"Version"),
+    AboutText(Id::kAboutCopyright, u"Copyright"),
 };
 
 constexpr MenuRow kFileRows[] = {
@@ -74,32 +117,58 @@ constexpr const char16_t* kHeights[] = {
     u"300", u"500", u"1000", u"1500", u"2000", u"2500", u"3000", u"10000",
 };
 
+constexpr double kKeyStep = 40;
+constexpr PreviewKeyRow kPreviewKeys[] = {
+    {.key = u'+', .zoom_steps = 1},
+    {.key = u'-', .zoom_steps = -1},
+    {.key = u'0'},
+    {.key = u'←', .right = kKeyStep},
+    {.key = u'→', .right = -kKeyStep},
+    {.key = u'↑', .down = kKeyStep},
+    {.key = u'↓', .down = -kKeyStep},
+};
+
 }  // namespace
 
 std::span<const ControlRow> Controls() {
   return kControls;
 }
 
-const ControlRow& Control(ControlId id) {
-  for (const ControlRow& row : kControls) {
-    if (row.id == id) return row;
-  }
-  return kControls[0];
+const ControlRow* FindControl(ControlId id) {
+  const auto* const row =
+      std::find_if(std::begin(kControls), std::end(kControls),
+                   [id](const ControlRow& control) { return control.id == id; });
+  return row == std::end(kControls) ? nullptr : row;
 }
 
-std::span<const ControlId> OutputButtons() {
-  static constexpr ControlId kButtons[] = {ControlId::kDxf, ControlId::kSvg,    ControlId::kIpx,
-                                           ControlId::kDib, ControlId::kUpload, ControlId::kEmf,
-                                           ControlId::kIpl};
-  return kButtons;
+const ControlRow& Control(ControlId id) {
+  return *FindControl(id);
+}
+
+bool HasDropDown(ControlKind kind) {
+  return kind == ControlKind::kFaceCombo || kind == ControlKind::kTextCombo ||
+         kind == ControlKind::kColorCombo;
 }
 
 std::span<const MenuColumn> Menu() {
   return kMenu;
 }
 
+const MenuRow* FindMenuRow(int command) {
+  for (const MenuColumn& column : kMenu) {
+    for (const MenuRow& row : column.rows) {
+      if (static_cast<int>(row.command) == command) return &row;
+    }
+  }
+  return nullptr;
+}
+
 std::span<const char16_t* const> HeightChoices() {
   return kHeights;
+}
+
+std::span<const PreviewKeyRow> PreviewKeys() {
+  return kPreviewKeys;
 }
 
 int DropDownRows(int client_bottom, int combo_top, int item_height) {

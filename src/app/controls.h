@@ -35,22 +35,55 @@ enum class ControlId : int {
   kUpload = 32201,
 };
 
-// What a control says. Captions mark their mnemonic with "&".
+enum class ControlKind {
+  kButton,
+  kDefaultButton,  // pressed by Enter; does nothing, so that Enter in a field closes no window
+  kCheckBox,
+  kLabel,       // of the control after it
+  kTextBox,     // of many lines
+  kFaceCombo,   // drop-down lists with an edit: of faces, each shown as it looks,
+  kTextCombo,   // and of plain texts
+  kColorCombo,  // a drop-down list of colours, each with a swatch
+  kNumberEdit,
+  kUpDown,  // touches the edit before it
+  kPreview,
+  kStatus,
+};
+
+// The lines of the window from top to bottom; text and preview share the height that is free.
+enum class WindowLine {
+  kText,
+  kFace,
+  kColors,
+  kPreview,
+  kStatus,
+  kOutputs,
+  kAboutBox,  // none: in the About box
+};
+
+inline constexpr int kRestOfLine = 0;
+
+// A control of the windows. Their order is that of the Tab key and, within a line, from left to
+// right.
 struct ControlRow {
   ControlId id;
-  const char16_t* caption;  // empty where the control has none
-  const char16_t* name;     // for assistive technology
-  const char16_t* hint;     // what it does, shown under the pointer; may be empty
-  bool hidden;              // at the start
-  // Where two captions share a mnemonic: the key that presses this one for certain; "Alt+B".
-  const char16_t* shortcut = u"";
+  ControlKind kind;
+  WindowLine line;
+  int width;                 // in pixels of a screen of 96 dpi, where the toolkit has no wish
+  const char16_t* caption;   // may be empty; mnemonics are marked with "&"
+  const char16_t* name;      // for assistive technology
+  const char16_t* hint;      // what it does, shown under the pointer; may be empty
+  const char16_t* shortcut;  // presses it for certain where captions share a mnemonic
+  bool hidden;               // at the start
+  bool at_end;               // of the line; what is free there stands before it
 };
 
 std::span<const ControlRow> Controls();
-const ControlRow& Control(ControlId id);
+const ControlRow* FindControl(ControlId id);  // null where there is none
+const ControlRow& Control(ControlId id);      // there is one
 
-// The buttons of the outputs, in the order in which they stand.
-std::span<const ControlId> OutputButtons();
+// Whether the control has a list that drops down.
+bool HasDropDown(ControlKind kind);
 
 // The commands of the menu. kAbout is the number of the entry in a system menu.
 enum class MenuCommand : int {
@@ -83,6 +116,7 @@ struct MenuColumn {
 };
 
 std::span<const MenuColumn> Menu();
+const MenuRow* FindMenuRow(int command);  // null where there is none
 
 // The heights that the drop-down list offers.
 std::span<const char16_t* const> HeightChoices();
@@ -91,5 +125,17 @@ std::span<const char16_t* const> HeightChoices();
 // the combo's top to the bottom of the window's client area, 2 fewer where 3 or more fit (keeps the
 // list clear of the bottom edge), at least 1.
 int DropDownRows(int client_bottom, int combo_top, int item_height);
+
+// What a key does in the preview: zooms in its middle, moves what is seen, or (nothing of these)
+// shows all.
+struct PreviewKeyRow {
+  char16_t key;  // the character; an arrow stands for its key
+  double zoom_steps = 0;
+  double right = 0, down = 0;  // pixels
+};
+std::span<const PreviewKeyRow> PreviewKeys();
+
+inline constexpr char16_t kWindowTitle[] = u"Kerno";
+inline constexpr int kProgressDelay = 500;  // milliseconds until the progress of something is shown
 
 }  // namespace kerno

@@ -30,7 +30,7 @@ struct DialogMemory {
   VerticalPitch pitch = VerticalPitch::kClassic;
   AciRule aci = AciRule::kClassic;
   std::u16string output_folder;  // empty: "Kerno.tmp" in the temporary folder
-  WindowRect window;             // empty: wherever the system puts it
+  WindowPlace window;
 };
 
 class DialogServices {

@@ -26,10 +26,13 @@ class Differences {
     if (value == before || !status_.ok()) return;
     status_ = store_.WriteStr(row.section, row.key, value);
   }
-  void Window(const RectangleSetting& row, const WindowRect& rect, const WindowRect& before) {
-    if (rect == before || !status_.ok()) return;
-    status_ =
-        store_.WriteRect(row.section, row.key, {rect.left, rect.top, rect.right, rect.bottom});
+  void Window(const WindowPlace& place, const WindowPlace& before) {
+    if (place == before || !status_.ok()) return;
+    const auto& [left, top, right, bottom] = place.normal;
+    const ShowState show = place.show == WindowShow::kMaximised   ? ShowState::kMaximised
+                           : place.show == WindowShow::kMinimised ? ShowState::kMinimised
+                                                                  : ShowState::kNormal;
+    status_ = store_.SavePosition({.show = show, .normal = {left, top, right, bottom}});
   }
   const Status& status() const { return status_; }
 
@@ -42,6 +45,18 @@ class Differences {
   IniStore store_{kStoreName};
   Status status_ = Status::Ok();
 };
+
+// The rectangle counts from the screen's corner. Former versions kept it under another name, and
+// nothing else of the window.
+WindowPlace ReadWindow(ProfileStore& store) {
+  const WindowPlacement kept = store.RestorePosition(0, 0);
+  const ProfileRect rect = kept.normal == ProfileRect{} ? Get(kFormerPlace, store) : kept.normal;
+  const bool maximised = kept.show == ShowState::kMaximised || kept.restore_to_maximised;
+  return {.normal = {rect.left, rect.top, rect.right, rect.bottom},
+          .show = maximised                          ? WindowShow::kMaximised
+                  : kept.show == ShowState::kRestore ? WindowShow::kMinimised
+                                                     : WindowShow::kNormal};
+}
 
 }  // namespace
 
@@ -58,8 +73,7 @@ DialogMemory LoadDialogMemory() {
   m.pitch = static_cast<VerticalPitch>(Get(kDialogVerticalPitch, store));
   m.aci = static_cast<AciRule>(Get(kDialogColorIndexRule, store));
   m.output_folder = Get(kDialogOutputFolder, store);
-  const ProfileRect window = Get(kDialogPlace, store);
-  m.window = {window.left, window.top, window.right, window.bottom};
+  m.window = ReadWindow(store);
   return m;
 }
 
@@ -75,7 +89,7 @@ Status SaveDialogMemory(const DialogMemory& m, const DialogMemory& before) {
   out.Integer(kDialogVerticalPitch, m.pitch, before.pitch);
   out.Integer(kDialogColorIndexRule, m.aci, before.aci);
   out.Text(kDialogOutputFolder, m.output_folder, before.output_folder);
-  out.Window(kDialogPlace, m.window, before.window);
+  out.Window(m.window, before.window);
   return out.status();
 }
 

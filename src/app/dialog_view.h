@@ -14,15 +14,24 @@
 #include "app/color_choices.h"
 #include "app/controls.h"
 #include "base/notices.h"
+#include "platform/shell.h"
 
 namespace kerno {
 
 enum class StatusKind { kNormal, kWarning, kFailure };
 
-// A rectangle of the screen, in the units in which the view counts windows.
+// A rectangle of the screen, frame and title bar included, in the units in which the view counts
+// windows.
 struct WindowRect {
   int32_t left = 0, top = 0, right = 0, bottom = 0;
   bool operator==(const WindowRect&) const = default;
+};
+
+// Where the window is when it is neither minimised nor maximised, and what it is now.
+struct WindowPlace {
+  WindowRect normal;  // empty: wherever the system puts it
+  WindowShow show = WindowShow::kNormal;
+  bool operator==(const WindowPlace&) const = default;
 };
 
 enum class TextChange {
@@ -55,7 +64,7 @@ class DialogView {
   virtual void ShowMenuChecked(MenuCommand command, bool checked) = 0;
   virtual void ShowStatus(std::u16string_view text, StatusKind kind) = 0;
 
-  // Makes the preview paint itself anew, soon.
+  // Makes the preview paint itself again, soon.
   virtual void RepaintPreview() = 0;
 
   // A message that the user closes.
@@ -64,8 +73,9 @@ class DialogView {
   }
   virtual void ShowMessage(std::u16string_view text, std::function<void()> closed) = 0;
 
-  // Progress of something long; shown only when it takes a while. kNo when the user cancelled.
-  virtual Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) = 0;
+  // Progress of something long, from 0 to 1; shown only when it takes kProgressDelay. kNo when the
+  // user cancelled.
+  virtual Continue ShowProgress(std::u16string_view text, double part) = 0;
   virtual void EndProgress() = 0;
 
   // The About box, with the texts of controls kAboutVersion and kAboutCopyright.
@@ -80,14 +90,14 @@ class DialogView {
   // Makes the toolkit's own fonts know a font file for this run. Whether it did.
   virtual bool LoadFontFile(const std::filesystem::path& file) = 0;
 
-  // Calls Dialog::Due after some milliseconds, once; a call before that starts the time anew.
+  // Calls DialogPresenter::Due after some milliseconds, once; a call before that starts the time
+  // again.
   virtual void CallWhenDue(int milliseconds) = 0;
 
-  // The window's place when neither minimised nor maximised (nothing while minimised), the work
-  // areas of the screens, and moving the window.
-  virtual std::optional<WindowRect> WindowPlace() const = 0;
-  virtual std::vector<WindowRect> Screens() const = 0;
-  virtual void MoveWindow(const WindowRect& rect) = 0;
+  virtual WindowPlace PlaceOfWindow() const = 0;
+  // Puts the window there. It is shown maximised if it was so, and as usual otherwise.
+  virtual void PlaceWindow(const WindowPlace& place) = 0;
+  virtual std::vector<WindowRect> Screens() const = 0;  // their work areas
 
   virtual void CloseWindow() = 0;
 };

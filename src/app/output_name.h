@@ -8,7 +8,7 @@
 
 namespace kerno {
 
-// Room that a cleaned name leaves for the longest ending that is put behind it, in UTF-8 bytes, and
+// Room that a cleaned name leaves for the longest ending that is put after it, in UTF-8 bytes, and
 // the length that file systems take.
 inline constexpr size_t kLongestSuffix = 16;
 inline constexpr size_t kLongestName = 255;
@@ -20,7 +20,7 @@ inline constexpr size_t kTextInName = 100;
 // other characters that some system keeps for itself, control characters, invisible direction
 // marks and lone surrogates become "_", as does a "." or "-" in front; blanks in front and dots
 // and blanks at the end go; a device's reserved name gets "_" in front; cut between characters so
-// that kLongestSuffix bytes fit behind it; "_" where nothing is left.
+// that kLongestSuffix bytes fit after it; "_" where nothing is left.
 std::u16string CleanFileName(std::u16string_view name);
 
 // The base name of a run's outputs: face, height and the first kTextInName characters of the text,

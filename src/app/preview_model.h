@@ -27,6 +27,8 @@ class PreviewModel {
   void ZoomAt(double x, double y, double steps);
   void Pan(double dx, double dy);
 
+  double width() const { return width_; }
+  double height() const { return height_; }
   const Affine& fit() const { return fit_; }
   bool shows_all() const { return shows_all_; }
 

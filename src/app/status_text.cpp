@@ -96,6 +96,22 @@ bool HasWarning(const TypesetText& set, const FaceForm& wanted) {
          IsSubstitute(set, wanted);
 }
 
+std::u16string DescribeUnseen(const PictureNotes& notes) {
+  std::u16string text;
+  const auto add = [&](size_t count, const char16_t* one, const char16_t* many) {
+    if (count == 0) return;
+    text += kGap;
+    AppendCount(&text, count, one, many);
+  };
+  add(notes.left_out, u"element not shown: a coordinate is missing or no number that can be drawn",
+      u"elements not shown: coordinates are missing or no numbers that can be drawn");
+  add(notes.texts_too_large, u"text not shown: it has too many points",
+      u"texts not shown: they have too many points");
+  add(notes.texts_no_size, u"text not shown: it is too small or too large here",
+      u"texts not shown: they are too small or too large here");
+  return text;
+}
+
 Color StatusInk(StatusKind kind, Color normal, Color paper) {
   if (kind == StatusKind::kNormal) return normal;
   const bool fails = kind == StatusKind::kFailure;

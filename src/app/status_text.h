@@ -6,6 +6,7 @@
 
 #include "app/dialog_view.h"
 #include "drawing/geometry.h"
+#include "export/draw_texts.h"
 #include "outline/typesetter.h"
 #include "parts/parts.h"
 
@@ -21,6 +22,9 @@ std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, cons
 
 // Whether DescribeText has something to warn of.
 bool HasWarning(const TypesetText& set, const FaceForm& wanted);
+
+// What a picture of the drawing cannot show, to be added to the status; nothing where it shows all.
+std::u16string DescribeUnseen(const PictureNotes& notes);
 
 // The colour of a status line of this kind where other text has the colour `normal` on `paper`.
 Color StatusInk(StatusKind kind, Color normal, Color paper);

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "base/profile_store.h"
+#include "base/settings_table.h"
 
 namespace kerno {
 namespace {
@@ -10,9 +11,7 @@ namespace {
 // Tells a counter that is absent from every other one.
 constexpr int32_t kNoCounter = static_cast<int32_t>(0xFF00FF00);
 constexpr std::u16string_view kCounter = u"Counter";
-constexpr std::u16string_view kMainFrame = u"Position\\MainFrame";
 constexpr std::u16string_view kDialogs = u"Position\\Dialog";
-constexpr std::u16string_view kPosition = u"Position199902";
 
 std::u16string WithSuffix(std::u16string_view key, std::u16string_view suffix) {
   return std::u16string(key).append(suffix);
@@ -105,21 +104,26 @@ std::u16string ProfileStore::GetFilePath(std::u16string_view section) {
 Status ProfileStore::SavePosition(const WindowPlacement& placement) {
   const bool minimised = placement.show == ShowState::kMinimised;
   const bool normal = placement.show == ShowState::kNormal;
-  Status status = WriteInt(kMainFrame, u"Iconic", minimised ? 1 : 0);
-  if (status.ok()) status = WriteInt(kMainFrame, u"Maximized", normal || minimised ? 0 : 1);
-  if (status.ok() && !minimised) status = WriteRect(kMainFrame, kPosition, placement.normal);
+  const auto write = [&](const SwitchSetting& row, bool value) {
+    return WriteInt(row.section, row.key, value ? 1 : 0);
+  };
+  Status status = write(kWindowMinimised, minimised);
+  if (status.ok()) status = write(kWindowMaximised, !normal && !minimised);
+  if (status.ok() && !minimised) {
+    status = WriteRect(kWindowPlace.section, kWindowPlace.key, placement.normal);
+  }
   return status;
 }
 
 WindowPlacement ProfileStore::RestorePosition(int32_t work_area_left, int32_t work_area_top) {
-  const bool iconic = GetInt(kMainFrame, u"Iconic", 0) != 0;
-  const bool maximised = GetInt(kMainFrame, u"Maximized", 0) != 0;
+  const bool iconic = Get(kWindowMinimised, *this);
+  const bool maximised = Get(kWindowMaximised, *this);
   WindowPlacement placement;
   placement.show = iconic      ? ShowState::kRestore
                    : maximised ? ShowState::kMaximised
                                : ShowState::kNormal;
   placement.restore_to_maximised = iconic && maximised;
-  placement.normal = GetRect(kMainFrame, kPosition, {});
+  placement.normal = Get(kWindowPlace, *this);
   // In unsigned arithmetic: a stored number may be anything.
   const auto moved = [](int32_t edge, int32_t by) {
     return static_cast<int32_t>(static_cast<uint32_t>(edge) - static_cast<uint32_t>(by));

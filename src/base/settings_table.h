@@ -110,8 +110,16 @@ inline constexpr IntegerSetting kDialogColorIndexRule{
 inline constexpr TextSetting kDialogOutputFolder{
     u"Dialog", u"OutputFolder", u"",
     "Folder of the outputs; empty: Kerno.tmp in the temporary folder"};
-inline constexpr RectangleSetting kDialogPlace{u"Position\\Dialog", u"Kerno",
-                                               "The dialog's place: left, top, right, bottom"};
+inline constexpr SwitchSetting kWindowMinimised{u"Position\\MainFrame", u"Iconic", false,
+                                                "1: the main window was minimised"};
+inline constexpr SwitchSetting kWindowMaximised{u"Position\\MainFrame", u"Maximized", false,
+                                                "1: the main window was maximised"};
+inline constexpr RectangleSetting kWindowPlace{
+    u"Position\\MainFrame", u"Position199902",
+    "The main window's last normal place: left, top, right, bottom"};
+inline constexpr RectangleSetting kFormerPlace{
+    u"Position\\Dialog", u"Kerno",
+    "The same, as former versions kept it; read where there is none"};
 
 // Diagnostics
 

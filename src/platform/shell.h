@@ -9,7 +9,8 @@
 
 namespace kerno {
 
-// How a started program is to show its window, where the system passes that on.
+// How a window stands on the screen: how a started program is to show its own, where the system
+// passes that on, and how the main window was last seen.
 enum class WindowShow { kNormal, kMinimised, kMaximised };
 
 struct ShellRequest {

@@ -76,30 +76,39 @@ TEST(PreviewModel, FitsUntilTheUserChoosesAndThenKeepsThat) {
   PreviewModel model;
   model.SetFrame(216, 116);
   model.SetDrawing({{0, 0, 0}, {100, 10, 0}});
-  EXPECT_DOUBLE_EQ(2, model.fit().scale);
-  EXPECT_DOUBLE_EQ(8, model.fit().Apply(0, 0).x);
-  EXPECT_DOUBLE_EQ(58, model.fit().Apply(0, 5).y);
+  EXPECT_DOUBLE_EQ(2, PixelsPerUnit(model.fit()));
+  EXPECT_DOUBLE_EQ(8, model.fit().Apply({0, 0}).x);
+  EXPECT_DOUBLE_EQ(58, model.fit().Apply({0, 5}).y);
 
-  const DevicePoint before = model.fit().Apply(25, 5);
+  const P2 before = model.fit().Apply({25, 5});
   model.ZoomAt(before.x, before.y, 3);
-  EXPECT_DOUBLE_EQ(before.x, model.fit().Apply(25, 5).x);
-  EXPECT_DOUBLE_EQ(before.y, model.fit().Apply(25, 5).y);
-  const double scale = model.fit().scale;
+  EXPECT_DOUBLE_EQ(before.x, model.fit().Apply({25, 5}).x);
+  EXPECT_DOUBLE_EQ(before.y, model.fit().Apply({25, 5}).y);
+  const double scale = PixelsPerUnit(model.fit());
   model.SetDrawing({{0, 0, 0}, {120, 10, 0}});
-  EXPECT_DOUBLE_EQ(scale, model.fit().scale) << "typing does not move what the user looks at";
+  EXPECT_DOUBLE_EQ(scale, PixelsPerUnit(model.fit()))
+      << "typing does not move what the user looks at";
   model.SetDrawing({{5000, 0, 0}, {5100, 10, 0}});
   EXPECT_TRUE(model.shows_all()) << "nothing would be seen";
 
   for (int i = 0; i < 1000; ++i) model.ZoomAt(0, 0, 10);
-  EXPECT_DOUBLE_EQ(2 * PreviewModel::kDeepest, model.fit().scale);
+  EXPECT_DOUBLE_EQ(2 * PreviewModel::kDeepest, PixelsPerUnit(model.fit()));
   for (int i = 0; i < 1000; ++i) model.ZoomAt(0, 0, -10);
-  EXPECT_DOUBLE_EQ(2 * PreviewModel::kShallowest, model.fit().scale);
+  EXPECT_DOUBLE_EQ(2 * PreviewModel::kShallowest, PixelsPerUnit(model.fit()));
   model.ShowAll();
-  EXPECT_DOUBLE_EQ(2, model.fit().scale);
+  EXPECT_DOUBLE_EQ(2, PixelsPerUnit(model.fit()));
   model.SetDrawing({});  // an empty drawing, and a frame of nothing
   model.SetFrame(0, 0);
   model.ZoomAt(0, 0, 1);
-  EXPECT_GT(model.fit().scale, 0);
+  EXPECT_GT(PixelsPerUnit(model.fit()), 0);
+}
+
+TEST(ColorChoices, TheSecondListGoesRoundTheWheel) {
+  const ColorChoice red = NamedColors()[6];
+  const std::vector<ColorChoice> following = FollowingColors(red);
+  ASSERT_EQ(13u, following.size());
+  EXPECT_EQ(red.color, following[0].color);
+  EXPECT_EQ(red.color, following[10].color);
 }
 
 TEST(ColorChoices, TextCanBeReadOnItsPaper) {

@@ -76,7 +76,7 @@ TEST(FontFaceList, RulesRejectFamilies) {
 TEST(FontFaceList, InstalledFamiliesOnceEach) {
   FontFaceList list(&kWindow);
   EXPECT_EQ(list.Enumerate(), 1);
-  EXPECT_EQ(list.Enumerate(), 1);  // collects anew
+  EXPECT_EQ(list.Enumerate(), 1);  // collects again
   // Some systems list families by their names in the user's language.
   const auto is_gothic = AnyOf(u"IPAGothic", u"IPAゴシック");
   const auto is_vertical_gothic = AnyOf(u"@IPAGothic", u"@IPAゴシック");

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 #include "app/output_name.h"
 #include "app/rtf_writer.h"
 #include "support/recording_view.h"
@@ -23,20 +23,20 @@ class OutputsTest : public testing::Test {
     services.folder = folder / "made" / "on demand";
     services.memory.face = u"Plain";
     open_folder_on_first_save = true;
-    dialog = std::make_unique<Dialog>(view, services);
-    dialog->Open();
-    dialog->TextChanged(u"AB");
+    presenter = std::make_unique<DialogPresenter>(view, services);
+    presenter->Open();
+    presenter->TextChanged(ControlId::kText, u"AB");
   }
   std::vector<std::string> Press(ControlId button) {
     services.log.clear();
-    dialog->Pressed(button);
+    presenter->Pressed(button);
     return services.log;
   }
 
   test::TemporaryFolder folder;
   test::RecordingView view;
   test::FakeDialogServices services;
-  std::unique_ptr<Dialog> dialog;
+  std::unique_ptr<DialogPresenter> presenter;
 };
 
 TEST_F(OutputsTest, EachButtonWritesWhatFollowsToo) {
@@ -55,19 +55,19 @@ TEST_F(OutputsTest, EachButtonWritesWhatFollowsToo) {
 }
 
 TEST_F(OutputsTest, ARunKeepsTheBaseNameOfItsFirstOutput) {
-  EXPECT_TRUE(dialog->outputs().base_path().empty());
+  EXPECT_TRUE(presenter->outputs().base_path().empty());
   Press(ControlId::kIpx);
-  EXPECT_EQ(services.folder / "Plain_100_AB.rtf", dialog->outputs().base_path());
+  EXPECT_EQ(services.folder / "Plain_100_AB.rtf", presenter->outputs().base_path());
   EXPECT_THAT(services.rtf, testing::HasSubstr("\\fs24 AB}"));
-  dialog->TextChanged(u"CD");
+  presenter->TextChanged(ControlId::kText, u"CD");
   EXPECT_THAT(Press(ControlId::kDxf), ElementsAre("dxf .dxf", "emf .emf"));
-  EXPECT_EQ(services.folder / "Plain_100_AB.rtf", dialog->outputs().base_path());
+  EXPECT_EQ(services.folder / "Plain_100_AB.rtf", presenter->outputs().base_path());
   EXPECT_THAT(services.opened_folders, ElementsAre(services.folder));
 
   view.folder_answer = folder / "elsewhere";
-  dialog->Chosen(MenuCommand::kChooseFolder);
+  presenter->Chosen(MenuCommand::kChooseFolder);
   Press(ControlId::kDxf);
-  EXPECT_EQ(folder / "elsewhere" / "Plain_100_CD.rtf", dialog->outputs().base_path());
+  EXPECT_EQ(folder / "elsewhere" / "Plain_100_CD.rtf", presenter->outputs().base_path());
   EXPECT_EQ(1u, services.opened_folders.size());
 }
 
@@ -83,7 +83,7 @@ TEST_F(OutputsTest, AFailureIsToldAndTheChainGoesOn) {
 TEST_F(OutputsTest, WithoutABasePathNothingIsWritten) {
   test::WriteBytes(folder / "made", "a file where the folder should be");
   EXPECT_THAT(Press(ControlId::kDxf), ElementsAre());
-  EXPECT_TRUE(dialog->outputs().base_path().empty());
+  EXPECT_TRUE(presenter->outputs().base_path().empty());
   ASSERT_EQ(1u, view.messages.size());
   std::filesystem::remove(folder / "made");
   services.failing = "rtf";

@@ -30,9 +30,9 @@ class RecordingView final : public DialogView {
   bool closed_progress = false;
   std::optional<std::filesystem::path> folder_answer;
   std::vector<std::filesystem::path> font_files;
-  std::optional<WindowRect> place;
+  WindowPlace place;  // where the window is
   std::vector<WindowRect> screens = {{0, 0, 1920, 1080}};
-  WindowRect moved;
+  WindowPlace placed;  // where it was put
 
   void ShowText(std::u16string_view shown, TextChange) override { text = shown; }
   void ShowTextFormat(std::u16string_view face, Color color) override {
@@ -58,7 +58,7 @@ class RecordingView final : public DialogView {
     messages.emplace_back(shown);
     close_message = std::move(closed);
   }
-  Continue ShowProgress(std::u16string_view, int64_t, int64_t) override {
+  Continue ShowProgress(std::u16string_view, double) override {
     ++progress_calls;
     return Continue::kYes;
   }
@@ -73,9 +73,9 @@ class RecordingView final : public DialogView {
     return true;
   }
   void CallWhenDue(int) override { ++due_calls; }
-  std::optional<WindowRect> WindowPlace() const override { return place; }
+  WindowPlace PlaceOfWindow() const override { return place; }
   std::vector<WindowRect> Screens() const override { return screens; }
-  void MoveWindow(const WindowRect& rect) override { moved = rect; }
+  void PlaceWindow(const WindowPlace& wanted) override { placed = wanted; }
   void CloseWindow() override {}
 };
 

@@ -99,16 +99,17 @@ void SizeDropDown(QComboBox* combo) {
   combo->setMaxVisibleItems(DropDownRows(window->height(), top, item));
 }
 
-void SelectRowOfText(QComboBox* combo) {
-  QObject::connect(combo, &QComboBox::editTextChanged, combo, [combo](const QString& text) {
-    const int row = combo->findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
-    if (row >= 0) combo->setCurrentIndex(row);
+TextCombo::TextCombo(QWidget* parent) : QComboBox(parent) {
+  setEditable(true);
+  setInsertPolicy(QComboBox::NoInsert);
+  setCompleter(nullptr);
+  connect(this, &QComboBox::editTextChanged, this, [this](const QString& text) {
+    const int row = findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    if (row >= 0) setCurrentIndex(row);
   });
 }
 
-FaceCombo::FaceCombo(QWidget* parent) : QComboBox(parent) {
-  setEditable(true);
-  setInsertPolicy(QComboBox::NoInsert);
+FaceCombo::FaceCombo(QWidget* parent) : TextCombo(parent) {
   setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   setMinimumContentsLength(18);
   setModel(new QStringListModel(this));
@@ -119,7 +120,6 @@ FaceCombo::FaceCombo(QWidget* parent) : QComboBox(parent) {
   completer->setCompletionMode(QCompleter::PopupCompletion);
   completer->setPopup(MakeFaceList(nullptr));
   setCompleter(completer);
-  SelectRowOfText(this);
 }
 
 void FaceCombo::ShowFaces(const std::vector<std::u16string>& faces) {

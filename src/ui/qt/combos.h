@@ -14,13 +14,16 @@ namespace kerno {
 // Sizes the drop-down list by the room below the combo box in its window.
 void SizeDropDown(QComboBox* combo);
 
-// Keeps the selected row of an editable combo box that of the text in its edit, where there is one:
-// the list opens there and the arrow keys go on from there.
-void SelectRowOfText(QComboBox* combo);
+// Texts with an edit. The selected row is that of the text in the edit, where there is one: the
+// list opens there and the arrow keys go on from there.
+class TextCombo : public QComboBox {
+ public:
+  explicit TextCombo(QWidget* parent = nullptr);
+};
 
 // Face names, each shown in its own face once that was loaded, which happens while the list stands
 // open: opening waits for no font. Typing offers the names that hold what was typed.
-class FaceCombo final : public QComboBox {
+class FaceCombo final : public TextCombo {
  public:
   explicit FaceCombo(QWidget* parent = nullptr);
   void ShowFaces(const std::vector<std::u16string>& faces);

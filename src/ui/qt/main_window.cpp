@@ -13,7 +13,10 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QUrl>
+#include <QVBoxLayout>
+#include <set>
 
+#include "app/scoped_flag.h"
 #include "ui/qt/combos.h"
 #include "ui/qt/preview_frame.h"
 #include "ui/qt/qt_text.h"
@@ -24,136 +27,148 @@ namespace {
 
 constexpr QSize kFirstSize(860, 680);
 
+QKeySequence ShortcutOf(const char16_t* portable) {
+  return QKeySequence::fromString(ToQString(portable), QKeySequence::PortableText);
+}
+
+// Of the height that the lines leave free.
+int ShareOfHeight(WindowLine line) {
+  return line == WindowLine::kPreview ? 5 : line == WindowLine::kText ? 2 : 0;
+}
+
 }  // namespace
 
 MainWindow::MainWindow(DialogServices& services) {
-  setWindowTitle(QStringLiteral("Kerno"));
+  setWindowTitle(ToQString(kWindowTitle));
   setAcceptDrops(true);
   resize(kFirstSize);
   MakeControls();
   LayOut();
-  SetTabOrder();
   DialogView& view = *this;
-  dialog_ = std::make_unique<Dialog>(view, services);
-  preview_->SetDialog(dialog_.get());
-  ConnectControls();
+  presenter_ = std::make_unique<DialogPresenter>(view, services);
+  preview_->SetPresenter(presenter_.get());
   due_.setSingleShot(true);
-  connect(&due_, &QTimer::timeout, this, [this] { dialog_->Due(); });
-  dialog_->Open();
+  connect(&due_, &QTimer::timeout, this, [this] { presenter_->Due(); });
+  presenter_->Open();
   text_->setFocus();
 }
 
 MainWindow::~MainWindow() = default;
 
-template <class Control>
-Control* MainWindow::Add(Control* control, ControlId id) {
-  const ControlRow& row = kerno::Control(id);
-  control->setObjectName(ObjectName(id));
-  control->setAccessibleName(ToQString(row.name));
-  control->setToolTip(ToQString(row.hint));
-  control->setVisible(!row.hidden);
-  controls_[id] = control;
-  return control;
+// The Tab key goes from one to the next in the order in which they are made.
+void MainWindow::MakeControls() {
+  const ScopedFlag writing(shows_);
+  QLabel* label = nullptr;
+  for (const ControlRow& row : Controls()) {
+    if (row.line == WindowLine::kAboutBox) continue;
+    QWidget* control = MakeControl(row);
+    control->setObjectName(ObjectName(row.id));
+    control->setAccessibleName(ToQString(row.name));
+    control->setToolTip(ToQString(row.hint));
+    control->setVisible(!row.hidden);
+    controls_[row.id] = control;
+    if (label) label->setBuddy(control);
+    label = row.kind == ControlKind::kLabel ? static_cast<QLabel*>(control) : nullptr;
+  }
 }
 
-QPushButton* MainWindow::AddButton(ControlId id) {
-  const ControlRow& row = kerno::Control(id);
-  auto* button = Add(new QPushButton(ToQString(row.caption), this), id);
-  button->setAutoDefault(false);
-  if (*row.shortcut) {
-    button->setShortcut(
-        QKeySequence::fromString(ToQString(row.shortcut), QKeySequence::PortableText));
+QWidget* MainWindow::MakeControl(const ControlRow& row) {
+  const QString caption = ToQString(row.caption);
+  switch (row.kind) {
+    case ControlKind::kButton:
+    case ControlKind::kDefaultButton:
+      return MakeButton(row);
+    case ControlKind::kCheckBox: {
+      auto* box = new QCheckBox(caption, this);
+      connect(box, &QCheckBox::toggled, this,
+              UnlessShown([this, id = row.id](bool on) { presenter_->Checked(id, on); }));
+      return box;
+    }
+    case ControlKind::kLabel:
+      return new QLabel(caption, this);
+    case ControlKind::kTextBox:
+      text_ = new TextBox(this);
+      text_->setAccessibleDescription(tr("The text to convert. Ctrl+Tab types a tab."));
+      connect(text_, &QTextEdit::textChanged, this,
+              UnlessShown([this, id = row.id] { presenter_->TextChanged(id, text_->Text()); }));
+      return text_;
+    case ControlKind::kFaceCombo:
+      face_ = new FaceCombo(this);
+      return ConnectEdit(face_, row.id);
+    case ControlKind::kTextCombo: {
+      auto* combo = new TextCombo(this);
+      for (const char16_t* height : HeightChoices()) combo->addItem(ToQString(height));
+      return ConnectEdit(combo, row.id);
+    }
+    case ControlKind::kColorCombo: {
+      auto* combo = new ColorCombo(this);
+      connect(combo, &QComboBox::currentIndexChanged, this,
+              UnlessShown([this, id = row.id](int index) {
+                if (index >= 0) presenter_->Selected(id, static_cast<size_t>(index));
+              }));
+      return combo;
+    }
+    case ControlKind::kNumberEdit:
+      spin_ = new HeightSpin(this);
+      spin_->on_edited = [this, id = row.id](const QString& text) {
+        presenter_->TextChanged(id, FromQString(text));
+      };
+      return spin_->edit();
+    case ControlKind::kUpDown:
+      spin_->on_stepped = [this, id = row.id](int steps) { presenter_->Stepped(id, steps); };
+      return spin_;
+    case ControlKind::kPreview:
+      return preview_ = new PreviewFrame(this);
+    case ControlKind::kStatus:
+      return MakeStatus();
   }
-  connect(button, &QPushButton::clicked, this, [this, id] { dialog_->Pressed(id); });
+  return nullptr;
+}
+
+QPushButton* MainWindow::MakeButton(const ControlRow& row) {
+  auto* button = new QPushButton(ToQString(row.caption), this);
+  if (*row.shortcut) button->setShortcut(ShortcutOf(row.shortcut));
+  connect(button, &QPushButton::clicked, this, [this, id = row.id] { presenter_->Pressed(id); });
   return button;
 }
 
-QLabel* MainWindow::AddLabel(ControlId id, QWidget* buddy) {
-  auto* label = Add(new QLabel(ToQString(kerno::Control(id).caption), this), id);
-  label->setBuddy(buddy);
-  return label;
+QComboBox* MainWindow::ConnectEdit(QComboBox* combo, ControlId id) {
+  connect(combo, &QComboBox::editTextChanged, this, UnlessShown([this, id](const QString& text) {
+            presenter_->TextChanged(id, FromQString(text));
+          }));
+  return combo;
 }
 
-void MainWindow::MakeControls() {
-  text_ = Add(new TextBox(this), ControlId::kText);
-  text_->setAccessibleDescription(tr("The text to convert. Ctrl+Tab types a tab."));
-  face_ = Add(new FaceCombo(this), ControlId::kFace);
-  height_list_ = Add(new QComboBox(this), ControlId::kHeightList);
-  height_list_->setEditable(true);
-  height_list_->setInsertPolicy(QComboBox::NoInsert);
-  height_list_->setCompleter(nullptr);
-  SelectRowOfText(height_list_);
-  for (const char16_t* height : HeightChoices()) height_list_->addItem(ToQString(height));
-  height_spin_ = Add(new HeightSpin(this), ControlId::kHeightSpin);
-  Add(height_spin_->edit(), ControlId::kHeightEdit);
-  vertical_ = Add(new QCheckBox(ToQString(Control(ControlId::kVertical).caption), this),
-                  ControlId::kVertical);
-  poly_polygon_ = Add(new QCheckBox(ToQString(Control(ControlId::kPolyPolygon).caption), this),
-                      ControlId::kPolyPolygon);
-  first_color_ = Add(new ColorCombo(this), ControlId::kFirstColor);
-  second_color_ = Add(new ColorCombo(this), ControlId::kSecondColor);
-  preview_ = Add(new PreviewFrame(this), ControlId::kPreview);
-  status_ = Add(new QLabel(this), ControlId::kStatus);
+QLabel* MainWindow::MakeStatus() {
+  status_ = new QLabel(this);
   status_->setTextFormat(Qt::PlainText);
   status_->setWordWrap(true);
   status_->setTextInteractionFlags(Qt::TextSelectableByMouse);
   status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
   status_->setMinimumHeight(status_->fontMetrics().lineSpacing() * 2);
   status_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-  AddLabel(ControlId::kFaceLabel, face_);
-  AddLabel(ControlId::kHeightLabel, height_list_);
-  for (const ControlId id : OutputButtons()) AddButton(id);
-  AddButton(ControlId::kQuit);
-  AddButton(ControlId::kPaste);
-  AddButton(ControlId::kOk);
+  return status_;
 }
 
 void MainWindow::LayOut() {
   auto* outer = new QVBoxLayout(this);
   outer->setMenuBar(MakeMenu());
-  auto* top = new QHBoxLayout;
-  top->addWidget(text_, 1);
-  top->addWidget(controls_[ControlId::kPaste], 0, Qt::AlignTop);
-  outer->addLayout(top, 2);
-  auto* settings = new QHBoxLayout;
-  settings->addWidget(controls_[ControlId::kFaceLabel]);
-  settings->addWidget(face_, 1);
-  settings->addWidget(vertical_);
-  settings->addSpacing(12);
-  settings->addWidget(controls_[ControlId::kHeightLabel]);
-  settings->addWidget(height_list_);
-  settings->addWidget(height_spin_);
-  outer->addLayout(settings);
-  auto* colors = new QHBoxLayout;
-  colors->addWidget(poly_polygon_);
-  colors->addWidget(first_color_);
-  colors->addWidget(second_color_);
-  colors->addStretch(1);
-  outer->addLayout(colors);
-  outer->addWidget(preview_, 5);
-  outer->addWidget(status_);
-  auto* buttons = new QHBoxLayout;
-  for (const ControlId id : OutputButtons()) buttons->addWidget(controls_[id]);
-  buttons->addStretch(1);
-  buttons->addWidget(controls_[ControlId::kQuit]);
-  buttons->addWidget(controls_[ControlId::kOk]);
-  outer->addLayout(buttons);
-}
-
-void MainWindow::SetTabOrder() {
-  QWidget* before = text_;
-  const auto next = [&](ControlId id) {
-    setTabOrder(before, controls_[id]);
-    before = controls_[id];
-  };
-  for (const ControlId id :
-       {ControlId::kPaste, ControlId::kFace, ControlId::kVertical, ControlId::kHeightList,
-        ControlId::kHeightSpin, ControlId::kPolyPolygon, ControlId::kFirstColor,
-        ControlId::kSecondColor, ControlId::kPreview}) {
-    next(id);
+  std::map<WindowLine, QHBoxLayout*> lines;
+  std::set<QHBoxLayout*> filled;
+  for (const ControlRow& row : Controls()) {
+    QWidget* control = controls_[row.id];
+    if (!control || control->parentWidget() != this) continue;  // the edit stands in its control
+    QHBoxLayout*& line = lines[row.line];
+    if (!line) outer->addLayout(line = new QHBoxLayout, ShareOfHeight(row.line));
+    if (row.at_end) line->addStretch(1);
+    const bool takes_rest = row.width == kRestOfLine;
+    const bool is_button = row.kind == ControlKind::kButton;
+    line->addWidget(control, takes_rest ? 1 : 0, is_button ? Qt::AlignTop : Qt::Alignment());
+    if (takes_rest || row.at_end) filled.insert(line);
   }
-  for (const ControlId id : OutputButtons()) next(id);
-  next(ControlId::kQuit);
+  for (const auto& [name, line] : lines) {
+    if (!filled.contains(line)) line->addStretch(1);
+  }
 }
 
 QMenuBar* MainWindow::MakeMenu() {
@@ -165,65 +180,33 @@ QMenuBar* MainWindow::MakeMenu() {
       if (row.separator_before) menu->addSeparator();
       if (row.separator_before || !group) group = new QActionGroup(this);
       QAction* action = menu->addAction(ToQString(row.caption));
-      action->setShortcut(
-          QKeySequence::fromString(ToQString(row.shortcut), QKeySequence::PortableText));
+      action->setShortcut(ShortcutOf(row.shortcut));
       action->setCheckable(row.checkable);
       if (row.checkable) group->addAction(action);
       actions_[row.command] = action;
       connect(action, &QAction::triggered, this,
-              [this, command = row.command] { dialog_->Chosen(command); });
+              [this, command = row.command] { presenter_->Chosen(command); });
     }
   }
   return bar;
 }
 
-void MainWindow::ConnectControls() {
-  const auto unless_shown = [this](auto event) {
-    return [this, event](auto&&... arguments) {
-      if (!shows_) event(std::forward<decltype(arguments)>(arguments)...);
-    };
-  };
-  connect(text_, &QTextEdit::textChanged, this,
-          unless_shown([this] { dialog_->TextChanged(text_->Text()); }));
-  connect(face_, &QComboBox::editTextChanged, this,
-          unless_shown([this](const QString& text) { dialog_->FaceChanged(FromQString(text)); }));
-  connect(
-      height_list_, &QComboBox::editTextChanged, this,
-      unless_shown([this](const QString& text) { dialog_->HeightListChanged(FromQString(text)); }));
-  height_spin_->on_edited = [this](const QString& text) {
-    dialog_->HeightEditChanged(FromQString(text));
-  };
-  height_spin_->on_stepped = [this](int steps) { dialog_->HeightStepped(steps); };
-  connect(vertical_, &QCheckBox::toggled, this,
-          unless_shown([this](bool on) { dialog_->VerticalClicked(on); }));
-  connect(poly_polygon_, &QCheckBox::toggled, this,
-          unless_shown([this](bool on) { dialog_->PolyPolygonClicked(on); }));
-  connect(first_color_, &QComboBox::currentIndexChanged, this, unless_shown([this](int index) {
-            if (index >= 0) dialog_->FirstColorSelected(static_cast<size_t>(index));
-          }));
-  connect(second_color_, &QComboBox::currentIndexChanged, this, unless_shown([this](int index) {
-            if (index >= 0) dialog_->SecondColorSelected(static_cast<size_t>(index));
-          }));
-}
-
 void MainWindow::SizeDropDowns() {
-  for (QComboBox* combo :
-       {height_list_, static_cast<QComboBox*>(face_), static_cast<QComboBox*>(first_color_),
-        static_cast<QComboBox*>(second_color_)}) {
-    SizeDropDown(combo);
+  for (const ControlRow& row : Controls()) {
+    if (HasDropDown(row.kind)) SizeDropDown(static_cast<QComboBox*>(controls_[row.id]));
   }
 }
 
 void MainWindow::OpenFiles(const QStringList& files) {
   std::vector<std::filesystem::path> paths;
   for (const QString& file : files) paths.push_back(QStringToPath(file));
-  if (!paths.empty()) dialog_->Dropped(paths);
+  if (!paths.empty()) presenter_->Dropped(paths);
 }
 
 // Events
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  event->setAccepted(dialog_->Close());
+  event->setAccepted(presenter_->Close());
 }
 
 void MainWindow::showEvent(QShowEvent* event) {
@@ -232,22 +215,25 @@ void MainWindow::showEvent(QShowEvent* event) {
   was_shown_ = true;
   // The window stands before the faces are listed.
   QTimer::singleShot(0, this, [this] {
-    dialog_->FillFaces();
+    presenter_->FillFaces();
     SizeDropDowns();
   });
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
+  LearnFrame();
   if (was_shown_) SizeDropDowns();
+}
+
+void MainWindow::moveEvent(QMoveEvent* event) {
+  QWidget::moveEvent(event);
+  LearnFrame();
 }
 
 void MainWindow::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
-  if (event->type() != QEvent::PaletteChange || !dialog_) return;
-  ShowTextColors();
-  ShowStatusColor();
-  preview_->Repaint();
+  if (event->type() == QEvent::PaletteChange && presenter_) presenter_->ShowLooksAgain();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
@@ -261,7 +247,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
   }
   event->acceptProposedAction();
   // The drag's source waits for the answer; a message may stand long.
-  QTimer::singleShot(0, this, [this, files] { dialog_->Dropped(files); });
+  QTimer::singleShot(0, this, [this, files] { presenter_->Dropped(files); });
 }
 
 }  // namespace kerno

@@ -9,19 +9,16 @@
 #include <map>
 #include <memory>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 
 class QAction;
-class QCheckBox;
 class QComboBox;
-class QGridLayout;
 class QLabel;
 class QMenuBar;
 class QPushButton;
 
 namespace kerno {
 
-class ColorCombo;
 class FaceCombo;
 class HeightSpin;
 class PreviewFrame;
@@ -36,12 +33,13 @@ class MainWindow final : public QWidget, private DialogView {
   // Takes files as if they had been dropped.
   void OpenFiles(const QStringList& files);
 
-  Dialog& dialog() { return *dialog_; }
+  DialogPresenter& presenter() { return *presenter_; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
   void changeEvent(QEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
@@ -60,51 +58,48 @@ class MainWindow final : public QWidget, private DialogView {
   void ShowStatus(std::u16string_view text, StatusKind kind) override;
   void RepaintPreview() override;
   void ShowMessage(std::u16string_view text, std::function<void()> closed) override;
-  Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) override;
+  Continue ShowProgress(std::u16string_view text, double part) override;
   void EndProgress() override;
   void ShowAbout(std::u16string_view version, std::u16string_view copyright) override;
   std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) override;
   void PasteIntoText() override;
   bool LoadFontFile(const std::filesystem::path& file) override;
   void CallWhenDue(int milliseconds) override;
-  std::optional<WindowRect> WindowPlace() const override;
+  WindowPlace PlaceOfWindow() const override;
+  void PlaceWindow(const WindowPlace& place) override;
   std::vector<WindowRect> Screens() const override;
-  void MoveWindow(const WindowRect& rect) override;
   void CloseWindow() override;
 
-  template <class Control>
-  Control* Add(Control* control, ControlId id);
-  QPushButton* AddButton(ControlId id);
-  QLabel* AddLabel(ControlId id, QWidget* buddy);
+  // A control's event for the presenter, unless the view's own writing has caused it.
+  template <class Event>
+  auto UnlessShown(Event event) {
+    return [this, event](auto&&... arguments) {
+      if (!shows_) event(std::forward<decltype(arguments)>(arguments)...);
+    };
+  }
   void MakeControls();
+  QWidget* MakeControl(const ControlRow& row);
+  QPushButton* MakeButton(const ControlRow& row);
+  QComboBox* ConnectEdit(QComboBox* combo, ControlId id);
+  QLabel* MakeStatus();
   void LayOut();
-  void SetTabOrder();
   QMenuBar* MakeMenu();
-  void ConnectControls();
   void SizeDropDowns();
-  void ShowTextColors();
-  void ShowStatusColor();
+  void LearnFrame();
 
   std::map<ControlId, QWidget*> controls_;
   std::map<MenuCommand, QAction*> actions_;
   TextBox* text_ = nullptr;
   FaceCombo* face_ = nullptr;
-  QComboBox* height_list_ = nullptr;
-  HeightSpin* height_spin_ = nullptr;
-  QCheckBox* vertical_ = nullptr;
-  QCheckBox* poly_polygon_ = nullptr;
-  ColorCombo* first_color_ = nullptr;
-  ColorCombo* second_color_ = nullptr;
+  HeightSpin* spin_ = nullptr;
   PreviewFrame* preview_ = nullptr;
   QLabel* status_ = nullptr;
   QPointer<QProgressDialog> progress_;
   QTimer due_;
   bool shows_ = false;  // controls are being written: nothing is an event
   bool was_shown_ = false;
-  std::u16string shown_face_;
-  Color shown_color_ = 0;
-  StatusKind status_kind_ = StatusKind::kNormal;
-  std::unique_ptr<Dialog> dialog_;
+  QPoint frame_;  // from the corner of the frame to that of its content, as the window last was
+  std::unique_ptr<DialogPresenter> presenter_;
 };
 
 }  // namespace kerno

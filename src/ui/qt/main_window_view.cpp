@@ -14,7 +14,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "app/raised.h"
+#include "app/scoped_flag.h"
 #include "app/status_text.h"
 #include "ui/qt/combos.h"
 #include "ui/qt/main_window.h"
@@ -23,36 +23,28 @@
 #include "ui/qt/text_box.h"
 
 namespace kerno {
-namespace {
-
-constexpr int kProgressAfter = 500;  // milliseconds until progress is shown
-
-}  // namespace
 
 void MainWindow::ShowText(std::u16string_view text, TextChange change) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   text_->ShowText(text, change);
 }
 
+// The toolkit turns text by itself: the plain family will do.
 void MainWindow::ShowTextFormat(std::u16string_view face, Color color) {
-  const Raised raised(shows_);
-  shown_face_ = face.substr(std::min(face.find_first_not_of(u'@'), face.size()));
-  shown_color_ = color;
-  ShowTextColors();
-}
-
-void MainWindow::ShowTextColors() {
+  const ScopedFlag writing(shows_);
+  const std::u16string_view family =
+      face.substr(std::min(face.find_first_not_of(u'@'), face.size()));
   const Color paper = FromQColor(palette().color(QPalette::Base));
-  text_->ShowFormat(shown_face_, shown_color_, PaperFor(shown_color_, paper));
+  text_->ShowFormat(family, color, PaperFor(color, paper));
 }
 
 void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   face_->ShowFaces(faces);
 }
 
 void MainWindow::ShowControlText(ControlId id, std::u16string_view text) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   QWidget* control = controls_.at(id);
   const QString shown = ToQString(text);
   if (auto* combo = qobject_cast<QComboBox*>(control)) {
@@ -63,12 +55,12 @@ void MainWindow::ShowControlText(ControlId id, std::u16string_view text) {
 }
 
 void MainWindow::ShowChecked(ControlId id, bool checked) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   static_cast<QCheckBox*>(controls_.at(id))->setChecked(checked);
 }
 
 void MainWindow::ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   static_cast<ColorCombo*>(controls_.at(id))->ShowColors(colors, selected);
 }
 
@@ -86,21 +78,12 @@ void MainWindow::ShowMenuChecked(MenuCommand command, bool checked) {
 
 void MainWindow::ShowStatus(std::u16string_view text, StatusKind kind) {
   status_->setText(ToQString(text));
-  if (kind != status_kind_) {
-    status_kind_ = kind;
-    ShowStatusColor();
-  }
   preview_->setAccessibleDescription(status_->text());
-}
-
-void MainWindow::ShowStatusColor() {
   QPalette colors = palette();
-  if (status_kind_ != StatusKind::kNormal) {
-    const Color paper = FromQColor(colors.color(QPalette::Window));
-    const Color normal = FromQColor(colors.color(QPalette::WindowText));
-    colors.setColor(QPalette::WindowText, ToQColor(StatusInk(status_kind_, normal, paper)));
-  }
-  status_->setPalette(colors);
+  const Color paper = FromQColor(colors.color(QPalette::Window));
+  const Color normal = FromQColor(colors.color(QPalette::WindowText));
+  colors.setColor(QPalette::WindowText, ToQColor(StatusInk(kind, normal, paper)));
+  if (colors != status_->palette()) status_->setPalette(colors);
 }
 
 void MainWindow::RepaintPreview() {
@@ -116,20 +99,19 @@ void MainWindow::ShowMessage(std::u16string_view text, std::function<void()> clo
   box->open();
 }
 
-Continue MainWindow::ShowProgress(std::u16string_view text, int64_t done, int64_t total) {
+Continue MainWindow::ShowProgress(std::u16string_view text, double part) {
   constexpr int kSteps = 1000;
   if (!progress_) {
     progress_ = new QProgressDialog(this);
     progress_->setWindowTitle(windowTitle());
     progress_->setWindowModality(Qt::WindowModal);
-    progress_->setMinimumDuration(kProgressAfter);
+    progress_->setMinimumDuration(kProgressDelay);
     progress_->setAutoReset(false);
     progress_->setAutoClose(false);
     progress_->setMaximum(kSteps);
     progress_->setValue(0);
   }
   progress_->setLabelText(ToQString(text));
-  const double part = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
   progress_->setValue(static_cast<int>(part * (kSteps - 1)));
   return progress_->wasCanceled() ? Continue::kNo : Continue::kYes;
 }
@@ -185,11 +167,29 @@ void MainWindow::CallWhenDue(int milliseconds) {
   due_.start(milliseconds);
 }
 
-std::optional<WindowRect> MainWindow::WindowPlace() const {
-  if (isMinimized()) return std::nullopt;
-  const QPoint at = isMaximized() ? normalGeometry().topLeft() : pos();
-  const QSize size = isMaximized() ? normalGeometry().size() : this->size();
-  return WindowRect{at.x(), at.y(), at.x() + size.width(), at.y() + size.height()};
+// Toolkits know a maximised window's place as usual without its frame.
+void MainWindow::LearnFrame() {
+  constexpr auto kUnusual = Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen;
+  if ((windowState() & kUnusual) == 0) frame_ = geometry().topLeft() - pos();
+}
+
+WindowPlace MainWindow::PlaceOfWindow() const {
+  const WindowShow show = isMinimized()   ? WindowShow::kMinimised
+                          : isMaximized() ? WindowShow::kMaximised
+                                          : WindowShow::kNormal;
+  const bool is_usual = show == WindowShow::kNormal && !isFullScreen();
+  const QPoint at = is_usual ? pos() : normalGeometry().topLeft() - frame_;
+  const QSize size = is_usual ? this->size() : normalGeometry().size();
+  return {.normal = {at.x(), at.y(), at.x() + size.width(), at.y() + size.height()}, .show = show};
+}
+
+void MainWindow::PlaceWindow(const WindowPlace& place) {
+  const WindowRect& rect = place.normal;
+  if (rect != WindowRect{}) {
+    resize(rect.right - rect.left, rect.bottom - rect.top);
+    move(rect.left, rect.top);
+  }
+  if (place.show == WindowShow::kMaximised) setWindowState(windowState() | Qt::WindowMaximized);
 }
 
 std::vector<WindowRect> MainWindow::Screens() const {
@@ -200,11 +200,6 @@ std::vector<WindowRect> MainWindow::Screens() const {
         {area.left(), area.top(), area.left() + area.width(), area.top() + area.height()});
   }
   return screens;
-}
-
-void MainWindow::MoveWindow(const WindowRect& rect) {
-  resize(rect.right - rect.left, rect.bottom - rect.top);
-  move(rect.left, rect.top);
 }
 
 void MainWindow::CloseWindow() {

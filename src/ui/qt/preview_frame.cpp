@@ -4,15 +4,31 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
+#include <algorithm>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 #include "ui/qt/qt_text.h"
 
 namespace kerno {
 namespace {
 
-constexpr double kKeyStep = 40;     // pixels by an arrow key
 constexpr double kWheelStep = 120;  // units of the toolkit by one step of a wheel
+
+// Keys of Latin characters have the characters' numbers.
+char16_t NameOfKey(int key) {
+  switch (key) {
+    case Qt::Key_Left:
+      return u'←';
+    case Qt::Key_Right:
+      return u'→';
+    case Qt::Key_Up:
+      return u'↑';
+    case Qt::Key_Down:
+      return u'↓';
+    default:
+      return static_cast<char16_t>(std::clamp(key, 0, 0xFFFF));
+  }
+}
 
 }  // namespace
 
@@ -32,14 +48,11 @@ void PreviewFrame::Repaint() {
 void PreviewFrame::PaintPicture() {
   is_stale_ = false;
   const double ratio = devicePixelRatioF();
-  const QSize size = contentsRect().size() * ratio;
-  const Color base = FromQColor(palette().color(QPalette::Base));
-  const Color paper = dialog_ ? dialog_->PaperBehind(base) : base;
   picture_ = {};
-  surface_ = CreateBitmapSurface(size.width(), size.height(), paper);
+  surface_ = presenter_->PreviewPicture(ratio, FromQColor(palette().color(QPalette::Base)));
   if (!surface_) return;
-  if (dialog_) dialog_->PaintPreview(surface_->Context(), ratio);
-  picture_ = QImage(surface_->Pixels().data(), size.width(), size.height(), QImage::Format_RGB32);
+  picture_ = QImage(surface_->Pixels().data(), surface_->Width(), surface_->Height(),
+                    QImage::Format_RGB32);
   picture_.setDevicePixelRatio(ratio);
 }
 
@@ -56,7 +69,7 @@ void PreviewFrame::paintEvent(QPaintEvent*) {
 
 void PreviewFrame::resizeEvent(QResizeEvent* event) {
   QFrame::resizeEvent(event);
-  if (dialog_) dialog_->PreviewResized(contentsRect().width(), contentsRect().height());
+  if (presenter_) presenter_->PreviewResized(contentsRect().width(), contentsRect().height());
 }
 
 void PreviewFrame::changeEvent(QEvent* event) {
@@ -66,53 +79,31 @@ void PreviewFrame::changeEvent(QEvent* event) {
 
 void PreviewFrame::wheelEvent(QWheelEvent* event) {
   const QPointF at = event->position() - contentsRect().topLeft();
-  dialog_->PreviewZoomed(at.x(), at.y(), event->angleDelta().y() / kWheelStep);
+  presenter_->PreviewZoomed(at.x(), at.y(), event->angleDelta().y() / kWheelStep);
   event->accept();
 }
 
 void PreviewFrame::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return;
-  drags_ = true;
-  drag_from_ = event->position();
+  presenter_->PreviewGrabbed(event->position().x(), event->position().y());
   setCursor(Qt::ClosedHandCursor);
 }
 
 void PreviewFrame::mouseMoveEvent(QMouseEvent* event) {
-  if (!drags_) return;
-  const QPointF moved = event->position() - drag_from_;
-  drag_from_ = event->position();
-  dialog_->PreviewDragged(moved.x(), moved.y());
+  presenter_->PreviewPointedAt(event->position().x(), event->position().y());
 }
 
 void PreviewFrame::mouseReleaseEvent(QMouseEvent*) {
-  drags_ = false;
+  presenter_->PreviewReleased();
   setCursor(Qt::OpenHandCursor);
 }
 
 void PreviewFrame::mouseDoubleClickEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) dialog_->PreviewDoubleClicked();
+  if (event->button() == Qt::LeftButton) presenter_->PreviewDoubleClicked();
 }
 
 void PreviewFrame::keyPressEvent(QKeyEvent* event) {
-  const double x = contentsRect().width() / 2.0, y = contentsRect().height() / 2.0;
-  switch (event->key()) {
-    case Qt::Key_Plus:
-      return dialog_->PreviewZoomed(x, y, 1);
-    case Qt::Key_Minus:
-      return dialog_->PreviewZoomed(x, y, -1);
-    case Qt::Key_0:
-      return dialog_->PreviewDoubleClicked();
-    case Qt::Key_Left:
-      return dialog_->PreviewDragged(kKeyStep, 0);
-    case Qt::Key_Right:
-      return dialog_->PreviewDragged(-kKeyStep, 0);
-    case Qt::Key_Up:
-      return dialog_->PreviewDragged(0, kKeyStep);
-    case Qt::Key_Down:
-      return dialog_->PreviewDragged(0, -kKeyStep);
-    default:
-      QFrame::keyPressEvent(event);
-  }
+  if (!presenter_->PreviewKeyPressed(NameOfKey(event->key()))) QFrame::keyPressEvent(event);
 }
 
 }  // namespace kerno

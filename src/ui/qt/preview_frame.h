@@ -9,7 +9,7 @@
 
 namespace kerno {
 
-class Dialog;
+class DialogPresenter;
 
 // The wheel zooms, dragging moves, a double click shows all; with the keyboard "+" and "-", the
 // arrows and "0". The painted drawing is kept until it changes.
@@ -17,8 +17,8 @@ class PreviewFrame final : public QFrame {
  public:
   explicit PreviewFrame(QWidget* parent = nullptr);
 
-  void SetDialog(Dialog* dialog) { dialog_ = dialog; }
-  // Paints the drawing anew at the next paint event.
+  void SetPresenter(DialogPresenter* presenter) { presenter_ = presenter; }
+  // Paints the drawing again at the next paint event.
   void Repaint();
 
   QSize sizeHint() const override { return {640, 320}; }
@@ -37,12 +37,10 @@ class PreviewFrame final : public QFrame {
  private:
   void PaintPicture();
 
-  Dialog* dialog_ = nullptr;
+  DialogPresenter* presenter_ = nullptr;
   std::unique_ptr<BitmapSurface> surface_;
   QImage picture_;  // the surface's pixels
   bool is_stale_ = true;
-  QPointF drag_from_;
-  bool drags_ = false;
 };
 
 }  // namespace kerno

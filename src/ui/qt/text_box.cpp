@@ -7,7 +7,7 @@
 #include <QMimeData>
 #include <QTextDocument>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 #include "ui/qt/qt_text.h"
 
 namespace kerno {

@@ -5,20 +5,15 @@
 #include <vector>
 
 #include "app/status_text.h"
+#include "platform/win32/wide_text.h"
+#include "ui/win32/window_text.h"
 
 namespace kerno {
 namespace {
 
 std::wstring ItemText(const DRAWITEMSTRUCT& item) {
-  const bool is_list = item.CtlType == ODT_LISTBOX;
-  const LRESULT length =
-      SendMessageW(item.hwndItem, is_list ? LB_GETTEXTLEN : CB_GETLBTEXTLEN, item.itemID, 0);
-  if (length < 0) return {};
-  std::wstring text(static_cast<size_t>(length) + 1, L'\0');
-  SendMessageW(item.hwndItem, is_list ? LB_GETTEXT : CB_GETLBTEXT, item.itemID,
-               reinterpret_cast<LPARAM>(text.data()));
-  text.resize(static_cast<size_t>(length));
-  return text;
+  const ListKind kind = item.CtlType == ODT_LISTBOX ? ListKind::kListBox : ListKind::kComboBox;
+  return ToWide(TextOfRow(item.hwndItem, kind, static_cast<LRESULT>(item.itemID)));
 }
 
 // Fills the item's ground and sets the text colour on it.

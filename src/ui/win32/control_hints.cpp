@@ -3,6 +3,7 @@
 #include <oleacc.h>
 
 #include "app/controls.h"
+#include "ui/win32/interface.h"
 #include "ui/win32/windows_controls.h"
 
 namespace kerno {
@@ -58,11 +59,10 @@ void ChangeHint(HWND hints, HWND dialog, HWND control, std::wstring text) {
 }
 
 void AddControlNames(HWND dialog) {
-  IAccPropServices* services = nullptr;
-  if (FAILED(CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER,
-                              IID_IAccPropServices, reinterpret_cast<void**>(&services)))) {
-    return;
-  }
+  Interface<IAccPropServices> services;
+  CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER, IID_IAccPropServices,
+                   services.put_void());
+  if (!services) return;
   for (const ControlRow& row : Controls()) {
     const HWND control = GetDlgItem(dialog, static_cast<int>(row.id));
     if (control == nullptr || *row.caption != u'\0' || *row.name == u'\0') continue;
@@ -70,7 +70,6 @@ void AddControlNames(HWND dialog) {
     services->SetHwndPropStr(control, static_cast<DWORD>(OBJID_CLIENT), CHILDID_SELF,
                              PROPID_ACC_NAME, Wide(row.name));
   }
-  services->Release();
 }
 
 }  // namespace kerno

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/win32/wide_text.h"
+#include "ui/win32/window_text.h"
 #include "ui/win32/windows_controls.h"
 
 namespace kerno {
@@ -101,13 +102,9 @@ void FaceSuggestions::Move(int rows) {
 void FaceSuggestions::Choose() {
   const LRESULT selected = SendMessageW(list_, LB_GETCURSEL, 0, 0);
   if (selected == LB_ERR) return;
-  const auto index = static_cast<WPARAM>(selected);
-  const LRESULT length = SendMessageW(list_, LB_GETTEXTLEN, index, 0);
-  std::wstring face(static_cast<size_t>(length) + 1, L'\0');
-  SendMessageW(list_, LB_GETTEXT, index, reinterpret_cast<LPARAM>(face.data()));
-  face.resize(static_cast<size_t>(length));
+  const std::u16string face = TextOfRow(list_, ListKind::kListBox, selected);
   Hide();
-  if (on_chosen) on_chosen(FromWide(face));
+  if (on_chosen) on_chosen(face);
 }
 
 // The list follows the pointer and takes neither the keyboard nor the window's place in front.

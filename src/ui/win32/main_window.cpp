@@ -1,5 +1,7 @@
 #include "ui/win32/main_window.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -16,6 +18,34 @@ constexpr UINT_PTR kPreviewSubclass = 1;
 // The up-down control's range in one number: the upper end 10,000 in the low half, the lower end
 // -1,000 in the high half.
 constexpr LPARAM kHeightRange = static_cast<LPARAM>(0xFC182710);
+
+// The system's window of each kind of control.
+struct KindOfWindow {
+  ControlKind kind;
+  const wchar_t* class_name;
+  DWORD style;
+  DWORD more_style = 0;
+};
+constexpr DWORD kComboStyle =
+    WS_VSCROLL | WS_TABSTOP | static_cast<DWORD>(CBS_OWNERDRAWFIXED | CBS_HASSTRINGS);
+constexpr KindOfWindow kKinds[] = {
+    {ControlKind::kButton, L"BUTTON", BS_PUSHBUTTON | WS_TABSTOP},
+    {ControlKind::kDefaultButton, L"BUTTON", BS_DEFPUSHBUTTON},
+    {ControlKind::kCheckBox, L"BUTTON", BS_AUTOCHECKBOX | WS_TABSTOP},
+    {ControlKind::kLabel, L"STATIC", SS_LEFT | SS_CENTERIMAGE | WS_GROUP},
+    {ControlKind::kTextBox, L"RICHEDIT50W",
+     WS_VSCROLL | WS_TABSTOP | ES_MULTILINE | ES_WANTRETURN | ES_AUTOVSCROLL | ES_NOHIDESEL |
+         ES_NOOLEDRAGDROP,
+     WS_EX_CLIENTEDGE},
+    {ControlKind::kFaceCombo, L"COMBOBOX", kComboStyle | CBS_DROPDOWN | CBS_SORT | CBS_AUTOHSCROLL},
+    {ControlKind::kTextCombo, L"COMBOBOX",
+     WS_VSCROLL | WS_TABSTOP | CBS_DROPDOWN | CBS_AUTOHSCROLL},
+    {ControlKind::kColorCombo, L"COMBOBOX", kComboStyle | CBS_DROPDOWNLIST},
+    {ControlKind::kNumberEdit, L"EDIT", WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE},
+    {ControlKind::kUpDown, L"msctls_updown32", UDS_ARROWKEYS | UDS_NOTHOUSANDS},
+    {ControlKind::kPreview, L"STATIC", SS_NOTIFY | WS_TABSTOP, WS_EX_CLIENTEDGE},
+    {ControlKind::kStatus, L"STATIC", SS_LEFT | SS_NOPREFIX | SS_NOTIFY | WS_GROUP},
+};
 
 const wchar_t* Wide(const char16_t* text) {
   return reinterpret_cast<const wchar_t*>(text);
@@ -57,18 +87,23 @@ MainWindow::MainWindow(HINSTANCE instance, DialogServices& services) : instance_
                      reinterpret_cast<LPARAM>(this));
   if (window_ == nullptr) return;
   DialogView& view = *this;
-  dialog_ = std::make_unique<Dialog>(view, services);
+  presenter_ = std::make_unique<DialogPresenter>(view, services);
   LayOut();
-  dialog_->Open();
+  presenter_->Open();
   SizeDropDowns();
 }
 
 MainWindow::~MainWindow() {
-  dialog_.reset();
+  presenter_.reset();
   suggestions_.reset();
   if (window_ != nullptr) DestroyWindow(window_);
   if (accelerators_ != nullptr) DestroyAcceleratorTable(accelerators_);
   if (font_ != nullptr) DeleteObject(font_);
+}
+
+void MainWindow::Show(int show) {
+  const bool as_usual = show == SW_SHOWNORMAL || show == SW_SHOWDEFAULT;
+  ShowWindow(window_, as_usual && opens_maximised_ ? SW_SHOWMAXIMIZED : show);
 }
 
 int MainWindow::Run(int show, const std::vector<std::filesystem::path>& files) {
@@ -76,10 +111,10 @@ int MainWindow::Run(int show, const std::vector<std::filesystem::path>& files) {
     MessageBoxW(nullptr, L"The window cannot be created.", L"Kerno", MB_OK | MB_ICONERROR);
     return 1;
   }
-  ShowWindow(window_, show);
+  Show(show);
   SetFocus(text_->control());
   PostMessageW(window_, kFillFaces, 0, 0);
-  if (!files.empty()) dialog_->Dropped(files);
+  if (!files.empty()) presenter_->Dropped(files);
   MSG message{};
   while (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
   return static_cast<int>(message.wParam);
@@ -94,7 +129,7 @@ void MainWindow::Dispatch(MSG& message) {
   DispatchMessageW(&message);
 }
 
-// The Alt key that comes up behind another key opens no menu, whoever took that key.
+// The Alt key that comes up after another key opens no menu, whoever took that key.
 bool MainWindow::EndsShortcut(const MSG& message) {
   const bool goes_up = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
   if (goes_up && message.wParam == VK_MENU) return std::exchange(alt_was_used_, false);
@@ -106,9 +141,8 @@ bool MainWindow::EndsShortcut(const MSG& message) {
 bool MainWindow::SwallowsEscape(const MSG& message) const {
   if (message.message != WM_KEYDOWN || message.wParam != VK_ESCAPE) return false;
   if (message.hwnd != window_ && !IsChild(window_, message.hwnd)) return false;
-  for (const ControlId id : {ControlId::kFace, ControlId::kHeightList, ControlId::kFirstColor,
-                             ControlId::kSecondColor}) {
-    if (Send(id, CB_GETDROPPEDSTATE) != 0) return false;  // closes the list
+  for (const ControlRow& row : Controls()) {
+    if (HasDropDown(row.kind) && Send(row.id, CB_GETDROPPEDSTATE) != 0) return false;  // closes it
   }
   return true;
 }
@@ -153,6 +187,7 @@ void MainWindow::InitDialog() {
   AddSystemMenuEntry();
   MakeMenu();
   MakeAccelerators();
+  MakeControls();
   text_.emplace(Item(ControlId::kText));
   for (const char16_t* height : HeightChoices()) {
     Send(ControlId::kHeightList, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(height));
@@ -165,7 +200,7 @@ void MainWindow::InitDialog() {
   suggestions_.emplace(instance_, Item(ControlId::kFace));
   suggestions_->on_chosen = [this](std::u16string_view face) {
     ShowControlText(ControlId::kFace, face);
-    dialog_->FaceChanged(face);
+    presenter_->TextChanged(ControlId::kFace, face);
   };
   hints_ = AddControlHints(instance_, window_);
   AddControlNames(window_);
@@ -174,15 +209,29 @@ void MainWindow::InitDialog() {
   SizeItems();
 }
 
+// The Tab key goes from one to the next in the order in which they are made.
+void MainWindow::MakeControls() {
+  const auto font = static_cast<WPARAM>(SendMessageW(window_, WM_GETFONT, 0, 0));
+  for (const ControlRow& row : Controls()) {
+    if (row.line == WindowLine::kAboutBox) continue;
+    const auto* const kind =
+        std::find_if(std::begin(kKinds), std::end(kKinds),
+                     [&](const KindOfWindow& candidate) { return candidate.kind == row.kind; });
+    const DWORD shown = row.hidden ? 0 : WS_VISIBLE;
+    const HWND control =
+        CreateWindowExW(kind->more_style | WS_EX_NOPARENTNOTIFY, kind->class_name,
+                        Wide(row.caption), kind->style | WS_CHILD | shown, 0, 0, 0, 0, window_,
+                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)), instance_, nullptr);
+    SendMessageW(control, WM_SETFONT, font, FALSE);
+  }
+  SendMessageW(window_, DM_SETDEFID, static_cast<WPARAM>(ControlId::kOk), 0);
+}
+
 void MainWindow::AddSystemMenuEntry() {
   const HMENU menu = GetSystemMenu(window_, FALSE);
-  for (const MenuColumn& column : Menu()) {
-    for (const MenuRow& row : column.rows) {
-      if (row.command != MenuCommand::kAbout) continue;
-      AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-      AppendMenuW(menu, MF_STRING, static_cast<UINT_PTR>(row.command), Wide(row.caption));
-    }
-  }
+  const MenuRow& about = *FindMenuRow(static_cast<int>(MenuCommand::kAbout));
+  AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+  AppendMenuW(menu, MF_STRING, static_cast<UINT_PTR>(about.command), Wide(about.caption));
 }
 
 void MainWindow::MakeMenu() {

@@ -1,5 +1,5 @@
 // The main window as a dialog of the system: controls from a resource, no toolkit. It shows and
-// forwards; the decisions are Dialog's.
+// forwards; the decisions are DialogPresenter's.
 #pragma once
 
 #include <functional>
@@ -9,12 +9,13 @@
 #include <string>
 #include <vector>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 #include "platform/drawing.h"
 #include "platform/win32/windows_api.h"
 #include "ui/win32/face_suggestions.h"
 #include "ui/win32/progress_window.h"
 #include "ui/win32/text_box.h"
+#include "ui/win32/window_text.h"
 
 namespace kerno {
 
@@ -26,6 +27,9 @@ class MainWindow final : private DialogView {
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
 
+  // Shows it, maximised where it was so when it was closed last.
+  void Show(int show);
+
   // Shows it, opens the files, and runs until it is closed. The program's exit status.
   int Run(int show, const std::vector<std::filesystem::path>& files);
 
@@ -33,7 +37,7 @@ class MainWindow final : private DialogView {
   void Dispatch(MSG& message);
 
   HWND window() const { return window_; }
-  Dialog& dialog() { return *dialog_; }
+  DialogPresenter& presenter() { return *presenter_; }
 
  private:
   // DialogView
@@ -49,16 +53,16 @@ class MainWindow final : private DialogView {
   void ShowStatus(std::u16string_view text, StatusKind kind) override;
   void RepaintPreview() override;
   void ShowMessage(std::u16string_view text, std::function<void()> closed) override;
-  Continue ShowProgress(std::u16string_view text, int64_t done, int64_t total) override;
+  Continue ShowProgress(std::u16string_view text, double part) override;
   void EndProgress() override;
   void ShowAbout(std::u16string_view version, std::u16string_view copyright) override;
   std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) override;
   void PasteIntoText() override;
   bool LoadFontFile(const std::filesystem::path& file) override;
   void CallWhenDue(int milliseconds) override;
-  std::optional<WindowRect> WindowPlace() const override;
+  WindowPlace PlaceOfWindow() const override;
+  void PlaceWindow(const WindowPlace& place) override;
   std::vector<WindowRect> Screens() const override;
-  void MoveWindow(const WindowRect& rect) override;
   void CloseWindow() override;
 
   static constexpr UINT kShowMessages = WM_APP + 1;  // messages wait to be shown
@@ -76,24 +80,25 @@ class MainWindow final : private DialogView {
   LRESULT ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam);
   void InitDialog();
   void LearnDensity();
+  void MakeControls();
   void AddSystemMenuEntry();
   void MakeMenu();
   void MakeAccelerators();
   bool Command(int id, int notification);
-  void ComboChanged(ControlId id, int notification);
+  void ComboCommand(const ControlRow& row, int notification);
+  void ReadCombo(const ControlRow& row, int notification);
   bool Notify(const NMHDR& header);
   void DrawItem(const DRAWITEMSTRUCT& item);
   void Dropped(HDROP drop);
   void OfferFaces(int notification);
   void LayOut();
-  int LayOutSettings(int top, int right);
+  void LayOutLine(WindowLine line, int top, int height);
   void SizeItems();
   void SizeDropDowns();
   int RowsBelow(ControlId combo) const;
   void DensityChanged(int dpi, const RECT& place);
   void PaintIcon();
   void PaintPreview(HDC dc);
-  bool PreviewKey(WPARAM key);
   void ShowWaitingMessages();
   bool EndsShortcut(const MSG& message);
   bool SwallowsEscape(const MSG& message) const;
@@ -103,7 +108,7 @@ class MainWindow final : private DialogView {
     return SendMessageW(Item(id), message, wparam, lparam);
   }
   int Scaled(int units) const;
-  std::u16string TextOf(ControlId id) const;
+  std::u16string TextOf(ControlId id) const { return TextOfWindow(Item(id)); }
   std::u16string ComboText(ControlId id, int notification) const;
 
   HINSTANCE instance_;
@@ -120,17 +125,15 @@ class MainWindow final : private DialogView {
   std::optional<TextBox> text_;
   std::optional<FaceSuggestions> suggestions_;
   std::optional<ProgressWindow> progress_;
-  std::unique_ptr<Dialog> dialog_;
+  std::unique_ptr<DialogPresenter> presenter_;
   std::unique_ptr<BitmapSurface> picture_;  // of the preview
   bool picture_is_stale_ = true;
   bool shows_ = false;          // what comes from the controls meanwhile is an echo
   bool shows_message_ = false;  // a message box stands
   bool alt_was_used_ = false;   // with another key, since it went down
   bool ready_ = false;          // the controls are there
-  std::u16string shown_face_;
-  Color shown_color_ = 0;
+  bool opens_maximised_ = false;
   StatusKind status_kind_ = StatusKind::kNormal;
-  std::optional<POINT> drag_from_;
   struct WaitingMessage {
     std::wstring text;
     std::function<void()> closed;

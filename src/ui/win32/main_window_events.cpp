@@ -1,7 +1,5 @@
 // What the system and the controls tell the main window, handed on to the dialog.
 
-#include <algorithm>
-
 #include "app/controls.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_drawing.h"
@@ -9,26 +7,13 @@
 #include "ui/win32/windows_controls.h"
 
 namespace kerno {
-namespace {
-
-// Events of edits and lists that tell of a change by the user.
-bool IsComboChange(int notification) {
-  return notification == CBN_EDITCHANGE || notification == CBN_SELCHANGE;
-}
-
-// A list that opens or closes may complete what stands in the edit without telling.
-bool MayComplete(int notification) {
-  return notification == CBN_DROPDOWN || notification == CBN_CLOSEUP;
-}
-
-}  // namespace
 
 INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
-  if (!dialog_) return FALSE;
+  if (!presenter_) return FALSE;
   switch (message) {
     case WM_SYSCOMMAND:
       if (static_cast<int>(wparam & 0xFFF0) != static_cast<int>(MenuCommand::kAbout)) return FALSE;
-      dialog_->Chosen(MenuCommand::kAbout);
+      presenter_->Chosen(MenuCommand::kAbout);
       return TRUE;
     case WM_PAINT:
       if (!IsIconic(window_)) return FALSE;
@@ -68,32 +53,31 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_TIMER:
       if (wparam != kDueTimer) return FALSE;
       KillTimer(window_, kDueTimer);
-      dialog_->Due();
+      presenter_->Due();
       return TRUE;
     case WM_SYSCOLORCHANGE:
-      ShowTextFormat(shown_face_, shown_color_);
-      RepaintPreview();
+      presenter_->ShowLooksAgain();
       return FALSE;
     case WM_CLOSE:
-      if (dialog_->Close()) PostQuitMessage(0);
+      if (presenter_->Close()) PostQuitMessage(0);
       return TRUE;
     case WM_QUERYENDSESSION:
-      SetWindowLongPtrW(window_, DWLP_MSGRESULT, dialog_->Close() ? TRUE : FALSE);
+      SetWindowLongPtrW(window_, DWLP_MSGRESULT, presenter_->Close() ? TRUE : FALSE);
       return TRUE;
     case WM_ENDSESSION:
       if (wparam == FALSE) return FALSE;
-      (void)dialog_->Close();  // what was typed since the question
+      (void)presenter_->Close();  // what was typed since the question
       PostQuitMessage(0);
       return TRUE;
     case kFillFaces:
-      dialog_->FillFaces();
+      presenter_->FillFaces();
       SizeDropDowns();
       return TRUE;
     case kDropped:
       Dropped(reinterpret_cast<HDROP>(wparam));
       return TRUE;
     case kReadCombo:
-      ComboChanged(static_cast<ControlId>(wparam), CBN_EDITCHANGE);
+      ReadCombo(Control(static_cast<ControlId>(wparam)), CBN_EDITCHANGE);
       return TRUE;
     case kShowMessages:
       ShowWaitingMessages();
@@ -113,89 +97,61 @@ void MainWindow::PaintIcon() {
   EndPaint(window_, &paint);
 }
 
-std::u16string MainWindow::TextOf(ControlId id) const {
-  const HWND item = Item(id);
-  std::wstring text(static_cast<size_t>(GetWindowTextLengthW(item)) + 1, L'\0');
-  const int length = GetWindowTextW(item, text.data(), static_cast<int>(text.size()));
-  text.resize(static_cast<size_t>(length));
-  return FromWide(text);
-}
-
 // While a selection is told the combo's edit still holds what was in it before.
 std::u16string MainWindow::ComboText(ControlId id, int notification) const {
   const LRESULT selected = Send(id, CB_GETCURSEL);
   if (notification != CBN_SELCHANGE || selected == CB_ERR) return TextOf(id);
-  const auto index = static_cast<WPARAM>(selected);
-  const LRESULT length = Send(id, CB_GETLBTEXTLEN, index);
-  std::wstring text(static_cast<size_t>(std::max<LRESULT>(length, 0)) + 1, L'\0');
-  Send(id, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(text.data()));
-  text.resize(text.size() - 1);
-  return FromWide(text);
+  return TextOfRow(Item(id), ListKind::kComboBox, selected);
 }
 
-void MainWindow::ComboChanged(ControlId id, int notification) {
-  const LRESULT selected = Send(id, CB_GETCURSEL);
-  switch (id) {
-    case ControlId::kFace:
-      return dialog_->FaceChanged(ComboText(id, notification));
-    case ControlId::kHeightList:
-      return dialog_->HeightListChanged(ComboText(id, notification));
-    case ControlId::kFirstColor:
-      if (selected >= 0) dialog_->FirstColorSelected(static_cast<size_t>(selected));
-      return;
-    default:
-      if (selected >= 0) dialog_->SecondColorSelected(static_cast<size_t>(selected));
+void MainWindow::ReadCombo(const ControlRow& row, int notification) {
+  if (row.kind != ControlKind::kColorCombo) {
+    return presenter_->TextChanged(row.id, ComboText(row.id, notification));
+  }
+  const LRESULT selected = Send(row.id, CB_GETCURSEL);
+  if (selected >= 0) presenter_->Selected(row.id, static_cast<size_t>(selected));
+}
+
+void MainWindow::ComboCommand(const ControlRow& row, int notification) {
+  if (!shows_ && (notification == CBN_EDITCHANGE || notification == CBN_SELCHANGE)) {
+    ReadCombo(row, notification);
+  }
+  if (!shows_ && row.kind == ControlKind::kFaceCombo) OfferFaces(notification);
+  // A list that opens or closes may complete what stands in the edit without telling.
+  const bool may_complete = notification == CBN_DROPDOWN || notification == CBN_CLOSEUP;
+  if (may_complete && row.kind != ControlKind::kColorCombo) {
+    PostMessageW(window_, kReadCombo, static_cast<WPARAM>(row.id), 0);
   }
 }
 
 bool MainWindow::Command(int number, int notification) {
-  const auto id = static_cast<ControlId>(number);
-  switch (id) {
-    case ControlId::kOk:
-      return true;  // Enter in a field presses it, and it does nothing
-    case ControlId::kText:
+  if (const MenuRow* command = FindMenuRow(number)) {
+    presenter_->Chosen(command->command);
+    return true;
+  }
+  const ControlRow* row = FindControl(static_cast<ControlId>(number));
+  if (row == nullptr) return false;
+  switch (row->kind) {
+    case ControlKind::kButton:
+    case ControlKind::kDefaultButton:  // by Enter in a field, too
+      presenter_->Pressed(row->id);
+      return true;
+    case ControlKind::kCheckBox:
+      presenter_->Checked(row->id, IsDlgButtonChecked(window_, number) == BST_CHECKED);
+      return true;
+    case ControlKind::kTextBox:
       if (notification != EN_CHANGE) return false;
-      if (!shows_ && !text_->IsComposing()) dialog_->TextChanged(text_->Text());
+      if (!shows_ && !text_->IsComposing()) presenter_->TextChanged(row->id, text_->Text());
       return true;
-    case ControlId::kFace:
-    case ControlId::kHeightList:
-    case ControlId::kFirstColor:
-    case ControlId::kSecondColor:
-      if (IsComboChange(notification) && !shows_) ComboChanged(id, notification);
-      if (id == ControlId::kFace && !shows_) OfferFaces(notification);
-      if (MayComplete(notification) && (id == ControlId::kFace || id == ControlId::kHeightList)) {
-        PostMessageW(window_, kReadCombo, static_cast<WPARAM>(number), 0);
-      }
-      return true;
-    case ControlId::kHeightEdit:
+    case ControlKind::kNumberEdit:
       if (notification != EN_CHANGE) return false;
-      if (!shows_) dialog_->HeightEditChanged(TextOf(id));
+      if (!shows_) presenter_->TextChanged(row->id, TextOf(row->id));
       return true;
-    case ControlId::kVertical:
-      dialog_->VerticalClicked(IsDlgButtonChecked(window_, number) == BST_CHECKED);
-      return true;
-    case ControlId::kPolyPolygon:
-      dialog_->PolyPolygonClicked(IsDlgButtonChecked(window_, number) == BST_CHECKED);
-      return true;
-    case ControlId::kPreview:
-    case ControlId::kStatus:
-    case ControlId::kFaceLabel:
-    case ControlId::kHeightLabel:
-      return false;
     default:
-      break;
-  }
-  for (const MenuColumn& column : Menu()) {
-    for (const MenuRow& row : column.rows) {
-      if (static_cast<int>(row.command) != number) continue;
-      dialog_->Chosen(row.command);
+      if (!HasDropDown(row->kind)) return false;
+      ComboCommand(*row, notification);
       return true;
-    }
   }
-  for (const ControlRow& row : Controls()) {
-    if (row.id == id) dialog_->Pressed(id);
-  }
-  return true;
 }
 
 // While a name is typed the faces that hold it are offered; anything else puts the offer away.
@@ -208,11 +164,9 @@ void MainWindow::OfferFaces(int notification) {
 }
 
 bool MainWindow::Notify(const NMHDR& header) {
-  if (header.code != static_cast<UINT>(UDN_DELTAPOS) ||
-      header.idFrom != static_cast<UINT_PTR>(ControlId::kHeightSpin)) {
-    return false;
-  }
-  dialog_->HeightStepped(reinterpret_cast<const NMUPDOWN&>(header).iDelta);
+  if (header.code != static_cast<UINT>(UDN_DELTAPOS)) return false;
+  presenter_->Stepped(static_cast<ControlId>(header.idFrom),
+                      reinterpret_cast<const NMUPDOWN&>(header).iDelta);
   SetWindowLongPtrW(window_, DWLP_MSGRESULT, TRUE);  // the edit holds the number, not the control
   return true;
 }
@@ -235,7 +189,7 @@ void MainWindow::Dropped(HDROP drop) {
     files.emplace_back(name);
   }
   DragFinish(drop);
-  dialog_->Dropped(files);
+  presenter_->Dropped(files);
 }
 
 }  // namespace kerno

@@ -1,6 +1,8 @@
 // Where the controls stand, and how large they and their lists are.
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "app/controls.h"
 #include "ui/win32/main_window.h"
@@ -11,18 +13,9 @@ namespace {
 
 // Lengths in pixels of the first density.
 constexpr int kGap = 8;
-constexpr int kButtonWidth = 80;
 constexpr int kButtonHeight = 26;
-constexpr int kLabelWidth = 44;
-constexpr int kNumberWidth = 90;
-constexpr int kSpinWidth = 18;
-constexpr int kCheckWidth = 110;
-constexpr int kColorWidth = 170;
 constexpr int kStatusHeight = 36;  // two lines
 constexpr int kLowestText = 60;
-
-constexpr ControlId kCombos[] = {ControlId::kHeightList, ControlId::kFace, ControlId::kFirstColor,
-                                 ControlId::kSecondColor};
 
 bool IsShown(HWND control) {
   return (GetWindowLongPtrW(control, GWL_STYLE) & WS_VISIBLE) != 0;
@@ -41,81 +34,66 @@ int HeightOf(HWND control) {
 
 }  // namespace
 
-// Text and paste button at the top, two rows of settings, the preview, the status, the outputs.
+// The lines from the top down to the preview, and those below it from the bottom up.
 void MainWindow::LayOut() {
   if (!ready_ || IsIconic(window_)) return;
   RECT client{};
   GetClientRect(window_, &client);
   const int gap = Scaled(kGap);
-  const int button = Scaled(kButtonWidth);
-  const int button_height = Scaled(kButtonHeight);
-  const int right = client.right - gap;
-  const int text_height = std::max(Scaled(kLowestText), static_cast<int>(client.bottom) / 5);
-  Place(Item(ControlId::kText), gap, gap, right - button - 2 * gap, text_height);
-  Place(Item(ControlId::kPaste), right - button, gap, button, button_height);
-  const int settings = LayOutSettings(gap + text_height + gap, right);
-
-  const int buttons = client.bottom - gap - button_height;
-  const int status = buttons - gap / 2 - Scaled(kStatusHeight);
-  Place(Item(ControlId::kPreview), gap, settings, right - gap, status - gap / 2 - settings);
-  Place(Item(ControlId::kStatus), gap, status, right - gap, Scaled(kStatusHeight));
-  int x = gap;
-  for (const ControlId id : OutputButtons()) {
-    const HWND control = Item(id);
-    if (!IsShown(control)) continue;
-    Place(control, x, buttons, button, button_height);
-    x += button + gap;
+  const int row = HeightOf(Item(ControlId::kFace));  // a combo box keeps the height of its field
+  const int text = std::max(Scaled(kLowestText), static_cast<int>(client.bottom) / 5);
+  int top = gap;
+  for (const auto& [line, height] :
+       {std::pair(WindowLine::kText, text), {WindowLine::kFace, row}, {WindowLine::kColors, row}}) {
+    LayOutLine(line, top, height);
+    top += height + gap;
   }
-  Place(Item(ControlId::kQuit), right - button, buttons, button, button_height);
+  const int outputs = client.bottom - gap - Scaled(kButtonHeight);
+  const int status = outputs - gap / 2 - Scaled(kStatusHeight);
+  LayOutLine(WindowLine::kPreview, top, status - gap / 2 - top);
+  LayOutLine(WindowLine::kStatus, status, Scaled(kStatusHeight));
+  LayOutLine(WindowLine::kOutputs, outputs, Scaled(kButtonHeight));
 
   RECT frame{};
   GetClientRect(Item(ControlId::kPreview), &frame);
-  if (dialog_) dialog_->PreviewResized(frame.right, frame.bottom);
+  if (presenter_) presenter_->PreviewResized(frame.right, frame.bottom);
   picture_.reset();
   // A control that was placed has left its picture on those that are still to move.
   RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
-// The two rows from `top` down to the end of the window's lines at `right`. Where the preview may
-// begin.
-int MainWindow::LayOutSettings(int top, int right) {
+void MainWindow::LayOutLine(WindowLine line, int top, int height) {
   RECT client{};
   GetClientRect(window_, &client);
-  const int drop = client.bottom;                    // the list's own length is set elsewhere
-  const int row = HeightOf(Item(ControlId::kFace));  // a combo box keeps the height of its field
   const int gap = Scaled(kGap);
-  const int label = Scaled(kLabelWidth);
-  const int number = Scaled(kNumberWidth);
-  const int spin = Scaled(kSpinWidth);
-
-  const int height_edit = right - spin - number;
-  const int height_list = height_edit - gap - number;
-  const int height_label = height_list - label;
-  const int vertical = height_label - gap - label;
-  const int face = gap + label;
-  Place(Item(ControlId::kFaceLabel), gap, top, label, row);
-  Place(Item(ControlId::kFace), face, top, vertical - gap - face, drop);
-  Place(Item(ControlId::kVertical), vertical, top, label, row);
-  Place(Item(ControlId::kHeightLabel), height_label, top, label, row);
-  Place(Item(ControlId::kHeightList), height_list, top, number, drop);
-  Place(Item(ControlId::kHeightEdit), height_edit, top, number, row);
-  Place(Item(ControlId::kHeightSpin), right - spin, top, spin, row);
-  top += row + gap;
-
-  const int check = Scaled(kCheckWidth);
-  const int color = Scaled(kColorWidth);
-  Place(Item(ControlId::kPolyPolygon), gap, top, check, row);
-  Place(Item(ControlId::kFirstColor), gap + check, top, color, drop);
-  Place(Item(ControlId::kSecondColor), gap + check + color + gap, top, color, drop);
-  return top + row + gap;
+  std::vector<const ControlRow*> rows;
+  int rest = client.right - gap;  // of the width, less a gap before each control
+  for (const ControlRow& row : Controls()) {
+    if (row.line != line || !IsShown(Item(row.id))) continue;
+    rows.push_back(&row);
+    rest -= Scaled(row.width) + (row.kind == ControlKind::kUpDown ? 0 : gap);
+  }
+  int left = 0;
+  for (const ControlRow* row : rows) {
+    if (row->at_end) left += std::exchange(rest, 0);
+    if (row->kind != ControlKind::kUpDown) left += gap;
+    const int width = row->width == kRestOfLine ? std::exchange(rest, 0) : Scaled(row->width);
+    // A list's own length is set elsewhere.
+    const int tall = HasDropDown(row->kind)              ? static_cast<int>(client.bottom)
+                     : row->kind == ControlKind::kButton ? Scaled(kButtonHeight)
+                                                         : height;
+    Place(Item(row->id), left, top, width, tall);
+    left += width;
+  }
 }
 
 // The height list is as high as its font wants; the combo boxes that draw their own items stand in
 // line with it.
 void MainWindow::SizeItems() {
   const LRESULT field = Send(ControlId::kHeightList, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1));
-  for (const ControlId id : kCombos) {
-    if (id == ControlId::kHeightList) continue;
+  for (const ControlRow& row : Controls()) {
+    if (!HasDropDown(row.kind) || row.kind == ControlKind::kTextCombo) continue;
+    const ControlId id = row.id;
     Send(id, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), field);
     const int excess = HeightOf(Item(id)) - HeightOf(Item(ControlId::kHeightList));
     Send(id, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), field - excess);
@@ -135,8 +113,9 @@ int MainWindow::RowsBelow(ControlId combo) const {
 
 void MainWindow::SizeDropDowns() {
   if (!ready_ || IsIconic(window_)) return;
-  for (const ControlId id : kCombos) {
-    Send(id, CB_SETMINVISIBLE, static_cast<WPARAM>(RowsBelow(id)));
+  for (const ControlRow& row : Controls()) {
+    if (!HasDropDown(row.kind)) continue;
+    Send(row.id, CB_SETMINVISIBLE, static_cast<WPARAM>(RowsBelow(row.id)));
   }
 }
 
@@ -153,9 +132,9 @@ void MainWindow::DensityChanged(int dpi, const RECT& place) {
   }
   if (font_ != nullptr) DeleteObject(font_);
   font_ = font;
-  ShowTextFormat(shown_face_, shown_color_);
+  presenter_->ShowLooksAgain();
   SizeItems();
-  MoveWindow({place.left, place.top, place.right, place.bottom});
+  PlaceWindow({.normal = {place.left, place.top, place.right, place.bottom}});
   LayOut();
   SizeDropDowns();
 }

@@ -7,8 +7,30 @@
 namespace kerno {
 namespace {
 
-constexpr double kDensity = 1;   // the frame counts in the screen's own pixels
-constexpr double kKeyStep = 40;  // pixels by an arrow key
+constexpr double kDensity = 1;  // the frame counts in the screen's own pixels
+
+char16_t NameOfKey(WPARAM key) {
+  switch (key) {
+    case VK_ADD:
+    case VK_OEM_PLUS:
+      return u'+';
+    case VK_SUBTRACT:
+    case VK_OEM_MINUS:
+      return u'-';
+    case VK_NUMPAD0:
+      return u'0';
+    case VK_LEFT:
+      return u'←';
+    case VK_RIGHT:
+      return u'→';
+    case VK_UP:
+      return u'↑';
+    case VK_DOWN:
+      return u'↓';
+    default:
+      return static_cast<char16_t>(key);  // keys of digits have the digits' numbers
+  }
+}
 
 }  // namespace
 
@@ -17,11 +39,9 @@ void MainWindow::PaintPreview(HDC dc) {
   GetClientRect(Item(ControlId::kPreview), &frame);
   if (frame.right <= 0 || frame.bottom <= 0) return;
   if (!picture_ || picture_is_stale_) {
-    const Color paper = dialog_->PaperBehind(GetSysColor(COLOR_WINDOW));
-    picture_ = CreateBitmapSurface(frame.right, frame.bottom, paper);
-    if (!picture_) return;
-    dialog_->PaintPreview(picture_->Context(), kDensity);
     picture_is_stale_ = false;
+    picture_ = presenter_->PreviewPicture(kDensity, GetSysColor(COLOR_WINDOW));
+    if (!picture_) return;
   }
   BITMAPINFO info{};
   info.bmiHeader.biSize = sizeof info.bmiHeader;
@@ -45,7 +65,7 @@ LRESULT CALLBACK MainWindow::PreviewProc(HWND window, UINT message, WPARAM wpara
 
 LRESULT MainWindow::ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam) {
   const HWND preview = Item(ControlId::kPreview);
-  if (!dialog_) return DefSubclassProc(preview, message, wparam, lparam);
+  if (!presenter_) return DefSubclassProc(preview, message, wparam, lparam);
   switch (message) {
     case WM_PAINT: {
       PAINTSTRUCT paint{};
@@ -64,72 +84,33 @@ LRESULT MainWindow::ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam)
     case WM_MOUSEWHEEL: {
       POINT at = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
       ScreenToClient(preview, &at);
-      dialog_->PreviewZoomed(at.x, at.y,
-                             static_cast<double>(GET_WHEEL_DELTA_WPARAM(wparam)) / WHEEL_DELTA);
+      presenter_->PreviewZoomed(at.x, at.y,
+                                static_cast<double>(GET_WHEEL_DELTA_WPARAM(wparam)) / WHEEL_DELTA);
       return 0;
     }
     case WM_LBUTTONDOWN:
       SetFocus(preview);
       SetCapture(preview);
-      drag_from_ = POINT{GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
+      presenter_->PreviewGrabbed(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam));
       return 0;
-    case WM_MOUSEMOVE: {
-      if (!drag_from_) return 0;
-      const POINT at = {GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
-      dialog_->PreviewDragged(at.x - drag_from_->x, at.y - drag_from_->y);
-      drag_from_ = at;
+    case WM_MOUSEMOVE:
+      presenter_->PreviewPointedAt(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam));
       return 0;
-    }
     case WM_LBUTTONUP:
     case WM_CAPTURECHANGED:
-      drag_from_.reset();
+      presenter_->PreviewReleased();
       if (message == WM_LBUTTONUP) ReleaseCapture();
       return 0;
     case WM_LBUTTONDBLCLK:
-      dialog_->PreviewDoubleClicked();
+      presenter_->PreviewDoubleClicked();
       return 0;
     case WM_KEYDOWN:
-      if (PreviewKey(wparam)) return 0;
+      if (presenter_->PreviewKeyPressed(NameOfKey(wparam))) return 0;
       break;
     default:
       break;
   }
   return DefSubclassProc(preview, message, wparam, lparam);
-}
-
-bool MainWindow::PreviewKey(WPARAM key) {
-  RECT frame{};
-  GetClientRect(Item(ControlId::kPreview), &frame);
-  const double x = frame.right / 2.0;
-  const double y = frame.bottom / 2.0;
-  switch (key) {
-    case VK_ADD:
-    case VK_OEM_PLUS:
-      dialog_->PreviewZoomed(x, y, 1);
-      return true;
-    case VK_SUBTRACT:
-    case VK_OEM_MINUS:
-      dialog_->PreviewZoomed(x, y, -1);
-      return true;
-    case '0':
-    case VK_NUMPAD0:
-      dialog_->PreviewDoubleClicked();
-      return true;
-    case VK_LEFT:
-      dialog_->PreviewDragged(kKeyStep, 0);
-      return true;
-    case VK_RIGHT:
-      dialog_->PreviewDragged(-kKeyStep, 0);
-      return true;
-    case VK_UP:
-      dialog_->PreviewDragged(0, kKeyStep);
-      return true;
-    case VK_DOWN:
-      dialog_->PreviewDragged(0, -kKeyStep);
-      return true;
-    default:
-      return false;
-  }
 }
 
 }  // namespace kerno

@@ -3,9 +3,10 @@
 #include <utility>
 
 #include "app/controls.h"
-#include "app/raised.h"
+#include "app/scoped_flag.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_hints.h"
+#include "ui/win32/interface.h"
 #include "ui/win32/main_window.h"
 #include "ui/win32/resource.h"
 #include "ui/win32/windows_controls.h"
@@ -32,24 +33,6 @@ INT_PTR CALLBACK AboutProc(HWND window, UINT message, WPARAM wparam, LPARAM lpar
   return FALSE;
 }
 
-// Releases an interface of the shell with its owner.
-template <class T>
-class Interface {
- public:
-  Interface() = default;
-  ~Interface() {
-    if (pointer_ != nullptr) pointer_->Release();
-  }
-  Interface(const Interface&) = delete;
-  Interface& operator=(const Interface&) = delete;
-  T* operator->() const { return pointer_; }
-  T* get() const { return pointer_; }
-  T** put() { return &pointer_; }
-
- private:
-  T* pointer_ = nullptr;
-};
-
 BOOL CALLBACK CollectWorkArea(HMONITOR monitor, HDC /*dc*/, LPRECT /*place*/, LPARAM target) {
   MONITORINFO info{};
   info.cbSize = sizeof info;
@@ -64,19 +47,17 @@ BOOL CALLBACK CollectWorkArea(HMONITOR monitor, HDC /*dc*/, LPRECT /*place*/, LP
 }  // namespace
 
 void MainWindow::ShowText(std::u16string_view text, TextChange change) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   text_->ShowText(text, change);
 }
 
 void MainWindow::ShowTextFormat(std::u16string_view face, Color color) {
-  const Raised raised(shows_);
-  shown_face_ = std::u16string(face);
-  shown_color_ = color;
+  const ScopedFlag writing(shows_);
   text_->ShowFormat(face, color, dpi_);
 }
 
 void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   const HWND combo = Item(ControlId::kFace);
   const std::u16string typed = TextOf(ControlId::kFace);
   SendMessageW(combo, WM_SETREDRAW, FALSE, 0);
@@ -91,7 +72,7 @@ void MainWindow::ShowFaces(const std::vector<std::u16string>& faces) {
 }
 
 void MainWindow::ShowControlText(ControlId id, std::u16string_view text) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   if (TextOf(id) != text) SetWindowTextW(Item(id), ToWide(text).c_str());
 }
 
@@ -100,7 +81,7 @@ void MainWindow::ShowChecked(ControlId id, bool checked) {
 }
 
 void MainWindow::ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) {
-  const Raised raised(shows_);
+  const ScopedFlag writing(shows_);
   const HWND combo = Item(id);
   SendMessageW(combo, CB_RESETCONTENT, 0, 0);
   for (const ColorChoice& choice : colors) {
@@ -149,7 +130,7 @@ void MainWindow::ShowMessage(std::u16string_view text, std::function<void()> clo
 }
 
 void MainWindow::ShowWaitingMessages() {
-  const Raised raised(shows_message_);
+  const ScopedFlag writing(shows_message_);
   while (!messages_.empty()) {
     const WaitingMessage message = std::move(messages_.front());
     messages_.erase(messages_.begin());
@@ -158,9 +139,9 @@ void MainWindow::ShowWaitingMessages() {
   }
 }
 
-Continue MainWindow::ShowProgress(std::u16string_view text, int64_t done, int64_t total) {
+Continue MainWindow::ShowProgress(std::u16string_view text, double part) {
   if (!progress_) progress_.emplace(instance_, window_);
-  return progress_->Show(text, done, total);
+  return progress_->Show(text, part);
 }
 
 void MainWindow::EndProgress() {
@@ -176,13 +157,13 @@ void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copy
 std::optional<std::filesystem::path> MainWindow::AskFolder(const std::filesystem::path& start) {
   Interface<IFileOpenDialog> dialog;
   if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER,
-                              IID_IFileOpenDialog, reinterpret_cast<void**>(dialog.put())))) {
+                              IID_IFileOpenDialog, dialog.put_void()))) {
     return std::nullopt;
   }
   dialog->SetOptions(FOS_PICKFOLDERS | FOS_FORCEFILESYSTEM);
   Interface<IShellItem> folder;
-  if (SUCCEEDED(SHCreateItemFromParsingName(start.c_str(), nullptr, IID_IShellItem,
-                                            reinterpret_cast<void**>(folder.put())))) {
+  if (SUCCEEDED(
+          SHCreateItemFromParsingName(start.c_str(), nullptr, IID_IShellItem, folder.put_void()))) {
     dialog->SetFolder(folder.get());
   }
   Interface<IShellItem> chosen;
@@ -210,31 +191,40 @@ void MainWindow::CallWhenDue(int milliseconds) {
   SetTimer(window_, kDueTimer, static_cast<UINT>(milliseconds), nullptr);
 }
 
-std::optional<WindowRect> MainWindow::WindowPlace() const {
+WindowPlace MainWindow::PlaceOfWindow() const {
   WINDOWPLACEMENT placement{};
   placement.length = sizeof placement;
-  if (!GetWindowPlacement(window_, &placement)) return std::nullopt;
+  GetWindowPlacement(window_, &placement);
   RECT place = placement.rcNormalPosition;
-  if (!IsZoomed(window_) && !IsIconic(window_)) {
-    GetWindowRect(window_, &place);
+  const WindowShow show = IsIconic(window_)   ? WindowShow::kMinimised
+                          : IsZoomed(window_) ? WindowShow::kMaximised
+                                              : WindowShow::kNormal;
+  if (show == WindowShow::kNormal) {
+    GetWindowRect(window_, &place);  // where it is, docked to a side of the screen, too
   } else {
-    // A placement counts from the corner of the work area.
-    RECT work{};
-    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-    OffsetRect(&place, work.left, work.top);
+    // A placement counts from the corner of its screen's work area.
+    MONITORINFO screen{};
+    screen.cbSize = sizeof screen;
+    GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &screen);
+    OffsetRect(&place, screen.rcWork.left - screen.rcMonitor.left,
+               screen.rcWork.top - screen.rcMonitor.top);
   }
-  return WindowRect{place.left, place.top, place.right, place.bottom};
+  return {.normal = {place.left, place.top, place.right, place.bottom}, .show = show};
+}
+
+void MainWindow::PlaceWindow(const WindowPlace& place) {
+  const WindowRect& rect = place.normal;
+  if (rect != WindowRect{}) {
+    SetWindowPos(window_, nullptr, rect.left, rect.top, rect.right - rect.left,
+                 rect.bottom - rect.top, SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+  opens_maximised_ = place.show == WindowShow::kMaximised;
 }
 
 std::vector<WindowRect> MainWindow::Screens() const {
   std::vector<WindowRect> screens;
   EnumDisplayMonitors(nullptr, nullptr, CollectWorkArea, reinterpret_cast<LPARAM>(&screens));
   return screens;
-}
-
-void MainWindow::MoveWindow(const WindowRect& rect) {
-  SetWindowPos(window_, nullptr, rect.left, rect.top, rect.right - rect.left,
-               rect.bottom - rect.top, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void MainWindow::CloseWindow() {

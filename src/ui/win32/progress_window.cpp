@@ -1,5 +1,8 @@
 #include "ui/win32/progress_window.h"
 
+#include <cmath>
+
+#include "app/controls.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/resource.h"
 #include "ui/win32/windows_controls.h"
@@ -7,7 +10,6 @@
 namespace kerno {
 namespace {
 
-constexpr DWORD kAfter = 500;  // milliseconds until it appears
 constexpr int kSteps = 1000;
 
 }  // namespace
@@ -35,9 +37,9 @@ INT_PTR CALLBACK ProgressWindow::DialogProc(HWND window, UINT message, WPARAM wp
   return FALSE;
 }
 
-Continue ProgressWindow::Show(std::u16string_view text, int64_t done, int64_t total) {
+Continue ProgressWindow::Show(std::u16string_view text, double part) {
   if (window_ == nullptr) {
-    if (GetTickCount() - since_ < kAfter) return Continue::kYes;
+    if (GetTickCount() - since_ < DWORD{kProgressDelay}) return Continue::kYes;
     window_ = CreateDialogParamW(instance_, MAKEINTRESOURCEW(KERNO_PROGRESS_DIALOG), owner_,
                                  DialogProc, reinterpret_cast<LPARAM>(this));
     if (window_ == nullptr) return Continue::kYes;
@@ -45,8 +47,8 @@ Continue ProgressWindow::Show(std::u16string_view text, int64_t done, int64_t to
     ShowWindow(window_, SW_SHOW);
   }
   SetDlgItemTextW(window_, KERNO_PROGRESS_TEXT, ToWide(text).c_str());
-  const int64_t step = total > 0 ? done * kSteps / total : 0;
-  SendDlgItemMessageW(window_, KERNO_PROGRESS_BAR, PBM_SETPOS, static_cast<WPARAM>(step), 0);
+  SendDlgItemMessageW(window_, KERNO_PROGRESS_BAR, PBM_SETPOS,
+                      static_cast<WPARAM>(std::lround(part * kSteps)), 0);
   // Only what concerns this window and painting: nothing else may happen meanwhile.
   MSG message{};
   while (PeekMessageW(&message, window_, 0, 0, PM_REMOVE)) {

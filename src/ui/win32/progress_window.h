@@ -1,7 +1,6 @@
 // The progress of something long, with a button to cancel it; it appears when it takes a while.
 #pragma once
 
-#include <cstdint>
 #include <string_view>
 
 #include "base/notices.h"
@@ -17,8 +16,8 @@ class ProgressWindow {
   ProgressWindow(const ProgressWindow&) = delete;
   ProgressWindow& operator=(const ProgressWindow&) = delete;
 
-  // kNo when the user cancelled.
-  Continue Show(std::u16string_view text, int64_t done, int64_t total);
+  // From 0 to 1. kNo when the user cancelled.
+  Continue Show(std::u16string_view text, double part);
 
  private:
   static INT_PTR CALLBACK DialogProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);

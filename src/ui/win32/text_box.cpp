@@ -7,6 +7,7 @@
 #include "app/color_choices.h"
 #include "platform/device_context.h"
 #include "platform/win32/wide_text.h"
+#include "ui/win32/interface.h"
 #include "ui/win32/windows_controls.h"
 
 namespace kerno {
@@ -24,23 +25,19 @@ constexpr UINT_PTR kSubclass = 1;
 class NothingToUndo {
  public:
   explicit NothingToUndo(HWND control) {
-    IUnknown* object = nullptr;
-    SendMessageW(control, EM_GETOLEINTERFACE, 0, reinterpret_cast<LPARAM>(&object));
-    if (object == nullptr) return;
-    object->QueryInterface(kTextDocument, reinterpret_cast<void**>(&document_));
-    object->Release();
-    if (document_ != nullptr) document_->Undo(tomSuspend, nullptr);
+    Interface<IUnknown> object;
+    SendMessageW(control, EM_GETOLEINTERFACE, 0, reinterpret_cast<LPARAM>(object.put()));
+    if (object) object->QueryInterface(kTextDocument, document_.put_void());
+    if (document_) document_->Undo(tomSuspend, nullptr);
   }
   ~NothingToUndo() {
-    if (document_ == nullptr) return;
-    document_->Undo(tomResume, nullptr);
-    document_->Release();
+    if (document_) document_->Undo(tomResume, nullptr);
   }
   NothingToUndo(const NothingToUndo&) = delete;
   NothingToUndo& operator=(const NothingToUndo&) = delete;
 
  private:
-  ITextDocument* document_ = nullptr;
+  Interface<ITextDocument> document_;
 };
 
 // A dialog selects all of an edit that gets the keyboard, and the next key would replace the text.

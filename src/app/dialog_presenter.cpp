@@ -1,6 +1,7 @@
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 
 #include "app/height_text.h"
@@ -14,10 +15,10 @@
 namespace kerno {
 namespace {
 
-constexpr uint32_t kSlowRebuild = 60;   // milliseconds from which changes are gathered
-constexpr double kPreviewDetail = 0.5;  // pixels
-constexpr double kFlat = 2;             // pixels
-constexpr int kGatherFor = 250;         // milliseconds without a change until they are set
+constexpr uint32_t kSlowRebuild = 60;  // milliseconds from which changes are gathered
+constexpr DrawOptions kPreviewOptions = {.detail = 0.5};
+constexpr double kFlat = 2;      // pixels
+constexpr int kGatherFor = 250;  // milliseconds without a change until they are set
 
 size_t IndexOf(Color color) {
   const auto& colors = NamedColors();
@@ -50,7 +51,7 @@ std::u16string LinesOf(std::u16string_view text) {
   return lines;
 }
 
-Dialog::Dialog(DialogView& view, DialogServices& services)
+DialogPresenter::DialogPresenter(DialogView& view, DialogServices& services)
     : view_(view),
       services_(services),
       notices_before_(ReplaceNotices(this)),
@@ -58,11 +59,11 @@ Dialog::Dialog(DialogView& view, DialogServices& services)
       typesetter_(*measuring_),
       outputs_(services, *this) {}
 
-Dialog::~Dialog() {
+DialogPresenter::~DialogPresenter() {
   ReplaceNotices(notices_before_);
 }
 
-void Dialog::Open() {
+void DialogPresenter::Open() {
   memory_ = services_.Load();
   text_ = LinesOf(services_.LoadSavedText());
   first_color_ = IndexOf(memory_.first_color);
@@ -81,22 +82,25 @@ void Dialog::Open() {
   view_.ShowControl(ControlId::kUpload, services_.CanUpload());
   ShowColors();
   ShowMenu();
-  const WindowRect place = KeepInSight(memory_.window, view_.Screens());
-  if (place != WindowRect{}) view_.MoveWindow(place);
+  WindowPlace place = memory_.window;
+  place.normal = KeepInSight(place.normal, view_.Screens());
+  view_.PlaceWindow(place);
   Rebuild();
 }
 
-void Dialog::FillFaces() {
+void DialogPresenter::FillFaces() {
   const std::vector<std::u16string> faces = services_.Faces();
   view_.ShowFaces(faces);
   if (memory_.face.empty()) memory_.face = used_face_;
   view_.ShowControlText(ControlId::kFace, memory_.face);
 }
 
-bool Dialog::Close() {
+bool DialogPresenter::Close() {
   const bool last = told_unsaved_;
   if (last) ReplaceNotices(nullptr);  // told once
-  if (const auto place = view_.WindowPlace()) memory_.window = *place;
+  const WindowPlace place = view_.PlaceOfWindow();
+  memory_.window.show = place.show;
+  if (place.show != WindowShow::kMinimised) memory_.window.normal = place.normal;
   const Status saved = services_.Save(memory_);
   const bool text_saved = services_.SaveText(text_).ok();  // tells its failure itself
   if (last) ReplaceNotices(this);
@@ -108,52 +112,79 @@ bool Dialog::Close() {
   return false;
 }
 
-void Dialog::TextChanged(std::u16string_view text) {
+void DialogPresenter::TextChanged(ControlId control, std::u16string_view text) {
+  switch (control) {
+    case ControlId::kText:
+      return LinesChanged(text);
+    case ControlId::kFace:
+      return FaceChanged(text);
+    case ControlId::kHeightList:
+      return HeightChanged(text, ControlId::kHeightEdit);
+    case ControlId::kHeightEdit:
+      return HeightChanged(text, ControlId::kHeightList);
+    default:
+      return;
+  }
+}
+
+void DialogPresenter::Checked(ControlId box, bool checked) {
+  switch (box) {
+    case ControlId::kVertical:
+      memory_.vertical = checked;
+      return Changed();
+    case ControlId::kPolyPolygon:
+      return PolyPolygonClicked(checked);
+    default:
+      return;
+  }
+}
+
+void DialogPresenter::Selected(ControlId list, size_t index) {
+  if (list == ControlId::kFirstColor) return FirstColorSelected(index);
+  memory_.second_color = std::min(index, second_colors_.size() - 1);
+  view_.RepaintPreview();
+}
+
+void DialogPresenter::Stepped(ControlId /*up_down*/, int steps) {
+  const std::u16string text = SteppedHeight(memory_.height, steps);
+  view_.ShowControlText(ControlId::kHeightEdit, text);
+  HeightChanged(text, ControlId::kHeightList);
+}
+
+void DialogPresenter::ShowLooksAgain() {
+  ShowTextFormat();
+  ShowStatusAgain();
+  view_.RepaintPreview();
+}
+
+void DialogPresenter::LinesChanged(std::u16string_view text) {
   std::u16string lines = LinesOf(text);
   if (lines == text_) return;  // a change of looks alone
   text_ = std::move(lines);
   Changed();
 }
 
-void Dialog::FaceChanged(std::u16string_view face) {
+void DialogPresenter::FaceChanged(std::u16string_view face) {
   if (memory_.face == face) return;
   memory_.face = face;
   Changed();
 }
 
-void Dialog::VerticalClicked(bool vertical) {
-  memory_.vertical = vertical;
-  Changed();
-}
-
-void Dialog::HeightListChanged(std::u16string_view text) {
+void DialogPresenter::HeightChanged(std::u16string_view text, ControlId shown_too) {
   if (memory_.height == text) return;
   memory_.height = text;
-  view_.ShowControlText(ControlId::kHeightEdit, text);
+  view_.ShowControlText(shown_too, text);
   Changed();
 }
 
-void Dialog::HeightEditChanged(std::u16string_view text) {
-  if (memory_.height == text) return;
-  memory_.height = text;
-  view_.ShowControlText(ControlId::kHeightList, text);
-  Changed();
-}
-
-void Dialog::HeightStepped(int steps) {
-  const std::u16string text = SteppedHeight(memory_.height, steps);
-  view_.ShowControlText(ControlId::kHeightEdit, text);
-  HeightEditChanged(text);
-}
-
-void Dialog::PolyPolygonClicked(bool use) {
+void DialogPresenter::PolyPolygonClicked(bool use) {
   memory_.use_poly_polygon = use;
   view_.Enable(ControlId::kFirstColor, use);
   view_.Enable(ControlId::kSecondColor, use);
   ShowDrawing();
 }
 
-void Dialog::FirstColorSelected(size_t index) {
+void DialogPresenter::FirstColorSelected(size_t index) {
   first_color_ = std::min(index, NamedColors().size() - 1);
   memory_.first_color = FirstColor();
   memory_.second_color = 0;
@@ -163,14 +194,9 @@ void Dialog::FirstColorSelected(size_t index) {
   view_.RepaintPreview();
 }
 
-void Dialog::SecondColorSelected(size_t index) {
-  memory_.second_color = std::min(index, second_colors_.size() - 1);
-  view_.RepaintPreview();
-}
-
 // The rebuild
 
-void Dialog::Changed() {
+void DialogPresenter::Changed() {
   told_unsaved_ = false;
   if (last_cost_ < kSlowRebuild) {
     Rebuild();
@@ -180,12 +206,13 @@ void Dialog::Changed() {
   view_.CallWhenDue(kGatherFor);
 }
 
-void Dialog::Due() {
+void DialogPresenter::Due() {
   if (is_pending_ && !collects_) Rebuild();
 }
 
-void Dialog::Rebuild() {
+void DialogPresenter::Rebuild() {
   is_pending_ = false;
+  unseen_.clear();
   const uint32_t start = CurrentClock().Ticks();
   ShowTextFormat();
   contours_ = {};
@@ -203,7 +230,7 @@ void Dialog::Rebuild() {
   last_cost_ = CurrentClock().Ticks() - start;
 }
 
-void Dialog::SetTextAnew() {
+void DialogPresenter::SetTextAnew() {
   Job job;
   job.text.text = WithCrLf(text_);
   job.text.face = Face();
@@ -223,7 +250,7 @@ void Dialog::SetTextAnew() {
   contours_ = std::move(set->contours);
 }
 
-const PartsA& Dialog::parts() {
+const PartsA& DialogPresenter::parts() {
   if (is_pending_) Rebuild();
   if (parts_are_stale_) {
     parts_are_stale_ = false;
@@ -233,79 +260,123 @@ const PartsA& Dialog::parts() {
 }
 
 // A name that was typed may be that of the vertical form already.
-FaceForm Dialog::Face() const {
+FaceForm DialogPresenter::Face() const {
   FaceForm face = FaceFormOf(memory_.face);
   face.vertical |= memory_.vertical;
   return face;
 }
 
-void Dialog::ShowTextFormat() {
+void DialogPresenter::ShowTextFormat() {
   view_.ShowTextFormat(SystemFaceName(Face()), FirstColor());
 }
 
-Color Dialog::FirstColor() const {
+Color DialogPresenter::FirstColor() const {
   return NamedColors()[first_color_].color;
 }
 
-Color Dialog::PaperBehind(Color paper) const {
-  return PaperFor(FirstColor(), paper);
-}
-
-void Dialog::ShowColors() {
+void DialogPresenter::ShowColors() {
   view_.ShowColors(ControlId::kFirstColor, NamedColors(), first_color_);
   view_.ShowColors(ControlId::kSecondColor, second_colors_, memory_.second_color);
 }
 
-void Dialog::ShowStatus(std::u16string text, StatusKind kind) {
+void DialogPresenter::ShowStatus(std::u16string text, StatusKind kind) {
   shown_status_ = std::move(text);
   shown_status_kind_ = kind;
-  view_.ShowStatus(shown_status_, kind);
+  ShowStatusAgain();
+}
+
+void DialogPresenter::ShowStatusAgain() {
+  const bool warns = shown_status_kind_ == StatusKind::kNormal && !unseen_.empty();
+  view_.ShowStatus(shown_status_ + unseen_, warns ? StatusKind::kWarning : shown_status_kind_);
 }
 
 // The preview
 
-bool Dialog::DrawsContours() const {
+bool DialogPresenter::DrawsContours() const {
   return memory_.use_poly_polygon && !contours_.counts.empty();
 }
 
-Extent3 Dialog::DrawingBox() {
+Extent3 DialogPresenter::DrawingBox() {
   return DrawsContours() || parts_are_stale_ ? contours_box_ : PictureBox(parts_, measuring_.get());
 }
 
-void Dialog::ShowDrawing() {
+void DialogPresenter::ShowDrawing() {
   preview_.SetDrawing(DrawingBox());
   view_.RepaintPreview();
 }
 
-void Dialog::PreviewResized(double width, double height) {
+void DialogPresenter::PreviewResized(double width, double height) {
   preview_.SetFrame(width, height);
   view_.RepaintPreview();
 }
 
-void Dialog::PreviewZoomed(double x, double y, double steps) {
+void DialogPresenter::PreviewZoomed(double x, double y, double steps) {
   preview_.ZoomAt(x, y, steps);
   view_.RepaintPreview();
 }
 
-void Dialog::PreviewDragged(double dx, double dy) {
-  preview_.Pan(dx, dy);
+void DialogPresenter::PreviewGrabbed(double x, double y) {
+  grabbed_at_ = P2{x, y};
+}
+
+void DialogPresenter::PreviewPointedAt(double x, double y) {
+  if (!grabbed_at_) return;
+  preview_.Pan(x - grabbed_at_->x, y - grabbed_at_->y);
+  grabbed_at_ = P2{x, y};
   view_.RepaintPreview();
 }
 
-void Dialog::PreviewDoubleClicked() {
+void DialogPresenter::PreviewReleased() {
+  grabbed_at_.reset();
+}
+
+void DialogPresenter::PreviewDoubleClicked() {
   preview_.ShowAll();
   view_.RepaintPreview();
 }
 
-void Dialog::PaintPreview(DrawingContext& dc, double density) {
-  const DrawOptions options = {.detail = kPreviewDetail};
+bool DialogPresenter::PreviewKeyPressed(char16_t key) {
+  for (const PreviewKeyRow& row : PreviewKeys()) {
+    if (row.key != key) continue;
+    if (row.zoom_steps != 0) {
+      preview_.ZoomAt(preview_.width() / 2, preview_.height() / 2, row.zoom_steps);
+    } else if (row.right != 0 || row.down != 0) {
+      preview_.Pan(row.right, row.down);
+    } else {
+      preview_.ShowAll();
+    }
+    view_.RepaintPreview();
+    return true;
+  }
+  return false;
+}
+
+std::unique_ptr<BitmapSurface> DialogPresenter::PreviewPicture(double density, Color paper) {
+  const auto pixels = [density](double length) {
+    return static_cast<int>(std::lround(length * density));
+  };
+  auto picture = CreateBitmapSurface(pixels(preview_.width()), pixels(preview_.height()),
+                                     PaperFor(FirstColor(), paper));
+  if (picture) PaintPreview(picture->Context(), density);
+  return picture;
+}
+
+void DialogPresenter::PaintPreview(DrawingContext& dc, double density) {
   const Affine& frame = preview_.fit();
   const Affine fit =
       FlippedY(PixelsPerUnit(frame) * density, {frame.to.x * density, frame.to.y * density});
-  if (!DrawsContours()) {
-    DrawParts(dc, is_pending_ ? parts_ : parts(), fit, options);
-    return;
+  std::u16string unseen;
+  if (DrawsContours()) {
+    PaintFigure(dc, fit);
+  } else {
+    unseen = DescribeUnseen(DrawParts(dc, is_pending_ ? parts_ : parts(), fit, kPreviewOptions));
   }
+  if (unseen == unseen_) return;
+  unseen_ = std::move(unseen);
+  ShowStatusAgain();
+}
+
+void DialogPresenter::PaintFigure(DrawingContext& dc, const Affine& fit) {
   // An outline in the figure's own colour would only make it bolder than it is, unless the figure
   // is too flat to be seen without.
   const Color outline = second_colors_[memory_.second_color].color;
@@ -317,7 +388,7 @@ void Dialog::PaintPreview(DrawingContext& dc, double density) {
   const auto brush = dc.CreateBrushIndirect({.color = FirstColor()});
   Pen* const pen_before = dc.SelectPen(pen.get());
   Brush* const brush_before = dc.SelectBrush(brush.get());
-  DrawContours(dc, contours_, fit, options);
+  DrawContours(dc, contours_, fit, kPreviewOptions);
   dc.SelectPen(pen_before);
   dc.SelectBrush(brush_before);
 }

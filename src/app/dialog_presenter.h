@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,15 +26,15 @@ namespace kerno {
 // which would end it early: what is pasted or dropped.
 std::u16string LinesOf(std::u16string_view text);
 
-// Every change of text, face, "@", height or colour sets the text anew. Where that took long the
+// Every change of text, face, "@", height or colour sets the text again. Where that took long the
 // last time, changes are gathered and set once the user pauses; outputs never wait for that.
-class Dialog final : private OutputNotifier, private Notices {
+class DialogPresenter final : private OutputNotifier, private Notices {
  public:
   // Both outlive the dialog. The dialog is the process's notices while it lives.
-  Dialog(DialogView& view, DialogServices& services);
-  ~Dialog() override;
-  Dialog(const Dialog&) = delete;
-  Dialog& operator=(const Dialog&) = delete;
+  DialogPresenter(DialogView& view, DialogServices& services);
+  ~DialogPresenter() override;
+  DialogPresenter(const DialogPresenter&) = delete;
+  DialogPresenter& operator=(const DialogPresenter&) = delete;
 
   // Fills the controls with what the last run left. Before the window is shown; FillFaces may
   // follow later.
@@ -44,17 +45,14 @@ class Dialog final : private OutputNotifier, private Notices {
   // so that nothing typed is lost. The next call lets it go, unless something was changed.
   bool Close();
 
-  // Events.
-  void TextChanged(std::u16string_view text);
-  void FaceChanged(std::u16string_view face);  // typed or selected
-  void VerticalClicked(bool vertical);
-  void HeightListChanged(std::u16string_view text);  // typed or selected
-  void HeightEditChanged(std::u16string_view text);
-  void HeightStepped(int steps);
-  void PolyPolygonClicked(bool use);
-  void FirstColorSelected(size_t index);
-  void SecondColorSelected(size_t index);
+  // Events of the controls. What a control has, it has by typing or by selection.
+  void TextChanged(ControlId control, std::u16string_view text);
+  void Checked(ControlId box, bool checked);
+  void Selected(ControlId list, size_t index);
+  void Stepped(ControlId up_down, int steps);
   void Pressed(ControlId button);
+  // The system's colours or the screen's density are others.
+  void ShowLooksAgain();
   void Chosen(MenuCommand command);
   void Dropped(const std::vector<std::filesystem::path>& files);
   void Due();
@@ -62,15 +60,18 @@ class Dialog final : private OutputNotifier, private Notices {
   // The preview: its frame in pixels, what the user does in it, and painting.
   void PreviewResized(double width, double height);
   void PreviewZoomed(double x, double y, double steps);
-  void PreviewDragged(double dx, double dy);
+  void PreviewGrabbed(double x, double y);
+  void PreviewPointedAt(double x, double y);
+  void PreviewReleased();
   void PreviewDoubleClicked();
-  // Draws on a context that covers the frame with `density` pixels for each of the frame's. What is
-  // smaller than half a pixel of the context may be left out.
+  // A character, or an arrow for its key. Whether it does something.
+  bool PreviewKeyPressed(char16_t key);
+  // The frame's picture with `density` pixels for each of the frame's, on paper of the colour given
+  // or of one on which the text can be read. Null where nothing of that size can be made.
+  std::unique_ptr<BitmapSurface> PreviewPicture(double density, Color paper);
+  // Draws on a context that covers the frame. What is smaller than half a pixel of the context may
+  // be left out.
   void PaintPreview(DrawingContext& dc, double density);
-
-  // The colour behind text and figure on paper of this colour: the paper's own, or one on which the
-  // text can be read.
-  Color PaperBehind(Color paper) const;
 
   // State, for tests and for writing it out.
   const GlyphContours& contours() const { return contours_; }
@@ -90,6 +91,11 @@ class Dialog final : private OutputNotifier, private Notices {
   void ClearWait() override;
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;
 
+  void LinesChanged(std::u16string_view text);
+  void FaceChanged(std::u16string_view face);
+  void HeightChanged(std::u16string_view text, ControlId shown_too);
+  void PolyPolygonClicked(bool use);
+  void FirstColorSelected(size_t index);
   void Changed();
   void Rebuild();
   void SetTextAnew();
@@ -98,8 +104,10 @@ class Dialog final : private OutputNotifier, private Notices {
   void ShowColors();
   void ShowMenu();
   void ShowStatus(std::u16string text, StatusKind kind);
+  void ShowStatusAgain();
   Extent3 DrawingBox();
   bool DrawsContours() const;
+  void PaintFigure(DrawingContext& dc, const Affine& fit);
   Color FirstColor() const;
   FaceForm Face() const;
   OutputSubject Subject() const;
@@ -120,6 +128,7 @@ class Dialog final : private OutputNotifier, private Notices {
   Typesetter typesetter_;
   Outputs outputs_;
   PreviewModel preview_;
+  std::optional<P2> grabbed_at_;
 
   // The controls' contents; the persisting ones in `memory_`.
   DialogMemory memory_;
@@ -140,6 +149,7 @@ class Dialog final : private OutputNotifier, private Notices {
 
   std::u16string shown_status_;
   StatusKind shown_status_kind_ = StatusKind::kNormal;
+  std::u16string unseen_;  // what the preview cannot show of the drawing, for the status
 
   // What the outputs under way came to.
   bool collects_ = false;

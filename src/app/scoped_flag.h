@@ -5,12 +5,12 @@ namespace kerno {
 
 // The flag is true while this lives, and then what it was: a view tells by it the events that its
 // own writing into controls causes.
-class Raised {
+class ScopedFlag {
  public:
-  explicit Raised(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
-  ~Raised() { flag_ = before_; }
-  Raised(const Raised&) = delete;
-  Raised& operator=(const Raised&) = delete;
+  explicit ScopedFlag(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
+  ~ScopedFlag() { flag_ = before_; }
+  ScopedFlag(const ScopedFlag&) = delete;
+  ScopedFlag& operator=(const ScopedFlag&) = delete;
 
  private:
   bool& flag_;

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "app/dialog.h"
+#include "app/dialog_presenter.h"
 #include "app/dropped_file.h"
 #include "app/status_text.h"
 #include "app/text_source.h"
@@ -23,7 +23,7 @@ std::u16string LineOf(const Status& status) {
 
 }  // namespace
 
-void Dialog::Pressed(ControlId button) {
+void DialogPresenter::Pressed(ControlId button) {
   if (const Format* format = FormatOfButton(static_cast<int>(button))) return WriteOutput(*format);
   switch (button) {
     case ControlId::kUpload:
@@ -37,7 +37,7 @@ void Dialog::Pressed(ControlId button) {
   }
 }
 
-void Dialog::Chosen(MenuCommand command) {
+void DialogPresenter::Chosen(MenuCommand command) {
   switch (command) {
     case MenuCommand::kAbout: {
       std::u16string version, copyright;
@@ -91,7 +91,7 @@ void Dialog::Chosen(MenuCommand command) {
   Rebuild();
 }
 
-void Dialog::ShowMenu() {
+void DialogPresenter::ShowMenu() {
   using enum MenuCommand;
   view_.ShowMenuChecked(kLines, memory_.elements == ContourElements::kLines);
   view_.ShowMenuChecked(kFaces, memory_.elements == ContourElements::kFaces);
@@ -102,21 +102,21 @@ void Dialog::ShowMenu() {
   view_.ShowMenuChecked(kAciNearest, memory_.aci == AciRule::kNearest);
 }
 
-void Dialog::SetOutputFolder(const fs::path& folder) {
+void DialogPresenter::SetOutputFolder(const fs::path& folder) {
   outputs_.SetFolder(folder);
   ShowStatus(u"Outputs go to " + PathText(folder), StatusKind::kNormal);
 }
 
 // Outputs
 
-OutputSubject Dialog::Subject() const {
+OutputSubject DialogPresenter::Subject() const {
   return {.face = SystemFaceName(Face()),
           .height = memory_.height,
           .text = text_,
           .color = FirstColor()};
 }
 
-void Dialog::WriteOutput(const Format& format) {
+void DialogPresenter::WriteOutput(const Format& format) {
   const PartsA& drawing = parts();
   collects_ = true;
   OutputOptions options;
@@ -125,7 +125,7 @@ void Dialog::WriteOutput(const Format& format) {
   ReportOutputs();
 }
 
-void Dialog::Upload() {
+void DialogPresenter::Upload() {
   if (is_pending_) Rebuild();
   collects_ = true;
   std::u16string answer;
@@ -138,7 +138,7 @@ void Dialog::Upload() {
   if (!failed) ShowStatus(u"Sent. " + answer, StatusKind::kNormal);
 }
 
-void Dialog::ReportOutputs() {
+void DialogPresenter::ReportOutputs() {
   collects_ = false;
   EndProgress();
   std::u16string names;
@@ -172,11 +172,11 @@ void Dialog::ReportOutputs() {
   ShowStatus(std::move(status), warns ? StatusKind::kWarning : StatusKind::kNormal);
 }
 
-void Dialog::MetafileWritten(const fs::path& metafile, const Status& result) {
+void DialogPresenter::MetafileWritten(const fs::path& metafile, const Status& result) {
   FileWritten(metafile, result);
 }
 
-void Dialog::FileWritten(const fs::path& file, const Status& result) {
+void DialogPresenter::FileWritten(const fs::path& file, const Status& result) {
   if (result.ok()) {
     reported_.push_back(file);
   } else {
@@ -186,39 +186,40 @@ void Dialog::FileWritten(const fs::path& file, const Status& result) {
 
 // Notices
 
-void Dialog::Message(std::u16string_view text) {
+void DialogPresenter::Message(std::u16string_view text) {
   if (!collects_) return view_.ShowMessage(text);
   messages_ += text;
   messages_ += u"\n";
 }
 
-void Dialog::Ask(std::u16string_view text, std::function<void(int button)> answered) {
+void DialogPresenter::Ask(std::u16string_view text, std::function<void(int button)> answered) {
   if (!collects_) return view_.ShowMessage(text, [answered] { answered(kOkButton); });
   Message(text);
   answers_.push_back(std::move(answered));
 }
 
-void Dialog::ShowWait(std::u16string_view text) {
+void DialogPresenter::ShowWait(std::u16string_view text) {
   view_.ShowStatus(text, StatusKind::kWarning);
 }
 
-void Dialog::ClearWait() {
-  view_.ShowStatus(shown_status_, shown_status_kind_);
+void DialogPresenter::ClearWait() {
+  ShowStatusAgain();
 }
 
-Continue Dialog::Progress(std::u16string_view text, int64_t done, int64_t total) {
+Continue DialogPresenter::Progress(std::u16string_view text, int64_t done, int64_t total) {
   shows_progress_ = true;
-  return view_.ShowProgress(text, done, total);
+  return view_.ShowProgress(text,
+                            total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0);
 }
 
-void Dialog::EndProgress() {
+void DialogPresenter::EndProgress() {
   if (shows_progress_) view_.EndProgress();
   shows_progress_ = false;
 }
 
 // Drops
 
-void Dialog::Dropped(const std::vector<fs::path>& files) {
+void DialogPresenter::Dropped(const std::vector<fs::path>& files) {
   for (const fs::path& file : files) {
     const bool taken = DropOne(file);
     EndProgress();
@@ -232,7 +233,7 @@ void Dialog::Dropped(const std::vector<fs::path>& files) {
   }
 }
 
-bool Dialog::DropOne(const fs::path& file) {
+bool DialogPresenter::DropOne(const fs::path& file) {
   switch (KindOfDropped(file)) {
     case DroppedKind::kText:
       DropText(file);
@@ -248,7 +249,7 @@ bool Dialog::DropOne(const fs::path& file) {
   }
 }
 
-void Dialog::DropText(const fs::path& file) {
+void DialogPresenter::DropText(const fs::path& file) {
   if (FactsOfPath(file).size > kLargestDroppedText) {
     view_.ShowMessage(PathText(file) + u": is larger than 4 MiB, too much for one drawing");
     return;
@@ -263,10 +264,10 @@ void Dialog::DropText(const fs::path& file) {
   }
   text = LinesOf(text);
   view_.ShowText(text, TextChange::kUndoable);
-  TextChanged(text);
+  LinesChanged(text);
 }
 
-void Dialog::DropParts(const fs::path& file) {
+void DialogPresenter::DropParts(const fs::path& file) {
   PartsA read;
   const Status status = services_.ReadParts(file, &read);
   if (!status.ok()) {
@@ -275,6 +276,7 @@ void Dialog::DropParts(const fs::path& file) {
     return;
   }
   is_pending_ = false;
+  unseen_.clear();
   contours_ = {};
   parts_ = std::move(read);
   parts_are_stale_ = false;
@@ -284,7 +286,7 @@ void Dialog::DropParts(const fs::path& file) {
   ShowDrawing();
 }
 
-void Dialog::DropFont(const fs::path& file) {
+void DialogPresenter::DropFont(const fs::path& file) {
   std::vector<std::u16string> faces;
   const Status status = services_.LoadFontFile(file, &faces);
   if (!status.ok() || faces.empty()) {

@@ -1,0 +1,175 @@
+// The Qt window as a user handles and sees it, without a display.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QTest>
+#include <QtWidgets>
+#include <filesystem>
+
+#include "shown.h"
+#include "ui/qt/main_window.h"
+#include "ui/qt/qt_text.h"
+
+namespace kerno::test {
+
+enum class UserKey {
+  kEnter = Qt::Key_Return,
+  kEscape = Qt::Key_Escape,
+  kUp = Qt::Key_Up,
+  kDown = Qt::Key_Down,
+  kF1 = Qt::Key_F1,
+  kPlus = Qt::Key_Plus,
+  kMinus = Qt::Key_Minus,
+  kZero = Qt::Key_0,
+};
+
+// Shows the window as the program does.
+class ViewDriver {
+ public:
+  explicit ViewDriver(DialogServices& services)
+      : window(services), palette_(QApplication::palette()) {
+    window.show();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    Settle();  // the faces are listed once the window stands
+  }
+  ~ViewDriver() { SetDarkColors(false); }
+
+  DialogPresenter& presenter() { return window.presenter(); }
+  bool IsShown(ControlId id) const { return Find<QWidget>(id) && Find<QWidget>(id)->isVisible(); }
+  bool IsEnabled(ControlId id) const { return Find<QWidget>(id)->isEnabled(); }
+  ControlId Focused() const {
+    return static_cast<ControlId>(QApplication::focusWidget()->objectName().toInt());
+  }
+  std::u16string Title() const { return FromQString(window.windowTitle()); }
+  std::u16string TextOf(ControlId id) const {
+    for (const char* property : {"plainText", "currentText", "text"}) {
+      const QVariant text = Find<QWidget>(id)->property(property);
+      if (text.isValid()) return FromQString(text.toString());
+    }
+    return {};
+  }
+  ShownText LooksOf(ControlId id) const {
+    const auto* widget = Find<QWidget>(id);
+    const bool is_text = id == ControlId::kText;
+    const auto color = [widget](QPalette::ColorRole role) {
+      return FromQColor(widget->palette().color(role));
+    };
+    return {FromQString(widget->font().families().value(0)),
+            color(is_text ? QPalette::Text : QPalette::WindowText),
+            color(is_text ? QPalette::Base : QPalette::Window)};
+  }
+  ShownList ListOf(ControlId id) const {
+    const auto* combo = Find<QComboBox>(id);
+    ShownList list{window.height(),
+                   combo->mapTo(&window, QPoint(0, 0)).y(),
+                   combo->view()->sizeHintForRow(0),
+                   combo->maxVisibleItems(),
+                   {}};
+    for (int i = 0; i < combo->count(); ++i) list.items.push_back(FromQString(combo->itemText(i)));
+    return list;
+  }
+  std::vector<Color> MiddleOfPreview() const {
+    const QImage image = Find<QWidget>(ControlId::kPreview)->grab().toImage();
+    std::vector<Color> row;
+    for (int x = 0; x < image.width(); ++x) {
+      row.push_back(FromQColor(image.pixelColor(x, image.height() / 2)));
+    }
+    return row;
+  }
+
+  void Type(ControlId id, std::u16string_view text) {
+    if (id == ControlId::kText) Text()->moveCursor(QTextCursor::End);
+    QTest::keyClicks(Edit(id), ToQString(text));
+  }
+  void TypeOver(ControlId id, std::u16string_view text) {
+    QMetaObject::invokeMethod(Edit(id), "selectAll");
+    QTest::keyClick(Edit(id), Qt::Key_Delete);
+    QTest::keyClicks(Edit(id), ToQString(text));
+  }
+  void Press(ControlId id, UserKey key) {
+    Find<QWidget>(id)->setFocus();
+    QTest::keyClick(Find<QWidget>(id), static_cast<Qt::Key>(key));
+  }
+  void Click(ControlId id) { Find<QAbstractButton>(id)->click(); }
+  void Select(ControlId id, int row) { Find<QComboBox>(id)->setCurrentIndex(row); }
+  void SelectInText(int from, int to) {
+    QTextCursor cursor = Text()->textCursor();
+    cursor.setPosition(from);
+    cursor.setPosition(to, QTextCursor::KeepAnchor);
+    Text()->setTextCursor(cursor);
+  }
+  std::pair<int, int> SelectionInText() const {
+    const QTextCursor cursor = Text()->textCursor();
+    return {cursor.selectionStart(), cursor.selectionEnd()};
+  }
+  void UndoInText() { QTest::keyClick(Text(), Qt::Key_Z, Qt::ControlModifier); }
+  void Copy(std::u16string_view text) { QGuiApplication::clipboard()->setText(ToQString(text)); }
+  void DropOnText(const std::filesystem::path& file) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(PathToQString(file))});
+    data.setText(QStringLiteral("the file's address"));
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(Text()->viewport(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(Text()->viewport(), &drop);
+    Settle();
+  }
+  void SetDarkColors(bool dark) {
+    QPalette colors = palette_;
+    if (dark) {
+      colors.setColor(QPalette::Base, QColor(30, 30, 32));
+      colors.setColor(QPalette::Window, QColor(45, 45, 48));
+    }
+    QApplication::setPalette(colors);
+    Settle();
+  }
+
+  std::u16string TakeMessage() {
+    QWidget* const box = QApplication::activeModalWidget();
+    if (!box) return {};
+    std::u16string all;
+    for (const QLabel* label : box->findChildren<QLabel*>()) all += FromQString(label->text());
+    box->close();
+    return all;
+  }
+  bool CancelProgress() {
+    auto* progress = window.findChild<QProgressDialog*>();
+    if (!progress || !progress->isVisible()) return false;
+    progress->cancel();
+    return true;
+  }
+
+  void Place(const WindowRect& rect) {
+    window.resize(rect.right - rect.left, rect.bottom - rect.top);
+    window.move(rect.left, rect.top);
+    Settle();
+  }
+  void Minimise() { ShowAs(Qt::WindowMinimized); }
+  void Maximise() { ShowAs(Qt::WindowMaximized); }
+  bool Close() { return window.close(); }
+
+  template <class Control>
+  Control* Find(ControlId id) const {
+    return window.findChild<Control*>(ObjectName(id));
+  }
+  QTextEdit* Text() const { return Find<QTextEdit>(ControlId::kText); }
+  QWidget* Edit(ControlId id) const {
+    auto* combo = Find<QComboBox>(id);
+    return combo ? combo->lineEdit() : Find<QWidget>(id);
+  }
+  static void Settle() { QTest::qWait(1); }
+
+  MainWindow window;
+
+ private:
+  void ShowAs(Qt::WindowState state) {
+    window.setWindowState(state);
+    Settle();
+  }
+
+  QPalette palette_ = QApplication::palette();
+};
+
+}  // namespace kerno::test

@@ -1,0 +1,251 @@
+// The rules that both windows keep, by keys, clicks and what is seen.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "app/system_services.h"
+#include "support/recording_view.h"
+#include "support/temporary_folder.h"
+#include "view_driver.h"
+
+namespace kerno::test {
+namespace {
+
+using testing::HasSubstr;
+using enum ControlId;
+
+class ViewTest : public testing::Test {
+ protected:
+  ViewTest() {
+    services.folder = folder.path();
+    services.memory.face = u"Plain";
+    open_folder_on_first_save = false;
+  }
+  void Show(DialogServices& used) {
+    view.reset();
+    view = std::make_unique<ViewDriver>(used);
+  }
+  size_t Contours() { return view->presenter().item_count(); }
+  std::string TakeMessage() { return Utf16ToUtf8(view->TakeMessage()); }
+
+  TemporaryFolder folder;
+  FakeDialogServices services;
+  std::unique_ptr<ViewDriver> view;
+};
+
+// Goes on until it is cancelled.
+class SlowServices final : public FakeDialogServices {
+ public:
+  std::unique_ptr<ViewDriver>* view = nullptr;
+  bool was_shown = false;
+  int steps = 0;
+
+  Status Write(const Format&, const PartsA&, const OutputOptions&,
+               const std::filesystem::path& file) override {
+    for (; steps < 400; ++steps) {
+      was_shown = was_shown || (*view)->CancelProgress();
+      if (CurrentNotices().Progress(u"Writing", steps, 400) == Continue::kNo) break;
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return Status::Error(Failure::kOther, PathText(file), u"cancelled");
+  }
+};
+
+TEST_F(ViewTest, EveryControlIsThereAsItsRowSays) {
+  Show(services);
+  EXPECT_EQ(kWindowTitle, view->Title());
+  EXPECT_EQ(kText, view->Focused());
+  for (const ControlRow& row : Controls()) {
+    const int id = static_cast<int>(row.id);
+    if (row.line == WindowLine::kAboutBox) continue;
+    EXPECT_EQ(!row.hidden, view->IsShown(row.id)) << id;
+    if (*row.caption) {
+      EXPECT_EQ(row.caption, view->TextOf(row.id)) << id;
+    }
+    if (!HasDropDown(row.kind)) continue;
+    const ShownList list = view->ListOf(row.id);
+    EXPECT_EQ(DropDownRows(list.window_bottom, list.top, list.item_height), list.rows) << id;
+  }
+  EXPECT_EQ(24u, view->ListOf(kHeightList).items.size());
+  view->Press(kText, UserKey::kF1);
+  EXPECT_THAT(TakeMessage(), HasSubstr("Kerno   Version 1"));
+}
+
+TEST_F(ViewTest, LooksAreNothingToUndoAndLeaveTheSelection) {
+  Show(services);
+  view->Type(kText, u"AB");
+  EXPECT_EQ(2u, Contours());
+  view->SelectInText(1, 2);
+  view->TypeOver(kFace, u"DejaVu Serif");
+  view->Select(kFirstColor, 6);
+  EXPECT_EQ(u"Red", view->TextOf(kSecondColor)) << "the second list follows";
+  const ShownText looks = view->LooksOf(kText);
+  EXPECT_EQ(u"DejaVu Serif", looks.face);
+  EXPECT_EQ(RgbColor(255, 0, 0), looks.ink);
+  EXPECT_EQ(std::pair(1, 2), view->SelectionInText());
+  view->UndoInText();
+  EXPECT_EQ(u"", view->TextOf(kText));
+  EXPECT_EQ(0u, Contours());
+  view->Click(kVertical);
+  EXPECT_EQ(u"@DejaVu Serif", services.context->created.back().face_name);
+}
+
+TEST_F(ViewTest, PastedLinesAndDroppedFilesArriveAsLines) {
+  services.saved_text = u"D\n";
+  Show(services);
+  view->Copy(u"A\r\nB\rC\u00A0");
+  view->Click(kPaste);
+  EXPECT_EQ(4u, Contours()) << "at the end of the text, where the keyboard is";
+  view->Click(kDxf);
+  EXPECT_THAT(services.rtf, HasSubstr("D\\par\r\nA\\par\r\nB\\par\r\nC\\u160"));
+  WriteBytes(folder / "a.txt", "AB\nC");
+  view->DropOnText(folder / "a.txt");
+  EXPECT_EQ(3u, Contours());
+  view->UndoInText();
+  EXPECT_EQ(4u, Contours());
+}
+
+TEST_F(ViewTest, HeightsStayInStepAndEnterPressesNothing) {
+  Show(services);
+  view->TypeOver(kHeightEdit, u"-12");
+  EXPECT_EQ(u"-12", view->TextOf(kHeightList));
+  view->Press(kHeightEdit, UserKey::kUp);
+  EXPECT_EQ(u"-11", view->TextOf(kHeightList));
+  EXPECT_EQ(u"-11", view->TextOf(kHeightEdit));
+  view->Select(kHeightList, 12);
+  EXPECT_EQ(u"100", view->TextOf(kHeightEdit));
+  view->TypeOver(kHeightList, u"77");
+  EXPECT_EQ(u"77", view->TextOf(kHeightEdit));
+  for (const ControlId field : {kHeightEdit, kHeightList, kFace}) {
+    view->Press(field, UserKey::kEnter);
+    view->Press(field, UserKey::kEscape);
+  }
+  EXPECT_TRUE(services.log.empty());
+  EXPECT_TRUE(view->IsShown(kText));
+}
+
+TEST_F(ViewTest, ColoursAreThereForTheFigureAloneAndLegible) {
+  Show(services);
+  for (const bool on : {true, false, true}) {
+    EXPECT_EQ(on, view->IsEnabled(kFirstColor) && view->IsEnabled(kSecondColor));
+    view->Click(kPolyPolygon);
+  }
+  services.failing = "dxf";
+  view->Click(kDxf);
+  EXPECT_THAT(TakeMessage(), HasSubstr("the disk is full"));
+  EXPECT_THAT(Utf16ToUtf8(view->TextOf(kStatus)), HasSubstr("the disk is full"));
+  view->Click(kPolyPolygon);
+  view->SetDarkColors(true);
+  const ShownText status = view->LooksOf(kStatus);
+  EXPECT_TRUE(Contrasts(status.ink, status.paper));
+  for (int row = 0; row < static_cast<int>(NamedColors().size()); ++row) {
+    view->Select(kFirstColor, row);
+    const ShownText text = view->LooksOf(kText);
+    EXPECT_TRUE(Contrasts(text.ink, text.paper)) << row;
+  }
+  view->SetDarkColors(false);
+}
+
+TEST_F(ViewTest, KeysMoveThePreview) {
+  Show(services);
+  view->Type(kText, u"A");
+  const PreviewModel& model = view->presenter().preview();
+  const Affine whole = model.fit();
+  view->Press(kPreview, UserKey::kPlus);
+  EXPECT_DOUBLE_EQ(PreviewModel::kWheelFactor, PixelsPerUnit(model.fit()) / PixelsPerUnit(whole));
+  const P2 at = model.fit().to;
+  view->Press(kPreview, UserKey::kUp);
+  EXPECT_LT(at.y, model.fit().to.y);
+  view->Press(kPreview, UserKey::kMinus);
+  EXPECT_FALSE(model.shows_all());
+  view->Press(kPreview, UserKey::kZero);
+  EXPECT_TRUE(model.shows_all());
+}
+
+TEST_F(ViewTest, LongOutputsAreCancelled) {
+  SlowServices slow;
+  slow.view = &view;
+  slow.folder = folder.path();
+  Show(slow);
+  view->Click(kDxf);
+  EXPECT_TRUE(slow.was_shown);
+  EXPECT_LT(slow.steps, 300);
+  EXPECT_THAT(TakeMessage(), HasSubstr("cancelled"));
+  EXPECT_FALSE(view->CancelProgress());
+}
+
+TEST_F(ViewTest, WhatCannotBeKeptHoldsTheWindowOnce) {
+  services.failing = "settings";
+  Show(services);
+  EXPECT_FALSE(view->Close());
+  EXPECT_THAT(TakeMessage(), HasSubstr("the disk is full"));
+  EXPECT_THAT(Utf16ToUtf8(view->TextOf(kStatus)), testing::StartsWith("Not saved."));
+  EXPECT_TRUE(view->Close());
+  EXPECT_EQ("", TakeMessage());
+}
+
+TEST_F(ViewTest, TheWindowComesBackAsItWas) {
+  constexpr WindowRect kPlace = {40, 50, 840, 750};
+  Show(services);
+  view->Place(kPlace);
+  const struct {
+    void (ViewDriver::*change)();
+    WindowShow show;
+  } runs[] = {{&ViewDriver::Maximise, WindowShow::kMaximised},
+              {nullptr, WindowShow::kMaximised},
+              {&ViewDriver::Minimise, WindowShow::kMinimised}};
+  for (const auto& [change, show] : runs) {
+    if (change) (*view.*change)();
+    EXPECT_TRUE(view->Close());
+    EXPECT_EQ((WindowPlace{kPlace, show}), services.saved.window);
+    services.memory = services.saved;
+    Show(services);
+  }
+  EXPECT_TRUE(view->Close());
+  EXPECT_EQ((WindowPlace{kPlace, WindowShow::kNormal}), services.saved.window);
+}
+
+// By the real rasteriser.
+TEST_F(ViewTest, TheHoleOfAnOIsOpenInTheFigure) {
+  SystemServices real;
+  Show(real);
+  view->TypeOver(kFace, u"DejaVu Sans");
+  view->Type(kText, u"O");
+  ASSERT_EQ(2u, view->presenter().parts().parts.size());  // now, however slow the machine is
+  const std::vector<Color> middle = view->MiddleOfPreview();
+  EXPECT_EQ(RgbColor(255, 255, 255), middle[middle.size() / 2]);
+  const auto dark =
+      std::count_if(middle.begin(), middle.end(), [](Color c) { return Red(c) < 64; });
+  EXPECT_GT(dark, 20) << "the two stems";
+}
+
+TEST_F(ViewTest, NothingTypedBreaksIt) {
+  SystemServices real;
+  Show(real);
+  const auto contours = [&] {  // now, however slow the machine is
+    const size_t parts = view->presenter().parts().parts.size();
+    EXPECT_EQ(parts, Contours());
+    return parts;
+  };
+  for (const char16_t* letters : {u"", u"   ", u"\t", u"Ab"}) {
+    view->TypeOver(kText, letters);
+    for (const char16_t* number : {u"0", u"-1000", u"10000", u"-999999999999", u"x", u"100"}) {
+      view->TypeOver(kHeightEdit, number);
+      contours();
+      view->MiddleOfPreview();
+      EXPECT_NE(u"", view->TextOf(kStatus)) << Utf16ToUtf8(number);
+    }
+  }
+  for (const char16_t* face : {u"", u"@", u"@@", u"No such face", u"@No such face"}) {
+    view->TypeOver(kFace, face);
+    contours();
+  }
+  view->TypeOver(kFace, u"DejaVu Sans");
+  EXPECT_EQ(4u, contours()) << "and it still works";
+}
+
+}  // namespace
+}  // namespace kerno::test

@@ -1,0 +1,202 @@
+// What the Windows window alone does.
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <set>
+
+#include "support/recording_view.h"
+#include "view_driver.h"
+
+namespace kerno::test {
+namespace {
+
+class WindowsViewTest : public testing::Test {
+ protected:
+  WindowsViewTest() { open_folder_on_first_save = false; }
+  void Show() { view = std::make_unique<ViewDriver>(services); }
+
+  // Every shown control stands whole in the window, clear of the others, and its caption fits.
+  void ExpectTidyLayout(const std::string& when) const {
+    RECT client{};
+    GetClientRect(view->window, &client);
+    std::vector<std::pair<int, RECT>> places;
+    for (const ControlRow& row : Controls()) {
+      const HWND control = view->Item(row.id);
+      if (control == nullptr || !IsWindowVisible(control)) continue;
+      const RECT place = view->PlaceOf(control);
+      const int id = static_cast<int>(row.id);
+      EXPECT_TRUE(place.left >= 0 && place.top >= 0 && place.right <= client.right &&
+                  place.bottom <= client.bottom && place.left < place.right)
+          << when << ": control " << id << " stands in the window";
+      for (const auto& [other, taken] : places) {
+        RECT common{};
+        EXPECT_FALSE(IntersectRect(&common, &place, &taken))
+            << when << ": controls " << other << " and " << id << " overlap";
+      }
+      places.emplace_back(id, place);
+      const HDC dc = GetDC(control);
+      SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
+      RECT caption{};
+      DrawTextW(dc, ToWide(row.caption).c_str(), -1, &caption, DT_CALCRECT | DT_SINGLELINE);
+      ReleaseDC(control, dc);
+      EXPECT_GE(place.right - place.left, caption.right) << when << ": control " << id;
+    }
+  }
+
+  FakeDialogServices services;
+  std::unique_ptr<ViewDriver> view;
+};
+
+// The numbers and kinds by which other programs find the controls.
+TEST_F(WindowsViewTest, EveryControlHasItsNumberAndKind) {
+  const std::pair<const wchar_t*, std::vector<int>> kinds[] = {
+      {L"Button", {1, 2, 1002, 32087, 1001, 32088, 32089, 32066, 32201, 1017, 1007, 1016}},
+      {L"RICHEDIT50W", {1003}},
+      {L"ComboBox", {1006, 1008, 1009, 1010}},
+      {L"Edit", {1014}},
+      {L"msctls_updown32", {1015}},
+      {L"Static", {1000, 1011, 1012, 1013}},
+  };
+  Show();
+  for (const auto& [kind, ids] : kinds) {
+    for (const int id : ids) {
+      wchar_t name[64] = {};
+      GetClassNameW(GetDlgItem(view->window, id), name, 64);
+      EXPECT_EQ(0, _wcsicmp(kind, name)) << id;
+    }
+  }
+  EXPECT_EQ(0xFC182710, static_cast<DWORD>(view->Send(ControlId::kHeightSpin, UDM_GETRANGE)));
+  EXPECT_EQ(0xA0001, view->Send(ControlId::kText, EM_GETEVENTMASK) & 0xA0001);
+  wchar_t entry[64] = {};
+  GetMenuStringW(GetSystemMenu(view->window, FALSE), 16, entry, 64, MF_BYCOMMAND);
+  EXPECT_STREQ(L"ﾊﾞｰｼﾞｮﾝ情報(&A)...", entry);
+  SendMessageW(view->window, WM_SYSCOMMAND, 16, 0);
+  EXPECT_NE(u"", view->TakeMessage());
+  EXPECT_NE(0, SendMessageW(view->window, WM_QUERYDRAGICON, 0, 0));
+}
+
+TEST_F(WindowsViewTest, ControlsKeepClearOfEachOtherAtEverySize) {
+  services.uploads = true;
+  Show();
+  ExpectTidyLayout("as opened");
+  const auto label = [&] {
+    LOGFONTW font{};
+    GetObjectW(reinterpret_cast<HFONT>(view->Send(ControlId::kFaceLabel, WM_GETFONT)), sizeof font,
+               &font);
+    return font.lfHeight;
+  };
+  const LONG height = label();
+  for (const int dpi : {96, 144, 192}) {
+    for (const int size : {1, 1200}) {  // the window keeps its least size
+      RECT place = {10, 20, 10 + size, 20 + size};
+      SendMessageW(view->window, WM_DPICHANGED, static_cast<WPARAM>(MAKELONG(dpi, dpi)),
+                   reinterpret_cast<LPARAM>(&place));
+      ExpectTidyLayout(std::to_string(dpi) + " dpi, " + std::to_string(size));
+      EXPECT_EQ(MulDiv(height, dpi, 96), label());
+    }
+  }
+  view->Minimise();
+  SendMessageW(view->window, WM_PAINT, 0, 0);  // its icon
+  EXPECT_FALSE(GetUpdateRect(view->window, nullptr, FALSE));
+  view->ShowAs(SW_RESTORE);
+  ExpectTidyLayout("restored");
+}
+
+TEST_F(WindowsViewTest, NoControlIsPaintedOverWhenTheSizeChanges) {
+  Show();
+  constexpr ControlId kMoving[] = {ControlId::kPaste, ControlId::kVertical, ControlId::kHeightLabel,
+                                   ControlId::kHeightEdit, ControlId::kQuit};
+  std::vector<std::vector<Color>> before;
+  for (const ControlId id : kMoving) before.push_back(PixelsOf(view->Item(id)));
+  EXPECT_GT(std::set<Color>(before[0].begin(), before[0].end()).size(), 1u) << "a caption";
+  for (const SIZE size : {SIZE{1200, 900}, {600, 900}, {700, 600}, {1200, 600}}) {
+    view->Place({0, 0, size.cx, size.cy});
+    for (size_t i = 0; i < std::size(kMoving); ++i) {
+      EXPECT_TRUE(before[i] == PixelsOf(view->Item(kMoving[i])))
+          << static_cast<int>(kMoving[i]) << " at " << size.cx << " by " << size.cy;
+    }
+  }
+}
+
+TEST_F(WindowsViewTest, TheKeyboardComesToTheEndOfTheTextAndSelectsNothing) {
+  services.saved_text = u"A\nB";
+  Show();
+  for (const ControlId id : {ControlId::kPaste, ControlId::kText}) {
+    SendMessageW(view->window, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(view->Item(id)), TRUE);
+  }
+  EXPECT_EQ(ControlId::kText, view->Focused());
+  EXPECT_EQ(std::pair(3, 3), view->SelectionInText());
+}
+
+TEST_F(WindowsViewTest, PartsOfANameOfferTheFacesThatHoldThem) {
+  using testing::ElementsAre;
+  services.faces = {u"ＭＳ Mincho", u"Plain", u"Plain Gothic", u"Gothic"};  // without order
+  Show();
+  EXPECT_THAT(view->ListOf(ControlId::kFace).items,
+              ElementsAre(u"Gothic", u"ＭＳ Mincho", u"Plain", u"Plain Gothic"));
+  const auto offered = [&] {
+    const HWND list = FindWindowExW(nullptr, nullptr, L"ListBox", L"");
+    return IsWindowVisible(list) ? ViewDriver::Rows(list, ListKind::kListBox)
+                                 : std::vector<std::u16string>{};
+  };
+  view->TypeOver(ControlId::kFace, u"m");
+  EXPECT_THAT(offered(), ElementsAre(u"ＭＳ Mincho"));
+  view->TypeOver(ControlId::kFace, u"goth");
+  EXPECT_THAT(offered(), ElementsAre(u"Gothic", u"Plain Gothic"));
+  for (const UserKey key : {UserKey::kDown, UserKey::kDown, UserKey::kEnter}) {
+    view->Press(ControlId::kFace, key);
+  }
+  EXPECT_THAT(offered(), ElementsAre());
+  EXPECT_EQ(u"Plain Gothic", view->TextOf(ControlId::kFace));
+  EXPECT_EQ(u"Plain Gothic", view->LooksOf(ControlId::kText).face);
+  const struct {
+    const char* what;
+    std::function<void()> act;
+  } ends[] = {{"Escape", [&] { view->Press(ControlId::kFace, UserKey::kEscape); }},
+              {"Enter", [&] { view->Press(ControlId::kFace, UserKey::kEnter); }},
+              {"a menu", [&] { SendMessageW(view->window, WM_ENTERMENULOOP, FALSE, 0); }},
+              {"another size", [&] {
+                 view->Place({0, 0, 900, 700});
+               }}};
+  for (const auto& end : ends) {
+    view->TypeOver(ControlId::kFace, u"goth");
+    EXPECT_FALSE(offered().empty());
+    end.act();
+    EXPECT_TRUE(offered().empty()) << end.what;
+    EXPECT_EQ(u"goth", view->TextOf(ControlId::kFace)) << end.what << ": what was typed stays";
+  }
+  view->TypeOver(ControlId::kFace, u"Plain G");
+  for (const WPARAM opens : {TRUE, FALSE}) {  // the list completes without telling
+    view->Send(ControlId::kFace, CB_SHOWDROPDOWN, opens);
+    view->Pump();
+    EXPECT_EQ(view->TextOf(ControlId::kFace), view->LooksOf(ControlId::kText).face);
+  }
+}
+
+TEST_F(WindowsViewTest, TheSystemAsksBeforeItEnds) {
+  services.failing = "text";
+  Show();
+  EXPECT_FALSE(SendMessageW(view->window, WM_QUERYENDSESSION, 0, 0));
+  EXPECT_NE(u"", view->TakeMessage());
+  EXPECT_TRUE(SendMessageW(view->window, WM_QUERYENDSESSION, 0, 0));
+  SendMessageW(view->window, WM_ENDSESSION, TRUE, 0);
+  MSG quit{};
+  EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+}
+
+}  // namespace
+}  // namespace kerno::test
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  // Without a window manager Wine waits two seconds for one at each window's end; from the next run
+  // on it does not.
+  RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\ui_tests.exe\\X11 Driver",
+                  L"Managed", REG_SZ, L"N", 2 * sizeof(wchar_t));
+  INITCOMMONCONTROLSEX controls = {sizeof controls,
+                                   ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS | ICC_PROGRESS_CLASS};
+  InitCommonControlsEx(&controls);
+  LoadLibraryW(L"Msftedit.dll");
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  return RUN_ALL_TESTS();
+}
