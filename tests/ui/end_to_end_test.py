@@ -29,7 +29,7 @@ def press(session, key, *suffixes):
 
 
 def first_run(session, picture):
-    assert preview_ink(session, picture) == 0
+    session.wait_for(lambda: preview_ink(session, picture) == 0)
     session.type(TEXT)  # the text box has the keyboard at the start
     session.key("alt+h", "ctrl+a")
     session.type("250")
