@@ -192,10 +192,10 @@ void Dialog::Message(std::u16string_view text) {
   messages_ += u"\n";
 }
 
-void Dialog::Ask(std::u16string_view text, std::function<void(int button)> answered) {
+void Dialog::Ask(std::u16string_view text, const std::function<void(int button)>& answered) {
   if (!collects_) return view_.ShowMessage(text, [answered] { answered(kOkButton); });
   Message(text);
-  answers_.push_back(std::move(answered));
+  answers_.push_back(answered);
 }
 
 void Dialog::ShowWait(std::u16string_view text) {
