@@ -86,7 +86,7 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void FileWritten(const std::filesystem::path& file, const Status& result) override;
   // Notices
   void Message(std::u16string_view text) override;
-  void Ask(std::u16string_view text, std::function<void(int button)> answered) override;
+  void Ask(std::u16string_view text, const std::function<void(int button)>& answered) override;
   void ShowWait(std::u16string_view text) override;
   void ClearWait() override;
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;

@@ -192,10 +192,11 @@ void DialogPresenter::Message(std::u16string_view text) {
   messages_ += u"\n";
 }
 
-void DialogPresenter::Ask(std::u16string_view text, std::function<void(int button)> answered) {
+void DialogPresenter::Ask(std::u16string_view text,
+                          const std::function<void(int button)>& answered) {
   if (!collects_) return view_.ShowMessage(text, [answered] { answered(kOkButton); });
   Message(text);
-  answers_.push_back(std::move(answered));
+  answers_.push_back(answered);
 }
 
 void DialogPresenter::ShowWait(std::u16string_view text) {

@@ -22,7 +22,7 @@ class Notices {
   // The same, for a record of the answer: `answered` gets the number of the button that the user
   // pressed (ButtonLabel in base/launch.h), after that was done. Where messages are no boxes, at
   // once.
-  virtual void Ask(std::u16string_view text, std::function<void(int button)> answered) {
+  virtual void Ask(std::u16string_view text, const std::function<void(int button)>& answered) {
     Message(text);
     answered(kOkButton);
   }

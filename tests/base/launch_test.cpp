@@ -16,9 +16,9 @@ class LaunchTest : public test::SettingsFixture {};
 // A message box that stands until the test presses a button.
 class Box final : public test::RecordingNotices {
  public:
-  void Ask(std::u16string_view text, std::function<void(int button)> answered) override {
+  void Ask(std::u16string_view text, const std::function<void(int button)>& answered) override {
     Message(text);
-    press = std::move(answered);
+    press = answered;
   }
   std::function<void(int button)> press;
 };
