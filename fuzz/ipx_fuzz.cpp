@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "parts/ipx.h"
 #include "parts/parts.h"
+#include "parts/shapes.h"
 
 namespace kerno {
 namespace {
@@ -15,19 +16,19 @@ void Require(bool holds) {
   if (!holds) std::abort();
 }
 
-// The bytes of the container; nothing when a text of it cannot stand in a file.
-bool Encode(const PartsA& container, std::string* bytes) {
-  return EncodeIpx(container, u"fuzz", u"fuzz",
-                   [&](std::string_view piece) {
-                     bytes->append(piece);
-                     return Status::Ok();
-                   })
-      .ok();
+// The bytes of the container. What was read can be written again.
+std::string Encode(const PartsA& container) {
+  std::string bytes;
+  Require(EncodeIpx(container, u"fuzz", u"fuzz", [&](std::string_view piece) {
+            bytes += piece;
+            return Status::Ok();
+          }).ok());
+  return bytes;
 }
 
 PartsA Decode(std::string_view bytes) {
   PartsA container;
-  Require(DecodeIpx(bytes, &container));
+  Require(DecodeIpx(bytes, &container).ok());
   return container;
 }
 
@@ -49,6 +50,11 @@ bool HoldsEscapes(const PartsA& container) {
 
 void Walk(const PartsA& container) {
   container.Extent();
+  ShapeSink sink;
+  for (const VertexRule& rule : {kFiniteXY, kPicturedXYZ}) {
+    (void)VisitShapes(container, ShapeOrder::kModel, rule, &sink);
+    (void)VisitShapes(container, ShapeOrder::kPainting, rule, &sink);
+  }
   Parts sum;
   for (const PartsElement& part : container.parts) {
     sum += part;
@@ -59,9 +65,7 @@ void Walk(const PartsA& container) {
 void ReadAndWrite(std::string_view bytes) {
   const PartsA read = Decode(bytes);
   Walk(read);
-  std::string first;
-  if (!Encode(read, &first)) return;
-  const PartsA again = Decode(first);
+  const PartsA again = Decode(Encode(read));
   Require(again.parts.size() == read.parts.size());
   for (size_t i = 0; i < read.parts.size(); ++i) {
     Require(again.parts[i].vertices.size() == read.parts[i].vertices.size());
@@ -70,11 +74,8 @@ void ReadAndWrite(std::string_view bytes) {
   }
   // Numbers may lose digits by the first writing, and none by the next.
   if (HoldsEscapes(again)) return;
-  std::string second;
-  std::string third;
-  Require(Encode(again, &second));
-  Require(Encode(Decode(second), &third));
-  Require(second == third);
+  const std::string second = Encode(again);
+  Require(Encode(Decode(second)) == second);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "cli/choice.h"
 #include "cli/console.h"
 #include "parts/ipx.h"
+#include "parts/shapes.h"
 
 namespace kerno {
 namespace {
@@ -15,18 +16,15 @@ namespace {
 size_t EntityCount(const PartsA& model) {
   size_t count = 0;
   for (const PartsElement& part : model.parts) {
-    count += part.lines.items.size() + part.circles.items.size() + part.edges.items.size() +
-             part.texts.items.size() + part.more_texts.items.size() +
-             part.horizontal_texts.items.size() + part.vertical_texts.items.size();
-    for (const FaceA& faces : part.faces) count += faces.items.size();
+    const ElementCounts counts = CountElements(part);
+    count += counts.outlines + counts.faces + counts.texts;
   }
   return count;
 }
 
 bool HasPointSets(const PartsA& model) {
-  return std::ranges::any_of(model.parts, [](const PartsElement& part) {
-    return !part.point_sets.items.empty() || !part.more_point_sets.items.empty();
-  });
+  return std::ranges::any_of(
+      model.parts, [](const PartsElement& part) { return CountElements(part).point_sets > 0; });
 }
 
 std::string Counted(size_t count, const char* what) {

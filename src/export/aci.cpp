@@ -92,7 +92,7 @@ int ClassicBand(int red, int green, int blue) {
   }
   if (IsLow(red) && high_or_low) {
     if (IsHigh(green)) return IsHigh(blue) ? 4 : 3;
-    return IsHigh(blue) ? 5 : 7;  // black as white, meant
+    return IsHigh(blue) ? 5 : 7;  // Classic: black as white, drawn in the readers' ink
   }
   const auto all_between = [&](int low, int high) {
     return red > low && red < high && green > low && green < high && blue > low && blue < high;
@@ -101,7 +101,7 @@ int ClassicBand(int red, int green, int blue) {
   return all_between(190, 195) ? 9 : 0;
 }
 
-// A difference of -1 counts as 255: the wrap is meant.
+// Classic: a difference of -1 counts as 255; drawings in the field have these colours.
 int WrappedSquare(int difference) {
   const int low_byte = difference & 255;
   return low_byte * low_byte;

@@ -103,7 +103,8 @@ Status WriteBmp(const PartsA& model, const BmpOptions& options, const std::files
     return Status::Error(Failure::kOther, PathText(name), u"not enough memory for the picture");
   }
   if (!layout.one_to_one) TellScale(PixelsPerUnit(layout.fit), name);
-  TellLeftOut(DrawParts(surface->Context(), model, layout.fit, {.detail = kDetail}), name);
+  TellLeftOut(DrawParts(surface->Context(), model, layout.fit, {.detail = kDetail}), kPicturedXY,
+              name);
 
   std::string block = BmpHeader(layout.width, layout.height);
   for (int y = layout.height - 1; y >= 0; --y) {

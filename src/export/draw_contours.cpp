@@ -2,6 +2,7 @@
 
 #include "export/draw_parts.h"
 #include "export/point_run.h"
+#include "parts/shapes.h"
 
 namespace kerno {
 
@@ -18,7 +19,7 @@ void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Affin
     size_t pictured = 0;
     for (; at < end; ++at) {
       const P2& p = contours.points[at];
-      if (!IsPictured(p.x) || !IsPictured(p.y)) continue;
+      if (!kPicturedXY.Takes(P3{p.x, p.y})) continue;
       const DevicePoint placed = Placed(fit, p);
       if (pictured++ == 0) min = max = placed;
       min = {std::min(min.x, placed.x), std::min(min.y, placed.y)};

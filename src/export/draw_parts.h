@@ -3,7 +3,7 @@
 // Model coordinates point y up, the context's pixels y down. Every part is drawn with its own pen
 // and brush: faces filled (or hatched) without outline, then lines chained into polylines, edges,
 // circles and arcs, points as small crosses, texts. What has a coordinate that is not finite, or
-// beyond kMaxPictured, is left out and counted; so are indices that name no vertex.
+// beyond kMaxPictured, is left out and counted; so is what names a vertex that is not there.
 #pragma once
 
 #include "export/draw_texts.h"

@@ -6,7 +6,7 @@
 
 #include "outline/draw_outline.h"
 #include "outline/typesetter.h"
-#include "parts/element_access.h"
+#include "parts/shapes.h"
 
 namespace kerno {
 namespace {
@@ -18,7 +18,7 @@ constexpr double kMaxUnits = 4096;
 constexpr double kMaxFontHeight = 30000;
 
 double HeightOf(const TextLine& line) {
-  const double height = std::fabs(line.values[0]);
+  const double height = std::fabs(line.height);
   return height > 0 && std::isfinite(height) ? height : kDefaultTextHeight;
 }
 
@@ -41,13 +41,13 @@ TextRequest RequestOf(const TextLine& line, WritingDirection direction, double s
   if (request.face.vertical) SetVertical(&request);
   request.height =
       static_cast<int32_t>(std::lround(std::min(kMaxFontHeight, HeightOf(line) * scale)));
-  const double width = std::fabs(line.values[1]) * scale;
+  const double width = std::fabs(line.width) * scale;
   if (width > 0 && width < kMaxFontHeight) {
     request.width = std::max(1, static_cast<int32_t>(std::lround(width)));
   }
   request.layout.vertical = direction == WritingDirection::kVertical;
-  request.placement.angle = AngleOr0(line.values[2]);
-  request.placement.slant = AngleOr0(line.values[3]);
+  request.placement.angle = AngleOr0(line.rotation);
+  request.placement.slant = AngleOr0(line.oblique);
   return request;
 }
 
@@ -83,12 +83,15 @@ void DrawTextLine(DrawingContext& dc, const P3& anchor, const TextLine& line,
   const DevicePoint at = Placed(fit, anchor);
   request.placement.insertion = {at.x * units, at.y * units};
   const int32_t before = dc.SetLogicalUnits(units);
-  if (DrawOutline(dc, request) == OutlineDrawing::kTooLarge) ++notes->texts_too_large;
+  // In model units, so that the scale of the picture does not decide whether a text is shown.
+  const auto own_height =
+      static_cast<int32_t>(std::lround(std::clamp(HeightOf(line), 1.0, kMaxFontHeight)));
+  if (DrawOutline(dc, request, own_height) == OutlineDrawing::kTooLarge) ++notes->texts_too_large;
   dc.SetLogicalUnits(before);
 }
 
-void DrawTextItem(DrawingContext& dc, const P3& anchor, const TextItem& item, uint32_t color,
-                  const Affine& fit, PictureNotes* notes) {
+void DrawPlainText(DrawingContext& dc, const P3& anchor, std::u16string_view text, uint32_t color,
+                   const Affine& fit, PictureNotes* notes) {
   const double pixels = kDefaultTextHeight * PixelsPerUnit(fit);
   const int32_t units = UnitsFor(pixels);
   const DevicePoint at = Placed(fit, anchor);
@@ -102,9 +105,9 @@ void DrawTextItem(DrawingContext& dc, const P3& anchor, const TextItem& item, ui
   const int32_t before = dc.SetLogicalUnits(units);
   const uint32_t color_before = dc.SetTextColor(color);
   Extent extent;
-  if (dc.GetTextExtent(item.text, &extent)) {
+  if (dc.GetTextExtent(text, &extent)) {
     dc.TextOut(static_cast<int32_t>(at.x * units) - extent.cx / 2,
-               static_cast<int32_t>(at.y * units) - extent.cy / 2, item.text);
+               static_cast<int32_t>(at.y * units) - extent.cy / 2, text);
   }
   dc.SetTextColor(color_before);
   dc.SetLogicalUnits(before);
@@ -123,10 +126,10 @@ Extent3 TextLineBox(DeviceContext& dc, const P3& anchor, const TextLine& line,
   return box;
 }
 
-Extent3 TextItemBox(DeviceContext& dc, const P3& anchor, const TextItem& item) {
+Extent3 PlainTextBox(DeviceContext& dc, const P3& anchor, std::u16string_view text) {
   const SelectedFontScope font(dc, static_cast<int32_t>(kFineHeight));
   Extent extent;
-  if (!dc.GetTextExtent(item.text, &extent)) return {anchor, anchor};
+  if (!dc.GetTextExtent(text, &extent)) return {anchor, anchor};
   const double half_width = extent.cx * kDefaultTextHeight / kFineHeight / 2;
   const double half_height = extent.cy * kDefaultTextHeight / kFineHeight / 2;
   return {{anchor.x - half_width, anchor.y - half_height, anchor.z},

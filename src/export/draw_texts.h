@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 #include "export/fit.h"
 #include "parts/parts.h"
@@ -24,13 +25,13 @@ void DrawTextLine(DrawingContext& dc, const P3& anchor, const TextLine& line,
 
 // Draws the text of an element without a face of its own: the horizontal default face in the
 // colour given, centred on the anchor.
-void DrawTextItem(DrawingContext& dc, const P3& anchor, const TextItem& item, uint32_t color,
-                  const Affine& fit, PictureNotes* notes);
+void DrawPlainText(DrawingContext& dc, const P3& anchor, std::u16string_view text, uint32_t color,
+                   const Affine& fit, PictureNotes* notes);
 
 // The box of a text element's ink in model coordinates, the anchor included; of the anchor alone
 // where the text has no ink.
 Extent3 TextLineBox(DeviceContext& dc, const P3& anchor, const TextLine& line,
                     WritingDirection direction);
-Extent3 TextItemBox(DeviceContext& dc, const P3& anchor, const TextItem& item);
+Extent3 PlainTextBox(DeviceContext& dc, const P3& anchor, std::u16string_view text);
 
 }  // namespace kerno

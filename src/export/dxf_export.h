@@ -12,9 +12,10 @@ namespace kerno {
 
 // How an element's layer is named.
 enum class DxfLayerRule {
-  kName,    // by its name, "Unknown" without one
-  kColour,  // by its name, without one by its colour index; and the layer is set before the colour,
-            // so that a layer is listed with the colour of the element before: meant
+  kName,  // by its name, "Unknown" without one
+  // By its name, without one by its colour index. Classic: the layer is set before the colour, so
+  // that it is listed with the colour of the element before; entities carry their own.
+  kColour,
 };
 
 struct DxfOptions {
@@ -26,8 +27,8 @@ struct DxfOptions {
 // 3DFACE (more than four vertices as triangles), texts as TEXT. Point sets have no form here and
 // are left out. The drawing is flat when all vertices have the same z.
 //
-// Told through the notices, once for each file: coordinates that lost digits, elements that were
-// left out for coordinates that are not finite, point sets.
+// Told through the notices, once for each file: coordinates that lost digits, how many elements
+// were left out for coordinates that are missing or not finite, point sets.
 [[nodiscard]] Status ExportDxf(const PartsA& model, const std::filesystem::path& file,
                                const DxfOptions& options = {});
 

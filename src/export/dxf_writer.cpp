@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "base/file_wait.h"
-#include "base/folders.h"
 #include "base/number_text.h"
 #include "base/text.h"
 
@@ -36,11 +35,10 @@ char* Copy(char* to, const DxfNumber& number) {
 }
 
 // Each line with its line end.
-void PutLines(SectionBuffer* section, std::initializer_list<std::string_view> lines) {
-  for (const std::string_view line : lines) {
-    section->Append(line);
-    section->Append("\r\n");
-  }
+std::string Lines(std::initializer_list<std::string_view> lines) {
+  std::string text;
+  for (const std::string_view line : lines) text.append(line).append("\r\n");
+  return text;
 }
 
 std::string General(double value) {
@@ -59,10 +57,9 @@ std::string StyleLines(std::u16string_view layer, int16_t color) {
   return "\r\n  8\r\n" + DxfTextBytes(layer) + "\r\n 62\r\n" + Integer(color) + "\r\n";
 }
 
-void PutStyle(SectionBuffer* tables, std::string_view name, std::string_view flags,
-              std::string_view big_font) {
-  PutLines(tables, {"  0", "STYLE", "  2", name, " 70", flags, " 40", "0.0", " 41", "1.0",
-                    " 50", "0.0",   " 71", "0",  " 42", "3.5", "  3", "txt", "  4", big_font});
+std::string TextStyle(std::string_view name, std::string_view flags, std::string_view big_font) {
+  return Lines({"  0", "STYLE", "  2", name, " 70", flags, " 40", "0.0", " 41", "1.0",
+                " 50", "0.0",   " 71", "0",  " 42", "3.5", "  3", "txt", "  4", big_font});
 }
 
 }  // namespace
@@ -79,25 +76,18 @@ std::string DxfTextBytes(std::u16string_view text) {
   return bytes;
 }
 
-DxfWriter::DxfWriter(DxfMode mode, size_t section_memory)
-    : mode_(mode),
-      output_name_(mode == DxfMode::kFlat ? "DXF_2d.dxf" : "DXF_3d.dxf"),
-      header_(TempFolder(), "DxH", section_memory),
-      tables_(TempFolder(), "DxT", section_memory),
-      blocks_(TempFolder(), "DxB", section_memory),
-      entities_(TempFolder(), "DxE", section_memory) {
+DxfWriter::DxfWriter(DxfMode mode)
+    : mode_(mode), output_name_(mode == DxfMode::kFlat ? "DXF_2d.dxf" : "DXF_3d.dxf") {
   limits_.max = {kA3Width, kA3Width / std::sqrt(2.0), 0};
-  PutLines(&header_, {"  0", "SECTION", "  2", "HEADER"});
-  PutLines(&tables_, {"  0", "SECTION", "  2", "TABLES"});
-  PutLines(&blocks_, {"  0", "SECTION", "  2", "BLOCKS"});
-  PutLines(&entities_, {"  0", "SECTION", "  2", "ENTITIES"});
+  entities_.Append(Lines({"  0", "SECTION", "  2", "ENTITIES"}));
 }
 
 void DxfWriter::SetLayerNumber(int32_t number) {
   const std::string digits = Integer(number);
   layer_.assign(digits.begin(), digits.end());
   head_.clear();
-  (void)RegisterLayer(layer_, color_);  // a name beyond the table's end is not listed, meant
+  // Classic: a name beyond the table's end is not listed; readers make such a layer themselves.
+  (void)RegisterLayer(layer_, color_);
 }
 
 void DxfWriter::SetLayerName(std::u16string_view name) {
@@ -188,26 +178,32 @@ bool DxfWriter::Accept(std::initializer_list<double> numbers) {
   return true;
 }
 
+// The extents of a drawing that streams are in the file already.
 void DxfWriter::Widen(const P3& p, Axes axes) {
+  if (stream_) return;
   Include(&extents_, {p.x, p.y, axes == Axes::kXYZ ? p.z : 0});
 }
 
 void DxfWriter::Line(const P3& start, const P3& end, Axes axes, const DxfStyle* style) {
   const bool spatial = axes == Axes::kXYZ;
   if (!Accept({start.x, start.y, end.x, end.y, spatial ? start.z : 0, spatial ? end.z : 0})) return;
+  const bool goes_on = has_last_ && last_axes_ == axes && SameText(start, last_end_);
+  if (!goes_on) Widen(start, axes);
   Widen(end, axes);
-  if (rehearses_) {
-    Widen(start, axes);
-    return;
+  if (!rehearses_) {
+    if (!goes_on) FormatPoint(&last_text_, start, axes);
+    PutLine(end, axes, style);
   }
-  if (!has_last_ || last_axes_ != axes || !SameText(start, last_end_)) {
-    FormatPoint(&last_text_, start, axes);
-    Widen(start, axes);
-  }
+  last_end_ = end;
+  last_axes_ = axes;
+  has_last_ = true;
+}
+
+// From the point of last_text_, which becomes the end's.
+void DxfWriter::PutLine(const P3& end, Axes axes, const DxfStyle* style) {
   std::string explicit_head;
   if (style) explicit_head = StyleLines(style->layer, style->color);
   const std::string& head = style ? explicit_head : CurrentHead();
-
   constexpr std::string_view kLine = "  0\r\nLINE";
   char* const room = entities_.Room(kLine.size() + head.size() + 6 * (5 + sizeof(DxfNumber)));
   char* to = Copy(room, kLine);
@@ -216,10 +212,6 @@ void DxfWriter::Line(const P3& start, const P3& end, Axes axes, const DxfStyle* 
   FormatPoint(&last_text_, end, axes);
   to = PutPoint(to, last_text_, '1', axes);
   entities_.Advance(static_cast<size_t>(to - room));
-
-  last_end_ = end;
-  last_axes_ = axes;
-  has_last_ = true;
 }
 
 void DxfWriter::Line2D(const P3& start, const P3& end, const DxfStyle* style) {
@@ -287,7 +279,7 @@ void DxfWriter::Text(const DxfText& text, Axes axes, bool vertical, const DxfSty
   if (text.rotation != 0) PutNumber(" 50\r\n", text.rotation);
   if (text.width_factor != 0 && text.width_factor != 1) PutNumber(" 41\r\n", text.width_factor);
   if (text.oblique != 0) PutNumber(" 51\r\n", text.oblique);
-  PutPoint(p, '0', axes);  // behind the text, meant
+  PutPoint(p, '0', axes);  // Classic: after the text, all files so far have it so
 }
 
 void DxfWriter::Text2D(const DxfText& text, const DxfStyle* style) {
@@ -309,51 +301,49 @@ void DxfWriter::Face(const P3& a, const P3& b, const P3& c, const P3& d, const D
   PutHead("3DFACE", style);
   char corner = '0';
   for (const P3* p : {&a, &b, &c, &d}) PutPoint(*p, corner++, Axes::kXYZ);
-  PutLines(&entities_, {" 70", Integer(face_flag_)});
+  entities_.Append(Lines({" 70", Integer(face_flag_)}));
 }
 
 void DxfWriter::Triangle(const P3& a, const P3& b, const P3& c, const DxfStyle* style) {
   Face(a, b, c, c, style);
 }
 
-void DxfWriter::WriteHeader() {
+std::string DxfWriter::Header() const {
+  std::string text = Lines({"  0", "SECTION", "  2", "HEADER"});
   const auto put = [&](std::string_view name, const P3& p, bool with_z) {
-    PutLines(&header_, {"  9", name, " 10", General(p.x), " 20", General(p.y)});
-    if (with_z) PutLines(&header_, {" 30", General(p.z)});
+    text += Lines({"  9", name, " 10", General(p.x), " 20", General(p.y)});
+    if (with_z) text += Lines({" 30", General(p.z)});
   };
   const bool spatial = mode_ == DxfMode::kSpatial;
   put("$LIMMIN", limits_.min, false);
   put("$LIMMAX", limits_.max, false);
   put("$EXTMIN", extents_.min, spatial);
   put("$EXTMAX", extents_.max, spatial);
+  return text + Lines({"  0", "ENDSEC"});
 }
 
-void DxfWriter::WriteTables() {
-  PutLines(&tables_, {"  0", "TABLE", "  2", "LTYPE", " 70", "1"});
-  PutLines(&tables_, {"  0", "LTYPE", "  2", "CONTINUOUS", " 70", "64", "  3", "Solid line", " 72",
-                      "65", " 73", "0", " 40", "0.0"});
-  PutLines(&tables_, {"  0", "ENDTAB", "  0", "TABLE", "  2", "LAYER", " 70",
-                      Integer(static_cast<int64_t>(layers_.size()))});
+std::string DxfWriter::Tables() const {
+  std::string text = Lines({"  0", "SECTION", "  2", "TABLES"});
+  text += Lines({"  0", "TABLE", "  2", "LTYPE", " 70", "1"});
+  text += Lines({"  0", "LTYPE", "  2", "CONTINUOUS", " 70", "64", "  3", "Solid line", " 72", "65",
+                 " 73", "0", " 40", "0.0"});
+  text += Lines({"  0", "ENDTAB", "  0", "TABLE", "  2", "LAYER", " 70",
+                 Integer(static_cast<int64_t>(layers_.size()))});
   for (const DxfLayerEntry& layer : layers_) {
-    PutLines(&tables_, {"  0", "LAYER", "  2", DxfTextBytes(layer.name), " 70", "64", " 62",
-                        Integer(layer.color), "  6", "CONTINUOUS"});
+    text += Lines({"  0", "LAYER", "  2", DxfTextBytes(layer.name), " 70", "64", " 62",
+                   Integer(layer.color), "  6", "CONTINUOUS"});
   }
-  PutLines(&tables_, {"  0", "ENDTAB", "  0", "TABLE", "  2", "STYLE", " 70", "3"});
-  PutStyle(&tables_, "STANDARD", "64", "");
-  PutStyle(&tables_, "BIGFONT", "64", "bigfont");
-  PutStyle(&tables_, "VTEXT", "68", "bigfont");
-  PutLines(&tables_, {"  0", "ENDTAB"});
+  text += Lines({"  0", "ENDTAB", "  0", "TABLE", "  2", "STYLE", " 70", "3"});
+  text += TextStyle("STANDARD", "64", "");
+  text += TextStyle("BIGFONT", "64", "bigfont");
+  text += TextStyle("VTEXT", "68", "bigfont");
+  return text + Lines({"  0", "ENDTAB", "  0", "ENDSEC"});
 }
 
 // Everything before the entities.
-Status DxfWriter::WriteFront(FileReplacement* out) {
-  WriteHeader();
-  WriteTables();
-  for (SectionBuffer* section : {&header_, &tables_, &blocks_}) {
-    PutLines(section, {"  0", "ENDSEC"});
-    if (Status status = section->CopyTo(out); !status.ok()) return status;
-  }
-  return Status::Ok();
+Status DxfWriter::WriteFront(FileReplacement* out) const {
+  return out->Write(Header() + Tables() +
+                    Lines({"  0", "SECTION", "  2", "BLOCKS", "  0", "ENDSEC"}));
 }
 
 void DxfWriter::StreamInto(FileReplacement* out, const DxfWriter& rehearsal) {
@@ -365,12 +355,12 @@ void DxfWriter::StreamInto(FileReplacement* out, const DxfWriter& rehearsal) {
 }
 
 Status DxfWriter::FinishInto(FileReplacement* out) {
-  PutLines(&entities_, {"  0", "ENDSEC", "  0", "EOF"});
+  entities_.Append(Lines({"  0", "ENDSEC", "  0", "EOF"}));
   if (failure_ != 0) {
     return Status::Error(Failure::kOther, PathText(output_name_), u"the drawing is not complete");
   }
   const Status status = stream_ ? stream_status_ : WriteFront(out);
-  return status.ok() ? entities_.CopyTo(out) : status;
+  return status.ok() ? entities_.WriteTo(out) : status;
 }
 
 Status DxfWriter::Finish() {

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "drawing/geometry.h"
-#include "export/section_buffer.h"
+#include "export/byte_run.h"
 #include "platform/file_replacement.h"
 
 namespace kerno {
@@ -38,32 +38,34 @@ struct DxfLayerEntry {
 struct DxfArc {
   P3 centre;
   double radius = 0;
-  double start_angle = 0;  // runs counter-clockwise to end_angle
+  double start_angle = 0;  // degrees; runs counter-clockwise to end_angle
   double end_angle = 0;
 };
 
+// The numbers are written as they stand, whatever their sign; readers expect a height above 0.
 struct DxfText {
   P3 position;
   std::u16string text;
-  double height = 0;
-  double rotation = 0;      // written unless 0
-  double width_factor = 0;  // written unless 0 or 1
-  double oblique = 0;       // written unless 0
+  double height = 0;        // in the drawing's units
+  double rotation = 0;      // degrees, counter-clockwise; written unless 0
+  double width_factor = 0;  // of the style's letters; written unless 0 or 1
+  double oblique = 0;       // degrees; written unless 0
 };
 
-// A number as the file takes it, with its line end behind it.
+// A number as the file takes it, with its line end after it.
 struct DxfNumber {
   char text[15];
   uint8_t length;
 };
 
-// Collects the entities of one drawing and writes the file at the end; not to be used afterwards.
+// Collects the entities of one drawing and writes the file at the end, or as they come where it was
+// told to stream; not to be used afterwards.
 class DxfWriter {
  public:
   static constexpr size_t kMaxLayers = 500;
   static constexpr size_t kMaxTextBytes = 1023;  // of a layer name or text in the file
 
-  explicit DxfWriter(DxfMode mode, size_t section_memory = SectionBuffer::kMemoryLimit);
+  explicit DxfWriter(DxfMode mode);
 
   // The file that Finish writes; "DXF_2d.dxf" or "DXF_3d.dxf" until it is set.
   void SetOutputName(std::filesystem::path name) { output_name_ = std::move(name); }
@@ -82,8 +84,9 @@ class DxfWriter {
   bool RegisterLayer(std::u16string_view name, int16_t color);
 
   // Entities. Without a style they take the current layer and colour; one with a style registers
-  // nothing. The 2D forms write no Z and leave the extents' Z alone; circles, arcs and texts widen
-  // the extents by their centre or position only, which is meant.
+  // nothing. The 2D forms write no Z and leave the extents' Z alone.
+  // Classic: circles, arcs and texts widen the extents by their centre or position only; all files so
+  // far have it so.
   void Line2D(const P3& start, const P3& end, const DxfStyle* style = nullptr);
   void Line3D(const P3& start, const P3& end, const DxfStyle* style = nullptr);
   void Circle2D(const P3& centre, double radius, const DxfStyle* style = nullptr);
@@ -106,9 +109,9 @@ class DxfWriter {
   void SetFailure(int32_t flag) { failure_ = flag; }
 
   // Writes the file under the output name, whole or not at all.
-  Status Finish();
+  [[nodiscard]] Status Finish();
   // The same bytes into an open file, which the caller commits.
-  Status FinishInto(FileReplacement* out);
+  [[nodiscard]] Status FinishInto(FileReplacement* out);
 
   // Eight numbers that every drawing carries and no operation uses.
   const std::array<int32_t, 8>& carried() const { return carried_; }
@@ -116,7 +119,7 @@ class DxfWriter {
   // Whether a coordinate of 100,000 or more lost digits or went to exponent form.
   bool lost_precision() const { return lost_precision_; }
   // How many entities were left out for numbers that are not finite.
-  int64_t left_out() const { return left_out_; }
+  size_t left_out() const { return left_out_; }
 
  private:
   enum class Axes { kXY = 2, kXYZ = 3 };
@@ -133,39 +136,37 @@ class DxfWriter {
   bool Accept(std::initializer_list<double> numbers);
   void Widen(const P3& p, Axes axes);
   void Line(const P3& start, const P3& end, Axes axes, const DxfStyle* style);
+  void PutLine(const P3& end, Axes axes, const DxfStyle* style);
   void Circle(const P3& centre, double radius, Axes axes, const DxfStyle* style);
   void Arc(const DxfArc& arc, Axes axes, const DxfStyle* style);
   void Text(const DxfText& text, Axes axes, bool vertical, const DxfStyle* style);
   const std::string& CurrentHead();
-  void WriteHeader();
-  void WriteTables();
-  Status WriteFront(FileReplacement* out);
+  std::string Header() const;
+  std::string Tables() const;
+  Status WriteFront(FileReplacement* out) const;
 
   int32_t failure_ = 0;
   DxfMode mode_;
   std::filesystem::path output_name_;
-  Extent3 extents_;  // from the origin on, so that they always hold it: meant
+  Extent3 extents_;  // Classic: from the origin on, so that they always hold it
   Extent3 limits_;
   std::u16string layer_ = u"0";
   int16_t color_ = 7;
   std::array<int32_t, 8> carried_ = {0, 5, 3, 4, 1, 2, 30, 130};
   int32_t face_flag_ = 0;
   std::vector<DxfLayerEntry> layers_;
-  SectionBuffer header_;
-  SectionBuffer tables_;
-  SectionBuffer blocks_;
-  SectionBuffer entities_;
+  ByteRun entities_;
 
-  std::string head_;  // layer and colour of the current style as lines; empty: to be made
-  P3 last_end_;       // the point whose text last_text_ is; most lines start there
-  PointText last_text_{};
+  std::string head_;       // layer and colour of the current style as lines; empty: to be made
+  P3 last_end_;            // of the last line; most lines start there
+  PointText last_text_{};  // of that point
   Axes last_axes_ = Axes::kXY;
   bool has_last_ = false;
   bool rehearses_ = false;
   FileReplacement* stream_ = nullptr;
   Status stream_status_;
   bool lost_precision_ = false;
-  int64_t left_out_ = 0;
+  size_t left_out_ = 0;
 };
 
 // The bytes that stand for a layer name or a text in the file: escaped, code page 932, and cut

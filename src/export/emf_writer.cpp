@@ -54,7 +54,7 @@ Status WriteEmf(const PartsA& model, const EmfOptions& options, const std::files
   const std::u16string title = options.title.empty() ? PathText(name.filename()) : options.title;
   EmfContext context(layout.frame, title);
   if (!layout.one_to_one) TellScale(PixelsPerUnit(layout.fit), name);
-  TellLeftOut(DrawParts(context, model, layout.fit, {}), name);
+  TellLeftOut(DrawParts(context, model, layout.fit, {}), kPicturedXY, name);
   return out->Write(context.Finish());
 }
 

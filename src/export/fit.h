@@ -6,15 +6,6 @@
 
 namespace kerno {
 
-// Coordinates that a picture can show: finite, and small enough that boxes of them stay finite.
-inline constexpr double kMaxPictured = 1e100;
-inline bool IsPictured(double v) {
-  return v >= -kMaxPictured && v <= kMaxPictured;  // false for not-a-number
-}
-inline bool IsPictured(const P3& p) {
-  return IsPictured(p.x) && IsPictured(p.y);
-}
-
 // The least side of a drawing that is enlarged to be seen: below it no finite scale would do, and
 // the drawing is a dot.
 inline constexpr double kLeastEnlarged = 1e-300;

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "platform/drawing.h"
+
 namespace kerno {
 namespace {
 
@@ -182,6 +184,12 @@ std::vector<double> Crossings(const HatchLine& line, std::span<const std::vector
 }
 
 }  // namespace
+
+HatchKind FillKindOf(const BrushAttributes& brush) {
+  if (brush.style == static_cast<int32_t>(BrushStyle::kHollow)) return HatchKind::kHollow;
+  if (brush.style != static_cast<int32_t>(BrushStyle::kHatched)) return HatchKind::kSolid;
+  return HatchKindOf(brush.hatch);
+}
 
 int32_t HatchCount() {
   return static_cast<int32_t>(kNames.size());

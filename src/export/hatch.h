@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "drawing/geometry.h"
+#include "parts/parts.h"
 
 namespace kerno {
 
@@ -21,6 +22,9 @@ enum class HatchKind {
   kFigures,
 };
 HatchKind HatchKindOf(int32_t hatch);
+
+// How a brush fills faces.
+HatchKind FillKindOf(const BrushAttributes& brush);
 
 // The number of named styles; numbers from 0 on.
 int32_t HatchCount();

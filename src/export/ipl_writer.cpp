@@ -8,7 +8,7 @@
 #include "base/notices.h"
 #include "base/number_text.h"
 #include "base/text.h"
-#include "export/fit.h"
+#include "parts/shapes.h"
 
 namespace kerno {
 namespace {
@@ -20,7 +20,7 @@ class Gathered {
  public:
   void Add(const Parts& part) {
     for (const P3& p : part.vertices) {
-      if (IsPictured(p) && IsPictured(p.z)) {
+      if (kPicturedXYZ.Takes(p)) {
         if (empty_) box_ = {p, p};
         Include(&box_, p);
         empty_ = false;

@@ -2,76 +2,45 @@
 #include <cmath>
 
 #include "export/draw_parts.h"
-#include "parts/element_access.h"
+#include "parts/shapes.h"
 
 namespace kerno {
 namespace {
 
 // Gathers what a picture shows into one box.
-class BoxGatherer {
+class BoxGatherer final : public ShapeSink {
  public:
   explicit BoxGatherer(DeviceContext* dc) : dc_(dc) {}
 
-  void Add(const PartsElement& part) {
-    const double width = std::fabs(part.pen.width);
-    half_pen_ = IsPictured(width) ? width / 2 : 0;
-    AddGeometry(part);
-  }
   Extent3 box() const { return any_ ? box_ : Extent3{}; }
 
  private:
-  void AddGeometry(const Parts& part) {
-    for (const LineItem& line : part.lines.items) {
-      AddVertex(part, line.start);
-      AddVertex(part, line.end);
-    }
-    for (const FaceA& array : part.faces) {
-      for (const FaceItem& face : array.items) AddVertices(part, face.vertices);
-    }
-    for (const EdgeItem& edge : part.edges.items) {
-      AddVertex(part, edge.values[0]);
-      AddVertex(part, edge.values[1]);
-    }
-    for (const CircleItem& circle : part.circles.items) {
-      const P3* centre = VertexAt(part, circle.centre);
-      if (centre && IsPictured(circle.radius)) AddPoint(*centre, std::fabs(circle.radius));
-    }
-    for (const PointA* array : {&part.point_sets, &part.more_point_sets}) {
-      for (const PointSet& set : array->items) AddVertices(part, set.vertices);
-    }
-    for (const TextA* array : {&part.texts, &part.more_texts}) {
-      for (const TextItem& item : array->items) {
-        AddText(part, item.anchor, [&](const P3& at) { return TextItemBox(*dc_, at, item); });
-      }
-    }
-    AddLines(part, part.horizontal_texts, WritingDirection::kHorizontal);
-    AddLines(part, part.vertical_texts, WritingDirection::kVertical);
-    if (part.child) AddGeometry(*part.child);
+  void BeginPart(const PartsElement& part) override {
+    const double width = std::fabs(part.pen.width);
+    half_pen_ = kPicturedXY.Takes(width) ? width / 2 : 0;
+  }
+  void Polyline(const Vertices& points) override { AddAll(points); }
+  void Face(const Vertices& loop) override { AddAll(loop); }
+  void Points(const Vertices& points) override { AddAll(points); }
+  void Circle(const CircleShape& circle) override { Add(circle.centre, std::fabs(circle.radius)); }
+  void Arc(const ArcShape& arc) override { Add(arc.centre, std::fabs(arc.radius)); }
+  void PlainText(const P3& anchor, std::u16string_view text) override {
+    AddBox(dc_ ? PlainTextBox(*dc_, anchor, text) : Extent3{anchor, anchor});
+  }
+  void SetText(const P3& anchor, const TextLine& line, WritingDirection direction) override {
+    AddBox(dc_ ? TextLineBox(*dc_, anchor, line, direction) : Extent3{anchor, anchor});
   }
 
-  void AddLines(const Parts& part, const ElementArray<TextLine>& lines,
-                WritingDirection direction) {
-    for (const TextLine& line : lines.items) {
-      AddText(part, line.anchor,
-              [&](const P3& at) { return TextLineBox(*dc_, at, line, direction); });
+  void AddAll(const Vertices& points) {
+    for (size_t i = 0; i < points.size(); ++i) Add(points[i], 0);
+  }
+  // A text's ink may lie where no picture can show it.
+  void AddBox(const Extent3& box) {
+    for (const P3& corner : {box.min, box.max}) {
+      if (kPicturedXY.Takes(corner)) Add(corner, 0);
     }
   }
-  template <class Measure>
-  void AddText(const Parts& part, int32_t index, Measure measure) {
-    const P3* anchor = VertexAt(part, index);
-    if (!anchor || !IsPictured(*anchor)) return;
-    const Extent3 box = dc_ ? measure(*anchor) : Extent3{*anchor, *anchor};
-    AddPoint(box.min, 0);
-    AddPoint(box.max, 0);
-  }
-  void AddVertices(const Parts& part, const std::vector<int32_t>& indices) {
-    for (int32_t index : indices) AddVertex(part, index);
-  }
-  void AddVertex(const Parts& part, int32_t index) {
-    if (const P3* p = VertexAt(part, index)) AddPoint(*p, 0);
-  }
-  void AddPoint(const P3& p, double reach) {
-    if (!IsPictured(p)) return;
+  void Add(const P3& p, double reach) {
     const double around = reach + half_pen_;
     const P3 low = {p.x - around, p.y - around, 0};
     const P3 high = {p.x + around, p.y + around, 0};
@@ -91,7 +60,7 @@ class BoxGatherer {
 
 Extent3 PictureBox(const PartsA& model, DeviceContext* dc) {
   BoxGatherer gatherer(dc);
-  for (const PartsElement& part : model.parts) gatherer.Add(part);
+  VisitShapes(model, ShapeOrder::kPainting, kPicturedXY, &gatherer);
   return gatherer.box();
 }
 
@@ -99,8 +68,8 @@ Extent3 ContoursBox(const GlyphContours& contours) {
   Extent3 box;
   bool first = true;
   for (const P2& p : contours.points) {
-    if (!IsPictured(p.x) || !IsPictured(p.y)) continue;
     const P3 at = {p.x, p.y, 0};
+    if (!kPicturedXY.Takes(at)) continue;
     if (first) box = {at, at};
     first = false;
     Include(&box, at);

@@ -8,7 +8,8 @@
 
 namespace kerno {
 
-void TellLeftOut(const PictureNotes& notes, const std::filesystem::path& name) {
+void TellLeftOut(const PictureNotes& notes, const VertexRule& rule,
+                 const std::filesystem::path& name) {
   const auto tell = [&](size_t count, std::u16string_view what) {
     if (count == 0) return;
     std::string number;
@@ -17,7 +18,9 @@ void TellLeftOut(const PictureNotes& notes, const std::filesystem::path& name) {
                              std::u16string(what));
   };
   tell(notes.left_out,
-       u" elements were left out: their coordinates are not finite, beyond 1e100, or missing");
+       rule.most == kMaxPictured
+           ? u" elements were left out: their coordinates are not finite, beyond 1e100, or missing"
+           : u" elements were left out: their coordinates are not finite or missing");
   tell(notes.texts_too_large, u" texts have too many points: split them into shorter ones");
   tell(notes.texts_no_size, u" texts were left out: too small or too large for a font");
 }

@@ -38,16 +38,14 @@ void SvgElements::Number(std::string_view attribute, double value) {
   xml_.EndAttribute();
 }
 
-void SvgElements::Points(std::string_view name, std::span<const P3* const> points) {
+void SvgElements::Points(std::string_view name, const Vertices& points) {
   xml_.Begin(name);
   std::string* out = xml_.BeginAttribute("points");
-  bool first = true;
-  for (const P3* p : points) {
-    if (!first) out->push_back(' ');
-    first = false;
-    Append(out, p->x);
+  for (size_t i = 0; i < points.size(); ++i) {
+    if (i > 0) out->push_back(' ');
+    Append(out, points[i].x);
     out->push_back(',');
-    Append(out, Flipped(p->y));
+    Append(out, Flipped(points[i].y));
     xml_.FlushLong();
   }
   xml_.EndAttribute();
@@ -71,10 +69,9 @@ void SvgElements::Circle(const P2& centre, double radius) {
   xml_.End();
 }
 
-void SvgElements::Arc(const CircleShape& shape, double radius) {
-  const double start = DirectionDegrees(*shape.centre, *shape.start);
-  const double end = DirectionDegrees(*shape.centre, *shape.end);
-  const double span = start > end ? end + 360 - start : end - start;
+void SvgElements::Arc(const ArcShape& arc) {
+  const double radius = std::fabs(arc.radius);
+  const bool is_large = arc.start_angle != arc.end_angle && arc.Sweep() > 180;
   xml_.Begin("path");
   std::string* out = xml_.BeginAttribute("d");
   const auto point = [&](const P3& p) {
@@ -83,18 +80,18 @@ void SvgElements::Arc(const CircleShape& shape, double radius) {
     Append(out, Flipped(p.y));
   };
   out->push_back('M');
-  point(*shape.start);
+  point(arc.start);
   *out += " A";
   Append(out, radius);
   out->push_back(',');
   Append(out, radius);
-  *out += span > 180 ? " 0 1,0 " : " 0 0,0 ";
-  point(*shape.end);
+  *out += is_large ? " 0 1,0 " : " 0 0,0 ";
+  point(arc.end);
   xml_.EndAttribute();
   xml_.End();
 }
 
-// Each function ends with a tab, meant so.
+// Classic: each function ends with a tab; all files so far have it so.
 void SvgElements::Transform(double x, double y, double dy, double rotation, double oblique) {
   std::string* out = xml_.BeginAttribute("transform");
   *out += "translate(";
@@ -121,10 +118,10 @@ void SvgElements::Transform(double x, double y, double dy, double rotation, doub
 void SvgElements::Text(const P3& anchor, const TextLine& line, WritingDirection direction,
                        std::string_view fill, std::string_view stroke) {
   const bool vertical = direction == WritingDirection::kVertical;
-  double height = std::fabs(line.values[0]);
+  double height = std::fabs(line.height);
   if (!(height > 0) || !std::isfinite(height)) height = kDefaultTextHeight;
-  const double rotation = FiniteOr0(line.values[2]);
-  const double oblique = FiniteOr0(line.values[3]);
+  const double rotation = FiniteOr0(line.rotation);
+  const double oblique = FiniteOr0(line.oblique);
   xml_.Begin("text");
   if (vertical) xml_.Attribute("writing-mode", std::string_view("tb"));
   xml_.Attribute("text-anchor", std::string_view("middle"));

@@ -2,12 +2,11 @@
 // they are negated here.
 #pragma once
 
-#include <span>
 #include <string_view>
 
 #include "export/svg_numbers.h"
 #include "export/xml_out.h"
-#include "parts/element_access.h"
+#include "parts/shapes.h"
 
 namespace kerno {
 
@@ -16,10 +15,10 @@ class SvgElements {
   SvgElements(XmlOut* xml, int digits) : xml_(*xml), digits_(digits) {}
 
   // "polygon" or "polyline": what its points make.
-  void Points(std::string_view name, std::span<const P3* const> points);
+  void Points(std::string_view name, const Vertices& points);
   void Line(const P2& from, const P2& to);
   void Circle(const P2& centre, double radius);
-  void Arc(const CircleShape& shape, double radius);
+  void Arc(const ArcShape& arc);
 
   // A text centred on its anchor. `fill` and `stroke` are colours, or empty to take the group's.
   void Text(const P3& anchor, const TextLine& line, WritingDirection direction,

@@ -12,8 +12,8 @@
 #include "export/file_comment.h"
 #include "export/hatch.h"
 #include "export/picture_notes.h"
-#include "export/svg_fills.h"
-#include "export/svg_outlines.h"
+#include "export/svg_groups.h"
+#include "parts/shapes.h"
 
 namespace kerno {
 namespace {
@@ -28,7 +28,7 @@ class SvgDrawing {
   SvgDrawing(const PartsA& model, XmlOut* xml, int digits)
       : model_(model), canvas_{*xml, digits, {xml, digits}} {
     const bool texts =
-        std::ranges::any_of(model.parts, [](const PartsElement& p) { return HasTexts(p); });
+        std::ranges::any_of(model.parts, [](const auto& p) { return CountElements(p).texts > 0; });
     const std::unique_ptr<DeviceContext> dc = texts ? CreateMeasuringContext() : nullptr;
     box_ = PictureBox(model, dc.get());
     const double width = box_.max.x - box_.min.x;
@@ -55,8 +55,7 @@ class SvgDrawing {
       Millimetres("width", view.width);
       Millimetres("height", view.height);
     }
-    WriteSvgFills(model_, &canvas_);
-    WriteSvgOutlines(model_, &canvas_);
+    WriteSvgGroups(model_, &canvas_);
     canvas_.xml.End();
   }
 
@@ -113,7 +112,7 @@ Status WriteSvg(const PartsA& model, const SvgOptions& options, const std::files
   SvgDrawing drawing(model, &xml, SvgPrecision());
   drawing.Write(options, name);
   Status status = xml.Finish();
-  if (status.ok()) TellLeftOut({.left_out = drawing.left_out()}, name);
+  if (status.ok()) TellLeftOut({.left_out = drawing.left_out()}, kPicturedXY, name);
   return status;
 }
 

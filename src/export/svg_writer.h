@@ -17,10 +17,10 @@ struct SvgOptions {
   bool millimetres = false;
 };
 
-// Writes every element of the model. Faces come first, in model order, filled or hatched with the
-// brushes of their parts; then one group for each pen and layer, in order of first use: lines that
-// chain as one polygon or polyline, edges as lines, circles, arcs, points as crosses, texts. What
-// has a coordinate that is not finite, or beyond 1e100, is left out, and the notices tell how many.
+// Writes every element of the model, in groups (svg_groups.h): faces filled or hatched with the
+// brushes of their parts; lines that chain as one polygon or polyline, edges as lines, circles,
+// arcs, points as crosses, texts. What has a coordinate that is not finite, or beyond 1e100, is
+// left out, and the notices tell how many.
 [[nodiscard]] Status ExportSvg(const PartsA& model, const std::filesystem::path& file,
                                const SvgOptions& options = {});
 

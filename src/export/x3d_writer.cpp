@@ -1,5 +1,6 @@
 #include "export/x3d_writer.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <map>
@@ -11,13 +12,12 @@
 #include "base/notices.h"
 #include "base/number_text.h"
 #include "base/text.h"
-#include "export/draw_parts.h"
 #include "export/file_comment.h"
 #include "export/picture_notes.h"
 #include "export/svg_numbers.h"
 #include "export/xml_out.h"
-#include "parts/element_access.h"
 #include "parts/face_triangles.h"
+#include "parts/shapes.h"
 
 namespace kerno {
 namespace {
@@ -25,60 +25,40 @@ namespace {
 constexpr int kDigits = 15;
 constexpr int kCircleSegments = 72;  // of a whole circle
 
-bool CanBeWritten(const P3& p) {
-  return IsPictured(p) && IsPictured(p.z);
-}
-
-// Points and what they are strung to, for one shape.
-class Mesh {
+// Points and what they are strung to, for one shape of the scene.
+class Mesh final : public ShapeSink {
  public:
-  explicit Mesh(PictureNotes* notes) : notes_(*notes) {}
-
-  void AddOutlines(const Parts& part) {
-    StartPart(part);
-    for (const LineItem& line : part.lines.items) AddVertices(part, {line.start, line.end});
-    for (const EdgeItem& edge : part.edges.items) {
-      AddVertices(part, {edge.values[0], edge.values[1]});
-    }
-    for (const CircleItem& circle : part.circles.items) AddCircle(part, circle);
-    if (part.child) AddOutlines(*part.child);
-  }
-
-  void AddFaces(const Parts& part) {
-    StartPart(part);
-    for (const FaceA& faces : part.faces) {
-      for (const FaceItem& face : faces.items) {
-        if (!AllCanBeWritten(part, face.vertices)) continue;
-        for (const auto& triangle : FaceTriangles(part.vertices.points(), face.vertices)) {
-          AddVertices(part, {triangle[0], triangle[1], triangle[2]});
-        }
-      }
-    }
-    if (part.child) AddFaces(*part.child);
-  }
-
   bool empty() const { return strings_.empty(); }
   const std::vector<P3>& points() const { return points_; }
   const std::vector<int32_t>& strings() const { return strings_; }  // each ended by -1
 
  private:
-  void StartPart(const Parts& part) { places_.assign(part.vertices.size(), -1); }
+  void BeginPool(std::span<const P3> pool) override { places_.assign(pool.size(), -1); }
 
-  bool AllCanBeWritten(const Parts& part, std::span<const int32_t> indices) {
-    for (const int32_t index : indices) {
-      const P3* p = VertexAt(part, index);
-      if (p && CanBeWritten(*p)) continue;
-      ++notes_.left_out;
-      return false;
+  void Polyline(const Vertices& points) override {
+    for (size_t i = 1; i < points.size(); ++i) {
+      AddString(points.pool, {points.indices[i - 1], points.indices[i]});
     }
-    return true;
+  }
+  void Face(const Vertices& loop) override {
+    for (const auto& [a, b, c] : FaceTriangles(loop.pool, loop.indices)) {
+      AddString(loop.pool, {a, b, c});
+    }
+  }
+  void Circle(const CircleShape& circle) override {
+    AddTurn(circle.centre, circle.radius, 0, 360);
+    // The last segment ends where the first one begins.
+    points_.pop_back();
+    strings_[strings_.size() - 2] = static_cast<int32_t>(points_.size()) - kCircleSegments;
+  }
+  void Arc(const ArcShape& arc) override {
+    AddTurn(arc.centre, arc.radius, arc.start_angle, arc.Sweep());
   }
 
-  void AddVertices(const Parts& part, std::initializer_list<int32_t> indices) {
-    if (!AllCanBeWritten(part, {indices.begin(), indices.end()})) return;
+  void AddString(std::span<const P3> pool, std::initializer_list<int32_t> indices) {
     for (const int32_t index : indices) {
       int32_t& place = places_[static_cast<size_t>(index)];
-      if (place < 0) place = AddPoint(part.vertices[static_cast<size_t>(index)]);
+      if (place < 0) place = AddPoint(pool[static_cast<size_t>(index)]);
       strings_.push_back(place);
     }
     strings_.push_back(-1);
@@ -89,40 +69,19 @@ class Mesh {
     return static_cast<int32_t>(points_.size()) - 1;
   }
 
-  void AddCircle(const Parts& part, const CircleItem& circle) {
-    const CircleShape shape = ShapeOf(part, circle);
-    if (!shape.centre || !CanBeWritten(*shape.centre) || !IsPictured(circle.radius) ||
-        (shape.start && (!CanBeWritten(*shape.start) || !CanBeWritten(*shape.end)))) {
-      ++notes_.left_out;
-      return;
-    }
-    double start = 0;
-    double sweep = 360;
-    if (shape.start) {
-      start = DirectionDegrees(*shape.centre, *shape.start);
-      sweep = DirectionDegrees(*shape.centre, *shape.end) - start;
-      if (sweep <= 0) sweep += 360;
-    }
+  void AddTurn(const P3& centre, double radius, double start, double sweep) {
     const int segments = static_cast<int>(std::ceil(kCircleSegments * sweep / 360));
-    const auto at = [&](int i) {
+    for (int i = 0; i <= segments; ++i) {
       const double angle = (start + sweep * i / segments) * std::numbers::pi / 180;
-      return P3{shape.centre->x + circle.radius * std::cos(angle),
-                shape.centre->y + circle.radius * std::sin(angle), shape.centre->z};
-    };
-    const int32_t first = AddPoint(at(0));
-    for (int i = 1; i <= segments; ++i) {
-      const bool closes = i == segments && !shape.start;
-      const int32_t from = static_cast<int32_t>(points_.size()) - 1;
-      strings_.push_back(from);
-      strings_.push_back(closes ? first : AddPoint(at(i)));
-      strings_.push_back(-1);
+      const int32_t place = AddPoint(
+          {centre.x + radius * std::cos(angle), centre.y + radius * std::sin(angle), centre.z});
+      if (i > 0) strings_.insert(strings_.end(), {place - 1, place, -1});
     }
   }
 
-  PictureNotes& notes_;
   std::vector<P3> points_;
   std::vector<int32_t> strings_;
-  std::vector<int32_t> places_;  // of a part's vertices in points_
+  std::vector<int32_t> places_;  // of the pool's vertices in points_
 };
 
 std::string ColorText(Color color) {
@@ -183,29 +142,29 @@ std::vector<ColorGroup> ColorGroups(const PartsA& model, bool brushes) {
   return groups;
 }
 
-void WriteShapes(const PartsA& model, bool faces, PictureNotes* notes, XmlOut* xml) {
+// How many elements were left out.
+size_t WriteShapes(const PartsA& model, bool faces, XmlOut* xml) {
+  const ShapeOrder order = faces ? ShapeOrder::kFaces : ShapeOrder::kAllButFaces;
+  size_t left_out = 0;
   for (const ColorGroup& group : ColorGroups(model, faces)) {
-    Mesh mesh(notes);
+    Mesh mesh;
     for (const PartsElement* part : group.parts) {
-      faces ? mesh.AddFaces(*part) : mesh.AddOutlines(*part);
+      left_out += VisitShapes(*part, order, kPicturedXYZ, &mesh);
     }
     if (!mesh.empty()) WriteShape(mesh, group.color, faces, xml);
   }
+  return left_out;
 }
 
-size_t CountWithoutForm(const Parts& part) {
-  size_t count = part.texts.items.size() + part.more_texts.items.size() +
-                 part.horizontal_texts.items.size() + part.vertical_texts.items.size() +
-                 part.point_sets.items.size() + part.more_point_sets.items.size();
-  if (part.child) count += CountWithoutForm(*part.child);
-  return count;
+bool HasNoForm(const PartsElement& part) {
+  const ElementCounts counts = CountElements(part);
+  return counts.texts > 0 || counts.point_sets > 0;
 }
 
 }  // namespace
 
 Status WriteX3d(const PartsA& model, const std::filesystem::path& name, FileReplacement* out) {
   XmlOut xml(out);
-  PictureNotes notes;
   xml.Declaration();
   xml.DocumentType(
       "X3D PUBLIC \"ISO//Web3D//DTD X3D 3.3//EN\" "
@@ -218,16 +177,14 @@ Status WriteX3d(const PartsA& model, const std::filesystem::path& name, FileRepl
   xml.Attribute("xsd:noNamespaceSchemaLocation",
                 std::string_view("http://www.web3d.org/specifications/x3d-3.3.xsd"));
   xml.Begin("Scene");
-  WriteShapes(model, false, &notes, &xml);
-  WriteShapes(model, true, &notes, &xml);
+  size_t left_out = WriteShapes(model, false, &xml);
+  left_out += WriteShapes(model, true, &xml);
   xml.End();
   xml.End();
   Status status = xml.Finish();
   if (!status.ok()) return status;
-  TellLeftOut(notes, name);
-  size_t without_form = 0;
-  for (const PartsElement& part : model.parts) without_form += CountWithoutForm(part);
-  if (without_form > 0) {
+  TellLeftOut({.left_out = left_out}, kPicturedXYZ, name);
+  if (std::ranges::any_of(model.parts, HasNoForm)) {
     CurrentNotices().Message(PathText(name) +
                              u": texts and point sets have no form in X3D and are left out");
   }

@@ -22,7 +22,7 @@ class XmlOut {
   void DocumentType(std::string_view text);  // what stands between "<!DOCTYPE " and ">"
 
   // A comment on a line of its own. Two hyphens in a row, or one at the end, would end it: a blank
-  // goes between them, or behind it.
+  // goes between them, or after it.
   void Comment(std::u16string_view text);
 
   // An element, its attributes, then what it holds, then its end. One without content is closed in

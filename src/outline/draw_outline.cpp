@@ -84,9 +84,30 @@ PolygonList GatherContours(const std::vector<std::vector<P2>>& contours) {
   return list;
 }
 
+bool IsTooLarge(const GlyphContours& contours) {
+  return contours.points.size() > kMaxOutlinePoints || contours.counts.size() > kMaxOutlineContours;
+}
+
+// Whether the text is too large in letters `height` high as well.
+bool IsTooLargeAt(DrawingContext& dc, TextRequest request, int32_t height) {
+  const double smaller = static_cast<double>(height) / request.height;
+  request.width = static_cast<int32_t>(std::ceil(request.width * smaller));
+  request.height = height;
+  GlyphContours contours;
+  StringOutline(dc, request, &contours);
+  return IsTooLarge(contours);
+}
+
+// In pixels, however fine the logical units are.
+void DrawTooLarge(DrawingContext& dc) {
+  const int32_t units = dc.SetLogicalUnits(1);
+  dc.TextOut(0, 0, u"文字列を分割して指定してください");
+  dc.SetLogicalUnits(units);
+}
+
 }  // namespace
 
-OutlineDrawing DrawOutline(DrawingContext& dc, const TextRequest& request) {
+OutlineDrawing DrawOutline(DrawingContext& dc, const TextRequest& request, int32_t own_height) {
   const bool one_by_one = Get(kOutlinesOneByOne);
   GlyphContours contours;
   StringOutline(dc, request, &contours);
@@ -97,8 +118,9 @@ OutlineDrawing DrawOutline(DrawingContext& dc, const TextRequest& request) {
     dc.PolyPolygon(list.points, list.counts);
     return OutlineDrawing::kDrawn;
   }
-  if (contours.points.size() > kMaxOutlinePoints || contours.counts.size() > kMaxOutlineContours) {
-    dc.TextOut(0, 0, u"文字列を分割して指定してください");
+  const bool is_finer = own_height > 0 && own_height < request.height;
+  if (IsTooLarge(contours) && (!is_finer || IsTooLargeAt(dc, request, own_height))) {
+    DrawTooLarge(dc);
     return OutlineDrawing::kTooLarge;
   }
   const PolygonList list = WholePolygons(contours);

@@ -1,6 +1,7 @@
 // The element kinds of a part. Vertices are zero-based indices into the part's vertex pool.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -17,22 +18,26 @@ struct PointSet {
   std::vector<int32_t> vertices;
 };
 
+// Height of a text that says none, in model units: the usual lettering of drawings.
+inline constexpr double kDefaultTextHeight = 2.5;
+
 struct TextItem {
   int32_t anchor = -1;
   std::u16string text;
 };
 
-// A line of text set in a face. The numbers are carried; those who draw it read values[0] as the
-// height, values[1] as the width (0: the face's own), values[2] as the rotation and values[3] as
-// the oblique angle in degrees. An empty face name means the setting's face for the writing
-// direction.
+// A line of text set in a face. Lengths are in model units, angles in degrees; the model carries
+// any number. Pictures and SVG take the magnitude of a height below 0, DXF kDefaultTextHeight.
 struct TextLine {
   int32_t anchor = -1;
   std::u16string text;
-  double values[4] = {0, 0, 0, 0};
-  std::u16string face_name;
-  int32_t code = 0;
-  std::vector<P2> outline;
+  double height = 0;         // of the letters; 0: kDefaultTextHeight
+  double width = 0;          // of an average letter; 0: the face's own
+  double rotation = 0;       // counter-clockwise about the anchor
+  double oblique = 0;        // slant of the letters
+  std::u16string face_name;  // empty: the setting's face for the writing direction
+  int32_t code = 0;          // carried
+  std::vector<P2> outline;   // carried
 };
 
 struct LineItem {
@@ -57,9 +62,11 @@ struct FaceItem {
   int32_t code = 0;
 };
 
-// values[0] and values[1] are the end vertices.
 struct EdgeItem {
-  int32_t values[7] = {-1, -1, 45, -1, -1, 0, -1};  // 45, the code of "-", is meant
+  int32_t start = -1;
+  int32_t end = -1;
+  int32_t mark = 45;  // Classic: unlike its neighbours not -1, files hold the code of "-"
+  std::array<int32_t, 4> carried = {-1, -1, 0, -1};
 };
 
 // An array of elements with the identifier of its header line.

@@ -5,7 +5,8 @@
 // the vertex exists: who follows one checks it.
 //
 // Writing, reading and writing again gives the same bytes as long as no text of the model holds a
-// character that is escaped (base/text.h, EscapeText): that is undone nowhere, which is meant.
+// character that is escaped (base/text.h, EscapeText).
+// Classic: the escaping is undone nowhere; other programs that share these files do not either.
 // Numbers keep 15 significant digits and below 1 no more than 15 decimals; what vanishes so is
 // written "0." and comes back as 0, and a "1." as 1. Not-a-number and infinities are written as
 // "nan", "inf" and "-inf" and read back so.
@@ -16,60 +17,57 @@
 #include <string>
 #include <string_view>
 
-#include "parts/elements.h"
+#include "parts/ipx_fields.h"
+#include "parts/ipx_parts.h"
 #include "parts/parts.h"
-#include "parts/vertex_pool.h"
 #include "platform/status.h"
 
 namespace kerno {
 
-// Version text of the format, as the first line of a file names it.
-inline constexpr std::u16string_view kIpxVersion = u"1.20 2018/07/26";
-
 // --- Text of every class, and back ------------------------------------------------------------
 
-// An element is one line, without its CR LF. FromText sets every field, the missing ones to their
-// defaults.
-std::u16string ToText(const P3& item);
-void FromText(std::u16string_view line, P3* item);
-std::u16string ToText(const TextItem& item);
-void FromText(std::u16string_view line, TextItem* item);
-std::u16string ToText(const TextLine& item);
-void FromText(std::u16string_view line, TextLine* item);
-std::u16string ToText(const LineItem& item);
-void FromText(std::u16string_view line, LineItem* item);
-std::u16string ToText(const CircleItem& item);
-void FromText(std::u16string_view line, CircleItem* item);
-std::u16string ToText(const FaceItem& item);
-void FromText(std::u16string_view line, FaceItem* item);
-std::u16string ToText(const EdgeItem& item);
-void FromText(std::u16string_view line, EdgeItem* item);
-std::u16string ToText(const PointSet& item);
-void FromText(std::u16string_view line, PointSet* item);
+// An element (P3 and those of parts/elements.h) is one line, without its CR LF. FromText sets every
+// field, the missing ones to their defaults.
+template <class Item>
+requires requires(ipx::Writer* out, const Item& item) {
+  ipx::Fields(out, item);
+}
+std::u16string ToText(const Item& item) {
+  ipx::Writer out;
+  ipx::Fields(&out, item);
+  return ipx::Unpack(out.text());
+}
+template <class Item>
+requires requires(ipx::Tokens* line, Item& item) {
+  ipx::Fields(line, item);
+}
+void FromText(std::u16string_view text, Item* item) {
+  const std::string packed = ipx::Pack(text);
+  ipx::Tokens line(packed);
+  *item = Item();
+  ipx::Fields(&line, *item);
+}
 
-// An array is its header line and a line for each element, each ended by CR LF.
-std::u16string ToText(const P3A& array);
-void FromText(std::u16string_view block, P3A* array);
-std::u16string ToText(const TextA& array);
-void FromText(std::u16string_view block, TextA* array);
-std::u16string ToText(const LineA& array);
-void FromText(std::u16string_view block, LineA* array);
-std::u16string ToText(const CircleA& array);
-void FromText(std::u16string_view block, CircleA* array);
-std::u16string ToText(const FaceA& array);
-void FromText(std::u16string_view block, FaceA* array);
-std::u16string ToText(const EdgeA& array);
-void FromText(std::u16string_view block, EdgeA* array);
-std::u16string ToText(const PointA& array);
-void FromText(std::u16string_view block, PointA* array);
-std::u16string ToText(const TextHA& array);
-void FromText(std::u16string_view block, TextHA* array);
-std::u16string ToText(const TextVA& array);
-void FromText(std::u16string_view block, TextVA* array);
-
-// A part is its two header lines and its thirteen arrays.
-std::u16string ToText(const PartsElement& part);
-void FromText(std::u16string_view text, PartsElement* part);
+// An array is its header line and a line for each element, a part its two header lines and its
+// thirteen arrays; each line ended by CR LF.
+template <class Block>
+requires requires(ipx::Writer* out, const Block& block) {
+  ipx::Write(out, block);
+}
+std::u16string ToText(const Block& block) {
+  ipx::Writer out;
+  ipx::Write(&out, block);
+  return ipx::Unpack(out.text());
+}
+template <class Block>
+requires requires(ipx::Lines* lines, Block* block) {
+  ipx::Read(lines, block);
+}
+void FromText(std::u16string_view text, Block* block) {
+  const std::string packed = ipx::Pack(text);
+  ipx::Lines lines(packed);
+  ipx::Read(&lines, block);
+}
 
 // The container is the whole file; `program` is the path of the program that writes it, for the
 // first line. Both show the progress; when the user stops it, the text or the container is empty
@@ -87,22 +85,21 @@ using IpxSink = std::function<Status(std::string_view bytes)>;
 
 // Encodes the container as a parts file: code page 932 when every text reads back the same from it,
 // else UTF-16LE after its mark. Fails without a byte when a layer name, a part's second text or a
-// face name holds a double quote or a line break, which the file cannot hold; fails when the sink
-// does, and when the user stops it. Warns once when a number is not finite. `name` is what messages
-// call the file.
-Status EncodeIpx(const PartsA& container, std::u16string_view program, std::u16string_view name,
-                 const IpxSink& sink);
+// face name is one that the file cannot hold (ipx::QuoteFor); fails when the sink does, and when
+// the user stops it. Warns once when a number is not finite. `name` is what messages call the file.
+[[nodiscard]] Status EncodeIpx(const PartsA& container, std::u16string_view program,
+                               std::u16string_view name, const IpxSink& sink);
 
 // Writes a parts file, whole or not at all. Waits for a file that another process holds.
-Status WriteIpxFile(const std::filesystem::path& path, const PartsA& container,
-                    std::u16string_view program);
+[[nodiscard]] Status WriteIpxFile(const std::filesystem::path& path, const PartsA& container,
+                                  std::u16string_view program);
 
 // Decodes the bytes of a parts file: UTF-16 and UTF-8 by their marks, anything else as code page
-// 932. False when the user stopped it; the container is empty then.
-[[nodiscard]] bool DecodeIpx(std::string_view bytes, PartsA* container);
+// 932. Fails when the user stops it; the container is empty then.
+[[nodiscard]] Status DecodeIpx(std::string_view bytes, PartsA* container);
 
 // Reads a parts file. After a failure (the file is missing, empty or cannot be read, or the user
 // stopped the reading) the container is empty.
-Status ReadIpxFile(const std::filesystem::path& path, PartsA* container);
+[[nodiscard]] Status ReadIpxFile(const std::filesystem::path& path, PartsA* container);
 
 }  // namespace kerno

@@ -24,12 +24,12 @@ constexpr SwitchSetting kUseCacheIpx{u"PartsAry\\Convert3D", u"UseCacheIPX", fal
                                      "1: keep an IPX copy of converted models"};
 
 // Nobody asked for the copies, so nobody hears of them.
-class Silence {
+class WithoutNotices {
  public:
-  Silence() : before_(ReplaceNotices(nullptr)) {}
-  ~Silence() { ReplaceNotices(before_); }
-  Silence(const Silence&) = delete;
-  Silence& operator=(const Silence&) = delete;
+  WithoutNotices() : before_(ReplaceNotices(nullptr)) {}
+  ~WithoutNotices() { ReplaceNotices(before_); }
+  WithoutNotices(const WithoutNotices&) = delete;
+  WithoutNotices& operator=(const WithoutNotices&) = delete;
 
  private:
   Notices* before_;
@@ -102,7 +102,7 @@ std::optional<fs::path> IpxCache::PathOfConverted(const fs::path& source) {
 }
 
 void IpxCache::KeepCopy(const PartsA& parts, const fs::path& written) {
-  const Silence silence;
+  const WithoutNotices quiet;
   fs::path path = folder_ / written.stem();
   path += ".ipx";
   if (IsSameFile(path, written) || !MakeFolder()) return;

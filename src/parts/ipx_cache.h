@@ -33,7 +33,7 @@ class IpxCache {
   const std::filesystem::path& folder() const { return folder_; }
 
   // Where the parts file of a converted model lies, its folder made: the model's file name with
-  // ".ipx" behind it. A model that is a parts file is its own. Nothing when UsesIpxCache says no.
+  // ".ipx" added. A model that is a parts file is its own. Nothing when UsesIpxCache says no.
   std::optional<std::filesystem::path> PathOfConverted(const std::filesystem::path& source);
 
   // After `written` was written from these parts: keeps them as a parts file of the same base name,

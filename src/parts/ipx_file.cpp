@@ -45,9 +45,10 @@ bool EachPlainText(const PartsElement& part, const Visit& visit) {
 std::u16string Unwritable(const PartsElement& part) {
   std::u16string why;
   EachPlainText(part, [&](const PlainText& plain) {
-    if (plain.text.find_first_of(u"\"\r\n") == plain.text.npos) return true;
+    if (ipx::QuoteFor(plain.text) != 0) return true;
     why = u"the " + std::u16string(plain.what) + u" \u201C" + std::u16string(plain.text) +
-          u"\u201D holds a double quote or a line break, which a parts file cannot hold";
+          u"\u201D holds a line break, or both kinds of quotes before blanks, which a parts file "
+          u"cannot hold";
     return false;
   });
   return why;
@@ -139,10 +140,10 @@ Status WriteIpxFile(const fs::path& path, const PartsA& container, std::u16strin
   });
 }
 
-bool DecodeIpx(std::string_view bytes, PartsA* container) {
+Status DecodeIpx(std::string_view bytes, PartsA* container) {
   ipx::Pieces pieces(bytes);
   ipx::Lines lines([&](std::string_view* piece) { return pieces.Next(piece); }, bytes.size());
-  return Read(&lines, container);
+  return Read(&lines, container) ? Status::Ok() : Stopped(u"a parts file");
 }
 
 Status ReadIpxFile(const fs::path& path, PartsA* container) {

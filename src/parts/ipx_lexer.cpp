@@ -134,6 +134,20 @@ int32_t To32(int64_t value) {
 
 }  // namespace
 
+char QuoteFor(std::u16string_view text) {
+  if (text.find(u"\r\n") != text.npos) return 0;
+  for (const char quote : {'"', '\''}) {
+    size_t at = 0;
+    const auto ends_early = [&] {
+      return at + 1 < text.size() && text[at + 1] < 0x80 &&
+             IsSeparator(static_cast<char>(text[at + 1]));
+    };
+    while ((at = text.find(static_cast<char16_t>(quote), at)) != text.npos && !ends_early()) ++at;
+    if (at == text.npos) return quote;
+  }
+  return 0;
+}
+
 void Writer::Integer(int64_t value) {
   AppendInteger(&text_, value);
   text_.push_back(' ');
@@ -158,14 +172,17 @@ void Writer::NumberItem(double value) {
   text_.push_back(' ');
 }
 
-void Writer::Field(std::u16string_view text) {
-  text_.push_back('"');
+void Writer::Text(std::u16string_view text) {
+  const char fitting = QuoteFor(text);
+  const char quote = fitting != 0 ? fitting : '"';
+  text_.push_back(quote);
   AppendPacked(&text_, text);
-  text_.append("\" ");
+  text_.push_back(quote);
+  text_.push_back(' ');
 }
 
-void Writer::TextField(std::u16string_view text) {
-  Field(EscapeText(text));
+void Writer::EscapedText(std::u16string_view text) {
+  Text(EscapeText(text));
 }
 
 void Writer::List(const std::vector<int32_t>& values) {
@@ -174,10 +191,15 @@ void Writer::List(const std::vector<int32_t>& values) {
   text_.append("\" ");
 }
 
-void Writer::Point(const P3& point) {
-  Number(point.x);
-  Number(point.y);
-  Number(point.z);
+void Writer::Points(const std::vector<P2>& points) {
+  Raw("\"");
+  for (const P2& point : points) {
+    Raw("'");
+    Number(point.x);
+    Number(point.y);
+    Raw("' ");
+  }
+  Raw("\"");
 }
 
 void Writer::EndLine() {
@@ -223,53 +245,52 @@ void Tokens::Skip() {
   Next(&token);
 }
 
-void Tokens::Integer(int32_t* value) {
+void Tokens::Integer(int32_t& value) {
   if (!SkipSeparators()) return;
   if (IsQuote(*at_) || IsSpace(*at_)) {
     std::string_view token;
-    if (Next(&token)) *value = To32(LeadingInteger(token));
+    if (Next(&token)) value = To32(LeadingInteger(token));
     return;
   }
-  *value = To32(LeadingInteger({at_, static_cast<size_t>(end_ - at_)}, &at_));
+  value = To32(LeadingInteger({at_, static_cast<size_t>(end_ - at_)}, &at_));
   at_ = FindSeparator(at_, end_);
 }
 
-void Tokens::Number(double* value) {
+void Tokens::Number(double& value) {
   if (!SkipSeparators()) return;
   if (IsQuote(*at_) || IsSpace(*at_)) {
     std::string_view token;
-    if (Next(&token)) *value = LeadingNumber(token);
+    if (Next(&token)) value = LeadingNumber(token);
     return;
   }
-  *value = LeadingNumber({at_, static_cast<size_t>(end_ - at_)}, &at_);
+  value = LeadingNumber({at_, static_cast<size_t>(end_ - at_)}, &at_);
   at_ = FindSeparator(at_, end_);
 }
 
-void Tokens::Text(std::u16string* text) {
+void Tokens::Text(std::u16string& text) {
   std::string_view token;
-  if (Next(&token)) *text = Unpack(token);
+  if (Next(&token)) text = Unpack(token);
 }
 
-void Tokens::List(std::vector<int32_t>* values) {
+void Tokens::List(std::vector<int32_t>& values) {
   std::string_view token;
   if (!Next(&token)) return;
-  values->clear();
+  values.clear();
   for (Tokens items(token); items.SkipSeparators();) {
-    values->push_back(0);
-    items.Integer(&values->back());
+    values.push_back(0);
+    items.Integer(values.back());
   }
 }
 
-void Tokens::Point(P3* point) {
-  Number(&point->x);
-  Number(&point->y);
-  Number(&point->z);
-}
-
-Tokens Tokens::Group() {
-  std::string_view token;
-  Next(&token);
-  return Tokens(token);
+void Tokens::Points(std::vector<P2>& points) {
+  Group([&](Tokens& items) {
+    for (std::string_view token; items.Next(&token);) {
+      Tokens numbers(token);
+      P2& point = points.emplace_back();
+      numbers.Number(point.x);
+      numbers.Number(point.y);
+    }
+  });
 }
 
 bool Lines::AtEnd() {

@@ -17,6 +17,11 @@
 
 namespace kerno::ipx {
 
+// The quotes in which a text reads back whole: double ones, or single ones where a double quote of
+// the text stands before a blank or half a line break. 0 for a text that no line can hold: one with
+// a line break, or with both quotes so. What was read from a file has quotes.
+char QuoteFor(std::u16string_view text);
+
 // Writes fields into a packed text. Every field is followed by its blank.
 class Writer {
  public:
@@ -33,10 +38,18 @@ class Writer {
   void Number(double value);
   void IntegerItem(int64_t value);  // in single quotes
   void NumberItem(double value);
-  void Field(std::u16string_view text);      // in double quotes, unchanged
-  void TextField(std::u16string_view text);  // escaped, in double quotes
+  void Count(size_t value) { Integer(static_cast<int64_t>(value)); }
+  void Text(std::u16string_view text);         // unchanged, in the quotes that QuoteFor chooses
+  void EscapedText(std::u16string_view text);  // escaped, in double quotes
   void List(const std::vector<int32_t>& values);
-  void Point(const P3& point);  // the three numbers
+  void Points(const std::vector<P2>& points);  // Classic: no blank follows, files have none there
+  // What `fields` writes into this writer, in double quotes.
+  template <class Fields>
+  void Group(const Fields& fields) {
+    Raw("\"");
+    fields(*this);
+    Raw("\" ");
+  }
   void Raw(std::string_view ascii) { text_.append(ascii); }
   void RawPacked(std::u16string_view text) { AppendPacked(&text_, text); }
   void EndLine();
@@ -75,14 +88,23 @@ class Tokens {
 
   // Each reads the next field into its target and leaves the target alone when there is none. What
   // is no number is 0; an integer beyond 32 bits becomes the nearest.
-  void Integer(int32_t* value);
-  void Number(double* value);
-  void Text(std::u16string* text);
-  void List(std::vector<int32_t>* values);
-  void Point(P3* point);
-
-  // The fields of the next field.
-  Tokens Group();
+  void Integer(int32_t& value);
+  void Number(double& value);
+  void IntegerItem(int32_t& value) { Integer(value); }
+  void NumberItem(double& value) { Number(value); }
+  void Count(size_t /*value*/) { Skip(); }  // lists are as long as they are
+  void Text(std::u16string& text);
+  void EscapedText(std::u16string& text) { Text(text); }  // the escaping is not undone
+  void List(std::vector<int32_t>& values);
+  void Points(std::vector<P2>& points);
+  // What `fields` reads from the fields of the next field.
+  template <class Fields>
+  void Group(const Fields& fields) {
+    std::string_view token;
+    Next(&token);
+    Tokens group(token);
+    fields(group);
+  }
 
  private:
   bool SkipSeparators();

@@ -3,95 +3,53 @@
 #include <algorithm>
 #include <string>
 
-#include "base/notices.h"
-#include "parts/ipx.h"
-#include "parts/ipx_arrays.h"
+#include "base/throttle.h"
+#include "parts/ipx_fields.h"
 
 namespace kerno::ipx {
 namespace {
 
-constexpr std::u16string_view kReading = u"読み込み中．．．";
-constexpr std::u16string_view kWriting = u"書き込み中．．．";
 constexpr size_t kLinesOfPart = 15;  // of one whose arrays are empty
 // Parts that a container has beyond those that there are lines for: a file may be cut short, but a
 // wild count is no reason to fill the memory.
 constexpr size_t kMostMissing = 1000;
 
-void WritePointGroup(Writer* out, const P3& point) {
-  out->Raw("\"");
-  out->Point(point);
-  out->Raw("\" ");
+// The fields of a part's two header lines, written or read.
+template <class Line>
+void HeaderFields(Line* line, Of<PartsElement> auto& part) {
+  line->Integer(part.header_first);
+  line->Integer(part.header_second);
+  line->Text(part.name);
+  line->Group([&](auto& group) {
+    group.IntegerItem(part.pen.color);
+    group.NumberItem(part.pen.width);
+    group.IntegerItem(part.pen.style);
+    group.NumberItem(part.pen.unit_width);
+    group.NumberItem(part.pen.unit_length);
+  });
+  line->Group([&](auto& group) {
+    group.IntegerItem(part.brush.color);
+    group.IntegerItem(part.brush.style);
+    group.IntegerItem(part.brush.hatch);
+  });
+  line->Text(part.second_text);
+  line->Group([&](auto& group) {
+    group.NumberItem(part.extra.first);
+    group.IntegerItem(part.extra.second);
+    group.NumberItem(part.extra.third);
+  });
 }
 
-void WriteHeaderLine(Writer* out, const PartsElement& part) {
-  out->Integer(part.header_first);
-  out->Integer(part.header_second);
-  out->Field(part.name);
-  out->Raw("\"");
-  out->IntegerItem(part.pen.color);
-  out->NumberItem(part.pen.width);
-  out->IntegerItem(part.pen.style);
-  out->NumberItem(part.pen.unit_width);
-  out->NumberItem(part.pen.unit_length);
-  out->Raw("\" \"");
-  out->IntegerItem(part.brush.color);
-  out->IntegerItem(part.brush.style);
-  out->IntegerItem(part.brush.hatch);
-  out->Raw("\" ");
-  out->Field(part.second_text);
-  out->Raw("\"");
-  out->NumberItem(part.extra.first);
-  out->IntegerItem(part.extra.second);
-  out->NumberItem(part.extra.third);
-  out->Raw("\" ");
-  out->EndLine();
-}
-
-void ReadHeaderLine(std::string_view line, PartsElement* part) {
-  Tokens tokens(line);
-  tokens.Integer(&part->header_first);
-  tokens.Integer(&part->header_second);
-  tokens.Text(&part->name);
-  Tokens pen = tokens.Group();
-  pen.Integer(&part->pen.color);
-  pen.Number(&part->pen.width);
-  pen.Integer(&part->pen.style);
-  pen.Number(&part->pen.unit_width);
-  pen.Number(&part->pen.unit_length);
-  Tokens brush = tokens.Group();
-  brush.Integer(&part->brush.color);
-  brush.Integer(&part->brush.style);
-  brush.Integer(&part->brush.hatch);
-  tokens.Text(&part->second_text);
-  Tokens extra = tokens.Group();
-  extra.Number(&part->extra.first);
-  extra.Integer(&part->extra.second);
-  extra.Number(&part->extra.third);
-}
-
-void WriteBodyLine(Writer* out, const Parts& part) {
-  out->Integer(part.placement.code);
-  WritePointGroup(out, part.placement.origin);
-  const Extent3 box = part.Extent();
-  WritePointGroup(out, box.min);
-  WritePointGroup(out, box.max);
-  out->List(part.codes);
-  out->Integer(part.keeps_order);
-  out->Integer(part.trailing);
-  out->EndLine();
-}
-
-// The box is passed over: it is that of the vertices.
-void ReadBodyLine(std::string_view line, Parts* part) {
-  Tokens tokens(line);
-  tokens.Integer(&part->placement.code);
-  Tokens origin = tokens.Group();
-  origin.Point(&part->placement.origin);
-  tokens.Skip();
-  tokens.Skip();
-  tokens.List(&part->codes);
-  tokens.Integer(&part->keeps_order);
-  tokens.Integer(&part->trailing);
+template <class Line>
+void BodyFields(Line* line, Of<PartsElement> auto& part) {
+  Extent3 box = part.Extent();  // what is read of it is dropped: it is that of the vertices
+  line->Integer(part.placement.code);
+  line->Group([&](auto& group) { Fields(&group, part.placement.origin); });
+  line->Group([&](auto& group) { Fields(&group, box.min); });
+  line->Group([&](auto& group) { Fields(&group, box.max); });
+  line->List(part.codes);
+  line->Integer(part.keeps_order);
+  line->Integer(part.trailing);
 }
 
 // Calls `visit` with each of the thirteen arrays in the order of the file.
@@ -123,20 +81,46 @@ size_t MostParts(size_t stated, const Lines& lines) {
 
 // Into a part as it was made.
 void ReadFresh(Lines* lines, PartsElement* part) {
-  ReadHeaderLine(lines->Next(), part);
-  ReadBodyLine(lines->Next(), part);
+  Tokens header(lines->Next());
+  HeaderFields(&header, *part);
+  Tokens body(lines->Next());
+  BodyFields(&body, *part);
   ForEachArray(*part, [&](auto& array) { Read(lines, &array); });
 }
 
-Continue Show(std::u16string_view text, size_t done, size_t total) {
-  return CurrentNotices().Progress(text, static_cast<int64_t>(done), static_cast<int64_t>(total));
-}
+// Progress, part by part.
+class PartsProgress {
+ public:
+  explicit PartsProgress(std::u16string_view text) : text_(text) {}
+  bool IsStopped(size_t done, size_t total) {
+    return paced_.Step(text_, static_cast<int64_t>(done), static_cast<int64_t>(total)) ==
+           Continue::kNo;
+  }
+
+ private:
+  std::u16string_view text_;
+  PacedProgress paced_;
+};
 
 }  // namespace
 
+size_t ReadBlockHeader(Lines* lines, int32_t* id) {
+  const std::string_view line = lines->Next();
+  const char* stop = nullptr;
+  const int64_t count = LeadingInteger(line, &stop);
+  const std::string_view rest = line.substr(static_cast<size_t>(stop - line.data()));
+  Tokens tokens(rest);
+  if (!rest.empty() && !IsSeparator(rest.front())) tokens.Skip();
+  *id = 0;
+  tokens.Integer(*id);
+  return static_cast<size_t>(std::max<int64_t>(count, 0));
+}
+
 void Write(Writer* out, const PartsElement& part) {
-  WriteHeaderLine(out, part);
-  WriteBodyLine(out, part);
+  HeaderFields(out, part);
+  out->EndLine();
+  BodyFields(out, part);
+  out->EndLine();
   ForEachArray(part, [&](const auto& array) { Write(out, array); });
 }
 
@@ -159,11 +143,12 @@ bool Write(Writer* out, const PartsA& container, std::u16string_view program) {
   out->RawPacked(path);
   out->Raw("\"");
   out->EndLine();
+  PartsProgress progress(u"書き込み中．．．");
   for (size_t i = 0; i < count; ++i) {
-    if (Show(kWriting, i, count) == Continue::kNo || out->stopped()) return false;
+    if (progress.IsStopped(i, count) || out->stopped()) return false;
     Write(out, container.parts[i]);
   }
-  return Show(kWriting, count, count) != Continue::kNo && out->Finish();
+  return !progress.IsStopped(count, count) && out->Finish();
 }
 
 bool Read(Lines* lines, PartsA* container) {
@@ -172,18 +157,18 @@ bool Read(Lines* lines, PartsA* container) {
   Tokens header(lines->Next());
   std::string_view first;
   header.Next(&first);
-  header.Integer(&container->id);
+  header.Integer(container->id);
   const auto stated = static_cast<size_t>(std::max<int64_t>(LeadingInteger(first), 0));
   const size_t header_lines = lines->taken();
   const size_t shown = MostParts(stated, *lines);
   std::vector<PartsElement>& parts = container->parts;
   parts.reserve(shown);
-  bool stopped = Show(kReading, 0, shown) == Continue::kNo;
+  PartsProgress progress(u"読み込み中．．．");
+  bool stopped = progress.IsStopped(0, shown);
   while (!stopped && parts.size() < stated && !lines->AtEnd()) {
     ReadFresh(lines, &parts.emplace_back());
-    stopped = Show(kReading, parts.size(), std::max(shown, parts.size())) == Continue::kNo;
+    stopped = progress.IsStopped(parts.size(), std::max(shown, parts.size()));
   }
-  if (!stopped && parts.size() < shown) stopped = Show(kReading, shown, shown) == Continue::kNo;
   if (stopped) {
     *container = PartsA();
     return false;

@@ -25,7 +25,7 @@ void AppendCodePage(std::string* packed, std::string_view bytes) {
   }
 }
 
-// Where `end` stands behind a multiple of two bytes, from `at` on.
+// Where `end` stands after a multiple of two bytes, from `at` on.
 size_t FindUnits(std::string_view bytes, std::string_view end, size_t at) {
   while ((at = bytes.find(end, at)) != bytes.npos && at % 2 != 0) ++at;
   return at;
@@ -70,7 +70,7 @@ void Pieces::FindForm() {
                                   : Form::kCodePage;
 }
 
-// Takes whole lines off the rest: some more than a piece, all when no line ends behind that.
+// Takes whole lines off the rest: some more than a piece, all when no line ends after that.
 std::string_view Pieces::Cut() {
   size_t from = kPiece;
   size_t end = EndOfLine(from);
@@ -85,7 +85,7 @@ std::string_view Pieces::Cut() {
   return bytes;
 }
 
-// The position behind the first end of a line at or after `from`.
+// The position after the first end of a line at or after `from`.
 size_t Pieces::EndOfLine(size_t from) const {
   if (form_ == Form::kLittleEndian || form_ == Form::kBigEndian) {
     constexpr std::string_view kLittle("\r\0\n\0", 4);

@@ -46,8 +46,8 @@ class Appender {
       Each(&to_->faces[i], from_.faces[i], 10, [&](FaceItem& e) { MoveAll(&e.vertices); });
     }
     Each(&to_->edges, from_.edges, 10, [&](EdgeItem& e) {
-      Move(&e.values[0]);
-      Move(&e.values[1]);
+      Move(&e.start);
+      Move(&e.end);
     });
     const auto move_set = [&](PointSet& e) { MoveAll(&e.vertices); };
     Each(&to_->point_sets, from_.point_sets, 10, move_set);

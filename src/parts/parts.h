@@ -64,14 +64,16 @@ struct Parts {
 
   // Appends another part. Onto an empty part it is copied whole; a smaller part is appended to a
   // copy of the larger one (setting "Debug\Parts", "oprator+=...UseMerge", default 1), unless
-  // keeps_order says otherwise: the larger part's elements then stand first, which is meant.
+  // keeps_order says otherwise.
+  // Classic: the larger part's elements then stand first, for the sake of speed.
   Parts& operator+=(const Parts& other);
 
   // The box over all vertices of the pool; zero when there are none.
   Extent3 Extent() const { return ExtentOf(vertices); }
 };
 
-// The pen of a part: first attribute group of its header.
+// The pen of a part: first attribute group of its header. Lengths are in model units; those who
+// draw take their magnitude, and 0 for what is not finite.
 struct PenAttributes {
   int32_t color = 0;       // Color
   double width = 0;        // 0: a hairline

@@ -14,7 +14,9 @@ constexpr size_t kScanned = 12;        // pools up to this size are scanned: fas
 constexpr size_t kLimitApplies = 101;  // pools from this size on obey MaxSearch
 constexpr uint32_t kReadLimitEvery = 1000;
 
-// Shared by all searches of the process; the direction outlives the pool, which is meant.
+// Shared by all searches of the process.
+// Classic: the direction outlives the pool; which of two equal points is found, and so the indices
+// in files, hangs on it.
 struct SearchState {
   bool backward = true;
   uint32_t limited_calls = 0;

@@ -41,10 +41,6 @@ std::string Entities(DxfWriter* dxf) {
   return Between(Finished(dxf), "ENTITIES\r\n", "  0\r\nENDSEC");
 }
 
-std::string Header(DxfWriter* dxf) {
-  return Between(Finished(dxf), "HEADER\r\n", "  0\r\nENDSEC");
-}
-
 std::string Layers(DxfWriter* dxf) {
   return Between(Finished(dxf), "  2\r\nLAYER\r\n", "  0\r\nENDTAB");
 }
@@ -101,16 +97,19 @@ TEST(DxfWriter, ASpatialDrawingWithEveryEntity) {
 
 TEST(DxfWriter, FlatEntitiesCarryNoZExceptFaces) {
   DxfWriter dxf(DxfMode::kFlat);
-  dxf.Line2D({1, 2, 3}, {4, 5, 6});
+  const DxfStyle style = {u"own", 12};
+  dxf.Line2D({1, 2, 3}, {4, 5, 6}, &style);
+  dxf.Line2D({4, 5}, {1, 1});
   dxf.Circle2D({1, 2, 3}, 0.5);
   dxf.Arc2D({{1, 2, 3}, 0.5, 0, 90});
   dxf.Face({0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1});
   EXPECT_EQ(Entities(&dxf),
-            Groups({"0 LINE", "8 0",  "62 7",   "10 1", "20 2",   "11 4",     "21 5", "0 CIRCLE",
-                    "8 0",    "62 7", "10 1",   "20 2", "40 0.5", "0 ARC",    "8 0",  "62 7",
-                    "10 1",   "20 2", "40 0.5", "50 0", "51 90",  "0 3DFACE", "8 0",  "62 7",
-                    "10 0",   "20 0", "30 1",   "11 1", "21 0",   "31 1",     "12 1", "22 1",
-                    "32 1",   "13 0", "23 1",   "33 1", "70 0"}));
+            Groups({"0 LINE", "8 own", "62 12", "10 1", "20 2", "11 4", "21 5"}) +
+                Groups({"0 LINE", "8 0", "62 7", "10 4", "20 5", "11 1", "21 1"}) +
+                Groups({"0 CIRCLE", "8 0", "62 7", "10 1", "20 2", "40 0.5"}) +
+                Groups({"0 ARC", "8 0", "62 7", "10 1", "20 2", "40 0.5", "50 0", "51 90"}) +
+                Groups({"0 3DFACE", "8 0", "62 7", "10 0", "20 0", "30 1", "11 1", "21 0", "31 1",
+                        "12 1", "22 1", "32 1", "13 0", "23 1", "33 1", "70 0"}));
 }
 
 TEST(DxfWriter, TextsWriteOnlyTheGroupsThatSaySomething) {
@@ -131,16 +130,6 @@ TEST(DxfWriter, TextsWriteOnlyTheGroupsThatSaySomething) {
     c.vertical ? dxf.VerticalText2D(text) : dxf.Text2D(text);
     EXPECT_EQ(Entities(&dxf), Groups({"0 TEXT", "8 0", "62 7", "40 4", "1 x"}) + c.groups +
                                   Groups({"10 1", "20 2"}));
-  }
-}
-
-TEST(DxfWriter, NumbersHaveSixDigitsAndLongExponents) {
-  const std::pair<double, const char*> cases[] = {
-      {-0.0, "-0"}, {1.0 / 3, "0.333333"}, {999999.5, "1e+006"}, {0.00001, "1e-005"}};
-  for (const auto& [value, text] : cases) {
-    DxfWriter dxf(DxfMode::kFlat);
-    dxf.Circle2D({value, 0}, 1);
-    EXPECT_EQ(Between(Entities(&dxf), " 10\r\n", "\r\n"), text);
   }
 }
 
@@ -171,59 +160,39 @@ TEST(DxfWriter, Layers) {
   dxf.SetLayerName(u"layer");
   dxf.SetLayerName(u"Lay er");
   dxf.SetLayerNumber(-12);
-  EXPECT_EQ(Layers(&dxf), Groups({"70 4",         "0 LAYER", "2 Unknown", "70 64", "62 7",
-                                  "6 CONTINUOUS", "0 LAYER", "2 Layer",   "70 64", "62 6",
-                                  "6 CONTINUOUS", "0 LAYER", "2 layer",   "70 64", "62 6",
-                                  "6 CONTINUOUS", "0 LAYER", "2 -12",     "70 64", "62 6",
-                                  "6 CONTINUOUS"}));
+  std::string rows = Groups({"70 4"});
+  for (const auto& [name, color] : {std::pair("2 Unknown", "62 7"), std::pair("2 Layer", "62 6"),
+                                    std::pair("2 layer", "62 6"), std::pair("2 -12", "62 6")}) {
+    rows += Groups({"0 LAYER", name, "70 64", color, "6 CONTINUOUS"});
+  }
+  EXPECT_EQ(Layers(&dxf), rows);
 }
 
 TEST(DxfWriter, TheLayerTableEndsAt500Rows) {
   DxfWriter dxf(DxfMode::kFlat);
-  for (int i = 0; i < 500; ++i) {
-    const std::string name = "L" + std::to_string(i);
-    EXPECT_TRUE(dxf.RegisterLayer(std::u16string(name.begin(), name.end()), 1)) << i;
-  }
-  EXPECT_FALSE(dxf.RegisterLayer(u"L500", 1));
-  EXPECT_TRUE(dxf.RegisterLayer(u"L499", 2));
-  dxf.SetLayerName(u"L500");
+  for (int i = 0; i < 500; ++i) dxf.SetLayerNumber(i);
+  EXPECT_FALSE(dxf.RegisterLayer(u"500", 1));
+  EXPECT_TRUE(dxf.RegisterLayer(u"499", 2));
+  dxf.SetLayerNumber(500);
   dxf.Line2D({0, 0}, {1, 1});
   const std::string file = Finished(&dxf);
   EXPECT_NE(file.find("LAYER\r\n 70\r\n500\r\n"), file.npos);
-  EXPECT_EQ(file.find("LAYER\r\n  2\r\nL500\r\n"), file.npos);
-  EXPECT_NE(file.find("LINE\r\n  8\r\nL500\r\n"), file.npos);
+  EXPECT_EQ(file.find("LAYER\r\n  2\r\n500\r\n"), file.npos);
+  EXPECT_NE(file.find("LINE\r\n  8\r\n500\r\n"), file.npos);
 }
 
 TEST(DxfWriter, TextsAreCutBeforeTheCharacterThatDoesNotFit) {
-  const struct {
-    std::u16string text;
-    std::string bytes;
-  } cases[] = {
+  const std::string full(1022, 'x');
+  const std::u16string almost(1022, u'x');
+  const std::pair<std::u16string, std::string> cases[] = {
       {u"\x0E01\x2028\xD83D\xDE00x", "____x"},
-      {std::u16string(1023, u'x'), std::string(1023, 'x')},
-      {std::u16string(1024, u'x'), std::string(1023, 'x')},
-      {u"x" + std::u16string(511, u'あ'), "x" +
-                                              [] {
-                                                std::string s;
-                                                for (int i = 0; i < 511; ++i) s += "\x82\xA0";
-                                                return s;
-                                              }()},
-      {std::u16string(1022, u'x') + u"あy", std::string(1022, 'x')},
-      {std::u16string(1021, u'x') + u",y", std::string(1021, 'x')},
+      {almost + u"x", full + "x"},
+      {almost + u"xx", full + "x"},
+      {almost.substr(1) + u"あ", full.substr(1) + "\x82\xA0"},
+      {almost + u"あy", full},
+      {almost.substr(1) + u",y", full.substr(1)},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(DxfTextBytes(c.text), c.bytes) << c.text.size();
-    EXPECT_LE(DxfTextBytes(c.text).size(), 1023u);
-  }
-}
-
-TEST(DxfWriter, StylesOfSingleEntities) {
-  DxfWriter dxf(DxfMode::kFlat);
-  const DxfStyle style = {u"own", 12};
-  dxf.Line2D({0, 0}, {1, 1}, &style);
-  dxf.Line2D({1, 1}, {2, 2});
-  EXPECT_EQ(Entities(&dxf), Groups({"0 LINE", "8 own", "62 12", "10 0", "20 0", "11 1", "21 1",
-                                    "0 LINE", "8 0", "62 7", "10 1", "20 1", "11 2", "21 2"}));
+  for (const auto& [text, bytes] : cases) EXPECT_EQ(DxfTextBytes(text), bytes) << text.size();
 }
 
 TEST(DxfWriter, WhatIsNotFiniteIsLeftOutAndCounted) {
@@ -236,39 +205,20 @@ TEST(DxfWriter, WhatIsNotFiniteIsLeftOutAndCounted) {
   dxf.Arc2D({{0, 0}, 1, inf, 0});
   dxf.Text2D({{0, 0}, u"x", nan});
   dxf.Triangle({0, 0, inf}, {1, 0}, {0, 1});
-  EXPECT_EQ(dxf.left_out(), 6);
+  EXPECT_EQ(dxf.left_out(), 6u);
   dxf.Line2D({1, 1, nan}, {2, 2, inf});  // z is not written here
-  EXPECT_EQ(dxf.left_out(), 6);
-  EXPECT_EQ(Header(&dxf).find("nan"), std::string::npos);
+  EXPECT_EQ(dxf.left_out(), 6u);
+  EXPECT_EQ(Finished(&dxf).find("nan"), std::string::npos);
 }
 
 TEST(DxfWriter, DigitsThatGetLostAreNoticed) {
-  const struct {
-    double x;
-    bool lost;
-  } cases[] = {{99999.96, false}, {123456, false},    {-123456.5, true}, {1e6, true},
-               {1e-9, false},     {0.1234567, false}, {-1e9, true}};
-  for (const auto& c : cases) {
+  const std::pair<double, bool> cases[] = {{99999.96, false}, {123456, false},    {-123456.5, true},
+                                           {1e6, true},       {0.1234567, false}, {-1e9, true}};
+  for (const auto& [x, lost] : cases) {
     DxfWriter dxf(DxfMode::kFlat);
-    dxf.Line2D({0, 0}, {0, c.x});
-    EXPECT_EQ(dxf.lost_precision(), c.lost) << c.x;
+    dxf.Line2D({0, 0}, {0, x});
+    EXPECT_EQ(dxf.lost_precision(), lost) << x;
   }
-}
-
-TEST(DxfWriter, AFailureAtAnyByteIsReported) {
-  size_t whole = 0;
-  for (size_t capacity = 0; whole == 0; ++capacity) {
-    DxfWriter dxf(DxfMode::kFlat);
-    dxf.Line2D({0, 0}, {1, 1});
-    MemoryFile file(capacity);
-    const Status status = dxf.FinishInto(&file);
-    if (status.ok()) whole = capacity;
-    ASSERT_TRUE(status.ok() || status.failure == Failure::kNoSpace) << capacity;
-    ASSERT_LT(capacity, 10000u);
-  }
-  DxfWriter dxf(DxfMode::kFlat);
-  dxf.Line2D({0, 0}, {1, 1});
-  EXPECT_EQ(whole, Finished(&dxf).size());
 }
 
 TEST(DxfWriter, AFailedDrawingWritesNoFile) {
@@ -281,22 +231,10 @@ TEST(DxfWriter, AFailedDrawingWritesNoFile) {
   EXPECT_TRUE(folder.Names().empty());
 }
 
-// Sections that outgrow their memory go to scratch files and come out the same.
-TEST(DxfWriter, LargeSectionsGoThroughScratchFiles) {
-  std::string bytes[2];
-  for (const size_t limit : {SectionBuffer::kMemoryLimit, size_t{10000}}) {
-    DxfWriter dxf(DxfMode::kFlat, limit);
-    for (int i = 0; i < 50000; ++i) dxf.Line2D({i * 0.5, 1.0}, {i * 0.5 + 0.5, 1.0});
-    bytes[limit == 10000] = Finished(&dxf);
-  }
-  EXPECT_GT(bytes[0].size(), 3000000u);
-  EXPECT_EQ(bytes[0], bytes[1]);
-}
-
 // Streamed after a rehearsal, a drawing is the same, is not kept, and a full disk is still noticed.
 TEST(DxfWriter, StreamedDrawingsAreTheSame) {
   const auto draw = [](DxfWriter* dxf) {
-    for (int i = 0; i < 30000; ++i) {
+    for (int i = 0; i < 15000; ++i) {
       dxf->SetColor(static_cast<int16_t>(1 + i % 7));
       dxf->SetLayerNumber(i % 20);
       dxf->Line3D({i * 0.5, 1.0, -2}, {i * 0.5 + 0.5, -3.0, 4});
@@ -306,44 +244,21 @@ TEST(DxfWriter, StreamedDrawingsAreTheSame) {
       dxf->Arc3D({{0, 0, -1.0 * i}, 1, 0, 90});
     }
   };
-  DxfWriter kept(DxfMode::kSpatial);
+  DxfWriter kept(DxfMode::kSpatial), rehearsal(DxfMode::kSpatial);
   draw(&kept);
   const std::string expected = Finished(&kept);
+  rehearsal.Rehearse();
+  draw(&rehearsal);
   for (const size_t capacity : {MemoryFile::kUnlimited, size_t{100}, expected.size() / 2}) {
-    DxfWriter rehearsal(DxfMode::kSpatial);
-    rehearsal.Rehearse();
-    draw(&rehearsal);
     DxfWriter dxf(DxfMode::kSpatial);
     MemoryFile file(capacity);
     dxf.StreamInto(&file, rehearsal);
     draw(&dxf);
-    if (capacity == MemoryFile::kUnlimited) {
-      EXPECT_GT(file.bytes.size(), expected.size() / 2);
-      EXPECT_TRUE(dxf.FinishInto(&file).ok());
-      EXPECT_EQ(file.bytes, expected);
-    } else {
-      EXPECT_EQ(dxf.FinishInto(&file).failure, Failure::kNoSpace);
-    }
+    const bool fits = capacity == MemoryFile::kUnlimited;
+    EXPECT_GT(file.bytes.size(), fits ? expected.size() / 2 : 0);
+    EXPECT_EQ(dxf.FinishInto(&file).failure, fits ? Failure::kNone : Failure::kNoSpace);
+    EXPECT_EQ(file.bytes == expected, fits);
   }
-}
-
-TEST(SectionBuffer, SpillsAndCopiesBackAndLeavesNothing) {
-  const test::TemporaryFolder folder;
-  for (const bool can_spill : {true, false}) {
-    SectionBuffer section(can_spill ? folder.path() : folder / "missing", "DxE", 100000);
-    std::string expected;
-    for (int i = 0; i < 200000; ++i) {
-      section.Append(std::to_string(i));
-      expected += std::to_string(i);
-    }
-    EXPECT_EQ(section.spilled(), can_spill);
-    for (int copy = 0; copy < 2; ++copy) {
-      MemoryFile file;
-      EXPECT_TRUE(section.CopyTo(&file).ok());
-      EXPECT_EQ(file.bytes, expected);
-    }
-  }
-  EXPECT_TRUE(folder.Names().empty());
 }
 
 }  // namespace

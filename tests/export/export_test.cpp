@@ -4,8 +4,6 @@
 
 #include "base/text.h"
 #include "parts/ipx_cache.h"
-#include "support/file_holder.h"
-#include "support/recording_notices.h"
 #include "support/temporary_folder.h"
 
 namespace kerno {
@@ -31,24 +29,6 @@ TEST(Export, TheExtensionChoosesExactly) {
     EXPECT_EQ(status.why.empty(), c.result == 1) << c.name;
     EXPECT_EQ(folder.Names().size(), c.result == 1 ? 1u : 0u) << c.name;
     std::filesystem::remove(folder / c.name);
-  }
-}
-
-TEST(Export, EveryWriterWaitsForAnotherProcess) {
-  const TemporaryFolder folder;
-  const std::filesystem::path file = folder / "held";
-  PartsA model;
-  model.parts.resize(1);
-  for (const Format& format : Formats()) {
-    test::WriteBytes(file, "old");
-    test::RecordingNotices notices;
-    const test::FileHolder holder(file, test::HoldKind::kWholeFile, 200);
-    const Status status = format.write(model, file, {});
-    EXPECT_TRUE(status.ok()) << format.extension << ": " << Utf16ToUtf8(status.why);
-    EXPECT_EQ(notices.waits,
-              (std::vector<std::u16string>{u"FileWait OpenWrite " + PathText(file), u""}))
-        << format.extension;
-    EXPECT_NE(test::ReadBytes(file), "old") << format.extension;
   }
 }
 

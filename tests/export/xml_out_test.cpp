@@ -78,12 +78,10 @@ TEST(XmlOut, LongDocumentsReachTheFileInPiecesAndFailuresAreKept) {
       xml.End();
     }
     xml.End();
-    EXPECT_EQ(xml.Finish().ok(), capacity == MemoryFile::kUnlimited);
-    if (capacity != MemoryFile::kUnlimited) continue;
+    const bool fits = capacity == MemoryFile::kUnlimited;
+    EXPECT_EQ(xml.Finish().ok(), fits);
     EXPECT_GT(file.writes, 1u);
-    std::string expected = "<a>\n";
-    for (int i = 0; i < 300000; ++i) expected += " <b/>\n";
-    EXPECT_EQ(file.bytes, expected + "</a>\n");
+    EXPECT_EQ(file.bytes.size(), fits ? 4 + 300000 * 6 + 5 : capacity);
   }
 }
 

@@ -22,98 +22,82 @@ TEST(IpxCache, VersionNumber) {
   EXPECT_EQ(IpxVersionNumber(u""), 0);
 }
 
-TEST(IpxCache, CopiesLiveAsLongAsTheProgram) {
-  const TemporaryFolder folder;
-  const test::RecordingNotices notices;
-  const fs::path cache = folder / "PartsA.tmp/1.2020180726";
+class IpxCacheTest : public testing::Test {
+ protected:
+  const TemporaryFolder folder_;
+  const test::RecordingNotices notices_;
+  const fs::path cache_ = folder_ / "PartsA.tmp/1.2020180726";
+};
+
+TEST_F(IpxCacheTest, CopiesLiveAsLongAsTheProgram) {
   {
-    IpxCache copies(folder.path(), u"kerno");
-    EXPECT_FALSE(fs::exists(folder / "PartsA.tmp"));
-    copies.KeepCopy(test::EveryKind(), folder / "out/a.b.svg");
-    copies.KeepCopy(test::EveryKind(), folder / "out/a.b.dxf");
-    copies.KeepCopy(test::EveryKind(), folder / "out/c.ipx");
-    EXPECT_TRUE(fs::exists(cache / "c.ipx"));
+    IpxCache copies(folder_.path(), u"kerno");
+    EXPECT_FALSE(fs::exists(folder_ / "PartsA.tmp"));
+    copies.KeepCopy({}, folder_ / "out/a.b.svg");
+    copies.KeepCopy(test::EveryKind(), folder_ / "out/a.b.dxf");
+    copies.KeepCopy(test::EveryKind(), folder_ / "out/c.ipx");
+    EXPECT_TRUE(fs::exists(cache_ / "c.ipx"));
+    EXPECT_TRUE(notices_.messages.empty() && notices_.steps.empty());
     PartsA read;
-    EXPECT_TRUE(ReadIpxFile(cache / "a.b.ipx", &read).ok());
+    EXPECT_TRUE(ReadIpxFile(cache_ / "a.b.ipx", &read).ok());
     EXPECT_EQ(ToText(read, u""), ToText(test::EveryKind(), u""));
   }
-  EXPECT_TRUE(folder.Names().empty());
-  // Only the reading above showed anything.
-  EXPECT_TRUE(notices.messages.empty());
-  EXPECT_EQ(notices.steps.front().text, u"読み込み中．．．");
+  EXPECT_TRUE(folder_.Names().empty());
 }
 
-TEST(IpxCache, NeverCopiesOntoTheFileItself) {
-  const TemporaryFolder folder;
-  const fs::path cache = folder / "PartsA.tmp/1.2020180726";
-  fs::create_directories(cache);
-  test::WriteBytes(cache / "a.ipx", "exported");
+TEST_F(IpxCacheTest, NeverCopiesOntoTheFileItself) {
+  fs::create_directories(cache_);
+  test::WriteBytes(cache_ / "a.ipx", "exported");
   std::error_code no_links;
-  fs::create_symlink(cache, folder / "link", no_links);
+  fs::create_symlink(cache_, folder_ / "link", no_links);
   {
-    IpxCache copies(folder.path(), u"kerno");
-    copies.KeepCopy(test::EveryKind(), cache / "a.ipx");
-    if (!no_links) copies.KeepCopy(test::EveryKind(), folder / "link/a.ipx");
-    copies.KeepCopy(test::EveryKind(), folder / "PartsA.tmp/../PartsA.tmp/1.2020180726/a.ipx");
+    IpxCache copies(folder_.path(), u"kerno");
+    copies.KeepCopy(test::EveryKind(), cache_ / "a.ipx");
+    if (!no_links) copies.KeepCopy(test::EveryKind(), folder_ / "link/a.ipx");
+    copies.KeepCopy(test::EveryKind(), folder_ / "PartsA.tmp/../PartsA.tmp/1.2020180726/a.ipx");
   }
-  EXPECT_EQ(test::ReadBytes(cache / "a.ipx"), "exported");
+  EXPECT_EQ(test::ReadBytes(cache_ / "a.ipx"), "exported");
 }
 
-TEST(IpxCache, RemovesOnlyWhatItPutThere) {
-  const TemporaryFolder folder;
-  const fs::path cache = folder / "PartsA.tmp/1.2020180726";
+TEST_F(IpxCacheTest, RemovesOnlyWhatItPutThere) {
   {
-    IpxCache copies(folder.path(), u"kerno");
+    IpxCache copies(folder_.path(), u"kerno");
     copies.KeepCopy({}, "mine.svg");
     copies.KeepCopy({}, "changed.svg");
-    test::WriteBytes(cache / "changed.ipx", "by somebody else");
-    test::WriteBytes(cache / "other.ipx", "of another process");
+    test::WriteBytes(cache_ / "changed.ipx", "by somebody else");
+    test::WriteBytes(cache_ / "other.ipx", "of another process");
   }
-  EXPECT_FALSE(fs::exists(cache / "mine.ipx"));
-  EXPECT_TRUE(fs::exists(cache / "changed.ipx"));
-  EXPECT_TRUE(fs::exists(cache / "other.ipx"));
-  fs::remove(cache / "changed.ipx");
-  fs::remove(cache / "other.ipx");
-  {
-    IpxCache copies(folder.path(), u"kerno");
-    copies.KeepCopy({}, "mine.svg");
-  }
-  EXPECT_TRUE(fs::is_empty(cache));  // the folder is not this object's
+  EXPECT_FALSE(fs::exists(cache_ / "mine.ipx"));
+  EXPECT_TRUE(fs::exists(cache_ / "changed.ipx"));
+  EXPECT_TRUE(fs::exists(cache_ / "other.ipx"));
 }
 
-TEST(IpxCache, FailuresAreSilent) {
-  const TemporaryFolder folder;
-  const test::RecordingNotices notices;
+TEST_F(IpxCacheTest, FailuresAreSilent) {
   PartsA unwritable;
   unwritable.parts.resize(1);
-  unwritable.parts[0].name = u"a\"b";
+  unwritable.parts[0].name = u"a\r\nb";
   {
-    IpxCache copies(folder.path(), u"kerno");
+    IpxCache copies(folder_.path(), u"kerno");
     copies.KeepCopy(unwritable, "a.svg");
     copies.KeepCopy({}, fs::path(std::string(300, 'x')));
     test::FakeSystem system;
     system.private_folders = false;
     copies.KeepCopy({}, "b.svg");
   }
-  EXPECT_TRUE(notices.messages.empty());
-  EXPECT_TRUE(folder.Names().empty());
+  EXPECT_TRUE(notices_.messages.empty());
+  EXPECT_TRUE(folder_.Names().empty());
 }
 
-TEST(IpxCache, ConvertedModelsWhenTheSettingAsksForThem) {
-  const TemporaryFolder folder;
+TEST_F(IpxCacheTest, ConvertedModelsWhenTheSettingAsksForThem) {
   FakeSettings settings;
-  const fs::path cache = folder / "PartsA.tmp/1.2020180726";
-  {
-    IpxCache copies(folder.path(), u"kerno");
-    EXPECT_EQ(copies.PathOfConverted("a.stl"), std::nullopt);
-    settings.ints[{u"PartsAry\\Convert3D", u"UseCacheIPX"}] = 1;
-    EXPECT_EQ(copies.PathOfConverted("x/y.IPX"), fs::path("x/y.IPX"));
-    EXPECT_FALSE(fs::exists(cache));
-    EXPECT_EQ(copies.PathOfConverted("x/a.stl"), cache / "a.stl.ipx");
-    EXPECT_EQ(copies.PathOfConverted("C:\\x\\a.stl"), cache / "a.stl.ipx");
-    EXPECT_TRUE(fs::exists(cache));
-  }
-  EXPECT_FALSE(fs::exists(folder / "PartsA.tmp"));
+  IpxCache copies(folder_.path(), u"kerno");
+  EXPECT_EQ(copies.PathOfConverted("a.stl"), std::nullopt);
+  settings.ints[{u"PartsAry\\Convert3D", u"UseCacheIPX"}] = 1;
+  EXPECT_EQ(copies.PathOfConverted("x/y.IPX"), fs::path("x/y.IPX"));
+  EXPECT_FALSE(fs::exists(cache_));
+  EXPECT_EQ(copies.PathOfConverted("x/a.stl"), cache_ / "a.stl.ipx");
+  EXPECT_EQ(copies.PathOfConverted("C:\\x\\a.stl"), cache_ / "a.stl.ipx");
+  EXPECT_TRUE(fs::exists(cache_));
 }
 
 }  // namespace

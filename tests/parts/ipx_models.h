@@ -21,18 +21,21 @@ inline void FillElements(PartsElement* part) {
   part->faces[0] = {4, {{9, {0, 1, 2}, {2, 1, 0}, 5}}};
   part->faces[1] = {5, {{0, {3, 4}, {}, -7}}};
   part->faces[2] = {6, {{-1, {}, {}, 0}}};
-  part->edges = {7, {{}, {{0, 1, 45, 2, 3, 1, -2147483647 - 1}}}};
+  part->edges = {7, {{}, {0, 1, 45, {2, 3, 1, -2147483647 - 1}}}};
   part->point_sets = {8, {{1, 2, 3, {5, 4}}, {}}};
   part->more_texts = {9, {{5, u"ｶﾀｶﾅ ～ ①"}}};
   part->horizontal_texts.id = 10;
   part->horizontal_texts.items = {{2,
                                    u"横書き",
-                                   {10.5, 0, 90, -12.25},
+                                   10.5,
+                                   0,
+                                   90,
+                                   -12.25,
                                    u"ＭＳ ゴシック",
                                    128,
                                    {{0, 0}, {1.5, -0.0}, {1e-15, 0.5}}}};
   part->vertical_texts.id = -10;
-  part->vertical_texts.items = {{4, u"縦書き", {1, 2, 3, 4}, u"@ＭＳ 明朝", -1, {}}, {}};
+  part->vertical_texts.items = {{4, u"縦書き", 1, 2, 3, 4, u"@ＭＳ 明朝", -1, {}}, {}};
   part->more_point_sets = {12, {{0, 0, 0, {0}}}};
 }
 

@@ -2,34 +2,32 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
+#include "base/profile_settings.h"
+#include "base/text.h"
 #include "parts/color.h"
 #include "support/fake_settings.h"
+#include "support/settings_fixture.h"
 
 namespace kerno {
 namespace {
 
-const FakeSettings::Key kUseMerge = {u"Debug\\Parts", u"oprator+=...UseMerge"};
-
 Parts Square(double at) {
   Parts part;
   const P3 corners[] = {{at, at, 0}, {at + 1, at, 0}, {at + 1, at + 1, 0}, {at, at + 1, 0}};
-  for (int i = 0; i < 4; ++i) part.AddLine(corners[i], corners[(i + 1) % 4]);
-  part.AddFace(corners, 7);
+  EXPECT_TRUE(part.AddClosedLines(corners));
+  EXPECT_TRUE(part.AddFace(corners, 7));
   return part;
 }
 
 Parts Segment(double x) {
   Parts part;
-  part.AddLine({x, 0, 0}, {x + 1, 0, 0});
+  EXPECT_TRUE(part.AddLine({x, 0, 0}, {x + 1, 0, 0}));
   return part;
 }
 
 TEST(Parts, ElementsShareEqualVertices) {
   ForgetPartsSettings();
   Parts part = Square(0);
-  EXPECT_EQ(4u, part.vertices.size());
   part.AddCircle({0, -0.0, 0}, 2.5, 3, {1, 0, 0}, {0, 1, -0.0});
   part.AddText({1, 1, 0}, u"字");
   part.AddHorizontalText({1, 1, 0}, TextLine{});
@@ -37,15 +35,11 @@ TEST(Parts, ElementsShareEqualVertices) {
   EXPECT_EQ(0, part.circles.items[0].centre);
   EXPECT_EQ(2, part.horizontal_texts.items[0].anchor);
   EXPECT_FALSE(part.AddFace({}, 0));
-  const EdgeItem edge;
-  EXPECT_EQ((std::vector<int>{-1, -1, 45, -1, -1, 0, -1}),
-            std::vector<int>(edge.values, edge.values + 7));
 }
 
 TEST(Parts, CopyIsDeep) {
   Parts part = Square(0);
   part.child = std::make_unique<Parts>(Segment(5));
-  part.codes = {1, 2};
   Parts copy = part;
   part.child->AddLine({9, 9, 9}, {8, 8, 8});
   part.AddLine({9, 9, 9}, {8, 8, 8});
@@ -57,25 +51,26 @@ TEST(Parts, CopyIsDeep) {
 }
 
 TEST(Parts, AppendPutsTheLargerPartFirstUnlessToldOtherwise) {
-  struct Case {
+  const struct {
     const char* name;
     int use_merge;
     int keeps_order;
     double first_x;  // of the first vertex of the result
-  };
-  const Case cases[] = {{"merge", 1, 0, 0}, {"setting off", 0, 0, 10}, {"order kept", 1, 1, 10}};
-  for (const Case& c : cases) {
+  } cases[] = {{"merge", 1, 0, 0}, {"setting off", 0, 0, 10}, {"order kept", 1, 1, 10}};
+  for (const auto& c : cases) {
     FakeSettings settings;
-    settings.ints[kUseMerge] = c.use_merge;
+    settings.ints[{u"Debug\\Parts", u"oprator+=...UseMerge"}] = c.use_merge;
     ForgetPartsSettings();
     Parts left = Segment(10);
     left.keeps_order = c.keeps_order;
     Parts right = Square(0);
-    right.AddLine({0, 0, 0}, {10, 0, 0});  // shares a vertex with the left part
+    right.AddLine({0, 0, 0}, {10, 0, 0});   // shares a vertex with the left part
+    right.lines.items.push_back({-1, 99});  // names no vertex: carried as it is
     left += right;
     EXPECT_EQ(c.first_x, left.vertices[0].x) << c.name;
     EXPECT_EQ(6u, left.vertices.size()) << c.name;
-    EXPECT_EQ(6u, left.lines.items.size()) << c.name;
+    ASSERT_EQ(7u, left.lines.items.size()) << c.name;
+    EXPECT_EQ(99, left.lines.items[c.first_x == 0 ? 5 : 6].end) << c.name;
     ASSERT_EQ(1u, left.faces[0].items.size()) << c.name;
     const FaceItem& face = left.faces[0].items[0];
     EXPECT_EQ(7, face.attribute);
@@ -98,26 +93,35 @@ TEST(Parts, AppendOntoAnEmptyPartCopiesEverything) {
   EXPECT_EQ(8u, empty.lines.items.size());
 }
 
-TEST(Parts, AppendCarriesIndicesThatNameNoVertex) {
-  ForgetPartsSettings();
-  Parts left = Square(0);
-  Parts right = Segment(3);
-  right.lines.items.push_back({-1, 99});
-  left += right;
-  EXPECT_EQ(-1, left.lines.items.back().start);
-  EXPECT_EQ(99, left.lines.items.back().end);
+// Settings in the INI file change what the model does.
+using PartsSettings = test::SettingsFixture;
+TEST_F(PartsSettings, FaceNamesAndTheLogOfCopies) {
+  InstallProfileSettings();
+  const auto copy = [] {
+    PartsA model;
+    model.parts.resize(3);
+    const PartsA first = model;
+    model = first;
+  };
+  copy();
+  EXPECT_EQ(DefaultFaceName(WritingDirection::kHorizontal), u"ＭＳ ゴシック");
+  EXPECT_EQ(DefaultFaceName(WritingDirection::kVertical), u"@ＭＳ 明朝");
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "tmp/DbgDump"));
+  WriteIni(Utf16ToUtf8(u"[Debug\\Parts]\r\nCopyLog=1\r\n[Parts]\r\n横書フェイス名=顔\r\n"));
+  Restart();
+  InstallProfileSettings();
+  copy();
+  EXPECT_EQ(DefaultFaceName(WritingDirection::kHorizontal), u"顔");
+  const std::u16string log = DumpedText();
+  EXPECT_NE(log.find(u"\tPartsA(const PartsA&)\t3\r\n"), log.npos) << Utf16ToUtf8(log);
+  EXPECT_NE(log.find(u"\tPartsA::operator=\t3\r\n"), log.npos) << Utf16ToUtf8(log);
 }
 
 TEST(Color, HuesOfTheWheelAtHalfLightness) {
-  const struct {
-    int hue;
-    int red, green, blue;
-  } cases[] = {{0, 192, 64, 64},    {60, 192, 192, 64},  {120, 64, 192, 64},
-               {180, 64, 192, 192}, {240, 64, 64, 192},  {300, 192, 64, 192},
-               {360, 192, 64, 64},  {-60, 192, 64, 192}, {30, 192, 128, 64}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(RgbColor(c.red, c.green, c.blue), HlsColor(c.hue, 128, 128)) << c.hue;
-  }
+  const std::pair<int, Color> cases[] = {
+      {0, RgbColor(192, 64, 64)},   {60, RgbColor(192, 192, 64)},  {180, RgbColor(64, 192, 192)},
+      {240, RgbColor(64, 64, 192)}, {-60, RgbColor(192, 64, 192)}, {390, RgbColor(192, 128, 64)}};
+  for (const auto& [hue, color] : cases) EXPECT_EQ(color, HlsColor(hue, 128, 128)) << hue;
   EXPECT_EQ(RgbColor(255, 255, 255), HlsColor(77, 255, 200));
 }
 

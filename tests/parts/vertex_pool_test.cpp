@@ -4,6 +4,7 @@
 
 #include <limits>
 #include <random>
+#include <sstream>
 
 #include "parts/parts.h"
 #include "support/fake_settings.h"
@@ -68,15 +69,11 @@ TEST(VertexPool, SearchAnswersWhatAPlainScanAnswers) {
       {"few values, equal zeros", -1, {0.0, -0.0, 1, 2}, 0},
       {"grid", -1, grid, 0},
       {"grid with duplicates", -1, grid, 30},
-      {"few values with duplicates", -1, {0.0, -0.0, 1}, 50},
       {"not-a-numbers", -1, {kNan, 0.0, 1, 2, 3, 4, 5, 6}, 5},
-      {"mostly not-a-numbers", -1, {kNan, kNan, 1, -0.0}, 20},
-      {"infinities", -1, {kInf, -kInf, 0.5, 0.0}, 10},
-      {"extremes", -1, {5e-324, -5e-324, 1.7e308, -1.7e308, 0.0, 2.2e-308}, 10},
+      {"extremes", -1, {kInf, -kInf, 5e-324, -5e-324, 1.7e308, -1.7e308, 0.0, 2.2e-308}, 10},
       {"limit 10", 10, grid, 20},
       {"limit 0", 0, {1, 2, 3}, 10},
       {"limit 150, not-a-numbers", 150, {kNan, 0.0, 1, 2, 3, 4, 5}, 30},
-      {"limit 1", 1, {0.0, 1}, 0},
   };
   for (const Sequence& sequence : sequences) {
     for (unsigned seed = 0; seed < 6; ++seed) {
@@ -124,81 +121,61 @@ TEST(VertexPool, LimitIsReadOnEveryThousandthSearchOfALargePool) {
 }
 
 // The short cut for a closed chain must leave what line by line leaves: points, order, direction,
-// limit.
+// and the count of searches that the limit goes by.
 TEST(VertexPool, ChainEqualsItsLinesOneByOne) {
   std::mt19937 random(7);
   for (int round = 0; round < 400; ++round) {
     const size_t count = round % 40 == 0 ? 90 + random() % 900 : random() % 130;
-    const int range = round % 3 == 0 ? 12 : 100000;  // with equal corners, or hardly
+    const auto range = round % 3 == 0 ? 12u : 100000u;  // with equal corners, or hardly
     std::vector<P3> corners;
     for (size_t i = 0; i < count; ++i) {
-      corners.push_back(
-          {double(random() % static_cast<unsigned>(range)) / 64, double(random() % 50), 0});
+      corners.push_back({double(random() % range) / 64, double(random() % 50), 0});
     }
     if (round % 17 == 0 && count > 0) corners[random() % count].y = kNan;
-    const bool forward_before = round % 2 != 0;
-    const auto turn = [&] {
+    FakeSettings settings;
+    if (round % 5 == 0) settings.ints[kMaxSearch] = 10;
+    // What `add` leaves, three times over; the direction shows in which of two equal points is
+    // found.
+    const auto outcome = [&](const auto& add) {
       ResetVertexSearch();
-      P3A other;
-      for (const double x : {0, 1, 2, 3}) other.Append({x, 0, 0});
-      if (forward_before) other.Search({0, 0, 0});
-    };
-    // The direction shows in which of two equal points is found.
-    const auto direction = [] {
+      settings.reads = 0;
       P3A twins;
       for (int i = 0; i < 4; ++i) twins.Append({1, 1, 1});
-      return twins.Search({1, 1, 1});
+      if (round % 2 != 0) twins.Search({1, 1, 1});
+      std::ostringstream text;
+      for (int i = 0; i < 3; ++i) {
+        Parts part;
+        add(&part);
+        text << part.vertices.size();
+        for (const LineItem& line : part.lines.items) text << " " << line.start << "-" << line.end;
+      }
+      text << " found " << twins.Search({1, 1, 1}) << ", read " << settings.reads;
+      return text.str();
     };
-    turn();
-    Parts chain;
-    chain.AddClosedLines(corners);
-    const int chain_direction = direction();
-    turn();
-    Parts one_by_one;
-    for (size_t i = 0; i < count; ++i) one_by_one.AddLine(corners[i], corners[(i + 1) % count]);
-    ASSERT_EQ(direction(), chain_direction) << round;
-    ASSERT_EQ(one_by_one.vertices.size(), chain.vertices.size()) << round;
-    ASSERT_EQ(one_by_one.lines.items.size(), chain.lines.items.size());
-    for (size_t i = 0; i < count; ++i) {
-      ASSERT_EQ(one_by_one.lines.items[i].start, chain.lines.items[i].start) << round << " " << i;
-      ASSERT_EQ(one_by_one.lines.items[i].end, chain.lines.items[i].end) << round << " " << i;
-    }
+    ASSERT_EQ(outcome([&](Parts* part) { part->AddClosedLines(corners); }),
+              outcome([&](Parts* part) {
+                for (size_t i = 0; i < count; ++i) {
+                  part->AddLine(corners[i], corners[(i + 1) % count]);
+                }
+              }))
+        << round;
   }
-  ResetVertexSearch();
-}
-
-TEST(VertexPool, ChainsCountAsSearchesOfTheLimit) {
-  FakeSettings settings;
-  ResetVertexSearch();
-  std::vector<P3> corners;
-  for (int i = 0; i < 300; ++i) corners.push_back({double(i), 0, 0});
-  for (int chain = 0; chain < 5; ++chain) {  // 400 searches of large pools each
-    Parts part;
-    part.AddClosedLines(corners);
-  }
-  EXPECT_EQ(2, settings.reads);
-  settings.ints[kMaxSearch] = 10;
-  Parts part;
-  part.AddClosedLines(corners);  // reads the limit: the first corner is not found again
-  EXPECT_EQ(301u, part.vertices.size());
   ResetVertexSearch();
 }
 
 TEST(VertexPool, IndexFollowsEveryChangeOfThePool) {
   ResetVertexSearch();
   P3A pool;
-  for (int i = 0; i < 200; ++i) pool.FindOrAddPoint({double(i), double(i % 7), 0});
+  for (int i = 0; i < 200; ++i) pool.FindOrAddPoint({double(i), 7, 0});
   pool.Set(150, {-1, -1, -1});
   EXPECT_EQ(150, pool.Search({-1, -1, -1}));
-  EXPECT_EQ(-1, pool.Search({150, double(150 % 7), 0}));
+  EXPECT_EQ(-1, pool.Search({150, 7, 0}));
   const P3A copy = pool;
   pool.Resize(20);
-  EXPECT_EQ(-1, pool.Search({100, double(100 % 7), 0}));
-  EXPECT_EQ(100, copy.Search({100, double(100 % 7), 0}));
+  EXPECT_EQ(-1, pool.Search({100, 7, 0}));
+  EXPECT_EQ(100, copy.Search({100, 7, 0}));
   pool = copy;
-  EXPECT_EQ(199, pool.Search({199, double(199 % 7), 0}));
-  pool.Clear();
-  EXPECT_EQ(0, pool.FindOrAddPoint({7, 7, 7}));
+  EXPECT_EQ(199, pool.Search({199, 7, 0}));
 }
 
 TEST(VertexPool, MillionDistinctPointsCostNoScan) {

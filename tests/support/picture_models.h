@@ -72,9 +72,9 @@ inline PartsA ShapesModel() {
   text.brush.color = 0x00C0FF;
   TextLine line;
   line.text = u"Kerno 8あ";
-  line.values[0] = 40;
-  line.values[2] = 20;
-  line.values[3] = 10;
+  line.height = 40;
+  line.rotation = 20;
+  line.oblique = 10;
   line.face_name = u"IPAGothic";
   text.AddHorizontalText({150, -60, 0}, line);
   return model;

@@ -1,0 +1,182 @@
+#include "parts/shapes.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <sstream>
+
+namespace kerno {
+namespace {
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// Writes down what it is given, a shape a word: its kind and its vertices by their indices.
+class Recorder final : public ShapeSink {
+ public:
+  std::string text() const { return text_.str(); }
+
+ private:
+  void BeginPart(const PartsElement& part) override { text_ << "part" << part.pen.color << " "; }
+  void BeginPool(std::span<const P3> pool) override { text_ << "pool" << pool.size() << " "; }
+  void Polyline(const Vertices& points) override { Put("lines", points); }
+  void Face(const Vertices& loop) override { Put("face", loop); }
+  void Points(const Vertices& points) override { Put("points", points); }
+  void Circle(const CircleShape& c) override { text_ << "circle" << c.centre.x << " "; }
+  void Arc(const ArcShape& a) override {
+    text_ << "arc" << a.start_angle << "-" << a.end_angle << "/" << a.Sweep() << " ";
+  }
+  void PlainText(const P3& at, std::u16string_view text) override {
+    text_ << "plain" << at.x << ":" << text.size() << " ";
+  }
+  void SetText(const P3& at, const TextLine& line, WritingDirection direction) override {
+    text_ << (direction == WritingDirection::kVertical ? "vertical" : "horizontal") << at.x << ":"
+          << line.text.size() << " ";
+  }
+  void Put(const char* kind, const Vertices& points) {
+    text_ << kind;
+    for (size_t i = 0; i < points.size(); ++i) text_ << (i ? "," : "") << points[i].x;
+    text_ << " ";
+  }
+
+  std::ostringstream text_;
+};
+
+// A part of ten vertices whose x is their index; the last three are out of one rule or another.
+PartsElement TenVertices() {
+  PartsElement part;
+  for (int i = 0; i < 7; ++i) part.vertices.Append({1.0 * i, 0, 0});
+  part.vertices.Append({7, kNan, 0});
+  part.vertices.Append({8, 1e200, 0});
+  part.vertices.Append({9, 0, kInfinity});
+  return part;
+}
+
+struct Visited {
+  std::string text;
+  size_t left_out;
+};
+Visited Visit(const PartsElement& part, ShapeOrder order = ShapeOrder::kPainting,
+              const VertexRule& rule = kFiniteXYZ) {
+  PartsA model;
+  model.parts.push_back(part);
+  Recorder sink;
+  const size_t left_out = VisitShapes(model, order, rule, &sink);
+  return {sink.text().substr(13), left_out};  // after "part0 pool10 "
+}
+
+TEST(Shapes, LinesThatFollowOneAnotherAreOnePolyline) {
+  const struct {
+    std::vector<LineItem> lines;
+    const char* polylines;
+    size_t left_out;
+  } cases[] = {
+      {{}, "", 0},
+      {{{0, 1}}, "lines0,1 ", 0},
+      {{{0, 1}, {1, 2}, {2, 0}, {0, 3}}, "lines0,1,2,0,3 ", 0},
+      {{{0, 1}, {2, 3}, {3, 2}, {1, 2}}, "lines0,1 lines2,3,2 lines1,2 ", 0},
+      {{{0, 1}, {1, 99}, {99, 2}, {2, 3}}, "lines0,1 lines2,3 ", 2},
+      {{{-1, -1}, {7, 0}, {0, 7}, {0, 1}, {1, 2}}, "lines0,1,2 ", 3},
+  };
+  for (const auto& c : cases) {
+    PartsElement part = TenVertices();
+    part.lines.items = c.lines;
+    const Visited visited = Visit(part);
+    EXPECT_EQ(visited.text, c.polylines);
+    EXPECT_EQ(visited.left_out, c.left_out) << c.polylines;
+  }
+}
+
+// Each element names one of the vertices that a rule may not take, and some that are not there.
+TEST(Shapes, ElementsWithVerticesThatTheRuleDoesNotTakeAreCountedOnce) {
+  const struct {
+    VertexRule rule;
+    std::string shown;
+  } rules[] = {{kFiniteXY, "89"}, {kFiniteXYZ, "8"}, {kPicturedXY, "9"}, {kPicturedXYZ, ""}};
+  constexpr int kMax = std::numeric_limits<int32_t>::max();
+  for (const auto& [rule, shown] : rules) {
+    PartsElement part = TenVertices();
+    std::string expected[4];
+    for (const int32_t bad : {7, 8, 9, 10, -1, kMax}) {
+      part.edges.items.push_back({.start = 0, .end = bad});
+      part.circles.items.push_back({bad, 1, 0, -1, -1});
+      part.circles.items.push_back({0, 1, 0, 1, bad == -1 ? -2 : bad});
+      part.texts.items.push_back({bad, u"x"});
+      part.vertical_texts.items.emplace_back().anchor = bad;
+      part.faces[2].items.push_back({0, {0, bad, bad}, {}, 0});
+      part.point_sets.items.push_back({0, 0, 0, {bad, 1, bad}});
+    }
+    Visited visited = Visit(part, ShapeOrder::kPainting, rule);
+    EXPECT_EQ(visited.left_out, (6 - shown.size()) * 8) << shown;
+    std::istringstream words(visited.text);
+    size_t shapes = 0;
+    for (std::string word; words >> word;) shapes += word != "points1";
+    EXPECT_EQ(shapes, shown.size() * 7) << shown;
+    part = TenVertices();
+    part.circles.items = {{0, kNan, 0, -1, -1}, {1, 1e150, 0, -1, -1}, {2, -3, 0, -1, -1}};
+    visited = Visit(part, ShapeOrder::kPainting, rule);
+    EXPECT_EQ(visited.text, rule.most > 1e100 ? "circle1 circle2 " : "circle2 ");
+  }
+}
+
+TEST(Shapes, Orders) {
+  PartsElement part = TenVertices();
+  part.texts.items = {{0, u"1"}};
+  part.lines.items = {{0, 1}};
+  part.circles.items = {{2, 1, 0, 0, 0}};
+  for (FaceA& faces : part.faces) faces.items = {{0, {0, 1, 2, 0}, {}, 0}};
+  part.faces[1].items = {{}};
+  part.edges.items = {{.start = 3, .end = 4}};
+  part.point_sets.items = {{0, 0, 0, {5}}, {}};
+  part.more_texts.items = {{1, u"22"}};
+  part.horizontal_texts.items.resize(1);
+  part.horizontal_texts.items[0].anchor = 4;
+  part.vertical_texts.items = part.horizontal_texts.items;
+  part.more_point_sets.items = {{0, 0, 0, {6, 6}}};
+  part.child = std::make_unique<Parts>(TenVertices());
+  part.child->edges.items = part.edges.items;
+  const std::string faces = "face0,1,2,0 face face0,1,2,0 ";
+  const std::string others =
+      "lines0,1 lines3,4 circle2 points5 points points6,6 plain0:1 plain1:2 horizontal4:0 "
+      "vertical4:0 pool10 lines3,4 ";
+  EXPECT_EQ(Visit(part, ShapeOrder::kModel).text,
+            "plain0:1 lines0,1 circle2 " + faces +
+                "lines3,4 points5 points plain1:2 horizontal4:0 vertical4:0 points6,6 pool10 "
+                "lines3,4 ");
+  EXPECT_EQ(Visit(part).text, faces + others);
+  EXPECT_EQ(Visit(part, ShapeOrder::kFaces).text, faces + "pool10 ");
+  EXPECT_EQ(Visit(part, ShapeOrder::kAllButFaces).text, others);
+  const ElementCounts counts = CountElements(part);
+  EXPECT_EQ(counts.outlines, 4u);
+  EXPECT_EQ(counts.faces, 3u);
+  EXPECT_EQ(counts.texts, 4u);
+  EXPECT_EQ(counts.point_sets, 3u);
+}
+
+TEST(Shapes, ArcsRunCounterClockwiseBetweenTheirEnds) {
+  const std::vector<P3> points = {{0, 0}, {5, 0}, {0, 5}, {-5, 0}, {0, -5}, {3, -0.0}};
+  const struct {
+    int32_t first, second;
+    const char* shape;
+  } cases[] = {{1, 2, "arc0-90/90 "},    {2, 1, "arc90-0/270 "}, {4, 1, "arc270-0/90 "},
+               {3, 2, "arc180-90/270 "}, {1, 5, "arc0-0/360 "},  {1, 1, "circle0 "},
+               {-1, 2, "circle0 "},      {2, -1, "circle0 "},    {1, 3, "arc0-180/180 "}};
+  for (const auto& c : cases) {
+    PartsElement part;
+    for (const P3& p : points) part.vertices.Append(p);
+    part.circles.items = {{0, 5, 0, c.first, c.second}};
+    Recorder sink;
+    EXPECT_EQ(VisitShapes(part, ShapeOrder::kPainting, kFiniteXYZ, &sink), 0u);
+    EXPECT_EQ(sink.text(), std::string("part0 pool6 ") + c.shape);
+  }
+}
+
+TEST(Shapes, OpenLoops) {
+  const std::vector<P3> pool = {{0, 0}, {1, 0}, {1, 1}, {-0.0, 0}};
+  const std::pair<std::vector<int32_t>, size_t> cases[] = {
+      {{}, 0}, {{0}, 1}, {{0, 3, 0}, 1}, {{0, 1, 2}, 3}, {{0, 1, 2, 3, 0}, 3}, {{1, 0, 3}, 3}};
+  for (const auto& [loop, size] : cases) EXPECT_EQ(OpenLoop({pool, loop}).size(), size);
+}
+
+}  // namespace
+}  // namespace kerno
