@@ -84,25 +84,25 @@ constexpr ControlRow kControls[] = {
 };
 
 constexpr MenuRow kFileRows[] = {
-    {MenuCommand::kOpenFolder, u"&Open the folder of the outputs", u"Ctrl+O", false, false},
-    {MenuCommand::kChooseFolder, u"&Choose the folder of the outputs...", u"", false, false},
-    {MenuCommand::kDefaultFolder, u"Use the &temporary folder", u"", false, false},
-    {MenuCommand::kQuit, u"&Quit", u"Ctrl+Q", false, true},
+    {MenuCommand::kOpenFolder, false, false, u"&Open the folder of the outputs", u"Ctrl+O"},
+    {MenuCommand::kChooseFolder, false, false, u"&Choose the folder of the outputs...", u""},
+    {MenuCommand::kDefaultFolder, false, false, u"Use the &temporary folder", u""},
+    {MenuCommand::kQuit, false, true, u"&Quit", u"Ctrl+Q"},
 };
 constexpr MenuRow kViewRows[] = {
-    {MenuCommand::kFitPreview, u"Show the &whole drawing", u"Ctrl+0", false, false},
+    {MenuCommand::kFitPreview, false, false, u"Show the &whole drawing", u"Ctrl+0"},
 };
 constexpr MenuRow kOptionRows[] = {
-    {MenuCommand::kLines, u"Contours as &lines", u"", true, false},
-    {MenuCommand::kFaces, u"Contours as &faces", u"", true, false},
-    {MenuCommand::kLinesAndFaces, u"Contours as lines &and faces", u"", true, false},
-    {MenuCommand::kPitchClassic, u"Vertical pitch: by the &ink", u"", true, true},
-    {MenuCommand::kPitchCell, u"Vertical pitch: by the &cell", u"", true, false},
-    {MenuCommand::kAciClassic, u"Colour index (DXF): c&lassic rule", u"", true, true},
-    {MenuCommand::kAciNearest, u"Colour index (DXF): &nearest colour", u"", true, false},
+    {MenuCommand::kLines, true, false, u"Contours as &lines", u""},
+    {MenuCommand::kFaces, true, false, u"Contours as &faces", u""},
+    {MenuCommand::kLinesAndFaces, true, false, u"Contours as lines &and faces", u""},
+    {MenuCommand::kPitchClassic, true, true, u"Vertical pitch: by the &ink", u""},
+    {MenuCommand::kPitchCell, true, false, u"Vertical pitch: by the &cell", u""},
+    {MenuCommand::kAciClassic, true, true, u"Colour index (DXF): c&lassic rule", u""},
+    {MenuCommand::kAciNearest, true, false, u"Colour index (DXF): &nearest colour", u""},
 };
 constexpr MenuRow kHelpRows[] = {
-    {MenuCommand::kAbout, u"ﾊﾞｰｼﾞｮﾝ情報(&A)...", u"F1", false, false},
+    {MenuCommand::kAbout, false, false, u"ﾊﾞｰｼﾞｮﾝ情報(&A)...", u"F1"},
 };
 constexpr MenuColumn kMenu[] = {
     {u"&File", kFileRows},

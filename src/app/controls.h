@@ -104,10 +104,10 @@ enum class MenuCommand : int {
 
 struct MenuRow {
   MenuCommand command;
+  bool checkable;  // one of the checkable entries between two separators is checked
+  bool separator_before;
   const char16_t* caption;
   const char16_t* shortcut;  // in the portable notation "Ctrl+Q"; may be empty
-  bool checkable;            // one of the checkable entries between two separators is checked
-  bool separator_before;
 };
 
 struct MenuColumn {

@@ -71,15 +71,6 @@ TEST_F(OutputsTest, ARunKeepsTheBaseNameOfItsFirstOutput) {
   EXPECT_EQ(1u, services.opened_folders.size());
 }
 
-TEST_F(OutputsTest, AFailureIsToldAndTheChainGoesOn) {
-  services.failing = "dxf";
-  EXPECT_THAT(Press(ControlId::kDxf), ElementsAre("rtf .rtf", "dxf .dxf", "emf .emf"));
-  ASSERT_EQ(1u, view.messages.size());
-  EXPECT_THAT(Utf16ToUtf8(view.messages[0]),
-              testing::HasSubstr("Plain_100_AB.dxf: the disk is full"));
-  EXPECT_EQ(StatusKind::kFailure, view.status_kind);
-}
-
 TEST_F(OutputsTest, WithoutABasePathNothingIsWritten) {
   test::WriteBytes(folder / "made", "a file where the folder should be");
   EXPECT_THAT(Press(ControlId::kDxf), ElementsAre());

@@ -135,8 +135,10 @@ TEST_F(ViewTest, ColoursAreThereForTheFigureAloneAndLegible) {
   }
   services.failing = "dxf";
   view->Click(kDxf);
-  EXPECT_THAT(TakeMessage(), HasSubstr("the disk is full"));
-  EXPECT_THAT(Utf16ToUtf8(view->TextOf(kStatus)), HasSubstr("the disk is full"));
+  EXPECT_THAT(services.log, testing::ElementsAre("rtf .rtf", "dxf .dxf", "emf .emf"));
+  for (const std::string& told : {TakeMessage(), Utf16ToUtf8(view->TextOf(kStatus))}) {
+    EXPECT_THAT(told, HasSubstr(".dxf: the disk is full"));
+  }
   view->Click(kPolyPolygon);
   view->SetDarkColors(true);
   const ShownText status = view->LooksOf(kStatus);
