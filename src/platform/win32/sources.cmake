@@ -21,7 +21,6 @@ kerno_room(platform
     win32/private_profile_win32.cpp
     win32/realized_font.cpp
     win32/registry_win32.cpp
-    win32/scratch_file_win32.cpp
     win32/shell_win32.cpp
     win32/special_folder.cpp
     win32/stock_font_win32.cpp

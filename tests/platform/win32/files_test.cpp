@@ -11,7 +11,6 @@
 #include "platform/folder_path.h"
 #include "platform/held_file.h"
 #include "platform/private_profile.h"
-#include "platform/scratch_file.h"
 #include "platform/win32/handle.h"
 #include "platform/win32/long_path.h"
 #include "platform/win32/windows_api.h"
@@ -97,8 +96,6 @@ TEST(FolderPath, FoldersAndFilesFarBeyondTheUsualLength) {
   EXPECT_EQ(CreateNewFile(folder / L"n", "x").failure, Failure::kSharingViolation);
   EXPECT_TRUE(WriteProfile(folder / L"p.ini", {{u"s", u"k", u"\u6C38"}}).ok());
   EXPECT_EQ(ReadProfileString(folder / L"p.ini", u"s", u"k", 10), u"\u6C38");
-  Status status;
-  EXPECT_NE(ScratchFile::Create(folder, "scratch", &status), nullptr);
   EXPECT_EQ(FactsOfPath(folder).kind, PathKind::kFolder);
   EXPECT_EQ(FactsOfPath(file).kind, PathKind::kFile);
   EXPECT_EQ(FactsOfPath(file).size, 5u);
@@ -138,28 +135,6 @@ TEST(HeldFile, TheSystemKeepsOthersOut) {
   EXPECT_EQ(ReplaceFile(file, "y").failure, Failure::kSharingViolation);
   EXPECT_EQ(AppendToFile(file, "", "y").failure, Failure::kSharingViolation);
   EXPECT_EQ(folder.Names(), std::set<std::string>{"held"});
-}
-
-TEST(ScratchFile, NobodySeesItAndNothingStays) {
-  const test::TemporaryFolder folder;
-  Status status;
-  {
-    const auto scratch = ScratchFile::Create(folder.path(), "s-", &status);
-    ASSERT_NE(scratch, nullptr);
-    EXPECT_TRUE(scratch->Append("abc").ok());
-    EXPECT_TRUE(scratch->Append("def").ok());
-    char buffer[4] = {};
-    size_t count = 0;
-    EXPECT_TRUE(scratch->Read(4, buffer, sizeof buffer, &count).ok());
-    EXPECT_EQ(std::string(buffer, count), "ef");
-    const std::set<std::string> names = folder.Names();
-    ASSERT_EQ(names.size(), 1u);
-    EXPECT_FALSE(OpenForReading(folder / *names.begin(), FILE_SHARE_READ).valid());
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
-  }
-  EXPECT_TRUE(folder.Names().empty());
-  EXPECT_EQ(ScratchFile::Create(folder.path() / L"missing", "s-", &status), nullptr);
-  EXPECT_EQ(status.failure, Failure::kNotFound);
 }
 
 TEST(PrivateProfile, TheSystemReadsWhatWasWrittenAndTheOtherWayRound) {
