@@ -227,7 +227,7 @@ class CommandLineTest(programs.FolderTest):
             (["漢ー漢", "--face", "IPAGothic", "--vertical"], "--pitch cell"),
             (["   ", *SANS], "has no outlines"),
             (["--text-file", str(zero), *SANS], "ends at a NUL after 2 characters"),
-            (["8" * 16, *SANS, "--height", "30000"], "--scale"),
+            (["8" * 16, *SANS, "--height", "30000"], "a smaller drawing keeps its fractions"),
             (["A", "--face", "Nowhere Gothic", "--substitute"], "takes its place"),
         ]
         if not ON_WINDOWS:

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <sstream>
 
 #include "support/memory_file.h"
 #include "support/temporary_folder.h"
@@ -13,14 +14,15 @@ namespace {
 
 using test::MemoryFile;
 
-// Each of the groups is "CODE VALUE"; in a file both stand on lines of their own, the code in three
+// The groups are "CODE VALUE|"; in a file both stand on lines of their own, the code in three
 // columns.
-std::string Groups(std::initializer_list<std::string_view> groups) {
+std::string Groups(const std::string& groups) {
+  std::istringstream list(groups);
   std::string text;
-  for (const std::string_view group : groups) {
+  for (std::string group; std::getline(list, group, '|');) {
     const size_t end = group.find(' ');
-    text.append(3 - end, ' ').append(group.substr(0, end)).append("\r\n");
-    text.append(group.substr(end + 1)).append("\r\n");
+    text.append(3 - end, ' ').append(group, 0, end).append("\r\n");
+    text.append(group, end + 1).append("\r\n");
   }
   return text;
 }
@@ -45,24 +47,22 @@ std::string Layers(DxfWriter* dxf) {
   return Between(Finished(dxf), "  2\r\nLAYER\r\n", "  0\r\nENDTAB");
 }
 
-const std::string kTables =
-    Groups({"0 SECTION", "2 TABLES", "0 TABLE", "2 LTYPE", "70 1", "0 LTYPE", "2 CONTINUOUS",
-            "70 64", "3 Solid line", "72 65", "73 0", "40 0.0", "0 ENDTAB", "0 TABLE", "2 LAYER"});
-const std::string kStyles =
-    Groups({"0 ENDTAB", "0 TABLE",   "2 STYLE",   "70 3",    "0 STYLE", "2 STANDARD", "70 64",
-            "40 0.0",   "41 1.0",    "50 0.0",    "71 0",    "42 3.5",  "3 txt",      "4 ",
-            "0 STYLE",  "2 BIGFONT", "70 64",     "40 0.0",  "41 1.0",  "50 0.0",     "71 0",
-            "42 3.5",   "3 txt",     "4 bigfont", "0 STYLE", "2 VTEXT", "70 68",      "40 0.0",
-            "41 1.0",   "50 0.0",    "71 0",      "42 3.5",  "3 txt",   "4 bigfont",  "0 ENDTAB",
-            "0 ENDSEC", "0 SECTION", "2 BLOCKS",  "0 ENDSEC"});
+const std::string kTables = Groups(
+    "0 SECTION|2 TABLES|0 TABLE|2 LTYPE|70 1|0 LTYPE|2 CONTINUOUS|70 64|3 Solid line|"
+    "72 65|73 0|40 0.0|0 ENDTAB|0 TABLE|2 LAYER|");
+const std::string kStyles = Groups(
+    "0 ENDTAB|0 TABLE|2 STYLE|70 3|0 STYLE|2 STANDARD|70 64|40 0.0|41 1.0|50 0.0|71 0|"
+    "42 3.5|3 txt|4 |0 STYLE|2 BIGFONT|70 64|40 0.0|41 1.0|50 0.0|71 0|42 3.5|3 txt|"
+    "4 bigfont|0 STYLE|2 VTEXT|70 68|40 0.0|41 1.0|50 0.0|71 0|42 3.5|3 txt|4 bigfont|"
+    "0 ENDTAB|0 ENDSEC|0 SECTION|2 BLOCKS|0 ENDSEC|");
 
 TEST(DxfWriter, AnEmptyDrawingIsAWholeFile) {
   DxfWriter dxf(DxfMode::kFlat);
-  EXPECT_EQ(Finished(&dxf), Groups({"0 SECTION", "2 HEADER", "9 $LIMMIN", "10 0", "20 0",
-                                    "9 $LIMMAX", "10 420", "20 296.985", "9 $EXTMIN", "10 0",
-                                    "20 0", "9 $EXTMAX", "10 0", "20 0", "0 ENDSEC"}) +
-                                kTables + Groups({"70 0"}) + kStyles +
-                                Groups({"0 SECTION", "2 ENTITIES", "0 ENDSEC", "0 EOF"}));
+  EXPECT_EQ(
+      Finished(&dxf),
+      Groups("0 SECTION|2 HEADER|9 $LIMMIN|10 0|20 0|9 $LIMMAX|10 420|20 296.985|9 $EXTMIN|10 0|"
+             "20 0|9 $EXTMAX|10 0|20 0|0 ENDSEC|") +
+          kTables + Groups("70 0|") + kStyles + Groups("0 SECTION|2 ENTITIES|0 ENDSEC|0 EOF|"));
 }
 
 TEST(DxfWriter, ASpatialDrawingWithEveryEntity) {
@@ -74,25 +74,16 @@ TEST(DxfWriter, ASpatialDrawingWithEveryEntity) {
   dxf.Arc3D({{1, 2, 3}, 10, 30, 400});
   dxf.Text3D({{7, 8, 9}, u"日本,", 2.5});
   dxf.Triangle({0, 0, 0}, {1, 0, 0}, {0, 1, -2});
-  EXPECT_EQ(Finished(&dxf),
-            Groups({"0 SECTION", "2 HEADER", "9 $LIMMIN", "10 0", "20 0", "9 $LIMMAX", "10 420",
-                    "20 296.985", "9 $EXTMIN", "10 -4", "20 0", "30 -2", "9 $EXTMAX", "10 7",
-                    "20 8", "30 9", "0 ENDSEC"}) +
-                kTables + Groups({"70 1", "0 LAYER", "2 ab", "70 64", "62 3", "6 CONTINUOUS"}) +
-                kStyles + Groups({"0 SECTION", "2 ENTITIES", "0 LINE", "8 ab",
-                                  "62 3",      "10 1",       "20 2",   "30 3",
-                                  "11 -4",     "21 5.5",     "31 0",   "0 CIRCLE",
-                                  "8 ab",      "62 3",       "10 1",   "20 2",
-                                  "30 3",      "40 10",      "0 ARC",  "8 ab",
-                                  "62 3",      "10 1",       "20 2",   "30 3",
-                                  "40 10",     "50 30",      "51 400", "0 TEXT",
-                                  "8 ab",      "62 3",       "40 2.5", "1 \x93\xFA\x96{\\x2c",
-                                  "10 7",      "20 8",       "30 9",   "0 3DFACE",
-                                  "8 ab",      "62 3",       "10 0",   "20 0",
-                                  "30 0",      "11 1",       "21 0",   "31 0",
-                                  "12 0",      "22 1",       "32 -2",  "13 0",
-                                  "23 1",      "33 -2",      "70 0",   "0 ENDSEC",
-                                  "0 EOF"}));
+  EXPECT_EQ(
+      Finished(&dxf),
+      Groups("0 SECTION|2 HEADER|9 $LIMMIN|10 0|20 0|9 $LIMMAX|10 420|20 296.985|9 $EXTMIN|10 -4|"
+             "20 0|30 -2|9 $EXTMAX|10 7|20 8|30 9|0 ENDSEC|") +
+          kTables + Groups("70 1|0 LAYER|2 ab|70 64|62 3|6 CONTINUOUS|") + kStyles +
+          Groups(
+              "0 SECTION|2 ENTITIES|0 LINE|8 ab|62 3|10 1|20 2|30 3|11 -4|21 5.5|31 0|0 CIRCLE|"
+              "8 ab|62 3|10 1|20 2|30 3|40 10|0 ARC|8 ab|62 3|10 1|20 2|30 3|40 10|50 30|51 400|"
+              "0 TEXT|8 ab|62 3|40 2.5|1 \x93\xFA\x96{\\x2c|10 7|20 8|30 9|0 3DFACE|8 ab|62 3|10 0|"
+              "20 0|30 0|11 1|21 0|31 0|12 0|22 1|32 -2|13 0|23 1|33 -2|70 0|0 ENDSEC|0 EOF|"));
 }
 
 TEST(DxfWriter, FlatEntitiesCarryNoZExceptFaces) {
@@ -103,13 +94,12 @@ TEST(DxfWriter, FlatEntitiesCarryNoZExceptFaces) {
   dxf.Circle2D({1, 2, 3}, 0.5);
   dxf.Arc2D({{1, 2, 3}, 0.5, 0, 90});
   dxf.Face({0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1});
-  EXPECT_EQ(Entities(&dxf),
-            Groups({"0 LINE", "8 own", "62 12", "10 1", "20 2", "11 4", "21 5"}) +
-                Groups({"0 LINE", "8 0", "62 7", "10 4", "20 5", "11 1", "21 1"}) +
-                Groups({"0 CIRCLE", "8 0", "62 7", "10 1", "20 2", "40 0.5"}) +
-                Groups({"0 ARC", "8 0", "62 7", "10 1", "20 2", "40 0.5", "50 0", "51 90"}) +
-                Groups({"0 3DFACE", "8 0", "62 7", "10 0", "20 0", "30 1", "11 1", "21 0", "31 1",
-                        "12 1", "22 1", "32 1", "13 0", "23 1", "33 1", "70 0"}));
+  EXPECT_EQ(Entities(&dxf), Groups("0 LINE|8 own|62 12|10 1|20 2|11 4|21 5|") +
+                                Groups("0 LINE|8 0|62 7|10 4|20 5|11 1|21 1|") +
+                                Groups("0 CIRCLE|8 0|62 7|10 1|20 2|40 0.5|") +
+                                Groups("0 ARC|8 0|62 7|10 1|20 2|40 0.5|50 0|51 90|") +
+                                Groups("0 3DFACE|8 0|62 7|10 0|20 0|30 1|11 1|21 0|31 1|12 1|22 "
+                                       "1|32 1|13 0|23 1|33 1|70 0|"));
 }
 
 TEST(DxfWriter, TextsWriteOnlyTheGroupsThatSaySomething) {
@@ -121,15 +111,15 @@ TEST(DxfWriter, TextsWriteOnlyTheGroupsThatSaySomething) {
       {0, 1, 0, false, ""},
       {0, 0, 0, false, ""},
       {-0.0, 0, -0.0, false, ""},
-      {30, 0.8, 15, false, Groups({"50 30", "41 0.8", "51 15"})},
-      {0, 2, 0, true, Groups({"7 VTEXT", "41 2"})},
+      {30, 0.8, 15, false, Groups("50 30|41 0.8|51 15|")},
+      {0, 2, 0, true, Groups("7 VTEXT|41 2|")},
   };
   for (const auto& c : cases) {
     DxfWriter dxf(DxfMode::kFlat);
     const DxfText text = {{1, 2, 3}, u"x", 4, c.rotation, c.width, c.oblique};
     c.vertical ? dxf.VerticalText2D(text) : dxf.Text2D(text);
-    EXPECT_EQ(Entities(&dxf), Groups({"0 TEXT", "8 0", "62 7", "40 4", "1 x"}) + c.groups +
-                                  Groups({"10 1", "20 2"}));
+    EXPECT_EQ(Entities(&dxf),
+              Groups("0 TEXT|8 0|62 7|40 4|1 x|") + c.groups + Groups("10 1|20 2|"));
   }
 }
 
@@ -160,10 +150,10 @@ TEST(DxfWriter, Layers) {
   dxf.SetLayerName(u"layer");
   dxf.SetLayerName(u"Lay er");
   dxf.SetLayerNumber(-12);
-  std::string rows = Groups({"70 4"});
-  for (const auto& [name, color] : {std::pair("2 Unknown", "62 7"), std::pair("2 Layer", "62 6"),
-                                    std::pair("2 layer", "62 6"), std::pair("2 -12", "62 6")}) {
-    rows += Groups({"0 LAYER", name, "70 64", color, "6 CONTINUOUS"});
+  std::string rows = Groups("70 4|");
+  for (const char* layer :
+       {"Unknown|70 64|62 7", "Layer|70 64|62 6", "layer|70 64|62 6", "-12|70 64|62 6"}) {
+    rows += Groups(std::string("0 LAYER|2 ") + layer + "|6 CONTINUOUS|");
   }
   EXPECT_EQ(Layers(&dxf), rows);
 }
