@@ -1,0 +1,72 @@
+#!/usr/bin/env python3
+"""Stages of drawings over outlines of installed fonts, measured with NumPy and Shapely.
+
+usage: outlines_test.py DRAWING_TOOL
+"""
+import math
+import sys
+import unittest
+
+from outlines import Face, dense, farthest, polyline, run, turns
+
+TOOL = sys.argv.pop(1)
+LETTERS = "agS&"
+TEXTS = {"DejaVu Sans": LETTERS, "Liberation Serif": LETTERS, "Inter": LETTERS, "IPAMincho": "永あ"}
+
+
+def curved(contours):
+    return sum(len(piece) > 2 for contour in contours for piece in contour)
+
+
+def lines(contour):
+    return {piece for piece in contour if len(piece) == 2}
+
+
+class Arcs(unittest.TestCase):
+    def test_fit_outlines_within_the_tolerance(self):
+        for name, text in TEXTS.items():
+            outlines = Face(name).contours(text)
+            for tolerance in (0.001, 0.01, 0.1):
+                fitted = run(TOOL, "arcs", tolerance, outlines)
+                for outline, arcs in zip(outlines, fitted, strict=True):
+                    with self.subTest(face=name, tolerance=tolerance, at=outline[0][0]):
+                        self.check(outline, arcs, tolerance)
+
+    def check(self, outline, arcs, tolerance):
+        self.assertLessEqual(farthest(dense(outline, 13), polyline(arcs, 150)), tolerance)
+        self.assertLessEqual(farthest(dense(arcs, 17), polyline(outline, 300)), tolerance)
+        corners = {p for p, turn in turns(outline) if turn > 1}
+        joints = dict(turns(arcs))
+        self.assertLessEqual(corners, joints.keys())
+        self.assertLessEqual(max((turn for p, turn in joints.items() if p not in corners), default=0), 1)
+        self.assertLessEqual(lines(outline), lines(arcs))
+        self.assertEqual(arcs[0][0], arcs[-1][1])
+
+    def test_are_few_against_chords(self):
+        letters = "".join(map(chr, range(ord("a"), ord("z") + 1)))
+        texts = dict.fromkeys(TEXTS, letters + letters.upper() + "0123456789&@") | {
+            "IPAMincho": "日本語漢字花鳥風月あいうえおのん夢愛鬱龍"}
+        arcs = chords = 0
+        for name, text in texts.items():
+            outlines = Face(name).contours(text)
+            straight = sum(map(len, outlines)) - curved(outlines)
+            arcs += sum(map(len, run(TOOL, "arcs", 0.01, outlines))) - straight
+            chords += sum(map(len, run(TOOL, "flatten", 0.01, outlines))) - straight
+        self.assertLessEqual(arcs, 0.3 * chords)
+
+
+class Chords(unittest.TestCase):
+    def test_stay_within_the_tolerance_and_use_it(self):
+        for name, text in TEXTS.items():
+            outlines = Face(name).contours(text)
+            for tolerance in (0.001, 0.1):
+                flat = run(TOOL, "flatten", tolerance, outlines)
+                worst = max(farthest(dense(outline, 60), polyline(chords, 1))
+                            for outline, chords in zip(outlines, flat, strict=True))
+                with self.subTest(face=name, tolerance=tolerance):
+                    self.assertLessEqual(worst, tolerance)
+                    self.assertGreater(worst, 0.9 * tolerance)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=1)
