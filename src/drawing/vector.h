@@ -66,8 +66,8 @@ inline void Include(Box2* box, const P2& p) {
   box->max = {std::max(box->max.x, p.x), std::max(box->max.y, p.y)};
 }
 inline void Include(Box2* box, const Box2& other) {
-  Include(box, other.min);
-  Include(box, other.max);
+  box->min = {std::min(box->min.x, other.min.x), std::min(box->min.y, other.min.y)};
+  box->max = {std::max(box->max.x, other.max.x), std::max(box->max.y, other.max.y)};
 }
 
 }  // namespace kerno

@@ -2,7 +2,7 @@
 // that measure it with other tools. A path is one line: "closed" or "open", its start, then its
 // segments: "l x y", "a x y bulge", "q x y x y", "c x y x y x y", control points first.
 //
-//   drawing_tool flatten TOLERANCE | arcs TOLERANCE <paths
+//   drawing_tool flatten|arcs|weld TOLERANCE | offset TOLERANCE DISTANCE <paths
 
 #include <cstdlib>
 #include <cstring>
@@ -13,7 +13,8 @@
 
 #include "drawing/fit_arcs.h"
 #include "drawing/flatten.h"
-#include "drawing/measures.h"
+#include "drawing/offset.h"
+#include "drawing/weld.h"
 
 namespace kerno {
 namespace {
@@ -78,12 +79,17 @@ Path Chords(const Path& path, double tolerance) {
   return chords;
 }
 
-int Run(const std::string& stage, double value) {
+int Run(const std::string& stage, double tolerance, double distance) {
   std::cout.precision(17);
   const std::vector<Path> paths = ReadPaths(std::cin);
-  for (const Path& path : paths) {
-    if (stage == "flatten") Print(Chords(path, value));
-    if (stage == "arcs") Print(FitArcs(path, value));
+  if (stage == "weld") {
+    for (const WeldedPath& welded : Weld(paths, tolerance).paths) Print(welded.path);
+  } else if (stage == "offset") {
+    for (const Path& path : Offset(paths, distance, tolerance).paths) Print(path);
+  } else {
+    for (const Path& path : paths) {
+      Print(stage == "arcs" ? FitArcs(path, tolerance) : Chords(path, tolerance));
+    }
   }
   return 0;
 }
@@ -92,5 +98,7 @@ int Run(const std::string& stage, double value) {
 }  // namespace kerno
 
 int main(int argc, char** argv) {
-  return argc == 3 ? kerno::Run(argv[1], std::strtod(argv[2], nullptr)) : 2;
+  if (argc < 3) return 2;
+  return kerno::Run(argv[1], std::strtod(argv[2], nullptr),
+                    argc > 3 ? std::strtod(argv[3], nullptr) : 0);
 }

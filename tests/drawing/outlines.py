@@ -69,12 +69,12 @@ def text_of(contour):
     return " ".join(word if isinstance(word, str) else repr(float(word)) for word in words)
 
 
-def run(tool, stage, value, contours):
+def run(tool, stage, tolerance, contours, *more):
     """What the tool prints for these contours, as contours: a piece of four values is an arc with its
     bulge, other pieces are points."""
     lines = "".join(text_of(contour) + "\n" for contour in contours)
-    printed = subprocess.run([tool, stage, str(value)], input=lines, stdout=subprocess.PIPE, text=True,
-                             check=True)
+    printed = subprocess.run([tool, stage, str(tolerance), *map(str, more)], input=lines,
+                             stdout=subprocess.PIPE, text=True, check=True)
     return [read(line) for line in printed.stdout.splitlines()]
 
 
@@ -116,8 +116,10 @@ def sampled(piece, count):
 
 
 def polyline(contour, count):
-    return numpy.concatenate([sampled(piece, 1 if len(piece) == 2 else count)[:-1] for piece in contour]
-                             + [numpy.array(contour[-1][1 if isinstance(contour[-1], Arc) else -1])[None]])
+    """Closed: it ends where it starts."""
+    points = numpy.concatenate([sampled(piece, 1 if len(piece) == 2 else count)[:-1]
+                                for piece in contour])
+    return numpy.concatenate([points, points[:1]])
 
 
 def dense(contour, count):

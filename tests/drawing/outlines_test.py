@@ -7,6 +7,10 @@ import math
 import sys
 import unittest
 
+import numpy
+from shapely.geometry import LineString
+from shapely.ops import polygonize, unary_union
+
 from outlines import Face, dense, farthest, polyline, run, turns
 
 TOOL = sys.argv.pop(1)
@@ -66,6 +70,42 @@ class Chords(unittest.TestCase):
                 with self.subTest(face=name, tolerance=tolerance):
                     self.assertLessEqual(worst, tolerance)
                     self.assertGreater(worst, 0.9 * tolerance)
+
+
+def faces(contours):
+    """What the non-zero rule fills, and how often each face of the plane is gone around."""
+    rings = [polyline(contour, 150) for contour in contours]
+    found = []
+    for face in polygonize(unary_union([LineString(ring) for ring in rings])):
+        point = numpy.array(face.representative_point().coords[0])
+        found.append((face, sum(winding(ring, point) for ring in rings)))
+    return found
+
+
+def winding(ring, point):
+    a, b = ring[:-1] - point, ring[1:] - point
+    left = a[:, 0] * b[:, 1] - a[:, 1] * b[:, 0]
+    return int(((a[:, 1] <= 0) & (b[:, 1] > 0) & (left > 0)).sum()
+               - ((a[:, 1] > 0) & (b[:, 1] <= 0) & (left < 0)).sum())
+
+
+def filled(contours):
+    return unary_union([face for face, around in faces(contours) if around != 0])
+
+
+class Welds(unittest.TestCase):
+    def test_fill_what_the_outlines_fill(self):
+        for name, text in {"Liberation Serif": "Sphi&x8", "Inter": "Sphi&x8", "IPAMincho": "永あの鬱"}.items():
+            outlines = Face(name).contours(text, 0.5)
+            welded = run(TOOL, "weld", 0.01, outlines)
+            with self.subTest(face=name):
+                wanted, found = filled(outlines), filled(welded)
+                self.assertLess(wanted.symmetric_difference(found).buffer(-0.0005).area, 1e-9)
+                self.assertLess(wanted.symmetric_difference(found).area, 1e-5 * found.length)
+                thick = [around for face, around in faces(welded) if face.buffer(-0.0005).area > 0]
+                self.assertEqual(set(thick), {0, 1} & set(thick))
+                # Parts of the curves themselves, not of chords.
+                self.assertLess(sum(map(len, welded)), 1.3 * sum(map(len, outlines)))
 
 
 if __name__ == "__main__":

@@ -1,0 +1,161 @@
+#include "drawing/weld.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "drawing/chord_grid.h"
+#include "drawing/outline_tracer.h"
+
+namespace kerno {
+namespace {
+
+// Chords stray from their curves by this share of the tolerance.
+constexpr double kChordShare = 0.125;
+
+// Sets that grow together.
+class Clusters {
+ public:
+  explicit Clusters(size_t count) : parents_(count) {
+    std::iota(parents_.begin(), parents_.end(), size_t{0});
+  }
+  size_t Of(size_t i) {
+    while (parents_[i] != i) i = parents_[i] = parents_[parents_[i]];
+    return i;
+  }
+  void Join(size_t i, size_t j) { parents_[std::max(Of(i), Of(j))] = std::min(Of(i), Of(j)); }
+
+ private:
+  std::vector<size_t> parents_;
+};
+
+bool IsFilled(int winding, FillRule rule) {
+  return rule == FillRule::kNonZero ? winding != 0 : winding > 0;
+}
+
+class Welder {
+ public:
+  Welder(std::span<const Path> paths, double tolerance, FillRule rule, int around)
+      : paths_(paths),
+        rule_(rule),
+        around_(around),
+        grid_(paths, tolerance * kChordShare, ChordGrid::Closing::kAll),
+        clusters_(paths.size()),
+        touched_(paths.size()),
+        path_boxes_(PathBoxes()) {
+    result_.vanished.assign(paths.size(), true);
+  }
+
+  WeldResult Run() {
+    grid_.ForEachContact([&](size_t i, size_t j, Contact) {
+      const uint32_t a = grid_.Chords()[i].path, b = grid_.Chords()[j].path;
+      touched_[a] = touched_[b] = true;
+      clusters_.Join(a, b);
+    });
+    std::vector<std::vector<size_t>> members(paths_.size());
+    for (size_t i = 0; i < paths_.size(); ++i) {
+      if (grid_.HasChords(i)) members[clusters_.Of(i)].push_back(i);
+    }
+    OutlineTracer tracer(grid_);
+    for (const std::vector<size_t>& cluster : members) {
+      if (cluster.empty()) continue;
+      if (touched_[cluster[0]]) {
+        WeldCluster(cluster, &tracer);
+      } else {
+        Keep(cluster[0]);
+      }
+    }
+    return std::move(result_);
+  }
+
+ private:
+  BoxTree PathBoxes() const {
+    std::vector<Box2> boxes;
+    for (size_t i = 0; i < paths_.size(); ++i) boxes.push_back(grid_.BoxOf(i));
+    return BoxTree(std::move(boxes));
+  }
+
+  // How often the other clusters go around one: as they do not touch it, the same everywhere on it.
+  int WindingAround(size_t path) {
+    const GridPoint& p = grid_.Chords()[grid_.ChordsBegin(path)].from;
+    Box2 at;
+    Include(&at, P2{static_cast<double>(p.x), static_cast<double>(p.y)});
+    const size_t own = clusters_.Of(path);
+    int winding = around_;
+    path_boxes_.ForEachNear(at, [&](size_t other) {
+      if (clusters_.Of(other) != own) winding += grid_.Winding(other, p);
+    });
+    return winding;
+  }
+
+  void Keep(size_t path) {
+    const bool is_forwards = grid_.TwiceArea(path) > 0;
+    const int outside = WindingAround(path);
+    const bool fills_outside = IsFilled(outside, rule_);
+    const bool fills_inside = IsFilled(outside + (is_forwards ? 1 : -1), rule_);
+    if (fills_inside == fills_outside) return;
+    result_.vanished[path] = false;
+    const bool reversed = is_forwards != fills_inside;
+    result_.paths.push_back({reversed ? Reversed(paths_[path]) : paths_[path], path, reversed});
+  }
+
+  void WeldCluster(const std::vector<size_t>& cluster, OutlineTracer* tracer) {
+    std::vector<Polygon> polygons;
+    Box2 box;
+    for (const size_t path : cluster) {
+      Include(&box, grid_.BoxOf(path));
+      Polygon& polygon = polygons.emplace_back();
+      for (size_t i = grid_.ChordsBegin(path); i < grid_.ChordsBegin(path + 1); ++i) {
+        polygon.push_back(grid_.Chords()[i].from);
+      }
+    }
+    AddFrames(box, WindingAround(cluster[0]), &polygons);
+    for (const Polygon& outline : UnionOf(polygons, rule_)) {
+      if (!IsInside(outline, box)) continue;
+      WeldedPath welded;
+      welded.path = tracer->Trace(outline, &result_.vanished);
+      if (!welded.path.segments.empty()) result_.paths.push_back(std::move(welded));
+    }
+  }
+
+  // Around the cluster, what goes around it: one frame each time.
+  static void AddFrames(const Box2& box, int winding, std::vector<Polygon>* polygons) {
+    for (int i = 1; i <= std::abs(winding); ++i) {
+      constexpr int32_t kApart = 16;
+      const int32_t left = static_cast<int32_t>(box.min.x) - i * kApart;
+      const int32_t right = static_cast<int32_t>(box.max.x) + i * kApart;
+      const int32_t low = static_cast<int32_t>(box.min.y) - i * kApart;
+      const int32_t high = static_cast<int32_t>(box.max.y) + i * kApart;
+      Polygon frame = {{left, low}, {right, low}, {right, high}, {left, high}};
+      if (winding < 0) std::reverse(frame.begin(), frame.end());
+      polygons->push_back(std::move(frame));
+    }
+  }
+
+  // Not an outline of the frames.
+  static bool IsInside(const Polygon& outline, const Box2& box) {
+    return std::ranges::all_of(outline, [&](const GridPoint& p) {
+      return p.x >= box.min.x && p.x <= box.max.x && p.y >= box.min.y && p.y <= box.max.y;
+    });
+  }
+
+  std::span<const Path> paths_;
+  FillRule rule_;
+  int around_;
+  ChordGrid grid_;
+  Clusters clusters_;
+  std::vector<bool> touched_;
+  BoxTree path_boxes_;
+  WeldResult result_;
+};
+
+}  // namespace
+
+WeldResult UnionOf(std::span<const Path> paths, double tolerance, FillRule rule, int around) {
+  return Welder(paths, tolerance, rule, around).Run();
+}
+
+WeldResult Weld(std::span<const Path> paths, double tolerance) {
+  return UnionOf(paths, tolerance, FillRule::kNonZero, 0);
+}
+
+}  // namespace kerno
