@@ -9,11 +9,11 @@ if(NOT WIN32)
   return()
 endif()
 
-set(KERNO_SOURCES "$ENV{XDG_CACHE_HOME}")
-if(NOT KERNO_SOURCES)
-  set(KERNO_SOURCES "$ENV{HOME}/.cache")
+set(cache_folder "$ENV{XDG_CACHE_HOME}")
+if(NOT cache_folder)
+  set(cache_folder "$ENV{HOME}/.cache")
 endif()
-set(KERNO_SOURCES "${KERNO_SOURCES}/kerno-sources"
+set(KERNO_SOURCES "${cache_folder}/kerno-sources"
     CACHE PATH "Where tools/setup.sh has put the sources of libraries")
 
 # kerno_source(VARIABLE PACKAGE FILE) finds a file of a source package and sets VARIABLE to its folder.

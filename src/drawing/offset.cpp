@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "drawing/fit_arcs.h"
+#include "drawing/measures.h"
 #include "drawing/segment.h"
 #include "drawing/weld.h"
 
@@ -11,8 +12,12 @@ namespace {
 
 // What the arcs stray; moving them to the right adds less than the rest.
 constexpr double kFitShare = 0.5;
-// The sine of 1.1 degrees: turns below it are the joints of arcs and make no corner.
+// Where arcs meet within a degree or so, the moved ones meet without a corner as long as their ends
+// move by no more than this share of the tolerance for it.
 constexpr double kSmoothTurn = 0.0192;
+constexpr double kJointShare = 0.25;
+// What is left over is thinner than this share of the tolerance: as good as nothing.
+constexpr double kSliverShare = 0.5;
 
 Segment LineTo(const P2& end) {
   Segment line;
@@ -28,20 +33,23 @@ double HalfTangent(double tangent) {
 // What stands between the moved ends of two pieces.
 class Corner {
  public:
-  Corner(const Piece& before, const Piece& after, double distance) : at_(after.start) {
+  Corner(const Piece& before, const Piece& after, double distance, double tolerance)
+      : at_(after.start) {
     const P2 arriving = DirectionAt(before, 1), leaving = DirectionAt(after, 0);
     turn_ = Cross(arriving, leaving);
     ahead_ = Dot(arriving, leaving);
     end_ = at_ - TurnedLeft(arriving) * distance;
     start_ = at_ - TurnedLeft(leaving) * distance;
-    if (IsSmooth()) end_ = start_ = at_ - TurnedLeft(Unit(arriving + leaving)) * distance;
+    is_smooth_ = ahead_ > 0 && std::fabs(turn_) < kSmoothTurn &&
+                 std::fabs(turn_) * distance < tolerance * kJointShare;
+    if (is_smooth_) end_ = start_ = at_ - TurnedLeft(Unit(arriving + leaving)) * distance;
   }
 
   const P2& End() const { return end_; }      // of the piece before
   const P2& Start() const { return start_; }  // of the piece after
 
   void Append(std::vector<Segment>* segments) const {
-    if (IsSmooth()) return;
+    if (is_smooth_) return;
     if (turn_ < 0 && ahead_ > -1 + 1e-12) {
       // Inwards the moved pieces cross. The way over the corner itself keeps what lies between them
       // inside the rest.
@@ -56,10 +64,9 @@ class Corner {
   }
 
  private:
-  bool IsSmooth() const { return ahead_ > 0 && std::fabs(turn_) < kSmoothTurn; }
-
   P2 at_;
   double turn_, ahead_;
+  bool is_smooth_;
   P2 end_, start_;
 };
 
@@ -71,12 +78,12 @@ bool TurnsInside(const Piece& piece, double distance) {
 
 // Each piece moved to its right, as closed paths that go counter-clockwise around all that lies
 // between the path and what it moves to, and which may cross themselves and each other.
-void MoveRight(const Path& path, double distance, std::vector<Path>* moved) {
+void MoveRight(const Path& path, double distance, double tolerance, std::vector<Path>* moved) {
   const std::vector<Piece> pieces = PiecesOf(path);
   if (pieces.empty()) return;
   std::vector<Corner> corners;  // before each piece
   for (size_t i = 0; i < pieces.size(); ++i) {
-    corners.emplace_back(pieces[i > 0 ? i - 1 : pieces.size() - 1], pieces[i], distance);
+    corners.emplace_back(pieces[i > 0 ? i - 1 : pieces.size() - 1], pieces[i], distance, tolerance);
   }
   Path whole;
   whole.start = corners[0].Start();
@@ -114,12 +121,14 @@ OffsetResult Offset(std::span<const Path> paths, double distance, double toleran
   for (const Path& path : paths) {
     moved_begin.push_back(moved.size());
     const Path arcs = FitArcs(path, tolerance * kFitShare);
-    MoveRight(inwards ? Reversed(arcs) : arcs, std::fabs(distance), &moved);
+    MoveRight(inwards ? Reversed(arcs) : arcs, std::fabs(distance), tolerance, &moved);
   }
   moved_begin.push_back(moved.size());
   WeldResult united = UnionOf(moved, tolerance, FillRule::kPositive, inwards ? 1 : 0);
   OffsetResult result;
   for (WeldedPath& outline : united.paths) {
+    const double half_length = 0.5 * LengthOf(outline.path);
+    if (std::fabs(SignedAreaOf(outline.path)) < half_length * tolerance * kSliverShare) continue;
     result.paths.push_back(inwards ? Reversed(outline.path) : std::move(outline.path));
   }
   for (size_t i = 0; i < paths.size(); ++i) {

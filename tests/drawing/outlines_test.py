@@ -108,5 +108,20 @@ class Welds(unittest.TestCase):
                 self.assertLess(sum(map(len, welded)), 1.3 * sum(map(len, outlines)))
 
 
+class Offsets(unittest.TestCase):
+    def test_move_outlines_by_the_distance(self):
+        for name, text in {"Liberation Serif": "S&8", "IPAMincho": "あの"}.items():
+            outlines = run(TOOL, "weld", 0.01, Face(name).contours(text))
+            shape = filled(outlines).simplify(0.0002)  # too many points are too much for buffer()
+            for distance in (0.1, 1.1, 3, -0.1, -0.4, -2):
+                moved = run(TOOL, "offset", 0.01, outlines, distance)
+                with self.subTest(face=name, distance=distance):
+                    wanted = shape.buffer(distance, resolution=64)
+                    strays = wanted.symmetric_difference(filled(moved))
+                    self.assertEqual(strays.buffer(-0.0055).area, 0)
+                    parts = [part for part in getattr(wanted, "geoms", [wanted]) if part.area > 0]
+                    self.assertEqual(len(moved), sum(1 + len(part.interiors) for part in parts))
+
+
 if __name__ == "__main__":
     unittest.main(verbosity=1)
