@@ -86,10 +86,15 @@ ChordGrid::ChordGrid(std::span<const Path> paths, double tolerance, Closing clos
     : tolerance_(tolerance) {
   Box2 all;
   std::vector<Box2> boxes;
+  size_t segments = 0;
   for (const Path& path : paths) {
+    segments += path.segments.size();
     boxes.push_back(IsFinite(path) ? kerno::BoxOf(path) : Box2{});
     Include(&all, boxes.back());
   }
+  constexpr size_t kUsualParts = 6;
+  pieces_.reserve(segments);
+  chords_.reserve(segments * kUsualParts);
   const double size = std::max(all.Width(), all.Height());
   if (size > 0) {
     origin_ = Midpoint(all.min, all.max);

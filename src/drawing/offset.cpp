@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "drawing/fit_arcs.h"
-#include "drawing/measures.h"
 #include "drawing/segment.h"
 #include "drawing/weld.h"
 
@@ -124,11 +123,10 @@ OffsetResult Offset(std::span<const Path> paths, double distance, double toleran
     MoveRight(inwards ? Reversed(arcs) : arcs, std::fabs(distance), tolerance, &moved);
   }
   moved_begin.push_back(moved.size());
-  WeldResult united = UnionOf(moved, tolerance, FillRule::kPositive, inwards ? 1 : 0);
+  WeldResult united =
+      UnionOf(moved, tolerance, {FillRule::kPositive, inwards ? 1 : 0, tolerance * kSliverShare});
   OffsetResult result;
   for (WeldedPath& outline : united.paths) {
-    const double half_length = 0.5 * LengthOf(outline.path);
-    if (std::fabs(SignedAreaOf(outline.path)) < half_length * tolerance * kSliverShare) continue;
     result.paths.push_back(inwards ? Reversed(outline.path) : std::move(outline.path));
   }
   for (size_t i = 0; i < paths.size(); ++i) {

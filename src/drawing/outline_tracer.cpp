@@ -55,21 +55,27 @@ bool IsSliver(const Polygon& outline) {
 
 }  // namespace
 
-OutlineTracer::OutlineTracer(const ChordGrid& grid) : grid_(grid) {
-  const std::vector<Chord>& chords = grid.Chords();
-  first_.assign(std::bit_ceil(2 * chords.size() + 1), kNone);
-  next_.assign(chords.size(), kNone);
-  for (size_t i = chords.size(); i-- > 0;) {
-    uint32_t& first = first_[HashOf(chords[i].from) & (first_.size() - 1)];
-    next_[i] = first;
-    first = static_cast<uint32_t>(i);
+OutlineTracer::OutlineTracer(const ChordGrid& grid, const std::vector<size_t>& paths)
+    : grid_(grid), paths_(paths) {
+  size_t count = 0;
+  for (const size_t path : paths) count += grid.ChordsBegin(path + 1) - grid.ChordsBegin(path);
+  first_.assign(std::bit_ceil(2 * count + 1), kNone);
+  entries_.reserve(count);
+  for (const size_t path : paths) {
+    for (size_t i = grid.ChordsBegin(path); i < grid.ChordsBegin(path + 1); ++i) {
+      uint32_t& first = first_[HashOf(grid.Chords()[i].from) & (first_.size() - 1)];
+      entries_.push_back({static_cast<uint32_t>(i), first});
+      first = static_cast<uint32_t>(entries_.size() - 1);
+    }
   }
 }
 
 template <class Visit>
 void OutlineTracer::ForEachChordFrom(const GridPoint& p, const Visit& visit) const {
-  for (uint32_t i = first_[HashOf(p) & (first_.size() - 1)]; i != kNone; i = next_[i]) {
-    if (grid_.Chords()[i].from == p) visit(static_cast<size_t>(i));
+  uint32_t entry = first_[HashOf(p) & (first_.size() - 1)];
+  for (; entry != kNone; entry = entries_[entry].next) {
+    const size_t chord = entries_[entry].chord;
+    if (grid_.Chords()[chord].from == p) visit(chord);
   }
 }
 
@@ -123,7 +129,10 @@ OutlineTracer::Run OutlineTracer::RunAlong(const GridPoint& from, const GridPoin
   Include(&box, P2{static_cast<double>(from.x), static_cast<double>(from.y)});
   box.min = box.min - P2{kNear, kNear};
   box.max = box.max + P2{kNear, kNear};
-  grid_.Boxes().ForEachNear(box, consider);
+  for (const size_t path : paths_) {
+    if (!grid_.BoxOf(path).Overlaps(box)) continue;
+    grid_.Boxes().ForEachNear(box, grid_.ChordsBegin(path), grid_.ChordsBegin(path + 1), consider);
+  }
   return best;
 }
 
@@ -238,22 +247,20 @@ void OutlineTracer::AppendRun(const Run& run, const P2& start, const P2& end, Pa
   path->segments.push_back(segment);
 }
 
-Path OutlineTracer::Trace(const Polygon& outline, std::vector<bool>* unused) const {
-  Path path;
-  if (IsSliver(outline)) return path;
+TracedOutline OutlineTracer::Trace(const Polygon& outline) const {
+  TracedOutline traced;
+  if (IsSliver(outline)) return traced;
   std::vector<Run> runs = RunsOf(outline);
   const size_t count = runs.size();
+  if (count == 0) return traced;
   std::vector<P2> joints(count);  // where each run begins
   for (size_t i = 0; i < count; ++i) joints[i] = Joint(&runs[i > 0 ? i - 1 : count - 1], &runs[i]);
-  if (count == 0) return path;
-  path.start = joints[0];
+  traced.path.start = joints[0];
   for (size_t i = 0; i < count; ++i) {
-    AppendRun(runs[i], joints[i], joints[i + 1 < count ? i + 1 : 0], &path);
+    AppendRun(runs[i], joints[i], joints[i + 1 < count ? i + 1 : 0], &traced.path);
+    if (runs[i].piece != kNoPiece) traced.sources.push_back(runs[i].path);
   }
-  for (const Run& run : runs) {
-    if (run.piece != kNoPiece) (*unused)[run.path] = false;
-  }
-  return path;
+  return traced;
 }
 
 }  // namespace kerno

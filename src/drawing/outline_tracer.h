@@ -10,15 +10,20 @@
 
 namespace kerno {
 
-// Finds the chords of a grid along which the edges of an outline run. The grid must outlive it.
+struct TracedOutline {
+  Path path;
+  std::vector<uint32_t> sources;  // the paths of which parts are in it; some may stand here twice
+};
+
+// Finds the chords of some paths along which the edges of an outline run. Grid and paths must
+// outlive it.
 class OutlineTracer {
  public:
-  explicit OutlineTracer(const ChordGrid& grid);
+  OutlineTracer(const ChordGrid& grid, const std::vector<size_t>& paths);
 
   // The outline as parts of the grid's pieces. Where a part of a piece ends at another one, both
-  // end at the crossing of their curves. No segments for an outline without area. The paths of
-  // which parts were used are no longer marked in `unused`.
-  Path Trace(const Polygon& outline, std::vector<bool>* unused) const;
+  // end at the crossing of their curves. No segments for an outline without area.
+  TracedOutline Trace(const Polygon& outline) const;
 
  private:
   // An edge of the outline or several in a row: the part of a piece that they run along, backwards
@@ -44,8 +49,13 @@ class OutlineTracer {
   void ForEachChordFrom(const GridPoint& p, const Visit& visit) const;
 
   const ChordGrid& grid_;
-  // A hash table of the chords by where they begin.
-  std::vector<uint32_t> first_, next_;
+  const std::vector<size_t>& paths_;
+  // A hash table of the paths' chords by where they begin.
+  struct Entry {
+    uint32_t chord, next;
+  };
+  std::vector<uint32_t> first_;
+  std::vector<Entry> entries_;
 };
 
 }  // namespace kerno

@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "drawing/chord_grid.h"
+#include "drawing/measures.h"
 #include "drawing/outline_tracer.h"
 
 namespace kerno {
@@ -34,10 +35,9 @@ bool IsFilled(int winding, FillRule rule) {
 
 class Welder {
  public:
-  Welder(std::span<const Path> paths, double tolerance, FillRule rule, int around)
+  Welder(std::span<const Path> paths, double tolerance, const UnionRule& rule)
       : paths_(paths),
         rule_(rule),
-        around_(around),
         grid_(paths, tolerance * kChordShare, ChordGrid::Closing::kAll),
         clusters_(paths.size()),
         touched_(paths.size()),
@@ -55,11 +55,10 @@ class Welder {
     for (size_t i = 0; i < paths_.size(); ++i) {
       if (grid_.HasChords(i)) members[clusters_.Of(i)].push_back(i);
     }
-    OutlineTracer tracer(grid_);
     for (const std::vector<size_t>& cluster : members) {
       if (cluster.empty()) continue;
       if (touched_[cluster[0]]) {
-        WeldCluster(cluster, &tracer);
+        WeldCluster(cluster);
       } else {
         Keep(cluster[0]);
       }
@@ -80,7 +79,7 @@ class Welder {
     Box2 at;
     Include(&at, P2{static_cast<double>(p.x), static_cast<double>(p.y)});
     const size_t own = clusters_.Of(path);
-    int winding = around_;
+    int winding = rule_.around;
     path_boxes_.ForEachNear(at, [&](size_t other) {
       if (clusters_.Of(other) != own) winding += grid_.Winding(other, p);
     });
@@ -90,15 +89,15 @@ class Welder {
   void Keep(size_t path) {
     const bool is_forwards = grid_.TwiceArea(path) > 0;
     const int outside = WindingAround(path);
-    const bool fills_outside = IsFilled(outside, rule_);
-    const bool fills_inside = IsFilled(outside + (is_forwards ? 1 : -1), rule_);
-    if (fills_inside == fills_outside) return;
+    const bool fills_outside = IsFilled(outside, rule_.fill);
+    const bool fills_inside = IsFilled(outside + (is_forwards ? 1 : -1), rule_.fill);
+    if (fills_inside == fills_outside || IsThin(paths_[path])) return;
     result_.vanished[path] = false;
     const bool reversed = is_forwards != fills_inside;
     result_.paths.push_back({reversed ? Reversed(paths_[path]) : paths_[path], path, reversed});
   }
 
-  void WeldCluster(const std::vector<size_t>& cluster, OutlineTracer* tracer) {
+  void WeldCluster(const std::vector<size_t>& cluster) {
     std::vector<Polygon> polygons;
     Box2 box;
     for (const size_t path : cluster) {
@@ -109,12 +108,19 @@ class Welder {
       }
     }
     AddFrames(box, WindingAround(cluster[0]), &polygons);
-    for (const Polygon& outline : UnionOf(polygons, rule_)) {
+    const OutlineTracer tracer(grid_, cluster);
+    for (const Polygon& outline : UnionOf(polygons, rule_.fill)) {
       if (!IsInside(outline, box)) continue;
-      WeldedPath welded;
-      welded.path = tracer->Trace(outline, &result_.vanished);
-      if (!welded.path.segments.empty()) result_.paths.push_back(std::move(welded));
+      TracedOutline traced = tracer.Trace(outline);
+      if (traced.path.segments.empty() || IsThin(traced.path)) continue;
+      for (const uint32_t source : traced.sources) result_.vanished[source] = false;
+      result_.paths.push_back({std::move(traced.path)});
     }
+  }
+
+  bool IsThin(const Path& path) const {
+    return rule_.thinnest > 0 &&
+           std::fabs(SignedAreaOf(path)) < 0.5 * LengthOf(path) * rule_.thinnest;
   }
 
   // Around the cluster, what goes around it: one frame each time.
@@ -139,8 +145,7 @@ class Welder {
   }
 
   std::span<const Path> paths_;
-  FillRule rule_;
-  int around_;
+  UnionRule rule_;
   ChordGrid grid_;
   Clusters clusters_;
   std::vector<bool> touched_;
@@ -150,12 +155,12 @@ class Welder {
 
 }  // namespace
 
-WeldResult UnionOf(std::span<const Path> paths, double tolerance, FillRule rule, int around) {
-  return Welder(paths, tolerance, rule, around).Run();
+WeldResult UnionOf(std::span<const Path> paths, double tolerance, const UnionRule& rule) {
+  return Welder(paths, tolerance, rule).Run();
 }
 
 WeldResult Weld(std::span<const Path> paths, double tolerance) {
-  return UnionOf(paths, tolerance, FillRule::kNonZero, 0);
+  return UnionOf(paths, tolerance, UnionRule{});
 }
 
 }  // namespace kerno

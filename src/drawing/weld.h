@@ -39,8 +39,14 @@ struct WeldResult {
 // The result is the same on every platform.
 WeldResult Weld(std::span<const Path> paths, double tolerance);
 
-// What both Weld and offsets are made of: any rule, and paths that lie in a plane which others go
-// around `around` times already.
-WeldResult UnionOf(std::span<const Path> paths, double tolerance, FillRule rule, int around);
+// What is outline and what is nothing.
+struct UnionRule {
+  FillRule fill = FillRule::kNonZero;
+  int around = 0;       // how often others go around the whole plane already
+  double thinnest = 0;  // outlines around less than a strip of this width are left out
+};
+
+// What both Weld and offsets are made of.
+WeldResult UnionOf(std::span<const Path> paths, double tolerance, const UnionRule& rule);
 
 }  // namespace kerno
