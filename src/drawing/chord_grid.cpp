@@ -143,7 +143,7 @@ GridPoint ChordGrid::OnGrid(const P2& p) const {
 }
 
 void ChordGrid::MeasureBoxes() {
-  std::vector<Box2> boxes;
+  std::vector<GridBox> boxes;
   boxes.reserve(chords_.size());
   path_boxes_.resize(PathCount());
   for (const Chord& chord : chords_) {
@@ -179,13 +179,12 @@ Contact ChordGrid::ContactBetween(size_t i, size_t j) const {
 }
 
 int ChordGrid::Winding(size_t path, const GridPoint& p) const {
-  const Box2& box = path_boxes_[path];
-  Box2 ray;
-  Include(&ray, P2{static_cast<double>(p.x), static_cast<double>(p.y)});
+  const GridBox& box = path_boxes_[path];
+  GridBox ray = {p, p};
   if (!box.Overlaps(ray)) return 0;
   // Along the shorter side, which few chords cross.
-  const bool upwards = box.Width() > box.Height();
-  (upwards ? ray.max.y : ray.max.x) = HUGE_VAL;
+  const bool upwards = box.IsWide();
+  (upwards ? ray.max.y : ray.max.x) = GridBox::kMost;
   int winding = 0;
   boxes_.ForEachNear(ray, chords_begin_[path], chords_begin_[path + 1],
                      [&](size_t i) { winding += CrossingOfRay(chords_[i], p, upwards); });

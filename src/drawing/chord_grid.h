@@ -12,13 +12,6 @@
 
 namespace kerno {
 
-// Small enough that products of differences fit into 64 bits.
-struct GridPoint {
-  int32_t x = 0, y = 0;
-
-  bool operator==(const GridPoint&) const = default;
-};
-
 struct Chord {
   GridPoint from, to;
   uint32_t path = 0;
@@ -70,7 +63,7 @@ class ChordGrid {
   // Twice the area, as a number that is exact enough for its sign.
   double TwiceArea(size_t path) const;
 
-  const Box2& BoxOf(size_t path) const { return path_boxes_[path]; }  // in grid units
+  const GridBox& BoxOf(size_t path) const { return path_boxes_[path]; }
   double Unit() const { return unit_; }
   double Tolerance() const { return tolerance_; }
   P2 InPlane(const GridPoint& p) const {
@@ -89,15 +82,13 @@ class ChordGrid {
   std::vector<Piece> pieces_;
   std::vector<Chord> chords_;
   std::vector<size_t> chords_begin_ = {0};
-  std::vector<Box2> path_boxes_;
+  std::vector<GridBox> path_boxes_;
   BoxTree boxes_{{}};
 };
 
-inline Box2 BoxOf(const Chord& chord) {
-  Box2 box;
-  Include(&box, P2{static_cast<double>(chord.from.x), static_cast<double>(chord.from.y)});
-  Include(&box, P2{static_cast<double>(chord.to.x), static_cast<double>(chord.to.y)});
-  return box;
+inline GridBox BoxOf(const Chord& chord) {
+  return {{std::min(chord.from.x, chord.to.x), std::min(chord.from.y, chord.to.y)},
+          {std::max(chord.from.x, chord.to.x), std::max(chord.from.y, chord.to.y)}};
 }
 
 }  // namespace kerno

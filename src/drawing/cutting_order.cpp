@@ -44,7 +44,7 @@ class CutPlanner {
   bool IsContour(size_t path) const { return paths_[path].closed && grid_.HasChords(path); }
 
   void Nest() {
-    std::vector<Box2> boxes;
+    std::vector<GridBox> boxes;
     for (size_t i = 0; i < paths_.size(); ++i) {
       boxes.push_back(grid_.BoxOf(i));
       nodes_[i].twice_area = grid_.TwiceArea(i);
@@ -87,8 +87,8 @@ class CutPlanner {
 
   // Along the longer side: from left to right or from top to bottom.
   void SortInside(size_t path) {
-    const Box2& box = grid_.BoxOf(path);
-    const bool is_wide = box.Width() >= box.Height();
+    const GridBox& box = grid_.BoxOf(path);
+    const bool is_wide = box.IsWide();
     const auto place = [&](size_t i) {
       return is_wide ? grid_.BoxOf(i).min.x : -grid_.BoxOf(i).max.y;
     };

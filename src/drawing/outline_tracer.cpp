@@ -11,7 +11,7 @@ constexpr uint32_t kNone = 0xFFFFFFFF;
 constexpr uint32_t kNoPiece = kNone;
 // Crossings are rounded to the grid, and edges that end there lie off their chords by so many
 // units.
-constexpr int64_t kNear = 2;
+constexpr int32_t kNear = 2;
 
 uint64_t HashOf(const GridPoint& p) {
   uint64_t hash = (static_cast<uint64_t>(static_cast<uint32_t>(p.x)) << 32) |
@@ -125,10 +125,7 @@ OutlineTracer::Run OutlineTracer::RunAlong(const GridPoint& from, const GridPoin
   }
   if (best.piece != kNoPiece) return best;
   // Between two crossings.
-  Box2 box;
-  Include(&box, P2{static_cast<double>(from.x), static_cast<double>(from.y)});
-  box.min = box.min - P2{kNear, kNear};
-  box.max = box.max + P2{kNear, kNear};
+  const GridBox box = {{from.x - kNear, from.y - kNear}, {from.x + kNear, from.y + kNear}};
   for (const size_t path : paths_) {
     if (!grid_.BoxOf(path).Overlaps(box)) continue;
     grid_.Boxes().ForEachNear(box, grid_.ChordsBegin(path), grid_.ChordsBegin(path + 1), consider);

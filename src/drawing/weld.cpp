@@ -68,7 +68,7 @@ class Welder {
 
  private:
   BoxTree PathBoxes() const {
-    std::vector<Box2> boxes;
+    std::vector<GridBox> boxes;
     for (size_t i = 0; i < paths_.size(); ++i) boxes.push_back(grid_.BoxOf(i));
     return BoxTree(std::move(boxes));
   }
@@ -76,11 +76,9 @@ class Welder {
   // How often the other clusters go around one: as they do not touch it, the same everywhere on it.
   int WindingAround(size_t path) {
     const GridPoint& p = grid_.Chords()[grid_.ChordsBegin(path)].from;
-    Box2 at;
-    Include(&at, P2{static_cast<double>(p.x), static_cast<double>(p.y)});
     const size_t own = clusters_.Of(path);
     int winding = rule_.around;
-    path_boxes_.ForEachNear(at, [&](size_t other) {
+    path_boxes_.ForEachNear({p, p}, [&](size_t other) {
       if (clusters_.Of(other) != own) winding += grid_.Winding(other, p);
     });
     return winding;
@@ -99,7 +97,7 @@ class Welder {
 
   void WeldCluster(const std::vector<size_t>& cluster) {
     std::vector<Polygon> polygons;
-    Box2 box;
+    GridBox box;
     for (const size_t path : cluster) {
       Include(&box, grid_.BoxOf(path));
       Polygon& polygon = polygons.emplace_back();
@@ -124,13 +122,13 @@ class Welder {
   }
 
   // Around the cluster, what goes around it: one frame each time.
-  static void AddFrames(const Box2& box, int winding, std::vector<Polygon>* polygons) {
+  static void AddFrames(const GridBox& box, int winding, std::vector<Polygon>* polygons) {
     for (int i = 1; i <= std::abs(winding); ++i) {
       constexpr int32_t kApart = 16;
-      const int32_t left = static_cast<int32_t>(box.min.x) - i * kApart;
-      const int32_t right = static_cast<int32_t>(box.max.x) + i * kApart;
-      const int32_t low = static_cast<int32_t>(box.min.y) - i * kApart;
-      const int32_t high = static_cast<int32_t>(box.max.y) + i * kApart;
+      const int32_t left = box.min.x - i * kApart;
+      const int32_t right = box.max.x + i * kApart;
+      const int32_t low = box.min.y - i * kApart;
+      const int32_t high = box.max.y + i * kApart;
       Polygon frame = {{left, low}, {right, low}, {right, high}, {left, high}};
       if (winding < 0) std::reverse(frame.begin(), frame.end());
       polygons->push_back(std::move(frame));
@@ -138,7 +136,7 @@ class Welder {
   }
 
   // Not an outline of the frames.
-  static bool IsInside(const Polygon& outline, const Box2& box) {
+  static bool IsInside(const Polygon& outline, const GridBox& box) {
     return std::ranges::all_of(outline, [&](const GridPoint& p) {
       return p.x >= box.min.x && p.x <= box.max.x && p.y >= box.min.y && p.y <= box.max.y;
     });

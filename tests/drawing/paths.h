@@ -55,7 +55,8 @@ inline double DistanceTo(const Piece& piece, const P2& p) {
   double nearest = HUGE_VAL;
   for (int i = 0; i <= kSteps; ++i) {
     double best = i * (1.0 / kSteps), least = distance(best);
-    for (double step = 1.0 / kSteps; step > 1e-8; step *= 0.5) {
+    double step = 1.0 / kSteps;
+    for (int halving = 0; halving < 24; ++halving, step *= 0.5) {
       for (const double t : {std::max(0.0, best - step), std::min(1.0, best + step)}) {
         if (distance(t) < least) best = t, least = distance(t);
       }

@@ -8,6 +8,7 @@
 #include "drawing/check_paths.h"
 #include "drawing/cutting_order.h"
 #include "drawing/measures.h"
+#include "drawing/offset.h"
 #include "drawing/paths.h"
 
 namespace kerno {
@@ -98,6 +99,32 @@ TEST(Weld, KeepsCurvesBetweenCrossings) {
       EXPECT_NEAR(RadiusOf(piece), 5, 1e-9);
       EXPECT_NEAR(Length(piece.start), 5, 1e-9);
     }
+  }
+}
+
+TEST(Offset, CountsWhatVanishes) {
+  const std::vector<Path> paths = {Rectangle({0, 0}, {20, 20}), Reversed(Rectangle({4, 4}, {8, 8})),
+                                   Reversed(Circle({14, 14}, 3)), Rectangle({30, 0}, {31, 20})};
+  const struct {
+    double distance;
+    size_t outlines, vanished;
+    double area;
+  } kCases[] = {
+      {0, 4, 0, 400 - 16 - 9 * kPi + 20},
+      {-0.25, 4, 0, 19.5 * 19.5 - (16 + 4 + kPi / 16) - 3.25 * 3.25 * kPi + 0.5 * 19.5},
+      {-0.75, 3, 1, 18.5 * 18.5 - (16 + 12 + kPi * 9 / 16) - 3.75 * 3.75 * kPi},
+      {2.5, 3, 1, 400 + 200 + 6.25 * kPi - kPi / 4 + 20 + 105 + 6.25 * kPi},
+      {4, 2, 2, 400 + 320 + 16 * kPi + 20 + 168 + 16 * kPi},
+      {-12, 0, 4, 0},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.distance);
+    const OffsetResult result = Offset(paths, c.distance, kTolerance);
+    EXPECT_EQ(result.paths.size(), c.outlines);
+    EXPECT_EQ(result.vanished, c.vanished);
+    double area = 0;
+    for (const Path& path : result.paths) area += SignedAreaOf(path);
+    EXPECT_NEAR(area, c.area, 1e-3);
   }
 }
 
