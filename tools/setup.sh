@@ -5,17 +5,48 @@
 set -e
 packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  qt6-base-dev xvfb xdotool unrtf
- libfreetype-dev libfontconfig-dev libharfbuzz-dev libcli11-dev libagg-dev
- fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf
+ libfreetype-dev libfontconfig-dev libharfbuzz-dev libharfbuzz-bin libcli11-dev libagg-dev libpolyclipping-dev
+ fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf fonts-liberation fonts-inter
  libcurl4-openssl-dev libcurl4 ca-certificates openssl curl chromium tidy
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  libxml2-utils assimp-utils
- python3 python3-ezdxf imagemagick file emf2svg librsvg2-bin icoutils"
+ python3 python3-ezdxf python3-fonttools python3-shapely python3-numpy imagemagick file emf2svg librsvg2-bin icoutils"
 
 if [ "$1" = windows ]; then
   packages="$packages g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-x86-64-dev googletest
- wine64 wine locales xvfb zip imagemagick"
+ wine64 wine locales xvfb zip imagemagick dpkg-dev"
 fi
+
+sources=""
+[ "$1" = windows ] && sources="libpolyclipping harfbuzz"
+source_cache="${XDG_CACHE_HOME:-$HOME/.cache}/kerno-sources"
+
+as_root=""
+become_root() {
+  [ "$(id -u)" = 0 ] && return
+  command -v sudo >/dev/null || { echo "setup: run as root, or install sudo" >&2; exit 1; }
+  as_root="sudo"
+}
+
+# source_package NAME unpacks a Debian source package into the cache folder, once. It has package lists
+# of its own, made from the machine's, which stay as they are.
+source_package() {
+  [ -d "$source_cache/$1" ] && return
+  echo "fetching the source of $1"
+  lists="$source_cache/apt"
+  mkdir -p "$lists/lists/partial" "$lists/archives/partial" "$lists/unpacked"
+  keys=/usr/share/keyrings/debian-archive-keyring.gpg
+  . /etc/os-release
+  mirror=$(apt-get indextargets --format '$(SITE)' "Codename: $VERSION_CODENAME" | head -n 1)
+  echo "deb-src [signed-by=$keys] $mirror $VERSION_CODENAME main" > "$lists/sources.list"
+  own="-q -o Dir::Etc::SourceList=$lists/sources.list -o Dir::Etc::SourceParts=/dev/null
+ -o Dir::State::Lists=$lists/lists -o Dir::Cache=$lists -o APT::Sandbox::User="
+  rm -rf "$lists/unpacked"
+  mkdir "$lists/unpacked"
+  apt-get $own update
+  (cd "$lists/unpacked" && apt-get $own source "$1")
+  mv "$lists/unpacked"/*/ "$source_cache/$1"
+}
 
 missing=""
 for package in $packages; do
@@ -24,14 +55,13 @@ for package in $packages; do
     *) missing="$missing $package" ;;
   esac
 done
-[ -n "$missing" ] || exit 0
-
-echo "installing:$missing"
-as_root=""
-if [ "$(id -u)" != 0 ]; then
-  command -v sudo >/dev/null || { echo "setup: run as root, or install sudo" >&2; exit 1; }
-  as_root="sudo"
+if [ -n "$missing" ]; then
+  echo "installing:$missing"
+  become_root
+  $as_root apt-get update -q
+  $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends \
+    -o DPkg::Lock::Timeout=600 $missing
 fi
-$as_root apt-get update -q
-$as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends \
-  -o DPkg::Lock::Timeout=600 $missing
+for package in $sources; do
+  source_package "$package"
+done

@@ -1,0 +1,35 @@
+# Libraries that core rooms use: on Linux those of the system, for Windows the same version, built from
+# its source package, which tools/setup.sh has fetched.
+
+if(NOT WIN32)
+  find_package(PkgConfig REQUIRED)
+  pkg_check_modules(polyclipping REQUIRED IMPORTED_TARGET GLOBAL polyclipping)
+  add_library(kerno_polyclipping INTERFACE)
+  target_link_libraries(kerno_polyclipping INTERFACE PkgConfig::polyclipping)
+  return()
+endif()
+
+set(cache_folder "$ENV{XDG_CACHE_HOME}")
+if(NOT cache_folder)
+  set(cache_folder "$ENV{HOME}/.cache")
+endif()
+set(KERNO_SOURCES "${cache_folder}/kerno-sources"
+    CACHE PATH "Where tools/setup.sh has put the sources of libraries")
+
+# kerno_source(VARIABLE PACKAGE FILE) finds a file of a source package and sets VARIABLE to its folder.
+function(kerno_source variable package file)
+  file(GLOB found ${KERNO_SOURCES}/${package}/${file})
+  if(NOT found)
+    message(FATAL_ERROR "${KERNO_SOURCES}/${package} has no ${file}: run \"tools/setup.sh windows\"")
+  endif()
+  get_filename_component(folder ${found} DIRECTORY)
+  set(${variable} ${folder} PARENT_SCOPE)
+endfunction()
+
+kerno_source(polyclipping_source libpolyclipping cpp/clipper.cpp)
+add_library(kerno_polyclipping STATIC ${polyclipping_source}/clipper.cpp)
+target_compile_options(kerno_polyclipping PRIVATE -ffp-contract=off)
+# Found as <polyclipping/...>, as an installed one is.
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/libraries)
+file(CREATE_LINK ${polyclipping_source} ${PROJECT_BINARY_DIR}/libraries/polyclipping SYMBOLIC)
+target_include_directories(kerno_polyclipping SYSTEM INTERFACE ${PROJECT_BINARY_DIR}/libraries)

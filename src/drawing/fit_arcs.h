@@ -1,0 +1,24 @@
+// Curves as circular arcs.
+#pragma once
+
+#include "drawing/path.h"
+
+namespace kerno {
+
+// The path with lines and arcs in place of its curves.
+//
+// - No point of the result is farther than `tolerance` (above 0) from the path, nor a point of the
+//   path from the result.
+// - Where the path turns by more than a degree at once, the result has a corner at that very point;
+//   elsewhere it turns by less than a degree where its arcs meet each other and its lines.
+// - The path's own lines and arcs come back as they are. A curve that is nearly straight becomes a
+// line
+//   where both promises allow it. An arc may stand for several curves, and is at most half a
+//   circle.
+// - Pieces without length are left out. A closed path stays closed; it may start elsewhere.
+//
+// A tolerance that is large for the path counts as a twentieth of the path's size, so that letters
+// stay letters. The result is the same on every platform.
+Path FitArcs(const Path& path, double tolerance);
+
+}  // namespace kerno

@@ -1,0 +1,73 @@
+// Points taken as vectors of the plane. Only +, -, *, / and square roots, which come out the same
+// on every platform.
+#pragma once
+
+#include <cmath>
+
+#include "drawing/geometry.h"
+
+namespace kerno {
+
+inline P2 operator+(const P2& a, const P2& b) {
+  return {a.x + b.x, a.y + b.y};
+}
+inline P2 operator-(const P2& a, const P2& b) {
+  return {a.x - b.x, a.y - b.y};
+}
+inline P2 operator*(const P2& a, double factor) {
+  return {a.x * factor, a.y * factor};
+}
+
+inline double Dot(const P2& a, const P2& b) {
+  return a.x * b.x + a.y * b.y;
+}
+// Above 0 where b points to the left of a, y up.
+inline double Cross(const P2& a, const P2& b) {
+  return a.x * b.y - a.y * b.x;
+}
+inline double Length(const P2& a) {
+  return std::sqrt(Dot(a, a));
+}
+// Of length 1; a vector without a length stays as it is.
+inline P2 Unit(const P2& a) {
+  const double length = Length(a);
+  return length > 0 ? P2{a.x / length, a.y / length} : a;
+}
+// A quarter turn counter-clockwise, y up.
+inline P2 TurnedLeft(const P2& a) {
+  return {-a.y, a.x};
+}
+// Turned counter-clockwise by twice the angle whose tangent is given.
+inline P2 TurnedByHalf(const P2& a, double tangent_of_half) {
+  const double scale = 1 / (1 + tangent_of_half * tangent_of_half);
+  const double cosine = (1 - tangent_of_half * tangent_of_half) * scale;
+  const double sine = 2 * tangent_of_half * scale;
+  return {a.x * cosine - a.y * sine, a.y * cosine + a.x * sine};
+}
+
+// An axis-aligned box; empty until it holds a point.
+struct Box2 {
+  P2 min = {HUGE_VAL, HUGE_VAL}, max = {-HUGE_VAL, -HUGE_VAL};
+
+  bool Overlaps(const Box2& other) const {
+    return min.x <= other.max.x && other.min.x <= max.x && min.y <= other.max.y &&
+           other.min.y <= max.y;
+  }
+  bool Holds(const Box2& other) const {
+    return min.x <= other.min.x && other.max.x <= max.x && min.y <= other.min.y &&
+           other.max.y <= max.y;
+  }
+  double Width() const { return max.x > min.x ? max.x - min.x : 0; }
+  double Height() const { return max.y > min.y ? max.y - min.y : 0; }
+};
+
+inline void Include(Box2* box, const P2& p) {
+  box->min = {std::min(box->min.x, p.x), std::min(box->min.y, p.y)};
+  box->max = {std::max(box->max.x, p.x), std::max(box->max.y, p.y)};
+}
+inline void Include(Box2* box, const Box2& other) {
+  box->min = {std::min(box->min.x, other.min.x), std::min(box->min.y, other.min.y)};
+  box->max = {std::max(box->max.x, other.max.x), std::max(box->max.y, other.max.y)};
+}
+
+}  // namespace kerno

@@ -1,0 +1,164 @@
+#include "drawing/weld.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "drawing/chord_grid.h"
+#include "drawing/measures.h"
+#include "drawing/outline_tracer.h"
+
+namespace kerno {
+namespace {
+
+// Chords stray from their curves by this share of the tolerance.
+constexpr double kChordShare = 0.125;
+
+// Sets that grow together.
+class Clusters {
+ public:
+  explicit Clusters(size_t count) : parents_(count) {
+    std::iota(parents_.begin(), parents_.end(), size_t{0});
+  }
+  size_t Of(size_t i) {
+    while (parents_[i] != i) i = parents_[i] = parents_[parents_[i]];
+    return i;
+  }
+  void Join(size_t i, size_t j) { parents_[std::max(Of(i), Of(j))] = std::min(Of(i), Of(j)); }
+
+ private:
+  std::vector<size_t> parents_;
+};
+
+bool IsFilled(int winding, FillRule rule) {
+  return rule == FillRule::kNonZero ? winding != 0 : winding > 0;
+}
+
+class Welder {
+ public:
+  Welder(std::span<const Path> paths, double tolerance, const UnionRule& rule)
+      : paths_(paths),
+        rule_(rule),
+        grid_(paths, tolerance * kChordShare, ChordGrid::Closing::kAll),
+        clusters_(paths.size()),
+        touched_(paths.size()),
+        path_boxes_(PathBoxes()) {
+    result_.vanished.assign(paths.size(), true);
+  }
+
+  WeldResult Run() {
+    grid_.ForEachContact([&](size_t i, size_t j, Contact) {
+      const uint32_t a = grid_.Chords()[i].path, b = grid_.Chords()[j].path;
+      touched_[a] = touched_[b] = true;
+      clusters_.Join(a, b);
+    });
+    std::vector<std::vector<size_t>> members(paths_.size());
+    for (size_t i = 0; i < paths_.size(); ++i) {
+      if (grid_.HasChords(i)) members[clusters_.Of(i)].push_back(i);
+    }
+    for (const std::vector<size_t>& cluster : members) {
+      if (cluster.empty()) continue;
+      if (touched_[cluster[0]]) {
+        WeldCluster(cluster);
+      } else {
+        Keep(cluster[0]);
+      }
+    }
+    return std::move(result_);
+  }
+
+ private:
+  BoxTree PathBoxes() const {
+    std::vector<GridBox> boxes;
+    for (size_t i = 0; i < paths_.size(); ++i) boxes.push_back(grid_.BoxOf(i));
+    return BoxTree(std::move(boxes));
+  }
+
+  // How often the other clusters go around one: as they do not touch it, the same everywhere on it.
+  int WindingAround(size_t path) {
+    const GridPoint& p = grid_.Chords()[grid_.ChordsBegin(path)].from;
+    const size_t own = clusters_.Of(path);
+    int winding = rule_.around;
+    path_boxes_.ForEachNear({p, p}, [&](size_t other) {
+      if (clusters_.Of(other) != own) winding += grid_.Winding(other, p);
+    });
+    return winding;
+  }
+
+  void Keep(size_t path) {
+    const bool is_forwards = grid_.TwiceArea(path) > 0;
+    const int outside = WindingAround(path);
+    const bool fills_outside = IsFilled(outside, rule_.fill);
+    const bool fills_inside = IsFilled(outside + (is_forwards ? 1 : -1), rule_.fill);
+    if (fills_inside == fills_outside || IsThin(paths_[path])) return;
+    result_.vanished[path] = false;
+    const bool reversed = is_forwards != fills_inside;
+    result_.paths.push_back({reversed ? Reversed(paths_[path]) : paths_[path], path, reversed});
+  }
+
+  void WeldCluster(const std::vector<size_t>& cluster) {
+    std::vector<Polygon> polygons;
+    GridBox box;
+    for (const size_t path : cluster) {
+      Include(&box, grid_.BoxOf(path));
+      Polygon& polygon = polygons.emplace_back();
+      for (size_t i = grid_.ChordsBegin(path); i < grid_.ChordsBegin(path + 1); ++i) {
+        polygon.push_back(grid_.Chords()[i].from);
+      }
+    }
+    AddFrames(box, WindingAround(cluster[0]), &polygons);
+    const OutlineTracer tracer(grid_, cluster);
+    for (const Polygon& outline : UnionOf(polygons, rule_.fill)) {
+      if (!IsInside(outline, box)) continue;
+      TracedOutline traced = tracer.Trace(outline);
+      if (traced.path.segments.empty() || IsThin(traced.path)) continue;
+      for (const uint32_t source : traced.sources) result_.vanished[source] = false;
+      result_.paths.push_back({std::move(traced.path)});
+    }
+  }
+
+  bool IsThin(const Path& path) const {
+    return rule_.thinnest > 0 &&
+           std::fabs(SignedAreaOf(path)) < 0.5 * LengthOf(path) * rule_.thinnest;
+  }
+
+  // Around the cluster, what goes around it: one frame each time.
+  static void AddFrames(const GridBox& box, int winding, std::vector<Polygon>* polygons) {
+    for (int i = 1; i <= std::abs(winding); ++i) {
+      constexpr int32_t kApart = 16;
+      const int32_t left = box.min.x - i * kApart;
+      const int32_t right = box.max.x + i * kApart;
+      const int32_t low = box.min.y - i * kApart;
+      const int32_t high = box.max.y + i * kApart;
+      Polygon frame = {{left, low}, {right, low}, {right, high}, {left, high}};
+      if (winding < 0) std::reverse(frame.begin(), frame.end());
+      polygons->push_back(std::move(frame));
+    }
+  }
+
+  // Not an outline of the frames.
+  static bool IsInside(const Polygon& outline, const GridBox& box) {
+    return std::ranges::all_of(outline, [&](const GridPoint& p) {
+      return p.x >= box.min.x && p.x <= box.max.x && p.y >= box.min.y && p.y <= box.max.y;
+    });
+  }
+
+  std::span<const Path> paths_;
+  UnionRule rule_;
+  ChordGrid grid_;
+  Clusters clusters_;
+  std::vector<bool> touched_;
+  BoxTree path_boxes_;
+  WeldResult result_;
+};
+
+}  // namespace
+
+WeldResult UnionOf(std::span<const Path> paths, double tolerance, const UnionRule& rule) {
+  return Welder(paths, tolerance, rule).Run();
+}
+
+WeldResult Weld(std::span<const Path> paths, double tolerance) {
+  return UnionOf(paths, tolerance, UnionRule{});
+}
+
+}  // namespace kerno

@@ -1,0 +1,104 @@
+// Runs one stage of the room over paths that are given as text and prints what comes out, for tests
+// that measure it with other tools. A path is one line: "closed" or "open", its start, then its
+// segments: "l x y", "a x y bulge", "q x y x y", "c x y x y x y", control points first.
+//
+//   drawing_tool flatten|arcs|weld TOLERANCE | offset TOLERANCE DISTANCE <paths
+
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "drawing/fit_arcs.h"
+#include "drawing/flatten.h"
+#include "drawing/offset.h"
+#include "drawing/weld.h"
+
+namespace kerno {
+namespace {
+
+std::vector<Path> ReadPaths(std::istream& in) {
+  std::vector<Path> paths;
+  std::string line;
+  while (std::getline(in, line)) {
+    std::istringstream words(line);
+    std::string word;
+    Path path;
+    words >> word >> path.start.x >> path.start.y;
+    path.closed = word == "closed";
+    while (words >> word) {
+      Segment s;
+      if (word == "q") {
+        s.kind = SegmentKind::kQuadratic;
+        words >> s.first.x >> s.first.y;
+      } else if (word == "c") {
+        s.kind = SegmentKind::kCubic;
+        words >> s.first.x >> s.first.y >> s.second.x >> s.second.y;
+      }
+      words >> s.end.x >> s.end.y;
+      if (word == "a") {
+        s.kind = SegmentKind::kArc;
+        words >> s.bulge;
+      }
+      path.segments.push_back(s);
+    }
+    paths.push_back(path);
+  }
+  return paths;
+}
+
+void Print(const Path& path) {
+  std::cout << (path.closed ? "closed " : "open ") << path.start.x << ' ' << path.start.y;
+  for (const Segment& s : path.segments) {
+    std::cout << ' ' << "laqc"[static_cast<int>(s.kind)];
+    if (s.kind == SegmentKind::kQuadratic || s.kind == SegmentKind::kCubic) {
+      std::cout << ' ' << s.first.x << ' ' << s.first.y;
+    }
+    if (s.kind == SegmentKind::kCubic) std::cout << ' ' << s.second.x << ' ' << s.second.y;
+    std::cout << ' ' << s.end.x << ' ' << s.end.y;
+    if (s.kind == SegmentKind::kArc) std::cout << ' ' << s.bulge;
+  }
+  std::cout << '\n';
+}
+
+Path Chords(const Path& path, double tolerance) {
+  std::vector<P2> points;
+  FlattenPath(path, tolerance, &points);
+  Path chords;
+  chords.closed = path.closed;
+  if (points.empty()) return chords;
+  chords.start = points.front();
+  if (path.closed) points.push_back(points.front());
+  for (size_t i = 1; i < points.size(); ++i) {
+    Segment chord;
+    chord.end = points[i];
+    chords.segments.push_back(chord);
+  }
+  return chords;
+}
+
+int Run(const std::string& stage, double tolerance, double distance) {
+  std::cout.precision(17);
+  const std::vector<Path> paths = ReadPaths(std::cin);
+  if (stage == "weld") {
+    for (const WeldedPath& welded : Weld(paths, tolerance).paths) Print(welded.path);
+  } else if (stage == "offset") {
+    for (const Path& path : Offset(paths, distance, tolerance).paths) Print(path);
+  } else {
+    for (const Path& path : paths) {
+      Print(stage == "arcs" ? FitArcs(path, tolerance) : Chords(path, tolerance));
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace kerno
+
+int main(int argc, char** argv) {
+  if (argc < 3) return 2;
+  return kerno::Run(argv[1], std::strtod(argv[2], nullptr),
+                    argc > 3 ? std::strtod(argv[3], nullptr) : 0);
+}

@@ -1,0 +1,127 @@
+#!/usr/bin/env python3
+"""Stages of drawings over outlines of installed fonts, measured with NumPy and Shapely.
+
+usage: outlines_test.py DRAWING_TOOL
+"""
+import math
+import sys
+import unittest
+
+import numpy
+from shapely.geometry import LineString
+from shapely.ops import polygonize, unary_union
+
+from outlines import Face, dense, farthest, polyline, run, turns
+
+TOOL = sys.argv.pop(1)
+LETTERS = "agS&"
+TEXTS = {"DejaVu Sans": LETTERS, "Liberation Serif": LETTERS, "Inter": LETTERS, "IPAMincho": "永あ"}
+
+
+def curved(contours):
+    return sum(len(piece) > 2 for contour in contours for piece in contour)
+
+
+def lines(contour):
+    return {piece for piece in contour if len(piece) == 2}
+
+
+class Arcs(unittest.TestCase):
+    def test_fit_outlines_within_the_tolerance(self):
+        for name, text in TEXTS.items():
+            outlines = Face(name).contours(text)
+            for tolerance in (0.001, 0.01, 0.1):
+                fitted = run(TOOL, "arcs", tolerance, outlines)
+                for outline, arcs in zip(outlines, fitted, strict=True):
+                    with self.subTest(face=name, tolerance=tolerance, at=outline[0][0]):
+                        self.check(outline, arcs, tolerance)
+
+    def check(self, outline, arcs, tolerance):
+        self.assertLessEqual(farthest(dense(outline, 13), polyline(arcs, 150)), tolerance)
+        self.assertLessEqual(farthest(dense(arcs, 17), polyline(outline, 300)), tolerance)
+        corners = {p for p, turn in turns(outline) if turn > 1}
+        joints = dict(turns(arcs))
+        self.assertLessEqual(corners, joints.keys())
+        self.assertLessEqual(max((turn for p, turn in joints.items() if p not in corners), default=0), 1)
+        self.assertLessEqual(lines(outline), lines(arcs))
+        self.assertEqual(arcs[0][0], arcs[-1][1])
+
+    def test_are_few_against_chords(self):
+        letters = "".join(map(chr, range(ord("a"), ord("z") + 1)))
+        texts = dict.fromkeys(TEXTS, letters + letters.upper() + "0123456789&@") | {
+            "IPAMincho": "日本語漢字花鳥風月あいうえおのん夢愛鬱龍"}
+        arcs = chords = 0
+        for name, text in texts.items():
+            outlines = Face(name).contours(text)
+            straight = sum(map(len, outlines)) - curved(outlines)
+            arcs += sum(map(len, run(TOOL, "arcs", 0.01, outlines))) - straight
+            chords += sum(map(len, run(TOOL, "flatten", 0.01, outlines))) - straight
+        self.assertLessEqual(arcs, 0.3 * chords)
+
+
+class Chords(unittest.TestCase):
+    def test_stay_within_the_tolerance_and_use_it(self):
+        for name, text in TEXTS.items():
+            outlines = Face(name).contours(text)
+            for tolerance in (0.001, 0.1):
+                flat = run(TOOL, "flatten", tolerance, outlines)
+                worst = max(farthest(dense(outline, 60), polyline(chords, 1))
+                            for outline, chords in zip(outlines, flat, strict=True))
+                with self.subTest(face=name, tolerance=tolerance):
+                    self.assertLessEqual(worst, tolerance)
+                    self.assertGreater(worst, 0.9 * tolerance)
+
+
+def faces(contours):
+    """What the non-zero rule fills, and how often each face of the plane is gone around."""
+    rings = [polyline(contour, 150) for contour in contours]
+    found = []
+    for face in polygonize(unary_union([LineString(ring) for ring in rings])):
+        point = numpy.array(face.representative_point().coords[0])
+        found.append((face, sum(winding(ring, point) for ring in rings)))
+    return found
+
+
+def winding(ring, point):
+    a, b = ring[:-1] - point, ring[1:] - point
+    left = a[:, 0] * b[:, 1] - a[:, 1] * b[:, 0]
+    return int(((a[:, 1] <= 0) & (b[:, 1] > 0) & (left > 0)).sum()
+               - ((a[:, 1] > 0) & (b[:, 1] <= 0) & (left < 0)).sum())
+
+
+def filled(contours):
+    return unary_union([face for face, around in faces(contours) if around != 0])
+
+
+class Welds(unittest.TestCase):
+    def test_fill_what_the_outlines_fill(self):
+        for name, text in {"Liberation Serif": "Sphi&x8", "Inter": "Sphi&x8", "IPAMincho": "永あの鬱"}.items():
+            outlines = Face(name).contours(text, 0.5)
+            welded = run(TOOL, "weld", 0.01, outlines)
+            with self.subTest(face=name):
+                wanted, found = filled(outlines), filled(welded)
+                self.assertLess(wanted.symmetric_difference(found).buffer(-0.0005).area, 1e-9)
+                self.assertLess(wanted.symmetric_difference(found).area, 1e-5 * found.length)
+                thick = [around for face, around in faces(welded) if face.buffer(-0.0005).area > 0]
+                self.assertEqual(set(thick), {0, 1} & set(thick))
+                # Parts of the curves themselves, not of chords.
+                self.assertLess(sum(map(len, welded)), 1.3 * sum(map(len, outlines)))
+
+
+class Offsets(unittest.TestCase):
+    def test_move_outlines_by_the_distance(self):
+        for name, text in {"Liberation Serif": "S&8", "IPAMincho": "あの"}.items():
+            outlines = run(TOOL, "weld", 0.01, Face(name).contours(text))
+            shape = filled(outlines).simplify(0.0002)  # too many points are too much for buffer()
+            for distance in (0.1, 1.1, 3, -0.1, -0.4, -2):
+                moved = run(TOOL, "offset", 0.01, outlines, distance)
+                with self.subTest(face=name, distance=distance):
+                    wanted = shape.buffer(distance, resolution=64)
+                    strays = wanted.symmetric_difference(filled(moved))
+                    self.assertEqual(strays.buffer(-0.0055).area, 0)
+                    parts = [part for part in getattr(wanted, "geoms", [wanted]) if part.area > 0]
+                    self.assertEqual(len(moved), sum(1 + len(part.interiors) for part in parts))
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=1)
