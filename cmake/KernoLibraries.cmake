@@ -6,6 +6,9 @@ if(NOT WIN32)
   pkg_check_modules(polyclipping REQUIRED IMPORTED_TARGET GLOBAL polyclipping)
   add_library(kerno_polyclipping INTERFACE)
   target_link_libraries(kerno_polyclipping INTERFACE PkgConfig::polyclipping)
+  pkg_check_modules(harfbuzz REQUIRED IMPORTED_TARGET GLOBAL harfbuzz)
+  add_library(kerno_harfbuzz INTERFACE)
+  target_link_libraries(kerno_harfbuzz INTERFACE PkgConfig::harfbuzz)
   return()
 endif()
 
@@ -33,3 +36,10 @@ target_compile_options(kerno_polyclipping PRIVATE -ffp-contract=off)
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/libraries)
 file(CREATE_LINK ${polyclipping_source} ${PROJECT_BINARY_DIR}/libraries/polyclipping SYMBOLIC)
 target_include_directories(kerno_polyclipping SYSTEM INTERFACE ${PROJECT_BINARY_DIR}/libraries)
+
+# All of HarfBuzz is in reach of one source file.
+kerno_source(harfbuzz_source harfbuzz src/harfbuzz.cc)
+add_library(kerno_harfbuzz STATIC ${harfbuzz_source}/harfbuzz.cc)
+# The same on both systems whatever the build: warnings and speed of the library are not ours.
+target_compile_options(kerno_harfbuzz PRIVATE -O2 -g0 -w -ffp-contract=off)
+target_include_directories(kerno_harfbuzz SYSTEM INTERFACE ${harfbuzz_source})

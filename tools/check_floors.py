@@ -13,7 +13,8 @@ STANDARD = re.compile(r"^[a-z_0-9]+$")  # <vector>, <cstdint>: no slash, no ".h"
 
 
 # Libraries of which both systems build the same source, each behind a header of ours.
-LIBRARIES = {"drawing/polygon_union.cpp": {"polyclipping/clipper.hpp"}}
+LIBRARIES = {"drawing/polygon_union.cpp": {"polyclipping/clipper.hpp"},
+             "outline/shaping_font.cpp": {"hb.h", "hb-ot.h"}}
 
 
 def may_use_libraries(room, path):

@@ -97,6 +97,11 @@ CatalogFace FaceOf(FcPattern* pattern) {
   face.path = StringAt(pattern, FC_FILE, 0);
   face.index = IntegerOf(pattern, FC_INDEX, 0);
   face.families = FamiliesOf(pattern);
+  for (int i = 0;; ++i) {
+    const std::string style = StringAt(pattern, FC_STYLE, i);
+    if (style.empty()) break;
+    face.styles.push_back(FromFontconfigText(style));
+  }
   face.weight = WeightOf(pattern);
   face.width = IntegerOf(pattern, FC_WIDTH, FC_WIDTH_NORMAL);
   face.slanted = IntegerOf(pattern, FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;

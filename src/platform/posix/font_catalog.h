@@ -29,14 +29,15 @@ struct CatalogFace {
   };
 
   std::string path;
-  int index = 0;               // face, and instance of a variable face in the upper 16 bits
-  std::vector<Name> families;  // every localized name of its families
-  int32_t weight = 400;        // 100 to 1000
-  int32_t width = 100;         // percent of the normal width
-  bool slanted = false;        // italic or oblique
-  bool fixed_pitch = false;    // every character as wide as the next, or half as wide (dual)
-  bool has_outlines = false;   // TrueType, CFF or Type 1
-  bool covers_wide = false;    // covers East Asian full-width characters
+  int index = 0;                       // face, and instance of a variable face in the upper 16 bits
+  std::vector<Name> families;          // every localized name of its families
+  std::vector<std::u16string> styles;  // every localized name of its style, "Bold Oblique"
+  int32_t weight = 400;                // 100 to 1000
+  int32_t width = 100;                 // percent of the normal width
+  bool slanted = false;                // italic or oblique
+  bool fixed_pitch = false;   // every character as wide as the next, or half as wide (dual)
+  bool has_outlines = false;  // TrueType, CFF or Type 1
+  bool covers_wide = false;   // covers East Asian full-width characters
 };
 
 // How a face is wanted.

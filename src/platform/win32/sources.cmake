@@ -12,6 +12,7 @@ kerno_room(platform
     win32/file_replacement_win32.cpp
     win32/folder_path_win32.cpp
     win32/font_context.cpp
+    win32/font_data_win32.cpp
     win32/font_faces_win32.cpp
     win32/gdi_drawing.cpp
     win32/held_file_win32.cpp

@@ -1,0 +1,192 @@
+#include "outline/shaping_font.h"
+
+#include <hb-ot.h>
+#include <hb.h>
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+namespace kerno {
+namespace {
+
+// Collects what HarfBuzz draws; it closes every contour by a line where the font leaves a gap.
+class PathPen {
+ public:
+  std::vector<Path> Take() {
+    Finish();
+    return std::move(paths_);
+  }
+
+  void MoveTo(P2 p) {
+    Finish();
+    path_.start = p;
+  }
+  void Add(SegmentKind kind, P2 end, P2 first = {}, P2 second = {}) {
+    path_.segments.push_back({kind, end, first, second});
+  }
+
+ private:
+  void Finish() {
+    if (!path_.segments.empty()) paths_.push_back(std::move(path_));
+    path_ = {};
+  }
+
+  std::vector<Path> paths_;
+  Path path_;
+};
+
+PathPen& PenOf(void* data) {
+  return *static_cast<PathPen*>(data);
+}
+
+hb_draw_funcs_t* MakeDrawFunctions() {
+  hb_draw_funcs_t* functions = hb_draw_funcs_create();
+  hb_draw_funcs_set_move_to_func(
+      functions,
+      [](hb_draw_funcs_t*, void* pen, hb_draw_state_t*, float x, float y, void*) {
+        PenOf(pen).MoveTo({x, y});
+      },
+      nullptr, nullptr);
+  hb_draw_funcs_set_line_to_func(
+      functions,
+      [](hb_draw_funcs_t*, void* pen, hb_draw_state_t*, float x, float y, void*) {
+        PenOf(pen).Add(SegmentKind::kLine, {x, y});
+      },
+      nullptr, nullptr);
+  hb_draw_funcs_set_quadratic_to_func(
+      functions,
+      [](hb_draw_funcs_t*, void* pen, hb_draw_state_t*, float x1, float y1, float x, float y,
+         void*) {
+        PenOf(pen).Add(SegmentKind::kQuadratic, {x, y}, {x1, y1});
+      },
+      nullptr, nullptr);
+  hb_draw_funcs_set_cubic_to_func(
+      functions,
+      [](hb_draw_funcs_t*, void* pen, hb_draw_state_t*, float x1, float y1, float x2, float y2,
+         float x, float y, void*) {
+        PenOf(pen).Add(SegmentKind::kCubic, {x, y}, {x1, y1}, {x2, y2});
+      },
+      nullptr, nullptr);
+  hb_draw_funcs_make_immutable(functions);
+  return functions;
+}
+
+}  // namespace
+
+struct ShapingFont::Handles {
+  hb_blob_t* blob = nullptr;
+  hb_face_t* face = nullptr;
+  hb_font_t* font = nullptr;
+  hb_buffer_t* buffer = nullptr;
+  hb_draw_funcs_t* draw = nullptr;
+  std::unordered_map<uint32_t, std::vector<Path>> outlines;
+
+  Handles() = default;
+  ~Handles() {
+    hb_draw_funcs_destroy(draw);
+    hb_buffer_destroy(buffer);
+    hb_font_destroy(font);
+    hb_face_destroy(face);
+    hb_blob_destroy(blob);
+  }
+  Handles(const Handles&) = delete;
+  Handles& operator=(const Handles&) = delete;
+};
+
+Status ShapingFont::Open(const FontData& data, std::unique_ptr<ShapingFont>* font) {
+  auto handles = std::make_unique<Handles>();
+  const std::string_view bytes = data.file->bytes();
+  handles->blob = hb_blob_create(bytes.data(), static_cast<unsigned>(bytes.size()),
+                                 HB_MEMORY_MODE_READONLY, nullptr, nullptr);
+  handles->face = hb_face_create(handles->blob, data.index);
+  if (hb_face_get_glyph_count(handles->face) == 0) {
+    return Status::Error(Failure::kOther, data.family, u"its file holds no font that can be read");
+  }
+  handles->font = hb_font_create(handles->face);
+  if (data.instance > 0) {
+    hb_font_set_var_named_instance(handles->font, data.instance - 1);
+  }
+  handles->buffer = hb_buffer_create();
+  handles->draw = MakeDrawFunctions();
+  font->reset(new ShapingFont(data, std::move(handles)));
+  return Status::Ok();
+}
+
+ShapingFont::ShapingFont(FontData data, std::unique_ptr<Handles> handles)
+    : data_(std::move(data)), handles_(std::move(handles)) {
+  units_per_em_ = hb_face_get_upem(handles_->face);
+  hb_position_t height = 0;
+  if (hb_ot_metrics_get_position(handles_->font, HB_OT_METRICS_TAG_CAP_HEIGHT, &height) &&
+      height > 0) {
+    cap_height_ = height;
+    return;
+  }
+  hb_codepoint_t glyph = 0;
+  hb_glyph_extents_t ink{};
+  if (hb_font_get_nominal_glyph(handles_->font, U'H', &glyph) &&
+      hb_font_get_glyph_extents(handles_->font, glyph, &ink)) {
+    cap_height_ = std::max(0, ink.y_bearing);
+  }
+}
+
+ShapingFont::~ShapingFont() = default;
+
+double ShapingFont::line_pitch(WritingMode mode) const {
+  hb_font_extents_t extents{};
+  if (mode == WritingMode::kVertical) {
+    hb_font_get_v_extents(handles_->font, &extents);
+  } else {
+    hb_font_get_h_extents(handles_->font, &extents);
+  }
+  const double pitch = extents.ascender - extents.descender + extents.line_gap;
+  return pitch > 0 ? pitch : units_per_em_;
+}
+
+ShapedLine ShapingFont::Shape(std::u16string_view text, WritingMode mode, double spacing) const {
+  hb_buffer_t* buffer = handles_->buffer;
+  hb_buffer_reset(buffer);
+  hb_buffer_add_utf16(buffer, reinterpret_cast<const uint16_t*>(text.data()),
+                      static_cast<int>(text.size()), 0, static_cast<int>(text.size()));
+  const bool vertical = mode == WritingMode::kVertical;
+  if (vertical) hb_buffer_set_direction(buffer, HB_DIRECTION_TTB);
+  hb_buffer_guess_segment_properties(buffer);
+  const auto off = [](const char* feature) {
+    return hb_feature_t{hb_tag_from_string(feature, -1), 0, HB_FEATURE_GLOBAL_START,
+                        HB_FEATURE_GLOBAL_END};
+  };
+  const hb_feature_t spaced[] = {off("liga"), off("clig")};
+  hb_shape(handles_->font, buffer, spaced, spacing != 0 ? 2 : 0);
+
+  unsigned count = 0;
+  const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
+  const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);
+  ShapedLine line;
+  line.glyphs.reserve(count);
+  P2 pen;
+  for (unsigned i = 0; i < count; ++i) {
+    const hb_glyph_position_t& at = positions[i];
+    P2 advance = {static_cast<double>(at.x_advance), static_cast<double>(at.y_advance)};
+    const bool ends_cluster = i + 1 == count || infos[i + 1].cluster != infos[i].cluster;
+    if (ends_cluster) (vertical ? advance.y : advance.x) += vertical ? -spacing : spacing;
+    line.glyphs.push_back({infos[i].codepoint,
+                           infos[i].cluster,
+                           {pen.x + at.x_offset, pen.y + at.y_offset},
+                           advance});
+    pen = {pen.x + advance.x, pen.y + advance.y};
+  }
+  line.length = vertical ? -pen.y : pen.x;
+  return line;
+}
+
+const std::vector<Path>& ShapingFont::Outline(uint32_t glyph) const {
+  const auto [kept, is_new] = handles_->outlines.try_emplace(glyph);
+  if (is_new) {
+    PathPen pen;
+    hb_font_get_glyph_shape(handles_->font, glyph, handles_->draw, &pen);
+    kept->second = pen.Take();
+  }
+  return kept->second;
+}
+
+}  // namespace kerno
