@@ -185,15 +185,9 @@ int ChordGrid::Winding(size_t path, const GridPoint& p) const {
   // Along the shorter side, which few chords cross.
   const bool upwards = box.IsWide();
   (upwards ? ray.max.y : ray.max.x) = GridBox::kMost;
-  const size_t first = chords_begin_[path], last = chords_begin_[path + 1];
   int winding = 0;
-  const auto count = [&](size_t i) { winding += CrossingOfRay(chords_[i], p, upwards); };
-  constexpr size_t kFew = 128;  // sooner looked at one by one than found
-  if (last - first <= kFew) {
-    for (size_t i = first; i < last; ++i) count(i);
-  } else {
-    boxes_.ForEachNear(ray, first, last, count);
-  }
+  boxes_.ForEachNear(ray, chords_begin_[path], chords_begin_[path + 1],
+                     [&](size_t i) { winding += CrossingOfRay(chords_[i], p, upwards); });
   return winding;
 }
 

@@ -1,0 +1,51 @@
+// A drawing that goes to a machine as it is: closed paths in a unit of length, in the order in
+// which they are cut. What appears many times is kept once.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "drawing/path.h"
+#include "drawing/vector.h"
+
+namespace kerno {
+
+enum class LengthUnit { kMillimetre, kInch };
+
+// A path of a shape, and how many contours of its shape lie around it: outer contours have an even
+// number, counters an odd one.
+struct ShapePath {
+  Path path;
+  uint32_t depth = 0;
+};
+
+// Paths that are cut together, in their order: the outline of a glyph, or of glyphs that were
+// welded. Coordinates are in the drawing's unit, y up, about the shape's own origin.
+using Shape = std::vector<ShapePath>;
+
+// A shape at its place.
+struct PlacedShape {
+  uint32_t shape = 0;
+  P2 at;              // where the shape's origin goes
+  uint32_t line = 0;  // the line of the text that it belongs to
+};
+
+struct Drawing {
+  LengthUnit unit = LengthUnit::kMillimetre;
+  std::vector<Shape> shapes;
+  std::vector<PlacedShape> placed;
+};
+
+// The box of everything that is drawn; empty for a drawing without paths.
+Box2 InkOf(const Drawing& drawing);
+
+// What a drawing consists of.
+struct DrawingFacts {
+  size_t closed = 0, open = 0;  // paths
+  size_t lines = 0, arcs = 0, curves = 0;
+  double length = 0;  // of all paths together, in the drawing's unit
+};
+DrawingFacts FactsOf(const Drawing& drawing);
+
+}  // namespace kerno

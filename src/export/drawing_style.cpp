@@ -1,0 +1,55 @@
+#include "export/drawing_style.h"
+
+#include <algorithm>
+
+#include "base/number_text.h"
+#include "base/text.h"
+
+namespace kerno {
+namespace {
+
+std::u16string Numbered(const std::u16string& name, size_t number) {
+  std::string digits = " ";
+  AppendInteger(&digits, static_cast<int64_t>(number));
+  return name + Utf8ToUtf16Lossy(digits);
+}
+
+}  // namespace
+
+DrawingLayers::DrawingLayers(const Drawing& drawing, const DrawingStyle& style)
+    : rule_(style.layers) {
+  size_t numbered = 0;
+  switch (rule_) {
+    case LayerRule::kOne:
+      names_ = {style.layer};
+      return;
+    case LayerRule::kDepth:
+      names_ = {style.layer + u" outside", style.layer + u" inside"};
+      return;
+    case LayerRule::kGlyph:
+      numbered = drawing.placed.size();
+      break;
+    case LayerRule::kLine:
+      for (const PlacedShape& placed : drawing.placed) {
+        numbered = std::max<size_t>(numbered, placed.line + 1);
+      }
+      break;
+  }
+  for (size_t i = 1; i <= numbered; ++i) names_.push_back(Numbered(style.layer, i));
+}
+
+size_t DrawingLayers::Of(const PlacedShape& placed, size_t n, const ShapePath& path) const {
+  switch (rule_) {
+    case LayerRule::kDepth:
+      return path.depth % 2;
+    case LayerRule::kGlyph:
+      return n;
+    case LayerRule::kLine:
+      return placed.line;
+    case LayerRule::kOne:
+      break;
+  }
+  return 0;
+}
+
+}  // namespace kerno
