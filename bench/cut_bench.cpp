@@ -51,7 +51,7 @@ std::vector<Path> OutlineOf(FT_Face face, char letter) {
   functions.cubic_to = [](const FT_Vector*, const FT_Vector*, const FT_Vector*, void*) {
     return 1;
   };
-  const FT_ULong code = static_cast<unsigned char>(letter);
+  const auto code = static_cast<FT_ULong>(letter);
   if (FT_Load_Char(face, code, FT_LOAD_NO_SCALE) == 0) {
     FT_Outline_Decompose(&face->glyph->outline, &functions, &paths);
   }

@@ -43,6 +43,7 @@ void ConvertCommand::AddOptions(CLI::App& app) {
   app.add_option("--ipx", ipx_, "read the drawing from a parts file instead of setting text")
       ->type_name("FILE");
   outputs_.AddTo(app);
+  writers_.AddTo(app);
 }
 
 bool ConvertCommand::ReadChoices() {
@@ -74,7 +75,8 @@ ExitStatus ConvertCommand::ReadParts(PartsA* model, std::string* summary) const 
   if (!IsFileName("--ipx", ipx_)) return kWrongUsage;
   for (const CLI::Option* option : app_->get_options()) {
     const std::string name = option->get_name();
-    const bool goes_with_ipx = name == "--ipx" || name == "--quiet" || outputs_.Owns(name);
+    const bool goes_with_ipx =
+        name == "--ipx" || name == "--quiet" || outputs_.Owns(name) || writers_.Owns(name);
     if (option->count() > 0 && !goes_with_ipx) {
       ReportError(name, "does not go with --ipx: the parts file is written as it is");
       return kWrongUsage;
@@ -92,13 +94,16 @@ ExitStatus ConvertCommand::ReadParts(PartsA* model, std::string* summary) const 
 }
 
 ExitStatus ConvertCommand::Run() {
-  if (!outputs_.Read() || !ReadChoices()) return kWrongUsage;
+  if (!outputs_.Read() || !writers_.Read() || !ReadChoices()) return kWrongUsage;
   PartsA model;
   std::string summary;
   const ExitStatus status =
       app_->count("--ipx") == 0 ? BuildFromText(&model, &summary) : ReadParts(&model, &summary);
   if (status != kDone) return status;
-  return outputs_.WriteAll(model, summary, text_.quiet()) ? kDone : kFailed;
+  const auto write = [&](const Format& format, const std::filesystem::path& file) {
+    return format.write(model, file, writers_.options());
+  };
+  return outputs_.WriteAll(write, summary, text_.quiet()) ? kDone : kFailed;
 }
 
 }  // namespace kerno

@@ -23,6 +23,7 @@ class ConvertCommand final : public Command {
 
   TextOptions text_;
   OutputFiles outputs_;
+  WriterOptions writers_;
   std::string elements_ = "lines";
   std::string layer_ = "Kerno";
   std::string ipx_;

@@ -12,6 +12,7 @@
 #include "cli/console.h"
 #include "cli/contours_command.h"
 #include "cli/convert_command.h"
+#include "cli/cut_command.h"
 #include "cli/desktop.h"
 #include "cli/faces_command.h"
 #include "cli/measure_command.h"
@@ -26,6 +27,7 @@ namespace {
 std::vector<std::unique_ptr<Command>> AllCommands() {
   std::vector<std::unique_ptr<Command>> commands;
   commands.push_back(std::make_unique<ConvertCommand>());
+  commands.push_back(std::make_unique<CutCommand>());
   commands.push_back(std::make_unique<ContoursCommand>());
   commands.push_back(std::make_unique<MeasureCommand>());
   commands.push_back(std::make_unique<FacesCommand>());

@@ -1,6 +1,7 @@
 #include "cli/output_files.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <random>
@@ -55,11 +56,9 @@ class ScratchPath {
 };
 
 // Nothing is printed before the whole output stands in a scratch file.
-bool WriteToStandardOutput(const Format& format, const PartsA& model,
-                           const OutputOptions& options) {
+bool WriteToStandardOutput(const Format& format, const WriteFormat& write) {
   const ScratchPath scratch(format.extension);
-  const Status status =
-      scratch.status().ok() ? format.write(model, scratch.path(), options) : scratch.status();
+  const Status status = scratch.status().ok() ? write(format, scratch.path()) : scratch.status();
   if (!status.ok()) {
     ReportError(status);
     return false;
@@ -87,26 +86,10 @@ void OutputFiles::AddTo(CLI::App& app) {
       ->allow_extra_args(false);  // one file each, so that a text may follow
   app.add_option("--format", format_, "the format, whatever the files are called")
       ->type_name("NAME");
-  app.add_option("--dxf-layers", dxf_layers_,
-                 "DXF layers: by name, or by colour where an element has no name")
-      ->type_name("name|colour")
-      ->capture_default_str();
-  app.add_option("--aci", aci_, "DXF colour index: by the classic rule, or the nearest colour")
-      ->type_name("classic|nearest")
-      ->capture_default_str();
-  app.add_option("--units", units_, "SVG: with a size on paper, one unit a millimetre")
-      ->type_name("none|mm")
-      ->capture_default_str();
-  app.add_option("--size", size_, "size of a bitmap in pixels (one unit is one pixel)")
-      ->type_name("WxH");
 }
 
 bool OutputFiles::Owns(std::string_view option) {
-  for (const std::string_view mine :
-       {"-o", "--format", "--dxf-layers", "--aci", "--units", "--size"}) {
-    if (option == mine) return true;
-  }
-  return false;
+  return option == "-o" || option == "--format";
 }
 
 bool OutputFiles::Read() {
@@ -117,16 +100,7 @@ bool OutputFiles::Read() {
   for (const std::string& file : files_) {
     if (!AddOutput(file)) return false;
   }
-  options_.program = PathText(CurrentSystem().ProgramPath());
-  return Choose<DxfLayerRule>("--dxf-layers", dxf_layers_,
-                              {{"name", DxfLayerRule::kName}, {"colour", DxfLayerRule::kColour}},
-                              &options_.dxf.layers) &&
-         Choose<AciRule>("--aci", aci_,
-                         {{"classic", AciRule::kClassic}, {"nearest", AciRule::kNearest}},
-                         &options_.dxf.aci) &&
-         Choose<bool>("--units", units_, {{"none", false}, {"mm", true}},
-                      &options_.svg.millimetres) &&
-         (size_.empty() || ReadSize());
+  return true;
 }
 
 bool OutputFiles::AddOutput(const std::string& file) {
@@ -158,27 +132,12 @@ bool OutputFiles::AddOutput(const std::string& file) {
   return false;
 }
 
-bool OutputFiles::ReadSize() {
-  const size_t cross = size_.find('x');
-  if (cross == size_.npos) {
-    ReportError("--size", "\"" + size_ + "\" is not a size WxH");
-    return false;
-  }
-  const auto width = WholeNumber("--size", size_.substr(0, cross), 1, kMaxBmpSide);
-  const auto height =
-      width ? WholeNumber("--size", size_.substr(cross + 1), 1, kMaxBmpSide) : std::nullopt;
-  if (!height) return false;
-  options_.bmp.width = *width;
-  options_.bmp.height = *height;
-  return true;
-}
-
-bool OutputFiles::Write(const Output& output, const PartsA& model, const std::string& summary,
-                        bool quiet) const {
+bool OutputFiles::Write(const Output& output, const WriteFormat& write, const std::string& summary,
+                        bool quiet) {
   using Clock = std::chrono::steady_clock;
   const auto start = Clock::now();
   const std::filesystem::path path = PathArgument(output.name);
-  const Status status = output.format->write(model, path, options_);
+  const Status status = write(*output.format, path);
   if (!status.ok()) {
     ReportError(status);
     return false;
@@ -192,17 +151,69 @@ bool OutputFiles::Write(const Output& output, const PartsA& model, const std::st
   return Print(line + ", " + std::to_string(spent) + " ms\n");
 }
 
-bool OutputFiles::WriteAll(const PartsA& model, const std::string& summary, bool quiet) const {
+bool OutputFiles::UsesStandardOutput() const {
+  return std::ranges::any_of(outputs_,
+                             [](const Output& output) { return output.name == kStandardOutput; });
+}
+
+bool OutputFiles::WriteAll(const WriteFormat& write, const std::string& summary, bool quiet) const {
   bool all_written = true;
+  quiet = quiet || UsesStandardOutput();  // the lines would stand in the output
   for (const Output& output : outputs_) {
-    if (output.name == kStandardOutput) quiet = true;  // the lines would stand in the output
-  }
-  for (const Output& output : outputs_) {
-    all_written &= output.name == kStandardOutput
-                       ? WriteToStandardOutput(*output.format, model, options_)
-                       : Write(output, model, summary, quiet);
+    all_written &= output.name == kStandardOutput ? WriteToStandardOutput(*output.format, write)
+                                                  : Write(output, write, summary, quiet);
   }
   return FinishPrinting() && all_written;
+}
+
+void WriterOptions::AddTo(CLI::App& app) {
+  app.add_option("--dxf-layers", dxf_layers_,
+                 "DXF layers: by name, or by colour where an element has no name")
+      ->type_name("name|colour")
+      ->capture_default_str();
+  app.add_option("--aci", aci_, "DXF colour index: by the classic rule, or the nearest colour")
+      ->type_name("classic|nearest")
+      ->capture_default_str();
+  app.add_option("--units", units_, "SVG: with a size on paper, one unit a millimetre")
+      ->type_name("none|mm")
+      ->capture_default_str();
+  app.add_option("--size", size_, "size of a bitmap in pixels (one unit is one pixel)")
+      ->type_name("WxH");
+}
+
+bool WriterOptions::Owns(std::string_view option) {
+  for (const std::string_view mine : {"--dxf-layers", "--aci", "--units", "--size"}) {
+    if (option == mine) return true;
+  }
+  return false;
+}
+
+bool WriterOptions::Read() {
+  options_.program = PathText(CurrentSystem().ProgramPath());
+  return Choose<DxfLayerRule>("--dxf-layers", dxf_layers_,
+                              {{"name", DxfLayerRule::kName}, {"colour", DxfLayerRule::kColour}},
+                              &options_.dxf.layers) &&
+         Choose<AciRule>("--aci", aci_,
+                         {{"classic", AciRule::kClassic}, {"nearest", AciRule::kNearest}},
+                         &options_.dxf.aci) &&
+         Choose<bool>("--units", units_, {{"none", false}, {"mm", true}},
+                      &options_.svg.millimetres) &&
+         (size_.empty() || ReadSize());
+}
+
+bool WriterOptions::ReadSize() {
+  const size_t cross = size_.find('x');
+  if (cross == size_.npos) {
+    ReportError("--size", "\"" + size_ + "\" is not a size WxH");
+    return false;
+  }
+  const auto width = WholeNumber("--size", size_.substr(0, cross), 1, kMaxBmpSide);
+  const auto height =
+      width ? WholeNumber("--size", size_.substr(cross + 1), 1, kMaxBmpSide) : std::nullopt;
+  if (!height) return false;
+  options_.bmp.width = *width;
+  options_.bmp.height = *height;
+  return true;
 }
 
 }  // namespace kerno

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,9 @@
 #include "parts/parts.h"
 
 namespace kerno {
+
+// Writes what a command made in a format to a file.
+using WriteFormat = std::function<Status(const Format& format, const std::filesystem::path& file)>;
 
 class OutputFiles {
  public:
@@ -23,7 +27,10 @@ class OutputFiles {
 
   // Writes every file and prints a line for each: its path, `summary`, its size and time. False
   // when one could not be written; the others are written all the same.
-  bool WriteAll(const PartsA& model, const std::string& summary, bool quiet) const;
+  bool WriteAll(const WriteFormat& write, const std::string& summary, bool quiet) const;
+
+  // Whether one of the outputs is standard output, so that nothing else may be printed there.
+  bool UsesStandardOutput() const;
 
  private:
   struct Output {
@@ -32,17 +39,31 @@ class OutputFiles {
   };
 
   bool AddOutput(const std::string& file);
-  bool ReadSize();
-  bool Write(const Output& output, const PartsA& model, const std::string& summary,
-             bool quiet) const;
+  static bool Write(const Output& output, const WriteFormat& write, const std::string& summary,
+                    bool quiet);
 
   std::vector<std::string> files_;
   std::string format_;
+  std::vector<Output> outputs_;
+};
+
+// What the writers of the parts model are told.
+class WriterOptions {
+ public:
+  void AddTo(CLI::App& app);
+  static bool Owns(std::string_view option);
+  // Checks the choices; what is wrong is reported.
+  bool Read();
+
+  const OutputOptions& options() const { return options_; }
+
+ private:
+  bool ReadSize();
+
   std::string dxf_layers_ = "name";
   std::string aci_ = "classic";
   std::string units_ = "none";
   std::string size_;
-  std::vector<Output> outputs_;
   OutputOptions options_;
 };
 

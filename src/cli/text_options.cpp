@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 #include "app/face_choice.h"
@@ -18,43 +17,11 @@ namespace {
 
 constexpr int32_t kLowestHeight = -32768;
 constexpr int32_t kHighestHeight = 32767;
-constexpr size_t kMostListed = 40;  // characters without a glyph in one warning
-
-bool ReadStandardInput(std::string* bytes) {
-  char chunk[65536];
-  size_t count = 0;
-  while ((count = std::fread(chunk, 1, sizeof chunk, stdin)) > 0) bytes->append(chunk, count);
-  return std::ferror(stdin) == 0;
-}
-
-std::string CharacterName(char32_t ch) {
-  if (IsUnseen(ch)) return CodeOf(ch);
-  std::u16string text;
-  AppendCharacter(&text, ch);
-  return Utf16ToUtf8(text) + " (" + CodeOf(ch) + ")";
-}
-
-std::string CharacterNames(const std::vector<char32_t>& characters) {
-  std::string names;
-  for (size_t i = 0; i < characters.size() && i < kMostListed; ++i) {
-    if (i > 0) names += ", ";
-    names += CharacterName(characters[i]);
-  }
-  if (characters.size() > kMostListed) {
-    names += " and " + std::to_string(characters.size() - kMostListed) + " more";
-  }
-  return names;
-}
 
 }  // namespace
 
 void TextOptions::AddTo(CLI::App& app) {
-  app_ = &app;
-  app.add_option("TEXT", positional_, "the text to set")->expected(1);
-  app.add_option("--text", text_, "the text to set")->allow_extra_args(false)->type_name("TEXT");
-  app.add_option("--text-file", text_file_,
-                 "read the text from FILE (\"-\": standard input), UTF-8 or UTF-16 with a mark")
-      ->type_name("FILE");
+  source_.AddTo(app);
   app.add_option("--line-ends", line_ends_,
                  "crlf: every line end starts a new line; keep: as they stand (a lone LF does not "
                  "return to the margin)")
@@ -101,7 +68,7 @@ std::optional<Job> TextOptions::Resolve(ExitStatus* status) {
   if (!Choose<bool>("--line-ends", line_ends_, {{"crlf", true}, {"keep", false}}, &crlf)) {
     return std::nullopt;
   }
-  const auto text = ReadText(status);
+  const auto text = source_.Read(status);
   if (!text) return std::nullopt;
   job.text.text = crlf ? WithCrLf(*text) : *text;
   *status = kWrongUsage;
@@ -152,61 +119,12 @@ bool TextOptions::ReadNumbers(Job* job) {
   return true;
 }
 
-std::optional<std::u16string> TextOptions::ReadText(ExitStatus* status) const {
-  const bool from_file = app_->count("--text-file") > 0;
-  const size_t sources = positional_.size() + text_.size() + (from_file ? 1 : 0);
-  if (sources != 1) {
-    ReportError("text", sources == 0 ? "none is given (TEXT, --text or --text-file)"
-                                     : "is given more than once");
-    return std::nullopt;
-  }
-  std::u16string text;
-  if (from_file) {
-    if (!IsFileName("--text-file", text_file_)) return std::nullopt;
-    *status = kFailed;
-    Status read;
-    if (text_file_ == "-") {
-      std::string bytes;
-      read = ReadStandardInput(&bytes)
-                 ? DecodeText(bytes, u"standard input", &text)
-                 : Status::Error(Failure::kOther, u"standard input", u"cannot be read");
-    } else {
-      read = LoadText(PathArgument(text_file_), &text);
-    }
-    if (!read.ok()) {
-      ReportError(read);
-      return std::nullopt;
-    }
-  } else {
-    const auto argument = TextArgument("text", positional_.empty() ? text_[0] : positional_[0]);
-    if (!argument) return std::nullopt;
-    text = *argument;
-  }
-  if (text.empty() || text[0] == 0) {
-    *status = kWrongUsage;
-    const bool piped = from_file && text_file_ == "-";
-    ReportError(piped ? "standard input" : from_file ? text_file_ : "text", "holds no text");
-    return std::nullopt;
-  }
-  return text;
-}
-
 bool TextOptions::ChooseFace(Job* job) const {
   const FaceChoice choice = kerno::ChooseFace(job->text.face);
   job->text.face = choice.face;
   if (choice.installed || substitute_) return true;
   ReportError(Utf16ToUtf8(choice.what), Utf16ToUtf8(choice.why));
   return false;
-}
-
-bool TextOptions::ReportLost(std::string_view what, const std::vector<char32_t>& characters) const {
-  if (characters.empty()) return true;
-  if (strict_) {
-    ReportError(what, CharacterNames(characters));
-    return false;
-  }
-  ReportWarning(what, CharacterNames(characters));
-  return true;
 }
 
 std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing placing,
@@ -224,8 +142,8 @@ std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing pl
     ReportWarning(Utf16ToUtf8(SystemFaceName(job.text.face)),
                   "is not installed, " + face + " takes its place");
   }
-  if (!ReportLost("no glyph in " + face, set->missing) ||
-      !ReportLost("no outline of this size in " + face, set->notes.refused)) {
+  if (!ReportLost("no glyph in " + face, set->missing, strict_) ||
+      !ReportLost("no outline of this size in " + face, set->notes.refused, strict_)) {
     *status = kFaceTrouble;
     return std::nullopt;
   }

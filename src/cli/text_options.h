@@ -9,6 +9,7 @@
 
 #include "app/job.h"
 #include "cli/command.h"
+#include "cli/text_source.h"
 
 namespace kerno {
 
@@ -33,15 +34,10 @@ class TextOptions {
   bool quiet() const { return quiet_; }
 
  private:
-  std::optional<std::u16string> ReadText(ExitStatus* status) const;
   bool ReadNumbers(Job* job);
   bool ChooseFace(Job* job) const;
-  // Tells of characters that are not in the drawing as they should be; false when that ends it.
-  bool ReportLost(std::string_view what, const std::vector<char32_t>& characters) const;
 
-  std::vector<std::string> positional_;
-  std::vector<std::string> text_;
-  std::string text_file_;
+  TextSource source_;
   std::string line_ends_ = "crlf";
   std::string face_;
   std::string height_ = "100";
@@ -56,7 +52,6 @@ class TextOptions {
   bool substitute_ = false;
   bool strict_ = false;
   bool quiet_ = false;
-  CLI::App* app_ = nullptr;
 };
 
 }  // namespace kerno

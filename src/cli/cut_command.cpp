@@ -1,0 +1,348 @@
+#include "cli/cut_command.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+
+#include "base/number_text.h"
+#include "base/text.h"
+#include "cli/arguments.h"
+#include "cli/choice.h"
+#include "cli/console.h"
+#include "cli/lengths.h"
+#include "export/drawing_formats.h"
+#include "export/fixed_number.h"
+#include "platform/system.h"
+
+namespace kerno {
+namespace {
+
+std::string Fixed(double value, int decimals) {
+  std::string text;
+  AppendFixed(&text, value, decimals);
+  return text;
+}
+
+std::string Counted(size_t count, const char* one, const char* many) {
+  return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+const char* UnitName(LengthUnit unit) {
+  return unit == LengthUnit::kInch ? "in" : "mm";
+}
+
+// "62 closed paths, 812 arcs, 404 lines, 120 x 14.2 mm, 1234.5 mm to cut"
+std::string SummaryOf(const CutDrawing& made) {
+  const DrawingFacts& facts = made.facts;
+  const std::string unit = UnitName(made.drawing.unit);
+  const int decimals = made.drawing.unit == LengthUnit::kInch ? 4 : 3;
+  std::string text = Counted(facts.closed, "closed path", "closed paths");
+  if (facts.open > 0) text += ", " + Counted(facts.open, "open path", "open paths");
+  if (facts.arcs > 0) text += ", " + Counted(facts.arcs, "arc", "arcs");
+  if (facts.curves > 0) text += ", " + Counted(facts.curves, "curve", "curves");
+  text += ", " + Counted(facts.lines, "line", "lines");
+  text += ", " + Fixed(made.ink.Width(), decimals) + " x " + Fixed(made.ink.Height(), decimals) +
+          " " + unit;
+  return text + ", " + Fixed(facts.length, 1) + " " + unit + " to cut";
+}
+
+void AppendField(std::string* out, std::string_view name, double value) {
+  out->append(", \"").append(name).append("\": ");
+  AppendShortest(out, value);
+}
+
+std::string JsonOf(const CutDrawing& made) {
+  std::string out = "{\"face\": ";
+  AppendJsonString(&out, made.family);
+  out += ", \"style\": ";
+  AppendJsonString(&out, made.style);
+  out += std::string(", \"unit\": \"") + UnitName(made.drawing.unit) + "\"";
+  AppendField(&out, "closedPaths", static_cast<double>(made.facts.closed));
+  AppendField(&out, "openPaths", static_cast<double>(made.facts.open));
+  AppendField(&out, "arcs", static_cast<double>(made.facts.arcs));
+  AppendField(&out, "lines", static_cast<double>(made.facts.lines));
+  AppendField(&out, "curves", static_cast<double>(made.facts.curves));
+  AppendField(&out, "width", made.ink.Width());
+  AppendField(&out, "height", made.ink.Height());
+  AppendField(&out, "left", made.ink.min.x);
+  AppendField(&out, "bottom", made.ink.min.y);
+  AppendField(&out, "length", made.facts.length);
+  AppendField(&out, "crossingPaths", static_cast<double>(made.crossing));
+  AppendField(&out, "vanishedPaths", static_cast<double>(made.vanished));
+  out += ", \"glyphs\": [";
+  for (const CutGlyph& glyph : made.glyphs) {
+    out += &glyph == made.glyphs.data() ? "{\"glyph\": " : ", {\"glyph\": ";
+    AppendInteger(&out, glyph.glyph);
+    AppendField(&out, "character", static_cast<double>(glyph.character));
+    AppendField(&out, "x", glyph.at.x);
+    AppendField(&out, "y", glyph.at.y);
+    out += "}";
+  }
+  return out + "]}\n";
+}
+
+}  // namespace
+
+void CutCommand::AddOptions(CLI::App& app) {
+  app_ = &app;
+  source_.AddTo(app);
+  app.add_option("--face", face_, "family name (kerno faces lists them)")->type_name("NAME");
+  app.add_option("--style", style_name_, "a named style of the family, such as \"Bold Oblique\"")
+      ->type_name("NAME");
+  app.add_flag("--vertical", vertical_, "columns from top to bottom, the first one on the right");
+  AddSizeOptions(app);
+  AddPathOptions(app);
+  AddFileOptions(app);
+  app.add_flag("--strict", strict_, "a character without a glyph is an error");
+  app.add_flag("--quiet", quiet_, "no warnings and no summary");
+  app.add_flag("--json", json_, "print what was made, with every glyph, as one JSON object");
+}
+
+void CutCommand::AddSizeOptions(CLI::App& app) {
+  app.add_option("--cap-height", cap_height_,
+                 "height of capital letters (20mm unless a size is given)")
+      ->type_name("L");
+  app.add_option("--em", em_, "size of an em")->type_name("L");
+  app.add_option("--fit", fit_, "size of the ink: W, xH or WxH, proportions kept")
+      ->type_name("W|xH|WxH");
+  app.add_flag("--stretch", stretch_, "--fit WxH fills both sides");
+  app.add_option("--unit", unit_, "unit of the files")->type_name("mm|in")->capture_default_str();
+  app.add_option("--align", align_, "of several lines")
+      ->type_name("left|centre|right")
+      ->capture_default_str();
+  app.add_option("--line-spacing", line_spacing_, "multiplies the face's own distance of lines")
+      ->type_name("F")
+      ->capture_default_str();
+  app.add_option("--letter-spacing", letter_spacing_, "added after each character")
+      ->type_name("L")
+      ->capture_default_str();
+  app.add_option("--at", at_, "where the anchor of the ink's box lands")
+      ->type_name("X,Y")
+      ->capture_default_str();
+  app.add_option("--anchor", anchor_,
+                 "a point of the ink's box: top, middle or bottom, and left, "
+                 "centre or right")
+      ->type_name("bottom-left|...|top-right")
+      ->capture_default_str();
+  app.add_option("--angle", angle_, "turn by DEG degrees, counter-clockwise")
+      ->type_name("DEG")
+      ->capture_default_str();
+  app.add_option("--slant", slant_, "lean to the right by DEG degrees")
+      ->type_name("DEG")
+      ->capture_default_str();
+  app.add_flag("--mirror", mirror_, "left and right change places");
+}
+
+void CutCommand::AddPathOptions(CLI::App& app) {
+  app.add_option("--curves", curves_, "what curves become")
+      ->type_name("arcs|lines|curves")
+      ->capture_default_str();
+  app.add_option("--tolerance", tolerance_, "the farthest that a path strays from the true curve")
+      ->type_name("L")
+      ->capture_default_str();
+  app.add_option("--weld", weld_, "join what overlaps: in the whole text, in each glyph, or not")
+      ->type_name("text|glyph|off")
+      ->capture_default_str();
+  app.add_option("--offset", offset_,
+                 "move outlines outwards, below 0 inwards, for the beam's width")
+      ->type_name("L")
+      ->capture_default_str();
+  app.add_option("--order", order_,
+                 "counters before the contour around them, or as the text has them")
+      ->type_name("inside-first|text")
+      ->capture_default_str();
+}
+
+void CutCommand::AddFileOptions(CLI::App& app) {
+  outputs_.AddTo(app);
+  app.add_option("--dxf", dxf_, "version of DXF files")
+      ->type_name("r2000|r12")
+      ->capture_default_str();
+  app.add_option("--layer", layer_, "name of the layer, or the first word of the layers' names")
+      ->type_name("NAME")
+      ->capture_default_str();
+  app.add_option("--layers", layers_,
+                 "one for all, or one for each glyph, line, or inside and outside")
+      ->type_name("one|glyph|line|depth")
+      ->capture_default_str();
+  app.add_option("--colour", color_, "AutoCAD colour index of what is cut, 1 red to 255")
+      ->type_name("N")
+      ->capture_default_str();
+  app.add_option("--svg-style", svg_style_, "SVG: hairlines to cut, or filled figures")
+      ->type_name("cut|fill")
+      ->capture_default_str();
+}
+
+bool CutCommand::ReadSize() {
+  const int given =
+      static_cast<int>(app_->count("--cap-height") + app_->count("--em") + app_->count("--fit"));
+  if (given > 1) {
+    ReportError("size", "is given more than once (--cap-height, --em, --fit)");
+    return false;
+  }
+  if (stretch_ && app_->count("--fit") == 0) {
+    ReportError("--stretch", "needs --fit WxH");
+    return false;
+  }
+  const double per_unit = job_.unit == LengthUnit::kInch ? kMillimetresPerInch : 1;
+  CutSize size = {CutSize::By::kCapHeight, 0, 20 / per_unit};
+  if (app_->count("--cap-height") > 0 || app_->count("--em") > 0) {
+    const bool by_em = app_->count("--em") > 0;
+    const auto length = by_em ? ReadLength("--em", em_, LengthSign::kPositive)
+                              : ReadLength("--cap-height", cap_height_, LengthSign::kPositive);
+    if (!length) return false;
+    size = {by_em ? CutSize::By::kEm : CutSize::By::kCapHeight, 0, *length / per_unit};
+  } else if (app_->count("--fit") > 0) {
+    const auto box = ReadLengthPair("--fit", fit_);
+    if (!box) return false;
+    if (stretch_ && (box->width == 0 || box->height == 0)) {
+      ReportError("--stretch", "needs both sides: --fit WxH");
+      return false;
+    }
+    size = {stretch_ ? CutSize::By::kStretch : CutSize::By::kFit, box->width / per_unit,
+            box->height / per_unit};
+  }
+  job_.size = size;
+  return true;
+}
+
+bool CutCommand::ReadPlace() {
+  const double per_unit = job_.unit == LengthUnit::kInch ? kMillimetresPerInch : 1;
+  const auto line_spacing = Number("--line-spacing", line_spacing_);
+  const auto letter_spacing =
+      line_spacing ? ReadLength("--letter-spacing", letter_spacing_, LengthSign::kAny)
+                   : std::nullopt;
+  const auto at = letter_spacing ? ReadLengthPoint("--at", at_) : std::nullopt;
+  const auto angle = at ? Number("--angle", angle_) : std::nullopt;
+  const auto slant = angle ? Number("--slant", slant_) : std::nullopt;
+  if (!slant) return false;
+  if (!(std::fabs(*slant) <= 80)) {
+    ReportError("--slant", "\"" + slant_ + "\" is outside -80 to 80");
+    return false;
+  }
+  job_.line_spacing = *line_spacing;
+  job_.letter_spacing = *letter_spacing / per_unit;
+  job_.at = {at->width / per_unit, at->height / per_unit};
+  job_.angle = *angle;
+  job_.slant = *slant;
+  job_.mirror = mirror_;
+  return Choose<Alignment>("--align", align_,
+                           {{"left", Alignment::kLeft},
+                            {"centre", Alignment::kCentre},
+                            {"right", Alignment::kRight}},
+                           &job_.align) &&
+         Choose<Anchor>("--anchor", anchor_,
+                        {{"bottom-left", {0, 0}},
+                         {"bottom-centre", {1, 0}},
+                         {"bottom-right", {2, 0}},
+                         {"middle-left", {0, 1}},
+                         {"middle-centre", {1, 1}},
+                         {"middle-right", {2, 1}},
+                         {"top-left", {0, 2}},
+                         {"top-centre", {1, 2}},
+                         {"top-right", {2, 2}}},
+                        &job_.anchor);
+}
+
+bool CutCommand::ReadPaths() {
+  const double per_unit = job_.unit == LengthUnit::kInch ? kMillimetresPerInch : 1;
+  const auto tolerance = ReadLength("--tolerance", tolerance_, LengthSign::kPositive);
+  const auto offset = tolerance ? ReadLength("--offset", offset_, LengthSign::kAny) : std::nullopt;
+  if (!offset) return false;
+  job_.tolerance = *tolerance / per_unit;
+  job_.offset = *offset / per_unit;
+  return Choose<CurveForm>("--curves", curves_,
+                           {{"arcs", CurveForm::kArcs},
+                            {"lines", CurveForm::kLines},
+                            {"curves", CurveForm::kCurves}},
+                           &job_.curves) &&
+         Choose<WeldScope>(
+             "--weld", weld_,
+             {{"text", WeldScope::kText}, {"glyph", WeldScope::kGlyph}, {"off", WeldScope::kNone}},
+             &job_.weld) &&
+         Choose<CutOrder>("--order", order_,
+                          {{"inside-first", CutOrder::kInsideFirst}, {"text", CutOrder::kText}},
+                          &job_.order);
+}
+
+bool CutCommand::ReadStyle() {
+  const auto color = WholeNumber("--colour", color_, 1, 255);
+  const auto layer = color ? TextArgument("--layer", layer_) : std::nullopt;
+  if (!layer) return false;
+  if (layer->empty()) {
+    ReportError("--layer", "the name is empty");
+    return false;
+  }
+  style_.color = *color;
+  style_.layer = *layer;
+  return Choose<DxfVersion>("--dxf", dxf_,
+                            {{"r2000", DxfVersion::kR2000}, {"r12", DxfVersion::kR12}},
+                            &style_.dxf) &&
+         Choose<LayerRule>("--layers", layers_,
+                           {{"one", LayerRule::kOne},
+                            {"glyph", LayerRule::kGlyph},
+                            {"line", LayerRule::kLine},
+                            {"depth", LayerRule::kDepth}},
+                           &style_.layers) &&
+         Choose<SvgLook>("--svg-style", svg_style_,
+                         {{"cut", SvgLook::kCut}, {"fill", SvgLook::kFill}}, &style_.svg);
+}
+
+bool CutCommand::ReadJob() {
+  const auto face = TextArgument("--face", face_);
+  const auto style = face ? TextArgument("--style", style_name_) : std::nullopt;
+  if (!style) return false;
+  job_.family = *face;
+  job_.style = *style;
+  job_.mode = vertical_ ? WritingMode::kVertical : WritingMode::kHorizontal;
+  return Choose<LengthUnit>("--unit", unit_,
+                            {{"mm", LengthUnit::kMillimetre}, {"in", LengthUnit::kInch}},
+                            &job_.unit) &&
+         ReadSize() && ReadPlace() && ReadPaths() && ReadStyle();
+}
+
+// Tells what the user should know before the files are written; false when that ends the command.
+bool CutCommand::Report(const CutDrawing& made) const {
+  if (!ReportLost("no glyph in " + Utf16ToUtf8(made.family), made.missing, strict_)) return false;
+  if (made.drawing.placed.empty()) ReportWarning("text", "has no outlines");
+  if (made.vanished > 0) {
+    ReportWarning("--offset",
+                  Counted(made.vanished, "path", "paths") + " vanished: thinner than it");
+  }
+  if (made.crossing > 0) {
+    ReportWarning("drawing",
+                  Counted(made.crossing, "path crosses", "paths cross") + " itself or another one");
+  }
+  if (made.facts.open > 0) {
+    ReportWarning("drawing", Counted(made.facts.open, "path is", "paths are") + " open");
+  }
+  return true;
+}
+
+Status CutCommand::Write(const CutDrawing& made, const Format& format,
+                         const std::filesystem::path& file) const {
+  return WriteDrawing(made.drawing, style_, job_.tolerance, format, file);
+}
+
+ExitStatus CutCommand::Run() {
+  if (quiet_) SilenceWarnings();
+  if (!outputs_.Read() || !ReadJob()) return kWrongUsage;
+  ExitStatus status = kWrongUsage;
+  const auto text = source_.Read(&status);
+  if (!text) return status;
+  job_.text = *text;
+  CutDrawing made;
+  if (const Status done = MakeCut(job_, &made); !done.ok()) {
+    ReportError(done);
+    return done.failure == Failure::kNotFound ? kFaceTrouble : kFailed;
+  }
+  if (!Report(made)) return kFaceTrouble;
+  const auto write = [&](const Format& format, const std::filesystem::path& file) {
+    return Write(made, format, file);
+  };
+  const bool written = outputs_.WriteAll(write, SummaryOf(made), quiet_ || json_);
+  const bool told =
+      !json_ || outputs_.UsesStandardOutput() || (Print(JsonOf(made)) && FinishPrinting());
+  return written && told ? kDone : kFailed;
+}
+
+}  // namespace kerno

@@ -1,0 +1,102 @@
+#include "cli/text_source.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+
+#include "app/text_source.h"
+#include "base/text.h"
+#include "cli/arguments.h"
+#include "cli/console.h"
+
+namespace kerno {
+namespace {
+
+constexpr size_t kMostListed = 40;  // characters in one message
+
+bool ReadStandardInput(std::string* bytes) {
+  char chunk[65536];
+  size_t count = 0;
+  while ((count = std::fread(chunk, 1, sizeof chunk, stdin)) > 0) bytes->append(chunk, count);
+  return std::ferror(stdin) == 0;
+}
+
+std::string CharacterName(char32_t ch) {
+  if (IsUnseen(ch)) return CodeOf(ch);
+  std::u16string text;
+  AppendCharacter(&text, ch);
+  return Utf16ToUtf8(text) + " (" + CodeOf(ch) + ")";
+}
+
+std::string CharacterNames(const std::vector<char32_t>& characters) {
+  std::string names;
+  for (size_t i = 0; i < characters.size() && i < kMostListed; ++i) {
+    if (i > 0) names += ", ";
+    names += CharacterName(characters[i]);
+  }
+  if (characters.size() > kMostListed) {
+    names += " and " + std::to_string(characters.size() - kMostListed) + " more";
+  }
+  return names;
+}
+
+}  // namespace
+
+void TextSource::AddTo(CLI::App& app) {
+  app_ = &app;
+  app.add_option("TEXT", positional_, "the text to set")->expected(1);
+  app.add_option("--text", text_, "the text to set")->allow_extra_args(false)->type_name("TEXT");
+  app.add_option("--text-file", file_,
+                 "read the text from FILE (\"-\": standard input), UTF-8 or UTF-16 with a mark")
+      ->type_name("FILE");
+}
+
+std::optional<std::u16string> TextSource::Read(ExitStatus* status) const {
+  const bool from_file = app_->count("--text-file") > 0;
+  const size_t sources = positional_.size() + text_.size() + (from_file ? 1 : 0);
+  if (sources != 1) {
+    ReportError("text", sources == 0 ? "none is given (TEXT, --text or --text-file)"
+                                     : "is given more than once");
+    return std::nullopt;
+  }
+  std::u16string text;
+  if (from_file) {
+    if (!IsFileName("--text-file", file_)) return std::nullopt;
+    *status = kFailed;
+    Status read;
+    if (file_ == "-") {
+      std::string bytes;
+      read = ReadStandardInput(&bytes)
+                 ? DecodeText(bytes, u"standard input", &text)
+                 : Status::Error(Failure::kOther, u"standard input", u"cannot be read");
+    } else {
+      read = LoadText(PathArgument(file_), &text);
+    }
+    if (!read.ok()) {
+      ReportError(read);
+      return std::nullopt;
+    }
+  } else {
+    const auto argument = TextArgument("text", positional_.empty() ? text_[0] : positional_[0]);
+    if (!argument) return std::nullopt;
+    text = *argument;
+  }
+  if (text.empty() || text[0] == 0) {
+    *status = kWrongUsage;
+    const bool piped = from_file && file_ == "-";
+    ReportError(piped ? "standard input" : from_file ? file_ : "text", "holds no text");
+    return std::nullopt;
+  }
+  return text;
+}
+
+bool ReportLost(std::string_view what, const std::vector<char32_t>& characters, bool strict) {
+  if (characters.empty()) return true;
+  if (strict) {
+    ReportError(what, CharacterNames(characters));
+    return false;
+  }
+  ReportWarning(what, CharacterNames(characters));
+  return true;
+}
+
+}  // namespace kerno

@@ -1,0 +1,32 @@
+// Where a command takes its text from: an argument, an option, a file or standard input.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/command.h"
+
+namespace kerno {
+
+class TextSource {
+ public:
+  void AddTo(CLI::App& app);
+
+  // The text, of which exactly one must be given. What is wrong is reported, and *status says how
+  // the process ends.
+  std::optional<std::u16string> Read(ExitStatus* status) const;
+
+ private:
+  std::vector<std::string> positional_;
+  std::vector<std::string> text_;
+  std::string file_;
+  CLI::App* app_ = nullptr;
+};
+
+// Tells of characters that are not in a drawing as they should be; false when that ends the
+// command, as it does when `strict`.
+bool ReportLost(std::string_view what, const std::vector<char32_t>& characters, bool strict);
+
+}  // namespace kerno
