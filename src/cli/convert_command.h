@@ -12,7 +12,11 @@ namespace kerno {
 class ConvertCommand final : public Command {
  public:
   const char* Name() const override { return "convert"; }
-  const char* Description() const override { return "write the outlines of a text to files"; }
+  const char* Description() const override {
+    return "write the outlines of a text to files: the rasteriser's, hinted to whole units (cut "
+           "writes the "
+           "font's own)";
+  }
   void AddOptions(CLI::App& app) override;
   ExitStatus Run() override;
 

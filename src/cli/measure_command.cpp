@@ -1,15 +1,19 @@
 #include "cli/measure_command.h"
 
 #include <CLI/CLI.hpp>
+#include <utility>
+#include <vector>
 
 #include "base/number_text.h"
 #include "cli/console.h"
+#include "export/draw_parts.h"
 
 namespace kerno {
 
 void MeasureCommand::AddOptions(CLI::App& app) {
   text_.AddTo(app);
   app.add_flag("--json", json_, "one JSON object");
+  app.add_flag("--ink", ink_, "the box of the outlines, too: left, bottom, right, top (y up)");
 }
 
 ExitStatus MeasureCommand::Run() {
@@ -23,11 +27,31 @@ ExitStatus MeasureCommand::Run() {
       text.placement.angle, SystemFaceName(text.face), text.weight);
   const P2 size = {extent.length * job->scale, extent.height * job->scale};
   if (!TextOptions::CheckRange({&size, 1})) return kWrongUsage;
-  std::string length, height;
-  AppendShortest(&length, size.x);
-  AppendShortest(&height, size.y);
-  const std::string out = json_ ? "{\"length\": " + length + ", \"height\": " + height + "}\n"
-                                : "length " + length + "\nheight " + height + "\n";
+  std::vector<std::pair<const char*, double>> figures = {{"length", size.x}, {"height", size.y}};
+  if (ink_) {
+    Typesetter typesetter(*context);
+    const auto made = Make(*job, typesetter);
+    if (!made) {
+      ReportError("faces", "the system has none installed");
+      return kFaceTrouble;
+    }
+    if (!TextOptions::CheckRange(made->contours.points)) return kWrongUsage;
+    const Extent3 box = ContoursBox(made->contours);
+    figures.insert(
+        figures.end(),
+        {{"left", box.min.x}, {"bottom", box.min.y}, {"right", box.max.x}, {"top", box.max.y}});
+  }
+  std::string out = json_ ? "{" : "";
+  for (const auto& [name, value] : figures) {
+    if (json_) {
+      out.append(out.size() > 1 ? ", \"" : "\"").append(name).append("\": ");
+    } else {
+      out.append(name).append(" ");
+    }
+    AppendShortest(&out, value);
+    if (!json_) out += "\n";
+  }
+  if (json_) out += "}\n";
   return Print(out) && FinishPrinting() ? kDone : kFailed;
 }
 

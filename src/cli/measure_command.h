@@ -15,6 +15,7 @@ class MeasureCommand final : public Command {
  private:
   TextOptions text_;
   bool json_ = false;
+  bool ink_ = false;
 };
 
 }  // namespace kerno

@@ -287,6 +287,9 @@ class CommandLineTest(programs.FolderTest):
     def test_measure_and_the_vertical_form(self):
         status, out, _ = run("measure", "あA", "--face", "IPAGothic", "--height", "6000", "--json")
         self.assertEqual({"length": 9000, "height": 6000}, json.loads(out))
+        ink = json.loads(run("measure", "Ag", *SANS, "--ink", "--json", "--at", "5,7", "--scale", "2")[1])
+        points = contours("Ag", *SANS, "--at", "5,-7", "--scale", "2")["points"]
+        self.assertEqual([min(p[0] for p in points), -max(p[1] for p in points)], [ink["left"], ink["bottom"]])
         by_option = contours("縦", "--face", "IPAGothic", "--vertical")
         self.assertEqual(by_option, contours("縦", "--face", "@IPAGothic"))
         self.assertEqual(("@IPAGothic", True), (by_option["face"], by_option["vertical"]))
