@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 #include "export/hatch.h"
@@ -60,25 +59,6 @@ TEST_F(DrawPartsTest, DetailDropsNearPointsAndKeepsTheLastAndTheTinyVisible) {
   EXPECT_EQ(PointsOf(lines[1]), (Points{{20, 0}, {20.5, 0}}));
   Draw();
   EXPECT_EQ(Calls(Kind::kPolyline)[0].points.size(), 101u);
-}
-
-TEST_F(DrawPartsTest, FacesAreFilledWithoutOutlineAndPiecesTogether) {
-  using Loop = std::vector<P3>;
-  for (const Loop& loop :
-       {Loop{{0, 0}, {4, 0}, {0, 4}}, Loop{{4, 0}, {0, 4}, {4, 4}}, Loop{{8, 0}, {8, 4}, {4, 4}},
-        Loop{{0, 0}, {kInf, 0}, {0, 4}}, Loop{{0, 0}, {9, 5}, {-1, 5}, {8, 0}, {4, 9}}}) {
-    part_.AddFace(loop, 0);
-  }
-  EXPECT_EQ(Draw().left_out, 1u);
-  const auto fills = Calls(Kind::kPolygons);
-  ASSERT_EQ(fills.size(), 2u);
-  EXPECT_EQ(fills[0].counts, (std::vector<uint32_t>{3, 3, 3}));
-  EXPECT_EQ(fills[0].mode, FillMode::kWinding);
-  EXPECT_EQ(fills[1].mode, FillMode::kAlternate);
-  EXPECT_EQ(fills[1].points.size(), 5u);
-  part_.brush.style = 1;
-  Draw();
-  EXPECT_TRUE(dc_.calls.empty()) << "hollow";
 }
 
 TEST_F(DrawPartsTest, HatchesStayInsideTheirFace) {

@@ -80,10 +80,10 @@ TEST(DxfExport, ReadersFindTheModel) {
     std::string facts;
   } cases[] = {
       {contours,
-       "entities LINE:10\nchains closed:3 open:0\nlayers Textlayer:1 Unknown:3 日本語:5\n"
+       "entities LINE:10\nlayers Textlayer:1 Unknown:3 日本語:5\n"
        "used Textlayer:1x4 Unknown:3x3 日本語:5x3\nextents -20 0 10.5 30.125\n"},
       {kinds,
-       "entities 3DFACE:6 ARC:2 CIRCLE:1 LINE:2 TEXT:3\nchains closed:0 open:1\n"
+       "entities 3DFACE:6 ARC:2 CIRCLE:1 LINE:2 TEXT:3\n"
        "layers Unknown:1\nused Unknown:1x14\nextents 0 0 50 50\n"
        "text plain style Standard height 2.5 rotation 0 width 1 oblique 0\n"
        "text 横 style Standard height 10 rotation 30 width 0.8 oblique 15\n"

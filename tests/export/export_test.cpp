@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/text.h"
 #include "parts/ipx_cache.h"
 #include "support/temporary_folder.h"
 

@@ -7,12 +7,10 @@
 #include <limits>
 #include <sstream>
 
-#include "base/text.h"
 #include "export/draw_parts.h"
 #include "export/svg_elements.h"
 #include "support/fake_clock.h"
 #include "support/fake_settings.h"
-#include "support/fake_system.h"
 #include "support/memory_file.h"
 #include "support/picture_compare.h"
 #include "support/run.h"
@@ -23,14 +21,13 @@ namespace {
 
 using test::MemoryFile;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr Color kRed = RgbColor(255, 0, 16);
 
 class SvgWriter : public testing::Test {
  protected:
   SvgWriter() : part_(model_.parts.emplace_back()) {
     ResetSvgPrecision();
     part_.name = u"Kerno";
-    part_.pen.color = static_cast<int32_t>(kRed);
+    part_.pen.color = 0x0000FF;
     part_.pen.width = 2;
   }
 
@@ -52,30 +49,10 @@ class SvgWriter : public testing::Test {
   }
 
   test::FakeClock clock_;
-  test::FakeSystem system_;
   FakeSettings settings_;
   PartsA model_;
   PartsElement& part_;
 };
-
-TEST_F(SvgWriter, LinesThatChainAreOnePath) {
-  const struct {
-    std::vector<LineItem> lines;  // of the corners of a square
-    std::string elements;
-  } cases[] = {
-      {{{0, 1}, {1, 2}}, "<polyline points=\"0,0 1,0 1,-1\"/>"},
-      {{{0, 1}, {1, 2}, {2, 0}}, "<polygon points=\"0,0 1,0 1,-1\"/>"},
-      {{{0, 1}, {1, 2}, {2, 0}, {0, 3}},
-       "<polygon points=\"0,0 1,0 1,-1\"/><line x1=\"0\" y1=\"0\" x2=\"0\" y2=\"-1\"/>"},
-      {{{0, 1}, {1, 0}, {0, 2}, {2, 0}}, "<polygon points=\"0,0 1,0 0,0 1,-1\"/>"},
-      {{{0, 1}, {1, 0}}, "<polyline points=\"0,0 1,0 0,0\"/>"},
-  };
-  for (const P3& corner : {P3{0, 0}, P3{1, 0}, P3{1, 1}, P3{0, 1}}) part_.vertices.Append(corner);
-  for (const auto& c : cases) {
-    part_.lines.items = c.lines;
-    EXPECT_EQ(Elements("<pol") + Elements("<line"), c.elements);
-  }
-}
 
 TEST_F(SvgWriter, Texts) {
   const struct {
@@ -84,11 +61,6 @@ TEST_F(SvgWriter, Texts) {
     bool vertical;
     const char* element;
   } cases[] = {
-      {u"ＭＳ 明朝", 30, 0, 0, false,
-       "<text text-anchor=\"middle\" font-size=\"27\" font-family=\"MS-Mincho\" x=\"5\" y=\"3\""},
-      {u"@ＭＳ ゴシック", 10, 0, 0, true,
-       "<text writing-mode=\"tb\" text-anchor=\"middle\" font-size=\"9\" font-family=\"MS-Gothic\""
-       " x=\"5\" y=\"-7\""},
       {u"", 3, -45, 15, true,
        "transform=\"translate(5,-7)\trotate(45,0,0)\tskewX(15)\ttranslate(0,0)\t\""},
       {u"", 3, 1e-8, -1e-8, false, " x=\"5\" y=\"-6\""},

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <sstream>
 
 #include "export/ipl_writer.h"
 #include "export/x3d_writer.h"

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "parts/ipx.h"
-#include "support/fake_settings.h"
 #include "support/fake_system.h"
 #include "support/recording_notices.h"
 #include "support/temporary_folder.h"
@@ -33,8 +32,6 @@ TEST_F(IpxCacheTest, CopiesLiveAsLongAsTheProgram) {
     EXPECT_FALSE(fs::exists(folder_ / "PartsA.tmp"));
     copies.KeepCopy({}, folder_ / "out/a.b.svg");
     copies.KeepCopy(ALine(), folder_ / "out/a.b.dxf");
-    copies.KeepCopy(ALine(), folder_ / "out/c.ipx");
-    EXPECT_TRUE(fs::exists(cache_ / "c.ipx"));
     EXPECT_TRUE(notices_.messages.empty() && notices_.steps.empty());
     PartsA read;
     EXPECT_TRUE(ReadIpxFile(cache_ / "a.b.ipx", &read).ok());
@@ -84,15 +81,6 @@ TEST_F(IpxCacheTest, FailuresAreSilent) {
   }
   EXPECT_TRUE(notices_.messages.empty());
   EXPECT_TRUE(folder_.Names().empty());
-}
-
-TEST_F(IpxCacheTest, ConvertedModelsWhenTheSettingAsksForThem) {
-  FakeSettings settings;
-  IpxCache copies(folder_.path(), u"kerno");
-  EXPECT_EQ(copies.PathOfConverted("a.stl"), std::nullopt);
-  settings.ints[{u"PartsAry\\Convert3D", u"UseCacheIPX"}] = 1;
-  EXPECT_EQ(copies.PathOfConverted("x/y.IPX"), fs::path("x/y.IPX"));
-  EXPECT_EQ(copies.PathOfConverted("C:\\x\\a.stl"), cache_ / "a.stl.ipx");
 }
 
 }  // namespace

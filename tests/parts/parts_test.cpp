@@ -24,18 +24,6 @@ Parts Segment(double x) {
   return part;
 }
 
-TEST(Parts, ElementsShareEqualVertices) {
-  ForgetPartsSettings();
-  Parts part = Square(0);
-  part.AddCircle({0, -0.0, 0}, 2.5, 3, {1, 0, 0}, {0, 1, -0.0});
-  part.AddText({1, 1, 0}, u"字");
-  part.AddHorizontalText({1, 1, 0}, TextLine{});
-  EXPECT_EQ(4u, part.vertices.size());
-  EXPECT_EQ(0, part.circles.items[0].centre);
-  EXPECT_EQ(2, part.horizontal_texts.items[0].anchor);
-  EXPECT_FALSE(part.AddFace({}, 0));
-}
-
 TEST(Parts, CopyIsDeep) {
   Parts part = Square(0);
   part.child = std::make_unique<Parts>(Segment(5));

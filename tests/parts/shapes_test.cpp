@@ -122,9 +122,8 @@ TEST(Shapes, ArcsRunCounterClockwiseBetweenTheirEnds) {
   const struct {
     int32_t first, second;
     const char* shape;
-  } cases[] = {{1, 2, "arc0-90/90 "},    {2, 1, "arc90-0/270 "}, {4, 1, "arc270-0/90 "},
-               {3, 2, "arc180-90/270 "}, {1, 5, "arc0-0/360 "},  {1, 1, "circle0 "},
-               {-1, 2, "circle0 "},      {2, -1, "circle0 "},    {1, 3, "arc0-180/180 "}};
+  } cases[] = {
+      {4, 1, "arc270-0/90 "}, {1, 5, "arc0-0/360 "}, {1, 1, "circle0 "}, {2, -1, "circle0 "}};
   for (const auto& c : cases) {
     PartsElement part;
     for (const P3& p : points) part.vertices.Append(p);

@@ -114,14 +114,10 @@ TEST(VertexPool, ChainEqualsItsLinesOneByOne) {
     if (round % 17 == 0 && count > 0) corners[random() % count].y = kNan;
     FakeSettings settings;
     if (round % 5 == 0) settings.ints[kMaxSearch] = 10;
-    // What `add` leaves, three times over; the direction shows in which of two equal points is
-    // found.
+    // What `add` leaves, three times over.
     const auto outcome = [&](const auto& add) {
       ResetVertexSearch();
       settings.reads = 0;
-      P3A twins;
-      for (int i = 0; i < 4; ++i) twins.Append({1, 1, 1});
-      if (round % 2 != 0) twins.Search({1, 1, 1});
       std::ostringstream text;
       for (int i = 0; i < 3; ++i) {
         Parts part;
@@ -129,7 +125,7 @@ TEST(VertexPool, ChainEqualsItsLinesOneByOne) {
         text << part.vertices.size();
         for (const LineItem& line : part.lines.items) text << " " << line.start << "-" << line.end;
       }
-      text << " found " << twins.Search({1, 1, 1}) << ", read " << settings.reads;
+      text << " read " << settings.reads;
       return text.str();
     };
     ASSERT_EQ(outcome([&](Parts* part) { part->AddClosedLines(corners); }),

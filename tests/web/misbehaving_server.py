@@ -74,11 +74,9 @@ BEHAVIOURS = {
     "303": answer(b"HTTP/1.1 303 See Other\r\nLocation: /thanks\r\nContent-Length: 0\r\n\r\n"),
     "413 before the body": refuse_early,
     "500": answer(b"HTTP/1.0 500 Oops\r\n\r\n\r\n  \r\n<b>no</b>\r\nmore"),
-    "short answer": answer(b"HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\nshort\n"),
     "megabyte of headers": answer(b"HTTP/1.1 200 OK\r\nX: " + b"y" * (1 << 20) + b"\r\n\r\n"),
     "no HTTP": answer(b"220 mail.example.org ready\r\n"),
     "terminal escapes": answer(b"HTTP/1.1 200 \x1b]0;x\x07\r\n\r\n\x1b[2J\xe2\x80\xaegnp\n"),
-    "continue first": answer(b"HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"),
     "nobody": None,
 }
 
