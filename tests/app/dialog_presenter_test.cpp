@@ -118,8 +118,6 @@ TEST_F(DialogTest, WhatIsSetComesBackAtTheNextRun) {
   CloseAndOpenAgain();
   EXPECT_EQ(u"AB\nC", view.text);
   EXPECT_EQ(u"@Other", view.format_face);
-  EXPECT_EQ(u"Other", view.texts[ControlId::kFace]);
-  EXPECT_EQ(u"77", view.texts[ControlId::kHeightList]);
   EXPECT_EQ(u"77", view.texts[ControlId::kHeightEdit]);
   EXPECT_TRUE(view.checked[ControlId::kVertical]);
   EXPECT_FALSE(view.checked[ControlId::kPolyPolygon]);
