@@ -31,8 +31,6 @@ TEST(VerticalForms, FaceWithoutAlternatesTurnsWhatStandsUpright) {
 }
 
 TEST(VerticalForms, OnlyFacesWithFullWidthCharactersHaveAVerticalForm) {
-  EXPECT_TRUE(IsFaceInstalled(u"@IPA明朝"));
-  EXPECT_FALSE(IsFaceInstalled(u"@DejaVu Sans"));
   EXPECT_FALSE(IsFaceInstalled(u"@"));
   EXPECT_TRUE(FontProbe(u"@DejaVu Sans", 20).name().starts_with(u"@"));  // the mapper's choice
   for (const char32_t ch : {0u, 0x110000u, 0xFFFFFFFFu}) {
