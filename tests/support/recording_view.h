@@ -21,12 +21,11 @@ class RecordingView final : public DialogView {
   Color format_color = 0;
   StatusKind status_kind = StatusKind::kNormal;
   std::vector<std::u16string> messages;
-  std::function<void()> close_message;  // as the user does with the last one
   std::map<ControlId, std::u16string> texts;
   std::map<ControlId, bool> checked, enabled;
   std::map<ControlId, std::pair<std::vector<ColorChoice>, size_t>> colors;
   std::map<MenuCommand, bool> menu;
-  int formats = 0, repaints = 0, due_calls = 0, progress_calls = 0;
+  int due_calls = 0, progress_calls = 0;
   bool closed_progress = false;
   std::optional<std::filesystem::path> folder_answer;
   std::vector<std::filesystem::path> font_files;
@@ -36,7 +35,6 @@ class RecordingView final : public DialogView {
 
   void ShowText(std::u16string_view shown, TextChange) override { text = shown; }
   void ShowTextFormat(std::u16string_view face, Color color) override {
-    ++formats;
     format_face = face;
     format_color = color;
   }
@@ -53,10 +51,9 @@ class RecordingView final : public DialogView {
     status = shown;
     status_kind = kind;
   }
-  void RepaintPreview() override { ++repaints; }
-  void ShowMessage(std::u16string_view shown, std::function<void()> closed) override {
+  void RepaintPreview() override {}
+  void ShowMessage(std::u16string_view shown, std::function<void()>) override {
     messages.emplace_back(shown);
-    close_message = std::move(closed);
   }
   Continue ShowProgress(std::u16string_view, double) override {
     ++progress_calls;
