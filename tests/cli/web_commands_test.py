@@ -91,11 +91,6 @@ class WebCommandsTest(programs.FolderTest):
         self.assertIn("none.svg: there is no such file", err)
         self.assertIn("b.dxf", out)
 
-        self.configure(f"[UpFile]\nserver={address}\nopen_http=http\nphp_fn=/nowhere\n")
-        status, out, err = self.run_kerno("upload", second)
-        self.assertEqual((status, out), (1, ""))
-        self.assertIn("404", err)
-        self.assertIn("there is no receiving script here", err)
 
     def test_pages_of_a_folder(self):
         for name in ("Face_72_one.svg", "Face_72_one.dxf", "Face_72_two.ipx"):
@@ -104,20 +99,15 @@ class WebCommandsTest(programs.FolderTest):
         self.assertEqual((status, err), (0, ""))
         self.assertEqual(out.split(), [self.there(self.folder / "Face_72_one.html"),
                                        self.there(self.folder / "Face_72_two.html")])
-        self.assertIn("<title>one – Face, height 72</title>",
-                      (self.folder / "Face_72_one.html").read_text(encoding="utf-8"))
         for folder in (self.folder / "図面 ñ", self.folder / "/".join(["d" * 100] * 4)):
             folder.mkdir(parents=True)
             (folder / "永.svg").write_text("<svg/>")
             self.assertEqual(self.run_kerno("page", folder),
                              (0, self.there(folder / "永.html") + "\n", ""))
             self.assertIn("%E6%B0%B8.svg", (folder / "永.html").read_text("utf-8"))
-        empty = self.folder / "empty"
-        empty.mkdir()
-        for folder, why in ((empty, "no outputs"), (self.folder / "nowhere", "nowhere: ")):
-            status, out, err = self.run_kerno("page", folder)
-            self.assertEqual((status, out), (1, ""))
-            self.assertIn(why, err)
+        status, out, err = self.run_kerno("page", self.folder / "nowhere")
+        self.assertEqual((status, out), (1, ""))
+        self.assertIn("nowhere: ", err)
 
     def test_other_commands_do_not_load_the_transfer_library(self):
         if ON_WINDOWS:
