@@ -77,9 +77,6 @@ TEST_F(LaunchPosixTest, ResultsOfTheDesktopsOpener) {
   EXPECT_EQ(Execute(u"explore", folder_ / "file"), 33);  // still running after two seconds
   EXPECT_EQ(Execute(u"open", folder_ / "missing"), 2);
   EXPECT_EQ(Execute(u"open", folder_ / "no/folder"), 3);
-  fs::remove(folder_ / "programs/xdg-open");
-  SetVariable("PATH", (folder_ / "programs").c_str());
-  EXPECT_EQ(Execute(u"open", folder_ / "file"), 31);
 }
 
 TEST_F(LaunchPosixTest, EditingAndPrintingHaveTheirPrograms) {
@@ -114,8 +111,6 @@ TEST_F(LaunchPosixTest, StartsProgramsWhenTheShellRefuses) {
   EXPECT_FALSE(Launch(&request));
   EXPECT_FALSE(fs::exists(folder_ / "harm"));
   EXPECT_EQ(notices_.messages.size(), 2u);
-  request.file = "no-such-program-anywhere";
-  EXPECT_FALSE(CurrentShell().StartProcess(request));
 }
 
 }  // namespace

@@ -40,9 +40,6 @@ TEST(TextFile, RecognisesTheEncoding) {
     EXPECT_TRUE(declared ? text.ends_with(c.end) : text == c.end)
         << c.what << " " << Utf16ToUtf8(text);
   }
-  WriteBytes(folder / "f", "\xFF\xFE"s + "a\0"s);
-  EXPECT_TRUE(ReadText(folder / "f", &text, TextForm::kRawUtf16));
-  EXPECT_EQ(text, u"\uFEFFa");
 
   const std::pair<std::u16string_view, int> kDeclarations[] = {
       {u"<?xml encoding = 'Utf-16' ?>", 16},

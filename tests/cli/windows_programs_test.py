@@ -94,7 +94,6 @@ class WindowsProgramsTest(programs.FolderTest):
             manifest = resource(program, 24).decode()
             for wanted in ("longPathAware", "PerMonitorV2"):
                 self.assertIn(wanted, manifest)
-            self.assertGreater(len(resource(program, 3)), 1000, "an icon")
         self.assertIn("Microsoft.Windows.Common-Controls", resource(DESKTOP, 24).decode())
 
     def test_no_library_beside_the_systems_is_needed(self):
