@@ -125,14 +125,6 @@ TEST_F(ProfileStoreTest, ConvertsFilesOnceAndLosesNothing) {
   EXPECT_TRUE(IniText().starts_with(IniHeader()));
   EXPECT_EQ(ReadBytes(Ini().string() + ".orig"), binary);
   EXPECT_EQ(notices_.messages.size(), 1u);
-  WriteIni("\xFE\xFF" + std::string("\0[\0A\0]\0\n\0k\0=\0"
-                                    "1",
-                                    14));
-  IniStore store(u"Quenkit");
-  EXPECT_EQ(store.GetInt(u"a", u"K", 0), 1);
-  EXPECT_TRUE(store.WriteInt(u"A", u"k", 2).ok());
-  EXPECT_EQ(ReadBytes(Ini()).substr(0, 2), "\xFE\xFF");
-  EXPECT_EQ(Lines(IniText()), u"[A]\nk=2");
 }
 
 TEST_F(ProfileStoreTest, AFolderOrAHeldFileIsNotWritten) {

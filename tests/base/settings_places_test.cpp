@@ -38,9 +38,6 @@ TEST_F(SettingsPlacesTest, NamesOfStoresBecomePaths) {
   EXPECT_EQ(ProfileStore(u"").profile_path(), PathText(folder_ / "config/kerno.ini"));
   system_.system_place.clear();
   EXPECT_EQ(ProfileStore(u"").profile_path(), PathText(folder_ / "bin/kerno.ini"));
-  process_->application = Application{u"", u"Quenkit.ini"};
-  EXPECT_EQ(ProfileStore(u"").profile_path(), PathText(base / "Quenkit.ini"));
-  EXPECT_NE(DumpedText().find(u"Ｎｕｌｌのため \"Env__3\" を使用\r\n"), std::u16string::npos);
 }
 
 TEST_F(SettingsPlacesTest, TheTestFileTakesAnotherNameAndLeftoversGo) {

@@ -18,7 +18,6 @@ namespace kerno::test {
 class RecordingView final : public DialogView {
  public:
   std::u16string text, format_face, status;
-  Color format_color = 0;
   StatusKind status_kind = StatusKind::kNormal;
   std::vector<std::u16string> messages;
   std::function<void()> close_message;  // as the user does with the last one
@@ -26,7 +25,7 @@ class RecordingView final : public DialogView {
   std::map<ControlId, bool> checked, enabled;
   std::map<ControlId, std::pair<std::vector<ColorChoice>, size_t>> colors;
   std::map<MenuCommand, bool> menu;
-  int formats = 0, repaints = 0, due_calls = 0, progress_calls = 0;
+  int formats = 0, due_calls = 0, progress_calls = 0;
   bool closed_progress = false;
   std::optional<std::filesystem::path> folder_answer;
   std::vector<std::filesystem::path> font_files;
@@ -35,10 +34,9 @@ class RecordingView final : public DialogView {
   WindowPlace placed;  // where it was put
 
   void ShowText(std::u16string_view shown, TextChange) override { text = shown; }
-  void ShowTextFormat(std::u16string_view face, Color color) override {
+  void ShowTextFormat(std::u16string_view face, Color) override {
     ++formats;
     format_face = face;
-    format_color = color;
   }
   void ShowFaces(const std::vector<std::u16string>&) override {}
   void ShowControlText(ControlId id, std::u16string_view shown) override { texts[id] = shown; }
@@ -53,7 +51,7 @@ class RecordingView final : public DialogView {
     status = shown;
     status_kind = kind;
   }
-  void RepaintPreview() override { ++repaints; }
+  void RepaintPreview() override {}
   void ShowMessage(std::u16string_view shown, std::function<void()> closed) override {
     messages.emplace_back(shown);
     close_message = std::move(closed);
