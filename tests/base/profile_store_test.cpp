@@ -1,7 +1,6 @@
 #include "base/profile_store.h"
 
 #include <cmath>
-#include <limits>
 
 #include "base/ini_preparation.h"
 #include "base/profile_settings.h"

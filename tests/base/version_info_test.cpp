@@ -87,7 +87,6 @@ TEST(SystemVersion, NamesWhatItKnows) {
     std::u16string_view text;
   } kCases[] = {
       {{u"", 6, 1, 7601, u"Service Pack 1"}, u"6.1.1  Win 7 SP1  Build 7601"},
-      {{u"", 6, 4, 1, u""}, u"6.4.0  Win 8.1 >  Build 1"},
       {{u"", 10, 0, 19045, u""}, u"7.0.0  Win ?  Build 19045"},
       {{u"", 5, 2, 3790, u"Service Pack 2"}, u"5.2.0  Win XP >  Build 3790"},
       {{u"", 4, 0, 1381, u""}, u"0.0.0  Build 1381"},

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "support/environment.h"
 #include "support/file_holder.h"
