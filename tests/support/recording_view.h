@@ -18,7 +18,6 @@ namespace kerno::test {
 class RecordingView final : public DialogView {
  public:
   std::u16string text, format_face, status;
-  Color format_color = 0;
   StatusKind status_kind = StatusKind::kNormal;
   std::vector<std::u16string> messages;
   std::map<ControlId, std::u16string> texts;
@@ -34,9 +33,8 @@ class RecordingView final : public DialogView {
   WindowPlace placed;  // where it was put
 
   void ShowText(std::u16string_view shown, TextChange) override { text = shown; }
-  void ShowTextFormat(std::u16string_view face, Color color) override {
+  void ShowTextFormat(std::u16string_view face, Color) override {
     format_face = face;
-    format_color = color;
   }
   void ShowFaces(const std::vector<std::u16string>&) override {}
   void ShowControlText(ControlId id, std::u16string_view shown) override { texts[id] = shown; }
