@@ -85,8 +85,8 @@ class DxfWriter {
 
   // Entities. Without a style they take the current layer and colour; one with a style registers
   // nothing. The 2D forms write no Z and leave the extents' Z alone.
-  // Classic: circles, arcs and texts widen the extents by their centre or position only; all files so
-  // far have it so.
+  // Classic: circles, arcs and texts widen the extents by their centre or position only; all files
+  // so far have it so.
   void Line2D(const P3& start, const P3& end, const DxfStyle* style = nullptr);
   void Line3D(const P3& start, const P3& end, const DxfStyle* style = nullptr);
   void Circle2D(const P3& centre, double radius, const DxfStyle* style = nullptr);

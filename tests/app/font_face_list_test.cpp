@@ -1,19 +1,12 @@
 #include "app/font_face_list.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
 namespace kerno {
 namespace {
-
-using ::testing::AllOf;
-using ::testing::AnyOf;
-using ::testing::Contains;
-using ::testing::ElementsAre;
 
 constexpr int kWindow = 1;  // any address serves as a handle
 
@@ -60,7 +53,6 @@ TEST(FontFaceList, RulesRejectFamilies) {
            Case{{.true_type_only = 1}, {u"Sans", u"Gothic", u"@Gothic"}},
            Case{{.exclude_vertical = 1}, {u"Sans", u"Gothic", u"Dots", u"Plotter"}},
            Case{{.only_vertical = 1}, {u"@Gothic"}},
-           Case{{.exclude_vertical = 1, .only_vertical = 1}, {}},
            Case{{.use_pitch = 1, .pitch_mask = 0x30}, {u"Sans", u"Gothic", u"@Gothic", u"Dots"}},
            Case{{.use_pitch = 1}, {}},
            Case{{.pitch_mask = 0x02}, {u"Sans", u"Gothic", u"@Gothic", u"Dots", u"Plotter"}},
@@ -71,30 +63,6 @@ TEST(FontFaceList, RulesRejectFamilies) {
     for (const InstalledFace& family : families) EXPECT_EQ(list.OnFamily(family), 1);
     EXPECT_EQ(list.faces(), accepted);
   }
-}
-
-TEST(FontFaceList, InstalledFamiliesOnceEach) {
-  FontFaceList list(&kWindow);
-  EXPECT_EQ(list.Enumerate(), 1);
-  EXPECT_EQ(list.Enumerate(), 1);  // collects again
-  // Some systems list families by their names in the user's language.
-  const auto is_gothic = AnyOf(u"IPAGothic", u"IPAゴシック");
-  const auto is_vertical_gothic = AnyOf(u"@IPAGothic", u"@IPAゴシック");
-  EXPECT_THAT(list.faces(), AllOf(Contains(u"DejaVu Sans"), Contains(is_gothic).Times(1),
-                                  Contains(is_vertical_gothic).Times(1)));
-  EXPECT_EQ(std::count(list.faces().begin(), list.faces().end(), u"DejaVu Sans"), 1);
-  EXPECT_EQ(list.Entries(), list.faces());
-}
-
-TEST(FontFaceList, EmptyListTellsWhy) {
-  RuledList nothing(&kWindow, {.exclude_vertical = 1, .only_vertical = 1});
-  EXPECT_EQ(nothing.Enumerate(), 1);
-  EXPECT_THAT(nothing.Entries(),
-              ElementsAre(u" ", u" ", u"ＦａｃｅＮａｍｅが求められない", u"Wnd!=NULL"));
-  FontFaceList homeless(nullptr);
-  EXPECT_EQ(homeless.Enumerate(), 0);
-  EXPECT_THAT(homeless.Entries(),
-              ElementsAre(u" ", u" ", u"ＦａｃｅＮａｍｅが求められない", u"Wnd == NULL"));
 }
 
 }  // namespace

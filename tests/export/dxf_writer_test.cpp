@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <sstream>
 
 #include "support/memory_file.h"
-#include "support/temporary_folder.h"
 
 namespace kerno {
 namespace {
@@ -47,80 +45,18 @@ std::string Layers(DxfWriter* dxf) {
   return Between(Finished(dxf), "  2\r\nLAYER\r\n", "  0\r\nENDTAB");
 }
 
-const std::string kTables = Groups(
-    "0 SECTION|2 TABLES|0 TABLE|2 LTYPE|70 1|0 LTYPE|2 CONTINUOUS|70 64|3 Solid line|"
-    "72 65|73 0|40 0.0|0 ENDTAB|0 TABLE|2 LAYER|");
-const std::string kStyles = Groups(
-    "0 ENDTAB|0 TABLE|2 STYLE|70 3|0 STYLE|2 STANDARD|70 64|40 0.0|41 1.0|50 0.0|71 0|"
-    "42 3.5|3 txt|4 |0 STYLE|2 BIGFONT|70 64|40 0.0|41 1.0|50 0.0|71 0|42 3.5|3 txt|"
-    "4 bigfont|0 STYLE|2 VTEXT|70 68|40 0.0|41 1.0|50 0.0|71 0|42 3.5|3 txt|4 bigfont|"
-    "0 ENDTAB|0 ENDSEC|0 SECTION|2 BLOCKS|0 ENDSEC|");
-
-TEST(DxfWriter, AnEmptyDrawingIsAWholeFile) {
-  DxfWriter dxf(DxfMode::kFlat);
-  EXPECT_EQ(
-      Finished(&dxf),
-      Groups("0 SECTION|2 HEADER|9 $LIMMIN|10 0|20 0|9 $LIMMAX|10 420|20 296.985|9 $EXTMIN|10 0|"
-             "20 0|9 $EXTMAX|10 0|20 0|0 ENDSEC|") +
-          kTables + Groups("70 0|") + kStyles + Groups("0 SECTION|2 ENTITIES|0 ENDSEC|0 EOF|"));
-}
-
-TEST(DxfWriter, ASpatialDrawingWithEveryEntity) {
-  DxfWriter dxf(DxfMode::kSpatial);
-  dxf.SetColor(3);
-  dxf.SetLayerName(u"a b");
-  dxf.Line3D({1, 2, 3}, {-4, 5.5, 0});
-  dxf.Circle3D({1, 2, 3}, 10);
-  dxf.Arc3D({{1, 2, 3}, 10, 30, 400});
-  dxf.Text3D({{7, 8, 9}, u"日本,", 2.5});
-  dxf.Triangle({0, 0, 0}, {1, 0, 0}, {0, 1, -2});
-  EXPECT_EQ(
-      Finished(&dxf),
-      Groups("0 SECTION|2 HEADER|9 $LIMMIN|10 0|20 0|9 $LIMMAX|10 420|20 296.985|9 $EXTMIN|10 -4|"
-             "20 0|30 -2|9 $EXTMAX|10 7|20 8|30 9|0 ENDSEC|") +
-          kTables + Groups("70 1|0 LAYER|2 ab|70 64|62 3|6 CONTINUOUS|") + kStyles +
-          Groups(
-              "0 SECTION|2 ENTITIES|0 LINE|8 ab|62 3|10 1|20 2|30 3|11 -4|21 5.5|31 0|0 CIRCLE|"
-              "8 ab|62 3|10 1|20 2|30 3|40 10|0 ARC|8 ab|62 3|10 1|20 2|30 3|40 10|50 30|51 400|"
-              "0 TEXT|8 ab|62 3|40 2.5|1 \x93\xFA\x96{\\x2c|10 7|20 8|30 9|0 3DFACE|8 ab|62 3|10 0|"
-              "20 0|30 0|11 1|21 0|31 0|12 0|22 1|32 -2|13 0|23 1|33 -2|70 0|0 ENDSEC|0 EOF|"));
-}
-
 TEST(DxfWriter, FlatEntitiesCarryNoZExceptFaces) {
   DxfWriter dxf(DxfMode::kFlat);
   const DxfStyle style = {u"own", 12};
   dxf.Line2D({1, 2, 3}, {4, 5, 6}, &style);
-  dxf.Line2D({4, 5}, {1, 1});
   dxf.Circle2D({1, 2, 3}, 0.5);
   dxf.Arc2D({{1, 2, 3}, 0.5, 0, 90});
   dxf.Face({0, 0, 1}, {1, 0, 1}, {1, 1, 1}, {0, 1, 1});
   EXPECT_EQ(Entities(&dxf), Groups("0 LINE|8 own|62 12|10 1|20 2|11 4|21 5|") +
-                                Groups("0 LINE|8 0|62 7|10 4|20 5|11 1|21 1|") +
                                 Groups("0 CIRCLE|8 0|62 7|10 1|20 2|40 0.5|") +
                                 Groups("0 ARC|8 0|62 7|10 1|20 2|40 0.5|50 0|51 90|") +
                                 Groups("0 3DFACE|8 0|62 7|10 0|20 0|30 1|11 1|21 0|31 1|12 1|22 "
                                        "1|32 1|13 0|23 1|33 1|70 0|"));
-}
-
-TEST(DxfWriter, TextsWriteOnlyTheGroupsThatSaySomething) {
-  const struct {
-    double rotation, width, oblique;
-    bool vertical;
-    std::string groups;
-  } cases[] = {
-      {0, 1, 0, false, ""},
-      {0, 0, 0, false, ""},
-      {-0.0, 0, -0.0, false, ""},
-      {30, 0.8, 15, false, Groups("50 30|41 0.8|51 15|")},
-      {0, 2, 0, true, Groups("7 VTEXT|41 2|")},
-  };
-  for (const auto& c : cases) {
-    DxfWriter dxf(DxfMode::kFlat);
-    const DxfText text = {{1, 2, 3}, u"x", 4, c.rotation, c.width, c.oblique};
-    c.vertical ? dxf.VerticalText2D(text) : dxf.Text2D(text);
-    EXPECT_EQ(Entities(&dxf),
-              Groups("0 TEXT|8 0|62 7|40 4|1 x|") + c.groups + Groups("10 1|20 2|"));
-  }
 }
 
 // A line that starts where the last one ended takes its text over: it must be the same text.
@@ -201,26 +137,6 @@ TEST(DxfWriter, WhatIsNotFiniteIsLeftOutAndCounted) {
   EXPECT_EQ(Finished(&dxf).find("nan"), std::string::npos);
 }
 
-TEST(DxfWriter, DigitsThatGetLostAreNoticed) {
-  const std::pair<double, bool> cases[] = {{99999.96, false}, {123456, false},    {-123456.5, true},
-                                           {1e6, true},       {0.1234567, false}, {-1e9, true}};
-  for (const auto& [x, lost] : cases) {
-    DxfWriter dxf(DxfMode::kFlat);
-    dxf.Line2D({0, 0}, {0, x});
-    EXPECT_EQ(dxf.lost_precision(), lost) << x;
-  }
-}
-
-TEST(DxfWriter, AFailedDrawingWritesNoFile) {
-  const test::TemporaryFolder folder;
-  DxfWriter dxf(DxfMode::kSpatial);
-  EXPECT_EQ(dxf.output_name(), "DXF_3d.dxf");
-  dxf.SetOutputName(folder / "x.dxf");
-  dxf.SetFailure(1);
-  EXPECT_FALSE(dxf.Finish().ok());
-  EXPECT_TRUE(folder.Names().empty());
-}
-
 // Streamed after a rehearsal, a drawing is the same, is not kept, and a full disk is still noticed.
 TEST(DxfWriter, StreamedDrawingsAreTheSame) {
   const auto draw = [](DxfWriter* dxf) {
@@ -239,7 +155,7 @@ TEST(DxfWriter, StreamedDrawingsAreTheSame) {
   const std::string expected = Finished(&kept);
   rehearsal.Rehearse();
   draw(&rehearsal);
-  for (const size_t capacity : {MemoryFile::kUnlimited, size_t{100}, expected.size() / 2}) {
+  for (const size_t capacity : {MemoryFile::kUnlimited, expected.size() / 2}) {
     DxfWriter dxf(DxfMode::kSpatial);
     MemoryFile file(capacity);
     dxf.StreamInto(&file, rehearsal);

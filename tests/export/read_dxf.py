@@ -10,23 +10,6 @@ import ezdxf
 from ezdxf.colors import DXF_DEFAULT_COLORS, int2rgb
 
 
-def chains(lines):
-    """How many closed chains the lines make, followed in order by exactly equal points, and how
-    many stay open."""
-    closed = opened = 0
-    first = last = None
-    for line in lines:
-        start, end = tuple(line.dxf.start), tuple(line.dxf.end)
-        if start != last:
-            opened += first is not None
-            first = start
-        last = end
-        if end == first:
-            closed += 1
-            first = last = None
-    return closed, opened + (first is not None)
-
-
 def facts(path):
     drawing = ezdxf.readfile(path, encoding="cp932")
     audit = drawing.audit()
@@ -34,8 +17,6 @@ def facts(path):
     space = drawing.modelspace()
     kinds = collections.Counter(e.dxftype() for e in space)
     yield "entities " + " ".join(f"{kind}:{count}" for kind, count in sorted(kinds.items()))
-    closed, opened = chains(space.query("LINE"))
-    yield f"chains closed:{closed} open:{opened}"
     listed = {l.dxf.name: l.color for l in drawing.layers if l.dxf.name not in ("0", "Defpoints")}
     yield "layers " + " ".join(f"{name}:{color}" for name, color in listed.items())
     used = collections.Counter((e.dxf.layer, e.dxf.color) for e in space)

@@ -7,13 +7,10 @@
 #include <limits>
 #include <sstream>
 
-#include "base/text.h"
-#include "export/build_time.h"
 #include "export/draw_parts.h"
 #include "export/svg_elements.h"
 #include "support/fake_clock.h"
 #include "support/fake_settings.h"
-#include "support/fake_system.h"
 #include "support/memory_file.h"
 #include "support/picture_compare.h"
 #include "support/run.h"
@@ -24,21 +21,19 @@ namespace {
 
 using test::MemoryFile;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-const std::string kRound = " stroke-linecap=\"round\" stroke-linejoin=\"round\"";
-constexpr Color kRed = RgbColor(255, 0, 16);
 
 class SvgWriter : public testing::Test {
  protected:
   SvgWriter() : part_(model_.parts.emplace_back()) {
     ResetSvgPrecision();
     part_.name = u"Kerno";
-    part_.pen.color = static_cast<int32_t>(kRed);
+    part_.pen.color = 0x0000FF;
     part_.pen.width = 2;
   }
 
-  std::string Written(const SvgOptions& options = {}) const {
+  std::string Written() const {
     MemoryFile file;
-    EXPECT_TRUE(WriteSvg(model_, options, "out.svg", &file).ok());
+    EXPECT_TRUE(WriteSvg(model_, {}, "out.svg", &file).ok());
     return file.bytes;
   }
 
@@ -54,87 +49,10 @@ class SvgWriter : public testing::Test {
   }
 
   test::FakeClock clock_;
-  test::FakeSystem system_;
   FakeSettings settings_;
   PartsA model_;
   PartsElement& part_;
 };
-
-TEST_F(SvgWriter, AWholeDocument) {
-  system_.program = "/opt/a--b/kerno";
-  part_.AddClosedLines(std::vector<P3>{{0, 0}, {10, 0}, {10, 5.5}});
-  part_.brush.color = RgbColor(0, 128, 255);
-  part_.AddFace(std::vector<P3>{{0, 0}, {8, 0}, {8, 4}, {0, 0}}, 0);
-  const std::string comment =
-      " <!-- Layer  =Kerno PColor =#ff0010 PStyle =0 PWidth =2 UWidth =0 ULength=0 HInt   =0 -->\n";
-  EXPECT_EQ(
-      Written({.millimetres = true}),
-      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-      "<!--\r\n"
-      "SVG Exporter \t1.10\t" +
-          std::string(BuildTime()) +
-          "\r\n"
-          "EXE          \t    \t/opt/a- -b/kerno\r\n"
-          "Time         \t    \t2026/11/21 09:00:00\r\n"
-          "Size         \t12\t7.5\r\n"
-          "Save         \tout.svg\r\n"
-          "変換精度\tSvgOut::Precision\t15\r\n"
-          "UNICODE \t\r\n"
-          "大きさ補正\t1\t1\r\n"
-          "-->\n"
-          "<svg viewBox=\"-1 -6.5 12 7.5\" xmlns=\"http://www.w3.org/2000/svg\" width=\"12mm\""
-          " height=\"7.5mm\">\n" +
-          comment +
-          " <g stroke=\"none\" fill=\"#0080ff\" fill-rule=\"evenodd\">\n"
-          "  <polygon points=\"0,0 8,0 8,-4\"/>\n"
-          " </g>\n" +
-          comment + " <g stroke=\"#ff0010\" stroke-width=\"2\"" + kRound +
-          " fill=\"none\">\n"
-          "  <polygon points=\"0,0 10,0 10,-5.5\"/>\n"
-          " </g>\n"
-          "</svg>\n");
-}
-
-TEST_F(SvgWriter, LinesThatChainAreOnePath) {
-  const struct {
-    std::vector<LineItem> lines;  // of the corners of a square
-    std::string elements;
-  } cases[] = {
-      {{{0, 1}}, "<line x1=\"0\" y1=\"0\" x2=\"1\" y2=\"0\"/>"},
-      {{{0, 1}, {1, 2}}, "<polyline points=\"0,0 1,0 1,-1\"/>"},
-      {{{0, 1}, {1, 2}, {2, 0}}, "<polygon points=\"0,0 1,0 1,-1\"/>"},
-      {{{0, 1}, {1, 2}, {2, 0}, {0, 3}},
-       "<polygon points=\"0,0 1,0 1,-1\"/><line x1=\"0\" y1=\"0\" x2=\"0\" y2=\"-1\"/>"},
-      {{{0, 1}, {1, 0}, {0, 2}, {2, 0}}, "<polygon points=\"0,0 1,0 0,0 1,-1\"/>"},
-      {{{0, 1}, {1, 0}}, "<polyline points=\"0,0 1,0 0,0\"/>"},
-  };
-  for (const P3& corner : {P3{0, 0}, P3{1, 0}, P3{1, 1}, P3{0, 1}}) part_.vertices.Append(corner);
-  for (const auto& c : cases) {
-    part_.lines.items = c.lines;
-    EXPECT_EQ(Elements("<pol") + Elements("<line"), c.elements);
-  }
-}
-
-TEST_F(SvgWriter, CirclesAndArcs) {
-  for (const P3& p : {P3{10, 10}, P3{15, 10}, P3{10, 15}, P3{5, 10}, P3{10, 5}}) {
-    part_.vertices.Append(p);
-  }
-  const struct {
-    int32_t first, second;
-    const char* element;
-  } cases[] = {
-      {-1, -1, "<circle cx=\"10\" cy=\"-10\" r=\"5\"/>"},
-      {1, 2, "<path d=\"M15,-10 A5,5 0 0,0 10,-15\"/>"},
-      {2, 1, "<path d=\"M10,-15 A5,5 0 1,0 15,-10\"/>"},
-      {1, 3, "<path d=\"M15,-10 A5,5 0 0,0 5,-10\"/>"},
-      {3, 2, "<path d=\"M5,-10 A5,5 0 1,0 10,-15\"/>"},
-      {4, 1, "<path d=\"M10,-5 A5,5 0 0,0 15,-10\"/>"},
-  };
-  for (const auto& c : cases) {
-    part_.circles.items = {{0, -5, 0, c.first, c.second}};
-    EXPECT_EQ(Elements("<circle") + Elements("<path"), c.element);
-  }
-}
 
 TEST_F(SvgWriter, Texts) {
   const struct {
@@ -143,16 +61,6 @@ TEST_F(SvgWriter, Texts) {
     bool vertical;
     const char* element;
   } cases[] = {
-      {u"ＭＳ 明朝", 30, 0, 0, false,
-       "<text text-anchor=\"middle\" font-size=\"27\" font-family=\"MS-Mincho\" x=\"5\" y=\"3\""},
-      {u"@ＭＳ ゴシック", 10, 0, 0, true,
-       "<text writing-mode=\"tb\" text-anchor=\"middle\" font-size=\"9\" font-family=\"MS-Gothic\""
-       " x=\"5\" y=\"-7\""},
-      {u"Arial", 3, 30, 0, false,
-       "<text text-anchor=\"middle\" font-size=\"2.7\" "
-       "transform=\"translate(5,-7)\trotate(-30,0,0)\t"
-       "translate(0,1)\t\""},
-      {u"", 3, 0, 15, false, "transform=\"translate(5,-7)\tskewX(15)\ttranslate(0,1)\t\""},
       {u"", 3, -45, 15, true,
        "transform=\"translate(5,-7)\trotate(45,0,0)\tskewX(15)\ttranslate(0,0)\t\""},
       {u"", 3, 1e-8, -1e-8, false, " x=\"5\" y=\"-6\""},
@@ -171,7 +79,6 @@ TEST_F(SvgWriter, Texts) {
     EXPECT_NE(text.find(">a&lt;b</text>"), text.npos);
   }
   EXPECT_EQ(SvgFontFamily(u"ＭＳ Pゴシック"), "MS-PGothic");
-  EXPECT_EQ(SvgFontFamily(u"@ＭＳ P明朝"), "MS-PMincho");
   EXPECT_EQ(SvgFontFamily(u"MS Gothic"), "");
 }
 
@@ -207,24 +114,6 @@ TEST_F(SvgWriter, GroupsKeepTheOrderOfFacesAndAreFewOtherwise) {
   }
 }
 
-TEST_F(SvgWriter, Dashes) {
-  part_.AddLine({0, 0}, {1, 1});
-  part_.pen.style = 1;
-  EXPECT_EQ(Elements("<g"), "<g stroke=\"#ff0010\" stroke-width=\"2\"" + kRound +
-                                " fill=\"none\" stroke-dasharray=\"36 12\">");
-  part_.pen.style = 5;
-  EXPECT_EQ(Elements("<g"), "<g stroke=\"none\" stroke-width=\"2\"" + kRound + " fill=\"none\">");
-}
-
-TEST_F(SvgWriter, HatchesAreClipped) {
-  part_.AddFace(std::vector<P3>{{0, 0}, {8, 0}, {8, 8}, {0, 8}}, 0);
-  part_.brush.style = 2;
-  EXPECT_EQ(Elements("<clipPath") + Elements("<polygon") + Elements("<g clip"),
-            "<clipPath id=\"Clip-Path-1\" clip-rule=\"evenodd\">"
-            "<polygon points=\"0,0 8,0 8,-8 0,-8\"/><g clip-path=\"url(#Clip-Path-1)\">");
-  EXPECT_NE(Elements("<line"), "");
-}
-
 TEST_F(SvgWriter, ThePrecisionIsReadAgainAfterElevenSeconds) {
   const struct {
     uint32_t later;  // milliseconds
@@ -234,11 +123,9 @@ TEST_F(SvgWriter, ThePrecisionIsReadAgainAfterElevenSeconds) {
   } cases[] = {{0, 15, 1.0 / 3, "0.333333333333333"},
                {10999, 3, 1.0 / 3, "0.333333333333333"},
                {1, 3, 1.0 / 3, "0.333"},
-               {0, 3, 123.456, "123"},
                {0, 3, -1e-9, "-0"},
                {0, 3, 12345, "1.23e+004"},
-               {11000, -5, 1.0 / 3, "0.3"},
-               {11000, 1000, 0.5, "0.5"}};
+               {11000, -5, 1.0 / 3, "0.3"}};
   for (const auto& c : cases) {
     settings_.ints[{u"Dec", u"SvgOut::Precision"}] = c.setting;
     clock_.ticks += c.later;
@@ -271,6 +158,7 @@ TEST_F(SvgWriter, LooksLikeOurOwnPicture) {
   part_.AddLine({50, 55}, {10, 10});
   part_.AddCircle({80, 40}, 15, 0, {80, 40}, {80, 40});
   part_.AddCircle({80, 40}, 10, 0, {90, 40}, {80, 30});
+  part_.AddCircle({80, 40}, 5, 0, {85, 40}, {80, 45});
   PartsElement dashed = part_;
   dashed.faces[0].items.clear();
   dashed.circles.items.clear();

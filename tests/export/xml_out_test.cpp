@@ -35,7 +35,10 @@ TEST(XmlOut, WritesWhatReadersAccept) {
   const test::TemporaryFolder folder;
   test::WriteBytes(folder / "x.xml", file.bytes);
   EXPECT_EQ(test::OutputOf("xmllint --noout --nonet " + (folder / "x.xml").string()), "");
-  // What XML allows comes back as it was.
+  // What XML allows comes back as it was, the line ends of an attribute too.
+  EXPECT_NE(test::OutputOf("xmllint --xpath 'string(/a/@every)' " + (folder / "x.xml").string())
+                .find("\t\n"),
+            std::string::npos);
   const std::string back =
       test::OutputOf("xmllint --xpath 'string(/a/b)' " + (folder / "x.xml").string());
   EXPECT_NE(back.find(" !\"#$%&'()*+,-./0123456789:;<=>?"), back.npos);
@@ -43,46 +46,15 @@ TEST(XmlOut, WritesWhatReadersAccept) {
             back.npos);
 }
 
-TEST(XmlOut, Bytes) {
-  MemoryFile file;
+TEST(XmlOut, AFailureInTheMiddleIsKept) {
+  MemoryFile file(1'100'000);
   XmlOut xml(&file);
-  xml.Declaration();
-  xml.DocumentType("a SYSTEM \"x\"");
-  xml.Comment(u"a--b -");
-  xml.Begin("a");
-  xml.Attribute("t", u"<\"&\r\n\t>");
-  xml.Begin("b");
-  xml.Text(u"<\"&\r\n\t>");
-  xml.End();
-  xml.Comment(u"c");
-  xml.Begin("c");
-  *xml.BeginAttribute("n") += "1 2";
-  xml.EndAttribute();
-  xml.End();
-  xml.End();
-  EXPECT_TRUE(xml.Finish().ok());
-  EXPECT_EQ(file.bytes,
-            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE a SYSTEM \"x\">\n"
-            "<!--a- -b - -->\n"
-            "<a t=\"&lt;&quot;&amp;&#13;&#10;&#9;&gt;\">\n"
-            " <b>&lt;\"&amp;&#13;\n\t&gt;</b>\n <!--c-->\n <c n=\"1 2\"/>\n</a>\n");
-}
-
-TEST(XmlOut, LongDocumentsReachTheFileInPiecesAndFailuresAreKept) {
-  for (const size_t capacity : {MemoryFile::kUnlimited, size_t{1'500'000}}) {
-    MemoryFile file(capacity);
-    XmlOut xml(&file);
-    xml.Begin("a");
-    for (int i = 0; i < 300000; ++i) {
-      xml.Begin("b");
-      xml.End();
-    }
+  for (int i = 0; i < 300000; ++i) {
+    xml.Begin("b");
     xml.End();
-    const bool fits = capacity == MemoryFile::kUnlimited;
-    EXPECT_EQ(xml.Finish().ok(), fits);
-    EXPECT_GT(file.writes, 1u);
-    EXPECT_EQ(file.bytes.size(), fits ? 4 + 300000 * 6 + 5 : capacity);
   }
+  EXPECT_GT(file.writes, 0u) << "in pieces";
+  EXPECT_FALSE(xml.Finish().ok());
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
-#include "outline/typesetter.h"
-
 #include <gtest/gtest.h>
 
+#include "outline/typesetter.h"
 #include "support/fake_device_context.h"
 
 namespace kerno {
@@ -92,105 +91,6 @@ TEST(LayoutString, CharacterAngleTurnsEachGlyphAboutItsCell) {
   contours = {};
   LayoutString(dc, u"A", {}, &contours);
   EXPECT_EQ((Points{{2, 1}}), Starts(contours)) << "the other angle's outlines are not used again";
-}
-
-// The middles (5, 6) of A and (3.5, 6) of B come to x = 10, half an em; by whole cells each also
-// moves down by as much as to the right, so that B, from -10 to -17, begins where A ends.
-TEST(LayoutString, CellsOfAColumnHaveOneMiddleLine) {
-  FakeDeviceContext dc = Context();
-  LayoutOptions down;
-  down.vertical = true;
-  down.character_angle = -90;
-  GlyphContours contours;
-  LayoutString(dc, u"AB", down, &contours);
-  EXPECT_EQ((Points{{5, 4}, {9, -4.5}}), Starts(contours));
-  contours = {};
-  down.pitch = VerticalPitch::kCell;
-  LayoutString(dc, u"AB", down, &contours);
-  EXPECT_EQ((Points{{5, -6}, {9, -17}}), Starts(contours));
-}
-
-TEST(LayoutString, KeepsOutlinesWithTheFont) {
-  FakeDeviceContext dc = Context();
-  const auto font = dc.CreateFontIndirect({});
-  dc.SelectFont(font.get());
-  GlyphContours contours;
-  LayoutString(dc, u"AAAA𠮷𠮷", {}, &contours);
-  EXPECT_EQ(4, dc.outline_calls);
-  LayoutString(dc, u"A𠮷", {}, &contours);
-  EXPECT_EQ(4, dc.outline_calls);
-}
-
-TEST(LayoutString, TellsWhereVerticalInkMeets) {
-  FakeDeviceContext dc = Context();
-  NativeBuffer tall;
-  tall.Polygon(0, 0).Record(1, {{10, 0}, {10, 16}, {0, 16}});
-  dc.glyphs[U'H'] = {{10, 16, 0, 16, 12, 0}, tall.bytes()};
-  LayoutOptions down;
-  down.vertical = true;
-  const struct {
-    const char16_t* text;
-    VerticalPitch pitch;
-    uint32_t overlapping;
-  } cases[] = {{u"HHH", VerticalPitch::kClassic, 2},
-               {u"HHH", VerticalPitch::kCell, 2},
-               {u"H H", VerticalPitch::kCell, 0},
-               {u"AAA", VerticalPitch::kClassic, 0}};
-  for (const auto& c : cases) {
-    GlyphContours contours;
-    LayoutNotes notes;
-    down.pitch = c.pitch;
-    LayoutString(dc, c.text, down, &contours, &notes);
-    EXPECT_EQ(c.overlapping, notes.overlapping) << testing::PrintToString(std::u16string(c.text));
-  }
-}
-
-TEST(LayoutString, NamesWhatTheRasteriserRefused) {
-  FakeDeviceContext dc = Context();
-  GlyphContours contours;
-  LayoutNotes notes;
-  LayoutString(dc, u"ZAZ Y", {}, &contours, &notes);
-  EXPECT_EQ((std::vector<char32_t>{U'Z', U'Y'}), notes.refused);
-}
-
-TEST(PlaceBlock, BoxHoldsTheOriginAndTheCentreLandsOnTheInsertion) {
-  std::vector<P2> points = {{10, 10}, {20, 10}, {20, 30}};
-  PlaceBlock(&points, {{100, 200}, 0, 0});
-  // Box (0, 0) to (20, 30), centre (10, 15): y is turned down and (90, 215) added.
-  EXPECT_EQ((P2{100, 205}), points[0]);
-  EXPECT_EQ((P2{110, 185}), points[2]);
-  std::vector<P2> blank;
-  PlaceBlock(&blank, {{5, 5}, 30, 30});
-  EXPECT_TRUE(blank.empty());
-}
-
-// The command line's test computes slants and other angles once more.
-TEST(PlaceBlock, AQuarterTurnIsExact) {
-  std::vector<P2> quarter = {{0, 0}, {20, 0}, {20, 40}};
-  PlaceBlock(&quarter, {{0, 0}, 0, 90});  // counter-clockwise
-  EXPECT_EQ((P2{20, 10}), quarter[0]);
-  EXPECT_EQ((P2{20, -10}), quarter[1]);
-  EXPECT_EQ((P2{-20, -10}), quarter[2]);
-}
-
-TEST(StringOutline, SelectsItsFontAndPutsTheFormerBack) {
-  FakeDeviceContext dc = Context();
-  const auto mine = dc.CreateFontIndirect({});
-  dc.SelectFont(mine.get());
-  TextRequest request;
-  request.text = u"A";
-  request.face.name = std::u16string(40, u'x');
-  request.height = 77;
-  request.width = 5;
-  request.weight = 700;
-  GlyphContours contours;
-  contours.counts = {9};
-  EXPECT_EQ(1u, StringOutline(dc, request, &contours));
-  EXPECT_EQ(1u, contours.counts.size());
-  EXPECT_EQ(mine.get(), dc.SelectedFont());
-  EXPECT_EQ(77, dc.created.back().height);
-  EXPECT_EQ(1, dc.created.back().char_set);
-  EXPECT_EQ(31u, dc.created.back().face_name.size());
 }
 
 TEST(MeasureString, EstimatesLargeSizesAndAsksTheContextOtherwise) {

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "parts/ipx.h"
-#include "parts/ipx_models.h"
-#include "support/fake_settings.h"
 #include "support/fake_system.h"
 #include "support/recording_notices.h"
 #include "support/temporary_folder.h"
@@ -15,11 +13,10 @@ namespace {
 namespace fs = std::filesystem;
 using test::TemporaryFolder;
 
-TEST(IpxCache, VersionNumber) {
-  EXPECT_EQ(IpxVersionNumber(kIpxVersion), 1.2020180726);
-  EXPECT_EQ(IpxVersionNumber(u"1,5-3/2 1:0\t9"), 1.532109);
-  EXPECT_EQ(IpxVersionNumber(u"Ver.1"), 0);
-  EXPECT_EQ(IpxVersionNumber(u""), 0);
+PartsA ALine() {
+  PartsA model;
+  model.parts.emplace_back().AddLine({0, 0}, {1, 1});
+  return model;
 }
 
 class IpxCacheTest : public testing::Test {
@@ -34,13 +31,11 @@ TEST_F(IpxCacheTest, CopiesLiveAsLongAsTheProgram) {
     IpxCache copies(folder_.path(), u"kerno");
     EXPECT_FALSE(fs::exists(folder_ / "PartsA.tmp"));
     copies.KeepCopy({}, folder_ / "out/a.b.svg");
-    copies.KeepCopy(test::EveryKind(), folder_ / "out/a.b.dxf");
-    copies.KeepCopy(test::EveryKind(), folder_ / "out/c.ipx");
-    EXPECT_TRUE(fs::exists(cache_ / "c.ipx"));
+    copies.KeepCopy(ALine(), folder_ / "out/a.b.dxf");
     EXPECT_TRUE(notices_.messages.empty() && notices_.steps.empty());
     PartsA read;
     EXPECT_TRUE(ReadIpxFile(cache_ / "a.b.ipx", &read).ok());
-    EXPECT_EQ(ToText(read, u""), ToText(test::EveryKind(), u""));
+    EXPECT_EQ(ToText(read, u""), ToText(ALine(), u""));
   }
   EXPECT_TRUE(folder_.Names().empty());
 }
@@ -52,9 +47,9 @@ TEST_F(IpxCacheTest, NeverCopiesOntoTheFileItself) {
   fs::create_symlink(cache_, folder_ / "link", no_links);
   {
     IpxCache copies(folder_.path(), u"kerno");
-    copies.KeepCopy(test::EveryKind(), cache_ / "a.ipx");
-    if (!no_links) copies.KeepCopy(test::EveryKind(), folder_ / "link/a.ipx");
-    copies.KeepCopy(test::EveryKind(), folder_ / "PartsA.tmp/../PartsA.tmp/1.2020180726/a.ipx");
+    copies.KeepCopy(ALine(), cache_ / "a.ipx");
+    if (!no_links) copies.KeepCopy(ALine(), folder_ / "link/a.ipx");
+    copies.KeepCopy(ALine(), folder_ / "PartsA.tmp/../PartsA.tmp/1.2020180726/a.ipx");
   }
   EXPECT_EQ(test::ReadBytes(cache_ / "a.ipx"), "exported");
 }
@@ -86,18 +81,6 @@ TEST_F(IpxCacheTest, FailuresAreSilent) {
   }
   EXPECT_TRUE(notices_.messages.empty());
   EXPECT_TRUE(folder_.Names().empty());
-}
-
-TEST_F(IpxCacheTest, ConvertedModelsWhenTheSettingAsksForThem) {
-  FakeSettings settings;
-  IpxCache copies(folder_.path(), u"kerno");
-  EXPECT_EQ(copies.PathOfConverted("a.stl"), std::nullopt);
-  settings.ints[{u"PartsAry\\Convert3D", u"UseCacheIPX"}] = 1;
-  EXPECT_EQ(copies.PathOfConverted("x/y.IPX"), fs::path("x/y.IPX"));
-  EXPECT_FALSE(fs::exists(cache_));
-  EXPECT_EQ(copies.PathOfConverted("x/a.stl"), cache_ / "a.stl.ipx");
-  EXPECT_EQ(copies.PathOfConverted("C:\\x\\a.stl"), cache_ / "a.stl.ipx");
-  EXPECT_TRUE(fs::exists(cache_));
 }
 
 }  // namespace

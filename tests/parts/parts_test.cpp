@@ -4,7 +4,6 @@
 
 #include "base/profile_settings.h"
 #include "base/text.h"
-#include "parts/color.h"
 #include "support/fake_settings.h"
 #include "support/settings_fixture.h"
 
@@ -23,18 +22,6 @@ Parts Segment(double x) {
   Parts part;
   EXPECT_TRUE(part.AddLine({x, 0, 0}, {x + 1, 0, 0}));
   return part;
-}
-
-TEST(Parts, ElementsShareEqualVertices) {
-  ForgetPartsSettings();
-  Parts part = Square(0);
-  part.AddCircle({0, -0.0, 0}, 2.5, 3, {1, 0, 0}, {0, 1, -0.0});
-  part.AddText({1, 1, 0}, u"字");
-  part.AddHorizontalText({1, 1, 0}, TextLine{});
-  EXPECT_EQ(4u, part.vertices.size());
-  EXPECT_EQ(0, part.circles.items[0].centre);
-  EXPECT_EQ(2, part.horizontal_texts.items[0].anchor);
-  EXPECT_FALSE(part.AddFace({}, 0));
 }
 
 TEST(Parts, CopyIsDeep) {
@@ -96,33 +83,15 @@ TEST(Parts, AppendOntoAnEmptyPartCopiesEverything) {
 // Settings in the INI file change what the model does.
 using PartsSettings = test::SettingsFixture;
 TEST_F(PartsSettings, FaceNamesAndTheLogOfCopies) {
-  InstallProfileSettings();
-  const auto copy = [] {
-    PartsA model;
-    model.parts.resize(3);
-    const PartsA first = model;
-    model = first;
-  };
-  copy();
-  EXPECT_EQ(DefaultFaceName(WritingDirection::kHorizontal), u"ＭＳ ゴシック");
-  EXPECT_EQ(DefaultFaceName(WritingDirection::kVertical), u"@ＭＳ 明朝");
-  EXPECT_FALSE(std::filesystem::exists(folder_ / "tmp/DbgDump"));
   WriteIni(Utf16ToUtf8(u"[Debug\\Parts]\r\nCopyLog=1\r\n[Parts]\r\n横書フェイス名=顔\r\n"));
   Restart();
   InstallProfileSettings();
-  copy();
+  PartsA model;
+  model.parts.resize(3);
+  const PartsA copy = model;
   EXPECT_EQ(DefaultFaceName(WritingDirection::kHorizontal), u"顔");
   const std::u16string log = DumpedText();
   EXPECT_NE(log.find(u"\tPartsA(const PartsA&)\t3\r\n"), log.npos) << Utf16ToUtf8(log);
-  EXPECT_NE(log.find(u"\tPartsA::operator=\t3\r\n"), log.npos) << Utf16ToUtf8(log);
-}
-
-TEST(Color, HuesOfTheWheelAtHalfLightness) {
-  const std::pair<int, Color> cases[] = {
-      {0, RgbColor(192, 64, 64)},   {60, RgbColor(192, 192, 64)},  {180, RgbColor(64, 192, 192)},
-      {240, RgbColor(64, 64, 192)}, {-60, RgbColor(192, 64, 192)}, {390, RgbColor(192, 128, 64)}};
-  for (const auto& [hue, color] : cases) EXPECT_EQ(color, HlsColor(hue, 128, 128)) << hue;
-  EXPECT_EQ(RgbColor(255, 255, 255), HlsColor(77, 255, 200));
 }
 
 TEST(Extents, ACoordinateThatIsNoNumberWidensNothingWhereverItStands) {

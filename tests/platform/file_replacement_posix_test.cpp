@@ -77,13 +77,6 @@ TEST(FileReplacementPosix, PipesAndDevicesAreWrittenThrough) {
   reader.join();
   EXPECT_EQ(received, sent);
   EXPECT_TRUE(fs::is_fifo(pipe));
-
-  EXPECT_TRUE(ReplaceFile("/dev/null", "nothing").ok());
-  EXPECT_TRUE(fs::is_character_file("/dev/null"));
-  const Status full = ReplaceFile("/dev/full", "x");
-  EXPECT_EQ(full.failure, Failure::kNoSpace);
-  EXPECT_EQ(full.what, u"/dev/full");
-  EXPECT_EQ(full.why, u"the disk is full");
 }
 
 // Standard output that the shell sends to a file keeps what stands there (">>").
@@ -190,15 +183,6 @@ TEST(FileReplacementPosix, AKilledProcessLeavesTheOldFileAlone) {
   EXPECT_EQ(child.Wait(), -SIGKILL);
   EXPECT_EQ(ReadBytes(folder / "file"), "old");
   EXPECT_EQ(folder.Names(), Names{"file"});
-}
-
-TEST(FileReplacementPosix, PathsThatCannotBeAreExplained) {
-  const TemporaryFolder folder;
-  WriteBytes(folder / "file", "old");
-  EXPECT_EQ(ReplaceFile(folder / "file/file", "new").why, u"a part of the path is not a folder");
-  EXPECT_EQ(ReplaceFile(folder / std::string(300, 'n'), "new").why, u"the name is too long");
-  EXPECT_EQ(ReplaceFile(folder / "\xFF\xE6\x97\xA5/x", "new").what,
-            fs::path(folder / "").u16string() + u"\xFFFD日/x");
 }
 
 }  // namespace

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-#include <vector>
-
 #include "support/temporary_folder.h"
 
 namespace kerno {
@@ -36,29 +33,6 @@ TEST(HeldFile, NewFilesNeverReplaceOldOnes) {
   EXPECT_EQ(CreateNewFile(folder / "f", "second").failure, Failure::kSharingViolation);
   EXPECT_EQ(test::ReadBytes(folder / "f"), "first");
   EXPECT_EQ(CreateNewFile(folder / "none/f", "x").failure, Failure::kNotFound);
-}
-
-TEST(HeldFile, ConcurrentChangesAreAllKept) {
-  const test::TemporaryFolder folder;
-  const auto append = [&](char letter) {
-    for (int i = 0; i < 50; ++i) {
-      Status status;
-      do {
-        status = ChangeFile(folder / "f", IfMissing::kCreate, [&](std::string_view old) {
-          return std::optional<std::string>(std::string(old) + letter);
-        });
-      } while (status.failure == Failure::kSharingViolation);
-      EXPECT_TRUE(status.ok());
-    }
-  };
-  std::vector<std::thread> threads;
-  for (const char letter : {'a', 'b', 'c'}) threads.emplace_back(append, letter);
-  for (auto& thread : threads) thread.join();
-  const std::string bytes = test::ReadBytes(folder / "f");
-  for (const char letter : {'a', 'b', 'c'}) {
-    EXPECT_EQ(std::count(bytes.begin(), bytes.end(), letter), 50) << letter;
-  }
-  EXPECT_EQ(folder.Names(), std::set<std::string>{"f"});
 }
 
 TEST(HeldFile, ALinkKeepsPointing) {

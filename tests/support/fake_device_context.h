@@ -83,7 +83,6 @@ class FakeContext : public Interface {
   }
   uint32_t GetGlyphOutline(char32_t ch, uint32_t, GlyphMetrics* wanted, uint32_t size, void* buffer,
                            const Mat2& matrix) override {
-    ++outline_calls;
     last_matrix = matrix;
     const auto found = glyphs.find(ch);
     if (found == glyphs.end()) return kGdiError;
@@ -113,7 +112,6 @@ class FakeContext : public Interface {
   std::vector<LogFont> created;
   std::vector<Drawn> drawn;
   Mat2 last_matrix;
-  int outline_calls = 0;
   uint32_t shrinks_between_calls = 0;
 
  private:

@@ -15,15 +15,11 @@ class FileHolder {
  public:
   // `milliseconds` is when it lets go by itself; 0: never.
   FileHolder(const std::filesystem::path& file, HoldKind kind, unsigned milliseconds = 0);
-  ~FileHolder();
-  FileHolder(const FileHolder&) = delete;
-  FileHolder& operator=(const FileHolder&) = delete;
 
-  void Release();
+  void Release() { hold_.reset(); }
 
  private:
-  class Hold;
-  std::unique_ptr<Hold> hold_;
+  std::shared_ptr<void> hold_;  // what holds the file, until it ends
 };
 
 }  // namespace kerno::test

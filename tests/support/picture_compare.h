@@ -32,21 +32,17 @@ struct Picture {
   }
 };
 
-inline Picture PictureOf(const BitmapSurface& surface) {
-  Picture picture{surface.Width(), surface.Height(), {}};
-  const std::span<const uint8_t> pixels = surface.Pixels();
-  for (size_t i = 0; i < pixels.size(); i += 4) {
-    for (const size_t c : {2, 1, 0}) picture.rgb.push_back(pixels[i + c]);
-  }
-  return picture;
-}
-
 // Our own picture of a drawing, on white.
 inline Picture Drawn(const PartsA& model, int width, int height, const Affine& fit,
                      const DrawOptions& options = {}) {
   const auto surface = CreateBitmapSurface(width, height, 0xFFFFFF);
   DrawParts(surface->Context(), model, fit, options);
-  return PictureOf(*surface);
+  Picture picture{width, height, {}};
+  const std::span<const uint8_t> pixels = surface->Pixels();
+  for (size_t i = 0; i < pixels.size(); i += 4) {
+    for (const size_t c : {2, 1, 0}) picture.rgb.push_back(pixels[i + c]);
+  }
+  return picture;
 }
 
 // Any picture that ImageMagick reads, on white.

@@ -18,15 +18,13 @@ namespace kerno::test {
 class RecordingView final : public DialogView {
  public:
   std::u16string text, format_face, status;
-  Color format_color = 0;
   StatusKind status_kind = StatusKind::kNormal;
   std::vector<std::u16string> messages;
-  std::function<void()> close_message;  // as the user does with the last one
   std::map<ControlId, std::u16string> texts;
   std::map<ControlId, bool> checked, enabled;
   std::map<ControlId, std::pair<std::vector<ColorChoice>, size_t>> colors;
   std::map<MenuCommand, bool> menu;
-  int formats = 0, repaints = 0, due_calls = 0, progress_calls = 0;
+  int due_calls = 0, progress_calls = 0;
   bool closed_progress = false;
   std::optional<std::filesystem::path> folder_answer;
   std::vector<std::filesystem::path> font_files;
@@ -35,11 +33,7 @@ class RecordingView final : public DialogView {
   WindowPlace placed;  // where it was put
 
   void ShowText(std::u16string_view shown, TextChange) override { text = shown; }
-  void ShowTextFormat(std::u16string_view face, Color color) override {
-    ++formats;
-    format_face = face;
-    format_color = color;
-  }
+  void ShowTextFormat(std::u16string_view face, Color) override { format_face = face; }
   void ShowFaces(const std::vector<std::u16string>&) override {}
   void ShowControlText(ControlId id, std::u16string_view shown) override { texts[id] = shown; }
   void ShowChecked(ControlId id, bool on) override { checked[id] = on; }
@@ -53,10 +47,9 @@ class RecordingView final : public DialogView {
     status = shown;
     status_kind = kind;
   }
-  void RepaintPreview() override { ++repaints; }
-  void ShowMessage(std::u16string_view shown, std::function<void()> closed) override {
+  void RepaintPreview() override {}
+  void ShowMessage(std::u16string_view shown, std::function<void()>) override {
     messages.emplace_back(shown);
-    close_message = std::move(closed);
   }
   Continue ShowProgress(std::u16string_view, double) override {
     ++progress_calls;

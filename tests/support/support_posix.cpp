@@ -36,29 +36,18 @@ std::string OutputOf(const std::string& command, int status) {
   return output;
 }
 
-class FileHolder::Hold {
- public:
-  Hold(const std::filesystem::path& file, HoldKind kind, unsigned milliseconds)
-      : process_({KERNO_PYTHON, "-c",
-                  "import fcntl, sys, time\n"
-                  "f = open(sys.argv[1], 'r+b')\n"
-                  "getattr(fcntl, sys.argv[2])(f, fcntl.LOCK_EX)\n"
-                  "print('held', flush=True)\n"
-                  "time.sleep(float(sys.argv[3]) / 1000)\n",
-                  file.native(), kind == HoldKind::kWholeFile ? "flock" : "lockf",
-                  std::to_string(milliseconds ? milliseconds : 1000000)}) {
-    EXPECT_EQ(process_.ReadLine(), "held");
-  }
-
- private:
-  ChildProcess process_;
-};
-
-FileHolder::FileHolder(const std::filesystem::path& file, HoldKind kind, unsigned milliseconds)
-    : hold_(std::make_unique<Hold>(file, kind, milliseconds)) {}
-FileHolder::~FileHolder() = default;
-void FileHolder::Release() {
-  hold_.reset();
+FileHolder::FileHolder(const std::filesystem::path& file, HoldKind kind, unsigned milliseconds) {
+  const auto process = std::make_shared<ChildProcess>(
+      std::vector<std::string>{KERNO_PYTHON, "-c",
+                               "import fcntl, sys, time\n"
+                               "f = open(sys.argv[1], 'r+b')\n"
+                               "getattr(fcntl, sys.argv[2])(f, fcntl.LOCK_EX)\n"
+                               "print('held', flush=True)\n"
+                               "time.sleep(float(sys.argv[3]) / 1000)\n",
+                               file.native(), kind == HoldKind::kWholeFile ? "flock" : "lockf",
+                               std::to_string(milliseconds ? milliseconds : 1000000)});
+  EXPECT_EQ(process->ReadLine(), "held");
+  hold_ = process;
 }
 
 }  // namespace kerno::test

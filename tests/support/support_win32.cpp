@@ -105,39 +105,16 @@ PrivateRegistry::~PrivateRegistry() {
   }
 }
 
-class FileHolder::Hold {
- public:
-  explicit Hold(const std::filesystem::path& file)
-      : handle_(CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                            FILE_ATTRIBUTE_NORMAL, nullptr)) {
-    EXPECT_NE(handle_, INVALID_HANDLE_VALUE) << file;
-  }
-  ~Hold() {
-    if (timer_.joinable()) timer_.join();
-    if (handle_ != INVALID_HANDLE_VALUE) CloseHandle(handle_);
-  }
-  Hold(const Hold&) = delete;
-  Hold& operator=(const Hold&) = delete;
-
-  void ReleaseAfter(unsigned milliseconds) {
-    timer_ = std::thread([this, milliseconds] {
-      Sleep(milliseconds);
-      CloseHandle(std::exchange(handle_, INVALID_HANDLE_VALUE));
-    });
-  }
-
- private:
-  HANDLE handle_;
-  std::thread timer_;
-};
-
 FileHolder::FileHolder(const std::filesystem::path& file, HoldKind /*kind*/, unsigned milliseconds)
-    : hold_(std::make_unique<Hold>(file)) {
-  if (milliseconds) hold_->ReleaseAfter(milliseconds);
-}
-FileHolder::~FileHolder() = default;
-void FileHolder::Release() {
-  hold_.reset();
+    : hold_(CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                        FILE_ATTRIBUTE_NORMAL, nullptr),
+            CloseHandle) {
+  EXPECT_NE(hold_.get(), INVALID_HANDLE_VALUE) << file;
+  if (!milliseconds) return;
+  hold_ = std::make_shared<std::jthread>([hold = hold_, milliseconds]() mutable {
+    Sleep(milliseconds);
+    hold.reset();
+  });
 }
 
 }  // namespace kerno::test

@@ -16,10 +16,4 @@ struct ShownText {
   Color paper = 0;
 };
 
-struct ShownList {
-  int window_bottom = 0, top = 0, item_height = 0;  // in the window's pixels
-  int rows = 0;                                     // at most seen at once
-  std::vector<std::u16string> items;
-};
-
 }  // namespace kerno::test

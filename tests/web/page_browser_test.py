@@ -5,9 +5,8 @@ usage: page_browser_test.py WRITE_PAGE
 
 WRITE_PAGE BASE TEXT FACE HEIGHT writes the page of the outputs that begin with BASE.
 """
-import base64
-import fcntl
 import functools
+import html
 import http.server
 import json
 import os
@@ -24,100 +23,27 @@ WRITE_PAGE = ""
 ATTACK = '</script><img src=x onerror="window.attacked=1"><script>window.attacked=2</script>\' & <b>'
 SVG = '<svg xmlns="http://www.w3.org/2000/svg" width="200" height="100"><path d="M10 90 L60 10"/></svg>'
 KINDS = ("svg", "bmp", "dxf", "emf", "ipx", "ipl", "rtf")
-# In the page: the numbers of the pictures that can be seen and of the dots that are marked.
-SHOWN = """[['.slides > li', (s) => s.checkVisibility()],
-            ['.dots button', (d) => d.getAttribute('aria-current') === 'true']].map(([all, is]) =>
-    [...document.querySelectorAll(all)].flatMap((one, i) => is(one) ? [i + 1] : []))"""
-# Which pictures the page shows, and how wide they are of themselves, once they are loaded.
-PICTURES = """Promise.all([...document.images].map((i) => i.decode().catch(() => 0))).then(() =>
-    [...document.images].map((i) => [i.currentSrc.split('.').pop(), i.naturalWidth]))"""
-
-
-class Browser:
-    """One page of headless Chromium, driven over its pipe."""
-
-    def __init__(self):
-        self.folder = tempfile.TemporaryDirectory(prefix="kerno-browser-", ignore_cleanup_errors=True)
-        theirs, self.to = os.pipe()
-        ours, back = os.pipe()
-        self.answers = os.fdopen(ours, "rb")
-
-        def give_ends():  # as 3 and 4, where Chromium expects them
-            high = [fcntl.fcntl(end, fcntl.F_DUPFD, 10) for end in (theirs, back)]
-            for end, number in zip(high, (3, 4)):
-                os.dup2(end, number)
-
-        self.process = subprocess.Popen(
-            ["chromium", "--headless=new", "--remote-debugging-pipe", "--no-sandbox", "--disable-gpu",
-             "--no-first-run", "--disable-background-networking", "--disable-dev-shm-usage",
-             "--no-proxy-server", f"--user-data-dir={self.folder.name}"],
-            close_fds=False, preexec_fn=give_ends, stderr=subprocess.DEVNULL)
-        os.close(theirs)
-        os.close(back)
-        self.session, self.number, self.events = None, 0, []
-        target = self.send("Target.createTarget", url="about:blank")["targetId"]
-        self.session = self.send("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
-        for domain in ("Page", "Log", "Network", "Runtime"):
-            self.send(domain + ".enable")
-
-    def message(self):
-        text = bytearray()
-        while (byte := self.answers.read(1)) != b"\0":
-            if not byte:
-                raise EOFError("Chromium ended")
-            text += byte
-        return json.loads(text)
-
-    def send(self, method, **params):
-        self.number += 1
-        wanted = {"id": self.number, "method": method, "params": params}
-        os.write(self.to, json.dumps(wanted | ({"sessionId": self.session} if self.session else {})
-                                     ).encode() + b"\0")
-        while (answer := self.message()).get("id") != self.number:
-            self.events.append(answer)
-        if "error" in answer:
-            raise RuntimeError(answer["error"])
-        return answer["result"]
-
-    def told(self, *methods):
-        return [event["params"] for event in self.events if event["method"] in methods]
-
-    def run(self, expression):
-        done = self.send("Runtime.evaluate", expression=expression, returnByValue=True, awaitPromise=True)
-        if "exceptionDetails" in done:
-            raise RuntimeError(done["exceptionDetails"])
-        return done["result"].get("value")
-
-    def open(self, url):
-        self.events.clear()
-        self.send("Page.navigate", url=url)
-        while not self.told("Page.loadEventFired"):
-            self.events.append(self.message())
-        return self.run(PICTURES)
-
-    def press(self, key):
-        for kind in ("rawKeyDown", "keyUp"):
-            self.send("Input.dispatchKeyEvent", type=kind, key=key)
-
-    def swipe(self, distance):
-        x, y = self.run("(b => [b.x + b.width / 2, b.y + b.height / 2])("
-                        "document.querySelector('.slides').getBoundingClientRect())")
-        for kind, at in (("touchStart", [x]), ("touchMove", [x + distance]), ("touchEnd", [])):
-            self.send("Input.dispatchTouchEvent", type=kind, touchPoints=[{"x": x, "y": y} for x in at])
-
-    def close(self):
-        self.process.kill()
-        self.process.wait()
-        self.answers.close()
-        os.close(self.to)
-        self.folder.cleanup()
+# A page around the page under test, which uses it and tells in its title what came of it.
+FRAME = """<script>onload = async () => {
+  const page = frames[0], d = page.document, all = (s) => [...d.querySelectorAll(s)];
+  const pictures = async () => (await Promise.all([...d.images].map((i) => i.decode().catch(() => 0))),
+      [...d.images].map((i) => [i.currentSrc.split('.').pop(), i.naturalWidth]));
+  const shown = () => [['.slides > li', (s) => s.checkVisibility()],
+                       ['.dots button', (b) => b.getAttribute('aria-current') === 'true']].map(
+      ([what, is]) => all(what).flatMap((one, i) => is(one) ? [i + 1] : []));
+  const press = (key) => d.activeElement.dispatchEvent(new page.KeyboardEvent('keydown', {key, bubbles: true}));
+  const click = (what) => { all(what)[0].focus(); all(what)[0].click(); };
+  const swipe = (way) => [['touchstart', 0], ['touchend', way]].forEach(([kind, clientX]) => {
+    const touch = new page.Touch({identifier: 1, target: all('.slides')[0], clientX, clientY: 0});
+    touch.target.dispatchEvent(new page.TouchEvent(kind, {changedTouches: [touch], bubbles: true,
+                                                          touches: kind === 'touchend' ? [] : [touch]}));
+  });
+  await pictures();
+  document.title = JSON.stringify(await (%s));
+};</script><iframe width=800 height=800 src="%s"></iframe>"""
 
 
 class PageTest(unittest.TestCase):
-    def setUp(self):
-        self.browser = Browser()
-        self.addCleanup(self.browser.close)
-
     def make(self, base, text, face="DejaVu Sans", svg=SVG, kinds=KINDS):
         """The page of a run in a folder of its own."""
         folder = tempfile.TemporaryDirectory(prefix="kerno-page-")
@@ -131,111 +57,72 @@ class PageTest(unittest.TestCase):
         subprocess.run([WRITE_PAGE, start, text, face, "100"], check=True)
         return pathlib.Path(start + ".html")
 
-    def open(self, *run, **more):
-        page = self.make(*run, **more)
-        return page, self.browser.open("file://" + urllib.parse.quote(str(page)))
-
-    def assert_quiet(self):
-        self.assertEqual(self.browser.told("Log.entryAdded", "Runtime.exceptionThrown",
-                                           "Runtime.consoleAPICalled"), [])
+    def ask(self, page, question, where="file://", script=True):
+        """What the page answers to a question in JavaScript, and nothing in the console."""
+        sandbox = "" if script else " sandbox='allow-same-origin'"
+        frame = page.parent / "frame.html"
+        frame.write_text(FRAME % (question, urllib.parse.quote(page.name) + '"' + sandbox + ' title="'))
+        where += urllib.parse.quote(str(frame)) if where == "file://" else frame.name
+        with tempfile.TemporaryDirectory(prefix="kerno-browser-", ignore_cleanup_errors=True) as profile:
+            done = subprocess.run(
+                ["chromium", "--headless=new", "--no-sandbox", "--disable-gpu", "--no-first-run",
+                 "--disable-background-networking", "--disable-dev-shm-usage", "--no-proxy-server",
+                 "--allow-file-access-from-files", "--enable-logging=stderr", "--touch-events=enabled",
+                 "--virtual-time-budget=5000", f"--user-data-dir={profile}", "--dump-dom", where],
+                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        if script:
+            self.assertNotIn("CONSOLE", done.stderr)
+        return json.loads(html.unescape(re.search("<title>(.*?)</title>", done.stdout, re.S)[1]))
 
     def test_slider_turns_by_keys_clicks_and_touch(self):
-        _, pictures = self.open("a_100_b", "text")
-        self.assertEqual(pictures, [["svg", 200], ["bmp", 60]])
-
-        def click(selector):
-            self.browser.run(f"(b => {{ b.focus(); b.click(); }})(document.querySelector('{selector}'))")
-
-        steps = [(self.browser.press, "ArrowRight", 2), (self.browser.press, "ArrowRight", 1),
-                 (self.browser.press, "ArrowLeft", 2), (click, ".next", 1), (click, ".previous", 2),
-                 (self.browser.press, "Home", 1), (self.browser.press, "End", 2),
-                 (click, ".dots button:nth-child(1)", 1), (click, ".dots button:nth-child(2)", 2),
-                 (self.browser.swipe, 150, 1), (self.browser.swipe, -150, 2), (self.browser.swipe, -10, 2)]
-        for act, what, expected in steps:
-            act(what)
-            self.assertEqual(self.browser.run(SHOWN), [[expected]] * 2, what)
-        self.assertEqual(self.browser.run("document.querySelector('[role=status]').textContent"),
-                         "Picture 2 of 2: a_100_b.bmp")
-        self.assert_quiet()
+        steps = [("press('ArrowRight')", 2), ("press('ArrowRight')", 1), ("press('ArrowLeft')", 2),
+                 ("click('.next')", 1), ("click('.previous')", 2), ("press('Home')", 1), ("press('End')", 2),
+                 ("click('.dots button')", 1), ("swipe(-150)", 2), ("swipe(150)", 1), ("swipe(10)", 1)]
+        answers = self.ask(self.make("a_100_b", "text"), "[" + ",".join(
+            f"({step}, shown())" for step, _ in steps) + ", all('[role=status]')[0].textContent]")
+        self.assertEqual(answers.pop(), "Picture 1 of 2: a_100_b.svg")
+        for (step, expected), answer in zip(steps, answers, strict=True):
+            self.assertEqual(answer, [[expected]] * 2, step)
 
     def test_texts_that_attack_are_shown_and_the_page_is_valid(self):
         name = "a';\"<img src=x onerror=alert(1)>&amp;#?%41 \\"
         for base, text, face in [(name, ATTACK, ATTACK), ("永遠", "う\r\nう\x01", "IPAMincho"),
-                                 ("ends", '"><!--', "--> ]]> \u202e {{x}} ${y}")]:
-            page, pictures = self.open(base, text, face)
-            self.assertEqual(pictures, [["svg", 200], ["bmp", 60]], base)
+                                 ("javascript:alert(1)", '"><!--', "--> ]]> \u202e {{x}} ${y}")]:
+            page = self.make(base, text, face)
+            told = self.ask(page, "[await pictures(), all('h1')[0].textContent, page.attacked ?? 0,"
+                                  " d.scripts.length, all('[onerror], b').length,"
+                                  " all('tbody a').map((a) => a.textContent), all('tbody a').map((a) =>"
+                                  "    a.protocol + decodeURIComponent(a.pathname).split('/').pop()),"
+                                  " all('.source')[0].textContent, d.title]")
             shown = text.replace("\r", "").replace("\x01", "\ufffd")
-            self.assertEqual(self.browser.run(
-                "[document.querySelector('h1').textContent,"
-                " window.attacked ?? 0, document.scripts.length, document.images.length,"
-                " document.querySelectorAll('[onerror], b').length]"), [shown, 0, 1, 2, 0])
-            self.assertIn(face, self.browser.run("document.querySelector('.source').textContent"))
-            self.assertTrue(self.browser.run("document.title").startswith(shown.replace("\n", " ")[:75]))
-            self.assertEqual(self.browser.run(
-                "[...document.querySelectorAll('tbody a')].map((a) => a.textContent)"),
-                [f"{base}.{kind}" for kind in KINDS])
-            self.assert_quiet()
+            names = [f"{base}.{kind}" for kind in KINDS]
+            self.assertEqual(told[:7], [[["svg", 200], ["bmp", 60]], shown, 0, 1, 0, names,
+                                        ["file:" + name for name in names]])
+            self.assertIn(face, told[7])
+            self.assertTrue(told[8].startswith(shown.replace("\n", " ")[:75]))
             checked = subprocess.run(["tidy", "-q", "-e", "-utf8", page], stdout=subprocess.PIPE,
                                      stderr=subprocess.STDOUT, text=True)
             self.assertEqual((checked.returncode, checked.stdout), (0, ""))
 
     def test_nothing_is_asked_for_outside_the_folder(self):
         page = self.make("a b", ATTACK)
-        moved = page.parent.rename(str(page.parent) + "-moved")
-        self.addCleanup(lambda: moved.rename(page.parent))
-        handler = functools.partial(http.server.SimpleHTTPRequestHandler, directory=moved)
+        handler = functools.partial(http.server.SimpleHTTPRequestHandler, directory=page.parent)
         server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
         threading.Thread(target=server.serve_forever, daemon=True).start()
         self.addCleanup(server.server_close)
         self.addCleanup(server.shutdown)
-        for start in (f"http://127.0.0.1:{server.server_port}/", f"file://{moved}/"):
-            self.browser.open(start + "a%20b.html")
-            self.browser.press("ArrowRight")
-            asked = {sent["request"]["url"] for sent in self.browser.told("Network.requestWillBeSent")}
-            self.assertEqual(asked - {"data:,"}, {start + f"a%20b.{kind}" for kind in ("html", "svg", "bmp")})
-            self.assert_quiet()
-        links = self.browser.run("[...document.querySelectorAll('a')].map((a) => a.getAttribute('href'))")
-        for link, kind in zip(links, KINDS, strict=True):
-            self.assertEqual((moved / urllib.parse.unquote(link)).resolve(), moved / f"a b.{kind}")
+        start = f"http://127.0.0.1:{server.server_port}/"
+        asked = self.ask(page, "page.performance.getEntriesByType('resource').map((e) => e.name)", start)
+        self.assertEqual(set(asked) - {"data:,"}, {start + f"a%20b.{kind}" for kind in ("svg", "bmp")})
 
     def test_pictures_that_are_missing_and_no_script(self):
         for more, pictures in [({"svg": "<svg"}, [["bmp", 60], ["bmp", 60]]),
                                ({"kinds": KINDS[1:]}, [["bmp", 60]]), ({"kinds": KINDS[2:]}, [])]:
-            self.open("a", "text", **more)
-            self.assertEqual(self.browser.run(PICTURES), pictures)
-            self.assertEqual(self.browser.run(SHOWN)[0], [1] if pictures else [])
-        self.assertIsNone(self.browser.run("document.getElementById('pictures')"))
-        self.browser.send("Emulation.setScriptExecutionDisabled", value=True)
-        self.open("a", "text")
-        self.assertEqual(self.browser.run(SHOWN)[0], [1, 2])
-        self.assertFalse(self.browser.run("document.querySelector('.turn').checkVisibility()"))
-
-    def test_readers_are_told_what_there_is(self):
-        self.open("a", "うたう", "IPAMincho")
-        nodes = self.browser.send("Accessibility.getFullAXTree")["nodes"]
-        told = {(n["role"]["value"], n.get("name", {}).get("value", ""))
-                for n in nodes if not n.get("ignored")}
-        self.assertLessEqual(
-            {("heading", "うたう"), ("region", "Pictures"), ("table", "Files"),
-             ("image", "うたう (SVG drawing)"), ("button", "Previous picture"), ("button", "Next picture"),
-             ("button", "Picture 2"), ("columnheader", "Kind"), ("rowheader", "a.dxf"), ("link", "a.dxf")},
-            told)
-        self.assertFalse({("button", ""), ("image", "")} & told)
-
-    def test_it_fits_narrow_and_wide_windows_and_one_printed_page(self):
-        for base, text, face in [("n" * 200, "M" * 5000, "F" * 300), ("attack", ATTACK, "DejaVu Sans")]:
-            self.open(base, text, face)
-            backs = set()
-            for width, scheme in ((320, "light"), (1280, "dark")):
-                self.browser.send("Emulation.setDeviceMetricsOverride", width=width, height=900,
-                                  deviceScaleFactor=1, mobile=False)
-                self.browser.send("Emulation.setEmulatedMedia",
-                                  features=[{"name": "prefers-color-scheme", "value": scheme}])
-                self.assertLessEqual(self.browser.run("document.scrollingElement.scrollWidth"), width)
-                backs.add(self.browser.run("getComputedStyle(document.body).backgroundColor"))
-            self.assertEqual(len(backs), 2)
-            pdf = base64.b64decode(self.browser.send("Page.printToPDF", printBackground=True)["data"])
-            self.assertEqual(len(re.findall(rb"/Type\s*/Page\b", pdf)), 1, base)
+            told = self.ask(self.make("a", "text", **more), "[await pictures(), shown()[0]]")
+            self.assertEqual(told, [pictures, [1] if pictures else []])
+        told = self.ask(self.make("a", "text"), "[shown()[0], all('.turn')[0].checkVisibility()]",
+                        script=False)
+        self.assertEqual(told, [[1, 2], False])
 
 
 if __name__ == "__main__":

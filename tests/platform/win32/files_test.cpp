@@ -12,7 +12,6 @@
 #include "platform/held_file.h"
 #include "platform/private_profile.h"
 #include "platform/win32/handle.h"
-#include "platform/win32/long_path.h"
 #include "platform/win32/windows_api.h"
 #include "support/temporary_folder.h"
 
@@ -31,52 +30,6 @@ std::string ReadThroughSystem(const fs::path& file) {
   DWORD got = 0;
   EXPECT_TRUE(ReadFile(handle.get(), buffer.data(), buffer.size(), &got, nullptr)) << file;
   return {buffer.data(), got};
-}
-
-TEST(FolderPath, RootsAreNoLevels) {
-  const struct {
-    const wchar_t* path;
-    bool whole;
-    std::vector<fs::path> levels;
-  } rows[] = {
-      {L"C:\\", true, {}},
-      {L"C:", false, {}},
-      {L"C:\\a\\b", true, {L"C:\\a", L"C:\\a\\b"}},
-      {L"C:/a//b/", true, {L"C:/a", L"C:/a//b"}},
-      {L"C:a", false, {L"C:a"}},
-      {L"\\a", false, {L"\\a"}},
-      {L"a\\b", false, {L"a", L"a\\b"}},
-      {L"\\\\server", true, {}},
-      {L"\\\\server\\share", true, {}},
-      {L"\\\\server\\share\\a\\b", true, {L"\\\\server\\share\\a", L"\\\\server\\share\\a\\b"}},
-      {L"//server/share/a", true, {L"//server/share/a"}},
-      {L"\\\\?\\C:\\a", true, {L"\\\\?\\C:\\a"}},
-      {L"\\\\?\\UNC\\server\\share", true, {}},
-      {L"\\\\?\\unc\\server\\share\\a", true, {L"\\\\?\\unc\\server\\share\\a"}},
-      {L"", false, {}},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(IsWholePath(row.path), row.whole) << fs::path(row.path);
-    EXPECT_EQ(FolderLevels(row.path), row.levels) << fs::path(row.path);
-  }
-  EXPECT_EQ(WholePath(L"C:\\a\\.\\..\\b"), L"C:\\b");
-  EXPECT_EQ(WholePath(L"\\\\server\\share\\a\\..\\b"), L"\\\\server\\share\\b");
-}
-
-TEST(FolderPath, LongPathsGetThePrefix) {
-  const std::wstring name(120, L'n');
-  const std::wstring deep = name + L"\\" + name;
-  EXPECT_EQ(LongPath(L"C:\\a"), L"C:\\a");
-  EXPECT_EQ(LongPath(L"C:\\.\\" + deep).native(), L"\\\\?\\C:\\" + deep);
-  EXPECT_EQ(LongPath(L"\\\\s\\h\\" + deep).native(), L"\\\\?\\UNC\\s\\h\\" + deep);
-  EXPECT_EQ(LongPath(L"\\\\?\\C:\\" + deep).native(), L"\\\\?\\C:\\" + deep);
-  EXPECT_EQ(LongPath(L"NUL"), L"NUL");
-}
-
-TEST(FolderPath, NamesThatAreNoTextCanBeShown) {
-  EXPECT_EQ(PathBytes(L"a\\\u6C38\U0001F600"), "a\\\xE6\xB0\xB8\xF0\x9F\x98\x80");
-  EXPECT_EQ(PathBytes(std::wstring{L'a', wchar_t{0xD800}, L'z'}), "a\xEF\xBF\xBDz");
-  EXPECT_EQ(PathBytes({}), "");
 }
 
 TEST(FolderPath, FoldersAndFilesFarBeyondTheUsualLength) {

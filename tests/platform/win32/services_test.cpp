@@ -1,19 +1,14 @@
-// Registry, folders of the shell, launching and private folders against the system's own answers.
+// Registry, launching and private folders against the system's own answers.
 #include <aclapi.h>
 #include <gtest/gtest.h>
-#include <initguid.h>
-#include <knownfolders.h>
-#include <shlobj.h>
 
 #include <array>
 #include <string>
 #include <vector>
 
-#include "platform/font_faces.h"
 #include "platform/registry.h"
 #include "platform/shell.h"
 #include "platform/system.h"
-#include "platform/win32/special_folder.h"
 #include "platform/win32/windows_api.h"
 #include "support/private_registry.h"
 #include "support/temporary_folder.h"
@@ -86,62 +81,6 @@ TEST(Registry, TheSystemReadsWhatWasWrittenAndTheOtherWayRound) {
   RegCloseKey(key);
 }
 
-TEST(Registry, WhatIsMissingAndWhatHoldsOn) {
-  const test::PrivateRegistry registry;
-  Status why;
-  RegistryValue value;
-  value.type = RegistryType::kString;
-  EXPECT_EQ(QueryRegistry(RegistryRoot::kCurrentUser, kKey, u"x", &value), RegistryOutcome::kNoKey);
-  EXPECT_EQ(DeleteRegistryValue(RegistryRoot::kCurrentUser, kKey, u"x", &why),
-            RegistryOutcome::kNoKey);
-  value.type = RegistryType::kString;
-  EXPECT_EQ(SetRegistry(RegistryRoot::kCurrentUser, kKey, u"x", value, &why),
-            RegistryOutcome::kDone);
-  EXPECT_EQ(QueryRegistry(RegistryRoot::kCurrentUser, kKey, u"y", &value),
-            RegistryOutcome::kNoValue);
-  EXPECT_EQ(DeleteRegistryValue(RegistryRoot::kCurrentUser, kKey, u"y", &why),
-            RegistryOutcome::kNoValue);
-  EXPECT_EQ(DeleteRegistryKey(RegistryRoot::kCurrentUser, u"Software\\\u8A2D\u5B9A", &why),
-            RegistryOutcome::kFailed);
-  EXPECT_FALSE(why.ok());
-  EXPECT_EQ(DeleteRegistryKey(RegistryRoot::kCurrentUser, kKey, &why), RegistryOutcome::kDone);
-  EXPECT_EQ(DeleteRegistryKey(RegistryRoot::kCurrentUser, kKey, &why), RegistryOutcome::kNoKey);
-}
-
-TEST(SpecialFolder, BothRoutesAnswerWhatTheKnownFolderIs) {
-  const struct {
-    uint32_t id;
-    const KNOWNFOLDERID& known;
-  } rows[] = {
-      {0x05, FOLDERID_Documents},      {0x10, FOLDERID_Desktop},      {0x14, FOLDERID_Fonts},
-      {0x1A, FOLDERID_RoamingAppData}, {0x1C, FOLDERID_LocalAppData}, {0x24, FOLDERID_Windows},
-      {0x25, FOLDERID_System},         {0x26, FOLDERID_ProgramFiles}, {0x28, FOLDERID_Profile}};
-  for (const auto& row : rows) {
-    PWSTR path = nullptr;
-    ASSERT_EQ(SHGetKnownFolderPath(row.known, KF_FLAG_CREATE, nullptr, &path), S_OK) << row.id;
-    EXPECT_EQ(SpecialFolderPath(row.id, MissingFolder::kMake), fs::path(path)) << row.id;
-    EXPECT_EQ(SpecialFolderByItemList(row.id, MissingFolder::kMake), fs::path(path)) << row.id;
-    CoTaskMemFree(path);
-  }
-  EXPECT_EQ(SpecialFolderPath(0x7777, MissingFolder::kLeave), fs::path());
-  EXPECT_EQ(SpecialFolderByItemList(0x7777, MissingFolder::kLeave), fs::path());
-}
-
-TEST(System, PathsAreTheSystemsOwn) {
-  System& system = CurrentSystem();
-  std::array<wchar_t, 1000> buffer{};
-  GetModuleFileNameW(nullptr, buffer.data(), buffer.size());
-  EXPECT_EQ(system.ProgramPath(), fs::path(buffer.data()));
-  SetEnvironmentVariableW(L"KERNO_LONG", std::wstring(5000, L'\u6C38').c_str());
-  EXPECT_EQ(system.Environment(u"KERNO_LONG"), std::u16string(5000, u'\u6C38'));
-  SetEnvironmentVariableW(L"KERNO_LONG", L"");
-  EXPECT_EQ(system.Environment(u"KERNO_LONG"), u"");
-  SetEnvironmentVariableW(L"KERNO_LONG", nullptr);
-  EXPECT_EQ(system.Environment(u"KERNO_LONG"), std::nullopt);
-  EXPECT_TRUE(system.IsSystemPlace(L"c:\\WINDOWS\\.\\x\\y"));
-  EXPECT_FALSE(system.IsSystemPlace(L"C:\\windows2\\x"));
-}
-
 TEST(System, APrivateFolderIsForTheUserAndTheSystemAlone) {
   const test::TemporaryFolder root;
   for (const wchar_t* name : {L"new", L"present"}) {
@@ -169,17 +108,6 @@ TEST(System, APrivateFolderIsForTheUserAndTheSystemAlone) {
   test::WriteBytes(root / "file", "x");
   EXPECT_EQ(CurrentSystem().MakePrivateFolder(root / "file").failure, Failure::kAccessDenied);
   EXPECT_EQ(CurrentSystem().MakePrivateFolder(root / "no/folder").failure, Failure::kNotFound);
-}
-
-TEST(Shell, TellsWhyItRefuses) {
-  const test::TemporaryFolder folder;
-  const fs::path unknown = folder / "x.kerno-no-such-type";
-  test::WriteBytes(unknown, "x");
-  Shell& shell = CurrentShell();
-  EXPECT_EQ(shell.Execute({u"open", unknown, {}, {}}), SE_ERR_NOASSOC);
-  EXPECT_EQ(shell.Execute({u"open", folder / "missing.exe", {}, {}}), SE_ERR_FNF);
-  EXPECT_FALSE(shell.StartProcess({u"open", unknown, {u"a b"}, {}}));
-  EXPECT_FALSE(shell.StartProcess({u"open", folder / "missing.exe", {}, {}}));
 }
 
 // What a program of this file is started as by the test below: it writes its arguments down.
@@ -220,19 +148,6 @@ TEST(Shell, ArgumentsArriveAsTheyWere) {
   SetEnvironmentVariableW(L"KERNO_ARGUMENTS", nullptr);
   Sleep(100);  // the child's end, so that its files can be removed
   EXPECT_EQ(std::wstring(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / 2), wanted);
-}
-
-TEST(FontFaces, AFileThatBringsNothingNewIsKnownByItsNames) {
-  const fs::path file = L"Z:\\usr\\share\\fonts\\truetype\\dejavu\\DejaVuSans.ttf";
-  std::vector<std::u16string> names;
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_TRUE(AddFontFile(file, &names).ok());
-    EXPECT_EQ(names, std::vector<std::u16string>{u"DejaVu Sans"});
-  }
-  const test::TemporaryFolder folder;
-  test::WriteBytes(folder / "no.ttf", "this is no font");
-  EXPECT_FALSE(AddFontFile(folder / "no.ttf", &names).ok());
-  EXPECT_EQ(AddFontFile(folder / "missing.ttf", &names).failure, Failure::kNotFound);
 }
 
 }  // namespace

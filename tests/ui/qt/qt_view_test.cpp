@@ -29,17 +29,6 @@ TEST_F(QtViewTest, AnInputMethodComposesUndisturbed) {
   EXPECT_EQ(3u, view->presenter().item_count()) << "rebuilt on commit";
 }
 
-TEST_F(QtViewTest, ListsGoOnFromTheTextInTheirEdit) {
-  for (const ControlId typed : {ControlId::kHeightEdit, ControlId::kHeightList}) {
-    view->TypeOver(typed, u"25");
-    view->Press(ControlId::kHeightList, UserKey::kDown);
-    EXPECT_EQ(u"30", view->TextOf(ControlId::kHeightEdit));
-  }
-  view->TypeOver(ControlId::kFace, u"Other");
-  view->Press(ControlId::kFace, UserKey::kUp);
-  EXPECT_EQ(u"Plain", view->TextOf(ControlId::kFace));
-}
-
 }  // namespace
 }  // namespace kerno::test
 

@@ -17,8 +17,6 @@ enum class UserKey {
   kEnter = Qt::Key_Return,
   kEscape = Qt::Key_Escape,
   kUp = Qt::Key_Up,
-  kDown = Qt::Key_Down,
-  kF1 = Qt::Key_F1,
   kPlus = Qt::Key_Plus,
   kMinus = Qt::Key_Minus,
   kZero = Qt::Key_0,
@@ -38,10 +36,6 @@ class ViewDriver {
   DialogPresenter& presenter() { return window.presenter(); }
   bool IsShown(ControlId id) const { return Find<QWidget>(id) && Find<QWidget>(id)->isVisible(); }
   bool IsEnabled(ControlId id) const { return Find<QWidget>(id)->isEnabled(); }
-  ControlId Focused() const {
-    return static_cast<ControlId>(QApplication::focusWidget()->objectName().toInt());
-  }
-  std::u16string Title() const { return FromQString(window.windowTitle()); }
   std::u16string TextOf(ControlId id) const {
     for (const char* property : {"plainText", "currentText", "text"}) {
       const QVariant text = Find<QWidget>(id)->property(property);
@@ -59,25 +53,6 @@ class ViewDriver {
             color(is_text ? QPalette::Text : QPalette::WindowText),
             color(is_text ? QPalette::Base : QPalette::Window)};
   }
-  ShownList ListOf(ControlId id) const {
-    const auto* combo = Find<QComboBox>(id);
-    ShownList list{window.height(),
-                   combo->mapTo(&window, QPoint(0, 0)).y(),
-                   combo->view()->sizeHintForRow(0),
-                   combo->maxVisibleItems(),
-                   {}};
-    for (int i = 0; i < combo->count(); ++i) list.items.push_back(FromQString(combo->itemText(i)));
-    return list;
-  }
-  std::vector<Color> MiddleOfPreview() const {
-    const QImage image = Find<QWidget>(ControlId::kPreview)->grab().toImage();
-    std::vector<Color> row;
-    for (int x = 0; x < image.width(); ++x) {
-      row.push_back(FromQColor(image.pixelColor(x, image.height() / 2)));
-    }
-    return row;
-  }
-
   void Type(ControlId id, std::u16string_view text) {
     if (id == ControlId::kText) Text()->moveCursor(QTextCursor::End);
     QTest::keyClicks(Edit(id), ToQString(text));

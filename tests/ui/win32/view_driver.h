@@ -19,32 +19,10 @@ enum class UserKey {
   kEscape = VK_ESCAPE,
   kUp = VK_UP,
   kDown = VK_DOWN,
-  kF1 = VK_F1,
   kPlus = VK_ADD,
   kMinus = VK_SUBTRACT,
   kZero = '0',
 };
-
-// What the screen shows of a window, from the upper left corner row by row.
-inline std::vector<Color> PixelsOf(HWND window) {
-  RECT area{};
-  GetClientRect(window, &area);
-  BITMAPINFO info{};
-  info.bmiHeader = {sizeof info.bmiHeader, area.right, -area.bottom, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-  const HDC screen = GetDC(window);
-  const HDC copy = CreateCompatibleDC(screen);
-  const HBITMAP bitmap = CreateCompatibleBitmap(screen, area.right, area.bottom);
-  const HGDIOBJ before = SelectObject(copy, bitmap);
-  BitBlt(copy, 0, 0, area.right, area.bottom, screen, 0, 0, SRCCOPY);
-  SelectObject(copy, before);
-  std::vector<Color> pixels(static_cast<size_t>(area.right * area.bottom));
-  GetDIBits(copy, bitmap, 0, static_cast<UINT>(area.bottom), pixels.data(), &info, DIB_RGB_COLORS);
-  for (Color& p : pixels) p = RgbColor(p >> 16 & 0xFF, p >> 8 & 0xFF, p & 0xFF);
-  DeleteObject(bitmap);
-  DeleteDC(copy);
-  ReleaseDC(window, screen);
-  return pixels;
-}
 
 // Shows the window as the program does.
 class ViewDriver {
@@ -68,7 +46,6 @@ class ViewDriver {
   bool IsShown(ControlId id) const { return IsWindowVisible(Item(id)); }
   bool IsEnabled(ControlId id) const { return IsWindowEnabled(Item(id)); }
   ControlId Focused() const { return static_cast<ControlId>(GetDlgCtrlID(GetFocus())); }
-  std::u16string Title() const { return TextOfWindow(window); }
   std::u16string TextOf(ControlId id) const { return TextOfWindow(Item(id)); }
   ShownText LooksOf(ControlId id) const {
     if (id == ControlId::kStatus) {
@@ -86,27 +63,6 @@ class ViewDriver {
     Send(id, EM_SETBKGNDCOLOR, FALSE, static_cast<LPARAM>(paper));
     return {FromWide(format.szFaceName), format.crTextColor, paper};
   }
-  ShownList ListOf(ControlId id) const {
-    RECT client{};
-    GetClientRect(window, &client);
-    ShownList list{client.bottom,
-                   PlaceOf(Item(id)).top,
-                   static_cast<int>(Send(id, CB_GETITEMHEIGHT)),
-                   static_cast<int>(Send(id, CB_GETMINVISIBLE)),
-                   {}};
-    list.items = Rows(Item(id), ListKind::kComboBox);
-    return list;
-  }
-  std::vector<Color> MiddleOfPreview() const {
-    const HWND preview = Item(ControlId::kPreview);
-    RedrawWindow(preview, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-    RECT area{};
-    GetClientRect(preview, &area);
-    const std::vector<Color> pixels = PixelsOf(preview);
-    const auto middle = pixels.begin() + area.bottom / 2 * area.right;
-    return {middle, middle + area.right};
-  }
-
   void Type(ControlId id, std::u16string_view text) {
     SendMessageW(Edit(id), EM_SETSEL, 0x7FFFFFF, 0x7FFFFFF);
     TypeHere(id, text);

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include <functional>
-#include <set>
 
 #include "support/recording_view.h"
 #include "view_driver.h"
@@ -47,26 +46,8 @@ class WindowsViewTest : public testing::Test {
   std::unique_ptr<ViewDriver> view;
 };
 
-// The numbers and kinds by which other programs find the controls.
-TEST_F(WindowsViewTest, EveryControlHasItsNumberAndKind) {
-  const std::pair<const wchar_t*, std::vector<int>> kinds[] = {
-      {L"Button", {1, 2, 1002, 32087, 1001, 32088, 32089, 32066, 32201, 1017, 1007, 1016}},
-      {L"RICHEDIT50W", {1003}},
-      {L"ComboBox", {1006, 1008, 1009, 1010}},
-      {L"Edit", {1014}},
-      {L"msctls_updown32", {1015}},
-      {L"Static", {1000, 1011, 1012, 1013}},
-  };
+TEST_F(WindowsViewTest, TheSystemMenuTellsTheVersion) {
   Show();
-  for (const auto& [kind, ids] : kinds) {
-    for (const int id : ids) {
-      wchar_t name[64] = {};
-      GetClassNameW(GetDlgItem(view->window, id), name, 64);
-      EXPECT_EQ(0, _wcsicmp(kind, name)) << id;
-    }
-  }
-  EXPECT_EQ(0xFC182710, static_cast<DWORD>(view->Send(ControlId::kHeightSpin, UDM_GETRANGE)));
-  EXPECT_EQ(0xA0001, view->Send(ControlId::kText, EM_GETEVENTMASK) & 0xA0001);
   wchar_t entry[64] = {};
   GetMenuStringW(GetSystemMenu(view->window, FALSE), 16, entry, 64, MF_BYCOMMAND);
   EXPECT_STREQ(L"ﾊﾞｰｼﾞｮﾝ情報(&A)...", entry);
@@ -102,22 +83,6 @@ TEST_F(WindowsViewTest, ControlsKeepClearOfEachOtherAtEverySize) {
   ExpectTidyLayout("restored");
 }
 
-TEST_F(WindowsViewTest, NoControlIsPaintedOverWhenTheSizeChanges) {
-  Show();
-  constexpr ControlId kMoving[] = {ControlId::kPaste, ControlId::kVertical, ControlId::kHeightLabel,
-                                   ControlId::kHeightEdit, ControlId::kQuit};
-  std::vector<std::vector<Color>> before;
-  for (const ControlId id : kMoving) before.push_back(PixelsOf(view->Item(id)));
-  EXPECT_GT(std::set<Color>(before[0].begin(), before[0].end()).size(), 1u) << "a caption";
-  for (const SIZE size : {SIZE{1200, 900}, {600, 900}, {700, 600}, {1200, 600}}) {
-    view->Place({0, 0, size.cx, size.cy});
-    for (size_t i = 0; i < std::size(kMoving); ++i) {
-      EXPECT_TRUE(before[i] == PixelsOf(view->Item(kMoving[i])))
-          << static_cast<int>(kMoving[i]) << " at " << size.cx << " by " << size.cy;
-    }
-  }
-}
-
 TEST_F(WindowsViewTest, TheKeyboardComesToTheEndOfTheTextAndSelectsNothing) {
   services.saved_text = u"A\nB";
   Show();
@@ -132,7 +97,7 @@ TEST_F(WindowsViewTest, PartsOfANameOfferTheFacesThatHoldThem) {
   using testing::ElementsAre;
   services.faces = {u"ＭＳ Mincho", u"Plain", u"Plain Gothic", u"Gothic"};  // without order
   Show();
-  EXPECT_THAT(view->ListOf(ControlId::kFace).items,
+  EXPECT_THAT(ViewDriver::Rows(view->Item(ControlId::kFace), ListKind::kComboBox),
               ElementsAre(u"Gothic", u"ＭＳ Mincho", u"Plain", u"Plain Gothic"));
   const auto offered = [&] {
     const HWND list = FindWindowExW(nullptr, nullptr, L"ListBox", L"");
