@@ -72,6 +72,15 @@ VERTICAL = [
     ("IPAMincho", 100, MIXED, ["--vertical", "--weight", "700"]),
 ]
 
+# Drawings for machines: (face, text, more options), written as DXF, SVG and EMF, equal in every byte.
+CUT_TEXTS = {"DejaVu Sans": [LATIN, ACCENTS, "AVATAR fi ffl", "Boing 8&@gQ"],
+             "DejaVu Serif": ["Öffnungszeiten 9–17 h", GREEK, "سلام"], "DejaVu Sans Mono": [LATIN],
+             "IPAMincho": [KANJI, KANA, MIXED], "IPAPGothic": [KANJI, MARKS]}
+CUT_OPTIONS = [[], ["--fit", "120mm", "--slant", "12", "--angle", "30"], ["--letter-spacing", "-2mm"],
+               ["--offset", "0.15", "--unit", "in"], ["--curves", "curves", "--mirror"]]
+CUT_CASES = [(face, text, options) for face, texts in CUT_TEXTS.items() for text in texts
+             for options in CUT_OPTIONS] + [("IPAGothic", text, ["--vertical"]) for text in (KANA, KANJI, MARKS)]
+
 # A bitmap of a drawing larger than this is left out: it shows nothing that a smaller one does not.
 MOST_PIXELS = 120_000
 # The share of inked pixels that may be unlike (4.3 % are, at most), and how many of them besides:
@@ -217,6 +226,21 @@ def check(case, programs, formats):
     return found, share
 
 
+def check_cut(case, programs):
+    """What differs in one drawing for a machine, a line each."""
+    face, text, options = case
+    with tempfile.TemporaryDirectory() as folder:
+        folders = [pathlib.Path(folder) / name for name in ("linux", "windows")]
+        for program, there in zip(programs, folders):
+            there.mkdir()
+            files = [word for name in ("dxf", "svg", "emf") for word in ("-o", str(there / f"cut.{name}"))]
+            code, _, err = run(program + ["cut", "--quiet", "--text", text, "--face", face] + options + files)
+            if code != 0:
+                return [f"cut: exit {code}: {err.strip()}"]
+        return [f"cut: {name} is not the same" for name in ("dxf", "svg", "emf")
+                if (folders[0] / f"cut.{name}").read_bytes() != (folders[1] / f"cut.{name}").read_bytes()]
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("kerno")
@@ -244,6 +268,12 @@ def main():
                       + (f", {100 * share:.2f} % unlike pixels" if share is not None else ""))
             for line in found:
                 print(f"    {line}")
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        for case, found in zip(CUT_CASES, pool.map(lambda case: check_cut(case, programs), CUT_CASES)):
+            failures += bool(found)
+            for line in found:
+                print(f"DIFFERS: {case}\n    {line}")
+    print(f"{len(CUT_CASES)} drawings for machines in dxf, svg and emf")
     print(f"{len(CASES)} horizontal and {len(VERTICAL)} vertical cases, {failures} differ; compared: "
           f"{', '.join(['contours'] + formats)}; {len(shares)} pairs of bitmaps, "
           f"{100 * sum(shares) / max(len(shares), 1):.2f} % of the inked pixels unlike on average")

@@ -104,7 +104,7 @@ TEST_F(ProfileStoreTest, ConvertsFilesOnceAndLosesNothing) {
       {"", u""},
       {"[A]\nk=\xE6\x97\xA5\n", u"[A]\nk=日\n"},
       {"\xEF\xBB\xBF[A]\nk=\xC3\xA4", u"[A]\nk=ä"},
-      {"; \x93\xFA\r\n\r\n[A]\r\n k = \x8C\xEA", u"; 日\r\n\r\n[A]\r\n k = 語"}};
+      {"; \x93\xFA\r\n[A]\r\nk=\x8C\xEA", u"; 日\r\n[A]\r\nk=語"}};
   for (const auto& [bytes, rest] : kCases) {
     WriteIni(bytes);
     { IniStore store(u"Quenkit"); }
