@@ -220,7 +220,7 @@ void DialogPresenter::Rebuild() {
   parts_ = {};
   parts_are_stale_ = true;
   try {
-    SetTextAnew();
+    MakeContours();
   } catch (const std::bad_alloc&) {
     contours_ = {};
     ShowStatus(u"There is not enough memory for this text.", StatusKind::kFailure);
@@ -230,7 +230,7 @@ void DialogPresenter::Rebuild() {
   last_cost_ = CurrentClock().Ticks() - start;
 }
 
-void DialogPresenter::SetTextAnew() {
+void DialogPresenter::MakeContours() {
   Job job;
   job.text.text = WithCrLf(text_);
   job.text.face = Face();

@@ -98,7 +98,7 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void FirstColorSelected(size_t index);
   void Changed();
   void Rebuild();
-  void SetTextAnew();
+  void MakeContours();
   void ShowDrawing();
   void ShowTextFormat();
   void ShowColors();

@@ -91,6 +91,7 @@ ExitStatus Main(const std::vector<std::string>& arguments) {
   const bool has_word = arguments.size() > 1 && !arguments[1].empty() && arguments[1][0] != '-';
   if (has_word && !FindCommand(app, arguments[1])) return ReportUnknown(app, arguments[1]);
   std::vector<const char*> argv;
+  argv.reserve(arguments.size());
   for (const std::string& argument : arguments) argv.push_back(argument.c_str());
   try {
     app.parse(static_cast<int>(argv.size()), argv.data());
