@@ -10,20 +10,21 @@ namespace kerno {
 namespace {
 
 // A context that works with its stock font has no font object to keep a cache with.
-GlyphCache& Unkept(const TextMetrics& metrics, CellPose pose) {
+GlyphCache& Unkept(const TextMetrics& metrics, const LayoutOptions& options) {
   static std::unique_ptr<GlyphCache> last;
-  last = std::make_unique<GlyphCache>(metrics, pose);
+  last = std::make_unique<GlyphCache>(metrics, options);
   return *last;
 }
 
 }  // namespace
 
-GlyphCache& GlyphCache::Of(DeviceContext& dc, const TextMetrics& metrics, CellPose pose) {
+GlyphCache& GlyphCache::Of(DeviceContext& dc, const TextMetrics& metrics,
+                           const LayoutOptions& options) {
   Font* font = dc.SelectedFont();
-  if (!font) return Unkept(metrics, pose);
+  if (!font) return Unkept(metrics, options);
   auto cache = std::static_pointer_cast<GlyphCache>(font->derived);
-  if (!cache || !(cache->pose_ == pose)) {
-    cache = std::make_shared<GlyphCache>(metrics, pose);
+  if (!cache || !(cache->options_ == options)) {
+    cache = std::make_shared<GlyphCache>(metrics, options);
     font->derived = cache;
   }
   return *cache;
@@ -43,18 +44,21 @@ const CachedGlyph& GlyphCache::Get(DeviceContext& dc, char32_t ch) {
   return *kept;
 }
 
-// Turned about its own middle, a narrow cell (a Latin letter on its side) would hang to the left of
-// the wide ones; and where the pen moves by whole cells it would reach into the one above.
-void GlyphCache::ApplyPose(CachedGlyph* glyph) const {
+// Turns a glyph about the middle of its cell, [0, advance] x [-tmDescent, tmAscent]. Turned about
+// its own middle, a narrow cell (a Latin letter on its side) would hang to the left of the wide
+// ones; so in a column the middles stand on one line, half an em from the pen. Where the pen moves
+// by whole cells a narrow one would reach into the one above; so each has its lower end where that
+// of a cell of one em would be.
+void GlyphCache::Turn(CachedGlyph* glyph) const {
   const P2 middle = {glyph->metrics.gmCellIncX * 0.5,
                      (metrics_.tmAscent - metrics_.tmDescent) * 0.5};
-  const Affine turn = Turned(pose_.angle, middle);
+  const Affine turn = Turned(options_.character_angle, middle);
   const double half_em = (metrics_.tmHeight - metrics_.tmInternalLeading) * 0.5;
-  const double inwards = pose_.column ? half_em - middle.x : 0;
+  const double inwards = options_.vertical ? half_em - middle.x : 0;
   for (P2& p : glyph->contours.points) {
     p = turn.Apply(p);
     p.x += inwards;
-    if (pose_.stacked) p.y -= inwards;
+    if (options_.pitch == VerticalPitch::kCell) p.y -= inwards;
   }
 }
 
@@ -63,10 +67,12 @@ CachedGlyph GlyphCache::Make(DeviceContext& dc, char32_t ch) const {
   CachedGlyph glyph;
   // A refused character leaves its metrics as they were.
   glyph.metrics.gmBlackBoxX = kUntouched;
-  GetGlyphContours(dc, ch, &glyph.metrics, &glyph.contours);
+  for (const Path& path : GetGlyphPaths(dc, ch, &glyph.metrics)) {
+    FlattenClassic(path, &glyph.contours);
+  }
   glyph.refused = glyph.metrics.gmBlackBoxX == kUntouched;
   if (glyph.refused) return glyph;
-  if (pose_.angle != 0) ApplyPose(&glyph);
+  if (options_.character_angle != 0) Turn(&glyph);
   if (!glyph.contours.points.empty()) glyph.ink_min = glyph.ink_max = glyph.contours.points[0];
   for (const P2& p : glyph.contours.points) {
     glyph.ink_min = {std::min(glyph.ink_min.x, p.x), std::min(glyph.ink_min.y, p.y)};

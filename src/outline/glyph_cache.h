@@ -7,22 +7,12 @@
 #include <unordered_map>
 
 #include "outline/glyph_contours.h"
+#include "outline/layout_options.h"
 #include "platform/device_context.h"
 
 namespace kerno {
 
-// How each character of a text is turned and set in its cell, [0, advance] x [-tmDescent,
-// tmAscent].
-struct CellPose {
-  double angle = 0;     // degrees, about the middle of the cell
-  bool column = false;  // turned cells have their middle on one line, half an em from the pen
-  // In a column: each cell has its lower end where that of a cell of one em would be.
-  bool stacked = false;
-
-  bool operator==(const CellPose&) const = default;
-};
-
-// Contours in the cache's pose, y up, the pen at the origin.
+// Contours as the cache's options have them, y up, the pen at the origin.
 struct CachedGlyph {
   GlyphMetrics metrics;
   GlyphContours contours;
@@ -32,11 +22,13 @@ struct CachedGlyph {
 
 class GlyphCache {
  public:
-  // The cache of the font selected into `dc`. It lives as long as the font, or until another pose
-  // is asked for.
-  static GlyphCache& Of(DeviceContext& dc, const TextMetrics& metrics, CellPose pose);
+  // The cache of the font selected into `dc`. It lives as long as the font, or until other options
+  // are asked for.
+  static GlyphCache& Of(DeviceContext& dc, const TextMetrics& metrics,
+                        const LayoutOptions& options);
 
-  GlyphCache(const TextMetrics& metrics, CellPose pose) : metrics_(metrics), pose_(pose) {}
+  GlyphCache(const TextMetrics& metrics, const LayoutOptions& options)
+      : metrics_(metrics), options_(options) {}
 
   // What the rasteriser refuses is not kept: its message is drawn each time. The reference is good
   // as long as the cache.
@@ -44,12 +36,12 @@ class GlyphCache {
 
  private:
   CachedGlyph Make(DeviceContext& dc, char32_t ch) const;
-  void ApplyPose(CachedGlyph* glyph) const;
+  void Turn(CachedGlyph* glyph) const;
 
   static constexpr char32_t kDirect = 0x250;  // Latin letters need no look-up
 
   TextMetrics metrics_;
-  CellPose pose_;
+  LayoutOptions options_;
   std::array<std::unique_ptr<CachedGlyph>, kDirect> direct_;
   std::unordered_map<char32_t, std::unique_ptr<CachedGlyph>> others_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 namespace kerno {
@@ -99,6 +100,21 @@ uint32_t FlattenQuadratic(std::vector<P2>* points, const P2& p0, const P2& p1, c
   return static_cast<uint32_t>(n);
 }
 
+// The rasteriser's records; nothing on failure.
+std::optional<std::vector<uint8_t>> NativeOutlineOf(DeviceContext& dc, char32_t ch,
+                                                    GlyphMetrics* metrics) {
+  const Mat2 identity;
+  const uint32_t size = dc.GetGlyphOutline(ch, kGgoNative, metrics, 0, nullptr, identity);
+  if (size == kGdiError) {
+    dc.TextOut(0, 0, u"GDI_ERROR");
+    return std::nullopt;
+  }
+  std::vector<uint8_t> buffer(size);
+  const bool whole =
+      dc.GetGlyphOutline(ch, kGgoNative, metrics, size, buffer.data(), identity) == size;
+  return whole ? std::optional(std::move(buffer)) : std::nullopt;
+}
+
 }  // namespace
 
 std::vector<Path> ReadNativeOutline(const void* buffer, size_t size) {
@@ -148,17 +164,15 @@ uint32_t FlattenQSpline(std::vector<P2>* points, PointFx a, PointFx b, PointFx c
   return FlattenQuadratic(points, ToDouble(a), ToDouble(b), ToDouble(c));
 }
 
+std::vector<Path> GetGlyphPaths(DeviceContext& dc, char32_t ch, GlyphMetrics* metrics) {
+  const auto buffer = NativeOutlineOf(dc, ch, metrics);
+  return buffer ? ReadNativeOutline(buffer->data(), buffer->size()) : std::vector<Path>();
+}
+
 uint32_t GetGlyphContours(DeviceContext& dc, char32_t ch, GlyphMetrics* metrics,
                           GlyphContours* contours) {
-  const Mat2 identity;
-  const uint32_t size = dc.GetGlyphOutline(ch, kGgoNative, metrics, 0, nullptr, identity);
-  if (size == kGdiError) {
-    dc.TextOut(0, 0, u"GDI_ERROR");
-    return 0;
-  }
-  std::vector<uint8_t> buffer(size);
-  if (dc.GetGlyphOutline(ch, kGgoNative, metrics, size, buffer.data(), identity) != size) return 0;
-  return ParseNativeOutline(buffer.data(), size, contours);
+  const auto buffer = NativeOutlineOf(dc, ch, metrics);
+  return buffer ? ParseNativeOutline(buffer->data(), buffer->size(), contours) : 0;
 }
 
 }  // namespace kerno

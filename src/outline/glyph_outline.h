@@ -21,10 +21,13 @@ struct PointFx {
   int32_t y = 0;
 };
 
-// The outline of a character in the font selected into `dc`. Returns the number of contours; 0 for
-// a blank and on failure. *metrics receives the glyph's metrics unless the call fails. The contours
-// replace what was in *contours, which stays untouched on failure. Where the rasteriser has no
-// outline to give, "GDI_ERROR" is drawn into the context at (0, 0).
+// The outline of a character in the font selected into `dc`, as closed paths (y up), curves kept;
+// none for a blank and on failure. *metrics receives the glyph's metrics unless the call fails.
+// Where the rasteriser has no outline to give, "GDI_ERROR" is drawn into the context at (0, 0).
+std::vector<Path> GetGlyphPaths(DeviceContext& dc, char32_t ch, GlyphMetrics* metrics);
+
+// The same flattened by the classic rule. Returns the number of contours, which replace what was in
+// *contours; it stays untouched on failure.
 uint32_t GetGlyphContours(DeviceContext& dc, char32_t ch, GlyphMetrics* metrics,
                           GlyphContours* contours);
 

@@ -103,9 +103,7 @@ GlyphRun LayOutGlyphs(DeviceContext& dc, std::u16string_view text, const LayoutO
                       LayoutNotes* notes) {
   TextMetrics metrics;
   (void)dc.GetTextMetrics(&metrics);
-  GlyphCache& glyphs = GlyphCache::Of(
-      dc, metrics,
-      {options.character_angle, options.vertical, options.pitch == VerticalPitch::kCell});
+  GlyphCache& glyphs = GlyphCache::Of(dc, metrics, options);
   GlyphRun run;
   run.reserve(text.size());
   InkWatch ink;

@@ -13,23 +13,10 @@
 
 #include "outline/glyph_cache.h"
 #include "outline/glyph_contours.h"
+#include "outline/layout_options.h"
 #include "platform/device_context.h"
 
 namespace kerno {
-
-// How far a character of vertical text moves the pen down.
-enum class VerticalPitch {
-  kClassic,  // the mean of its advance and its ink height; can bring glyphs into contact
-  kCell,     // its advance
-};
-
-struct LayoutOptions {
-  bool vertical = false;
-  // Turns each glyph about the middle of its cell, and in vertical text puts the turned cells on
-  // one middle line; 0 leaves it untouched.
-  double character_angle = 0;
-  VerticalPitch pitch = VerticalPitch::kClassic;
-};
 
 // What LayoutString noticed on its way.
 struct LayoutNotes {
