@@ -7,34 +7,6 @@
 namespace kerno {
 namespace {
 
-constexpr Setting kSettings[] = {
-    kSvgPrecision,
-    kMaxSearch,
-    kHorizontalFace,
-    kVerticalFace,
-    kDrawTiming,
-    kDialogFace,
-    kDialogHeight,
-    kDialogVertical,
-    kDialogPolyPolygon,
-    kDialogTextColor,
-    kDialogSecondColor,
-    kDialogElements,
-    kDialogVerticalPitch,
-    kDialogColorIndexRule,
-    kDialogOutputFolder,
-    kWindowMinimised,
-    kWindowMaximised,
-    kWindowPlace,
-    kFormerPlace,
-    kLogReads,
-    kLogWrites,
-    kRunDump,
-    kUseProfileCache,
-    kOutlinesOneByOne,
-    kCopyLog,
-};
-
 template <class Row>
 constexpr bool kIsRectangle = std::is_same_v<Row, RectangleSetting>;
 template <class Row>
@@ -73,10 +45,6 @@ ProfileRect Get(const RectangleSetting& row, SettingsReader& reader) {
   return RectOfText(reader.GetStr(row.section, key, RectText({})));
 }
 
-std::span<const Setting> KnownSettings() {
-  return kSettings;
-}
-
 SettingText Describe(const Setting& row) {
   SettingText text = std::visit(
       [](const auto& typed) {
@@ -100,7 +68,7 @@ std::u16string ValueText(const Setting& row, SettingsReader& reader) {
 }
 
 const Setting* FindSetting(std::u16string_view section, std::u16string_view key) {
-  for (const Setting& row : kSettings) {
+  for (const Setting& row : kKnownSettings) {
     const SettingText text = Describe(row);
     if (EqualWithoutCase(text.section, section) && EqualWithoutCase(text.key, key)) return &row;
   }

@@ -140,7 +140,36 @@ inline constexpr SwitchSetting kCopyLog{u"Debug\\Parts", u"CopyLog", false,
 
 // The rows as a list, for those who show and change settings.
 using Setting = std::variant<IntegerSetting, SwitchSetting, TextSetting, RectangleSetting>;
-std::span<const Setting> KnownSettings();
+inline constexpr Setting kKnownSettings[] = {
+    kSvgPrecision,
+    kMaxSearch,
+    kHorizontalFace,
+    kVerticalFace,
+    kDrawTiming,
+    kDialogFace,
+    kDialogHeight,
+    kDialogVertical,
+    kDialogPolyPolygon,
+    kDialogTextColor,
+    kDialogSecondColor,
+    kDialogElements,
+    kDialogVerticalPitch,
+    kDialogColorIndexRule,
+    kDialogOutputFolder,
+    kWindowMinimised,
+    kWindowMaximised,
+    kWindowPlace,
+    kFormerPlace,
+    kLogReads,
+    kLogWrites,
+    kRunDump,
+    kUseProfileCache,
+    kOutlinesOneByOne,
+    kCopyLog,
+};
+inline std::span<const Setting> KnownSettings() {
+  return kKnownSettings;
+}
 
 // A row as the user reads it.
 struct SettingText {
