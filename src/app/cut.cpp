@@ -21,8 +21,9 @@
 namespace kerno {
 namespace {
 
-constexpr double kShare = 0.25;    // of the tolerance, for welding and for an offset
-constexpr double kFarthest = 1e7;  // units; beyond, coordinates lose the decimals of a tolerance
+constexpr double kShare = 0.25;     // of the tolerance, for welding and for an offset
+constexpr double kSmallest = 1e-3;  // units; below, the decimals of files leave no shape
+constexpr double kFarthest = 1e7;   // units; beyond, coordinates lose the decimals of a tolerance
 
 Status Refuse(const char16_t* what, std::u16string why) {
   return Status::Error(Failure::kOther, what, std::move(why));
@@ -137,8 +138,9 @@ Status CutMaker::Size() {
     return Status::Ok();
   }
   double x = 0, y = 0;
-  constexpr int kMostRounds = 60;
-  for (int round = 0; round < kMostRounds; ++round) {
+  bool settled = false;
+  constexpr int kMostRounds = 200;
+  for (int round = 0; round < kMostRounds && !settled; ++round) {
     Set(x > 0 ? job_.letter_spacing / std::min(x, y) : 0);
     const Box2 ink = InkOfBlock(pose_);
     const double width = ink.Width(), height = ink.Height();
@@ -150,11 +152,11 @@ Status CutMaker::Size() {
                                                         : std::min(by_width, by_height);
     const bool stretches = size.by == CutSize::By::kStretch && by_width > 0 && by_height > 0;
     const double next_x = stretches ? by_width : both, next_y = stretches ? by_height : both;
-    const bool settled = std::fabs(next_x - x) <= 1e-13 * next_x;
+    settled = job_.letter_spacing == 0 || std::fabs(next_x - x) <= 1e-12 * next_x;
     x = next_x;
     y = next_y;
-    if (settled || job_.letter_spacing == 0) break;
   }
+  if (!settled) return Refuse(u"letter spacing", u"leaves the letters no room in the size");
   map_ = pose_.Scaled(x, y);
   return Status::Ok();
 }
@@ -285,6 +287,9 @@ Status CutMaker::Make(CutDrawing* made) {
   const bool blank = made_.drawing.placed.empty();
   if (!blank && !(std::max({-ink.min.x, -ink.min.y, ink.max.x, ink.max.y}) < kFarthest)) {
     return Refuse(u"size", u"the drawing is too large or too far away for a file");
+  }
+  if (!blank && std::max(ink.Width(), ink.Height()) < kSmallest) {
+    return Refuse(u"size", u"the drawing is too small for the decimals of a file");
   }
   *made = std::move(made_);
   return Status::Ok();

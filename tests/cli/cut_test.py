@@ -169,6 +169,8 @@ class CutTest(programs.FolderTest):
             (["A", "--stretch"], 2, "--stretch: needs --fit"), (["A", "--fit", "x"], 2, "is no size"),
             (["A", "--tolerance", "0"], 2, "--tolerance"), (["A", "--anchor", "here"], 2, "bottom-left"),
             ([" ", "--fit", "5"], 1, "the text has no ink to fit"),
+            (["AB", *SANS, "--fit", "10", "--letter-spacing", "50"], 1, "leaves the letters no room"),
+            (["A", *SANS, "--em", "1e-9"], 1, "too small for the decimals"),
             (["A龍", *SANS, "--strict"], 3, "龍 (U+9F8D)"),
             (["A", "--face", "No Such Face"], 3, '"No Such Face" is not installed'),
             (["A", *SANS, "--style", "Fat"], 3, '"Bold Oblique"'),
