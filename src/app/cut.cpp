@@ -56,6 +56,16 @@ Path Mapped(const Path& path, const Linear& map) {
   return mapped;
 }
 
+Path Moved(Path path, const P2& by) {
+  path.start = path.start + by;
+  for (Segment& segment : path.segments) {
+    segment.end = segment.end + by;
+    segment.first = segment.first + by;
+    segment.second = segment.second + by;
+  }
+  return path;
+}
+
 // Glyphs of a text, with what is made of them once.
 class CutMaker {
  public:
@@ -82,6 +92,7 @@ class CutMaker {
   uint32_t ShapeOf(const std::vector<size_t>& cluster);
   Shape Finish(std::vector<Path> outlines, ShapeNotes* notes) const;
   void FinishAll();
+  size_t CrossingsOf(const Drawing& drawing) const;
   Path InForm(Path path, double tolerance, bool again) const;
   std::vector<Path> Formed(std::vector<Path> paths, double tolerance, size_t* vanished) const;
 
@@ -266,14 +277,7 @@ uint32_t CutMaker::ShapeOf(const std::vector<size_t>& cluster) {
   for (const size_t i : cluster) {
     const P2 apart = map_.Apply(block_[i].origin - origin);
     for (const Path& path : font_.Outline(block_[i].glyph)) {
-      Path mapped = Mapped(path, map_);
-      mapped.start = mapped.start + apart;
-      for (Segment& segment : mapped.segments) {
-        segment.end = segment.end + apart;
-        segment.first = segment.first + apart;
-        segment.second = segment.second + apart;
-      }
-      paths.push_back(std::move(mapped));
+      paths.push_back(Moved(Mapped(path, map_), apart));
     }
   }
   return known->second;
@@ -288,12 +292,43 @@ void CutMaker::FinishAll() {
   outlines_.clear();
 }
 
+// The paths that cross others or themselves, in a drawing whose shapes were not kept apart.
+size_t CutMaker::CrossingsOf(const Drawing& drawing) const {
+  std::vector<Box2> of_shapes, boxes;
+  for (const Shape& shape : drawing.shapes) {
+    Box2& box = of_shapes.emplace_back();
+    for (const ShapePath& path : shape) Include(&box, BoxOf(path.path));
+  }
+  for (const PlacedShape& placed : drawing.placed) {
+    const Box2& box = of_shapes[placed.shape];
+    boxes.push_back({box.min + placed.at, box.max + placed.at});
+  }
+  size_t crossing = 0;
+  for (const std::vector<size_t>& cluster : Overlapping(boxes)) {
+    if (cluster.size() == 1) {
+      crossing += notes_[drawing.placed[cluster[0]].shape].crossing;
+      continue;
+    }
+    std::vector<Path> paths;
+    for (const size_t i : cluster) {
+      const PlacedShape& placed = drawing.placed[i];
+      for (const ShapePath& path : drawing.shapes[placed.shape]) {
+        paths.push_back(Moved(path.path, placed.at));
+      }
+    }
+    const PathFaults faults = CheckPaths(paths, job_.tolerance);
+    crossing += 2 * faults.crossing + faults.self_crossing;
+  }
+  return crossing;
+}
+
 Status CutMaker::Make(CutDrawing* made) {
   if (Status sized = Size(); !sized.ok()) return sized;
   Place();
   std::vector<Box2> inks;
   inks.reserve(placed_.size());
-  const double around = std::max(0.0, job_.offset);
+  // What comes closer than the tolerance may meet when it is fitted.
+  const double around = std::max(0.0, job_.offset) + job_.tolerance;
   for (const Placed& placed : placed_) {
     Box2 box = placed.ink;
     box.min = box.min - P2{around, around};
@@ -312,6 +347,7 @@ Status CutMaker::Make(CutDrawing* made) {
     made_.vanished += notes_[shape.shape].vanished;
     if (!made_.drawing.shapes[shape.shape].empty()) made_.drawing.placed.push_back(shape);
   }
+  if (!together) made_.crossing = CrossingsOf(made_.drawing);
   made_.facts = FactsOf(made_.drawing);
   made_.ink = InkOf(made_.drawing);
   const Box2& ink = made_.ink;
