@@ -9,7 +9,6 @@
 namespace kerno {
 namespace {
 
-constexpr double kMillimetresPerInch = 25.4;
 constexpr double kPixelsPerInch = 96;               // as the header of a bitmap says
 constexpr double kMetafilePixelsPerMillimetre = 4;  // of its reference device
 
