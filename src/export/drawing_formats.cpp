@@ -33,6 +33,7 @@ Status WriteDrawing(const Drawing& drawing, const DrawingStyle& style, double to
   if (format.extension == "svg") return WriteDrawingSvg(drawing, style, file);
   OutputOptions options;
   options.program = PathText(CurrentSystem().ProgramPath());
+  options.moment = style.moment;
   const double scale = UnitsPerLength(format, drawing.unit);
   const ArcForm arcs = format.extension == "ipx" ? ArcForm::kArcs : ArcForm::kChords;
   return format.write(PartsOf(drawing, style, tolerance, scale, arcs), file, options);
