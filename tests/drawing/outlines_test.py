@@ -3,11 +3,12 @@
 
 usage: outlines_test.py DRAWING_TOOL
 """
-import math
+import random
+import subprocess
 import sys
 import unittest
 
-from outlines import Face, dense, faces, farthest, filled, run, turns
+from outlines import Face, dense, faces, farthest, filled, run, text_of, turns
 
 TOOL = sys.argv.pop(1)
 LETTERS = "agS&"
@@ -81,6 +82,26 @@ class Welds(unittest.TestCase):
                 self.assertEqual(set(thick), {0, 1} & set(thick))
                 # Parts of the curves themselves, not of chords.
                 self.assertLess(sum(map(len, welded)), 1.3 * sum(map(len, outlines)))
+
+
+class Areas(unittest.TestCase):
+    """By windings, which tell whether the polygon library has lost a part."""
+
+    def test_are_those_of_tangles(self):
+        chance, lost = random.Random(5), 0
+        for tangle in range(60):
+            contours = []
+            for _ in range(chance.randint(2, 6)):
+                points = [(chance.randint(0, 4), chance.randint(0, 4)) for _ in range(chance.randint(8, 14))]
+                contours.append([(p, q) for p, q in zip(points, points[1:] + points[:1]) if p != q])
+            lines = "".join(text_of(contour) + "\n" for contour in contours)
+            printed = subprocess.run([TOOL, "area", "0.0003"], input=lines, stdout=subprocess.PIPE, text=True, check=True)
+            area, slack, library = map(float, printed.stdout.split())
+            wanted = filled(contours, 1).area
+            self.assertLess(slack, 1e-3)
+            self.assertAlmostEqual(wanted, area, delta=slack, msg=f"{tangle}: {contours}")
+            lost += abs(library - wanted) > 100 * slack
+        print(f"the polygon library lost or added parts of {lost} tangles")
 
 
 class Offsets(unittest.TestCase):
