@@ -22,7 +22,7 @@ from shapely.validation import explain_validity
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "drawing"))
-from outlines import Arc, ContourPen, dense, farthest, filled, polyline, turns  # noqa: E402
+from outlines import Arc, ContourPen, dense, farthest, filled, polyline, sharp_points, turns  # noqa: E402
 
 EM = 20
 TOLERANCES = (0.001, 0.01, 0.1)
@@ -87,6 +87,11 @@ class Face:
             f"<acceptfont><glob>{self.file}</glob></acceptfont><rejectfont><glob>*</glob></rejectfont>"
             "</selectfont><cachedir>/var/cache/fontconfig</cachedir></fontconfig>")
 
+    def shift(self, name):
+        """By which a glyph out of others stands beside the place that its metrics say, which fontTools leaves."""
+        glyph = self.font["glyf"][name] if "glyf" in self.font and not self.place else None
+        return self.font["hmtx"][name][1] - glyph.xMin if glyph and glyph.isComposite() else 0
+
     def cut(self, lines, tolerance, *options):
         """For each line of text the contours of the face, and those of the drawing; the paths that cross."""
         text, file = self.folder / "text.txt", self.folder / "cut.dxf"
@@ -103,8 +108,9 @@ class Face:
         starts = numpy.cumsum([0] + [len(line.encode("utf-16-le")) // 2 + 1 for line in lines])
         wanted, drawn = [[] for _ in lines], [[] for _ in lines]
         for glyph in told["glyphs"]:
-            pen = ContourPen(self.glyphs, scale, glyph["x"], glyph["y"])
-            self.glyphs[names[glyph["glyph"]]].draw(pen)
+            name = names[glyph["glyph"]]
+            pen = ContourPen(self.glyphs, scale, glyph["x"] + self.shift(name) * scale, glyph["y"])
+            self.glyphs[name].draw(pen)
             line = wanted[numpy.searchsorted(starts, glyph["character"], "right") - 1]
             line += [contour for contour in map(without_points, pen.contours) if contour]
         for entity in ezdxf.readfile(file).modelspace():
@@ -141,11 +147,12 @@ def check_outlines(face, lines, tolerance, facts):
             joints = numpy.array([p for p, _ in turns(path)])
             if len(corners) and (gap := farthest_pair(corners, joints)) > 2 * ROUNDING:
                 yield f"{text}: a corner is {gap:.6f} from the next joint"
-            # Rounding turns short pieces.
+            # What bends within the tolerance is as good as a corner. Rounding turns short pieces.
+            sharp = sharp_points(contour, tolerance)
             slack = numpy.degrees(4 * ROUNDING / min(numpy.hypot(*numpy.subtract(p[0], p[1])) for p in path))
             for joint, turn in turns(path):
-                is_corner = len(corners) and farthest_pair(numpy.array([joint]), corners) < 2 * ROUNDING
-                if not is_corner and largest(facts, "smooth turn", turn) > 1 + slack:
+                is_sharp = len(sharp) and farthest_pair(numpy.array([joint]), sharp) < max(tolerance, 2 * ROUNDING)
+                if not is_sharp and largest(facts, "smooth turn", turn) > 1 + slack:
                     yield f"{text}: turns by {turn:.2f} degrees at {joint}"
 
 

@@ -172,25 +172,24 @@ STEPS = 24
 
 
 def gaps_to_curves(points, pieces):
-    """By Newton's method, from the nearest of some points of each piece that may hold the nearest of all."""
+    """Step by step closer, from the nearest chord of each piece that may hold the nearest point."""
     c = numpy.array([coefficients(piece) for piece in pieces])
     near = at_parameter(c[:, None], numpy.linspace(0, 1, STEPS + 1)[None])
-    apart = numpy.hypot(*numpy.diff(near, axis=1).transpose(2, 0, 1)).max(axis=1)
-    gaps = numpy.sqrt(((points[:, None, None, :] - near[None]) ** 2).sum(axis=3))
-    first, gaps = gaps.argmin(axis=2) / STEPS, gaps.min(axis=2)
-    which, piece = numpy.nonzero(gaps - apart <= gaps.min(axis=1)[:, None])
-    own, goal = c[piece], points[which]
-    for start in (-0.5 / STEPS, 0, 0.5 / STEPS):
-        at = numpy.clip(first[which, piece] + start, 0, 1)
-        for _ in range(8):
-            gap = at_parameter(own, at) - goal
-            speed = own[:, 1] + at[:, None] * (2 * own[:, 2] + 3 * at[:, None] * own[:, 3])
-            bend = 2 * own[:, 2] + 6 * at[:, None] * own[:, 3]
-            slope = (speed * speed).sum(axis=1) + (gap * bend).sum(axis=1)
-            steps = (gap * speed).sum(axis=1) / numpy.where(abs(slope) > 1e-30, slope, 1e30)
-            at = numpy.clip(at - numpy.clip(steps, -1 / STEPS, 1 / STEPS), 0, 1)
-        refined = numpy.hypot(*(at_parameter(own, at) - goal).T)
-        gaps[which, piece] = numpy.minimum(gaps[which, piece], refined)
+    chords = numpy.diff(near, axis=1)
+    v = points[:, None, None, :] - near[None, :, :-1]
+    t = numpy.clip((v * chords).sum(axis=3) / numpy.maximum((chords * chords).sum(axis=2), 1e-300), 0, 1)
+    gaps = numpy.sqrt(((v - t[..., None] * chords) ** 2).sum(axis=3))
+    first, gaps = (gaps.argmin(axis=2) + 0.5) / STEPS, gaps.min(axis=2)
+    stray = numpy.hypot(*(2 * abs(c[:, 2]) + 6 * abs(c[:, 3])).T) / (8 * STEPS * STEPS)  # of chords, at most
+    which, piece = numpy.nonzero(gaps - stray <= (gaps + stray).min(axis=1)[:, None])
+    gaps += stray
+    own, goal, at = c[piece][:, None], points[which][:, None], first[which, piece]
+    for step in 1 / STEPS / 5.0 ** numpy.arange(10):
+        tried = numpy.clip(at[:, None] + step * numpy.linspace(-1, 1, 15), 0, 1)
+        found = numpy.hypot(*(at_parameter(own, tried) - goal).transpose(2, 0, 1))
+        best = found.argmin(axis=1)[:, None]
+        at = numpy.take_along_axis(tried, best, axis=1)[:, 0]
+    gaps[which, piece] = numpy.minimum(gaps[which, piece], numpy.take_along_axis(found, best, axis=1)[:, 0])
     return gaps.min(axis=1)
 
 
@@ -246,3 +245,17 @@ def winding(ring, point):
 
 def filled(contours, count=150):
     return unary_union([face for face, around in faces(contours, count) if around != 0])
+
+
+def sharp_points(contour, radius):
+    """Where it turns by more than a degree, and where its curves bend more closely than a circle of the radius."""
+    points = [p for p, turn in turns(contour) if turn > 1]
+    t = numpy.linspace(0, 1, 801)[:, None]
+    for piece in contour:
+        if len(piece) == 2:
+            continue
+        _, d1, d2, d3 = coefficients(piece)
+        speed, bend = d1 + t * (2 * d2 + 3 * t * d3), 2 * d2 + 6 * t * d3
+        cross = abs(speed[:, 0] * bend[:, 1] - speed[:, 1] * bend[:, 0])
+        points += list(sampled(piece, 800)[numpy.hypot(*speed.T) ** 3 < radius * cross])
+    return numpy.array(points).reshape(-1, 2)
