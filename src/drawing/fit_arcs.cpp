@@ -34,8 +34,13 @@ Segment ArcTo(const P2& end, double bulge) {
 // the stretch's first one, and the parameter there, added up.
 class ArcFitter {
  public:
-  ArcFitter(const SmoothStretches& path, double tolerance, std::vector<Segment>* segments)
-      : pieces_(path.pieces), tolerance_(tolerance), segments_(*segments) {
+  // `turn_at_ends` is the tangent of half the most that arcs turn where stretches meet.
+  ArcFitter(const SmoothStretches& path, double tolerance, double turn_at_ends,
+            std::vector<Segment>* segments)
+      : pieces_(path.pieces),
+        tolerance_(tolerance),
+        turn_at_ends_(turn_at_ends),
+        segments_(*segments) {
     curves_.reserve(pieces_.size());
     for (const Piece& piece : pieces_) curves_.push_back(PolynomialOf(piece));
   }
@@ -100,8 +105,7 @@ class ArcFitter {
       const size_t last = stretch_.end - stretch_.begin - 1;
       const size_t number = std::min(static_cast<size_t>(place), last);
       const double t = place - static_cast<double>(number);
-      const Polynomial& c = curves_[stretch_.begin + number];
-      return Dot(c.at + (c.d1 + (c.d2 + c.d3 * t) * t) * t - line.at, line.direction);
+      return Dot(PointAt(curves_[stretch_.begin + number], t) - line.at, line.direction);
     };
     double low = from_, high = to;
     double low_ahead = Dot(heading_.at - line.at, line.direction), high_ahead = ahead(to);
@@ -131,7 +135,7 @@ class ArcFitter {
                 double* most) const {
     *least = -kMostBulge;
     *most = kMostBulge;
-    const double at_ends = stretch_.is_loop ? 0.5 * kMostTurn : kMostTurn;
+    const double at_ends = stretch_.is_loop ? 0.5 * turn_at_ends_ : turn_at_ends_;
     if (from_ > 0 || !stretch_.starts_at_corner) {
       EndAngles before;
       if (!AnglesBetween({heading_.at, arrived_}, end, &before)) return false;
@@ -257,6 +261,7 @@ class ArcFitter {
   const std::vector<Piece>& pieces_;
   std::vector<Polynomial> curves_;  // of the pieces
   double tolerance_;
+  double turn_at_ends_;
   std::vector<Segment>& segments_;
 
   Stretch stretch_;  // at work
@@ -267,18 +272,16 @@ class ArcFitter {
   Attempt best_;
 };
 
-}  // namespace
-
-Path FitArcs(const Path& path, double tolerance) {
+Path Fitted(const Path& path, double tolerance, StretchRule rule, double turn_at_ends) {
   Path result;
   result.closed = path.closed;
   result.start = path.start;
   const Box2 box = BoxOf(path);
   tolerance = std::min(tolerance, std::max(box.Width(), box.Height()) * kCoarsest);
-  const SmoothStretches smooth = StretchesOf(path, tolerance * kPointShare);
+  const SmoothStretches smooth = StretchesOf(path, tolerance * kPointShare, rule);
   if (smooth.pieces.empty()) return result;
   result.start = smooth.pieces.front().start;
-  ArcFitter fitter(smooth, tolerance, &result.segments);
+  ArcFitter fitter(smooth, tolerance, turn_at_ends, &result.segments);
   for (const Stretch& stretch : smooth.stretches) {
     if (stretch.curved) {
       fitter.Fit(stretch);
@@ -287,6 +290,16 @@ Path FitArcs(const Path& path, double tolerance) {
     }
   }
   return result;
+}
+
+}  // namespace
+
+Path FitArcs(const Path& path, double tolerance) {
+  return Fitted(path, tolerance, StretchRule::kSmooth, kMostTurn);
+}
+
+Path FitArcsKeepingNodes(const Path& path, double tolerance) {
+  return Fitted(path, tolerance, StretchRule::kCurve, 0);
 }
 
 }  // namespace kerno

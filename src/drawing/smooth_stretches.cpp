@@ -141,7 +141,7 @@ void Join(Stretch* before, Stretch* after) {
 
 }  // namespace
 
-SmoothStretches StretchesOf(const Path& path, double size) {
+SmoothStretches StretchesOf(const Path& path, double size, StretchRule rule) {
   std::vector<Piece> whole = PiecesOf(path);
   if (path.closed) StartAtAnEnd(&whole);
   SmoothStretches result;
@@ -154,7 +154,8 @@ SmoothStretches StretchesOf(const Path& path, double size) {
     for (const auto& [part, first, last] : parts) {
       const P2 leaving = DirectionAt(part, 0);
       const bool curved = IsCurve(part);
-      const bool goes_on = !stretches.empty() && !after_turn && stretches.back().curved && curved &&
+      const bool goes_on = rule == StretchRule::kSmooth && !stretches.empty() && !after_turn &&
+                           stretches.back().curved && curved &&
                            !IsCorner(stretches.back().last.direction, leaving);
       if (!goes_on) {
         const size_t at = result.pieces.size();

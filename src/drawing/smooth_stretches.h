@@ -28,7 +28,8 @@ struct SmoothStretches {
 // corner, too; the pieces beside it end a little before and after it, the stretches in it. A closed
 // path without corners is one stretch; one with corners starts at one of them, or beside a line or
 // an arc. Where stretches meet without a corner, both have the direction of the line or arc there.
-// Pieces of no length are left out.
-SmoothStretches StretchesOf(const Path& path, double size);
+// Pieces of no length are left out. With kCurve each curve is a stretch of its own.
+enum class StretchRule { kSmooth, kCurve };
+SmoothStretches StretchesOf(const Path& path, double size, StretchRule rule);
 
 }  // namespace kerno
