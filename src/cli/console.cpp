@@ -24,7 +24,7 @@ void Report(std::string_view kind, std::string_view what, std::string_view why) 
   line.append(kind).append(what);
   if (!what.empty() && !why.empty()) line += ": ";
   line += why;
-  WriteLine(line);
+  WriteLine(WithPlainOrder(line));
 }
 
 bool PrintingFailed() {
@@ -34,6 +34,21 @@ bool PrintingFailed() {
 }
 
 }  // namespace
+
+std::string WithPlainOrder(std::string_view line) {
+  const auto text = Utf8ToUtf16(line);
+  if (!text) return std::string(line);
+  std::u16string plain;
+  for (size_t at = 0; at < text->size();) {
+    const char32_t ch = NextCharacter(*text, &at);
+    if (IsDirectionControl(ch)) {
+      plain += u"<" + Utf8ToUtf16Lossy(CodeOf(ch)) + u">";
+    } else {
+      AppendCharacter(&plain, ch);
+    }
+  }
+  return Utf16ToUtf8(plain);
+}
 
 void ReportError(std::string_view what, std::string_view why) {
   Report("", what, why);

@@ -9,6 +9,10 @@
 
 namespace kerno {
 
+// A line with names in it that others chose: controls of direction stand as "<U+202E>", so that
+// none puts the rest of the line into another order. What is not UTF-8 stays as it is.
+std::string WithPlainOrder(std::string_view line);
+
 // "kerno: what: why" on standard error.
 void ReportError(std::string_view what, std::string_view why);
 void ReportError(const Status& status);

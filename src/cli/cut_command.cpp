@@ -1,6 +1,7 @@
 #include "cli/cut_command.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 
 #include "base/number_text.h"
@@ -338,6 +339,11 @@ bool CutCommand::ReadStyle() {
   if (!layer) return false;
   if (layer->empty()) {
     ReportError("--layer", "the name is empty");
+    return false;
+  }
+  const auto turner = std::ranges::find_if(*layer, IsDirectionControl);
+  if (turner != layer->end()) {
+    ReportError("--layer", "the name holds " + CodeOf(*turner) + ", a control of direction");
     return false;
   }
   style_.color = *color;

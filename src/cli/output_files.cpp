@@ -145,7 +145,7 @@ bool OutputFiles::Write(const Output& output, const WriteFormat& write, const st
   if (quiet) return true;
   const auto spent =
       std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
-  std::string line = output.name + ": " + summary;
+  std::string line = WithPlainOrder(output.name) + ": " + summary;
   const PathFacts facts = FactsOfPath(path);
   if (facts.kind == PathKind::kFile) line += ", " + std::to_string(facts.size) + " bytes";
   return Print(line + ", " + std::to_string(spent) + " ms\n");

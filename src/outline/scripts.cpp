@@ -71,7 +71,7 @@ const ScriptRow* RowOf(Script script) {
 
 std::string NameOf(Script script) {
   if (const ScriptRow* row = RowOf(script)) return row->name;
-  if (script == kCommonScript) return "the";
+  if (script == kCommonScript) return {};
   std::string code;
   for (int shift = 24; shift >= 0; shift -= 8) code.push_back(static_cast<char>(script >> shift));
   return code;

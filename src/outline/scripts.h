@@ -33,7 +33,7 @@ bool IsIgnorable(char32_t ch);
 // What a script's text asks for beyond one glyph after the other.
 struct ScriptNeeds {
   Script script = kCommonScript;
-  std::string name;  // "Arabic"
+  std::string name;  // "Arabic"; empty for marks on no letter
   bool right_to_left = false;
   bool joins = false;     // a letter's form depends on its neighbours
   bool reorders = false;  // letters change places or grow together
