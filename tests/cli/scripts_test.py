@@ -4,6 +4,7 @@ hb-shape for each run, FriBidi's own tool for the order of runs. "convert" must 
 
 usage: scripts_test.py KERNO
 """
+import functools
 import json
 import subprocess
 import sys
@@ -61,7 +62,7 @@ MIXED = [
 
 # Each character is a glyph of its own, so that the order of the glyphs is that of the characters.
 ORDERED = ["car is THE CAR in arabic", "אבג abc 123 דהו", "abc אבג 12-34 דהו xyz!", "(אבג) [abc] {דה}", "אבג, 5% (de) 7.5$ זח",
-           "a\u2067בג 1\u2069 b ג", "a\u202ebcd\u202c e", "אב\u200e!\u200f 12 x", "1 אב 2 גד 3", "x\u2068אב\u2069: y \u202bגד z\u202c", "אב\n12 ab"]
+           "a\u2067בג 1\u2069 b ג", "a\u202ebcd\u202c e", "אב\u200e!\u200f 12 x", "1 אב 2 גד 3", "x\u2068אב\u2069: y \u202bגד z\u202c"]
 
 CONTROLS = "\u200e\u200f\u202a\u202b\u202c\u202d\u202e\u2066\u2067\u2068\u2069"
 
@@ -70,15 +71,18 @@ def run(*arguments, command="cut"):
     return programs.run([*KERNO, command, *arguments])
 
 
+@functools.cache
 def font_file(face):
     done = subprocess.run(["fc-match", "-f", "%{file}", face], capture_output=True, text=True, check=True)
     return done.stdout
 
 
+@functools.cache
 def em_of(face):
     return TTFont(font_file(face))["head"].unitsPerEm
 
 
+@functools.cache
 def middle_of(face):
     line = TTFont(font_file(face))["hhea"]
     return (line.ascent + line.descent) / 2
@@ -149,19 +153,17 @@ class ScriptsTest(programs.FolderTest):
                 self.assertEqual(turned, [g.get("turned", False) for g in made])
 
     def test_order_is_that_of_another_program(self):
-        for text in ORDERED:
-            for direction, flag in (("auto", "--wltr"), ("ltr", "--ltr"), ("rtl", "--rtl")):
-                with self.subTest(text=text, direction=direction):
-                    made, at = self.cut(text, "--direction", direction)["glyphs"], 0
-                    for line in text.split("\n"):
-                        words = ["fribidi", "--nobreak", "--nopad", "--novisual", "--vtol", flag]
-                        out = subprocess.run(words, input=line.encode(), capture_output=True, check=True).stdout
-                        order = [int(n) for n in out.split()]
-                        found = [g["character"] - at for g in made if at <= g["character"] < at + len(line)]
-                        # A control may be one with the character after it.
-                        found = [next(k for k in range(i, len(line)) if line[k] not in CONTROLS) for i in found]
-                        self.assertEqual([i for i in order if line[i] not in CONTROLS], found)
-                        at += len(line) + 1
+        for direction, flag in (("auto", "--wltr"), ("ltr", "--ltr"), ("rtl", "--rtl")):
+            made, at = self.cut("\n".join(ORDERED), "--direction", direction)["glyphs"], 0
+            for line in ORDERED:
+                with self.subTest(line=line, direction=direction):
+                    words = ["fribidi", "--nobreak", "--nopad", "--novisual", "--vtol", flag]
+                    out = subprocess.run(words, input=line.encode(), capture_output=True, check=True).stdout
+                    found = [g["character"] - at for g in made if at <= g["character"] < at + len(line)]
+                    # A control may be one with the character after it.
+                    found = [next(k for k in range(i, len(line)) if line[k] not in CONTROLS) for i in found]
+                    self.assertEqual([int(n) for n in out.split() if line[int(n)] not in CONTROLS], found)
+                at += len(line) + 1
 
     def test_short_numbers_stand_across_the_column(self):
         for text, digits, turned, widest in (("月12日", 2, 0, None), ("月1234日", 4, 0, 1), ("月1234日", 3, 4, None)):
