@@ -55,7 +55,7 @@ MIXED = [
     (SANS, "سعر 12,5 كغ", [], [(" كغ", 8, "rtl", "Arab"), ("12,5", 4, "ltr", "Arab"), ("سعر ", 0, "rtl", "Arab")]),
     (MINCHO, "東京タワーへ", ["--language", "ja"], [("東京タワーへ", 0, "ltr", "Hani")]),
     (DEVA, "«श्री», 5", [], [("«श्री», 5", 0, "ltr", "Deva")]),
-    (MINCHO, "高「さ」", ["--vertical"], [("高「さ」", 0, "ttb", "Hani")]),
+    ("IPAGothic", "縦、ーッ（「）", ["--vertical"], [("縦、ーッ（「）", 0, "ttb", "Hani")]),
     (MINCHO, "AV社VA", ["--vertical"], [("AV", 0, "turned", "Latn"), ("社", 2, "ttb", "Hani"),
                                        ("VA", 3, "turned", "Hani")]),
 ]
