@@ -101,9 +101,14 @@ class BlockSetter {
   std::unordered_set<char32_t> missing_;
 };
 
+// Of the font that the character will come from.
 bool BlockSetter::HasVerticalForm(char32_t ch) {
   const auto [known, is_new] = vertical_forms_.try_emplace(ch);
-  if (is_new) known->second = fonts_[0]->HasVerticalForm(ch);
+  if (is_new) {
+    const auto giver =
+        std::ranges::find_if(fonts_, [&](const ShapingFont* font) { return font->HasGlyph(ch); });
+    known->second = giver != fonts_.end() && (*giver)->HasVerticalForm(ch);
+  }
   return known->second;
 }
 

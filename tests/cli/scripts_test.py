@@ -189,6 +189,8 @@ class ScriptsTest(programs.FolderTest):
         # As wide as an em of the first face.
         places = {g["character"]: g["x"] for g in reversed(made["glyphs"])}
         self.assertAlmostEqual(em_of(SANS), places[2] - places[1], 6)
+        column = self.cut("東ー", "--vertical", "--fallback", MINCHO)["glyphs"]
+        self.assertEqual([g["g"] for g in shaped(MINCHO, "東ー", "ttb", "Hani", "")], [g["glyph"] for g in column])
         # A letter goes with its mark, though the first face has the letter.
         both = self.cut("xx\u0301", "--fallback", SANS, face=DEVA)["glyphs"]
         self.assertEqual([DEVA, SANS], [g["face"] for g in both[:2]])
