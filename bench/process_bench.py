@@ -11,8 +11,6 @@ import tempfile
 import time
 
 SENTENCE = "Kerno 2026: Sphinx of black quartz, judge my vow & pack 8 boxes. "
-DEVANAGARI = "नमस्ते दुनिया, यह हिन्दी का एक लम्बा वाक्य है जिसमें क्षत्रिय, ज्ञान, श्री और स्त्री आते हैं। "
-DEVANAGARI_FACE = "Lohit Devanagari"
 ROUNDS = 7
 
 
@@ -28,32 +26,6 @@ def best_run(command):
         if status != 0:
             sys.exit(f"{' '.join(command)}: exit status {status}")
     return seconds, megabytes
-
-
-def best_processor_time(command):
-    """The least time in seconds that several runs of a command took of processors."""
-    seconds = float("inf")
-    for _ in range(ROUNDS):
-        child = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        _, status, usage = os.wait4(child.pid, 0)
-        seconds = min(seconds, usage.ru_utime + usage.ru_stime)
-        if status != 0:
-            sys.exit(f"{' '.join(command)}: exit status {status}")
-    return seconds
-
-
-def compare_with_another_shaper(kerno, folder):
-    """A script whose letters change places and grow together, against HarfBuzz's own drawing program."""
-    text, svg = os.path.join(folder, "words.txt"), os.path.join(folder, "words.svg")
-    with open(text, "w", encoding="utf-8") as file:
-        file.write((DEVANAGARI * 200)[:10000])
-    found = subprocess.run(["fc-match", "-f", "%{file}", DEVANAGARI_FACE], capture_output=True, text=True, check=True)
-    theirs = best_processor_time(["hb-view", "--output-format=svg", f"--text-file={text}", "-o", svg, found.stdout])
-    for weld in ("off", "text"):
-        ours = best_processor_time([kerno, "cut", "--text-file", text, "--face", DEVANAGARI_FACE, "--curves",
-                                    "curves", "--weld", weld, "-o", svg])
-        print(f"{f'cut, 10,000 of Devanagari, --weld {weld}':44} {ours:8.4f} {ours / theirs:6.2f} x hb-view"
-              f"{'  MISSED' if ours > 1.5 * theirs else ''}")
 
 
 def main():
@@ -74,7 +46,6 @@ def main():
             missed = seconds > most_seconds or (most_megabytes and megabytes > most_megabytes)
             print(f"{what:44} {seconds:8.4f} {most_seconds:6.3f} {megabytes:6.1f} {most_megabytes or '-':>5} "
                   f"{seconds / baseline:8.1f}{'  MISSED' if missed else ''}")
-        compare_with_another_shaper(kerno, folder)
         version, _ = best_run([kerno, "--version"])
         setting, _ = best_run([kerno, "settings", "get", "Dec", "SvgOut::Precision"])
         more = setting - version

@@ -9,10 +9,6 @@
 
 namespace kerno {
 
-// A line with names in it that others chose: controls of direction stand as "<U+202E>", so that
-// none puts the rest of the line into another order. What is not UTF-8 stays as it is.
-std::string WithPlainOrder(std::string_view line);
-
 // "kerno: what: why" on standard error.
 void ReportError(std::string_view what, std::string_view why);
 void ReportError(const Status& status);
@@ -25,6 +21,8 @@ void SilenceWarnings();
 
 // Writes to standard output. False when that fails (a full disk, a closed pipe); reported once.
 [[nodiscard]] bool Print(std::string_view text);
+// A line for people: what would steer a terminal is shown as a code.
+[[nodiscard]] bool PrintLine(std::string_view line);
 
 // Flushes standard output; false, with a report, when anything printed did not arrive.
 [[nodiscard]] bool FinishPrinting();

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "base/number_text.h"
+#include "base/source_date.h"
 #include "base/text.h"
 #include "cli/arguments.h"
 #include "cli/choice.h"
@@ -344,6 +345,10 @@ bool CutCommand::ReadStyle() {
   const auto turner = std::ranges::find_if(*layer, IsDirectionControl);
   if (turner != layer->end()) {
     ReportError("--layer", "the name holds " + CodeOf(*turner) + ", a control of direction");
+    return false;
+  }
+  if (const Status dated = ReadSourceDate(&style_.moment); !dated.ok()) {
+    ReportError(dated);
     return false;
   }
   style_.color = *color;
