@@ -32,10 +32,10 @@ BidiLine LevelsOf(std::u32string_view line, ParagraphDirection direction) {
   FriBidiParType base = TypeOf(direction);
   BidiLine result;
   // Either fails for lack of memory alone, and then leaves the line in one direction.
-  const bool known = fribidi_get_par_embedding_levels_ex(types.data(), brackets.data(), count,
-                                                         &base, levels.data()) > 0 &&
-                     fribidi_reorder_line(0, types.data(), count, 0, base, levels.data(), nullptr,
-                                          nullptr) > 0;
+  const bool known =
+      fribidi_get_par_embedding_levels_ex(types.data(), brackets.data(), count, &base,
+                                          levels.data()) > 0 &&
+      fribidi_reorder_line(0, types.data(), count, 0, base, levels.data(), nullptr, nullptr) > 0;
   if (!known) std::ranges::fill(levels, FriBidiLevel{0});
   result.levels.reserve(line.size());
   result.brackets.reserve(line.size());
