@@ -61,10 +61,10 @@ def glyph_polygons(font, name):
 
 
 class CutTest(programs.FolderTest):
-    def cut(self, *arguments, name="a.dxf"):
+    def cut(self, *arguments, name="a.dxf", warnings=""):
         path = self.folder / name
         status, out, err = run(*arguments, "-o", str(path), "--json")
-        self.assertEqual((0, ""), (status, err), arguments)
+        self.assertEqual((0, warnings), (status, err), arguments)
         return json.loads(out), path
 
     def test_sizes_places_and_units(self):
@@ -108,7 +108,8 @@ class CutTest(programs.FolderTest):
                 self.assertLess(nearest, 1.02, curves)
 
     def test_overlapping_letters_are_welded_and_counters_come_first(self):
-        _, loose = self.cut("Boing", *SANS, "--letter-spacing", "-4", "--weld", "off", "--curves", "lines")
+        _, loose = self.cut("Boing", *SANS, "--letter-spacing", "-4", "--weld", "off", "--curves", "lines",
+                            warnings="kerno: warning: drawing: 4 paths cross itself or another one\n")
         apart = [Polygon(flattened(e)) for e in ezdxf.readfile(loose).modelspace()]
         holes = [p for p in apart if any(q is not p and q.contains(p) for q in apart)]
         filled = unary_union([p for p in apart if p not in holes]).difference(unary_union(holes))
