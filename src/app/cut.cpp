@@ -4,12 +4,11 @@
 #include <cmath>
 #include <map>
 #include <numbers>
-#include <unordered_set>
+#include <span>
 #include <utility>
 
 #include "app/overlaps.h"
 #include "base/parallel.h"
-#include "base/text.h"
 #include "drawing/affine.h"
 #include "drawing/check_paths.h"
 #include "drawing/cutting_order.h"
@@ -30,14 +29,7 @@ Status Refuse(const char16_t* what, std::u16string why) {
   return Status::Error(Failure::kOther, what, std::move(why));
 }
 
-// A linear map: first the slant, then the mirror, then the turn, then the scales.
-struct Linear {
-  double xx = 1, xy = 0, yx = 0, yy = 1;
-
-  P2 Apply(const P2& p) const { return {xx * p.x + xy * p.y, yx * p.x + yy * p.y}; }
-  Linear Scaled(double x, double y) const { return {xx * x, xy * x, yx * y, yy * y}; }
-};
-
+// First the slant, then the mirror, then the turn.
 Linear PoseOf(const CutJob& job) {
   const Affine turn = Turned(job.angle, {});
   const double side = job.mirror ? -1 : 1;
@@ -69,8 +61,8 @@ Path Moved(Path path, const P2& by) {
 // Glyphs of a text, with what is made of them once.
 class CutMaker {
  public:
-  CutMaker(const CutJob& job, const ShapingFont& font)
-      : job_(job), font_(font), pose_(PoseOf(job)) {}
+  CutMaker(const CutJob& job, std::span<const ShapingFont* const> fonts)
+      : job_(job), fonts_(fonts), pose_(PoseOf(job)) {}
 
   Status Make(CutDrawing* made);
 
@@ -87,7 +79,9 @@ class CutMaker {
   Status Size();
   void Set(double letter_spacing);
   Box2 InkOfBlock(const Linear& map);
-  const Box2& InkOfGlyph(uint32_t glyph);
+  const Box2& InkOfGlyph(const BlockGlyph& glyph);
+  const std::vector<Path>& Outline(const BlockGlyph& glyph) const;
+  Linear MapOf(const BlockGlyph& glyph) const { return map_.After(block_.forms[glyph.form].map); }
   void Place();
   uint32_t ShapeOf(const std::vector<size_t>& cluster);
   Shape Finish(std::vector<Path> outlines, ShapeNotes* notes) const;
@@ -97,11 +91,11 @@ class CutMaker {
   std::vector<Path> Formed(std::vector<Path> paths, double tolerance, size_t* vanished) const;
 
   const CutJob& job_;
-  const ShapingFont& font_;
+  std::span<const ShapingFont* const> fonts_;
   Linear pose_;  // without a size
   Linear map_;   // from font units to the drawing's
-  std::vector<BlockGlyph> block_;
-  std::map<uint32_t, Box2> inks_;  // of glyphs, under map_
+  TextBlock block_;
+  std::map<uint64_t, Box2> inks_;  // of glyphs in their forms, under map_
   std::vector<Placed> placed_;     // the glyphs of block_
   // The shapes so far, by their glyphs and where these stand to the first, in font units.
   std::map<std::vector<double>, uint32_t> known_;
@@ -110,10 +104,20 @@ class CutMaker {
   CutDrawing made_;
 };
 
-const Box2& CutMaker::InkOfGlyph(uint32_t glyph) {
-  const auto [kept, is_new] = inks_.try_emplace(glyph);
+// A glyph in its form, as one number that a double holds exactly.
+uint64_t KeyOf(const BlockGlyph& glyph) {
+  return uint64_t{glyph.form} << 32 | glyph.glyph;
+}
+
+const std::vector<Path>& CutMaker::Outline(const BlockGlyph& glyph) const {
+  return fonts_[block_.forms[glyph.form].font]->Outline(glyph.glyph);
+}
+
+const Box2& CutMaker::InkOfGlyph(const BlockGlyph& glyph) {
+  const auto [kept, is_new] = inks_.try_emplace(KeyOf(glyph));
   if (is_new) {
-    for (const Path& path : font_.Outline(glyph)) Include(&kept->second, BoxOf(Mapped(path, map_)));
+    const Linear map = MapOf(glyph);
+    for (const Path& path : Outline(glyph)) Include(&kept->second, BoxOf(Mapped(path, map)));
   }
   return kept->second;
 }
@@ -122,8 +126,8 @@ Box2 CutMaker::InkOfBlock(const Linear& map) {
   map_ = map;
   inks_.clear();
   Box2 ink;
-  for (const BlockGlyph& glyph : block_) {
-    const Box2& box = InkOfGlyph(glyph.glyph);
+  for (const BlockGlyph& glyph : block_.glyphs) {
+    const Box2& box = InkOfGlyph(glyph);
     if (!(box.min.x <= box.max.x)) continue;
     const P2 at = map.Apply(glyph.origin);
     Include(&ink, Box2{box.min + at, box.max + at});
@@ -132,7 +136,9 @@ Box2 CutMaker::InkOfBlock(const Linear& map) {
 }
 
 void CutMaker::Set(double letter_spacing) {
-  block_ = SetBlock(font_, job_.text, {job_.mode, job_.align, job_.line_spacing, letter_spacing});
+  block_ = SetBlock(fonts_, job_.text,
+                    {job_.mode, job_.align, job_.line_spacing, letter_spacing, job_.language,
+                     job_.direction, job_.across_digits});
 }
 
 // Settles map_ and block_. Letter spacing is a length of the drawing, so that where the ink decides
@@ -142,10 +148,10 @@ Status CutMaker::Size() {
   const bool fits = size.by == CutSize::By::kFit || size.by == CutSize::By::kStretch;
   if (!fits) {
     const double reference =
-        size.by == CutSize::By::kEm ? font_.units_per_em() : font_.cap_height();
+        size.by == CutSize::By::kEm ? fonts_[0]->units_per_em() : fonts_[0]->cap_height();
     if (!(reference > 0)) {
-      return Refuse(u"cap height",
-                    u"the face \"" + font_.data().family + u"\" has no capital letters to measure");
+      return Refuse(u"cap height", u"the face \"" + fonts_[0]->data().family +
+                                       u"\" has no capital letters to measure");
     }
     const double scale = size.height / reference;
     Set(job_.letter_spacing / scale);
@@ -187,13 +193,14 @@ void CutMaker::Place() {
                           : P2{part(ink.min.x, ink.max.x, job_.anchor.across),
                                part(ink.min.y, ink.max.y, job_.anchor.up)};
   const P2 shift = job_.at - anchor;
-  placed_.reserve(block_.size());
-  for (const BlockGlyph& glyph : block_) {
+  placed_.reserve(block_.glyphs.size());
+  for (const BlockGlyph& glyph : block_.glyphs) {
     Placed placed = {map_.Apply(glyph.origin) + shift, {}};
-    if (const Box2& box = InkOfGlyph(glyph.glyph); box.min.x <= box.max.x) {
+    if (const Box2& box = InkOfGlyph(glyph); box.min.x <= box.max.x) {
       placed.ink = {box.min + placed.at, box.max + placed.at};
     }
-    made_.glyphs.push_back({glyph.glyph, glyph.character, placed.at});
+    const GlyphForm& form = block_.forms[glyph.form];
+    made_.glyphs.push_back({glyph.glyph, glyph.character, placed.at, form.font, form.map.yx != 0});
     placed_.push_back(placed);
   }
 }
@@ -264,21 +271,21 @@ Shape CutMaker::Finish(std::vector<Path> outlines, ShapeNotes* notes) const {
 // The number of the shape of glyphs that are welded together, about the first one's origin. A new
 // one's outlines wait to be finished.
 uint32_t CutMaker::ShapeOf(const std::vector<size_t>& cluster) {
-  const P2 origin = block_[cluster[0]].origin;
+  const std::vector<BlockGlyph>& glyphs = block_.glyphs;
+  const P2 origin = glyphs[cluster[0]].origin;
   std::vector<double> key;
   for (const size_t i : cluster) {
-    const P2 apart = block_[i].origin - origin;
-    key.insert(key.end(), {static_cast<double>(block_[i].glyph), apart.x, apart.y});
+    const P2 apart = glyphs[i].origin - origin;
+    key.insert(key.end(), {static_cast<double>(KeyOf(glyphs[i])), apart.x, apart.y});
   }
   const auto [known, is_new] =
       known_.try_emplace(std::move(key), static_cast<uint32_t>(outlines_.size()));
   if (!is_new) return known->second;
   std::vector<Path>& paths = outlines_.emplace_back();
   for (const size_t i : cluster) {
-    const P2 apart = map_.Apply(block_[i].origin - origin);
-    for (const Path& path : font_.Outline(block_[i].glyph)) {
-      paths.push_back(Moved(Mapped(path, map_), apart));
-    }
+    const P2 apart = map_.Apply(glyphs[i].origin - origin);
+    const Linear map = MapOf(glyphs[i]);
+    for (const Path& path : Outline(glyphs[i])) paths.push_back(Moved(Mapped(path, map), apart));
   }
   return known->second;
 }
@@ -339,7 +346,7 @@ Status CutMaker::Make(CutDrawing* made) {
   const bool together = job_.weld == WeldScope::kText;
   std::vector<PlacedShape> placed;
   for (const std::vector<size_t>& cluster : together ? Overlapping(inks) : EachAlone(inks)) {
-    placed.push_back({ShapeOf(cluster), placed_[cluster[0]].at, block_[cluster[0]].line});
+    placed.push_back({ShapeOf(cluster), placed_[cluster[0]].at, block_.glyphs[cluster[0]].line});
   }
   FinishAll();
   for (const PlacedShape& shape : placed) {
@@ -350,6 +357,11 @@ Status CutMaker::Make(CutDrawing* made) {
   if (!together) made_.crossing = CrossingsOf(made_.drawing);
   made_.facts = FactsOf(made_.drawing);
   made_.ink = InkOf(made_.drawing);
+  made_.missing = std::move(block_.missing);
+  for (size_t i = 0; i < fonts_.size(); ++i) {
+    const FontData& data = fonts_[i]->data();
+    made_.faces.push_back({data.family, data.style, block_.substituted[i]});
+  }
   const Box2& ink = made_.ink;
   const bool blank = made_.drawing.placed.empty();
   if (!blank && !(std::max({-ink.min.x, -ink.min.y, ink.max.x, ink.max.y}) < kFarthest)) {
@@ -362,34 +374,34 @@ Status CutMaker::Make(CutDrawing* made) {
   return Status::Ok();
 }
 
-// The characters that the font has no glyph for, each once.
-std::vector<char32_t> MissingOf(const CutJob& job, const std::vector<CutGlyph>& glyphs) {
-  std::vector<char32_t> missing;
-  std::unordered_set<char32_t> seen;
-  for (const CutGlyph& glyph : glyphs) {
-    if (glyph.glyph != 0) continue;
-    size_t at = glyph.character;
-    const char32_t ch = NextCharacter(job.text, &at);
-    if (seen.insert(ch).second) missing.push_back(ch);
+// Finds a family for its missing characters: in the style of the first one, where it has that.
+Status FindFallback(const std::u16string& family, const std::u16string& style, FontData* data) {
+  if (FindFontData(family, style, data).ok()) return Status::Ok();
+  return FindFontData(family, {}, data);
+}
+
+Status OpenFonts(const CutJob& job, std::vector<std::unique_ptr<ShapingFont>>* fonts) {
+  for (size_t i = 0; i <= job.fallbacks.size(); ++i) {
+    FontData data;
+    Status found = i == 0 ? FindFontData(job.family, job.style, &data)
+                          : FindFallback(job.fallbacks[i - 1], job.style, &data);
+    if (!found.ok()) return found;
+    if (Status opened = ShapingFont::Open(data, &fonts->emplace_back()); !opened.ok()) {
+      return opened;
+    }
   }
-  return missing;
+  return Status::Ok();
 }
 
 }  // namespace
 
 Status MakeCut(const CutJob& job, CutDrawing* made) {
   if (!(job.tolerance > 0)) return Refuse(u"tolerance", u"must be above 0");
-  FontData data;
-  if (Status found = FindFontData(job.family, job.style, &data); !found.ok()) return found;
-  std::unique_ptr<ShapingFont> font;
-  if (Status opened = ShapingFont::Open(data, &font); !opened.ok()) return opened;
-  CutDrawing cut;
-  if (Status status = CutMaker(job, *font).Make(&cut); !status.ok()) return status;
-  cut.family = data.family;
-  cut.style = data.style;
-  cut.missing = MissingOf(job, cut.glyphs);
-  *made = std::move(cut);
-  return Status::Ok();
+  std::vector<std::unique_ptr<ShapingFont>> fonts;
+  if (Status opened = OpenFonts(job, &fonts); !opened.ok()) return opened;
+  std::vector<const ShapingFont*> choices;
+  for (const auto& font : fonts) choices.push_back(font.get());
+  return CutMaker(job, choices).Make(made);
 }
 
 }  // namespace kerno

@@ -49,7 +49,11 @@ enum class WeldScope {
 struct CutJob {
   std::u16string text;  // lines by LF, CR LF or CR
   std::u16string family, style;
+  std::vector<std::u16string> fallbacks;  // families that characters come from which it lacks
+  std::string language;                   // a BCP 47 tag; empty: the font's own way
+  ParagraphDirection direction = ParagraphDirection::kAuto;  // of each line
   WritingMode mode = WritingMode::kHorizontal;
+  size_t across_digits = 0;  // in columns, numbers of so many digits at most stand across
   Alignment align = Alignment::kLeft;
   double line_spacing = 1;    // of the font's own distance of lines
   double letter_spacing = 0;  // added after each character
@@ -74,15 +78,23 @@ struct CutGlyph {
   uint32_t glyph = 0;
   size_t character = 0;  // the UTF-16 unit of the text that it begins at
   P2 at;                 // where its origin is
+  size_t face = 0;       // of the drawing's faces
+  bool turned = false;   // lies on its right side, in a column
+};
+
+// A font that glyphs were taken from.
+struct CutFace {
+  std::u16string family, style;
+  size_t characters = 0;  // that it gave in place of the first one
 };
 
 struct CutDrawing {
   Drawing drawing;
   DrawingFacts facts;
   Box2 ink;
-  std::u16string family, style;   // the font that was taken
+  std::vector<CutFace> faces;     // the font that was taken, and the fallbacks
   std::vector<CutGlyph> glyphs;   // in the text's order
-  std::vector<char32_t> missing;  // distinct characters without a glyph
+  std::vector<char32_t> missing;  // distinct characters without a glyph in any face
   size_t vanished = 0;            // contours that an inward offset left nothing of
   size_t crossing = 0;            // paths that cross themselves or another one
 };

@@ -1,6 +1,7 @@
 #include "cli/cut_command.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 
 #include "base/number_text.h"
@@ -43,7 +44,34 @@ std::string SummaryOf(const CutDrawing& made) {
   text += ", " + Counted(facts.lines, "line", "lines");
   text += ", " + Fixed(made.ink.Width(), decimals) + " x " + Fixed(made.ink.Height(), decimals) +
           " " + unit;
+  for (const CutFace& face : made.faces) {
+    if (face.characters == 0) continue;
+    text += ", " + Counted(face.characters, "character", "characters") + " from " +
+            Utf16ToUtf8(face.family);
+  }
   return text + ", " + Fixed(facts.length, 1) + " " + unit + " to cut";
+}
+
+// "DejaVu Sans, IPAMincho"
+std::string FaceNames(const std::vector<CutFace>& faces) {
+  std::string names;
+  for (const CutFace& face : faces) {
+    names += (names.empty() ? "" : ", ") + Utf16ToUtf8(face.family);
+  }
+  return names;
+}
+
+// Words of letters and digits with hyphens between them, as BCP 47 has them.
+bool IsLanguageTag(std::string_view tag) {
+  size_t length = 0;  // of the word at hand
+  for (const char c : tag) {
+    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    const bool digit = c >= '0' && c <= '9';
+    if (c == '-' ? length == 0 : !letter && !digit) return false;
+    length = c == '-' ? 0 : length + 1;
+    if (length > 8) return false;
+  }
+  return length > 0;
 }
 
 void AppendField(std::string* out, std::string_view name, double value) {
@@ -51,11 +79,29 @@ void AppendField(std::string* out, std::string_view name, double value) {
   AppendShortest(out, value);
 }
 
+void AppendFace(std::string* out, const CutFace& face) {
+  *out += "\"face\": ";
+  AppendJsonString(out, face.family);
+  *out += ", \"style\": ";
+  AppendJsonString(out, face.style);
+}
+
+void AppendFallbacks(std::string* out, const std::vector<CutFace>& faces) {
+  *out += ", \"fallbacks\": [";
+  for (size_t i = 1; i < faces.size(); ++i) {
+    *out += i == 1 ? "{" : ", {";
+    AppendFace(out, faces[i]);
+    AppendField(out, "characters", static_cast<double>(faces[i].characters));
+    *out += "}";
+  }
+  *out += "]";
+}
+
 std::string JsonOf(const CutDrawing& made) {
-  std::string out = "{\"face\": ";
-  AppendJsonString(&out, made.family);
-  out += ", \"style\": ";
-  AppendJsonString(&out, made.style);
+  std::string out = "{";
+  AppendFace(&out, made.faces[0]);
+  const bool has_fallbacks = made.faces.size() > 1;
+  if (has_fallbacks) AppendFallbacks(&out, made.faces);
   out += std::string(", \"unit\": \"") + UnitName(made.drawing.unit) + "\"";
   AppendField(&out, "closedPaths", static_cast<double>(made.facts.closed));
   AppendField(&out, "openPaths", static_cast<double>(made.facts.open));
@@ -76,6 +122,11 @@ std::string JsonOf(const CutDrawing& made) {
     AppendField(&out, "character", static_cast<double>(glyph.character));
     AppendField(&out, "x", glyph.at.x);
     AppendField(&out, "y", glyph.at.y);
+    if (glyph.turned) out += ", \"turned\": true";
+    if (has_fallbacks) {
+      out += ", \"face\": ";
+      AppendJsonString(&out, made.faces[glyph.face].family);
+    }
     out += "}";
   }
   return out + "]}\n";
@@ -90,12 +141,30 @@ void CutCommand::AddOptions(CLI::App& app) {
   app.add_option("--style", style_name_, "a named style of the family, such as \"Bold Oblique\"")
       ->type_name("NAME");
   app.add_flag("--vertical", vertical_, "columns from top to bottom, the first one on the right");
+  AddScriptOptions(app);
   AddSizeOptions(app);
   AddPathOptions(app);
   AddFileOptions(app);
   app.add_flag("--strict", strict_, "a character without a glyph is an error");
   app.add_flag("--quiet", quiet_, "no warnings and no summary");
   app.add_flag("--json", json_, "print what was made, with every glyph, as one JSON object");
+}
+
+void CutCommand::AddScriptOptions(CLI::App& app) {
+  app.add_option("--fallback", fallbacks_,
+                 "a family that gives the characters which the face lacks; repeat it for more")
+      ->type_name("NAME")
+      ->take_all()
+      ->allow_extra_args(false);
+  app.add_option("--language", language_, "of the text, such as ja or sr-Latn")->type_name("TAG");
+  app.add_option("--direction", direction_,
+                 "of each line; auto: that of its first letter with a direction")
+      ->type_name("auto|ltr|rtl")
+      ->capture_default_str();
+  app.add_option("--tate-chu-yoko", across_digits_,
+                 "--vertical: set numbers of up to N digits across the column")
+      ->type_name("N")
+      ->capture_default_str();
 }
 
 void CutCommand::AddSizeOptions(CLI::App& app) {
@@ -273,6 +342,11 @@ bool CutCommand::ReadStyle() {
     ReportError("--layer", "the name is empty");
     return false;
   }
+  const auto turner = std::ranges::find_if(*layer, IsDirectionControl);
+  if (turner != layer->end()) {
+    ReportError("--layer", "the name holds " + CodeOf(*turner) + ", a control of direction");
+    return false;
+  }
   if (const Status dated = ReadSourceDate(&style_.moment); !dated.ok()) {
     ReportError(dated);
     return false;
@@ -292,6 +366,35 @@ bool CutCommand::ReadStyle() {
                          {{"cut", SvgLook::kCut}, {"fill", SvgLook::kFill}}, &style_.svg);
 }
 
+bool CutCommand::ReadScripts() {
+  for (const std::string& name : fallbacks_) {
+    const auto family = TextArgument("--fallback", name);
+    if (!family) return false;
+    if (family->empty()) {
+      ReportError("--fallback", "the name is empty");
+      return false;
+    }
+    job_.fallbacks.push_back(*family);
+  }
+  if (app_->count("--language") > 0 && !IsLanguageTag(language_)) {
+    ReportError("--language", "\"" + language_ + "\" is no language tag, such as ja or sr-Latn");
+    return false;
+  }
+  job_.language = language_;
+  const auto digits = WholeNumber("--tate-chu-yoko", across_digits_, 0, 9);
+  if (!digits) return false;
+  if (*digits > 0 && !vertical_) {
+    ReportError("--tate-chu-yoko", "needs --vertical");
+    return false;
+  }
+  job_.across_digits = static_cast<size_t>(*digits);
+  return Choose<ParagraphDirection>("--direction", direction_,
+                                    {{"auto", ParagraphDirection::kAuto},
+                                     {"ltr", ParagraphDirection::kLeftToRight},
+                                     {"rtl", ParagraphDirection::kRightToLeft}},
+                                    &job_.direction);
+}
+
 bool CutCommand::ReadJob() {
   const auto face = TextArgument("--face", face_);
   const auto style = face ? TextArgument("--style", style_name_) : std::nullopt;
@@ -302,12 +405,12 @@ bool CutCommand::ReadJob() {
   return Choose<LengthUnit>("--unit", unit_,
                             {{"mm", LengthUnit::kMillimetre}, {"in", LengthUnit::kInch}},
                             &job_.unit) &&
-         ReadSize() && ReadPlace() && ReadPaths() && ReadStyle();
+         ReadScripts() && ReadSize() && ReadPlace() && ReadPaths() && ReadStyle();
 }
 
 // Tells what the user should know before the files are written; false when that ends the command.
 bool CutCommand::Report(const CutDrawing& made) const {
-  if (!ReportLost("no glyph in " + Utf16ToUtf8(made.family), made.missing, strict_)) return false;
+  if (!ReportLost("no glyph in " + FaceNames(made.faces), made.missing, strict_)) return false;
   if (made.drawing.placed.empty()) ReportWarning("text", "has no outlines");
   if (made.vanished > 0) {
     ReportWarning("--offset",

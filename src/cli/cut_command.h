@@ -21,10 +21,12 @@ class CutCommand final : public Command {
   ExitStatus Run() override;
 
  private:
+  void AddScriptOptions(CLI::App& app);
   void AddSizeOptions(CLI::App& app);
   void AddPathOptions(CLI::App& app);
   void AddFileOptions(CLI::App& app);
   bool ReadJob();
+  bool ReadScripts();
   bool ReadSize();
   bool ReadPlace();
   bool ReadPaths();
@@ -36,7 +38,8 @@ class CutCommand final : public Command {
   CLI::App* app_ = nullptr;
   TextSource source_;
   OutputFiles outputs_;
-  std::string face_, style_name_;
+  std::string face_, style_name_, language_, direction_ = "auto", across_digits_ = "0";
+  std::vector<std::string> fallbacks_;
   bool vertical_ = false, strict_ = false, quiet_ = false, json_ = false;
   bool stretch_ = false, mirror_ = false;
   std::string cap_height_, em_, fit_;

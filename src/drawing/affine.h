@@ -18,6 +18,21 @@ struct Affine {
   }
 };
 
+// A map that leaves the origin where it is.
+struct Linear {
+  double xx = 1, xy = 0, yx = 0, yy = 1;
+
+  bool operator==(const Linear&) const = default;
+  P2 Apply(const P2& p) const { return {xx * p.x + xy * p.y, yx * p.x + yy * p.y}; }
+  // The results are multiplied by x and y.
+  Linear Scaled(double x, double y) const { return {xx * x, xy * x, yx * y, yy * y}; }
+  // This map after another one.
+  Linear After(const Linear& m) const {
+    return {xx * m.xx + xy * m.yx, xx * m.xy + xy * m.yy, yx * m.xx + yy * m.yx,
+            yx * m.xy + yy * m.yy};
+  }
+};
+
 // A turn about `centre` by an angle in degrees, counter-clockwise where y points up. Sine and
 // cosine of whole multiples of 90 degrees are exact.
 Affine Turned(double degrees, const P2& centre);

@@ -5,6 +5,7 @@ kerno_room(platform
     private_profile.cpp
     services.cpp
     surface_context.cpp
+    vertical_orientation.cpp
     win32/bitmap_surface_win32.cpp
     win32/clock_win32.cpp
     win32/code_page_win32.cpp
