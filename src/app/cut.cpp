@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "app/overlaps.h"
+#include "app/stroke_fonts.h"
 #include "base/text.h"
 #include "drawing/affine.h"
 #include "drawing/check_paths.h"
@@ -16,17 +17,19 @@
 #include "drawing/flatten.h"
 #include "drawing/measures.h"
 #include "drawing/offset.h"
+#include "drawing/strokes.h"
 #include "drawing/weld.h"
 
 namespace kerno {
 namespace {
 
-constexpr double kShare = 0.25;     // of the tolerance, for welding and for an offset
-constexpr double kSmallest = 1e-3;  // units; below, the decimals of files leave no shape
-constexpr double kFarthest = 1e7;   // units; beyond, coordinates lose the decimals of a tolerance
+constexpr double kShare = 0.25;       // of the tolerance, for welding and for an offset
+constexpr double kSmallest = 1e-3;    // units; below, the decimals of files leave no shape
+constexpr double kFarthest = 1e7;     // units; beyond, coordinates lose the decimals of a tolerance
+constexpr double kSameStroke = 1e-6;  // of an em; strokes that lie closer count as one
 
-Status Refuse(const char16_t* what, std::u16string why) {
-  return Status::Error(Failure::kOther, what, std::move(why));
+Status Refuse(std::u16string what, std::u16string why) {
+  return Status::Error(Failure::kOther, std::move(what), std::move(why));
 }
 
 // A linear map: first the slant, then the mirror, then the turn, then the scales.
@@ -34,6 +37,7 @@ struct Linear {
   double xx = 1, xy = 0, yx = 0, yy = 1;
 
   P2 Apply(const P2& p) const { return {xx * p.x + xy * p.y, yx * p.x + yy * p.y}; }
+  bool TurnsOver() const { return xx * yy - xy * yx < 0; }
   Linear Scaled(double x, double y) const { return {xx * x, xy * x, yx * y, yy * y}; }
 };
 
@@ -51,15 +55,28 @@ Path Mapped(const Path& path, const Linear& map) {
     segment.end = map.Apply(segment.end);
     segment.first = map.Apply(segment.first);
     segment.second = map.Apply(segment.second);
+    if (map.TurnsOver()) segment.bulge = -segment.bulge;
   }
   return mapped;
+}
+
+bool HasArcs(const Path& path) {
+  return std::ranges::any_of(path.segments,
+                             [](const Segment& s) { return s.kind == SegmentKind::kArc; });
+}
+bool HasCurves(const Path& path) {
+  return std::ranges::any_of(path.segments, [](const Segment& s) {
+    return s.kind == SegmentKind::kQuadratic || s.kind == SegmentKind::kCubic;
+  });
 }
 
 // Glyphs of a text, with what is made of them once.
 class CutMaker {
  public:
   CutMaker(const CutJob& job, const ShapingFont& font)
-      : job_(job), font_(font), pose_(PoseOf(job)) {}
+      : job_(job), font_(&font), pose_(PoseOf(job)) {}
+  CutMaker(const CutJob& job, const StrokeFont& font)
+      : job_(job), stroke_font_(&font), pose_(PoseOf(job)) {}
 
   Status Make(CutDrawing* made);
 
@@ -77,15 +94,20 @@ class CutMaker {
   void Set(double letter_spacing);
   Box2 InkOfBlock(const Linear& map);
   const Box2& InkOfGlyph(uint32_t glyph);
+  const std::vector<Path>& Outline(uint32_t glyph);
+  double FontSize(CutSize::By by) const;
   void Place();
   uint32_t ShapeOf(const std::vector<size_t>& cluster);
   Shape Finish(std::vector<Path> paths, size_t* crossing, size_t* vanished);
+  Shape FinishStrokes(std::vector<Path> strokes) const;
   Path InForm(Path path, double tolerance) const;
 
   const CutJob& job_;
-  const ShapingFont& font_;
-  Linear pose_;  // without a size
-  Linear map_;   // from font units to the drawing's
+  const ShapingFont* font_ = nullptr;  // null where there is a stroke font
+  const StrokeFont* stroke_font_ = nullptr;
+  std::map<uint32_t, std::vector<Path>> strokes_;  // of its glyphs, as they are drawn
+  Linear pose_;                                    // without a size
+  Linear map_;                                     // from font units to the drawing's
   std::vector<BlockGlyph> block_;
   std::map<uint32_t, Box2> inks_;  // of glyphs, under map_
   std::vector<Placed> placed_;     // the glyphs of block_
@@ -98,7 +120,21 @@ class CutMaker {
 const Box2& CutMaker::InkOfGlyph(uint32_t glyph) {
   const auto [kept, is_new] = inks_.try_emplace(glyph);
   if (is_new) {
-    for (const Path& path : font_.Outline(glyph)) Include(&kept->second, BoxOf(Mapped(path, map_)));
+    for (const Path& path : Outline(glyph)) Include(&kept->second, BoxOf(Mapped(path, map_)));
+  }
+  return kept->second;
+}
+
+const std::vector<Path>& CutMaker::Outline(uint32_t glyph) {
+  if (font_) return font_->Outline(glyph);
+  const auto [kept, is_new] = strokes_.try_emplace(glyph);
+  if (is_new) {
+    kept->second =
+        DrawnOnce(stroke_font_->glyphs[glyph].strokes, kSameStroke * stroke_font_->units_per_em);
+    // Circles that lean or are stretched are none.
+    if (job_.slant != 0 || job_.size.by == CutSize::By::kStretch) {
+      for (Path& path : kept->second) path = WithoutArcs(path);
+    }
   }
   return kept->second;
 }
@@ -117,7 +153,16 @@ Box2 CutMaker::InkOfBlock(const Linear& map) {
 }
 
 void CutMaker::Set(double letter_spacing) {
-  block_ = SetBlock(font_, job_.text, {job_.mode, job_.align, job_.line_spacing, letter_spacing});
+  const BlockOptions options = {job_.mode, job_.align, job_.line_spacing, letter_spacing};
+  block_ = font_ ? SetBlock(*font_, job_.text, options)
+                 : SetStrokeBlock(*stroke_font_, job_.text, options);
+}
+
+// What a size by cap height or em is measured against, in font units; 0 where there is none.
+double CutMaker::FontSize(CutSize::By by) const {
+  const bool em = by == CutSize::By::kEm;
+  if (font_) return em ? font_->units_per_em() : font_->cap_height();
+  return em ? stroke_font_->units_per_em : stroke_font_->cap_height;
 }
 
 // Settles map_ and block_. Letter spacing is a length of the drawing, so that where the ink decides
@@ -126,11 +171,11 @@ Status CutMaker::Size() {
   const CutSize& size = job_.size;
   const bool fits = size.by == CutSize::By::kFit || size.by == CutSize::By::kStretch;
   if (!fits) {
-    const double reference =
-        size.by == CutSize::By::kEm ? font_.units_per_em() : font_.cap_height();
+    const double reference = FontSize(size.by);
     if (!(reference > 0)) {
-      return Refuse(u"cap height",
-                    u"the face \"" + font_.data().family + u"\" has no capital letters to measure");
+      return Refuse(u"cap height", u"the face \"" +
+                                       (font_ ? font_->data().family : stroke_font_->family) +
+                                       u"\" has no capital letters to measure");
     }
     const double scale = size.height / reference;
     Set(job_.letter_spacing / scale);
@@ -194,12 +239,14 @@ Path CutMaker::InForm(Path path, double tolerance) const {
       if (corners.empty()) return chords;
       chords.start = corners[0];
       for (size_t i = 1; i < corners.size(); ++i) chords.segments.push_back({.end = corners[i]});
-      chords.segments.push_back({.end = corners[0]});
+      chords.closed = path.closed;
+      if (path.closed) chords.segments.push_back({.end = corners[0]});
       return chords;
     }
     case CurveForm::kCurves:
       break;
   }
+  if (HasCurves(path) && HasArcs(path)) return WithoutArcs(path);
   return path;
 }
 
@@ -230,6 +277,16 @@ Shape CutMaker::Finish(std::vector<Path> paths, size_t* crossing, size_t* vanish
   return shape;
 }
 
+// Strokes cross and touch as they like, and are neither inside nor outside of each other.
+Shape CutMaker::FinishStrokes(std::vector<Path> strokes) const {
+  for (Path& path : strokes) path = InForm(std::move(path), job_.tolerance);
+  std::erase_if(strokes, [](const Path& path) { return path.segments.empty(); });
+  if (job_.order != CutOrder::kText) strokes = WithShortWays(std::move(strokes));
+  Shape shape;
+  for (Path& path : strokes) shape.push_back({std::move(path), 0});
+  return shape;
+}
+
 // The shape of glyphs that are welded together, about the first one's origin.
 uint32_t CutMaker::ShapeOf(const std::vector<size_t>& cluster) {
   const P2 origin = block_[cluster[0]].origin;
@@ -244,7 +301,7 @@ uint32_t CutMaker::ShapeOf(const std::vector<size_t>& cluster) {
   std::vector<Path> paths;
   for (const size_t i : cluster) {
     const P2 apart = map_.Apply(block_[i].origin - origin);
-    for (const Path& path : font_.Outline(block_[i].glyph)) {
+    for (const Path& path : Outline(block_[i].glyph)) {
       Path mapped = Mapped(path, map_);
       mapped.start = mapped.start + apart;
       for (Segment& segment : mapped.segments) {
@@ -256,7 +313,8 @@ uint32_t CutMaker::ShapeOf(const std::vector<size_t>& cluster) {
     }
   }
   ShapeNotes& notes = notes_.emplace_back();
-  made_.drawing.shapes.push_back(Finish(std::move(paths), &notes.crossing, &notes.vanished));
+  made_.drawing.shapes.push_back(font_ ? Finish(std::move(paths), &notes.crossing, &notes.vanished)
+                                       : FinishStrokes(std::move(paths)));
   return known->second;
 }
 
@@ -273,7 +331,8 @@ Status CutMaker::Make(CutDrawing* made) {
     inks.push_back(box);
   }
   made_.drawing.unit = job_.unit;
-  const bool together = job_.weld == WeldScope::kText;
+  made_.drawing.strokes = !font_;
+  const bool together = font_ && job_.weld == WeldScope::kText;
   for (const std::vector<size_t>& cluster : together ? Overlapping(inks) : EachAlone(inks)) {
     const uint32_t shape = ShapeOf(cluster);
     made_.crossing += notes_[shape].crossing;
@@ -308,10 +367,39 @@ std::vector<char32_t> MissingOf(const CutJob& job, const std::vector<CutGlyph>& 
   return missing;
 }
 
+// The first character of the text whose strokes cannot be read.
+Status CheckStrokes(const CutJob& job, const ChosenStrokeFont& chosen) {
+  for (size_t at = 0; at < job.text.size();) {
+    const char32_t ch = NextCharacter(job.text, &at);
+    const StrokeGlyph& glyph = chosen.font.glyphs[chosen.font.GlyphOf(ch)];
+    if (glyph.bad_line == 0) continue;
+    const std::string line = std::to_string(glyph.bad_line), code = CodeOf(ch);
+    return Refuse(PathText(chosen.file) + u", line " + std::u16string(line.begin(), line.end()),
+                  std::u16string(code.begin(), code.end()) + u": " + glyph.fault);
+  }
+  return Status::Ok();
+}
+
+Status MakeStrokeCut(const CutJob& job, CutDrawing* made) {
+  if (job.offset != 0) {
+    return Refuse(u"offset", u"strokes have no outside: an offset needs a font of outlines");
+  }
+  ChosenStrokeFont chosen;
+  if (Status found = ChooseStrokeFont(job.stroke_font, &chosen); !found.ok()) return found;
+  if (Status checked = CheckStrokes(job, chosen); !checked.ok()) return checked;
+  CutDrawing cut;
+  if (Status status = CutMaker(job, chosen.font).Make(&cut); !status.ok()) return status;
+  cut.family = chosen.font.family;
+  cut.missing = MissingOf(job, cut.glyphs);
+  *made = std::move(cut);
+  return Status::Ok();
+}
+
 }  // namespace
 
 Status MakeCut(const CutJob& job, CutDrawing* made) {
   if (!(job.tolerance > 0)) return Refuse(u"tolerance", u"must be above 0");
+  if (!job.stroke_font.empty()) return MakeStrokeCut(job, made);
   FontData data;
   if (Status found = FindFontData(job.family, job.style, &data); !found.ok()) return found;
   std::unique_ptr<ShapingFont> font;

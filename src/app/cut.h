@@ -49,6 +49,7 @@ enum class WeldScope {
 struct CutJob {
   std::u16string text;  // lines by LF, CR LF or CR
   std::u16string family, style;
+  std::u16string stroke_font;  // a font of strokes instead, by its name or file; empty: none
   WritingMode mode = WritingMode::kHorizontal;
   Alignment align = Alignment::kLeft;
   double line_spacing = 1;    // of the font's own distance of lines
@@ -88,7 +89,8 @@ struct CutDrawing {
 };
 
 // Fails for a font that cannot be found or read, for a text without ink where a size was asked of
-// the ink, and for a tolerance that is not above 0. *made is set on success only.
+// the ink, and for a tolerance that is not above 0. With a font of strokes the paths are its
+// strokes, each once, which are neither welded nor moved outwards. *made is set on success only.
 [[nodiscard]] Status MakeCut(const CutJob& job, CutDrawing* made);
 
 }  // namespace kerno

@@ -29,6 +29,7 @@ class CutCommand final : public Command {
   bool ReadPlace();
   bool ReadPaths();
   bool ReadStyle();
+  bool ReadStrokeFont();
   bool Report(const CutDrawing& made) const;
   Status Write(const CutDrawing& made, const Format& format,
                const std::filesystem::path& file) const;
@@ -36,7 +37,7 @@ class CutCommand final : public Command {
   CLI::App* app_ = nullptr;
   TextSource source_;
   OutputFiles outputs_;
-  std::string face_, style_name_;
+  std::string face_, style_name_, stroke_font_;
   bool vertical_ = false, strict_ = false, quiet_ = false, json_ = false;
   bool stretch_ = false, mirror_ = false;
   std::string cap_height_, em_, fit_;

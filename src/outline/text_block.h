@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "outline/shaping_font.h"
+#include "outline/stroke_font.h"
 
 namespace kerno {
 
@@ -28,5 +29,10 @@ struct BlockGlyph {
 // Lines end at LF, CR LF or CR.
 std::vector<BlockGlyph> SetBlock(const ShapingFont& font, std::u16string_view text,
                                  const BlockOptions& options);
+
+// The same with a font of strokes: one glyph after the other, without kerning or shaping. In
+// vertical mode upright characters stand in columns, each in the middle of its own.
+std::vector<BlockGlyph> SetStrokeBlock(const StrokeFont& font, std::u16string_view text,
+                                       const BlockOptions& options);
 
 }  // namespace kerno

@@ -1,0 +1,30 @@
+// What the readers of stroke fonts share.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "outline/stroke_font.h"
+
+namespace kerno {
+
+// More than any font has; keeps what a hostile file takes of memory within bounds.
+inline constexpr size_t kMostStrokeSegments = 4'000'000;
+
+Status StrokeFontFault(size_t line, std::u16string why);
+
+// Takes a decimal number from the front of the text, which moves to what follows. Nothing, and the
+// text as it was, where there is none or it is out of all bounds (beyond 1e6).
+std::optional<double> TakeNumber(std::string_view* text);
+
+// Takes a line, without its end (LF or CR LF), from the front of the text.
+std::string_view TakeLine(std::string_view* text);
+
+// The text without the blanks around it.
+std::string_view Trimmed(std::string_view text);
+
+size_t CountSegments(const StrokeGlyph& glyph);
+
+}  // namespace kerno
