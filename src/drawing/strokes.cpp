@@ -88,9 +88,9 @@ class Repeats {
         if (to > tolerance_ && from < length - tolerance_) drawn.push_back({from, to});
       }
     }
-    lines_[direction].push_back({piece.start, piece.segment.end});
-    if (drawn.empty()) return {piece};
-    return Rest(piece, length, std::move(drawn));
+    std::vector<Piece> parts = drawn.empty() ? std::vector{piece} : Rest(piece, length, drawn);
+    for (const Piece& part : parts) lines_[direction].push_back({part.start, part.segment.end});
+    return parts;
   }
 
   std::vector<Piece> Rest(const Piece& piece, double length, std::vector<Stretch> drawn) const {

@@ -78,17 +78,22 @@ std::optional<size_t> WholeNumber(std::string_view text) {
 
 // The pairs of a glyph: the left and right edge first, then points; " R" lifts the pen.
 StrokeGlyph GlyphOfPairs(std::string_view pairs, size_t line) {
+  const auto is_lift = [&](size_t i) { return pairs[i] == ' ' && pairs[i + 1] == kCentre; };
+  for (size_t i = 0; i < pairs.size(); i += 2) {
+    const bool is_pair =
+        pairs[i] > ' ' && pairs[i] <= '~' && pairs[i + 1] > ' ' && pairs[i + 1] <= '~';
+    if (is_pair || (i > 0 && is_lift(i))) continue;
+    return {.bad_line = line, .fault = u"holds characters that are no coordinates"};
+  }
+  if (pairs[1] < pairs[0]) return {.bad_line = line, .fault = u"has its edges on the wrong sides"};
   StrokeGlyph glyph;
   const double left = pairs[0] - kCentre, right = pairs[1] - kCentre;
   glyph.advance = right - left;
   bool down = false;
-  for (size_t i = 2; i + 1 < pairs.size(); i += 2) {
-    if (pairs[i] == ' ' && pairs[i + 1] == 'R') {
+  for (size_t i = 2; i < pairs.size(); i += 2) {
+    if (is_lift(i)) {
       down = false;
       continue;
-    }
-    if (pairs[i] <= ' ' || pairs[i] > '~' || pairs[i + 1] <= ' ' || pairs[i + 1] > '~') {
-      return {.bad_line = line, .fault = u"holds characters that are no coordinates"};
     }
     const P2 point = {pairs[i] - kCentre - left, kCentre - pairs[i + 1] + kBaseline};
     if (down) {

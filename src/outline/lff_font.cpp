@@ -196,6 +196,10 @@ Status LffReader::Read(std::string_view bytes, StrokeFont* font) {
     for (const Path& stroke : glyph.strokes) Include(&ink, BoxOf(stroke));
     if (glyph.strokes.empty()) ink.max.x = 0;
     glyph.advance = std::max(0.0, ink.max.x) + letter_spacing_;
+    if (CountSegments(glyph) > kMostGlyphSegments) {
+      glyph.bad_line = entry.line;
+      glyph.fault = kGlyphTooLarge;
+    }
     if (glyph.bad_line > 0) glyph.strokes.clear();
     made_.Add(character, std::move(glyph), StrokeFont::IfKnown::kReplace);
   }

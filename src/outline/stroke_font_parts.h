@@ -11,7 +11,8 @@
 namespace kerno {
 
 // More than any font has; keeps what a hostile file takes of memory within bounds.
-inline constexpr size_t kMostStrokeSegments = 4'000'000;
+inline constexpr size_t kMostStrokeSegments = 4'000'000, kMostGlyphSegments = 20'000;
+inline constexpr std::u16string_view kGlyphTooLarge = u"has more than 20000 lines and curves";
 
 Status StrokeFontFault(size_t line, std::u16string why);
 

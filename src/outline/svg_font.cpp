@@ -68,7 +68,13 @@ bool SvgFontReader::Glyph(const XmlTag& tag) {
     glyph.bad_line = tag.line;
     glyph.strokes.clear();
   }
-  segments_ += CountSegments(glyph);
+  const size_t segments = CountSegments(glyph);
+  if (segments > kMostGlyphSegments) {
+    glyph.strokes.clear();
+    glyph.bad_line = tag.line;
+    glyph.fault = kGlyphTooLarge;
+  }
+  segments_ += segments;
   if (segments_ > kMostStrokeSegments) return false;
   if (missing) {
     made_.glyphs[0] = std::move(glyph);

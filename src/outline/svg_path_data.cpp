@@ -13,6 +13,7 @@ namespace kerno {
 namespace {
 
 constexpr std::string_view kCommands = "MmZzLlHhVvCcSsQqTtAa";
+constexpr std::string_view kNumbers = "0123456789+-.";  // what one begins with
 
 size_t ArgumentsOf(char command) {
   switch (command) {
@@ -218,7 +219,7 @@ std::u16string PathDataReader::Read() {
       Run(command, relative);
       if (command == 'M') command = 'L';
       SkipSeparators(command != 'Z');
-      more = command != 'Z' && !rest_.empty() && kCommands.find(rest_[0]) == kCommands.npos;
+      more = command != 'Z' && !rest_.empty() && kNumbers.find(rest_[0]) != kNumbers.npos;
     }
   }
   return {};
