@@ -10,7 +10,7 @@ namespace kerno {
 namespace {
 
 constexpr double kMostNumber = 1e6;
-constexpr char32_t kNoBreakSpace = 0xA0;
+constexpr char32_t kNoBreakSpace = 0xA0, kIdeographicSpace = 0x3000;
 
 bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -27,7 +27,9 @@ std::u16string Widened(std::string_view digits) {
 
 uint32_t StrokeFont::GlyphOf(char32_t character) const {
   auto found = numbers.find(character);
-  if (found == numbers.end() && character == kNoBreakSpace) found = numbers.find(U' ');
+  if (found == numbers.end() && (character == kNoBreakSpace || character == kIdeographicSpace)) {
+    found = numbers.find(U' ');
+  }
   return found == numbers.end() ? 0 : found->second;
 }
 

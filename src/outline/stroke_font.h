@@ -32,8 +32,8 @@ struct StrokeFont {
   std::vector<StrokeGlyph> glyphs = std::vector<StrokeGlyph>(1);  // 0: of characters that it lacks
   std::unordered_map<char32_t, uint32_t> numbers;                 // of the glyphs, by character
 
-  // 0 for a character that the font does not have. A no-break space is a space where the font has
-  // no other.
+  // 0 for a character that the font does not have. A no-break or an ideographic space is a
+  // space where the font has no other.
   uint32_t GlyphOf(char32_t character) const;
   // Adds a glyph; where the character has one already, `replace` says which one stays.
   enum class IfKnown { kKeep, kReplace };
