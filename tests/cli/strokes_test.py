@@ -11,8 +11,10 @@ import math
 import os
 import pathlib
 import re
+import shutil
 import sys
 import unittest
+import unittest.mock
 
 import ezdxf
 import ezdxf.path
@@ -139,6 +141,14 @@ def lines_of(entity, tolerance):
 
 
 class StrokesTest(programs.FolderTest):
+    def setUp(self):
+        super().setUp()
+        # Settings of its own: others that hold the user's would show as a wait on standard error.
+        settings = unittest.mock.patch.dict(os.environ, XDG_CONFIG_HOME=str(self.folder.with_suffix(".settings")))
+        settings.start()
+        self.addCleanup(settings.stop)
+        self.addCleanup(shutil.rmtree, os.environ["XDG_CONFIG_HOME"], ignore_errors=True)
+
     def cut(self, *arguments, name="a.dxf"):
         path = self.folder / name
         status, out, err = run("cut", *arguments, "-o", str(path), "--json")
