@@ -182,6 +182,12 @@ class StrokesTest(programs.FolderTest):
         for name in os.environ.get("KERNO_LIBRECAD", "standard iso3098 italicc kochimincho").split():
             self.check_letters(f"{LIBRECAD}/{name}.lff", librecad(f"{LIBRECAD}/{name}.lff"), 9)
 
+    def test_wrapped_lines_are_read_as_one(self):
+        lines = pathlib.Path(f"{HERSHEY}/gothiceng.jhf").read_text("ascii").splitlines()
+        wrapped = self.font("".join(line[i:i + 72] + "\r\n" for line in lines for i in range(0, len(line), 72)), "w.jhf")
+        files = [self.cut("Quiz 8&@", "--stroke-font", font)[1].read_bytes() for font in ("gothiceng", wrapped)]
+        self.assertEqual(*files)
+
     def test_arcs_and_curves_follow_size_and_pose(self):
         lean, turn = math.tan(math.radians(20)), math.sqrt(0.5)
         standard = f"{LIBRECAD}/standard.lff"
