@@ -12,9 +12,10 @@
 namespace kerno {
 namespace {
 
-// What the format fixes: capital letters are 9 units high, and so is a text of height 1.
+// What the format fixes: a text of height 1 is 9 units high, and so are capital letters, nearly.
 constexpr double kHeight = 9, kAscent = 9, kDescent = -3;
-constexpr double kLinePitch = 15;   // times the font's factor
+constexpr double kLinePitch = 15;  // times the font's factor
+constexpr double kLeastCapital = 0.8 * kHeight, kMostCapital = 1.1 * kHeight;
 constexpr int kDeepest = 16;        // references of references
 constexpr double kMostBulge = 1e3;  // a circle but for a quarter of a degree
 
@@ -203,6 +204,9 @@ Status LffReader::Read(std::string_view bytes, StrokeFont* font) {
     if (glyph.bad_line > 0) glyph.strokes.clear();
     made_.Add(character, std::move(glyph), StrokeFont::IfKnown::kReplace);
   }
+  // Fonts of signs have anything in place of an "H".
+  const double height = HeightOfH(made_);
+  if (height > kLeastCapital && height < kMostCapital) made_.cap_height = height;
   made_.Add(U' ', {.advance = word_spacing_}, StrokeFont::IfKnown::kKeep);
   made_.glyphs[0].advance = word_spacing_;
   *font = std::move(made_);

@@ -1,9 +1,11 @@
 #include "outline/stroke_font.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <utility>
 
+#include "drawing/measures.h"
 #include "outline/stroke_font_parts.h"
 
 namespace kerno {
@@ -73,6 +75,15 @@ std::string_view Trimmed(std::string_view text) {
   while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
   while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
   return text;
+}
+
+double HeightOfH(const StrokeFont& font) {
+  const uint32_t glyph = font.GlyphOf(U'H');
+  Box2 ink;
+  if (glyph == 0) return 0;
+  for (const Path& stroke : font.glyphs[glyph].strokes) Include(&ink, BoxOf(stroke));
+  // Flourishes below the baseline are no part of a letter's height.
+  return std::max(0.0, ink.max.y - std::max(0.0, ink.min.y));
 }
 
 size_t CountSegments(const StrokeGlyph& glyph) {

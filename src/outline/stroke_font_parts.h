@@ -26,6 +26,10 @@ std::string_view TakeLine(std::string_view* text);
 // The text without the blanks around it.
 std::string_view Trimmed(std::string_view text);
 
+// The height of the ink of the font's "H", as far as it lies above the baseline; 0 where it has
+// none.
+double HeightOfH(const StrokeFont& font);
+
 size_t CountSegments(const StrokeGlyph& glyph);
 
 }  // namespace kerno

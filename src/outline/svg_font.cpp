@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "base/text.h"
-#include "drawing/measures.h"
 #include "outline/stroke_font.h"
 #include "outline/stroke_font_parts.h"
 #include "outline/svg_path_data.h"
@@ -90,10 +89,8 @@ void SvgFontReader::Finish() {
   made_.descent = std::isfinite(descent_) ? -std::fabs(descent_) : -0.2 * em;
   made_.line_pitch = std::max(em, made_.ascent - made_.descent);
   // What fonts say of their capitals is often a pattern's value: their "H" knows better.
-  made_.cap_height = cap_height_ > 0 ? cap_height_ : 0;
-  Box2 ink;
-  for (const Path& stroke : made_.glyphs[made_.GlyphOf(U'H')].strokes) Include(&ink, BoxOf(stroke));
-  if (made_.GlyphOf(U'H') != 0 && ink.max.y > 0) made_.cap_height = ink.max.y;
+  const double height = HeightOfH(made_);
+  made_.cap_height = height > 0 ? height : cap_height_ > 0 ? cap_height_ : 0;
 }
 
 Status SvgFontReader::Read(std::string_view bytes, StrokeFont* font) {

@@ -184,7 +184,8 @@ class StrokesTest(programs.FolderTest):
 
     def test_wrapped_lines_are_read_as_one(self):
         lines = pathlib.Path(f"{HERSHEY}/gothiceng.jhf").read_text("ascii").splitlines()
-        wrapped = self.font("".join(line[i:i + 72] + "\r\n" for line in lines for i in range(0, len(line), 72)), "w.jhf")
+        parts = [line[i:i + 72] for line in lines for i in range(0, len(line), 72)]
+        wrapped = self.font("\r\n".join(parts), "w.jhf")
         files = [self.cut("Quiz 8&@", "--stroke-font", font)[1].read_bytes() for font in ("gothiceng", wrapped)]
         self.assertEqual(*files)
 
@@ -201,6 +202,9 @@ class StrokesTest(programs.FolderTest):
         self.check_letters(font, curves, 1000, "--curves", "curves")
         made, path = self.cut("O", "--stroke-font", standard, "--fit", "40x90", "--stretch")
         self.assertLess(math.dist((40, 90), (made["width"], made["height"])), 0.03)
+        sizes = {"kst32b.lff": 20, "symath.lff": 20 * 0.857 / 9, "iso3098.lff": 20, "rowmans.jhf": 20}
+        for name, height in sizes.items():
+            self.assertAlmostEqual(height, self.cut("H", "--stroke-font", name)[0]["height"], 2)
         made, path = self.cut("O", "--stroke-font", standard, "--dxf", "r12")
         self.assertEqual(2, made["arcs"])
         bulges = [abs(round(v.dxf.bulge, 6)) for v in ezdxf.readfile(path).modelspace()[0].vertices]
