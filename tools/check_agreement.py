@@ -88,6 +88,10 @@ CUT_CASES = [(face, text, options) for face, texts in CUT_TEXTS.items() for text
                  ("IPAMincho", MIXED, ["--vertical", "--tate-chu-yoko", "3"]),
                  ("IPAMincho", "東AV（a）12ー", ["--vertical", "--fallback", "DejaVu Sans"]),
                  ("DejaVu Sans", "a\u202ebcd\u202c e\u0301", [])]
+# Fonts of strokes, by their files.
+CUT_CASES += [(f"/usr/share/{font}", "Fräse §8 & @%", options)
+              for font in ("hershey-fonts/gothiceng.jhf", "librecad/fonts/standard.lff")
+              for options in ([], ["--slant", "12", "--angle", "21"], ["--fit", "90x70", "--stretch", "--mirror"])]
 
 # A bitmap of a drawing larger than this is left out: it shows nothing that a smaller one does not.
 MOST_PIXELS = 120_000
@@ -237,12 +241,13 @@ def check(case, programs, formats):
 def check_cut(case, programs):
     """What differs in one drawing for a machine, a line each."""
     face, text, options = case
+    font = ["--stroke-font" if face.startswith("/") else "--face", face]
     with tempfile.TemporaryDirectory() as folder:
         folders = [pathlib.Path(folder) / name for name in ("linux", "windows")]
         for program, there in zip(programs, folders):
             there.mkdir()
             files = [word for name in ("dxf", "svg", "emf") for word in ("-o", str(there / f"cut.{name}"))]
-            code, _, err = run(program + ["cut", "--quiet", "--text", text, "--face", face] + options + files)
+            code, _, err = run(program + ["cut", "--quiet", "--text", text] + font + options + files)
             if code != 0:
                 return [f"cut: exit {code}: {err.strip()}"]
         return [f"cut: {name} is not the same" for name in ("dxf", "svg", "emf")

@@ -10,6 +10,7 @@ packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf fonts-liberation fonts-inter
  fonts-inter-variable fonts-cantarell fonts-crosextra-caladea fonts-dancingscript fonts-kaushanscript
  fonts-lobstertwo fonts-lohit-deva fonts-gargi fonts-khmeros unicode-data
+ hershey-fonts-data librecad-data
  libcurl4-openssl-dev libcurl4 ca-certificates openssl curl chromium tidy
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  libxml2-utils assimp-utils

@@ -4,24 +4,19 @@
 #include <cmath>
 #include <map>
 #include <numbers>
-#include <span>
 #include <utility>
 
+#include "app/glyph_source.h"
 #include "app/overlaps.h"
+#include "app/shape_maker.h"
 #include "base/parallel.h"
 #include "drawing/affine.h"
 #include "drawing/check_paths.h"
-#include "drawing/cutting_order.h"
-#include "drawing/fit_arcs.h"
-#include "drawing/flatten.h"
 #include "drawing/measures.h"
-#include "drawing/offset.h"
-#include "drawing/weld.h"
 
 namespace kerno {
 namespace {
 
-constexpr double kShare = 0.25;     // of the tolerance, for welding and for an offset
 constexpr double kSmallest = 1e-3;  // units; below, the decimals of files leave no shape
 constexpr double kFarthest = 1e7;   // units; beyond, coordinates lose the decimals of a tolerance
 
@@ -37,32 +32,11 @@ Linear PoseOf(const CutJob& job) {
   return {turn.xx * side, turn.xx * lean + turn.xy, turn.yx * side, turn.yx * lean + turn.yy};
 }
 
-Path Mapped(const Path& path, const Linear& map) {
-  Path mapped = path;
-  mapped.start = map.Apply(path.start);
-  for (Segment& segment : mapped.segments) {
-    segment.end = map.Apply(segment.end);
-    segment.first = map.Apply(segment.first);
-    segment.second = map.Apply(segment.second);
-  }
-  return mapped;
-}
-
-Path Moved(Path path, const P2& by) {
-  path.start = path.start + by;
-  for (Segment& segment : path.segments) {
-    segment.end = segment.end + by;
-    segment.first = segment.first + by;
-    segment.second = segment.second + by;
-  }
-  return path;
-}
-
 // Glyphs of a text, with what is made of them once.
 class CutMaker {
  public:
-  CutMaker(const CutJob& job, std::span<const ShapingFont* const> fonts)
-      : job_(job), fonts_(fonts), pose_(PoseOf(job)) {}
+  CutMaker(const CutJob& job, const GlyphSource& source)
+      : job_(job), source_(source), pose_(PoseOf(job)) {}
 
   Status Make(CutDrawing* made);
 
@@ -71,11 +45,6 @@ class CutMaker {
     P2 at;
     Box2 ink;  // empty for a blank
   };
-  // What the user is told of a shape, once for each place of it.
-  struct ShapeNotes {
-    size_t crossing = 0, vanished = 0;
-  };
-
   Status Size();
   void Set(double letter_spacing);
   Box2 InkOfBlock(const Linear& map);
@@ -84,14 +53,11 @@ class CutMaker {
   Linear MapOf(const BlockGlyph& glyph) const { return map_.After(block_.forms[glyph.form].map); }
   void Place();
   uint32_t ShapeOf(const std::vector<size_t>& cluster);
-  Shape Finish(std::vector<Path> outlines, ShapeNotes* notes) const;
   void FinishAll();
   size_t CrossingsOf(const Drawing& drawing) const;
-  Path InForm(Path path, double tolerance, bool again) const;
-  std::vector<Path> Formed(std::vector<Path> paths, double tolerance, size_t* vanished) const;
 
   const CutJob& job_;
-  std::span<const ShapingFont* const> fonts_;
+  const GlyphSource& source_;
   Linear pose_;  // without a size
   Linear map_;   // from font units to the drawing's
   TextBlock block_;
@@ -110,7 +76,7 @@ uint64_t KeyOf(const BlockGlyph& glyph) {
 }
 
 const std::vector<Path>& CutMaker::Outline(const BlockGlyph& glyph) const {
-  return fonts_[block_.forms[glyph.form].font]->Outline(glyph.glyph);
+  return source_.PathsOf(block_.forms[glyph.form].font, glyph.glyph);
 }
 
 const Box2& CutMaker::InkOfGlyph(const BlockGlyph& glyph) {
@@ -136,9 +102,8 @@ Box2 CutMaker::InkOfBlock(const Linear& map) {
 }
 
 void CutMaker::Set(double letter_spacing) {
-  block_ = SetBlock(fonts_, job_.text,
-                    {job_.mode, job_.align, job_.line_spacing, letter_spacing, job_.language,
-                     job_.direction, job_.across_digits});
+  block_ = source_.Set(job_.text, {job_.mode, job_.align, job_.line_spacing, letter_spacing,
+                                   job_.language, job_.direction, job_.across_digits});
 }
 
 // Settles map_ and block_. Letter spacing is a length of the drawing, so that where the ink decides
@@ -148,10 +113,10 @@ Status CutMaker::Size() {
   const bool fits = size.by == CutSize::By::kFit || size.by == CutSize::By::kStretch;
   if (!fits) {
     const double reference =
-        size.by == CutSize::By::kEm ? fonts_[0]->units_per_em() : fonts_[0]->cap_height();
+        size.by == CutSize::By::kEm ? source_.UnitsPerEm() : source_.CapHeight();
     if (!(reference > 0)) {
-      return Refuse(u"cap height", u"the face \"" + fonts_[0]->data().family +
-                                       u"\" has no capital letters to measure");
+      return Refuse(u"cap height",
+                    u"the face \"" + source_.Family() + u"\" has no capital letters to measure");
     }
     const double scale = size.height / reference;
     Set(job_.letter_spacing / scale);
@@ -205,69 +170,6 @@ void CutMaker::Place() {
   }
 }
 
-Path CutMaker::InForm(Path path, double tolerance, bool again) const {
-  switch (job_.curves) {
-    case CurveForm::kArcs:
-      return again ? FitArcsKeepingNodes(path, tolerance) : FitArcs(path, tolerance);
-    case CurveForm::kLines: {
-      std::vector<P2> corners;
-      FlattenPath(path, tolerance, &corners);
-      Path chords;
-      if (corners.empty()) return chords;
-      chords.start = corners[0];
-      for (size_t i = 1; i < corners.size(); ++i) chords.segments.push_back({.end = corners[i]});
-      chords.segments.push_back({.end = corners[0]});
-      return chords;
-    }
-    case CurveForm::kCurves:
-      break;
-  }
-  return path;
-}
-
-// Welds, offsets and fits the outlines of one shape. The tolerance is shared out: welding and
-// moving may take part of it, fitting the rest.
-std::vector<Path> CutMaker::Formed(std::vector<Path> paths, double tolerance,
-                                   size_t* vanished) const {
-  double left = tolerance;
-  if (job_.weld != WeldScope::kNone) {
-    WeldResult welded = Weld(paths, kShare * left);
-    paths.clear();
-    for (WeldedPath& path : welded.paths) paths.push_back(std::move(path.path));
-  }
-  if (job_.offset != 0) {
-    OffsetResult offset = Offset(paths, job_.offset, kShare * left);
-    *vanished = offset.vanished;
-    paths = std::move(offset.paths);
-    left -= kShare * left;
-  }
-  for (Path& path : paths) path = InForm(std::move(path), left, tolerance < job_.tolerance);
-  std::erase_if(paths, [](const Path& path) { return path.segments.empty(); });
-  return paths;
-}
-
-// Makes a shape of outlines, in the order in which it is cut. Contours that all but touch may cross
-// when each is bent by the tolerance; these follow their curves more closely, and through all of
-// their nodes.
-Shape CutMaker::Finish(std::vector<Path> outlines, ShapeNotes* notes) const {
-  std::erase_if(outlines, [](const Path& path) { return path.segments.empty(); });
-  constexpr double kClosest = 1.0 / 64;
-  Shape shape;
-  for (double share = 1; share >= kClosest; share *= 0.25) {
-    const double tolerance = job_.tolerance * share;
-    const std::vector<Path> paths = Formed(outlines, tolerance, &notes->vanished);
-    const ChordGrid grid(paths, tolerance * 0.25, ChordGrid::Closing::kAll);
-    const PathFaults faults = CheckPaths(paths, grid);
-    notes->crossing = 2 * faults.crossing + faults.self_crossing;
-    shape.clear();
-    for (const CutStep& step : OrderForCutting(paths, grid, job_.order)) {
-      shape.push_back({PathOf(paths[step.path], step), static_cast<uint32_t>(step.depth)});
-    }
-    if (notes->crossing == 0 || job_.weld == WeldScope::kNone) break;
-  }
-  return shape;
-}
-
 // The number of the shape of glyphs that are welded together, about the first one's origin. A new
 // one's outlines wait to be finished.
 uint32_t CutMaker::ShapeOf(const std::vector<size_t>& cluster) {
@@ -294,7 +196,9 @@ void CutMaker::FinishAll() {
   made_.drawing.shapes.resize(outlines_.size());
   notes_.resize(outlines_.size());
   ForEachInParallel(outlines_.size(), [&](size_t i) {
-    made_.drawing.shapes[i] = Finish(std::move(outlines_[i]), &notes_[i]);
+    made_.drawing.shapes[i] = source_.HoldsStrokes()
+                                  ? ShapeOfStrokes(std::move(outlines_[i]), job_)
+                                  : ShapeOfOutlines(std::move(outlines_[i]), job_, &notes_[i]);
   });
   outlines_.clear();
 }
@@ -343,7 +247,8 @@ Status CutMaker::Make(CutDrawing* made) {
     inks.push_back(box);
   }
   made_.drawing.unit = job_.unit;
-  const bool together = job_.weld == WeldScope::kText;
+  made_.drawing.strokes = source_.HoldsStrokes();
+  const bool together = !source_.HoldsStrokes() && job_.weld == WeldScope::kText;
   std::vector<PlacedShape> placed;
   for (const std::vector<size_t>& cluster : together ? Overlapping(inks) : EachAlone(inks)) {
     placed.push_back({ShapeOf(cluster), placed_[cluster[0]].at, block_.glyphs[cluster[0]].line});
@@ -354,14 +259,11 @@ Status CutMaker::Make(CutDrawing* made) {
     made_.vanished += notes_[shape.shape].vanished;
     if (!made_.drawing.shapes[shape.shape].empty()) made_.drawing.placed.push_back(shape);
   }
-  if (!together) made_.crossing = CrossingsOf(made_.drawing);
+  if (!together && !source_.HoldsStrokes()) made_.crossing = CrossingsOf(made_.drawing);
   made_.facts = FactsOf(made_.drawing);
   made_.ink = InkOf(made_.drawing);
   made_.missing = std::move(block_.missing);
-  for (size_t i = 0; i < fonts_.size(); ++i) {
-    const FontData& data = fonts_[i]->data();
-    made_.faces.push_back({data.family, data.style, block_.substituted[i]});
-  }
+  made_.faces = source_.FacesOf(block_);
   const Box2& ink = made_.ink;
   const bool blank = made_.drawing.placed.empty();
   if (!blank && !(std::max({-ink.min.x, -ink.min.y, ink.max.x, ink.max.y}) < kFarthest)) {
@@ -374,34 +276,13 @@ Status CutMaker::Make(CutDrawing* made) {
   return Status::Ok();
 }
 
-// Finds a family for its missing characters: in the style of the first one, where it has that.
-Status FindFallback(const std::u16string& family, const std::u16string& style, FontData* data) {
-  if (FindFontData(family, style, data).ok()) return Status::Ok();
-  return FindFontData(family, {}, data);
-}
-
-Status OpenFonts(const CutJob& job, std::vector<std::unique_ptr<ShapingFont>>* fonts) {
-  for (size_t i = 0; i <= job.fallbacks.size(); ++i) {
-    FontData data;
-    Status found = i == 0 ? FindFontData(job.family, job.style, &data)
-                          : FindFallback(job.fallbacks[i - 1], job.style, &data);
-    if (!found.ok()) return found;
-    if (Status opened = ShapingFont::Open(data, &fonts->emplace_back()); !opened.ok()) {
-      return opened;
-    }
-  }
-  return Status::Ok();
-}
-
 }  // namespace
 
 Status MakeCut(const CutJob& job, CutDrawing* made) {
   if (!(job.tolerance > 0)) return Refuse(u"tolerance", u"must be above 0");
-  std::vector<std::unique_ptr<ShapingFont>> fonts;
-  if (Status opened = OpenFonts(job, &fonts); !opened.ok()) return opened;
-  std::vector<const ShapingFont*> choices;
-  for (const auto& font : fonts) choices.push_back(font.get());
-  return CutMaker(job, choices).Make(made);
+  std::unique_ptr<GlyphSource> source;
+  if (Status opened = GlyphSource::Open(job, &source); !opened.ok()) return opened;
+  return CutMaker(job, *source).Make(made);
 }
 
 }  // namespace kerno

@@ -52,6 +52,7 @@ struct CutJob {
   std::vector<std::u16string> fallbacks;  // families that characters come from which it lacks
   std::string language;                   // a BCP 47 tag; empty: the font's own way
   ParagraphDirection direction = ParagraphDirection::kAuto;  // of each line
+  std::u16string stroke_font;  // a font of strokes instead, by its name or file; empty: none
   WritingMode mode = WritingMode::kHorizontal;
   size_t across_digits = 0;  // in columns, numbers of so many digits at most stand across
   Alignment align = Alignment::kLeft;
@@ -100,7 +101,8 @@ struct CutDrawing {
 };
 
 // Fails for a font that cannot be found or read, for a text without ink where a size was asked of
-// the ink, and for a tolerance that is not above 0. *made is set on success only.
+// the ink, and for a tolerance that is not above 0. With a font of strokes the paths are its
+// strokes, each once, which are neither welded nor moved outwards. *made is set on success only.
 [[nodiscard]] Status MakeCut(const CutJob& job, CutDrawing* made);
 
 }  // namespace kerno

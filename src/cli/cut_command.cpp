@@ -37,11 +37,14 @@ std::string SummaryOf(const CutDrawing& made) {
   const DrawingFacts& facts = made.facts;
   const std::string unit = UnitName(made.drawing.unit);
   const int decimals = made.drawing.unit == LengthUnit::kInch ? 4 : 3;
-  std::string text = Counted(facts.closed, "closed path", "closed paths");
-  if (facts.open > 0) text += ", " + Counted(facts.open, "open path", "open paths");
-  if (facts.arcs > 0) text += ", " + Counted(facts.arcs, "arc", "arcs");
-  if (facts.curves > 0) text += ", " + Counted(facts.curves, "curve", "curves");
-  text += ", " + Counted(facts.lines, "line", "lines");
+  std::string text;
+  if (facts.closed > 0 || facts.open == 0) {
+    text = Counted(facts.closed, "closed path", "closed paths") + ", ";
+  }
+  if (facts.open > 0) text += Counted(facts.open, "open path", "open paths") + ", ";
+  if (facts.arcs > 0) text += Counted(facts.arcs, "arc", "arcs") + ", ";
+  if (facts.curves > 0) text += Counted(facts.curves, "curve", "curves") + ", ";
+  text += Counted(facts.lines, "line", "lines");
   text += ", " + Fixed(made.ink.Width(), decimals) + " x " + Fixed(made.ink.Height(), decimals) +
           " " + unit;
   for (const CutFace& face : made.faces) {
@@ -140,6 +143,10 @@ void CutCommand::AddOptions(CLI::App& app) {
   app.add_option("--face", face_, "family name (kerno faces lists them)")->type_name("NAME");
   app.add_option("--style", style_name_, "a named style of the family, such as \"Bold Oblique\"")
       ->type_name("NAME");
+  app.add_option("--stroke-font", stroke_font_,
+                 "lines instead of outlines: a .jhf, .lff or SVG font, or the name of one "
+                 "(kerno faces --strokes)")
+      ->type_name("FILE|NAME");
   app.add_flag("--vertical", vertical_, "columns from top to bottom, the first one on the right");
   AddScriptOptions(app);
   AddSizeOptions(app);
@@ -395,6 +402,25 @@ bool CutCommand::ReadScripts() {
                                     &job_.direction);
 }
 
+bool CutCommand::ReadStrokeFont() {
+  if (app_->count("--stroke-font") == 0) return true;
+  for (const char* other :
+       {"--face", "--style", "--fallback", "--language", "--direction", "--tate-chu-yoko"}) {
+    if (app_->count(other) == 0) continue;
+    ReportError(other, "is of fonts with outlines and goes not with --stroke-font");
+    return false;
+  }
+  // Left out, the offset is 0.
+  if (app_->count("--offset") > 0 && job_.offset != 0) {
+    ReportError("--offset", "strokes have no outside: it needs a font with outlines");
+    return false;
+  }
+  if (!IsFileName("--stroke-font", stroke_font_)) return false;
+  const auto name = TextArgument("--stroke-font", stroke_font_);
+  if (name) job_.stroke_font = *name;
+  return name.has_value();
+}
+
 bool CutCommand::ReadJob() {
   const auto face = TextArgument("--face", face_);
   const auto style = face ? TextArgument("--style", style_name_) : std::nullopt;
@@ -405,7 +431,8 @@ bool CutCommand::ReadJob() {
   return Choose<LengthUnit>("--unit", unit_,
                             {{"mm", LengthUnit::kMillimetre}, {"in", LengthUnit::kInch}},
                             &job_.unit) &&
-         ReadScripts() && ReadSize() && ReadPlace() && ReadPaths() && ReadStyle();
+         ReadScripts() && ReadSize() && ReadPlace() && ReadPaths() && ReadStyle() &&
+         ReadStrokeFont();
 }
 
 // Tells what the user should know before the files are written; false when that ends the command.
@@ -420,7 +447,7 @@ bool CutCommand::Report(const CutDrawing& made) const {
     ReportWarning("drawing",
                   Counted(made.crossing, "path crosses", "paths cross") + " itself or another one");
   }
-  if (made.facts.open > 0) {
+  if (made.facts.open > 0 && !made.drawing.strokes) {
     ReportWarning("drawing", Counted(made.facts.open, "path is", "paths are") + " open");
   }
   return true;

@@ -31,6 +31,7 @@ class CutCommand final : public Command {
   bool ReadPlace();
   bool ReadPaths();
   bool ReadStyle();
+  bool ReadStrokeFont();
   bool Report(const CutDrawing& made) const;
   Status Write(const CutDrawing& made, const Format& format,
                const std::filesystem::path& file) const;
@@ -38,7 +39,8 @@ class CutCommand final : public Command {
   CLI::App* app_ = nullptr;
   TextSource source_;
   OutputFiles outputs_;
-  std::string face_, style_name_, language_, direction_ = "auto", across_digits_ = "0";
+  std::string face_, style_name_, stroke_font_, language_, direction_ = "auto",
+                                                           across_digits_ = "0";
   std::vector<std::string> fallbacks_;
   bool vertical_ = false, strict_ = false, quiet_ = false, json_ = false;
   bool stretch_ = false, mirror_ = false;

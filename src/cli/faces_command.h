@@ -13,9 +13,12 @@ class FacesCommand final : public Command {
   ExitStatus Run() override;
 
  private:
+  ExitStatus ListStrokeFonts() const;
+
   bool json_ = false;
   bool vertical_ = false;
   bool skipped_ = false;
+  bool strokes_ = false;
 };
 
 }  // namespace kerno

@@ -93,7 +93,7 @@ Status DrawingSvg::Write() {
 
 void DrawingSvg::Group(size_t layer) {
   const std::string color = SvgColor(AciToRgb(style_.color));
-  const bool cuts = style_.svg == SvgLook::kCut;
+  const bool cuts = style_.svg == SvgLook::kCut || drawing_.strokes;
   xml_.Begin("g");
   xml_.Attribute("id", std::u16string_view(layers_.names()[layer]));
   xml_.Attribute("fill", std::string_view(cuts ? "none" : color));

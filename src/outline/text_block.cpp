@@ -248,4 +248,37 @@ TextBlock SetBlock(std::span<const ShapingFont* const> fonts, std::u16string_vie
   return BlockSetter(fonts, options).Set(text);
 }
 
+TextBlock SetStrokeBlock(const StrokeFont& font, std::u16string_view text,
+                         const BlockOptions& options) {
+  TextBlock set;
+  set.forms.emplace_back();
+  set.substituted = {0};
+  std::vector<BlockGlyph>& block = set.glyphs;
+  const bool vertical = options.mode == WritingMode::kVertical;
+  const double pitch = font.line_pitch * options.line_spacing;
+  uint32_t number = 0;
+  for (const LineOfText& line : LinesIn(text)) {
+    const size_t first = block.size();
+    double pen = 0;
+    for (size_t at = 0; at < line.text.size();) {
+      const size_t character = line.start + at;
+      const char32_t ch = NextCharacter(line.text, &at);
+      const uint32_t glyph = font.GlyphOf(ch);
+      const auto told = std::ranges::find(set.missing, ch);
+      if (glyph == 0 && told == set.missing.end()) set.missing.push_back(ch);
+      const double advance = font.glyphs[glyph].advance;
+      const P2 origin = vertical ? P2{-advance / 2, -pen - font.ascent} : P2{pen, 0};
+      block.push_back({glyph, 0, character, number, origin});
+      pen += (vertical ? font.ascent - font.descent : advance) + options.letter_spacing;
+    }
+    const double start = StartOf(pen, options.align);
+    const P2 by = vertical ? P2{-pitch * number, -start} : P2{start, -pitch * number};
+    for (size_t i = first; i < block.size(); ++i) {
+      block[i].origin = {block[i].origin.x + by.x, block[i].origin.y + by.y};
+    }
+    ++number;
+  }
+  return set;
+}
+
 }  // namespace kerno

@@ -8,6 +8,7 @@
 
 #include "drawing/affine.h"
 #include "outline/shaping_font.h"
+#include "outline/stroke_font.h"
 #include "outline/text_runs.h"
 
 namespace kerno {
@@ -54,5 +55,10 @@ struct TextBlock {
 // next one that has it, together with its marks.
 TextBlock SetBlock(std::span<const ShapingFont* const> fonts, std::u16string_view text,
                    const BlockOptions& options);
+
+// The same with a font of strokes: one glyph after the other, without kerning or shaping. In
+// vertical mode upright characters stand in columns, each in the middle of its own.
+TextBlock SetStrokeBlock(const StrokeFont& font, std::u16string_view text,
+                         const BlockOptions& options);
 
 }  // namespace kerno

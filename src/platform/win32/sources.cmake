@@ -26,6 +26,7 @@ kerno_room(platform
     win32/shell_win32.cpp
     win32/special_folder.cpp
     win32/stock_font_win32.cpp
+    win32/stroke_font_folders_win32.cpp
     win32/system_error.cpp
     win32/system_facts_win32.cpp
     win32/system_win32.cpp
