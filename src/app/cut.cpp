@@ -7,6 +7,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "app/face_choice.h"
 #include "app/overlaps.h"
 #include "base/text.h"
 #include "drawing/affine.h"
@@ -295,15 +296,29 @@ Status CutMaker::Make(CutDrawing* made) {
   return Status::Ok();
 }
 
-// The characters that the font has no glyph for, each once.
-std::vector<char32_t> MissingOf(const CutJob& job, const std::vector<CutGlyph>& glyphs) {
+// The characters that the font has no glyph for, each once. A glyph may stand for a letter with its
+// marks; those of them are named that are missing.
+std::vector<char32_t> MissingOf(std::u16string_view text, const ShapingFont& font,
+                                const std::vector<CutGlyph>& glyphs) {
+  std::vector<size_t> starts;
+  for (const CutGlyph& glyph : glyphs) starts.push_back(glyph.character);
+  std::ranges::sort(starts);
   std::vector<char32_t> missing;
   std::unordered_set<char32_t> seen;
   for (const CutGlyph& glyph : glyphs) {
     if (glyph.glyph != 0) continue;
+    const auto next = std::ranges::upper_bound(starts, glyph.character);
+    const size_t end = next == starts.end() ? text.size() : *next;
+    std::vector<char32_t> lacking;
+    for (size_t at = glyph.character; at < end;) {
+      const char32_t ch = NextCharacter(text, &at);
+      if (!IsUnseen(ch) && !font.HasGlyph(ch)) lacking.push_back(ch);
+    }
     size_t at = glyph.character;
-    const char32_t ch = NextCharacter(job.text, &at);
-    if (seen.insert(ch).second) missing.push_back(ch);
+    if (lacking.empty()) lacking.push_back(NextCharacter(text, &at));
+    for (const char32_t ch : lacking) {
+      if (seen.insert(ch).second) missing.push_back(ch);
+    }
   }
   return missing;
 }
@@ -313,14 +328,17 @@ std::vector<char32_t> MissingOf(const CutJob& job, const std::vector<CutGlyph>& 
 Status MakeCut(const CutJob& job, CutDrawing* made) {
   if (!(job.tolerance > 0)) return Refuse(u"tolerance", u"must be above 0");
   FontData data;
-  if (Status found = FindFontData(job.family, job.style, &data); !found.ok()) return found;
+  if (Status found = FindFace(job.face, &data); !found.ok()) return found;
   std::unique_ptr<ShapingFont> font;
   if (Status opened = ShapingFont::Open(data, &font); !opened.ok()) return opened;
   CutDrawing cut;
   if (Status status = CutMaker(job, *font).Make(&cut); !status.ok()) return status;
   cut.family = data.family;
   cut.style = data.style;
-  cut.missing = MissingOf(job, cut.glyphs);
+  cut.made_bold = data.make_bold;
+  cut.made_slanted = data.make_slanted;
+  cut.no_features = font->FeaturesWithoutRules();
+  cut.missing = MissingOf(job.text, *font, cut.glyphs);
   *made = std::move(cut);
   return Status::Ok();
 }

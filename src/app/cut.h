@@ -48,7 +48,7 @@ enum class WeldScope {
 
 struct CutJob {
   std::u16string text;  // lines by LF, CR LF or CR
-  std::u16string family, style;
+  FaceRequest face;
   WritingMode mode = WritingMode::kHorizontal;
   Alignment align = Alignment::kLeft;
   double line_spacing = 1;    // of the font's own distance of lines
@@ -80,11 +80,14 @@ struct CutDrawing {
   Drawing drawing;
   DrawingFacts facts;
   Box2 ink;
-  std::u16string family, style;   // the font that was taken
-  std::vector<CutGlyph> glyphs;   // in the text's order
-  std::vector<char32_t> missing;  // distinct characters without a glyph
-  size_t vanished = 0;            // contours that an inward offset left nothing of
-  size_t crossing = 0;            // paths that cross themselves or another one
+  std::u16string family, style;  // the font that was taken
+  bool made_bold = false;        // the family has no such style: made of this one
+  bool made_slanted = false;
+  std::vector<std::string> no_features;  // wanted ones that the font has no rule for
+  std::vector<CutGlyph> glyphs;          // in the text's order
+  std::vector<char32_t> missing;         // distinct characters without a glyph
+  size_t vanished = 0;                   // contours that an inward offset left nothing of
+  size_t crossing = 0;                   // paths that cross themselves or another one
 };
 
 // Fails for a font that cannot be found or read, for a text without ink where a size was asked of

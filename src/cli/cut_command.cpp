@@ -30,6 +30,11 @@ const char* UnitName(LengthUnit unit) {
   return unit == LengthUnit::kInch ? "in" : "mm";
 }
 
+// "DejaVu Sans Book"
+std::string FaceOf(const CutDrawing& made) {
+  return Utf16ToUtf8(made.style.empty() ? made.family : made.family + u" " + made.style);
+}
+
 // "62 closed paths, 812 arcs, 404 lines, 120 x 14.2 mm, 1234.5 mm to cut"
 std::string SummaryOf(const CutDrawing& made) {
   const DrawingFacts& facts = made.facts;
@@ -55,6 +60,8 @@ std::string JsonOf(const CutDrawing& made) {
   AppendJsonString(&out, made.family);
   out += ", \"style\": ";
   AppendJsonString(&out, made.style);
+  out += std::string(", \"madeBold\": ") + (made.made_bold ? "true" : "false");
+  out += std::string(", \"madeSlanted\": ") + (made.made_slanted ? "true" : "false");
   out += std::string(", \"unit\": \"") + UnitName(made.drawing.unit) + "\"";
   AppendField(&out, "closedPaths", static_cast<double>(made.facts.closed));
   AppendField(&out, "openPaths", static_cast<double>(made.facts.open));
@@ -85,9 +92,7 @@ std::string JsonOf(const CutDrawing& made) {
 void CutCommand::AddOptions(CLI::App& app) {
   app_ = &app;
   source_.AddTo(app);
-  app.add_option("--face", face_, "family name (kerno faces lists them)")->type_name("NAME");
-  app.add_option("--style", style_name_, "a named style of the family, such as \"Bold Oblique\"")
-      ->type_name("NAME");
+  face_.AddTo(app, FaceOptions::Source::kFont);
   app.add_flag("--vertical", vertical_, "columns from top to bottom, the first one on the right");
   AddSizeOptions(app);
   AddPathOptions(app);
@@ -288,11 +293,9 @@ bool CutCommand::ReadStyle() {
 }
 
 bool CutCommand::ReadJob() {
-  const auto face = TextArgument("--face", face_);
-  const auto style = face ? TextArgument("--style", style_name_) : std::nullopt;
-  if (!style) return false;
-  job_.family = *face;
-  job_.style = *style;
+  auto face = face_.Read();
+  if (!face) return false;
+  job_.face = std::move(*face);
   job_.mode = vertical_ ? WritingMode::kVertical : WritingMode::kHorizontal;
   return Choose<LengthUnit>("--unit", unit_,
                             {{"mm", LengthUnit::kMillimetre}, {"in", LengthUnit::kInch}},
@@ -300,8 +303,31 @@ bool CutCommand::ReadJob() {
          ReadSize() && ReadPlace() && ReadPaths() && ReadStyle();
 }
 
+// Tells how the face differs from what was asked for; false when that ends the command.
+bool CutCommand::ReportFace(const CutDrawing& made) const {
+  for (const std::string& feature : made.no_features) {
+    ReportWarning("--features", FaceOf(made) + " has no \"" + feature + "\"");
+  }
+  if (!made.made_bold && !made.made_slanted) return true;
+  const std::string what = made.made_bold && made.made_slanted ? "bold and slanted letters"
+                           : made.made_bold                    ? "bold letters"
+                                                               : "slanted letters";
+  const std::string how = made.made_bold && made.made_slanted ? "moved outwards and leaned"
+                          : made.made_bold                    ? "moved outwards"
+                                                              : "leaned";
+  const std::string family = Utf16ToUtf8(made.family), style = Utf16ToUtf8(made.style);
+  const std::string why = "\"" + family + "\" has no " + what;
+  if (strict_) {
+    ReportError("--style", why);
+    return false;
+  }
+  ReportWarning("--style", why + ": those of \"" + style + "\" are " + how);
+  return true;
+}
+
 // Tells what the user should know before the files are written; false when that ends the command.
 bool CutCommand::Report(const CutDrawing& made) const {
+  if (!ReportFace(made)) return false;
   if (!ReportLost("no glyph in " + Utf16ToUtf8(made.family), made.missing, strict_)) return false;
   if (made.drawing.placed.empty()) ReportWarning("text", "has no outlines");
   if (made.vanished > 0) {
@@ -339,7 +365,8 @@ ExitStatus CutCommand::Run() {
   const auto write = [&](const Format& format, const std::filesystem::path& file) {
     return Write(made, format, file);
   };
-  const bool written = outputs_.WriteAll(write, SummaryOf(made), quiet_ || json_);
+  const std::string face = face_.IsOpen() ? FaceOf(made) + ", " : "";
+  const bool written = outputs_.WriteAll(write, face + SummaryOf(made), quiet_ || json_);
   const bool told =
       !json_ || outputs_.UsesStandardOutput() || (Print(JsonOf(made)) && FinishPrinting());
   return written && told ? kDone : kFailed;

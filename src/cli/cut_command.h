@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/cut.h"
+#include "cli/face_options.h"
 #include "cli/output_files.h"
 #include "cli/text_source.h"
 #include "export/drawing_style.h"
@@ -30,13 +31,14 @@ class CutCommand final : public Command {
   bool ReadPaths();
   bool ReadStyle();
   bool Report(const CutDrawing& made) const;
+  bool ReportFace(const CutDrawing& made) const;
   Status Write(const CutDrawing& made, const Format& format,
                const std::filesystem::path& file) const;
 
   CLI::App* app_ = nullptr;
   TextSource source_;
+  FaceOptions face_;
   OutputFiles outputs_;
-  std::string face_, style_name_;
   bool vertical_ = false, strict_ = false, quiet_ = false, json_ = false;
   bool stretch_ = false, mirror_ = false;
   std::string cap_height_, em_, fit_;

@@ -20,14 +20,13 @@ ExitStatus FacesCommand::Run() {
   std::vector<std::u16string> skipped;
   std::string out = json_ ? "[" : "";
   bool first = true;
-  for (const InstalledFace& face : EnumerateFaces(skipped_ ? &skipped : nullptr)) {
-    const bool outlines = (face.font_type & kTrueTypeFontType) != 0;
-    if (!outlines || face.name.starts_with(u'@') != vertical_) continue;
+  for (const std::u16string& name :
+       ListFamilies(vertical_ ? FamilyForm::kVertical : FamilyForm::kPlain)) {
     if (json_) {
       out += first ? "\n  " : ",\n  ";
-      AppendJsonString(&out, face.name);
+      AppendJsonString(&out, name);
     } else {
-      out += Utf16ToUtf8(face.name) + "\n";
+      out += Utf16ToUtf8(name) + "\n";
     }
     first = false;
   }
