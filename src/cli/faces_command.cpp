@@ -168,8 +168,10 @@ ExitStatus FacesCommand::DrawSheet(const std::vector<std::u16string>& families) 
     ReportError(made);
     return kFaceTrouble;
   }
+  constexpr int kDarkGrey = 250;  // AutoCAD's colour index
   DrawingStyle style;
   style.svg = SvgLook::kFill;
+  style.color = kDarkGrey;
   const auto write = [&](const Format& format, const std::filesystem::path& file) {
     constexpr double kTolerance = 0.01;
     return WriteDrawing(sheet.drawing, style, kTolerance, format, file);
