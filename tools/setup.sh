@@ -6,7 +6,7 @@ set -e
 packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  qt6-base-dev xvfb xdotool unrtf
  libfreetype-dev libfontconfig-dev libharfbuzz-dev libharfbuzz-bin libcli11-dev libagg-dev libpolyclipping-dev
- fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf fonts-liberation fonts-inter
+ fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf fonts-liberation fonts-inter fonts-inter-variable
  libcurl4-openssl-dev libcurl4 ca-certificates openssl curl chromium tidy
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  libxml2-utils assimp-utils
