@@ -9,6 +9,7 @@
 
 #include "app/face_choice.h"
 #include "app/overlaps.h"
+#include "base/parallel.h"
 #include "base/text.h"
 #include "drawing/affine.h"
 #include "drawing/check_paths.h"
@@ -56,6 +57,16 @@ Path Mapped(const Path& path, const Linear& map) {
   return mapped;
 }
 
+Path Moved(Path path, const P2& by) {
+  path.start = path.start + by;
+  for (Segment& segment : path.segments) {
+    segment.end = segment.end + by;
+    segment.first = segment.first + by;
+    segment.second = segment.second + by;
+  }
+  return path;
+}
+
 // Glyphs of a text, with what is made of them once.
 class CutMaker {
  public:
@@ -80,8 +91,11 @@ class CutMaker {
   const Box2& InkOfGlyph(uint32_t glyph);
   void Place();
   uint32_t ShapeOf(const std::vector<size_t>& cluster);
-  Shape Finish(std::vector<Path> paths, size_t* crossing, size_t* vanished);
-  Path InForm(Path path, double tolerance) const;
+  Shape Finish(std::vector<Path> outlines, ShapeNotes* notes) const;
+  void FinishAll();
+  size_t CrossingsOf(const Drawing& drawing) const;
+  Path InForm(Path path, double tolerance, bool again) const;
+  std::vector<Path> Formed(std::vector<Path> paths, double tolerance, size_t* vanished) const;
 
   const CutJob& job_;
   const ShapingFont& font_;
@@ -90,9 +104,10 @@ class CutMaker {
   std::vector<BlockGlyph> block_;
   std::map<uint32_t, Box2> inks_;  // of glyphs, under map_
   std::vector<Placed> placed_;     // the glyphs of block_
-  // The shapes made so far, by their glyphs and where these stand to the first, in font units.
+  // The shapes so far, by their glyphs and where these stand to the first, in font units.
   std::map<std::vector<double>, uint32_t> known_;
-  std::vector<ShapeNotes> notes_;  // of each shape
+  std::vector<std::vector<Path>> outlines_;  // of each shape, as the font has them
+  std::vector<ShapeNotes> notes_;            // of each shape
   CutDrawing made_;
 };
 
@@ -184,10 +199,10 @@ void CutMaker::Place() {
   }
 }
 
-Path CutMaker::InForm(Path path, double tolerance) const {
+Path CutMaker::InForm(Path path, double tolerance, bool again) const {
   switch (job_.curves) {
     case CurveForm::kArcs:
-      return FitArcs(path, tolerance);
+      return again ? FitArcsKeepingNodes(path, tolerance) : FitArcs(path, tolerance);
     case CurveForm::kLines: {
       std::vector<P2> corners;
       FlattenPath(path, tolerance, &corners);
@@ -204,11 +219,11 @@ Path CutMaker::InForm(Path path, double tolerance) const {
   return path;
 }
 
-// Welds, offsets, fits and orders the outlines of one shape. The tolerance is shared out: welding
-// and moving may take part of it, fitting the rest.
-Shape CutMaker::Finish(std::vector<Path> paths, size_t* crossing, size_t* vanished) {
-  std::erase_if(paths, [](const Path& path) { return path.segments.empty(); });
-  double left = job_.tolerance;
+// Welds, offsets and fits the outlines of one shape. The tolerance is shared out: welding and
+// moving may take part of it, fitting the rest.
+std::vector<Path> CutMaker::Formed(std::vector<Path> paths, double tolerance,
+                                   size_t* vanished) const {
+  double left = tolerance;
   if (job_.weld != WeldScope::kNone) {
     WeldResult welded = Weld(paths, kShare * left);
     paths.clear();
@@ -220,18 +235,35 @@ Shape CutMaker::Finish(std::vector<Path> paths, size_t* crossing, size_t* vanish
     paths = std::move(offset.paths);
     left -= kShare * left;
   }
-  for (Path& path : paths) path = InForm(std::move(path), left);
+  for (Path& path : paths) path = InForm(std::move(path), left, tolerance < job_.tolerance);
   std::erase_if(paths, [](const Path& path) { return path.segments.empty(); });
-  const PathFaults faults = CheckPaths(paths, job_.tolerance);
-  *crossing = 2 * faults.crossing + faults.self_crossing;
+  return paths;
+}
+
+// Makes a shape of outlines, in the order in which it is cut. Contours that all but touch may cross
+// when each is bent by the tolerance; these follow their curves more closely, and through all of
+// their nodes.
+Shape CutMaker::Finish(std::vector<Path> outlines, ShapeNotes* notes) const {
+  std::erase_if(outlines, [](const Path& path) { return path.segments.empty(); });
+  constexpr double kClosest = 1.0 / 64;
   Shape shape;
-  for (const CutStep& step : OrderForCutting(paths, job_.tolerance, job_.order)) {
-    shape.push_back({PathOf(paths[step.path], step), static_cast<uint32_t>(step.depth)});
+  for (double share = 1; share >= kClosest; share *= 0.25) {
+    const double tolerance = job_.tolerance * share;
+    const std::vector<Path> paths = Formed(outlines, tolerance, &notes->vanished);
+    const ChordGrid grid(paths, tolerance * 0.25, ChordGrid::Closing::kAll);
+    const PathFaults faults = CheckPaths(paths, grid);
+    notes->crossing = 2 * faults.crossing + faults.self_crossing;
+    shape.clear();
+    for (const CutStep& step : OrderForCutting(paths, grid, job_.order)) {
+      shape.push_back({PathOf(paths[step.path], step), static_cast<uint32_t>(step.depth)});
+    }
+    if (notes->crossing == 0 || job_.weld == WeldScope::kNone) break;
   }
   return shape;
 }
 
-// The shape of glyphs that are welded together, about the first one's origin.
+// The number of the shape of glyphs that are welded together, about the first one's origin. A new
+// one's outlines wait to be finished.
 uint32_t CutMaker::ShapeOf(const std::vector<size_t>& cluster) {
   const P2 origin = block_[cluster[0]].origin;
   std::vector<double> key;
@@ -240,25 +272,55 @@ uint32_t CutMaker::ShapeOf(const std::vector<size_t>& cluster) {
     key.insert(key.end(), {static_cast<double>(block_[i].glyph), apart.x, apart.y});
   }
   const auto [known, is_new] =
-      known_.try_emplace(std::move(key), static_cast<uint32_t>(made_.drawing.shapes.size()));
+      known_.try_emplace(std::move(key), static_cast<uint32_t>(outlines_.size()));
   if (!is_new) return known->second;
-  std::vector<Path> paths;
+  std::vector<Path>& paths = outlines_.emplace_back();
   for (const size_t i : cluster) {
     const P2 apart = map_.Apply(block_[i].origin - origin);
     for (const Path& path : font_.Outline(block_[i].glyph)) {
-      Path mapped = Mapped(path, map_);
-      mapped.start = mapped.start + apart;
-      for (Segment& segment : mapped.segments) {
-        segment.end = segment.end + apart;
-        segment.first = segment.first + apart;
-        segment.second = segment.second + apart;
-      }
-      paths.push_back(std::move(mapped));
+      paths.push_back(Moved(Mapped(path, map_), apart));
     }
   }
-  ShapeNotes& notes = notes_.emplace_back();
-  made_.drawing.shapes.push_back(Finish(std::move(paths), &notes.crossing, &notes.vanished));
   return known->second;
+}
+
+void CutMaker::FinishAll() {
+  made_.drawing.shapes.resize(outlines_.size());
+  notes_.resize(outlines_.size());
+  ForEachInParallel(outlines_.size(), [&](size_t i) {
+    made_.drawing.shapes[i] = Finish(std::move(outlines_[i]), &notes_[i]);
+  });
+  outlines_.clear();
+}
+
+// The paths that cross others or themselves, in a drawing whose shapes were not kept apart.
+size_t CutMaker::CrossingsOf(const Drawing& drawing) const {
+  std::vector<Box2> of_shapes, boxes;
+  for (const Shape& shape : drawing.shapes) {
+    Box2& box = of_shapes.emplace_back();
+    for (const ShapePath& path : shape) Include(&box, BoxOf(path.path));
+  }
+  for (const PlacedShape& placed : drawing.placed) {
+    const Box2& box = of_shapes[placed.shape];
+    boxes.push_back({box.min + placed.at, box.max + placed.at});
+  }
+  size_t crossing = 0;
+  for (const std::vector<size_t>& cluster : Overlapping(boxes)) {
+    if (cluster.size() == 1) {
+      crossing += notes_[drawing.placed[cluster[0]].shape].crossing;
+      continue;
+    }
+    std::vector<Path> paths;
+    for (const size_t i : cluster) {
+      const PlacedShape& placed = drawing.placed[i];
+      for (const ShapePath& path : drawing.shapes[placed.shape]) {
+        paths.push_back(Moved(path.path, placed.at));
+      }
+    }
+    const PathFaults faults = CheckPaths(paths, job_.tolerance);
+    crossing += 2 * faults.crossing + faults.self_crossing;
+  }
+  return crossing;
 }
 
 Status CutMaker::Make(CutDrawing* made) {
@@ -266,7 +328,8 @@ Status CutMaker::Make(CutDrawing* made) {
   Place();
   std::vector<Box2> inks;
   inks.reserve(placed_.size());
-  const double around = std::max(0.0, job_.offset);
+  // What comes closer than the tolerance may meet when it is fitted.
+  const double around = std::max(0.0, job_.offset) + job_.tolerance;
   for (const Placed& placed : placed_) {
     Box2 box = placed.ink;
     box.min = box.min - P2{around, around};
@@ -275,13 +338,17 @@ Status CutMaker::Make(CutDrawing* made) {
   }
   made_.drawing.unit = job_.unit;
   const bool together = job_.weld == WeldScope::kText;
+  std::vector<PlacedShape> placed;
   for (const std::vector<size_t>& cluster : together ? Overlapping(inks) : EachAlone(inks)) {
-    const uint32_t shape = ShapeOf(cluster);
-    made_.crossing += notes_[shape].crossing;
-    made_.vanished += notes_[shape].vanished;
-    if (made_.drawing.shapes[shape].empty()) continue;
-    made_.drawing.placed.push_back({shape, placed_[cluster[0]].at, block_[cluster[0]].line});
+    placed.push_back({ShapeOf(cluster), placed_[cluster[0]].at, block_[cluster[0]].line});
   }
+  FinishAll();
+  for (const PlacedShape& shape : placed) {
+    made_.crossing += notes_[shape.shape].crossing;
+    made_.vanished += notes_[shape.shape].vanished;
+    if (!made_.drawing.shapes[shape.shape].empty()) made_.drawing.placed.push_back(shape);
+  }
+  if (!together) made_.crossing = CrossingsOf(made_.drawing);
   made_.facts = FactsOf(made_.drawing);
   made_.ink = InkOf(made_.drawing);
   const Box2& ink = made_.ink;

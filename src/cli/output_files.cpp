@@ -38,16 +38,20 @@ class ScratchPath {
     status_ = CurrentSystem().MakePrivateFolder(folder_);
     path_ = folder_ / ("out." + std::string(extension));
   }
-  ~ScratchPath() {
+  ~ScratchPath() { Remove(); }
+  ScratchPath(const ScratchPath&) = delete;
+  ScratchPath& operator=(const ScratchPath&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+  const Status& status() const { return status_; }
+
+  // Takes the names away. Where a system lets go of the name of an open file, that stays readable
+  // and is gone with the process, however this ends.
+  void Remove() const {
     if (!status_.ok()) return;
     std::error_code gone;
     std::filesystem::remove(path_, gone);
     std::filesystem::remove(folder_, gone);
   }
-  ScratchPath(const ScratchPath&) = delete;
-  ScratchPath& operator=(const ScratchPath&) = delete;
-  const std::filesystem::path& path() const { return path_; }
-  const Status& status() const { return status_; }
 
  private:
   std::filesystem::path folder_;
@@ -64,6 +68,7 @@ bool WriteToStandardOutput(const Format& format, const WriteFormat& write) {
     return false;
   }
   std::ifstream file(PathToOpen(scratch.path()), std::ios::binary);
+  scratch.Remove();
   std::vector<char> chunk(1 << 16);
   while (file.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || file.gcount() > 0) {
     if (!Print({chunk.data(), static_cast<size_t>(file.gcount())})) return false;

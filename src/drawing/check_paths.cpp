@@ -8,11 +8,14 @@
 namespace kerno {
 
 PathFaults CheckPaths(std::span<const Path> paths, double tolerance) {
+  return CheckPaths(paths, ChordGrid(paths, tolerance * 0.25, ChordGrid::Closing::kAsTheyAre));
+}
+
+PathFaults CheckPaths(std::span<const Path> paths, const ChordGrid& grid) {
   struct Meeting {
     uint32_t a, b;
     bool is_crossing;
   };
-  const ChordGrid grid(paths, tolerance * 0.25, ChordGrid::Closing::kAsTheyAre);
   std::vector<Meeting> meetings;
   grid.ForEachContact([&](size_t i, size_t j, Contact contact) {
     const auto [a, b] = std::minmax(grid.Chords()[i].path, grid.Chords()[j].path);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <span>
 
+#include "drawing/chord_grid.h"
 #include "drawing/path.h"
 
 namespace kerno {
@@ -19,5 +20,7 @@ struct PathFaults {
 // Looks at chords that stay within a quarter of the `tolerance` (above 0) of the paths: what comes
 // closer than that may count either way. The time grows little faster than the number of chords.
 PathFaults CheckPaths(std::span<const Path> paths, double tolerance);
+// The same for paths that lie on a grid already; its chords decide what is close.
+PathFaults CheckPaths(std::span<const Path> paths, const ChordGrid& grid);
 
 }  // namespace kerno

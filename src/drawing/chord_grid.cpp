@@ -67,6 +67,15 @@ int SignOf(int64_t value) {
   return value > 0 ? 1 : value < 0 ? -1 : 0;
 }
 
+// The quadrants that a chord's direction belongs to, a bit each. Chords in a row that share one
+// make a chain that turns by less than half a circle and meets itself nowhere.
+uint8_t QuadrantsOf(const Chord& chord) {
+  const bool right = chord.to.x >= chord.from.x, left = chord.to.x <= chord.from.x;
+  const bool up = chord.to.y >= chord.from.y, down = chord.to.y <= chord.from.y;
+  return static_cast<uint8_t>((right && up ? 1 : 0) | (left && up ? 2 : 0) |
+                              (right && down ? 4 : 0) | (left && down ? 8 : 0));
+}
+
 }  // namespace
 
 Contact ContactOf(const Chord& a, const Chord& b) {
@@ -100,6 +109,7 @@ ChordGrid::ChordGrid(std::span<const Path> paths, double tolerance, Closing clos
     origin_ = Midpoint(all.min, all.max);
     unit_ =
         PowerOfTwoFrom(std::max(size / kGridReach, std::min(tolerance, size) / kUnitsInTolerance));
+    per_unit_ = 1 / unit_;
   }
   for (size_t i = 0; i < paths.size(); ++i) {
     const double path_size = std::max(boxes[i].Width(), boxes[i].Height());
@@ -121,14 +131,22 @@ ChordGrid::ChordGrid(std::span<const Path> paths, double tolerance, Closing clos
 void ChordGrid::Add(const Path& path, double tolerance) {
   const auto index = static_cast<uint32_t>(chords_begin_.size() - 1);
   GridPoint at = OnGrid(path.start);
-  for (const Piece& piece : PiecesOf(path)) {
+  P2 start = path.start;
+  for (const Segment& segment : path.segments) {
+    const Piece piece = {start, segment};
+    start = segment.end;
+    if (IsPoint(piece)) continue;
     const auto piece_index = static_cast<uint32_t>(pieces_.size());
     pieces_.push_back(piece);
     const int parts = PartsOf(piece, tolerance);
+    const bool is_arc = segment.kind == SegmentKind::kArc;
+    const Polynomial curve = is_arc ? Polynomial{} : PolynomialOf(piece);
     double from = 0;
     for (int i = 1; i <= parts; ++i) {
       const double to = i == parts ? 1 : static_cast<double>(i) / parts;
-      const GridPoint next = OnGrid(PointAt(piece, to));
+      const GridPoint next = OnGrid(i == parts ? segment.end
+                                    : is_arc   ? PointAt(piece, to)
+                                               : PointAt(curve, to));
       if (next == at) continue;
       chords_.push_back({at, next, index, piece_index, from, to});
       at = next;
@@ -138,19 +156,30 @@ void ChordGrid::Add(const Path& path, double tolerance) {
 }
 
 GridPoint ChordGrid::OnGrid(const P2& p) const {
-  return {static_cast<int32_t>(std::floor((p.x - origin_.x) / unit_ + 0.5)),
-          static_cast<int32_t>(std::floor((p.y - origin_.y) / unit_ + 0.5))};
+  // The unit is a power of two: its inverse is exact. Coordinates are below 2^30 on the grid, so
+  // that whole numbers above 0 come out of adding 2^31 and half a unit.
+  constexpr double kLift = 2147483648.5;
+  const auto whole = [](double value) {
+    return static_cast<int32_t>(static_cast<int64_t>(value + kLift) - int64_t{2147483648});
+  };
+  return {whole((p.x - origin_.x) * per_unit_), whole((p.y - origin_.y) * per_unit_)};
 }
 
 void ChordGrid::MeasureBoxes() {
   std::vector<GridBox> boxes;
+  std::vector<uint8_t> ways;
   boxes.reserve(chords_.size());
+  ways.reserve(chords_.size());
   path_boxes_.resize(PathCount());
+  // Paths take turns with the bits, so that no chain goes on from one into the next.
+  int shift = 0;
   for (const Chord& chord : chords_) {
+    if (!boxes.empty() && (&chord)[-1].path != chord.path) shift = 4 - shift;
     boxes.push_back(kerno::BoxOf(chord));
+    ways.push_back(static_cast<uint8_t>(QuadrantsOf(chord) << shift));
     Include(&path_boxes_[chord.path], boxes.back());
   }
-  boxes_ = BoxTree(std::move(boxes));
+  boxes_ = BoxTree(std::move(boxes), std::move(ways));
 }
 
 size_t ChordGrid::ChordBefore(size_t chord) const {

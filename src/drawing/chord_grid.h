@@ -77,7 +77,8 @@ class ChordGrid {
   void MeasureBoxes();
 
   double tolerance_;
-  double unit_ = 1;
+  double unit_ = 1;      // a power of two
+  double per_unit_ = 1;  // its inverse
   P2 origin_;
   std::vector<Piece> pieces_;
   std::vector<Chord> chords_;

@@ -14,11 +14,8 @@ constexpr size_t kLookAhead = 8;
 
 class CutPlanner {
  public:
-  CutPlanner(std::span<const Path> paths, double tolerance, const P2& tool)
-      : paths_(paths),
-        tool_(tool),
-        grid_(paths, tolerance, ChordGrid::Closing::kAll),
-        nodes_(paths.size()) {}
+  CutPlanner(std::span<const Path> paths, const ChordGrid& grid, const P2& tool)
+      : paths_(paths), tool_(tool), grid_(grid), nodes_(paths.size()) {}
 
   std::vector<CutStep> Plan(CutOrder order) {
     Nest();
@@ -146,7 +143,7 @@ class CutPlanner {
 
   std::span<const Path> paths_;
   P2 tool_;
-  ChordGrid grid_;
+  const ChordGrid& grid_;
   std::vector<Node> nodes_;
   std::vector<CutStep> steps_;
 };
@@ -155,7 +152,13 @@ class CutPlanner {
 
 std::vector<CutStep> OrderForCutting(std::span<const Path> paths, double tolerance, CutOrder order,
                                      const P2& tool) {
-  return CutPlanner(paths, tolerance, tool).Plan(order);
+  const ChordGrid grid(paths, tolerance, ChordGrid::Closing::kAll);
+  return OrderForCutting(paths, grid, order, tool);
+}
+
+std::vector<CutStep> OrderForCutting(std::span<const Path> paths, const ChordGrid& grid,
+                                     CutOrder order, const P2& tool) {
+  return CutPlanner(paths, grid, tool).Plan(order);
 }
 
 Path PathOf(const Path& path, const CutStep& step) {

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "drawing/chord_grid.h"
 #include "drawing/path.h"
 
 namespace kerno {
@@ -29,6 +30,9 @@ struct CutStep {
 // cross, the order is one of those possible.
 std::vector<CutStep> OrderForCutting(std::span<const Path> paths, double tolerance, CutOrder order,
                                      const P2& tool = {});
+// The same for paths that lie on a grid already, closed.
+std::vector<CutStep> OrderForCutting(std::span<const Path> paths, const ChordGrid& grid,
+                                     CutOrder order, const P2& tool = {});
 
 // The path as the step says.
 Path PathOf(const Path& path, const CutStep& step);

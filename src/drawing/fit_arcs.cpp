@@ -1,280 +1,305 @@
 #include "drawing/fit_arcs.h"
 
 #include <algorithm>
-#include <utility>
 
-#include "drawing/arc_chain.h"
-#include "drawing/flatten.h"
 #include "drawing/measures.h"
+#include "drawing/smooth_stretches.h"
+#include "drawing/tangent_arcs.h"
 
 namespace kerno {
 namespace {
 
-constexpr double kCosineOfADegree = 0.99984769515639127;
-// The tangent of 0.9 degrees: what arcs may turn at once, safely below a degree.
-constexpr double kJointSlope = 0.0157;
+// The tangent of half of 0.9 degrees: what arcs may turn at once, safely below a degree.
+constexpr double kMostTurn = 0.00785;
+// The cosine of 0.9 degrees.
+constexpr double kSmallTurn = 0.99987663;
+// How far an arc may arrive beside the stretch's direction, in turns; the next one takes it back.
+constexpr double kTurnsAstray = 2;
 // Sizes at which a letter keeps its shape, as shares of the path's box.
 constexpr double kCoarsest = 0.05;
 // A turn within less than this share of the tolerance is a corner.
 constexpr double kPointShare = 1.0 / 1024;
-// The cosine of 10 degrees.
-constexpr double kCuspTurn = 0.98480775301220802;
+// An arc is at most half a circle.
+constexpr double kMostBulge = 1;
 
-// How finely a stretch is sampled.
-struct Sampling {
-  double share;  // of the tolerance: how far the path strays from the chord between two samples
-  double turn;   // the cosine of the most that it turns between two samples
-  int stride;    // of the samples where arcs may meet
-  double tolerance_share;
-};
-// The first that leads to arcs is taken; the later ones are for narrow bends.
-constexpr Sampling kSamplings[] = {{1.0 / 32, 0.98480775301220802, 3, 1},
-                                   {1.0 / 32, 0.98480775301220802, 3, 0.9},
-                                   {1.0 / 64, 0.99619469809174555, 2, 0.9},
-                                   {1.0 / 96, 0.99904822158185779, 1, 0.6}};
-
-bool IsCurve(const Piece& piece) {
-  return piece.segment.kind == SegmentKind::kQuadratic || piece.segment.kind == SegmentKind::kCubic;
+Segment ArcTo(const P2& end, double bulge) {
+  Segment segment;
+  segment.kind = bulge == 0 ? SegmentKind::kLine : SegmentKind::kArc;
+  segment.end = end;
+  segment.bulge = bulge;
+  return segment;
 }
 
-bool IsCorner(const P2& arriving, const P2& leaving) {
-  return Dot(arriving, leaving) < kCosineOfADegree;
-}
-
-// A stretch of the path without corners: one line or arc of its own, or curves.
-struct Stretch {
-  std::vector<Piece> pieces;
-  P2 first, last;        // its ends
-  P2 leaving, arriving;  // directions at its ends
-
-  bool IsCurved() const { return IsCurve(pieces.front()); }
-};
-
-struct Place {
-  double t;
-  P2 direction;
-};
-
-Place PlaceOn(const Piece& piece, double t) {
-  return {t, DirectionAt(piece, t)};
-}
-
-double ReachOf(const Polynomial& part) {
-  return Length(part.d1) + Length(part.d2) + Length(part.d3);
-}
-
-// A part of a curve that is a corner.
-struct SharpTurn {
-  double from, to;
-};
-
-void FindSharpTurns(const Piece& piece, const Polynomial& curve, double size, const Place& from,
-                    const Place& to, std::vector<SharpTurn>* turns) {
-  if (Dot(from.direction, to.direction) >= kCuspTurn) return;
-  if (ReachOf(PartOf(curve, from.t, to.t)) < size) {
-    if (!turns->empty() && turns->back().to == from.t) {
-      turns->back().to = to.t;
-    } else {
-      turns->push_back({from.t, to.t});
-    }
-    return;
-  }
-  const Place between = PlaceOn(piece, 0.5 * (from.t + to.t));
-  FindSharpTurns(piece, curve, size, from, between, turns);
-  FindSharpTurns(piece, curve, size, between, to, turns);
-}
-
-// The middle of a sharp turn: where the curve is slowest.
-P2 CornerOf(const Piece& piece, const SharpTurn& turn) {
-  constexpr int kSteps = 32;
-  double best = turn.from, slowest = HUGE_VAL;
-  for (int i = 0; i <= kSteps; ++i) {
-    const double t = turn.from + (turn.to - turn.from) * i * (1.0 / kSteps);
-    const double speed = Length(VelocityAt(piece, t));
-    if (speed < slowest) slowest = speed, best = t;
-  }
-  return PointAt(piece, best);
-}
-
-// A part of a piece between its sharp turns, with the corners where it starts and ends in place of
-// the halves of those turns.
-struct SmoothPart {
-  Piece piece;
-  P2 first, last;
-};
-
-std::vector<SmoothPart> SplitAtSharpTurns(const Piece& piece, double size) {
-  if (!IsCurve(piece)) return {{piece, piece.start, piece.segment.end}};
-  std::vector<SharpTurn> turns;
-  const Polynomial curve = PolynomialOf(piece);
-  constexpr int kParts = 4;
-  for (int i = 0; i < kParts; ++i) {
-    FindSharpTurns(piece, curve, size, PlaceOn(piece, i * (1.0 / kParts)),
-                   PlaceOn(piece, (i + 1) * (1.0 / kParts)), &turns);
-  }
-  turns.push_back({1, 1});
-  std::vector<SmoothPart> parts;
-  double from = 0;
-  P2 first = piece.start;
-  for (const SharpTurn& turn : turns) {
-    if (turn.from > from) {
-      parts.push_back({Between(piece, from, turn.from), first, CornerOf(piece, turn)});
-      first = parts.back().last;
-    }
-    from = turn.to;
-  }
-  if (parts.empty()) return {{piece, piece.start, piece.segment.end}};
-  parts.back().last = piece.segment.end;
-  return parts;
-}
-
-std::vector<Stretch> SplitAtCorners(const std::vector<Piece>& pieces, double size) {
-  std::vector<Stretch> stretches;
-  for (const Piece& whole : pieces) {
-    bool after_turn = false;
-    for (const auto& [piece, first, last] : SplitAtSharpTurns(whole, size)) {
-      const P2 leaving = DirectionAt(piece, 0), arriving = DirectionAt(piece, 1);
-      const bool goes_on = !stretches.empty() && !after_turn && stretches.back().IsCurved() &&
-                           IsCurve(piece) && !IsCorner(stretches.back().arriving, leaving);
-      if (!goes_on) stretches.push_back({{}, first, last, leaving, arriving});
-      stretches.back().pieces.push_back(piece);
-      stretches.back().last = last;
-      stretches.back().arriving = arriving;
-      after_turn = true;
-    }
-  }
-  return stretches;
-}
-
-class Sampler {
+// Fits the curved stretches of a path. A place on a stretch is the number of a piece, counted from
+// the stretch's first one, and the parameter there, added up.
+class ArcFitter {
  public:
-  Sampler(double tolerance, const Sampling& sampling)
-      : between_(tolerance * sampling.share), sampling_(sampling) {}
+  // `turn_at_ends` is the tangent of half the most that arcs turn where stretches meet.
+  ArcFitter(const SmoothStretches& path, double tolerance, double turn_at_ends,
+            std::vector<Segment>* segments)
+      : pieces_(path.pieces),
+        tolerance_(tolerance),
+        turn_at_ends_(turn_at_ends),
+        segments_(*segments) {
+    curves_.reserve(pieces_.size());
+    for (const Piece& piece : pieces_) curves_.push_back(PolynomialOf(piece));
+  }
 
-  std::vector<CurvePoint> Sample(const Stretch& stretch) {
-    samples_.push_back({stretch.pieces.front().start, stretch.leaving});
-    for (const Piece& piece : stretch.pieces) {
-      const Polynomial curve = PolynomialOf(piece);
-      constexpr int kLeastParts = 4;
-      for (int i = 0; i < kLeastParts; ++i) {
-        constexpr int kDeepest = 30;
-        AddUpTo(piece, curve, PlaceOn(piece, i * (1.0 / kLeastParts)),
-                PlaceOn(piece, (i + 1) * (1.0 / kLeastParts)), kDeepest);
-      }
-      samples_.back().at = piece.segment.end;
-      samples_.back().may_join = true;
-      since_joint_ = 0;
+  // Appends lines and arcs from the stretch's start to its end. Takes, again and again, the arc
+  // that reaches farthest, or two arcs of one tangent where these reach more than twice as far.
+  void Fit(const Stretch& stretch) {
+    stretch_ = stretch;
+    end_ = static_cast<double>(stretch.end - stretch.begin);
+    from_ = 0;
+    heading_ = stretch.first;
+    arrived_ = heading_.direction;
+    double step = end_;
+    while (from_ < end_) {
+      FindFarthest(1, step);
+      if (!best_.found || best_.to < end_) TryTwoArcs();
+      if (!best_.found) TakeChord();
+      step = best_.to - from_;
+      Append();
     }
-    return std::move(samples_);
   }
 
  private:
-  void AddUpTo(const Piece& piece, const Polynomial& curve, const Place& from, const Place& to,
-               int depth) {
-    const bool turns = Dot(from.direction, to.direction) < sampling_.turn;
-    if (depth > 0 && (turns || DistanceFromChord(PartOf(curve, from.t, to.t)) > between_)) {
-      const Place between = PlaceOn(piece, 0.5 * (from.t + to.t));
-      AddUpTo(piece, curve, from, between, depth - 1);
-      AddUpTo(piece, curve, between, to, depth - 1);
-      return;
-    }
-    const bool may_join = ++since_joint_ == sampling_.stride;
-    if (may_join) since_joint_ = 0;
-    samples_.push_back({PointAt(piece, to.t), to.direction, may_join});
+  // One or two arcs to a place.
+  struct Attempt {
+    bool found = false;
+    double to = 0;
+    Heading heading;  // of the stretch there
+    Segment first, second;
+    bool is_pair = false;
+  };
+
+  Heading HeadingAt(double place) const {
+    if (place == 0) return stretch_.first;
+    if (place == end_) return stretch_.last;
+    const auto number = static_cast<size_t>(place);
+    const double t = place - static_cast<double>(number);
+    const Piece& piece = pieces_[stretch_.begin + number];
+    if (t > 0) return {PointAt(piece, t), DirectionAt(piece, t)};
+    return {piece.start,
+            Unit(DirectionAt(pieces_[stretch_.begin + number - 1], 1) + DirectionAt(piece, 0))};
   }
 
-  double between_;
-  Sampling sampling_;
-  std::vector<CurvePoint> samples_;
-  int since_joint_ = 0;
+  // At least the farthest distance of part of the stretch from an arc; any value above the
+  // tolerance, once that is passed.
+  double Stray(double from, double to, const P2& start, const P2& end, double bulge) const {
+    double most = 0;
+    for (double at = from; at < to && most <= tolerance_;) {
+      const auto number = static_cast<size_t>(at);
+      const auto base = static_cast<double>(number);
+      const double next = std::min(to, base + 1);
+      const Polynomial part = PartOf(curves_[stretch_.begin + number], at - base, next - base);
+      most = std::max(most, StrayFromArc(part, start, end, bulge, tolerance_));
+      at = next;
+    }
+    return most;
+  }
+
+  // Where the stretch, from from_ to `to`, crosses the line across a heading.
+  double CrossingOf(double to, const Heading& line) const {
+    const auto ahead = [&](double place) {
+      const size_t last = stretch_.end - stretch_.begin - 1;
+      const size_t number = std::min(static_cast<size_t>(place), last);
+      const double t = place - static_cast<double>(number);
+      return Dot(PointAt(curves_[stretch_.begin + number], t) - line.at, line.direction);
+    };
+    double low = from_, high = to;
+    double low_ahead = Dot(heading_.at - line.at, line.direction), high_ahead = ahead(to);
+    constexpr int kRounds = 12;
+    constexpr double kClose = 1e-6;
+    double at = 0.5 * (low + high);
+    for (int i = 0; i < kRounds && high - low > kClose; ++i) {
+      // Where a straight line would cross, and now and then in the middle.
+      at = 0.5 * (low + high);
+      if (i % 3 != 2 && low_ahead < 0 && high_ahead > 0) {
+        at = low + (high - low) * (low_ahead / (low_ahead - high_ahead));
+      }
+      const double found = ahead(at);
+      if (std::fabs(found) < tolerance_ * kClose) break;
+      if (found < 0) {
+        low = at, low_ahead = found;
+      } else {
+        high = at, high_ahead = found;
+      }
+    }
+    return at;
+  }
+
+  // The bulges with which an arc to a place goes on from the arc before, and so that another one
+  // can go on from it. False when there are none.
+  bool BulgesTo(double to, const Heading& end, const EndAngles& angles, double* least,
+                double* most) const {
+    *least = -kMostBulge;
+    *most = kMostBulge;
+    const double at_ends = stretch_.is_loop ? 0.5 * turn_at_ends_ : turn_at_ends_;
+    if (from_ > 0 || !stretch_.starts_at_corner) {
+      EndAngles before;
+      if (!AnglesBetween({heading_.at, arrived_}, end, &before)) return false;
+      const double turn = from_ > 0 ? kMostTurn : at_ends;
+      *least = std::max(*least, -before.leaving - turn);
+      *most = std::min(*most, -before.leaving + turn);
+    }
+    if (to < end_ || !stretch_.ends_at_corner) {
+      const double turn = to < end_ ? kTurnsAstray * kMostTurn : at_ends;
+      *least = std::max(*least, angles.arriving - turn);
+      *most = std::min(*most, angles.arriving + turn);
+    }
+    return *least <= *most;
+  }
+
+  bool OneArc(double to, const Heading& end, const EndAngles& angles, double* stray) {
+    double least, most;
+    if (!BulgesTo(to, end, angles, &least, &most)) return false;
+    const auto fits = [&](double bulge) {
+      *stray = Stray(from_, to, heading_.at, end.at, bulge);
+      return *stray <= tolerance_;
+    };
+    double bulge = EvenBulge(angles);
+    const bool is_flat = std::fabs(bulge) * Length(end.at - heading_.at) < 4 * tolerance_;
+    if (is_flat && least <= 0 && 0 <= most && fits(0)) {
+      bulge = 0;
+    } else {
+      bulge = std::clamp(bulge, least, most);
+      if (!fits(bulge)) return false;
+    }
+    best_ = {true, to, end, ArcTo(end.at, bulge), {}};
+    return true;
+  }
+
+  bool TwoArcs(double to, const Heading& end, double* stray) {
+    // A turn that is too large for a joint is not taken back at once.
+    const bool astray = from_ > 0 && Dot(arrived_, heading_.direction) < kSmallTurn;
+    const Heading from = {heading_.at, astray ? arrived_ : heading_.direction};
+    EndAngles angles;
+    if (!AnglesBetween(from, end, &angles)) return false;
+    const TangentArcs arcs = ArcsBetween(from, end, angles);
+    if (!(std::fabs(arcs.first_bulge) <= kMostBulge) ||
+        !(std::fabs(arcs.second_bulge) <= kMostBulge)) {
+      return false;
+    }
+    const double joint = CrossingOf(to, arcs.joint);
+    *stray = Stray(from_, joint, from.at, arcs.joint.at, arcs.first_bulge);
+    if (*stray > tolerance_) return false;
+    *stray = std::max(*stray, Stray(joint, to, arcs.joint.at, end.at, arcs.second_bulge));
+    if (*stray > tolerance_) return false;
+    best_ = {
+        true, to, end, ArcTo(arcs.joint.at, arcs.first_bulge), ArcTo(end.at, arcs.second_bulge),
+        true};
+    return true;
+  }
+
+  // Goes to a place by so many arcs; best_ becomes them where they fit. `stray` tells how far they
+  // are from the stretch: infinitely, where directions forbid them.
+  bool Reach(int arcs, double to, double* stray) {
+    const Heading end = HeadingAt(to);
+    EndAngles angles;
+    *stray = HUGE_VAL;
+    if (arcs == 2) return TwoArcs(to, end, stray);
+    return AnglesBetween(heading_, end, &angles) && OneArc(to, end, angles, stray);
+  }
+
+  // Goes as far as so many arcs reach, about; `step` is a first guess. best_ is not found when they
+  // reach nowhere.
+  void FindFarthest(int arcs, double step) {
+    best_ = {};
+    const double rest = end_ - from_;
+    double good = 0, bad = HUGE_VAL;
+    constexpr int kGuesses = 24, kGuessesOnceFound = 4;
+    constexpr double kNear = 0.92;
+    for (int guess = 0; guess < kGuesses; ++guess) {
+      step = std::min(step, rest);
+      double stray = 0;
+      (Reach(arcs, step == rest ? end_ : from_ + step, &stray) ? good : bad) = step;
+      if (good == rest || good > bad * kNear) return;
+      if (good > 0 && guess >= kGuessesOnceFound) return;
+      // The distance grows about with the third power of the step, and is not known exactly where
+      // the search for it ended early.
+      const double factor = std::clamp(std::sqrt(std::sqrt(tolerance_ / stray)), 0.25, 2.5);
+      const double next = step * factor * 0.98;
+      const bool between = next > good * 1.02 && next < bad * 0.98;
+      step = between ? next : 0.5 * (good + std::min(bad, 3 * step));
+    }
+  }
+
+  // Puts two arcs in place of the one in best_ where they reach farther than it and half of
+  // another.
+  void TryTwoArcs() {
+    constexpr double kWorthIt = 2.5;
+    const Attempt one = best_;
+    if (!one.found) return FindFarthest(2, end_ - from_);
+    const double step = kWorthIt * (one.to - from_);
+    double stray = 0;
+    if (from_ + step >= end_ || !Reach(2, from_ + step, &stray)) return;
+    FindFarthest(2, step);
+    if (!best_.found) best_ = one;
+  }
+
+  // A step without arcs, where the curve is none.
+  void TakeChord() {
+    constexpr double kStep = 1.0 / 64;
+    const double to = std::min(end_, from_ + kStep);
+    const Heading end = HeadingAt(to);
+    best_ = {true, to, end, ArcTo(end.at, 0), {}};
+  }
+
+  void Append() {
+    P2 start = heading_.at;
+    segments_.push_back(best_.first);
+    if (best_.is_pair) {
+      start = best_.first.end;
+      segments_.push_back(best_.second);
+    }
+    arrived_ = DirectionAt({start, segments_.back()}, 1);
+    from_ = best_.to;
+    heading_ = best_.heading;
+  }
+
+  const std::vector<Piece>& pieces_;
+  std::vector<Polynomial> curves_;  // of the pieces
+  double tolerance_;
+  double turn_at_ends_;
+  std::vector<Segment>& segments_;
+
+  Stretch stretch_;  // at work
+  double end_ = 0;   // its last place
+  double from_ = 0;  // how far it is done
+  Heading heading_;  // of the stretch there
+  P2 arrived_;       // the direction of the last arc there
+  Attempt best_;
 };
 
-// A closed path starts at a corner, or beside a line or arc of its own, if it has one.
-void StartAtAnEnd(std::vector<Piece>* pieces) {
-  for (size_t i = 0; i < pieces->size(); ++i) {
-    const Piece& before = (*pieces)[i > 0 ? i - 1 : pieces->size() - 1];
-    const Piece& after = (*pieces)[i];
-    if (!IsCurve(before) || !IsCurve(after) ||
-        IsCorner(DirectionAt(before, 1), DirectionAt(after, 0))) {
-      std::rotate(pieces->begin(), pieces->begin() + static_cast<std::ptrdiff_t>(i), pieces->end());
-      return;
+Path Fitted(const Path& path, double tolerance, StretchRule rule, double turn_at_ends) {
+  Path result;
+  result.closed = path.closed;
+  result.start = path.start;
+  const Box2 box = BoxOf(path);
+  tolerance = std::min(tolerance, std::max(box.Width(), box.Height()) * kCoarsest);
+  const SmoothStretches smooth = StretchesOf(path, tolerance * kPointShare, rule);
+  if (smooth.pieces.empty()) return result;
+  result.start = smooth.pieces.front().start;
+  ArcFitter fitter(smooth, tolerance, turn_at_ends, &result.segments);
+  for (const Stretch& stretch : smooth.stretches) {
+    if (stretch.curved) {
+      fitter.Fit(stretch);
+    } else {
+      result.segments.push_back(smooth.pieces[stretch.begin].segment);
     }
   }
-}
-
-std::vector<Segment> ArcsOf(const Stretch& stretch, double tolerance, const EndSlopes& ends) {
-  for (const Sampling& sampling : kSamplings) {
-    std::vector<CurvePoint> samples = Sampler(tolerance, sampling).Sample(stretch);
-    samples.front() = {stretch.first, stretch.leaving};
-    samples.back() = {stretch.last, stretch.arriving};
-    auto arcs = ChainOfArcs(samples, tolerance * sampling.tolerance_share,
-                            tolerance * sampling.share, kJointSlope, ends);
-    if (arcs) return std::move(*arcs);
-  }
-  std::vector<Segment> chords;
-  std::vector<ChordEnd> chord_ends;
-  for (const Piece& piece : stretch.pieces) FlattenPiece(piece, tolerance, &chord_ends);
-  for (const ChordEnd& end : chord_ends) {
-    Segment chord;
-    chord.end = end.point;
-    chords.push_back(chord);
-  }
-  chords.back().end = stretch.last;
-  return chords;
-}
-
-// How far arcs may leave from the direction of a curved stretch's end, next to another stretch.
-double SlopeBeside(const P2& end, const Stretch& neighbour, const P2& beside) {
-  if (IsCorner(end, beside)) return kAnySlope;
-  // Both sides of a joint between curves give way.
-  return neighbour.IsCurved() ? kJointSlope * 0.5 : kJointSlope;
+  return result;
 }
 
 }  // namespace
 
 Path FitArcs(const Path& path, double tolerance) {
-  Path result;
-  result.closed = path.closed;
-  result.start = path.start;
-  std::vector<Piece> pieces = PiecesOf(path);
-  if (pieces.empty()) return result;
-  if (path.closed) StartAtAnEnd(&pieces);
-  result.start = pieces.front().start;
-  const Box2 box = BoxOf(path);
-  tolerance = std::min(tolerance, std::max(box.Width(), box.Height()) * kCoarsest);
+  return Fitted(path, tolerance, StretchRule::kSmooth, kMostTurn);
+}
 
-  std::vector<Stretch> stretches = SplitAtCorners(pieces, tolerance * kPointShare);
-  const size_t count = stretches.size();
-  if (path.closed && count == 1 && !IsCorner(stretches[0].arriving, stretches[0].leaving)) {
-    stretches[0].leaving = Unit(stretches[0].arriving + stretches[0].leaving);
-    stretches[0].arriving = stretches[0].leaving;
-  }
-  for (size_t i = 0; i < count; ++i) {
-    Stretch& stretch = stretches[i];
-    if (!stretch.IsCurved()) {
-      result.segments.push_back(stretch.pieces.front().segment);
-      continue;
-    }
-    EndSlopes ends = {kAnySlope, kAnySlope};
-    const bool first = i == 0, last = i + 1 == count;
-    // The directions of the line beside are those that the arcs must meet.
-    if (!first || path.closed) {
-      const Stretch& before = stretches[first ? count - 1 : i - 1];
-      ends.first = SlopeBeside(stretch.leaving, before, before.arriving);
-      if (ends.first < kAnySlope && !before.IsCurved()) {
-        stretch.leaving = before.arriving;
-      }
-    }
-    if (!last || path.closed) {
-      const Stretch& after = stretches[last ? 0 : i + 1];
-      ends.last = SlopeBeside(stretch.arriving, after, after.leaving);
-      if (ends.last < kAnySlope && !after.IsCurved()) {
-        stretch.arriving = after.leaving;
-      }
-    }
-    for (const Segment& arc : ArcsOf(stretch, tolerance, ends)) result.segments.push_back(arc);
-  }
-  return result;
+Path FitArcsKeepingNodes(const Path& path, double tolerance) {
+  return Fitted(path, tolerance, StretchRule::kCurve, 0);
 }
 
 }  // namespace kerno

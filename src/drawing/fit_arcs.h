@@ -21,4 +21,8 @@ namespace kerno {
 // stay letters. The result is the same on every platform.
 Path FitArcs(const Path& path, double tolerance);
 
+// The same, with all ends of curves kept and their directions there met exactly: what touches the
+// path at such a point, as lines beside letters do, does not cross the arcs. More arcs.
+Path FitArcsKeepingNodes(const Path& path, double tolerance);
+
 }  // namespace kerno

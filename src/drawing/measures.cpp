@@ -80,6 +80,9 @@ double TwiceArea(const Piece& piece, const P2& origin) {
 
 void IncludeArc(const Piece& arc, Box2* box) {
   const P2 centre = CentreOf(arc);
+  const P2 from = arc.start - centre, to = arc.segment.end - centre;
+  // Within a quadrant of the circle, an arc stays in the box of its ends.
+  if (std::fabs(arc.segment.bulge) < 0.5 && from.x * to.x > 0 && from.y * to.y > 0) return;
   const double radius = RadiusOf(arc);
   const P2 chord = arc.segment.end - arc.start;
   // The arc is the part of its circle on one side of the chord.
@@ -137,7 +140,11 @@ double SignedAreaOf(const Path& path) {
 
 Box2 BoxOf(const Path& path) {
   Box2 box;
-  for (const Piece& piece : PiecesOf(path)) {
+  P2 start = path.start;
+  for (const Segment& segment : path.segments) {
+    const Piece piece = {start, segment};
+    start = segment.end;
+    if (IsPoint(piece)) continue;
     Include(&box, piece.start);
     Include(&box, piece.segment.end);
     if (piece.segment.kind == SegmentKind::kArc && piece.segment.bulge != 0)

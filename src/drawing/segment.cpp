@@ -49,8 +49,7 @@ P2 PointAt(const Piece& piece, double t) {
   if (t == 0) return piece.start;
   if (t == 1) return piece.segment.end;
   if (piece.segment.kind == SegmentKind::kArc) return ArcPointAt(piece, t);
-  const Polynomial c = PolynomialOf(piece);
-  return c.at + (c.d1 + (c.d2 + c.d3 * t) * t) * t;
+  return PointAt(PolynomialOf(piece), t);
 }
 
 P2 VelocityAt(const Piece& piece, double t) {
@@ -65,10 +64,12 @@ P2 VelocityAt(const Piece& piece, double t) {
 
 P2 DirectionAt(const Piece& piece, double t) {
   if (piece.segment.kind == SegmentKind::kArc) return Unit(ArcDirectionAt(piece, t));
-  const P2 velocity = VelocityAt(piece, t);
   const Polynomial c = PolynomialOf(piece);
-  const double scale = Length(c.d1) + Length(c.d2) + Length(c.d3);
-  if (Length(velocity) > scale * 1e-9) return Unit(velocity);
+  const P2 velocity = c.d1 + (c.d2 * 2 + c.d3 * (3 * t)) * t;
+  // Squares, as nearly always the velocity is all that is asked for.
+  const double size = Dot(c.d1, c.d1) + Dot(c.d2, c.d2) + Dot(c.d3, c.d3);
+  if (Dot(velocity, velocity) > size * 1e-17) return Unit(velocity);
+  const double scale = std::sqrt(size);
   // The second derivative leads away from where the first one vanishes, forwards or backwards.
   const P2 bend = c.d2 * 2 + c.d3 * (6 * t);
   if (Length(bend) > scale * 1e-9) return Unit(t > 0.5 ? bend * -1.0 : bend);

@@ -26,6 +26,10 @@ Polynomial PolynomialOf(const Piece& piece);
 // The part from `from` to `to`, with a parameter that runs from 0 to 1 along it again.
 Polynomial PartOf(const Polynomial& curve, double from, double to);
 
+inline P2 PointAt(const Polynomial& c, double t) {
+  return c.at + (c.d1 + (c.d2 + c.d3 * t) * t) * t;
+}
+
 // 0 and 1 give the ends themselves.
 P2 PointAt(const Piece& piece, double t);
 // The derivative by the parameter.

@@ -10,8 +10,10 @@
 namespace kerno {
 namespace {
 
-// Chords stray from their curves by this share of the tolerance.
+// Chords stray from their curves by this share of the tolerance; where nothing touches even by
+// coarse ones, by that.
 constexpr double kChordShare = 0.125;
+constexpr double kCoarseShare = 0.5;
 
 // Sets that grow together.
 class Clusters {
@@ -35,22 +37,24 @@ bool IsFilled(int winding, FillRule rule) {
 
 class Welder {
  public:
-  Welder(std::span<const Path> paths, double tolerance, const UnionRule& rule)
+  Welder(std::span<const Path> paths, double chord_tolerance, const UnionRule& rule)
       : paths_(paths),
         rule_(rule),
-        grid_(paths, tolerance * kChordShare, ChordGrid::Closing::kAll),
+        grid_(paths, chord_tolerance, ChordGrid::Closing::kAll),
         clusters_(paths.size()),
         touched_(paths.size()),
         path_boxes_(PathBoxes()) {
     result_.vanished.assign(paths.size(), true);
-  }
-
-  WeldResult Run() {
     grid_.ForEachContact([&](size_t i, size_t j, Contact) {
       const uint32_t a = grid_.Chords()[i].path, b = grid_.Chords()[j].path;
       touched_[a] = touched_[b] = true;
       clusters_.Join(a, b);
     });
+  }
+
+  bool FoundContacts() const { return std::ranges::find(touched_, true) != touched_.end(); }
+
+  WeldResult Run() {
     std::vector<std::vector<size_t>> members(paths_.size());
     for (size_t i = 0; i < paths_.size(); ++i) {
       if (grid_.HasChords(i)) members[clusters_.Of(i)].push_back(i);
@@ -154,7 +158,9 @@ class Welder {
 }  // namespace
 
 WeldResult UnionOf(std::span<const Path> paths, double tolerance, const UnionRule& rule) {
-  return Welder(paths, tolerance, rule).Run();
+  Welder coarse(paths, tolerance * kCoarseShare, rule);
+  if (!coarse.FoundContacts()) return coarse.Run();
+  return Welder(paths, tolerance * kChordShare, rule).Run();
 }
 
 WeldResult Weld(std::span<const Path> paths, double tolerance) {

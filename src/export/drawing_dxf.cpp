@@ -1,5 +1,7 @@
 #include "export/drawing_dxf.h"
 
+#include <algorithm>
+#include <array>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -66,6 +68,7 @@ class DrawingDxf {
       : drawing_(drawing),
         style_(style),
         layers_(drawing, style),
+        box_(InkOf(drawing)),
         out_(*out),
         decimals_(drawing.unit == LengthUnit::kInch ? 8 : 6),
         modern_(style.dxf == DxfVersion::kR2000) {
@@ -111,9 +114,18 @@ class DrawingDxf {
     AppendFixed(&buffer_, value, decimals);
     buffer_.push_back('\n');
   }
-  void Point(const P2& p) {
-    Number(" 10", p.x, decimals_);
-    Number(" 20", p.y, decimals_);
+  void Point(const P2& p, double bulge = 0) {
+    constexpr size_t kCode = 4;
+    std::array<char, 3 * (kCode + kLongestFixed + 1)> text;
+    char* at = text.data();
+    const auto put = [&](const char* code, double value, int decimals) {
+      at = PutFixed(std::copy_n(code, kCode, at), value, decimals);
+      *at++ = '\n';
+    };
+    put(" 10\n", p.x, decimals_);
+    put(" 20\n", p.y, decimals_);
+    if (bulge != 0) put(" 42\n", bulge, kBulgeDecimals);
+    buffer_.append(text.data(), at);
   }
   std::string NextHandle() { return Hex(handle_++); }
 
@@ -137,6 +149,7 @@ class DrawingDxf {
   const Drawing& drawing_;
   const DrawingStyle& style_;
   DrawingLayers layers_;
+  Box2 box_;
   std::vector<std::string> layer_texts_;
   FileReplacement& out_;
   int decimals_;
@@ -147,11 +160,10 @@ class DrawingDxf {
 };
 
 void DrawingDxf::Header() {
-  const Box2 box = InkOf(drawing_);
   size_t entities = 0;
   for (const PlacedShape& placed : drawing_.placed)
     entities += drawing_.shapes[placed.shape].size();
-  const bool empty = !(box.min.x <= box.max.x);
+  const bool empty = !(box_.min.x <= box_.max.x);
   const auto corner = [&](std::string_view name, const P2& p) {
     Pair("  9", name);
     Point(empty ? P2{} : p);
@@ -167,8 +179,8 @@ void DrawingDxf::Header() {
   setting("$DWGCODEPAGE", "  3", "ANSI_1252");
   setting("$INSUNITS", " 70", inches ? "1" : "4");
   setting("$MEASUREMENT", " 70", inches ? "0" : "1");
-  corner("$EXTMIN", box.min);
-  corner("$EXTMAX", box.max);
+  corner("$EXTMIN", box_.min);
+  corner("$EXTMAX", box_.max);
   if (modern_) {
     // Layers and entities take one handle each.
     const uint64_t end = kFirstFreeHandle + layer_texts_.size() + entities;
@@ -201,14 +213,13 @@ void DrawingDxf::Record(std::string_view type, std::string_view handle, std::str
 }
 
 void DrawingDxf::ViewportTable() {
-  const Box2 box = InkOf(drawing_);
-  const bool empty = !(box.min.x <= box.max.x);
-  const double height = empty ? 1 : std::max({box.Height(), box.Width() / 2, 1e-6});
+  const bool empty = !(box_.min.x <= box_.max.x);
+  const double height = empty ? 1 : std::max({box_.Height(), box_.Width() / 2, 1e-6});
   Table("VPORT", "8", 1);
   Record("VPORT", "29", "8", "AcDbViewportTableRecord", "*Active");
   Put(" 70\n0\n 10\n0\n 20\n0\n 11\n1\n 21\n1\n");
-  Number(" 12", empty ? 0 : (box.min.x + box.max.x) / 2, decimals_);
-  Number(" 22", empty ? 0 : (box.min.y + box.max.y) / 2, decimals_);
+  Number(" 12", empty ? 0 : (box_.min.x + box_.max.x) / 2, decimals_);
+  Number(" 22", empty ? 0 : (box_.min.y + box_.max.y) / 2, decimals_);
   Put(" 13\n0\n 23\n0\n 14\n1\n 24\n1\n 15\n0\n 25\n0\n 16\n0\n 26\n0\n 36\n1\n 17\n0\n 27\n0\n "
       "37\n0\n");
   Number(" 40", height, decimals_);
@@ -374,8 +385,7 @@ void DrawingDxf::Polyline(const Path& path, const P2& at, const std::string& lay
   Pair(" 70", path.closed ? "1" : "0");
   P2 from = path.start;
   for (const Segment& segment : path.segments) {
-    Point(Moved(from, at));
-    if (segment.kind == SegmentKind::kArc) Number(" 42", segment.bulge, kBulgeDecimals);
+    Point(Moved(from, at), segment.kind == SegmentKind::kArc ? segment.bulge : 0);
     from = segment.end;
   }
   if (!path.closed) Point(Moved(from, at));

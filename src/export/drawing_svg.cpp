@@ -1,5 +1,6 @@
 #include "export/drawing_svg.h"
 
+#include <array>
 #include <cmath>
 #include <string>
 #include <string_view>
@@ -41,9 +42,10 @@ class DrawingSvg {
   void Group(size_t layer);
   void ShapeOnLayer(const PlacedShape& placed, size_t n, size_t layer);
   void Append(std::string* out, const P2& p) {
-    AppendFixed(out, p.x, decimals_);
-    out->push_back(' ');
-    AppendFixed(out, p.y, decimals_);
+    std::array<char, 2 * kLongestFixed + 1> text;
+    char* at = PutFixed(text.data(), p.x, decimals_);
+    *at++ = ' ';
+    out->append(text.data(), PutFixed(at, p.y, decimals_));
   }
   void AppendPath(std::string* out, const Path& path, const P2& at);
   void AppendSegment(std::string* out, const P2& from, const Segment& segment, const Affine& place);

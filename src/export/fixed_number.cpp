@@ -1,46 +1,97 @@
 #include "export/fixed_number.h"
 
+#include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 
 namespace kerno {
+namespace {
 
-bool AppendFixed(std::string* out, double value, int decimals) {
+// "00" to "99".
+constexpr std::array<char, 200> kPairs = [] {
+  std::array<char, 200> pairs{};
+  for (size_t i = 0; i < 100; ++i) {
+    pairs[2 * i] = static_cast<char>('0' + i / 10);
+    pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+  }
+  return pairs;
+}();
+
+void PutPair(char* at, uint64_t value) {
+  std::memcpy(at, &kPairs[2 * value], 2);
+}
+
+char* PutWhole(char* at, uint64_t value) {
+  std::array<char, 24> digits;
+  size_t first = digits.size();
+  for (; value >= 100; value /= 100) PutPair(&digits[first -= 2], value % 100);
+  if (value >= 10) {
+    PutPair(&digits[first -= 2], value);
+  } else {
+    digits[--first] = static_cast<char>('0' + value);
+  }
+  std::memcpy(at, &digits[first], digits.size() - first);
+  return at + (digits.size() - first);
+}
+
+// A number of units, 10^kDecimals to one. With the power known, no division is left.
+template <int kDecimals>
+char* PutUnits(char* at, uint64_t units) {
+  constexpr uint64_t kOne = [] {
+    uint64_t one = 1;
+    for (int i = 0; i < kDecimals; ++i) one *= 10;
+    return one;
+  }();
+  at = PutWhole(at, units / kOne);
+  uint64_t part = units % kOne;
+  if (part == 0) return at;
+  *at++ = '.';
+  char* end = at + kDecimals;
+  int left = kDecimals;
+  for (; left >= 2; left -= 2, part /= 100) PutPair(at + left - 2, part % 100);
+  if (left == 1) *at = static_cast<char>('0' + part);
+  while (end[-1] == '0') --end;
+  return end;
+}
+
+}  // namespace
+
+char* PutFixed(char* at, double value, int decimals) {
+  static_assert(kMostFixedDecimals == 8);
+  constexpr double kPowers[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
   constexpr double kMost = 1e9;
-  constexpr int64_t kPowers[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
   if (!(std::fabs(value) <= kMost)) {
-    out->push_back('0');
-    return false;
+    *at++ = '0';
+    return at;
   }
-  const int64_t unit = kPowers[decimals];
-  int64_t scaled = std::llround(value * static_cast<double>(unit));
-  if (scaled < 0) {
-    out->push_back('-');
-    scaled = -scaled;
+  const auto units = static_cast<uint64_t>(std::fabs(value) * kPowers[decimals] + 0.5);
+  if (value < 0 && units > 0) *at++ = '-';
+  switch (decimals) {
+    case 0:
+      return PutWhole(at, units);
+    case 1:
+      return PutUnits<1>(at, units);
+    case 2:
+      return PutUnits<2>(at, units);
+    case 3:
+      return PutUnits<3>(at, units);
+    case 4:
+      return PutUnits<4>(at, units);
+    case 5:
+      return PutUnits<5>(at, units);
+    case 6:
+      return PutUnits<6>(at, units);
+    case 7:
+      return PutUnits<7>(at, units);
+    default:
+      return PutUnits<8>(at, units);
   }
-  char digits[32];
-  char* const end = digits + sizeof digits;
-  char* at = end;
-  int64_t whole = scaled / unit;
-  int64_t part = scaled % unit;
-  int left = decimals;
-  while (left > 0 && part % 10 == 0) {
-    part /= 10;
-    --left;
-  }
-  if (left > 0) {
-    for (; left > 0; --left) {
-      *--at = static_cast<char>('0' + part % 10);
-      part /= 10;
-    }
-    *--at = '.';
-  }
-  do {
-    *--at = static_cast<char>('0' + whole % 10);
-    whole /= 10;
-  } while (whole > 0);
-  out->append(at, end);
-  return true;
+}
+
+void AppendFixed(std::string* out, double value, int decimals) {
+  std::array<char, kLongestFixed> text;
+  out->append(text.data(), PutFixed(text.data(), value, decimals));
 }
 
 }  // namespace kerno

@@ -1,12 +1,18 @@
 // Coordinates as machines take them: fixed notation, at most so many decimals, no zeros at the end,
-// never "-0" and never an exponent.
+// never "-0" and never an exponent. Values of up to 1e9; beyond, and for what is no number, "0" is
+// written.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace kerno {
 
-// Values of up to 1e9; beyond, and for what is no number, "0" is written and the answer is false.
-bool AppendFixed(std::string* out, double value, int decimals);
+constexpr int kMostFixedDecimals = 8;
+constexpr size_t kLongestFixed = 32;
+
+// Writes up to kLongestFixed characters and returns their end.
+char* PutFixed(char* at, double value, int decimals);
+void AppendFixed(std::string* out, double value, int decimals);
 
 }  // namespace kerno

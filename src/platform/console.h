@@ -11,7 +11,7 @@ namespace kerno {
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 
 // Makes the standard streams carry bytes as they are written, with terminals that take them as
-// UTF-8. Called once, before anything is printed.
+// UTF-8, and opens closed ones on the null device. Called once, before anything else.
 void PrepareStandardStreams();
 
 // Whether standard error is a terminal, where a line can be written over.

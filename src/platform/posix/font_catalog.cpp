@@ -229,14 +229,23 @@ std::vector<const CatalogFace*> FontCatalog::FindFullName(std::u16string_view na
   return found;
 }
 
-std::vector<const CatalogFace*> FontCatalog::Substitutes(std::u16string_view name,
-                                                         const FaceWish& wish) const {
+const std::vector<const CatalogFace*>& FontCatalog::Substitutes(std::u16string_view name,
+                                                                const FaceWish& wish) const {
+  const std::u16string key(name.substr(0, kMaxFaceName));
+  const auto [known, is_new] =
+      substitutes_.try_emplace(std::tuple(key, wish.weight, wish.italic, wish.vertical));
+  if (is_new) known->second = FindSubstitutes(key, wish);
+  return known->second;
+}
+
+std::vector<const CatalogFace*> FontCatalog::FindSubstitutes(const std::u16string& name,
+                                                             const FaceWish& wish) const {
   std::vector<const CatalogFace*> found;
   FcPattern* pattern = FcPatternCreate();
   if (config_ == nullptr || pattern == nullptr) {
     return found;
   }
-  const std::string family = ToFontconfigText(name.substr(0, kMaxFaceName));
+  const std::string family = ToFontconfigText(name);
   if (!family.empty()) {
     FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(family.c_str()));
   }

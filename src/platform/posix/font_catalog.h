@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "platform/posix/sfnt_file.h"
@@ -83,8 +84,10 @@ class FontCatalog {
   // The faces of which this is the full name.
   std::vector<const CatalogFace*> FindFullName(std::u16string_view name) const;
 
-  // What the font mapper takes for a name that is not installed, best first.
-  std::vector<const CatalogFace*> Substitutes(std::u16string_view name, const FaceWish& wish) const;
+  // What the font mapper takes for a name that is not installed, best first. It sorts all faces, so
+  // its answers are kept.
+  const std::vector<const CatalogFace*>& Substitutes(std::u16string_view name,
+                                                     const FaceWish& wish) const;
 
   // Whether the face's file is whole. Looks at the file at the first call.
   const SfntFacts& FactsOf(const CatalogFace& face) const;
@@ -95,10 +98,16 @@ class FontCatalog {
   bool IsUpToDate() const;
 
  private:
+  std::vector<const CatalogFace*> FindSubstitutes(const std::u16string& name,
+                                                  const FaceWish& wish) const;
+
   std::vector<CatalogFace> faces_;
   std::multimap<std::string, size_t> by_name_;
   std::multimap<std::string, size_t> by_vertical_name_;  // "@" leaves a unit less to compare
   mutable std::map<const CatalogFace*, SfntFacts> facts_;
+  // By name, weight, slant and whether it is the vertical form.
+  mutable std::map<std::tuple<std::u16string, int32_t, bool, bool>, std::vector<const CatalogFace*>>
+      substitutes_;
   FcConfig* config_ = nullptr;
 };
 

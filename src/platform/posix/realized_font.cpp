@@ -258,9 +258,12 @@ int64_t RealizedFont::Advance(int64_t hinted) const {
   return CeilToPixels(ScaleX(hinted));
 }
 
-// x times the width's ratio, rounded to 26.6, halves away from zero.
+// x times the width's ratio, rounded to 26.6, halves away from zero; no more than 64 bits hold.
 int64_t RealizedFont::ScaleX(int64_t x) const {
-  const int64_t magnitude = (std::abs(x) * width_ratio_ + 0x8000) >> 16;
+  constexpr int64_t kHalf = 0x8000;
+  const int64_t most =
+      (std::numeric_limits<int64_t>::max() - kHalf) / std::max<int64_t>(width_ratio_, 1);
+  const int64_t magnitude = (std::min(std::abs(x), most) * width_ratio_ + kHalf) >> 16;
   return x < 0 ? -magnitude : magnitude;
 }
 

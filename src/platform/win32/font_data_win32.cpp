@@ -180,6 +180,18 @@ Members FindMembers(const MemoryDevice& device, std::u16string_view name) {
   return found;
 }
 
+// The family that the system takes when it is left the choice.
+std::u16string MappedFamily(const MemoryDevice& device) {
+  LOGFONTW wanted{};
+  wanted.lfCharSet = DEFAULT_CHARSET;
+  wanted.lfOutPrecision = OUT_OUTLINE_PRECIS;
+  std::copy_n(L"Arial", 6, wanted.lfFaceName);
+  const SelectedFont selected(device.get(), wanted);
+  wchar_t name[LF_FACESIZE] = {};
+  GetTextFaceW(device.get(), LF_FACESIZE, name);
+  return FromWideBuffer(name, LF_FACESIZE);
+}
+
 std::vector<StyledFace> StylesOf(const std::vector<Member>& members) {
   std::vector<StyledFace> styles;
   for (const Member& member : members) {
@@ -230,7 +242,7 @@ Status FindFontData(const FaceRequest& request, FontData* data) {
   if (!request.file.empty()) return FindInFile(request, data);
   const MemoryDevice device;
   Members members =
-      FindMembers(device, request.family.empty() ? u"Arial" : std::u16string_view(request.family));
+      FindMembers(device, request.family.empty() ? MappedFamily(device) : request.family);
   if (members.by_full_name && !request.style.empty()) {
     members.faces = MembersOf(device.get(), FamilyOf(members.faces.front()));
   }

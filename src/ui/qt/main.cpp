@@ -7,6 +7,7 @@
 #include "app/system_services.h"
 #include "base/dump_log.h"
 #include "base/profile_settings.h"
+#include "platform/console.h"
 #include "ui/qt/main_window.h"
 
 namespace kerno {
@@ -26,6 +27,7 @@ class Style final : public QProxyStyle {
 }  // namespace kerno
 
 int main(int argc, char** argv) {
+  kerno::PrepareStandardStreams();
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("kerno"));
   QApplication::setApplicationVersion(QStringLiteral(KERNO_VERSION));

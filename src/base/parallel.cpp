@@ -1,0 +1,44 @@
+#include "base/parallel.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace kerno {
+namespace {
+
+// Fewer calls are not worth a thread.
+constexpr size_t kCallsForAThread = 8;
+
+}  // namespace
+
+void ForEachInParallel(size_t count, const std::function<void(size_t)>& work) {
+  std::atomic<size_t> next = 0;
+  std::atomic<bool> failed = false;
+  std::exception_ptr failure;
+  const auto run = [&] {
+    try {
+      for (size_t i = next++; i < count; i = next++) work(i);
+    } catch (...) {
+      next = count;
+      if (!failed.exchange(true)) failure = std::current_exception();
+    }
+  };
+  std::vector<std::thread> helpers;
+  const size_t most =
+      std::min<size_t>(std::thread::hardware_concurrency(), count / kCallsForAThread);
+  helpers.reserve(most);
+  try {
+    while (helpers.size() + 1 < most) helpers.emplace_back(run);
+  } catch (const std::system_error&) {
+    // With the threads that there are.
+  }
+  run();
+  for (std::thread& helper : helpers) helper.join();
+  if (failure) std::rethrow_exception(failure);
+}
+
+}  // namespace kerno

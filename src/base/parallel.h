@@ -1,0 +1,14 @@
+// Work on all processors.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+namespace kerno {
+
+// Calls work(i) for every i below `count`, each once, from several threads at a time and in no
+// order that one may rely on; returns after the last call. When calls throw, some others are left
+// out and one of the exceptions comes out of here.
+void ForEachInParallel(size_t count, const std::function<void(size_t)>& work);
+
+}  // namespace kerno
