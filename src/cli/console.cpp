@@ -14,7 +14,27 @@ namespace {
 bool warnings_silenced = false;
 bool print_failed = false;
 
-void WriteLine(std::string_view line) {
+// Names may hold anything; what would steer a terminal is shown as a code.
+std::string Shown(std::string_view text) {
+  std::string shown;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    // In UTF-8, the controls from U+0080 to U+009F follow 0xC2.
+    const bool is_second = i > 0 && static_cast<unsigned char>(text[i - 1]) == 0xC2 && byte < 0xA0;
+    if ((byte >= 0x20 && byte != 0x7F && !is_second) || byte == '\n' || byte == '\t') {
+      shown.push_back(text[i]);
+      continue;
+    }
+    if (is_second) shown.pop_back();
+    char code[8];
+    std::snprintf(code, sizeof code, "<%02X>", static_cast<unsigned>(byte));
+    shown += code;
+  }
+  return shown;
+}
+
+void WriteLine(std::string_view text) {
+  const std::string line = Shown(text);
   std::fwrite(line.data(), 1, line.size(), stderr);
   if (!line.ends_with('\n')) std::fputc('\n', stderr);
 }
@@ -54,6 +74,10 @@ void SilenceWarnings() {
 bool Print(std::string_view text) {
   if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) return PrintingFailed();
   return true;
+}
+
+bool PrintLine(std::string_view line) {
+  return Print(Shown(line) + "\n");
 }
 
 bool FinishPrinting() {

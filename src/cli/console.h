@@ -21,6 +21,8 @@ void SilenceWarnings();
 
 // Writes to standard output. False when that fails (a full disk, a closed pipe); reported once.
 [[nodiscard]] bool Print(std::string_view text);
+// A line for people: what would steer a terminal is shown as a code.
+[[nodiscard]] bool PrintLine(std::string_view line);
 
 // Flushes standard output; false, with a report, when anything printed did not arrive.
 [[nodiscard]] bool FinishPrinting();

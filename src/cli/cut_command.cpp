@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/number_text.h"
+#include "base/source_date.h"
 #include "base/text.h"
 #include "cli/arguments.h"
 #include "cli/choice.h"
@@ -275,6 +276,10 @@ bool CutCommand::ReadStyle() {
   if (!layer) return false;
   if (layer->empty()) {
     ReportError("--layer", "the name is empty");
+    return false;
+  }
+  if (const Status dated = ReadSourceDate(&style_.moment); !dated.ok()) {
+    ReportError(dated);
     return false;
   }
   style_.color = *color;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/console.h"
+#include "drawing/drawing.h"
 
 namespace kerno {
 namespace {

@@ -7,8 +7,6 @@
 
 namespace kerno {
 
-inline constexpr double kMillimetresPerInch = 25.4;
-
 enum class LengthSign { kAny, kPositive };
 
 // In millimetres. What is no length, or too large for a drawing (beyond a kilometre), is reported

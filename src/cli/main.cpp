@@ -1,6 +1,7 @@
 // The command line: finds the command, reads its options, runs it.
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <memory>
 #include <span>
 #include <string>
@@ -170,7 +171,7 @@ int main(int argc, char** argv) {
   try {
     return kerno::Main(kerno::ProgramArguments(argc, argv));
   } catch (const std::bad_alloc&) {
-    kerno::ReportError("memory", "there is not enough for this text");
+    std::fputs("kerno: memory: there is not enough for this text\n", stderr);
     return kerno::kFailed;
   } catch (const std::exception& error) {
     kerno::ReportError("kerno", error.what());

@@ -138,7 +138,7 @@ bool OutputFiles::AddOutput(const std::string& file) {
 }
 
 bool OutputFiles::Write(const Output& output, const WriteFormat& write, const std::string& summary,
-                        bool quiet) {
+                        bool quiet, bool* told) {
   using Clock = std::chrono::steady_clock;
   const auto start = Clock::now();
   const std::filesystem::path path = PathArgument(output.name);
@@ -153,7 +153,8 @@ bool OutputFiles::Write(const Output& output, const WriteFormat& write, const st
   std::string line = output.name + ": " + summary;
   const PathFacts facts = FactsOfPath(path);
   if (facts.kind == PathKind::kFile) line += ", " + std::to_string(facts.size) + " bytes";
-  return Print(line + ", " + std::to_string(spent) + " ms\n");
+  *told = PrintLine(line + ", " + std::to_string(spent) + " ms");
+  return true;
 }
 
 bool OutputFiles::UsesStandardOutput() const {
@@ -162,13 +163,22 @@ bool OutputFiles::UsesStandardOutput() const {
 }
 
 bool OutputFiles::WriteAll(const WriteFormat& write, const std::string& summary, bool quiet) const {
-  bool all_written = true;
+  bool all_written = true, all_told = true;
   quiet = quiet || UsesStandardOutput();  // the lines would stand in the output
   for (const Output& output : outputs_) {
-    all_written &= output.name == kStandardOutput ? WriteToStandardOutput(*output.format, write)
-                                                  : Write(output, write, summary, quiet);
+    if (output.name == kStandardOutput) {
+      all_written &= WriteToStandardOutput(*output.format, write);
+      continue;
+    }
+    bool told = true;
+    all_written &= Write(output, write, summary, quiet, &told);
+    all_told &= told;
   }
-  return FinishPrinting() && all_written;
+  all_told &= FinishPrinting();
+  if (all_written && !all_told && !UsesStandardOutput()) {
+    ReportError("output", "every file is whole; only the summary could not be printed");
+  }
+  return all_written && all_told;
 }
 
 void WriterOptions::AddTo(CLI::App& app) {

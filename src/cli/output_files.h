@@ -40,7 +40,7 @@ class OutputFiles {
 
   bool AddOutput(const std::string& file);
   static bool Write(const Output& output, const WriteFormat& write, const std::string& summary,
-                    bool quiet);
+                    bool quiet, bool* told);
 
   std::vector<std::string> files_;
   std::string format_;

@@ -13,6 +13,8 @@ namespace kerno {
 
 enum class LengthUnit { kMillimetre, kInch };
 
+inline constexpr double kMillimetresPerInch = 25.4;
+
 // A path of a shape, and how many contours of its shape lie around it: outer contours have an even
 // number, counters an odd one.
 struct ShapePath {

@@ -9,7 +9,6 @@
 namespace kerno {
 namespace {
 
-constexpr double kMillimetresPerInch = 25.4;
 constexpr double kPixelsPerInch = 96;               // as the header of a bitmap says
 constexpr double kMetafilePixelsPerMillimetre = 4;  // of its reference device
 
@@ -34,6 +33,7 @@ Status WriteDrawing(const Drawing& drawing, const DrawingStyle& style, double to
   if (format.extension == "svg") return WriteDrawingSvg(drawing, style, file);
   OutputOptions options;
   options.program = PathText(CurrentSystem().ProgramPath());
+  options.moment = style.moment;
   const double scale = UnitsPerLength(format, drawing.unit);
   const ArcForm arcs = format.extension == "ipx" ? ArcForm::kArcs : ArcForm::kChords;
   return format.write(PartsOf(drawing, style, tolerance, scale, arcs), file, options);

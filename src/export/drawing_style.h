@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,7 @@ struct DrawingStyle {
   int color = 1;  // AutoCAD colour index, 1 (red) to 255
   DxfVersion dxf = DxfVersion::kR2000;
   SvgLook svg = SvgLook::kCut;
+  std::optional<int64_t> moment;  // as in OutputOptions
 };
 
 // The layers of a drawing in the order of first use, and which one a path is on.

@@ -53,6 +53,12 @@ std::string Integer(int64_t value) {
   return text;
 }
 
+// A control character that the writing of texts does not escape.
+bool IsBareControl(char16_t unit) {
+  const bool control = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
+  return control && unit != u'\t' && unit != u'\n' && unit != u'\r';
+}
+
 std::string StyleLines(std::u16string_view layer, int16_t color) {
   return "\r\n  8\r\n" + DxfTextBytes(layer) + "\r\n 62\r\n" + Integer(color) + "\r\n";
 }
@@ -93,6 +99,9 @@ void DxfWriter::SetLayerNumber(int32_t number) {
 void DxfWriter::SetLayerName(std::u16string_view name) {
   std::u16string stripped = StripSpaces(name);
   if (stripped.empty()) stripped = u"Unknown";
+  for (char16_t& unit : stripped) {
+    if (IsBareControl(unit)) unit = u'_';
+  }
   if (stripped != layer_) {
     layer_ = std::move(stripped);
     head_.clear();

@@ -40,7 +40,7 @@ constexpr Format kFormats[] = {
      Format::Dispatch::kExactly,
      0,
      {},
-     [](const PartsA& m, const Path& f, const Options&) { return ExportX3d(m, f); }},
+     [](const PartsA& m, const Path& f, const Options& o) { return ExportX3d(m, f, o.moment); }},
     {{"ipx", "IPX parts"},
      Format::Dispatch::kAnyCase,
      1001,

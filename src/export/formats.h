@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,6 +30,10 @@ struct OutputOptions {
 
   // The path of the running program, for the formats that name their writer.
   std::u16string program;
+
+  // The time of writing, seconds since 1970-01-01 00:00:00 UTC, for the formats that tell it; the
+  // clock's when there is none.
+  std::optional<int64_t> moment;
 
   // Runs after a successful Export (export.h) with the model and the file written: the copy in the
   // cache (IpxCache::KeepCopy), for a program that keeps one. Its failure is its own.

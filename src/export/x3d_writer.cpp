@@ -163,13 +163,14 @@ bool HasNoForm(const PartsElement& part) {
 
 }  // namespace
 
-Status WriteX3d(const PartsA& model, const std::filesystem::path& name, FileReplacement* out) {
+Status WriteX3d(const PartsA& model, const std::filesystem::path& name, FileReplacement* out,
+                std::optional<int64_t> moment) {
   XmlOut xml(out);
   xml.Declaration();
   xml.DocumentType(
       "X3D PUBLIC \"ISO//Web3D//DTD X3D 3.3//EN\" "
       "\"http://www.web3d.org/specifications/x3d-3.3.dtd\"");
-  xml.Comment(u"\r\n" + FileComment(u"X3D Exporter \t1.22\t"));
+  xml.Comment(u"\r\n" + FileComment(u"X3D Exporter \t1.22\t", moment));
   xml.Begin("X3D");
   xml.Attribute("profile", std::string_view("Interchange"));
   xml.Attribute("version", std::string_view("3.3"));
@@ -191,8 +192,10 @@ Status WriteX3d(const PartsA& model, const std::filesystem::path& name, FileRepl
   return status;
 }
 
-Status ExportX3d(const PartsA& model, const std::filesystem::path& file) {
-  return ReplaceWhenFree(file, [&](FileReplacement* out) { return WriteX3d(model, file, out); });
+Status ExportX3d(const PartsA& model, const std::filesystem::path& file,
+                 std::optional<int64_t> moment) {
+  return ReplaceWhenFree(file,
+                         [&](FileReplacement* out) { return WriteX3d(model, file, out, moment); });
 }
 
 }  // namespace kerno

@@ -17,10 +17,6 @@ namespace fs = std::filesystem;
 
 constexpr size_t kMostOfPage = 64 * 1024;  // the part of a page that tells its source
 
-bool IsRegularFile(const fs::path& path) {
-  return FactsOfPath(path).kind == PathKind::kFile;
-}
-
 Status ReadSource(const fs::path& page, PageSource* source) {
   std::string head;
   if (Status read = ReadFileBytes(page, &head, kMostOfPage); !read.ok()) return read;
@@ -55,22 +51,22 @@ fs::path PageOfRun(const fs::path& base) {
   return page;
 }
 
-std::vector<PageFile> FilesOfRun(const fs::path& base) {
-  std::vector<PageFile> files;
+Status FilesOfRun(const fs::path& base, std::vector<PageFile>* files) {
+  files->clear();
   const fs::path base_name = base.filename();
-  // A folder that cannot be read shows as one without files; writing the page there fails anyway.
-  const Status ignored = ListFolder(base.parent_path(), [&](const fs::path& file) {
+  Status looked = Status::Ok();
+  const Status listed = ListFolder(base.parent_path(), [&](const fs::path& file) {
     const fs::path name = file.filename();
     if (BaseName(name) != base_name || !KindOfFile(name)) return;
     const PathFacts facts = FactsOfPath(file);
-    if (facts.kind == PathKind::kFile) files.push_back({name, facts.size});
+    if (facts.kind == PathKind::kUnknown) looked = facts.why;
+    if (facts.kind == PathKind::kFile) files->push_back({name, facts.size});
   });
-  (void)ignored;
-  std::sort(files.begin(), files.end(), [](const PageFile& a, const PageFile& b) {
+  std::sort(files->begin(), files->end(), [](const PageFile& a, const PageFile& b) {
     const FileKind *first = KindOfFile(a.name), *second = KindOfFile(b.name);
     return first != second ? first < second : a.name < b.name;  // kinds stand in a page's order
   });
-  return files;
+  return listed.ok() ? looked : listed;
 }
 
 PageSource SourceOfName(std::u16string_view base_name) {
@@ -93,7 +89,9 @@ Status WriteOutputPage(const fs::path& base, const PageSource& source) {
   if (PageSource before; PathExists(page)) {
     if (Status status = ReadSource(page, &before); !status.ok()) return status;
   }
-  return ReplaceWhenFree(page, BuildOutputPage({source, FilesOfRun(base)}));
+  std::vector<PageFile> files;
+  if (Status listed = FilesOfRun(base, &files); !listed.ok()) return listed;
+  return ReplaceWhenFree(page, BuildOutputPage({source, files}));
 }
 
 Status RefreshOutputPage(const fs::path& base) {
@@ -103,14 +101,19 @@ Status RefreshOutputPage(const fs::path& base) {
 
 Status WriteFolderPages(const fs::path& folder, std::vector<fs::path>* written) {
   std::set<fs::path> bases;
+  Status looked = Status::Ok();
   Status first = ListFolder(folder, [&](const fs::path& file) {
     const fs::path name = file.filename();
     const FileKind* const kind = KindOfFile(name);
     const bool output = kind && kind->extension != "rtf";
     const bool page = name.extension() == ".html";
-    if ((!output && !page) || !IsRegularFile(file)) return;
+    if (!output && !page) return;
+    const PathFacts facts = FactsOfPath(file);
+    if (facts.kind == PathKind::kUnknown) looked = facts.why;
+    if (facts.kind != PathKind::kFile) return;
     if (output || SourceOfPage(file)) bases.insert(BaseName(name));
   });
+  if (first.ok()) first = looked;
   if (first.ok() && bases.empty()) {
     first = Status::Error(Failure::kNotFound, PathText(folder), u"there are no outputs in it");
   }

@@ -15,8 +15,10 @@ namespace kerno {
 
 std::filesystem::path PageOfRun(const std::filesystem::path& base);
 
-// The run's outputs that stand in the folder, in the order of a page; the page is none of them.
-std::vector<PageFile> FilesOfRun(const std::filesystem::path& base);
+// Lists the run's outputs that stand in the folder, in the order of a page; the page is none of
+// them. Fails where the folder or one of them cannot be looked at; *files then holds a part of
+// them.
+[[nodiscard]] Status FilesOfRun(const std::filesystem::path& base, std::vector<PageFile>* files);
 
 // What a base name of the form FACE_HEIGHT_TEXT says; a name of another form is the text.
 PageSource SourceOfName(std::u16string_view base_name);

@@ -124,6 +124,28 @@ class CommandLineTest(programs.FolderTest):
                 self.assertAlmostEqual(x + at[0] - cx, got[0], 9, (slant, angle))
                 self.assertAlmostEqual(-y + at[1] + cy, got[1], 9, (slant, angle))
 
+    def test_standard_streams_that_are_closed_or_close(self):
+        if ON_WINDOWS:
+            self.skipTest("descriptors are no names of streams there")
+        shell = lambda line: subprocess.run(["bash", "-c", line, "bash", *KERNO], capture_output=True,
+                                            cwd=self.folder, env={**os.environ, "TMPDIR": str(self.folder)})
+        warned = """ convert "A鬱" --face "DejaVu Sans" -o x.emf"""
+        for folder, closed in (("a", ""), ("b", " <&- 2>&-")):
+            shell(f'mkdir {folder}; cd {folder}; "$@"{warned}{closed}')
+        self.assertEqual((self.folder / "a/x.emf").read_bytes(), (self.folder / "b/x.emf").read_bytes())
+        # A pipe that closes ends the program as it does others, and nothing stays.
+        before = self.files()
+        done = shell("""{ yes 'many letters' | head -5000 | "$@" convert --text-file - --face "DejaVu Sans" """
+                     """--format dxf -o -; echo $? >&2; } | head -c 10""")
+        self.assertEqual(done.stderr.split()[-1:], [b"141"])
+        self.assertEqual(self.files(), before)
+        # Every file is whole: that is said when the summary has nowhere to go.
+        done = shell('"$@" convert A --face "DejaVu Sans" -o a.dxf >/dev/full')
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"every file is whole", done.stderr)
+        done = shell('"$@" convert A --face "DejaVu Sans" --layer "x\033[1m" -o $\'b\\e[1m.dxf\'; cat b*')
+        self.assertNotIn(b"\x1b", done.stdout + done.stderr)
+
     def test_text_of_the_standard_input(self):
         for encoding in ("utf-8", "utf-16"):  # the latter with a mark
             self.assertEqual(contours("A\r\nあ𠮷", "--face", "IPAMincho"),

@@ -6,6 +6,7 @@ usage: cut_test.py KERNO
 """
 import json
 import math
+import os
 import re
 import subprocess
 import sys
@@ -159,6 +160,24 @@ class CutTest(programs.FolderTest):
         self.assertEqual([width, height], view)
         self.assertTrue(math.isclose(50, max(width, height), abs_tol=0.02), head[0])
         self.assertEqual(2, first.read_text().count("<path"))
+
+    def test_times_come_from_the_environment_when_it_says_so(self):
+        def cut(date, name, zone="UTC"):
+            file = self.folder / name
+            environment = os.environ | {"SOURCE_DATE_EPOCH": date, "TZ": zone}
+            done = programs.run([*KERNO, "cut", "A", *SANS, "-o", str(file)], env=environment)
+            return done, file.read_bytes() if file.exists() else b""
+
+        for kind in ("x3d", "dxf", "svg", "ipx", "emf", "bmp", "ipl"):
+            done, first = cut("86399", "a." + kind)
+            self.assertEqual(0, done[0], done)
+            self.assertTrue(first)
+            self.assertEqual(first, cut("86399", "a." + kind, "Asia/Tokyo")[1], kind)
+        self.assertIn(b"\t1970/01/01 23:59:59\r\n", cut("86399", "a.x3d")[1])
+        for wrong in ("", "-1", "1.5", "yesterday", "253402300800", "9" * 30):
+            (status, _, err), written = cut(wrong, "wrong.x3d")
+            self.assertEqual((2, b""), (status, written), wrong)
+            self.assertIn(f'SOURCE_DATE_EPOCH: "{wrong}" is not a number of seconds', err)
 
     def test_what_is_wrong_is_named_and_leaves_nothing(self):
         cases = [  # arguments, exit status, what standard error must hold

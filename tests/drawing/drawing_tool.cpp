@@ -2,7 +2,7 @@
 // that measure it with other tools. A path is one line: "closed" or "open", its start, then its
 // segments: "l x y", "a x y bulge", "q x y x y", "c x y x y x y", control points first.
 //
-//   drawing_tool flatten|arcs|weld TOLERANCE | offset TOLERANCE DISTANCE <paths
+//   drawing_tool flatten|arcs|weld|area TOLERANCE | offset TOLERANCE DISTANCE <paths
 
 #include <cstdlib>
 #include <cstring>
@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "drawing/filled_area.h"
 #include "drawing/fit_arcs.h"
 #include "drawing/flatten.h"
 #include "drawing/offset.h"
@@ -79,11 +80,26 @@ Path Chords(const Path& path, double tolerance) {
   return chords;
 }
 
+// What paths fill that touch each other, by windings and by the polygon library.
+void PrintAreas(const std::vector<Path>& paths, double tolerance) {
+  const ChordGrid grid(paths, tolerance, ChordGrid::Closing::kAll);
+  std::vector<ChordContact> contacts;
+  grid.ForEachContact([&](size_t a, size_t b, Contact) { contacts.push_back({a, b}); });
+  std::vector<Polygon> polygons(paths.size());
+  for (const Chord& chord : grid.Chords()) polygons[chord.path].push_back(chord.from);
+  const FilledArea filled = FilledAreas(grid, UnionRule{}).Of(contacts);
+  const double square = grid.Unit() * grid.Unit();
+  std::cout << filled.area * square << ' ' << filled.slack * square << ' '
+            << AreaOf(UnionOf(polygons, FillRule::kNonZero)) * square << '\n';
+}
+
 int Run(const std::string& stage, double tolerance, double distance) {
   std::cout.precision(17);
   const std::vector<Path> paths = ReadPaths(std::cin);
   if (stage == "weld") {
     for (const WeldedPath& welded : Weld(paths, tolerance).paths) Print(welded.path);
+  } else if (stage == "area") {
+    PrintAreas(paths, tolerance);
   } else if (stage == "offset") {
     for (const Path& path : Offset(paths, distance, tolerance).paths) Print(path);
   } else {

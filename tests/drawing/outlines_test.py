@@ -3,15 +3,12 @@
 
 usage: outlines_test.py DRAWING_TOOL
 """
-import math
+import random
+import subprocess
 import sys
 import unittest
 
-import numpy
-from shapely.geometry import LineString
-from shapely.ops import polygonize, unary_union
-
-from outlines import Face, dense, farthest, polyline, run, turns
+from outlines import Face, dense, faces, farthest, filled, run, text_of, turns
 
 TOOL = sys.argv.pop(1)
 LETTERS = "agS&"
@@ -37,8 +34,8 @@ class Arcs(unittest.TestCase):
                         self.check(outline, arcs, tolerance)
 
     def check(self, outline, arcs, tolerance):
-        self.assertLessEqual(farthest(dense(outline, 13), polyline(arcs, 150)), tolerance)
-        self.assertLessEqual(farthest(dense(arcs, 17), polyline(outline, 300)), tolerance)
+        self.assertLessEqual(farthest(dense(outline, 13), arcs), tolerance)
+        self.assertLessEqual(farthest(dense(arcs, 17), outline), tolerance)
         corners = {p for p, turn in turns(outline) if turn > 1}
         joints = dict(turns(arcs))
         self.assertLessEqual(corners, joints.keys())
@@ -65,32 +62,11 @@ class Chords(unittest.TestCase):
             outlines = Face(name).contours(text)
             for tolerance in (0.001, 0.1):
                 flat = run(TOOL, "flatten", tolerance, outlines)
-                worst = max(farthest(dense(outline, 60), polyline(chords, 1))
+                worst = max(farthest(dense(outline, 60), chords)
                             for outline, chords in zip(outlines, flat, strict=True))
                 with self.subTest(face=name, tolerance=tolerance):
                     self.assertLessEqual(worst, tolerance)
                     self.assertGreater(worst, 0.9 * tolerance)
-
-
-def faces(contours):
-    """What the non-zero rule fills, and how often each face of the plane is gone around."""
-    rings = [polyline(contour, 150) for contour in contours]
-    found = []
-    for face in polygonize(unary_union([LineString(ring) for ring in rings])):
-        point = numpy.array(face.representative_point().coords[0])
-        found.append((face, sum(winding(ring, point) for ring in rings)))
-    return found
-
-
-def winding(ring, point):
-    a, b = ring[:-1] - point, ring[1:] - point
-    left = a[:, 0] * b[:, 1] - a[:, 1] * b[:, 0]
-    return int(((a[:, 1] <= 0) & (b[:, 1] > 0) & (left > 0)).sum()
-               - ((a[:, 1] > 0) & (b[:, 1] <= 0) & (left < 0)).sum())
-
-
-def filled(contours):
-    return unary_union([face for face, around in faces(contours) if around != 0])
 
 
 class Welds(unittest.TestCase):
@@ -106,6 +82,26 @@ class Welds(unittest.TestCase):
                 self.assertEqual(set(thick), {0, 1} & set(thick))
                 # Parts of the curves themselves, not of chords.
                 self.assertLess(sum(map(len, welded)), 1.3 * sum(map(len, outlines)))
+
+
+class Areas(unittest.TestCase):
+    """By windings, which tell whether the polygon library has lost a part."""
+
+    def test_are_those_of_tangles(self):
+        chance, lost = random.Random(5), 0
+        for tangle in range(60):
+            contours = []
+            for _ in range(chance.randint(2, 6)):
+                points = [(chance.randint(0, 4), chance.randint(0, 4)) for _ in range(chance.randint(8, 14))]
+                contours.append([(p, q) for p, q in zip(points, points[1:] + points[:1]) if p != q])
+            lines = "".join(text_of(contour) + "\n" for contour in contours)
+            printed = subprocess.run([TOOL, "area", "0.0003"], input=lines, stdout=subprocess.PIPE, text=True, check=True)
+            area, slack, library = map(float, printed.stdout.split())
+            wanted = filled(contours, 1).area
+            self.assertLess(slack, 1e-3)
+            self.assertAlmostEqual(wanted, area, delta=slack, msg=f"{tangle}: {contours}")
+            lost += abs(library - wanted) > 100 * slack
+        print(f"the polygon library lost or added parts of {lost} tangles")
 
 
 class Offsets(unittest.TestCase):

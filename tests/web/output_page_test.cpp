@@ -77,7 +77,10 @@ TEST_F(OutputRunTest, ARunIsWhatSharesItsBaseName) {
   }
   std::filesystem::create_directory(folder_ / "a.v1.emf");
   std::vector<std::string> names;
-  for (const PageFile& file : FilesOfRun(folder_ / "a.v1")) names.push_back(file.name.native());
+  std::vector<PageFile> files;
+  ASSERT_TRUE(FilesOfRun(folder_ / "a.v1", &files).ok());
+  for (const PageFile& file : files) names.push_back(file.name.native());
+  EXPECT_FALSE(FilesOfRun(folder_ / "none" / "a.v1", &files).ok()) << "a folder that is not there";
   EXPECT_THAT(names, ElementsAre("a.v1.SVG", "a.v1.bmp", "a.v1.dxf", "a.v1.ipx"));
   EXPECT_EQ(PageOfRun(folder_ / "a.v1"), folder_ / "a.v1.html");
 }

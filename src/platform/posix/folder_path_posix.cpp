@@ -48,7 +48,10 @@ PathFacts FactsOfPath(const fs::path& path) {
     case fs::file_type::regular:
       facts.kind = PathKind::kFile;
       facts.size = fs::file_size(path, error);
-      if (error) facts.size = 0;
+      if (!error) break;
+      facts = {};
+      facts.kind = PathKind::kUnknown;
+      facts.why = SystemError(path, error.value());
       break;
     case fs::file_type::directory:
       facts.kind = PathKind::kFolder;
