@@ -21,6 +21,7 @@ for name, place in FONTS.items():
     if not (FOLDERS / place).exists():
         continue
     options = subset.Options(layout_features=["*"], name_IDs=["*"], notdef_outline=True, hinting=False)
+    options.drop_tables += ["FFTM"]
     font = TTFont(FOLDERS / place)
     cutter = subset.Subsetter(options)
     cutter.populate(text=TEXT)

@@ -368,6 +368,7 @@ Status CutMaker::Make(CutDrawing* made) {
 std::vector<char32_t> MissingOf(std::u16string_view text, const ShapingFont& font,
                                 const std::vector<CutGlyph>& glyphs) {
   std::vector<size_t> starts;
+  starts.reserve(glyphs.size());
   for (const CutGlyph& glyph : glyphs) starts.push_back(glyph.character);
   std::ranges::sort(starts);
   std::vector<char32_t> missing;

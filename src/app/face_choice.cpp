@@ -14,7 +14,7 @@ namespace {
 
 FaceForm FirstVerticalFace() {
   for (const InstalledFace& face : EnumerateFaces()) {
-    const FaceForm form = FaceFormOf(face.name);
+    FaceForm form = FaceFormOf(face.name);
     if (form.vertical && face.font_type == kTrueTypeFontType) return form;
   }
   return {};
@@ -51,9 +51,8 @@ KnownNames NamesOfOutlineFaces(bool vertical) {
     names.full.insert(names.full.end(), face.full_names.begin(), face.full_names.end());
   }
   for (auto* list : {&names.families, &names.full}) {
-    std::ranges::sort(*list);
-    const auto rest = std::ranges::unique(*list);
-    list->erase(rest.begin(), rest.end());
+    std::sort(list->begin(), list->end());
+    list->erase(std::unique(list->begin(), list->end()), list->end());
   }
   return names;
 }

@@ -52,6 +52,7 @@ class JsonObject {
   }
   void List(const char* name, const std::vector<std::string>& texts) {
     std::vector<std::u16string> wide;
+    wide.reserve(texts.size());
     for (const std::string& text : texts) wide.push_back(Utf8ToUtf16Lossy(text));
     List(name, wide);
   }
@@ -161,6 +162,7 @@ std::vector<std::u16string> FacesCommand::Families() const {
 ExitStatus FacesCommand::DrawSheet(const std::vector<std::u16string>& families) const {
   Specimen sheet;
   std::vector<std::u16string> names;
+  names.reserve(families.size());
   for (const std::u16string& name : families) {
     names.push_back(name.substr(name.starts_with(u'@') ? 1 : 0));
   }

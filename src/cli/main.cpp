@@ -83,7 +83,7 @@ bool TakesNext(const CLI::App& command, const std::string& word) {
 // The first word of the command that looks like an option and is none; empty where all are known.
 std::string UnknownOption(const CLI::App& command, std::span<const std::string> words) {
   for (size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
-    const std::string name = words[i].substr(0, words[i].find('='));
+    std::string name = words[i].substr(0, words[i].find('='));
     if (TakesNext(command, words[i])) {
       ++i;
     } else if (name.starts_with("--") && !command.get_option_no_throw(name)) {

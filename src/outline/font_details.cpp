@@ -39,6 +39,7 @@ std::vector<FontAxis> AxesOf(hb_face_t* face) {
   std::vector<hb_ot_var_axis_info_t> infos(count);
   hb_ot_var_get_axis_infos(face, 0, &count, infos.data());
   std::vector<FontAxis> axes;
+  axes.reserve(count);
   for (const hb_ot_var_axis_info_t& info : infos) {
     axes.push_back({TagText(info.tag), NameOf(face, info.name_id), info.min_value,
                     info.default_value, info.max_value});

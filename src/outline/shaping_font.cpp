@@ -167,6 +167,7 @@ Status SetPlaces(const FontData& data, hb_font_t* font) {
                          u"\"" + data.family + u"\" is no variable font: it has no axes");
   }
   std::vector<float> places;
+  places.reserve(axes.size());
   for (const hb_ot_var_axis_info_t& axis : axes) places.push_back(axis.default_value);
   auto count = static_cast<unsigned>(places.size());
   if (data.instance > 0) {

@@ -182,7 +182,7 @@ void AppendInstances(std::string_view fvar, const Names& names, const FontFileFa
     }
     for (const std::u16string& family : face.families) {
       for (const std::u16string& style : face.style.styles) {
-        face.full_names.push_back(family + u" " + style);
+        face.full_names.push_back(std::u16string(family).append(u" ").append(style));
       }
     }
     faces->push_back(std::move(face));
@@ -353,6 +353,7 @@ Status FindInFile(const FaceRequest& request, FontData* data) {
     });
   }
   std::vector<StyledFace> styles;
+  styles.reserve(faces.size());
   for (const FontFileFace& face : faces) styles.push_back(face.style);
   const auto choice = ChooseStyle(request.style, styles);
   if (!choice) return NoSuchStyle(FamilyOf(faces.front()), request.style, styles);
