@@ -199,6 +199,8 @@ std::string FacesCommand::Json() const {
       faces.push_back(face);
       styles.push_back(face.styles);
     } else if (!face.styles.empty()) {
+      std::vector<std::u16string>& names = faces[place->second].full_names;
+      names.insert(names.end(), face.full_names.begin(), face.full_names.end());
       styles[place->second].push_back(face.styles.front());
     }
   }

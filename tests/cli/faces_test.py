@@ -122,6 +122,10 @@ class FacesTest(programs.FolderTest):
         env = {**os.environ, "FONTCONFIG_FILE": str(self.folder / "fonts.conf")}
         pathlib.Path(env["FONTCONFIG_FILE"]).write_text(
             f"<fontconfig><dir>{pathlib.Path(VARIABLE).parent}</dir><cachedir>{self.folder}/c</cachedir></fontconfig>")
+        options = ["--json", "-o", str(self.folder / "i.svg")]
+        for name in (["--face", "Inter Black Italic"], ["--face", "Inter", "--style", "black oblique"]):
+            made = json.loads(run("cut", "Ag", *name, *options, env=env)[1])
+            self.assertEqual("Black Italic", made["style"], name)
         for face in json.loads(run("faces", "--json", env=env)[1]):
             told[face["file"], face["index"]] = face
         covers = {text: run("faces", "--covers", text)[1].splitlines() for text in ("切文字", "Žlutý", "Яблоко")}

@@ -60,13 +60,24 @@ int32_t WeightOf(FcPattern* pattern) {
   return open_type > 0 ? static_cast<int32_t>(std::lround(open_type)) : 400;
 }
 
+// Fontconfig gives the named instances of a variable face its full name.
+std::vector<std::u16string> NamesOfInstance(const CatalogFace& face) {
+  std::vector<std::u16string> names;
+  for (const CatalogFace::Name& family : face.families) {
+    for (const std::u16string& style : face.styles) {
+      names.push_back(std::u16string(family.text).append(u" ").append(style));
+    }
+  }
+  return names;
+}
+
 CatalogFace FaceOf(FcPattern* pattern) {
   CatalogFace face;
   face.path = StringAt(pattern, FC_FILE, 0);
   face.index = IntegerOf(pattern, FC_INDEX, 0);
   face.families = FamiliesOf(pattern);
   face.styles = TextsOf(pattern, FC_STYLE);
-  face.full_names = TextsOf(pattern, FC_FULLNAME);
+  face.full_names = face.index >> 16 == 0 ? TextsOf(pattern, FC_FULLNAME) : NamesOfInstance(face);
   face.weight = WeightOf(pattern);
   face.width = IntegerOf(pattern, FC_WIDTH, FC_WIDTH_NORMAL);
   face.slanted = IntegerOf(pattern, FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;
