@@ -67,6 +67,7 @@ class FacesTest(programs.FolderTest):
             (VARIABLE, None, "Affil 0 a=>b AVA", "ss01,zero,liga=0", ""),
             (VARIABLE, None, "AVAffi 1/2", "kern=0,-calt,frac[6:9]", "wght=650,slnt=-8"),
             (VARIABLE, None, "AVAToWa", "", "wght=100.5"), (two, 0, "AVAToffi", "liga=0", ""),
+            ("/usr/share/fonts/opentype/tlwg/TlwgMono.otf", None, "e\u0301 é", "", ""),
             (two, 1, "日本語、AV", "", ""), (SANS, None, "e\u0301 é fi", "dlig", "")]
         for file, index, text, features, variations in cases:
             with self.subTest(f"{file} {features} {variations}"):
