@@ -95,7 +95,9 @@ std::u16string NearestFaces(const FaceForm& face) {
   for (const std::u16string& name : nearest) {
     text += (text.empty() ? u"\"" : u", \"") + SystemFaceName({name, face.vertical}) + u"\"";
   }
-  return text.empty() ? u" (kerno faces lists those that are)" : u"; the nearest are " + text;
+  if (text.empty()) return u" (kerno faces lists those that are)";
+  const bool several = text.find(u"\", \"") != text.npos || text.find(u"), ") != text.npos;
+  return (several ? u"; the nearest are " : u"; the nearest is ") + text;
 }
 
 }  // namespace

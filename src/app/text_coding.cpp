@@ -73,16 +73,18 @@ Decoded DecodeEucJp(std::string_view bytes, size_t at) {
   return FromCodePage(shifted_lead, shifted_trail, 2);
 }
 
-Status NotCoded(TextCoding coding, std::u16string_view name, size_t offset) {
+Status NotCoded(const char* what, std::u16string_view name, size_t offset) {
   const std::string why =
-      std::string("is not ") + CodingName(coding) + " (byte offset " + std::to_string(offset) + ")";
+      std::string("is not ") + what + " (byte offset " + std::to_string(offset) + ")";
   return Status::Error(Failure::kOther, std::u16string(name), Utf8ToUtf16Lossy(why));
 }
 
 Status DecodeUnits(TextCoding coding, std::string_view bytes, std::u16string_view name,
                    std::u16string* text) {
   constexpr char16_t kMark = 0xFEFF, kSwappedMark = 0xFFFE;
-  if (bytes.size() % 2 != 0) return NotCoded(coding, name, bytes.size() - 1);
+  if (bytes.size() % 2 != 0) {
+    return NotCoded("UTF-16: half a unit stands at the end", name, bytes.size() - 1);
+  }
   std::u16string decoded;
   decoded.reserve(bytes.size() / 2);
   for (size_t i = 0; i < bytes.size(); i += 2) {
@@ -91,7 +93,7 @@ Status DecodeUnits(TextCoding coding, std::string_view bytes, std::u16string_vie
         coding == TextCoding::kUtf16Be ? first << 8 | second : second << 8 | first;
     decoded.push_back(static_cast<char16_t>(unit));
   }
-  if (decoded.starts_with(kSwappedMark)) return NotCoded(coding, name, 0);
+  if (decoded.starts_with(kSwappedMark)) return NotCoded(CodingName(coding), name, 0);
   if (decoded.starts_with(kMark)) decoded.erase(0, 1);
   *text = std::move(decoded);
   return Status::Ok();
@@ -104,7 +106,7 @@ Status DecodeJapanese(TextCoding coding, std::string_view bytes, std::u16string_
   for (size_t at = 0; at < bytes.size();) {
     const Decoded next =
         coding == TextCoding::kEucJp ? DecodeEucJp(bytes, at) : DecodeShiftJis(bytes, at);
-    if (next.size == 0) return NotCoded(coding, name, at);
+    if (next.size == 0) return NotCoded(CodingName(coding), name, at);
     decoded.push_back(next.unit);
     at += next.size;
   }
@@ -145,7 +147,7 @@ Status DecodeAs(TextCoding coding, std::string_view bytes, std::u16string_view n
       const size_t mark = bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0;
       size_t offset = 0;
       auto decoded = Utf8ToUtf16(bytes.substr(mark), &offset);
-      if (!decoded) return NotCoded(coding, name, offset + mark);
+      if (!decoded) return NotCoded(CodingName(coding), name, offset + mark);
       *text = std::move(*decoded);
       return Status::Ok();
     }
