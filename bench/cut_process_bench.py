@@ -18,18 +18,19 @@ import time
 WORDS = """the quick brown fox jumps over a lazy dog while Sphinx of black quartz judge my vow & pack
 five dozen liquor jugs To AVATAR Wave LTD. Typography (1999) office, affluent shuffle; Quay Street 27–31
 "Yes," Zoë said: naïve façade, Öffnungszeiten 9–17 h, coöperate? Ærø! km² ½ No. 5 Für Elise""".split()
+HINDI = "नमस्ते दुनिया यह हिन्दी का एक लम्बा वाक्य है जिसमें क्षत्रिय ज्ञान श्री और स्त्री आते हैं कर्म विद्या शक्ति प्रेम".split()
 LINE = 80
 PAIRS = 7
-SANS, MINCHO = "DejaVu Sans", "IPAMincho"
+SANS, MINCHO, DEVA = "DejaVu Sans", "IPAMincho", "Lohit Devanagari"
 
 
-def latin(count):
+def lines_of(words, count):
     chance = random.Random(1)
     lines, left = [], count
     while left > 0:
-        line = chance.choice(WORDS)
+        line = chance.choice(words)
         while len(line) < LINE:
-            line += " " + chance.choice(WORDS)
+            line += " " + chance.choice(words)
         lines.append(line[:min(LINE, left)])
         left -= len(lines[-1])
     return "\n".join(lines)
@@ -75,13 +76,15 @@ class Bench:
         return [self.kerno, "cut", "--text-file", text, "--face", face, "-o", self.path(output), *options]
 
     def pairs(self):
-        text, kanji = self.text("latin.txt", latin(10000)), self.text("kanji.txt", japanese(10000, 2000))
+        text, kanji = self.text("latin.txt", lines_of(WORDS, 10000)), self.text("kanji.txt", japanese(10000, 2000))
+        hindi = self.text("hindi.txt", lines_of(HINDI, 10000))
         print(f"{'kerno cut against hb-view --output-format=svg':46} {'CPU s':>7} {'other':>7} {'ratio':>6} "
               f"{'goal':>5} {'wall s':>7} {'other':>7} {'ratio':>6}")
         for what, goal, face, source, output, options in (
                 ("10,000 Latin characters, DXF", 2, SANS, text, "a.dxf", []),
                 ("the same, SVG with curves", 1.5, SANS, text, "a.svg", ["--curves", "curves"]),
-                ("10,000 Japanese characters (2,000), DXF", 2, MINCHO, kanji, "b.dxf", [])):
+                ("10,000 Japanese characters (2,000), DXF", 2, MINCHO, kanji, "b.dxf", []),
+                ("10,000 of Devanagari, SVG with curves", 1.5, DEVA, hindi, "c.svg", ["--curves", "curves"])):
             ours = self.cut(face, source, output, *options)
             theirs = ["hb-view", "--output-format=svg", "--output-file=" + self.path("other.svg"),
                       "--font-file=" + font_file(face), "--text-file=" + source]
@@ -95,7 +98,7 @@ class Bench:
         print(f"{'characters to DXF':46} {'CPU s':>7} {'grown':>7} {'goal':>6} {'wall s':>7} {'MB':>7} {'goal':>6}")
         before = None
         for count in (10000, 100000, 1000000):
-            command = self.cut(SANS, self.text("grow.txt", latin(count)), "grow.dxf")
+            command = self.cut(SANS, self.text("grow.txt", lines_of(WORDS, count)), "grow.dxf")
             runs = [run(command) for _ in range(3 if count < 1000000 else 1)]
             cpu, wall = (statistics.median(r[kind] for r in runs) for kind in (0, 1))
             most = max(r[2] for r in runs)

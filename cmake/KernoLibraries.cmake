@@ -9,6 +9,9 @@ if(NOT WIN32)
   pkg_check_modules(harfbuzz REQUIRED IMPORTED_TARGET GLOBAL harfbuzz)
   add_library(kerno_harfbuzz INTERFACE)
   target_link_libraries(kerno_harfbuzz INTERFACE PkgConfig::harfbuzz)
+  pkg_check_modules(fribidi REQUIRED IMPORTED_TARGET GLOBAL fribidi)
+  add_library(kerno_fribidi INTERFACE)
+  target_link_libraries(kerno_fribidi INTERFACE PkgConfig::fribidi)
   return()
 endif()
 
@@ -43,3 +46,15 @@ add_library(kerno_harfbuzz STATIC ${harfbuzz_source}/harfbuzz.cc)
 # The same on both systems whatever the build: warnings and speed of the library are not ours.
 target_compile_options(kerno_harfbuzz PRIVATE -O2 -g0 -w -ffp-contract=off)
 target_include_directories(kerno_harfbuzz SYSTEM INTERFACE ${harfbuzz_source})
+
+# Its tables are in the package, made, and it does without the header that its configure would write.
+kerno_source(fribidi_source fribidi lib/fribidi-bidi.c)
+set(fribidi_files "")
+foreach(file IN ITEMS fribidi-bidi fribidi-bidi-types fribidi-brackets fribidi-run)
+  list(APPEND fribidi_files ${fribidi_source}/${file}.c)
+endforeach()
+add_library(kerno_fribidi STATIC ${fribidi_files})
+target_compile_options(kerno_fribidi PRIVATE -O2 -g0 -w)
+target_compile_definitions(kerno_fribidi PUBLIC FRIBIDI_LIB_STATIC DONT_HAVE_FRIBIDI_CONFIG_H
+                           PRIVATE HAVE_STDLIB_H=1 HAVE_STRING_H=1 HAVE_STRINGIZE=1)
+target_include_directories(kerno_fribidi SYSTEM PUBLIC ${fribidi_source})

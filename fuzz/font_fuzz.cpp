@@ -1,11 +1,13 @@
-// Fonts: names, axes and details of any bytes; texts shaped in them, and the outlines of the glyphs,
-// made bold and slanted, too. The first byte chooses the style and the place on the axes.
+// Fonts: names, axes and details of any bytes; texts shaped in them, and the outlines of the
+// glyphs, made bold and slanted, too. The first byte chooses the style and the place on the axes.
 #include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "outline/font_details.h"
+#include "outline/scripts.h"
 #include "outline/shaping_font.h"
 #include "platform/font_file.h"
 
@@ -30,10 +32,15 @@ void Draw(const FontData& data) {
   std::unique_ptr<ShapingFont> font;
   if (!ShapingFont::Open(data, &font).ok()) return;
   for (const std::u16string_view text : kTexts) {
-    for (const WritingMode mode : {WritingMode::kHorizontal, WritingMode::kVertical}) {
-      const ShapedLine line = font->Shape(text, mode, 0);
-      const size_t count = std::min(line.glyphs.size(), kMostGlyphs);
-      for (size_t i = 0; i < count; ++i) (void)font->Outline(line.glyphs[i].glyph);
+    for (const ShapeDirection direction :
+         {ShapeDirection::kLeftToRight, ShapeDirection::kRightToLeft,
+          ShapeDirection::kTopToBottom}) {
+      const std::vector<ShapedGlyph> glyphs = font->Shape({.line = text,
+                                                           .length = text.size(),
+                                                           .direction = direction,
+                                                           .script = ScriptOf(text[0])});
+      const size_t count = std::min(glyphs.size(), kMostGlyphs);
+      for (size_t i = 0; i < count; ++i) (void)font->Outline(glyphs[i].glyph);
     }
   }
 }

@@ -79,7 +79,19 @@ CUT_TEXTS = {"DejaVu Sans": [LATIN, ACCENTS, "AVATAR fi ffl", "Boing 8&@gQ"],
 CUT_OPTIONS = [[], ["--fit", "120mm", "--slant", "12", "--angle", "30"], ["--letter-spacing", "-2mm"],
                ["--offset", "0.15", "--unit", "in"], ["--curves", "curves", "--mirror"]]
 CUT_CASES = [(face, text, options) for face, texts in CUT_TEXTS.items() for text in texts
-             for options in CUT_OPTIONS] + [("IPAGothic", text, ["--vertical"]) for text in (KANA, KANJI, MARKS)]
+             for options in CUT_OPTIONS] + [("IPAGothic", text, ["--vertical"]) for text in (KANA, KANJI, MARKS)] + [
+                 ("DejaVu Sans", "abc שָׁלוֹם (12) سلام", []), ("DejaVu Sans", "שלום abc 12,5", ["--direction", "rtl"]),
+                 ("DejaVu Sans", "كتاب جديد", ["--letter-spacing", "1"]), ("DejaVu Sans", "б г", ["--language", "sr"]),
+                 ("Lohit Devanagari", "नमस्ते श्री र्कि", []), ("Khmer OS", "ភាសាខ្មែរ ស្ត្រី", []),
+                 ("Tlwg Mono", "น้ำ ที่นี่", []), ("IPAMincho", "葛\U000e0100、「東」", ["--language", "ja"]),
+                 ("DejaVu Sans", "A日क्ष", ["--fallback", "IPAMincho", "--fallback", "Lohit Devanagari"]),
+                 ("IPAMincho", MIXED, ["--vertical", "--tate-chu-yoko", "3"]),
+                 ("IPAMincho", "東AV（a）12ー", ["--vertical", "--fallback", "DejaVu Sans"]),
+                 ("DejaVu Sans", "a\u202ebcd\u202c e\u0301", [])]
+# Fonts of strokes, by their files.
+CUT_CASES += [(f"/usr/share/{font}", "Fräse §8 & @%", options)
+              for font in ("hershey-fonts/gothiceng.jhf", "librecad/fonts/standard.lff")
+              for options in ([], ["--slant", "12", "--angle", "21"], ["--fit", "90x70", "--stretch", "--mirror"])]
 
 # A bitmap of a drawing larger than this is left out: it shows nothing that a smaller one does not.
 MOST_PIXELS = 120_000
@@ -229,12 +241,13 @@ def check(case, programs, formats):
 def check_cut(case, programs):
     """What differs in one drawing for a machine, a line each."""
     face, text, options = case
+    font = ["--stroke-font" if face.startswith("/") else "--face", face]
     with tempfile.TemporaryDirectory() as folder:
         folders = [pathlib.Path(folder) / name for name in ("linux", "windows")]
         for program, there in zip(programs, folders):
             there.mkdir()
             files = [word for name in ("dxf", "svg", "emf") for word in ("-o", str(there / f"cut.{name}"))]
-            code, _, err = run(program + ["cut", "--quiet", "--text", text, "--face", face] + options + files)
+            code, _, err = run(program + ["cut", "--quiet", "--text", text] + font + options + files)
             if code != 0:
                 return [f"cut: exit {code}: {err.strip()}"]
         return [f"cut: {name} is not the same" for name in ("dxf", "svg", "emf")

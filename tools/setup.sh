@@ -5,8 +5,12 @@
 set -e
 packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  qt6-base-dev xvfb xdotool unrtf
- libfreetype-dev libfontconfig-dev libharfbuzz-dev libharfbuzz-bin libcli11-dev libagg-dev libpolyclipping-dev
- fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf fonts-liberation fonts-inter fonts-inter-variable
+ libfreetype-dev libfontconfig-dev libharfbuzz-dev libharfbuzz-bin libfribidi-dev libfribidi-bin
+ libcli11-dev libagg-dev libpolyclipping-dev
+ fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf fonts-liberation fonts-inter
+ fonts-inter-variable fonts-cantarell fonts-crosextra-caladea fonts-dancingscript fonts-kaushanscript
+ fonts-lobstertwo fonts-lohit-deva fonts-gargi fonts-khmeros unicode-data
+ hershey-fonts-data librecad-data
  libcurl4-openssl-dev libcurl4 ca-certificates openssl curl chromium tidy
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  libxml2-utils assimp-utils
@@ -18,7 +22,7 @@ if [ "$1" = windows ]; then
 fi
 
 sources=""
-[ "$1" = windows ] && sources="libpolyclipping harfbuzz"
+[ "$1" = windows ] && sources="libpolyclipping harfbuzz fribidi"
 source_cache="${XDG_CACHE_HOME:-$HOME/.cache}/kerno-sources"
 
 as_root=""

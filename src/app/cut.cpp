@@ -4,26 +4,19 @@
 #include <cmath>
 #include <map>
 #include <numbers>
-#include <unordered_set>
 #include <utility>
 
-#include "app/face_choice.h"
+#include "app/glyph_source.h"
 #include "app/overlaps.h"
+#include "app/shape_maker.h"
 #include "base/parallel.h"
-#include "base/text.h"
 #include "drawing/affine.h"
 #include "drawing/check_paths.h"
-#include "drawing/cutting_order.h"
-#include "drawing/fit_arcs.h"
-#include "drawing/flatten.h"
 #include "drawing/measures.h"
-#include "drawing/offset.h"
-#include "drawing/weld.h"
 
 namespace kerno {
 namespace {
 
-constexpr double kShare = 0.25;     // of the tolerance, for welding and for an offset
 constexpr double kSmallest = 1e-3;  // units; below, the decimals of files leave no shape
 constexpr double kFarthest = 1e7;   // units; beyond, coordinates lose the decimals of a tolerance
 
@@ -31,14 +24,7 @@ Status Refuse(const char16_t* what, std::u16string why) {
   return Status::Error(Failure::kOther, what, std::move(why));
 }
 
-// A linear map: first the slant, then the mirror, then the turn, then the scales.
-struct Linear {
-  double xx = 1, xy = 0, yx = 0, yy = 1;
-
-  P2 Apply(const P2& p) const { return {xx * p.x + xy * p.y, yx * p.x + yy * p.y}; }
-  Linear Scaled(double x, double y) const { return {xx * x, xy * x, yx * y, yy * y}; }
-};
-
+// First the slant, then the mirror, then the turn.
 Linear PoseOf(const CutJob& job) {
   const Affine turn = Turned(job.angle, {});
   const double side = job.mirror ? -1 : 1;
@@ -46,32 +32,11 @@ Linear PoseOf(const CutJob& job) {
   return {turn.xx * side, turn.xx * lean + turn.xy, turn.yx * side, turn.yx * lean + turn.yy};
 }
 
-Path Mapped(const Path& path, const Linear& map) {
-  Path mapped = path;
-  mapped.start = map.Apply(path.start);
-  for (Segment& segment : mapped.segments) {
-    segment.end = map.Apply(segment.end);
-    segment.first = map.Apply(segment.first);
-    segment.second = map.Apply(segment.second);
-  }
-  return mapped;
-}
-
-Path Moved(Path path, const P2& by) {
-  path.start = path.start + by;
-  for (Segment& segment : path.segments) {
-    segment.end = segment.end + by;
-    segment.first = segment.first + by;
-    segment.second = segment.second + by;
-  }
-  return path;
-}
-
 // Glyphs of a text, with what is made of them once.
 class CutMaker {
  public:
-  CutMaker(const CutJob& job, const ShapingFont& font)
-      : job_(job), font_(font), pose_(PoseOf(job)) {}
+  CutMaker(const CutJob& job, const GlyphSource& source)
+      : job_(job), source_(source), pose_(PoseOf(job)) {}
 
   Status Make(CutDrawing* made);
 
@@ -80,29 +45,23 @@ class CutMaker {
     P2 at;
     Box2 ink;  // empty for a blank
   };
-  // What the user is told of a shape, once for each place of it.
-  struct ShapeNotes {
-    size_t crossing = 0, vanished = 0;
-  };
-
   Status Size();
   void Set(double letter_spacing);
   Box2 InkOfBlock(const Linear& map);
-  const Box2& InkOfGlyph(uint32_t glyph);
+  const Box2& InkOfGlyph(const BlockGlyph& glyph);
+  const std::vector<Path>& Outline(const BlockGlyph& glyph) const;
+  Linear MapOf(const BlockGlyph& glyph) const { return map_.After(block_.forms[glyph.form].map); }
   void Place();
   uint32_t ShapeOf(const std::vector<size_t>& cluster);
-  Shape Finish(std::vector<Path> outlines, ShapeNotes* notes) const;
   void FinishAll();
   size_t CrossingsOf(const Drawing& drawing) const;
-  Path InForm(Path path, double tolerance, bool again) const;
-  std::vector<Path> Formed(std::vector<Path> paths, double tolerance, size_t* vanished) const;
 
   const CutJob& job_;
-  const ShapingFont& font_;
+  const GlyphSource& source_;
   Linear pose_;  // without a size
   Linear map_;   // from font units to the drawing's
-  std::vector<BlockGlyph> block_;
-  std::map<uint32_t, Box2> inks_;  // of glyphs, under map_
+  TextBlock block_;
+  std::map<uint64_t, Box2> inks_;  // of glyphs in their forms, under map_
   std::vector<Placed> placed_;     // the glyphs of block_
   // The shapes so far, by their glyphs and where these stand to the first, in font units.
   std::map<std::vector<double>, uint32_t> known_;
@@ -111,10 +70,20 @@ class CutMaker {
   CutDrawing made_;
 };
 
-const Box2& CutMaker::InkOfGlyph(uint32_t glyph) {
-  const auto [kept, is_new] = inks_.try_emplace(glyph);
+// A glyph in its form, as one number that a double holds exactly.
+uint64_t KeyOf(const BlockGlyph& glyph) {
+  return uint64_t{glyph.form} << 32 | glyph.glyph;
+}
+
+const std::vector<Path>& CutMaker::Outline(const BlockGlyph& glyph) const {
+  return source_.PathsOf(block_.forms[glyph.form].font, glyph.glyph);
+}
+
+const Box2& CutMaker::InkOfGlyph(const BlockGlyph& glyph) {
+  const auto [kept, is_new] = inks_.try_emplace(KeyOf(glyph));
   if (is_new) {
-    for (const Path& path : font_.Outline(glyph)) Include(&kept->second, BoxOf(Mapped(path, map_)));
+    const Linear map = MapOf(glyph);
+    for (const Path& path : Outline(glyph)) Include(&kept->second, BoxOf(Mapped(path, map)));
   }
   return kept->second;
 }
@@ -123,8 +92,8 @@ Box2 CutMaker::InkOfBlock(const Linear& map) {
   map_ = map;
   inks_.clear();
   Box2 ink;
-  for (const BlockGlyph& glyph : block_) {
-    const Box2& box = InkOfGlyph(glyph.glyph);
+  for (const BlockGlyph& glyph : block_.glyphs) {
+    const Box2& box = InkOfGlyph(glyph);
     if (!(box.min.x <= box.max.x)) continue;
     const P2 at = map.Apply(glyph.origin);
     Include(&ink, Box2{box.min + at, box.max + at});
@@ -133,7 +102,8 @@ Box2 CutMaker::InkOfBlock(const Linear& map) {
 }
 
 void CutMaker::Set(double letter_spacing) {
-  block_ = SetBlock(font_, job_.text, {job_.mode, job_.align, job_.line_spacing, letter_spacing});
+  block_ = source_.Set(job_.text, {job_.mode, job_.align, job_.line_spacing, letter_spacing,
+                                   job_.language, job_.direction, job_.across_digits});
 }
 
 // Settles map_ and block_. Letter spacing is a length of the drawing, so that where the ink decides
@@ -143,10 +113,10 @@ Status CutMaker::Size() {
   const bool fits = size.by == CutSize::By::kFit || size.by == CutSize::By::kStretch;
   if (!fits) {
     const double reference =
-        size.by == CutSize::By::kEm ? font_.units_per_em() : font_.cap_height();
+        size.by == CutSize::By::kEm ? source_.UnitsPerEm() : source_.CapHeight();
     if (!(reference > 0)) {
       return Refuse(u"cap height",
-                    u"the face \"" + font_.data().family + u"\" has no capital letters to measure");
+                    u"the face \"" + source_.Family() + u"\" has no capital letters to measure");
     }
     const double scale = size.height / reference;
     Set(job_.letter_spacing / scale);
@@ -188,98 +158,36 @@ void CutMaker::Place() {
                           : P2{part(ink.min.x, ink.max.x, job_.anchor.across),
                                part(ink.min.y, ink.max.y, job_.anchor.up)};
   const P2 shift = job_.at - anchor;
-  placed_.reserve(block_.size());
-  for (const BlockGlyph& glyph : block_) {
+  placed_.reserve(block_.glyphs.size());
+  for (const BlockGlyph& glyph : block_.glyphs) {
     Placed placed = {map_.Apply(glyph.origin) + shift, {}};
-    if (const Box2& box = InkOfGlyph(glyph.glyph); box.min.x <= box.max.x) {
+    if (const Box2& box = InkOfGlyph(glyph); box.min.x <= box.max.x) {
       placed.ink = {box.min + placed.at, box.max + placed.at};
     }
-    made_.glyphs.push_back({glyph.glyph, glyph.character, placed.at});
+    const GlyphForm& form = block_.forms[glyph.form];
+    made_.glyphs.push_back({glyph.glyph, glyph.character, placed.at, form.font, form.map.yx != 0});
     placed_.push_back(placed);
   }
-}
-
-Path CutMaker::InForm(Path path, double tolerance, bool again) const {
-  switch (job_.curves) {
-    case CurveForm::kArcs:
-      return again ? FitArcsKeepingNodes(path, tolerance) : FitArcs(path, tolerance);
-    case CurveForm::kLines: {
-      std::vector<P2> corners;
-      FlattenPath(path, tolerance, &corners);
-      Path chords;
-      if (corners.empty()) return chords;
-      chords.start = corners[0];
-      for (size_t i = 1; i < corners.size(); ++i) chords.segments.push_back({.end = corners[i]});
-      chords.segments.push_back({.end = corners[0]});
-      return chords;
-    }
-    case CurveForm::kCurves:
-      break;
-  }
-  return path;
-}
-
-// Welds, offsets and fits the outlines of one shape. The tolerance is shared out: welding and
-// moving may take part of it, fitting the rest.
-std::vector<Path> CutMaker::Formed(std::vector<Path> paths, double tolerance,
-                                   size_t* vanished) const {
-  double left = tolerance;
-  if (job_.weld != WeldScope::kNone) {
-    WeldResult welded = Weld(paths, kShare * left);
-    paths.clear();
-    for (WeldedPath& path : welded.paths) paths.push_back(std::move(path.path));
-  }
-  if (job_.offset != 0) {
-    OffsetResult offset = Offset(paths, job_.offset, kShare * left);
-    *vanished = offset.vanished;
-    paths = std::move(offset.paths);
-    left -= kShare * left;
-  }
-  for (Path& path : paths) path = InForm(std::move(path), left, tolerance < job_.tolerance);
-  std::erase_if(paths, [](const Path& path) { return path.segments.empty(); });
-  return paths;
-}
-
-// Makes a shape of outlines, in the order in which it is cut. Contours that all but touch may cross
-// when each is bent by the tolerance; these follow their curves more closely, and through all of
-// their nodes.
-Shape CutMaker::Finish(std::vector<Path> outlines, ShapeNotes* notes) const {
-  std::erase_if(outlines, [](const Path& path) { return path.segments.empty(); });
-  constexpr double kClosest = 1.0 / 64;
-  Shape shape;
-  for (double share = 1; share >= kClosest; share *= 0.25) {
-    const double tolerance = job_.tolerance * share;
-    const std::vector<Path> paths = Formed(outlines, tolerance, &notes->vanished);
-    const ChordGrid grid(paths, tolerance * 0.25, ChordGrid::Closing::kAll);
-    const PathFaults faults = CheckPaths(paths, grid);
-    notes->crossing = 2 * faults.crossing + faults.self_crossing;
-    shape.clear();
-    for (const CutStep& step : OrderForCutting(paths, grid, job_.order)) {
-      shape.push_back({PathOf(paths[step.path], step), static_cast<uint32_t>(step.depth)});
-    }
-    if (notes->crossing == 0 || job_.weld == WeldScope::kNone) break;
-  }
-  return shape;
 }
 
 // The number of the shape of glyphs that are welded together, about the first one's origin. A new
 // one's outlines wait to be finished.
 uint32_t CutMaker::ShapeOf(const std::vector<size_t>& cluster) {
-  const P2 origin = block_[cluster[0]].origin;
+  const std::vector<BlockGlyph>& glyphs = block_.glyphs;
+  const P2 origin = glyphs[cluster[0]].origin;
   std::vector<double> key;
   for (const size_t i : cluster) {
-    const P2 apart = block_[i].origin - origin;
-    key.insert(key.end(), {static_cast<double>(block_[i].glyph), apart.x, apart.y});
+    const P2 apart = glyphs[i].origin - origin;
+    key.insert(key.end(), {static_cast<double>(KeyOf(glyphs[i])), apart.x, apart.y});
   }
   const auto [known, is_new] =
       known_.try_emplace(std::move(key), static_cast<uint32_t>(outlines_.size()));
   if (!is_new) return known->second;
   std::vector<Path>& paths = outlines_.emplace_back();
   for (const size_t i : cluster) {
-    const P2 apart = map_.Apply(block_[i].origin - origin);
-    for (const Path& path : font_.Outline(block_[i].glyph)) {
-      paths.push_back(Moved(Mapped(path, map_), apart));
-    }
+    const P2 apart = map_.Apply(glyphs[i].origin - origin);
+    const Linear map = MapOf(glyphs[i]);
+    for (const Path& path : Outline(glyphs[i])) paths.push_back(Moved(Mapped(path, map), apart));
   }
   return known->second;
 }
@@ -288,7 +196,9 @@ void CutMaker::FinishAll() {
   made_.drawing.shapes.resize(outlines_.size());
   notes_.resize(outlines_.size());
   ForEachInParallel(outlines_.size(), [&](size_t i) {
-    made_.drawing.shapes[i] = Finish(std::move(outlines_[i]), &notes_[i]);
+    made_.drawing.shapes[i] = source_.HoldsStrokes()
+                                  ? ShapeOfStrokes(std::move(outlines_[i]), job_)
+                                  : ShapeOfOutlines(std::move(outlines_[i]), job_, &notes_[i]);
   });
   outlines_.clear();
 }
@@ -337,10 +247,11 @@ Status CutMaker::Make(CutDrawing* made) {
     inks.push_back(box);
   }
   made_.drawing.unit = job_.unit;
-  const bool together = job_.weld == WeldScope::kText;
+  made_.drawing.strokes = source_.HoldsStrokes();
+  const bool together = !source_.HoldsStrokes() && job_.weld == WeldScope::kText;
   std::vector<PlacedShape> placed;
   for (const std::vector<size_t>& cluster : together ? Overlapping(inks) : EachAlone(inks)) {
-    placed.push_back({ShapeOf(cluster), placed_[cluster[0]].at, block_[cluster[0]].line});
+    placed.push_back({ShapeOf(cluster), placed_[cluster[0]].at, block_.glyphs[cluster[0]].line});
   }
   FinishAll();
   for (const PlacedShape& shape : placed) {
@@ -348,9 +259,11 @@ Status CutMaker::Make(CutDrawing* made) {
     made_.vanished += notes_[shape.shape].vanished;
     if (!made_.drawing.shapes[shape.shape].empty()) made_.drawing.placed.push_back(shape);
   }
-  if (!together) made_.crossing = CrossingsOf(made_.drawing);
+  if (!together && !source_.HoldsStrokes()) made_.crossing = CrossingsOf(made_.drawing);
   made_.facts = FactsOf(made_.drawing);
   made_.ink = InkOf(made_.drawing);
+  made_.missing = std::move(block_.missing);
+  made_.faces = source_.FacesOf(block_);
   const Box2& ink = made_.ink;
   const bool blank = made_.drawing.placed.empty();
   if (!blank && !(std::max({-ink.min.x, -ink.min.y, ink.max.x, ink.max.y}) < kFarthest)) {
@@ -363,52 +276,13 @@ Status CutMaker::Make(CutDrawing* made) {
   return Status::Ok();
 }
 
-// The characters that the font has no glyph for, each once. A glyph may stand for a letter with its
-// marks; those of them are named that are missing.
-std::vector<char32_t> MissingOf(std::u16string_view text, const ShapingFont& font,
-                                const std::vector<CutGlyph>& glyphs) {
-  std::vector<size_t> starts;
-  starts.reserve(glyphs.size());
-  for (const CutGlyph& glyph : glyphs) starts.push_back(glyph.character);
-  std::ranges::sort(starts);
-  std::vector<char32_t> missing;
-  std::unordered_set<char32_t> seen;
-  for (const CutGlyph& glyph : glyphs) {
-    if (glyph.glyph != 0) continue;
-    const auto next = std::ranges::upper_bound(starts, glyph.character);
-    const size_t end = next == starts.end() ? text.size() : *next;
-    std::vector<char32_t> lacking;
-    for (size_t at = glyph.character; at < end;) {
-      const char32_t ch = NextCharacter(text, &at);
-      if (!IsUnseen(ch) && !font.HasGlyph(ch)) lacking.push_back(ch);
-    }
-    size_t at = glyph.character;
-    if (lacking.empty()) lacking.push_back(NextCharacter(text, &at));
-    for (const char32_t ch : lacking) {
-      if (seen.insert(ch).second) missing.push_back(ch);
-    }
-  }
-  return missing;
-}
-
 }  // namespace
 
 Status MakeCut(const CutJob& job, CutDrawing* made) {
   if (!(job.tolerance > 0)) return Refuse(u"tolerance", u"must be above 0");
-  FontData data;
-  if (Status found = FindFace(job.face, &data); !found.ok()) return found;
-  std::unique_ptr<ShapingFont> font;
-  if (Status opened = ShapingFont::Open(data, &font); !opened.ok()) return opened;
-  CutDrawing cut;
-  if (Status status = CutMaker(job, *font).Make(&cut); !status.ok()) return status;
-  cut.family = data.family;
-  cut.style = data.style;
-  cut.made_bold = data.make_bold;
-  cut.made_slanted = data.make_slanted;
-  cut.no_features = font->FeaturesWithoutRules();
-  cut.missing = MissingOf(job.text, *font, cut.glyphs);
-  *made = std::move(cut);
-  return Status::Ok();
+  std::unique_ptr<GlyphSource> source;
+  if (Status opened = GlyphSource::Open(job, &source); !opened.ok()) return opened;
+  return CutMaker(job, *source).Make(made);
 }
 
 }  // namespace kerno

@@ -49,7 +49,12 @@ enum class WeldScope {
 struct CutJob {
   std::u16string text;  // lines by LF, CR LF or CR
   FaceRequest face;
+  std::vector<std::u16string> fallbacks;  // families that characters come from which it lacks
+  std::string language;                   // a BCP 47 tag; empty: the font's own way
+  ParagraphDirection direction = ParagraphDirection::kAuto;  // of each line
+  std::u16string stroke_font;  // a font of strokes instead, by its name or file; empty: none
   WritingMode mode = WritingMode::kHorizontal;
+  size_t across_digits = 0;  // in columns, numbers of so many digits at most stand across
   Alignment align = Alignment::kLeft;
   double line_spacing = 1;    // of the font's own distance of lines
   double letter_spacing = 0;  // added after each character
@@ -74,24 +79,33 @@ struct CutGlyph {
   uint32_t glyph = 0;
   size_t character = 0;  // the UTF-16 unit of the text that it begins at
   P2 at;                 // where its origin is
+  size_t face = 0;       // of the drawing's faces
+  bool turned = false;   // lies on its right side, in a column
+};
+
+// A font that glyphs were taken from.
+struct CutFace {
+  std::u16string family, style;
+  size_t characters = 0;   // that it gave in place of the first one
+  bool made_bold = false;  // the family has no such style: made of this one
+  bool made_slanted = false;
+  std::vector<std::string> no_features = {};  // wanted ones that the font has no rule for
 };
 
 struct CutDrawing {
   Drawing drawing;
   DrawingFacts facts;
   Box2 ink;
-  std::u16string family, style;  // the font that was taken
-  bool made_bold = false;        // the family has no such style: made of this one
-  bool made_slanted = false;
-  std::vector<std::string> no_features;  // wanted ones that the font has no rule for
-  std::vector<CutGlyph> glyphs;          // in the text's order
-  std::vector<char32_t> missing;         // distinct characters without a glyph
-  size_t vanished = 0;                   // contours that an inward offset left nothing of
-  size_t crossing = 0;                   // paths that cross themselves or another one
+  std::vector<CutFace> faces;     // the font that was taken, and the fallbacks
+  std::vector<CutGlyph> glyphs;   // in the text's order
+  std::vector<char32_t> missing;  // distinct characters without a glyph in any face
+  size_t vanished = 0;            // contours that an inward offset left nothing of
+  size_t crossing = 0;            // paths that cross themselves or another one
 };
 
 // Fails for a font that cannot be found or read, for a text without ink where a size was asked of
-// the ink, and for a tolerance that is not above 0. *made is set on success only.
+// the ink, and for a tolerance that is not above 0. With a font of strokes the paths are its
+// strokes, each once, which are neither welded nor moved outwards. *made is set on success only.
 [[nodiscard]] Status MakeCut(const CutJob& job, CutDrawing* made);
 
 }  // namespace kerno

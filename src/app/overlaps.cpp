@@ -4,7 +4,8 @@
 #include <cmath>
 #include <cstdint>
 #include <numeric>
-#include <unordered_map>
+
+#include "drawing/box_tree.h"
 
 namespace kerno {
 namespace {
@@ -13,41 +14,25 @@ bool IsEmpty(const Box2& box) {
   return !(box.min.x <= box.max.x);
 }
 
-// Boxes by the cells of a grid that they touch; a cell is about as large as a common box.
-class Grid {
- public:
-  explicit Grid(const std::vector<Box2>& boxes) {
-    double sum = 0;
-    size_t count = 0;
-    for (const Box2& box : boxes) {
-      if (IsEmpty(box)) continue;
-      sum += std::max(box.Width(), box.Height());
-      ++count;
-    }
-    side_ = count > 0 && sum > 0 ? sum / static_cast<double>(count) : 1;
+// The boxes on a grid of whole numbers, no smaller than they are.
+std::vector<GridBox> OnGrid(const std::vector<Box2>& boxes) {
+  Box2 all;
+  for (const Box2& box : boxes) Include(&all, box);
+  constexpr double kReach = 1 << 30;
+  const double size = std::max(all.Width(), all.Height());
+  const double scale = size > 0 ? kReach / size : 1;
+  const auto low = [&](double value) { return static_cast<int32_t>(std::floor(value * scale)); };
+  const auto high = [&](double value) { return static_cast<int32_t>(std::ceil(value * scale)); };
+  std::vector<GridBox> grid;
+  grid.reserve(boxes.size());
+  for (const Box2& box : boxes) {
+    GridBox& cells = grid.emplace_back();
+    if (IsEmpty(box)) continue;
+    cells = {{low(box.min.x - all.min.x), low(box.min.y - all.min.y)},
+             {high(box.max.x - all.min.x), high(box.max.y - all.min.y)}};
   }
-
-  // Calls `meet` for every box put in before that shares a cell, then puts this one in.
-  template <class Meet>
-  void Put(size_t place, const Box2& box, const Meet& meet) {
-    const int64_t left = Cell(box.min.x), right = Cell(box.max.x);
-    const int64_t bottom = Cell(box.min.y), top = Cell(box.max.y);
-    for (int64_t x = left; x <= right; ++x) {
-      for (int64_t y = bottom; y <= top; ++y) {
-        std::vector<size_t>& cell =
-            cells_[static_cast<uint64_t>(x) * 0x9E3779B97F4A7C15u + static_cast<uint64_t>(y)];
-        for (const size_t other : cell) meet(other);
-        cell.push_back(place);
-      }
-    }
-  }
-
- private:
-  int64_t Cell(double value) const { return static_cast<int64_t>(std::floor(value / side_)); }
-
-  double side_;
-  std::unordered_map<uint64_t, std::vector<size_t>> cells_;
-};
+  return grid;
+}
 
 }  // namespace
 
@@ -58,15 +43,11 @@ std::vector<std::vector<size_t>> Overlapping(const std::vector<Box2>& boxes) {
     while (parent[i] != i) i = parent[i] = parent[parent[i]];
     return i;
   };
-  Grid grid(boxes);
-  for (size_t i = 0; i < boxes.size(); ++i) {
-    if (IsEmpty(boxes[i])) continue;
-    grid.Put(i, boxes[i], [&](size_t other) {
-      if (!boxes[i].Overlaps(boxes[other])) return;
-      const size_t a = root(i), b = root(other);
-      parent[std::max(a, b)] = std::min(a, b);  // the first member is the root
-    });
-  }
+  BoxTree(OnGrid(boxes)).ForEachPair([&](size_t i, size_t j) {
+    if (!boxes[i].Overlaps(boxes[j])) return;
+    const size_t a = root(i), b = root(j);
+    parent[std::max(a, b)] = std::min(a, b);  // the first member is the root
+  });
   std::vector<std::vector<size_t>> groups;
   std::vector<size_t> group_of(boxes.size());
   for (size_t i = 0; i < boxes.size(); ++i) {

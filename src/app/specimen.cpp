@@ -44,8 +44,8 @@ bool CoversText(const FaceRequest& face, std::u16string_view text) {
   FontData data;
   std::unique_ptr<ShapingFont> font;
   if (!FindFontData(face, &data).ok() || !ShapingFont::Open(data, &font).ok()) return false;
-  const std::vector<BlockGlyph> glyphs = SetBlock(*font, text, {});
-  return std::ranges::none_of(glyphs, [](const BlockGlyph& glyph) { return glyph.glyph == 0; });
+  const ShapingFont* const fonts[] = {font.get()};
+  return SetBlock(fonts, text, {}).missing.empty();
 }
 
 Status MakeSpecimen(std::u16string_view text, const std::vector<std::u16string>& families,

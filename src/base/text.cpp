@@ -135,6 +135,12 @@ bool IsUnseen(char32_t character) {
   return false;
 }
 
+bool IsDirectionControl(char32_t character) {
+  return character == 0x61C || character == 0x200E || character == 0x200F ||
+         (character >= 0x202A && character <= 0x202E) ||
+         (character >= 0x2066 && character <= 0x2069);
+}
+
 std::string CodeOf(char32_t character) {
   char code[16];
   std::snprintf(code, sizeof code, "U+%04X", static_cast<unsigned>(character));

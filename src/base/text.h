@@ -30,6 +30,8 @@ void AppendCharacter(std::u16string* text, char32_t character);
 
 // Whether a character would show nothing in a line of text, or turn the direction of what follows.
 bool IsUnseen(char32_t character);
+// Whether it changes the order in which the characters around it are shown (UAX #9).
+bool IsDirectionControl(char32_t character);
 // "U+" and at least four digits.
 std::string CodeOf(char32_t character);
 

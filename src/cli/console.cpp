@@ -14,6 +14,23 @@ namespace {
 bool warnings_silenced = false;
 bool print_failed = false;
 
+// Controls of direction stand as their codes, so that none puts the rest of a line into another
+// order. What is not UTF-8 stays as it is.
+std::string WithPlainOrder(std::string_view line) {
+  const auto text = Utf8ToUtf16(line);
+  if (!text) return std::string(line);
+  std::u16string plain;
+  for (size_t at = 0; at < text->size();) {
+    const char32_t ch = NextCharacter(*text, &at);
+    if (IsDirectionControl(ch)) {
+      plain += u"<" + Utf8ToUtf16Lossy(CodeOf(ch)) + u">";
+    } else {
+      AppendCharacter(&plain, ch);
+    }
+  }
+  return Utf16ToUtf8(plain);
+}
+
 // Names may hold anything; what would steer a terminal is shown as a code.
 std::string Shown(std::string_view text) {
   std::string shown;
@@ -30,7 +47,7 @@ std::string Shown(std::string_view text) {
     std::snprintf(code, sizeof code, "<%02X>", static_cast<unsigned>(byte));
     shown += code;
   }
-  return shown;
+  return WithPlainOrder(shown);
 }
 
 void WriteLine(std::string_view text) {

@@ -1,6 +1,7 @@
 #include "cli/cut_command.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
 
 #include "base/number_text.h"
@@ -32,8 +33,8 @@ const char* UnitName(LengthUnit unit) {
 }
 
 // "DejaVu Sans Book"
-std::string FaceOf(const CutDrawing& made) {
-  return Utf16ToUtf8(made.style.empty() ? made.family : made.family + u" " + made.style);
+std::string NameOf(const CutFace& face) {
+  return Utf16ToUtf8(face.style.empty() ? face.family : face.family + u" " + face.style);
 }
 
 // "62 closed paths, 812 arcs, 404 lines, 120 x 14.2 mm, 1234.5 mm to cut"
@@ -41,14 +42,44 @@ std::string SummaryOf(const CutDrawing& made) {
   const DrawingFacts& facts = made.facts;
   const std::string unit = UnitName(made.drawing.unit);
   const int decimals = made.drawing.unit == LengthUnit::kInch ? 4 : 3;
-  std::string text = Counted(facts.closed, "closed path", "closed paths");
-  if (facts.open > 0) text += ", " + Counted(facts.open, "open path", "open paths");
-  if (facts.arcs > 0) text += ", " + Counted(facts.arcs, "arc", "arcs");
-  if (facts.curves > 0) text += ", " + Counted(facts.curves, "curve", "curves");
-  text += ", " + Counted(facts.lines, "line", "lines");
+  std::string text;
+  if (facts.closed > 0 || facts.open == 0) {
+    text = Counted(facts.closed, "closed path", "closed paths") + ", ";
+  }
+  if (facts.open > 0) text += Counted(facts.open, "open path", "open paths") + ", ";
+  if (facts.arcs > 0) text += Counted(facts.arcs, "arc", "arcs") + ", ";
+  if (facts.curves > 0) text += Counted(facts.curves, "curve", "curves") + ", ";
+  text += Counted(facts.lines, "line", "lines");
   text += ", " + Fixed(made.ink.Width(), decimals) + " x " + Fixed(made.ink.Height(), decimals) +
           " " + unit;
+  for (const CutFace& face : made.faces) {
+    if (face.characters == 0) continue;
+    text += ", " + Counted(face.characters, "character", "characters") + " from " +
+            Utf16ToUtf8(face.family);
+  }
   return text + ", " + Fixed(facts.length, 1) + " " + unit + " to cut";
+}
+
+// "DejaVu Sans, IPAMincho"
+std::string FaceNames(const std::vector<CutFace>& faces) {
+  std::string names;
+  for (const CutFace& face : faces) {
+    names += (names.empty() ? "" : ", ") + Utf16ToUtf8(face.family);
+  }
+  return names;
+}
+
+// Words of letters and digits with hyphens between them, as BCP 47 has them.
+bool IsLanguageTag(std::string_view tag) {
+  size_t length = 0;  // of the word at hand
+  for (const char c : tag) {
+    const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    const bool digit = c >= '0' && c <= '9';
+    if (c == '-' ? length == 0 : !letter && !digit) return false;
+    length = c == '-' ? 0 : length + 1;
+    if (length > 8) return false;
+  }
+  return length > 0;
 }
 
 void AppendField(std::string* out, std::string_view name, double value) {
@@ -56,13 +87,31 @@ void AppendField(std::string* out, std::string_view name, double value) {
   AppendShortest(out, value);
 }
 
+void AppendFace(std::string* out, const CutFace& face) {
+  *out += "\"face\": ";
+  AppendJsonString(out, face.family);
+  *out += ", \"style\": ";
+  AppendJsonString(out, face.style);
+}
+
+void AppendFallbacks(std::string* out, const std::vector<CutFace>& faces) {
+  *out += ", \"fallbacks\": [";
+  for (size_t i = 1; i < faces.size(); ++i) {
+    *out += i == 1 ? "{" : ", {";
+    AppendFace(out, faces[i]);
+    AppendField(out, "characters", static_cast<double>(faces[i].characters));
+    *out += "}";
+  }
+  *out += "]";
+}
+
 std::string JsonOf(const CutDrawing& made) {
-  std::string out = "{\"face\": ";
-  AppendJsonString(&out, made.family);
-  out += ", \"style\": ";
-  AppendJsonString(&out, made.style);
-  out += std::string(", \"madeBold\": ") + (made.made_bold ? "true" : "false");
-  out += std::string(", \"madeSlanted\": ") + (made.made_slanted ? "true" : "false");
+  std::string out = "{";
+  AppendFace(&out, made.faces[0]);
+  out += std::string(", \"madeBold\": ") + (made.faces[0].made_bold ? "true" : "false");
+  out += std::string(", \"madeSlanted\": ") + (made.faces[0].made_slanted ? "true" : "false");
+  const bool has_fallbacks = made.faces.size() > 1;
+  if (has_fallbacks) AppendFallbacks(&out, made.faces);
   out += std::string(", \"unit\": \"") + UnitName(made.drawing.unit) + "\"";
   AppendField(&out, "closedPaths", static_cast<double>(made.facts.closed));
   AppendField(&out, "openPaths", static_cast<double>(made.facts.open));
@@ -83,6 +132,11 @@ std::string JsonOf(const CutDrawing& made) {
     AppendField(&out, "character", static_cast<double>(glyph.character));
     AppendField(&out, "x", glyph.at.x);
     AppendField(&out, "y", glyph.at.y);
+    if (glyph.turned) out += ", \"turned\": true";
+    if (has_fallbacks) {
+      out += ", \"face\": ";
+      AppendJsonString(&out, made.faces[glyph.face].family);
+    }
     out += "}";
   }
   return out + "]}\n";
@@ -94,13 +148,35 @@ void CutCommand::AddOptions(CLI::App& app) {
   app_ = &app;
   source_.AddTo(app);
   face_.AddTo(app, FaceOptions::Source::kFont);
+  app.add_option("--stroke-font", stroke_font_,
+                 "lines instead of outlines: a .jhf, .lff or SVG font, or the name of one "
+                 "(kerno faces --strokes)")
+      ->type_name("FILE|NAME");
   app.add_flag("--vertical", vertical_, "columns from top to bottom, the first one on the right");
+  AddScriptOptions(app);
   AddSizeOptions(app);
   AddPathOptions(app);
   AddFileOptions(app);
   app.add_flag("--strict", strict_, "a character without a glyph is an error");
   app.add_flag("--quiet", quiet_, "no warnings and no summary");
   app.add_flag("--json", json_, "print what was made, with every glyph, as one JSON object");
+}
+
+void CutCommand::AddScriptOptions(CLI::App& app) {
+  app.add_option("--fallback", fallbacks_,
+                 "a family that gives the characters which the face lacks; repeat it for more")
+      ->type_name("NAME")
+      ->take_all()
+      ->allow_extra_args(false);
+  app.add_option("--language", language_, "of the text, such as ja or sr-Latn")->type_name("TAG");
+  app.add_option("--direction", direction_,
+                 "of each line; auto: that of its first letter with a direction")
+      ->type_name("auto|ltr|rtl")
+      ->capture_default_str();
+  app.add_option("--tate-chu-yoko", across_digits_,
+                 "--vertical: set numbers of up to N digits across the column")
+      ->type_name("N")
+      ->capture_default_str();
 }
 
 void CutCommand::AddSizeOptions(CLI::App& app) {
@@ -278,6 +354,11 @@ bool CutCommand::ReadStyle() {
     ReportError("--layer", "the name is empty");
     return false;
   }
+  const auto turner = std::ranges::find_if(*layer, IsDirectionControl);
+  if (turner != layer->end()) {
+    ReportError("--layer", "the name holds " + CodeOf(*turner) + ", a control of direction");
+    return false;
+  }
   if (const Status dated = ReadSourceDate(&style_.moment); !dated.ok()) {
     ReportError(dated);
     return false;
@@ -297,6 +378,54 @@ bool CutCommand::ReadStyle() {
                          {{"cut", SvgLook::kCut}, {"fill", SvgLook::kFill}}, &style_.svg);
 }
 
+bool CutCommand::ReadScripts() {
+  for (const std::string& name : fallbacks_) {
+    const auto family = TextArgument("--fallback", name);
+    if (!family) return false;
+    if (family->empty()) {
+      ReportError("--fallback", "the name is empty");
+      return false;
+    }
+    job_.fallbacks.push_back(*family);
+  }
+  if (app_->count("--language") > 0 && !IsLanguageTag(language_)) {
+    ReportError("--language", "\"" + language_ + "\" is no language tag, such as ja or sr-Latn");
+    return false;
+  }
+  job_.language = language_;
+  const auto digits = WholeNumber("--tate-chu-yoko", across_digits_, 0, 9);
+  if (!digits) return false;
+  if (*digits > 0 && !vertical_) {
+    ReportError("--tate-chu-yoko", "needs --vertical");
+    return false;
+  }
+  job_.across_digits = static_cast<size_t>(*digits);
+  return Choose<ParagraphDirection>("--direction", direction_,
+                                    {{"auto", ParagraphDirection::kAuto},
+                                     {"ltr", ParagraphDirection::kLeftToRight},
+                                     {"rtl", ParagraphDirection::kRightToLeft}},
+                                    &job_.direction);
+}
+
+bool CutCommand::ReadStrokeFont() {
+  if (app_->count("--stroke-font") == 0) return true;
+  for (const char* other : {"--face", "--style", "--font-file", "--variation", "--features",
+                            "--fallback", "--language", "--direction", "--tate-chu-yoko"}) {
+    if (app_->count(other) == 0) continue;
+    ReportError(other, "is of fonts with outlines and goes not with --stroke-font");
+    return false;
+  }
+  // Left out, the offset is 0.
+  if (app_->count("--offset") > 0 && job_.offset != 0) {
+    ReportError("--offset", "strokes have no outside: it needs a font with outlines");
+    return false;
+  }
+  if (!IsFileName("--stroke-font", stroke_font_)) return false;
+  const auto name = TextArgument("--stroke-font", stroke_font_);
+  if (name) job_.stroke_font = *name;
+  return name.has_value();
+}
+
 bool CutCommand::ReadJob() {
   auto face = face_.Read();
   if (!face) return false;
@@ -305,35 +434,38 @@ bool CutCommand::ReadJob() {
   return Choose<LengthUnit>("--unit", unit_,
                             {{"mm", LengthUnit::kMillimetre}, {"in", LengthUnit::kInch}},
                             &job_.unit) &&
-         ReadSize() && ReadPlace() && ReadPaths() && ReadStyle();
+         ReadScripts() && ReadSize() && ReadPlace() && ReadPaths() && ReadStyle() &&
+         ReadStrokeFont();
 }
 
-// Tells how the face differs from what was asked for; false when that ends the command.
-bool CutCommand::ReportFace(const CutDrawing& made) const {
-  for (const std::string& feature : made.no_features) {
-    ReportWarning("--features", FaceOf(made) + " has no \"" + feature + "\"");
+// Tells how the faces differ from what was asked for; false when that ends the command.
+bool CutCommand::ReportFaces(const CutDrawing& made) const {
+  for (const CutFace& face : made.faces) {
+    for (const std::string& feature : face.no_features) {
+      ReportWarning("--features", NameOf(face) + " has no \"" + feature + "\"");
+    }
+    if (!face.made_bold && !face.made_slanted) continue;
+    const bool both = face.made_bold && face.made_slanted;
+    const char* letters = both             ? "bold and slanted letters"
+                          : face.made_bold ? "bold letters"
+                                           : "slanted letters";
+    const char* how = both             ? "moved outwards and leaned"
+                      : face.made_bold ? "moved outwards"
+                                       : "leaned";
+    const std::string why = "\"" + Utf16ToUtf8(face.family) + "\" has no " + letters;
+    if (strict_) {
+      ReportError("--style", why);
+      return false;
+    }
+    ReportWarning("--style", why + ": those of \"" + Utf16ToUtf8(face.style) + "\" are " + how);
   }
-  if (!made.made_bold && !made.made_slanted) return true;
-  const std::string what = made.made_bold && made.made_slanted ? "bold and slanted letters"
-                           : made.made_bold                    ? "bold letters"
-                                                               : "slanted letters";
-  const std::string how = made.made_bold && made.made_slanted ? "moved outwards and leaned"
-                          : made.made_bold                    ? "moved outwards"
-                                                              : "leaned";
-  const std::string family = Utf16ToUtf8(made.family), style = Utf16ToUtf8(made.style);
-  const std::string why = "\"" + family + "\" has no " + what;
-  if (strict_) {
-    ReportError("--style", why);
-    return false;
-  }
-  ReportWarning("--style", why + ": those of \"" + style + "\" are " + how);
   return true;
 }
 
 // Tells what the user should know before the files are written; false when that ends the command.
 bool CutCommand::Report(const CutDrawing& made) const {
-  if (!ReportFace(made)) return false;
-  if (!ReportLost("no glyph in " + Utf16ToUtf8(made.family), made.missing, strict_)) return false;
+  if (!ReportFaces(made)) return false;
+  if (!ReportLost("no glyph in " + FaceNames(made.faces), made.missing, strict_)) return false;
   if (made.drawing.placed.empty()) ReportWarning("text", "has no outlines");
   if (made.vanished > 0) {
     ReportWarning("--offset",
@@ -343,7 +475,7 @@ bool CutCommand::Report(const CutDrawing& made) const {
     ReportWarning("drawing",
                   Counted(made.crossing, "path crosses", "paths cross") + " itself or another one");
   }
-  if (made.facts.open > 0) {
+  if (made.facts.open > 0 && !made.drawing.strokes) {
     ReportWarning("drawing", Counted(made.facts.open, "path is", "paths are") + " open");
   }
   return true;
@@ -370,7 +502,8 @@ ExitStatus CutCommand::Run() {
   const auto write = [&](const Format& format, const std::filesystem::path& file) {
     return Write(made, format, file);
   };
-  const std::string face = face_.IsOpen() ? FaceOf(made) + ", " : "";
+  const bool is_open = face_.IsOpen() && job_.stroke_font.empty();
+  const std::string face = is_open ? NameOf(made.faces[0]) + ", " : "";
   const bool written = outputs_.WriteAll(write, face + SummaryOf(made), quiet_ || json_);
   const bool told =
       !json_ || outputs_.UsesStandardOutput() || (Print(JsonOf(made)) && FinishPrinting());

@@ -22,16 +22,19 @@ class CutCommand final : public Command {
   ExitStatus Run() override;
 
  private:
+  void AddScriptOptions(CLI::App& app);
   void AddSizeOptions(CLI::App& app);
   void AddPathOptions(CLI::App& app);
   void AddFileOptions(CLI::App& app);
   bool ReadJob();
+  bool ReadScripts();
   bool ReadSize();
   bool ReadPlace();
   bool ReadPaths();
   bool ReadStyle();
+  bool ReadStrokeFont();
   bool Report(const CutDrawing& made) const;
-  bool ReportFace(const CutDrawing& made) const;
+  bool ReportFaces(const CutDrawing& made) const;
   Status Write(const CutDrawing& made, const Format& format,
                const std::filesystem::path& file) const;
 
@@ -39,6 +42,8 @@ class CutCommand final : public Command {
   TextSource source_;
   FaceOptions face_;
   OutputFiles outputs_;
+  std::string stroke_font_, language_, direction_ = "auto", across_digits_ = "0";
+  std::vector<std::string> fallbacks_;
   bool vertical_ = false, strict_ = false, quiet_ = false, json_ = false;
   bool stretch_ = false, mirror_ = false;
   std::string cap_height_, em_, fit_;

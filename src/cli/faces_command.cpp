@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "app/specimen.h"
+#include "app/stroke_fonts.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "cli/arguments.h"
@@ -116,6 +117,7 @@ void FacesCommand::AddOptions(CLI::App& app) {
   app.add_flag("--json", json_,
                "every face with its file, styles, axes, scripts, features and permissions");
   app.add_flag("--vertical", vertical_, "the \"@\" forms, for vertical writing");
+  app.add_flag("--strokes", strokes_, "fonts of single lines, for kerno cut --stroke-font");
   app.add_flag("--skipped", skipped_, "warn of font files that cannot be used");
   app.add_option("--covers", covers_, "only faces that have every character of TEXT")
       ->type_name("TEXT");
@@ -211,7 +213,27 @@ std::string FacesCommand::Json() const {
   return out + (faces.empty() ? "]\n" : "\n]\n");
 }
 
+ExitStatus FacesCommand::ListStrokeFonts() const {
+  std::string out = json_ ? "[" : "";
+  bool first = true;
+  for (const StrokeFontFile& font : InstalledStrokeFonts()) {
+    if (json_) {
+      out += first ? "\n  {\"name\": " : ",\n  {\"name\": ";
+      AppendJsonString(&out, font.name);
+      out += ", \"file\": ";
+      AppendJsonString(&out, PathText(font.file));
+      out += "}";
+    } else {
+      out += Utf16ToUtf8(font.name) + "\n";
+    }
+    first = false;
+  }
+  if (json_) out += first ? "]\n" : "\n]\n";
+  return Print(out) && FinishPrinting() ? kDone : kFailed;
+}
+
 ExitStatus FacesCommand::Run() {
+  if (strokes_) return ListStrokeFonts();
   if (!ReadTexts()) return kWrongUsage;
   if (!shown_.empty()) return DrawSheet(Families());
   std::string out;

@@ -18,6 +18,7 @@ class FacesCommand final : public Command {
   ExitStatus Run() override;
 
  private:
+  ExitStatus ListStrokeFonts() const;
   bool ReadTexts();
   std::vector<std::u16string> Families() const;
   ExitStatus DrawSheet(const std::vector<std::u16string>& families) const;
@@ -30,6 +31,7 @@ class FacesCommand final : public Command {
   bool json_ = false;
   bool vertical_ = false;
   bool skipped_ = false;
+  bool strokes_ = false;
 };
 
 }  // namespace kerno

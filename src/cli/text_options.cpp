@@ -11,12 +11,40 @@
 #include "cli/arguments.h"
 #include "cli/choice.h"
 #include "cli/console.h"
+#include "outline/scripts.h"
 
 namespace kerno {
 namespace {
 
 constexpr int32_t kLowestHeight = -32768;
 constexpr int32_t kHighestHeight = 32767;
+
+// "is set from left to right, its letters are not joined"
+std::string Shortcomings(const ScriptNeeds& needs) {
+  std::string text;
+  const auto add = [&](bool is_needed, const char* what) {
+    if (is_needed) text += (text.empty() ? "" : ", ") + std::string(what);
+  };
+  add(needs.right_to_left, "is set from left to right");
+  add(needs.joins, "its letters are not joined");
+  add(needs.reorders, "its letters are neither reordered nor combined");
+  add(needs.marks && !needs.reorders, "its marks are not placed");
+  return text;
+}
+
+// Tells what the classic layout does not do for the text; false when that ends the command.
+bool ReportUnshaped(std::u16string_view text, bool strict) {
+  for (const ScriptNeeds& needs : NeedsOf(text)) {
+    const std::string what = needs.name.empty() ? "text" : needs.name + " text";
+    const std::string why = Shortcomings(needs) + " (kerno cut shapes it)";
+    if (strict) {
+      ReportError(what, why);
+      return false;
+    }
+    ReportWarning(what, why);
+  }
+  return true;
+}
 
 }  // namespace
 
@@ -56,7 +84,8 @@ void TextOptions::AddTo(CLI::App& app) {
       ->type_name("F")
       ->capture_default_str();
   app.add_flag("--substitute", substitute_, "take what the system offers for a missing face");
-  app.add_flag("--strict", strict_, "a character without a glyph or outline is an error");
+  app.add_flag("--strict", strict_,
+               "a character without a glyph or outline, or a text that needs shaping, is an error");
   app.add_flag("--quiet", quiet_, "no warnings and no summary");
 }
 
@@ -178,7 +207,8 @@ std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing pl
     ReportWarning(Utf16ToUtf8(SystemFaceName(job.text.face)),
                   "is not installed, " + face + " takes its place");
   }
-  if (!ReportLost("no glyph in " + face, set->missing, strict_) ||
+  if (!ReportUnshaped(job.text.text, strict_) ||
+      !ReportLost("no glyph in " + face, set->missing, strict_) ||
       !ReportLost("no outline of this size in " + face, set->notes.refused, strict_)) {
     *status = kFaceTrouble;
     return std::nullopt;

@@ -32,4 +32,28 @@ Affine Leaned(double degrees, double base) {
   return {1, -sine, 0, cosine, {0, base}, {0, base}};
 }
 
+Path Mapped(const Path& path, const Linear& map) {
+  Path mapped = path;
+  mapped.start = map.Apply(path.start);
+  for (Segment& segment : mapped.segments) {
+    segment.end = map.Apply(segment.end);
+    segment.first = map.Apply(segment.first);
+    segment.second = map.Apply(segment.second);
+    if (map.TurnsOver()) segment.bulge = -segment.bulge;
+  }
+  return mapped;
+}
+
+Path Moved(const Path& path, const P2& by) {
+  const auto moved = [&](const P2& p) { return P2{p.x + by.x, p.y + by.y}; };
+  Path result = path;
+  result.start = moved(path.start);
+  for (Segment& segment : result.segments) {
+    segment.end = moved(segment.end);
+    segment.first = moved(segment.first);
+    segment.second = moved(segment.second);
+  }
+  return result;
+}
+
 }  // namespace kerno

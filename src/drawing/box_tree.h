@@ -39,7 +39,8 @@ inline void Include(GridBox* box, const GridBox& other) {
   box->max = {std::max(box->max.x, other.max.x), std::max(box->max.y, other.max.y)};
 }
 
-// Every level halves the one below: box i of it holds the boxes 2 i and 2 i + 1 there.
+// Box i of a level holds those from i times a number of the level below: four of the boxes
+// themselves, two from there on.
 class BoxTree {
  public:
   // `ways` are marks of the boxes, if any: what stands in boxes next to each other that share a bit
@@ -47,24 +48,7 @@ class BoxTree {
   explicit BoxTree(std::vector<GridBox> boxes, std::vector<uint8_t> ways = {}) {
     ways.resize(boxes.size());
     levels_.push_back({std::move(boxes), std::move(ways)});
-    while (levels_.back().boxes.size() > 1) {
-      const Level& below = levels_.back();
-      const size_t size = (below.boxes.size() + 1) / 2;
-      Level level;
-      level.boxes.reserve(size);
-      level.ways.reserve(size);
-      for (size_t i = 0; i < below.boxes.size(); i += 2) {
-        GridBox box = below.boxes[i];
-        uint8_t way = below.ways[i];
-        if (i + 1 < below.boxes.size()) {
-          Include(&box, below.boxes[i + 1]);
-          way &= below.ways[i + 1];
-        }
-        level.boxes.push_back(box);
-        level.ways.push_back(way);
-      }
-      levels_.push_back(std::move(level));
-    }
+    while (levels_.back().boxes.size() > 1) levels_.push_back(Above(levels_.back(), Fan()));
   }
 
   // Calls visit(i, j), i < j, for every two boxes that overlap, but for some whose marks tell that
@@ -85,52 +69,81 @@ class BoxTree {
   }
 
  private:
+  struct Level {
+    std::vector<GridBox> boxes;
+    std::vector<uint8_t> ways;
+  };
+
+  // Of the level to be built next.
+  size_t Fan() const { return levels_.size() == 1 ? 4 : 2; }
+  // The boxes below one, and all boxes of the lowest level in it.
+  static size_t Fan(size_t level) { return level == 1 ? 4 : 2; }
+  static size_t Span(size_t level) { return level == 0 ? 1 : size_t{2} << level; }
+
+  static Level Above(const Level& below, size_t fan) {
+    const size_t count = below.boxes.size();
+    Level level;
+    level.boxes.reserve(count / fan + 1);
+    level.ways.reserve(count / fan + 1);
+    for (size_t i = 0; i < count; i += fan) {
+      GridBox box = below.boxes[i];
+      uint8_t way = below.ways[i];
+      for (size_t k = i + 1; k < std::min(i + fan, count); ++k) {
+        Include(&box, below.boxes[k]);
+        way &= below.ways[k];
+      }
+      level.boxes.push_back(box);
+      level.ways.push_back(way);
+    }
+    return level;
+  }
+
+  // Pairs of the boxes below one.
   template <class Visit>
   void Within(size_t level, size_t i, const Visit& visit) const {
     if (level == 0 || levels_[level].ways[i] != 0) return;
-    const size_t left = 2 * i, right = left + 1;
-    Within(level - 1, left, visit);
-    if (right == levels_[level - 1].boxes.size()) return;
-    Within(level - 1, right, visit);
-    const std::vector<GridBox>& below = levels_[level - 1].boxes;
-    if (below[left].Overlaps(below[right])) Between(level - 1, left, right, visit);
+    const Level& below = levels_[level - 1];
+    const size_t begin = i * Fan(level), end = std::min(begin + Fan(level), below.boxes.size());
+    for (size_t a = begin; a < end; ++a) {
+      Within(level - 1, a, visit);
+      for (size_t b = a + 1; b < end; ++b) Meet(level - 1, a, b, visit);
+    }
   }
 
-  // Of two boxes i < j that overlap.
+  // Pairs of the boxes in two, of which the second is after the first.
   template <class Visit>
-  void Between(size_t level, size_t i, size_t j, const Visit& visit) const {
-    if (i + 1 == j && (levels_[level].ways[i] & levels_[level].ways[j]) != 0) return;
+  void Meet(size_t level, size_t i, size_t j, const Visit& visit) const {
+    const Level& here = levels_[level];
+    if (!here.boxes[i].Overlaps(here.boxes[j])) return;
+    if (i + 1 == j && (here.ways[i] & here.ways[j]) != 0) return;
     if (level == 0) {
       visit(i, j);
       return;
     }
-    const std::vector<GridBox>& below = levels_[level - 1].boxes;
-    const size_t a_end = 2 * i + 2, b_end = std::min(2 * j + 2, below.size());
-    for (size_t a = 2 * i; a < a_end; ++a) {
-      for (size_t b = 2 * j; b < b_end; ++b) {
-        if (below[a].Overlaps(below[b])) Between(level - 1, a, b, visit);
-      }
+    const Level& below = levels_[level - 1];
+    const size_t a_end = (i + 1) * Fan(level);
+    const size_t b_end = std::min((j + 1) * Fan(level), below.boxes.size());
+    for (size_t a = i * Fan(level); a < a_end; ++a) {
+      if (!below.boxes[a].Overlaps(here.boxes[j])) continue;
+      for (size_t b = j * Fan(level); b < b_end; ++b) Meet(level - 1, a, b, visit);
     }
   }
 
   template <class Visit>
   void Near(size_t level, size_t i, const GridBox& box, size_t first, size_t last,
             const Visit& visit) const {
-    const size_t begin = i << level, end = (i + 1) << level;
+    const size_t begin = i * Span(level), end = (i + 1) * Span(level);
     if (end <= first || last <= begin || !levels_[level].boxes[i].Overlaps(box)) return;
     if (level == 0) {
       visit(i);
       return;
     }
-    Near(level - 1, 2 * i, box, first, last, visit);
-    if (2 * i + 1 < levels_[level - 1].boxes.size())
-      Near(level - 1, 2 * i + 1, box, first, last, visit);
+    const size_t child_end = std::min((i + 1) * Fan(level), levels_[level - 1].boxes.size());
+    for (size_t child = i * Fan(level); child < child_end; ++child) {
+      Near(level - 1, child, box, first, last, visit);
+    }
   }
 
-  struct Level {
-    std::vector<GridBox> boxes;
-    std::vector<uint8_t> ways;
-  };
   std::vector<Level> levels_;
 };
 

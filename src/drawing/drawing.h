@@ -37,6 +37,7 @@ struct Drawing {
   LengthUnit unit = LengthUnit::kMillimetre;
   std::vector<Shape> shapes;
   std::vector<PlacedShape> placed;
+  bool strokes = false;  // lines to follow, closed or not: never filled
 };
 
 // The box of everything that is drawn; empty for a drawing without paths.

@@ -62,6 +62,15 @@ bool HasCurves(const Path& path) {
   return false;
 }
 
+// A vertex of a polyline, wherever that stands: its point in units of the last decimal, and the
+// lines that tell of the bulge after it.
+struct Vertex {
+  int64_t x = 0, y = 0;
+  size_t bulge_length = 0;
+  std::array<char, 4 + kLongestFixed + 1> bulge;
+};
+using Vertices = std::vector<Vertex>;
+
 class DrawingDxf {
  public:
   DrawingDxf(const Drawing& drawing, const DrawingStyle& style, FileReplacement* out)
@@ -70,6 +79,7 @@ class DrawingDxf {
         layers_(drawing, style),
         box_(InkOf(drawing)),
         out_(*out),
+        vertices_(drawing.shapes.size()),
         decimals_(drawing.unit == LengthUnit::kInch ? 8 : 6),
         modern_(style.dxf == DxfVersion::kR2000) {
     for (const std::u16string& name : layers_.names()) layer_texts_.push_back(LayerText(name));
@@ -83,8 +93,11 @@ class DrawingDxf {
     Put("  0\nSECTION\n  2\nENTITIES\n");
     for (size_t n = 0; n < drawing_.placed.size() && status_.ok(); ++n) {
       const PlacedShape& placed = drawing_.placed[n];
-      for (const ShapePath& path : drawing_.shapes[placed.shape]) {
-        Entity(path.path, placed.at, layer_texts_[layers_.Of(placed, n, path)]);
+      const Shape& shape = drawing_.shapes[placed.shape];
+      vertices_[placed.shape].resize(shape.size());
+      for (size_t i = 0; i < shape.size(); ++i) {
+        const std::string& layer = layer_texts_[layers_.Of(placed, n, shape[i])];
+        Entity(shape[i].path, placed.at, layer, &vertices_[placed.shape][i]);
         if (buffer_.size() >= kBlock) Flush();
       }
     }
@@ -114,18 +127,9 @@ class DrawingDxf {
     AppendFixed(&buffer_, value, decimals);
     buffer_.push_back('\n');
   }
-  void Point(const P2& p, double bulge = 0) {
-    constexpr size_t kCode = 4;
-    std::array<char, 3 * (kCode + kLongestFixed + 1)> text;
-    char* at = text.data();
-    const auto put = [&](const char* code, double value, int decimals) {
-      at = PutFixed(std::copy_n(code, kCode, at), value, decimals);
-      *at++ = '\n';
-    };
-    put(" 10\n", p.x, decimals_);
-    put(" 20\n", p.y, decimals_);
-    if (bulge != 0) put(" 42\n", bulge, kBulgeDecimals);
-    buffer_.append(text.data(), at);
+  void Point(const P2& p) {
+    Number(" 10", p.x, decimals_);
+    Number(" 20", p.y, decimals_);
   }
   std::string NextHandle() { return Hex(handle_++); }
 
@@ -140,9 +144,10 @@ class DrawingDxf {
   void Block(std::string_view name, std::string_view record, std::string_view begin,
              std::string_view end);
   void Objects();
-  void Entity(const Path& path, const P2& at, const std::string& layer);
+  void Entity(const Path& path, const P2& at, const std::string& layer, Vertices* vertices);
   void Head(std::string_view type, const std::string& layer);
-  void Polyline(const Path& path, const P2& at, const std::string& layer);
+  void Polyline(const Path& path, const P2& at, const std::string& layer, Vertices* vertices);
+  Vertices VerticesOf(const Path& path) const;
   void OldPolyline(const Path& path, const P2& at, const std::string& layer);
   void Spline(const Path& path, const P2& at, const std::string& layer);
 
@@ -152,6 +157,7 @@ class DrawingDxf {
   Box2 box_;
   std::vector<std::string> layer_texts_;
   FileReplacement& out_;
+  std::vector<std::vector<Vertices>> vertices_;  // of the paths of each shape, as they are needed
   int decimals_;
   bool modern_;
   std::string buffer_;
@@ -367,28 +373,56 @@ void DrawingDxf::Head(std::string_view type, const std::string& layer) {
   Pair("  8", layer);
 }
 
-void DrawingDxf::Entity(const Path& path, const P2& at, const std::string& layer) {
+void DrawingDxf::Entity(const Path& path, const P2& at, const std::string& layer,
+                        Vertices* vertices) {
   if (path.segments.empty()) return;
   if (HasCurves(path)) {
     Spline(path, at, layer);
   } else if (modern_) {
-    Polyline(path, at, layer);
+    Polyline(path, at, layer, vertices);
   } else {
     OldPolyline(path, at, layer);
   }
 }
 
-void DrawingDxf::Polyline(const Path& path, const P2& at, const std::string& layer) {
-  Head("LWPOLYLINE", layer);
-  Pair("100", "AcDbPolyline");
-  Integer(" 90", static_cast<int64_t>(path.segments.size()) + (path.closed ? 0 : 1));
-  Pair(" 70", path.closed ? "1" : "0");
+Vertices DrawingDxf::VerticesOf(const Path& path) const {
+  Vertices vertices;
+  const auto add = [&](const P2& p, double bulge) {
+    Vertex& vertex = vertices.emplace_back();
+    vertex.x = FixedUnits(p.x, decimals_);
+    vertex.y = FixedUnits(p.y, decimals_);
+    if (bulge == 0) return;
+    std::string text = " 42\n";
+    AppendFixed(&text, bulge, kBulgeDecimals);
+    text.push_back('\n');
+    vertex.bulge_length = text.copy(vertex.bulge.data(), vertex.bulge.size());
+  };
   P2 from = path.start;
   for (const Segment& segment : path.segments) {
-    Point(Moved(from, at), segment.kind == SegmentKind::kArc ? segment.bulge : 0);
+    add(from, segment.kind == SegmentKind::kArc ? segment.bulge : 0);
     from = segment.end;
   }
-  if (!path.closed) Point(Moved(from, at));
+  if (!path.closed) add(from, 0);
+  return vertices;
+}
+
+void DrawingDxf::Polyline(const Path& path, const P2& at, const std::string& layer,
+                          Vertices* vertices) {
+  if (vertices->empty()) *vertices = VerticesOf(path);
+  Head("LWPOLYLINE", layer);
+  Pair("100", "AcDbPolyline");
+  Integer(" 90", static_cast<int64_t>(vertices->size()));
+  Pair(" 70", path.closed ? "1" : "0");
+  const int64_t x = FixedUnits(at.x, decimals_), y = FixedUnits(at.y, decimals_);
+  for (const Vertex& vertex : *vertices) {
+    std::array<char, 10 + 2 * kLongestFixed + sizeof vertex.bulge> text;
+    char* end = std::copy_n(" 10\n", 4, text.data());
+    end = PutFixedUnits(end, x + vertex.x, decimals_);
+    end = PutFixedUnits(std::copy_n("\n 20\n", 5, end), y + vertex.y, decimals_);
+    *end++ = '\n';
+    end = std::copy_n(vertex.bulge.data(), vertex.bulge_length, end);
+    buffer_.append(text.data(), end);
+  }
 }
 
 void DrawingDxf::OldPolyline(const Path& path, const P2& at, const std::string& layer) {

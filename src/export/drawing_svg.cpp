@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "drawing/affine.h"
 #include "drawing/measures.h"
+#include "drawing/segment.h"
 #include "export/aci.h"
 #include "export/fixed_number.h"
 #include "export/svg_numbers.h"
@@ -28,6 +29,7 @@ class DrawingSvg {
         decimals_(drawing.unit == LengthUnit::kInch ? 8 : 6) {
     if (!(box_.min.x <= box_.max.x)) box_ = {{0, 0}, {0, 0}};
     down_ = FlippedY(1, {-box_.min.x, box_.max.y});
+    ways_.resize(drawing.shapes.size());
   }
 
   Status Write();
@@ -41,14 +43,23 @@ class DrawingSvg {
   }
   void Group(size_t layer);
   void ShapeOnLayer(const PlacedShape& placed, size_t n, size_t layer);
-  void Append(std::string* out, const P2& p) {
+  void Append(std::string* out, const P2& p) const {
     std::array<char, 2 * kLongestFixed + 1> text;
     char* at = PutFixed(text.data(), p.x, decimals_);
     *at++ = ' ';
     out->append(text.data(), PutFixed(at, p.y, decimals_));
   }
-  void AppendPath(std::string* out, const Path& path, const P2& at);
-  void AppendSegment(std::string* out, const P2& from, const Segment& segment, const Affine& place);
+  // `way` keeps what is the same for every place of the path.
+  void AppendPath(std::string* out, const Path& path, const P2& at, std::string* way) const;
+  std::string WayOf(const Path& path) const;
+
+  // A point in units of the last decimal, y down.
+  struct GridStep {
+    int64_t x, y;
+  };
+  GridStep OnGrid(const P2& p) const {
+    return {FixedUnits(p.x, decimals_), -FixedUnits(p.y, decimals_)};
+  }
 
   const Drawing& drawing_;
   const DrawingStyle& style_;
@@ -56,7 +67,8 @@ class DrawingSvg {
   XmlOut xml_;
   Box2 box_;
   int decimals_;
-  Affine down_;  // from the drawing's y up to the picture's y down
+  Affine down_;                                 // from the drawing's y up to the picture's y down
+  std::vector<std::vector<std::string>> ways_;  // of the paths of each shape, as they are needed
 };
 
 Status DrawingSvg::Write() {
@@ -81,7 +93,7 @@ Status DrawingSvg::Write() {
 
 void DrawingSvg::Group(size_t layer) {
   const std::string color = SvgColor(AciToRgb(style_.color));
-  const bool cuts = style_.svg == SvgLook::kCut;
+  const bool cuts = style_.svg == SvgLook::kCut || drawing_.strokes;
   xml_.Begin("g");
   xml_.Attribute("id", std::u16string_view(layers_.names()[layer]));
   xml_.Attribute("fill", std::string_view(cuts ? "none" : color));
@@ -101,13 +113,16 @@ void DrawingSvg::Group(size_t layer) {
 
 void DrawingSvg::ShapeOnLayer(const PlacedShape& placed, size_t n, size_t layer) {
   std::string* out = nullptr;
-  for (const ShapePath& path : drawing_.shapes[placed.shape]) {
+  const Shape& shape = drawing_.shapes[placed.shape];
+  std::vector<std::string>& ways = ways_[placed.shape];
+  ways.resize(shape.size());
+  for (const ShapePath& path : shape) {
     if (path.path.segments.empty() || layers_.Of(placed, n, path) != layer) continue;
     if (!out) {
       xml_.Begin("path");
       out = xml_.BeginAttribute("d");
     }
-    AppendPath(out, path.path, placed.at);
+    AppendPath(out, path.path, placed.at, &ways[static_cast<size_t>(&path - shape.data())]);
   }
   if (!out) return;
   xml_.EndAttribute();
@@ -115,54 +130,61 @@ void DrawingSvg::ShapeOnLayer(const PlacedShape& placed, size_t n, size_t layer)
   xml_.FlushLong();
 }
 
-void DrawingSvg::AppendPath(std::string* out, const Path& path, const P2& at) {
-  Affine place = down_;
-  place.to = down_.Apply(at);
+void DrawingSvg::AppendPath(std::string* out, const Path& path, const P2& at,
+                            std::string* way) const {
   out->push_back('M');
-  Append(out, place.Apply(path.start));
-  P2 from = path.start;
-  for (const Segment& segment : path.segments) {
-    AppendSegment(out, from, segment, place);
-    from = segment.end;
-  }
-  if (path.closed) out->push_back('Z');
+  Append(out, down_.Apply({at.x + path.start.x, at.y + path.start.y}));
+  if (way->empty()) *way = WayOf(path);
+  *out += *way;
 }
 
-void DrawingSvg::AppendSegment(std::string* out, const P2& from, const Segment& segment,
-                               const Affine& place) {
-  switch (segment.kind) {
-    case SegmentKind::kLine:
-      out->push_back('L');
-      break;
-    case SegmentKind::kQuadratic:
-      out->push_back('Q');
-      Append(out, place.Apply(segment.first));
-      out->push_back(' ');
-      break;
-    case SegmentKind::kCubic:
-      out->push_back('C');
-      Append(out, place.Apply(segment.first));
-      out->push_back(' ');
-      Append(out, place.Apply(segment.second));
-      out->push_back(' ');
-      break;
-    case SegmentKind::kArc: {
-      // Two more decimals than the points, so that the arc meets them.
-      const double bulge = std::fabs(segment.bulge);
-      const P2 chord = {segment.end.x - from.x, segment.end.y - from.y};
-      const double length = std::sqrt(chord.x * chord.x + chord.y * chord.y);
-      const double radius = length * (1 + bulge * bulge) / (4 * bulge);
-      out->push_back('A');
-      AppendFixed(out, radius, decimals_);
-      out->push_back(' ');
-      AppendFixed(out, radius, decimals_);
-      // Counter-clockwise with y up is against the sweep of y down.
-      *out += bulge > 1 ? " 0 1 " : " 0 0 ";
-      *out += segment.bulge > 0 ? "0 " : "1 ";
-      break;
+// Everything after a path's start, which is the same wherever the path stands: steps from point to
+// point, between points that are rounded to decimals first, so that rounding adds up nowhere.
+std::string DrawingSvg::WayOf(const Path& path) const {
+  std::string way;
+  GridStep from = OnGrid(path.start);
+  P2 start = path.start;
+  const auto step = [&](const P2& to, char before) {
+    std::array<char, 2 * kLongestFixed + 2> text;
+    const GridStep p = OnGrid(to);
+    text[0] = before;
+    char* at = PutFixedUnits(&text[1], p.x - from.x, decimals_);
+    *at++ = ' ';
+    way.append(text.data(), PutFixedUnits(at, p.y - from.y, decimals_));
+  };
+  for (const Segment& segment : path.segments) {
+    switch (segment.kind) {
+      case SegmentKind::kLine:
+        step(segment.end, 'l');
+        break;
+      case SegmentKind::kQuadratic:
+        step(segment.first, 'q');
+        step(segment.end, ' ');
+        break;
+      case SegmentKind::kCubic:
+        step(segment.first, 'c');
+        step(segment.second, ' ');
+        step(segment.end, ' ');
+        break;
+      case SegmentKind::kArc: {
+        const double bulge = std::fabs(segment.bulge);
+        const double radius = RadiusOf({start, segment});
+        way.push_back('a');
+        AppendFixed(&way, radius, decimals_);
+        way.push_back(' ');
+        AppendFixed(&way, radius, decimals_);
+        // Counter-clockwise with y up is against the sweep of y down.
+        way += bulge > 1 ? " 0 1 " : " 0 0 ";
+        way += segment.bulge > 0 ? "0" : "1";
+        step(segment.end, ' ');
+        break;
+      }
     }
+    start = segment.end;
+    from = OnGrid(start);
   }
-  Append(out, place.Apply(segment.end));
+  if (path.closed) way.push_back('z');
+  return way;
 }
 
 }  // namespace

@@ -57,36 +57,42 @@ char* PutUnits(char* at, uint64_t units) {
 
 }  // namespace
 
-char* PutFixed(char* at, double value, int decimals) {
+int64_t FixedUnits(double value, int decimals) {
   static_assert(kMostFixedDecimals == 8);
   constexpr double kPowers[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
   constexpr double kMost = 1e9;
-  if (!(std::fabs(value) <= kMost)) {
-    *at++ = '0';
-    return at;
-  }
-  const auto units = static_cast<uint64_t>(std::fabs(value) * kPowers[decimals] + 0.5);
-  if (value < 0 && units > 0) *at++ = '-';
+  if (!(std::fabs(value) <= kMost)) return 0;
+  const auto units = static_cast<int64_t>(std::fabs(value) * kPowers[decimals] + 0.5);
+  return value < 0 ? -units : units;
+}
+
+char* PutFixedUnits(char* at, int64_t units, int decimals) {
+  if (units < 0) *at++ = '-';
+  const auto magnitude = static_cast<uint64_t>(units < 0 ? -units : units);
   switch (decimals) {
     case 0:
-      return PutWhole(at, units);
+      return PutWhole(at, magnitude);
     case 1:
-      return PutUnits<1>(at, units);
+      return PutUnits<1>(at, magnitude);
     case 2:
-      return PutUnits<2>(at, units);
+      return PutUnits<2>(at, magnitude);
     case 3:
-      return PutUnits<3>(at, units);
+      return PutUnits<3>(at, magnitude);
     case 4:
-      return PutUnits<4>(at, units);
+      return PutUnits<4>(at, magnitude);
     case 5:
-      return PutUnits<5>(at, units);
+      return PutUnits<5>(at, magnitude);
     case 6:
-      return PutUnits<6>(at, units);
+      return PutUnits<6>(at, magnitude);
     case 7:
-      return PutUnits<7>(at, units);
+      return PutUnits<7>(at, magnitude);
     default:
-      return PutUnits<8>(at, units);
+      return PutUnits<8>(at, magnitude);
   }
+}
+
+char* PutFixed(char* at, double value, int decimals) {
+  return PutFixedUnits(at, FixedUnits(value, decimals), decimals);
 }
 
 void AppendFixed(std::string* out, double value, int decimals) {

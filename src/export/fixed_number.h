@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace kerno {
@@ -13,6 +14,11 @@ constexpr size_t kLongestFixed = 32;
 
 // Writes up to kLongestFixed characters and returns their end.
 char* PutFixed(char* at, double value, int decimals);
+
+// The same in two steps: a number of the last decimal's units, whose sums are exact, and its text.
+int64_t FixedUnits(double value, int decimals);
+char* PutFixedUnits(char* at, int64_t units, int decimals);
+
 void AppendFixed(std::string* out, double value, int decimals);
 
 }  // namespace kerno

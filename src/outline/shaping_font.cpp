@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/text.h"
 #include "outline/made_style.h"
 
 namespace kerno {
@@ -187,6 +188,30 @@ Status SetPlaces(const FontData& data, hb_font_t* font) {
   return Status::Ok();
 }
 
+hb_direction_t DirectionOf(ShapeDirection direction) {
+  switch (direction) {
+    case ShapeDirection::kRightToLeft:
+      return HB_DIRECTION_RTL;
+    case ShapeDirection::kTopToBottom:
+      return HB_DIRECTION_TTB;
+    case ShapeDirection::kLeftToRight:
+      break;
+  }
+  return HB_DIRECTION_LTR;
+}
+
+// Whether the characters before and after a place of the line may be joined by a stroke.
+bool JoinsAt(const ShapingRun& run, size_t place) {
+  if (!IsCursive(run.script) || place == 0 || place >= run.line.size()) return false;
+  const auto is_letter = [&](char16_t unit) {
+    constexpr char16_t kTatweel = 0x0640;                  // lengthens a stroke
+    const bool of_pair = unit >= 0xD800 && unit < 0xE000;  // those scripts' own, in such a run
+    const Script script = ScriptOf(unit);
+    return of_pair || script == run.script || script == kInheritedScript || unit == kTatweel;
+  };
+  return is_letter(run.line[place - 1]) && is_letter(run.line[place]);
+}
+
 }  // namespace
 
 Status CheckFeatures(std::string_view features) {
@@ -275,11 +300,6 @@ double ShapingFont::line_pitch(WritingMode mode) const {
   return pitch > 0 ? pitch : units_per_em_;
 }
 
-bool ShapingFont::HasGlyph(char32_t character) const {
-  hb_codepoint_t glyph = 0;
-  return hb_font_get_nominal_glyph(handles_->font, character, &glyph) != 0;
-}
-
 std::vector<std::string> ShapingFont::FeaturesWithoutRules() const {
   std::vector<std::string> known = {"kern"};  // which has a table of its own in older fonts
   for (const hb_tag_t table : {HB_OT_TAG_GSUB, HB_OT_TAG_GPOS}) {
@@ -293,43 +313,73 @@ std::vector<std::string> ShapingFont::FeaturesWithoutRules() const {
   return without;
 }
 
-ShapedLine ShapingFont::Shape(std::u16string_view text, WritingMode mode, double spacing) const {
+double ShapingFont::middle() const {
+  hb_font_extents_t extents{};
+  hb_font_get_h_extents(handles_->font, &extents);
+  return (extents.ascender + extents.descender) / 2.0;
+}
+
+std::vector<ShapedGlyph> ShapingFont::Shape(const ShapingRun& run) const {
   hb_buffer_t* buffer = handles_->buffer;
   hb_buffer_reset(buffer);
-  hb_buffer_add_utf16(buffer, reinterpret_cast<const uint16_t*>(text.data()),
-                      static_cast<int>(text.size()), 0, static_cast<int>(text.size()));
-  const bool vertical = mode == WritingMode::kVertical;
-  if (vertical) hb_buffer_set_direction(buffer, HB_DIRECTION_TTB);
-  hb_buffer_guess_segment_properties(buffer);
+  hb_buffer_set_flags(buffer, HB_BUFFER_FLAG_REMOVE_DEFAULT_IGNORABLES);
+  hb_buffer_add_utf16(buffer, reinterpret_cast<const uint16_t*>(run.line.data()),
+                      static_cast<int>(run.line.size()), static_cast<unsigned>(run.start),
+                      static_cast<int>(run.length));
+  hb_buffer_set_direction(buffer, DirectionOf(run.direction));
+  hb_buffer_set_script(buffer, hb_script_from_iso15924_tag(run.script));
+  hb_buffer_set_language(
+      buffer, hb_language_from_string(run.language.data(), static_cast<int>(run.language.size())));
   const auto off = [](const char* feature) {
     return hb_feature_t{hb_tag_from_string(feature, -1), 0, HB_FEATURE_GLOBAL_START,
                         HB_FEATURE_GLOBAL_END};
   };
   std::vector<hb_feature_t> features;
-  if (spacing != 0) features = {off("liga"), off("clig")};
+  if (run.spacing != 0) features = {off("liga"), off("clig")};
   features.insert(features.end(), handles_->features.begin(), handles_->features.end());
   hb_shape(handles_->font, buffer, features.data(), static_cast<unsigned>(features.size()));
 
   unsigned count = 0;
   const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
   const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);
-  ShapedLine line;
-  line.glyphs.reserve(count);
-  P2 pen;
-  const double added = spacing + 2 * bold_;  // bold letters keep the gaps of lighter ones
+  const double added = run.spacing + 2 * bold_;  // bold letters keep the gaps of lighter ones
+  const bool leftwards = run.direction == ShapeDirection::kRightToLeft;
+  std::vector<ShapedGlyph> glyphs;
+  glyphs.reserve(count);
   for (unsigned i = 0; i < count; ++i) {
     const hb_glyph_position_t& at = positions[i];
-    P2 advance = {static_cast<double>(at.x_advance), static_cast<double>(at.y_advance)};
+    ShapedGlyph glyph = {infos[i].codepoint,
+                         infos[i].cluster,
+                         {static_cast<double>(at.x_offset), static_cast<double>(at.y_offset)},
+                         {static_cast<double>(at.x_advance), static_cast<double>(at.y_advance)}};
     const bool ends_cluster = i + 1 == count || infos[i + 1].cluster != infos[i].cluster;
-    if (ends_cluster) (vertical ? advance.y : advance.x) += vertical ? -added : added;
-    line.glyphs.push_back({infos[i].codepoint,
-                           infos[i].cluster,
-                           {pen.x + at.x_offset, pen.y + at.y_offset},
-                           advance});
-    pen = {pen.x + advance.x, pen.y + advance.y};
+    if (added != 0 && ends_cluster) {
+      const size_t next = i + 1 < count ? infos[i + 1].cluster : run.start + run.length;
+      if (!JoinsAt(run, leftwards ? infos[i].cluster : next)) {
+        const bool down = run.direction == ShapeDirection::kTopToBottom;
+        (down ? glyph.advance.y : glyph.advance.x) += down ? -added : added;
+      }
+    }
+    glyphs.push_back(glyph);
   }
-  line.length = vertical ? -pen.y : pen.x;
-  return line;
+  return glyphs;
+}
+
+bool ShapingFont::HasGlyph(char32_t ch) const {
+  hb_codepoint_t glyph = 0;
+  return hb_font_get_nominal_glyph(handles_->font, ch, &glyph);
+}
+
+bool ShapingFont::HasVerticalForm(char32_t ch) const {
+  std::u16string text;
+  AppendCharacter(&text, ch);
+  const std::vector<ShapedGlyph> shaped = Shape({.line = text,
+                                                 .length = text.size(),
+                                                 .direction = ShapeDirection::kTopToBottom,
+                                                 .script = ScriptOf(ch)});
+  hb_codepoint_t glyph = 0;
+  return shaped.size() == 1 && hb_font_get_nominal_glyph(handles_->font, ch, &glyph) &&
+         shaped[0].glyph != glyph;
 }
 
 const std::vector<Path>& ShapingFont::Outline(uint32_t glyph) const {

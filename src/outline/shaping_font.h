@@ -10,27 +10,32 @@
 #include <vector>
 
 #include "drawing/path.h"
+#include "outline/scripts.h"
+#include "outline/text_runs.h"
 #include "platform/font_data.h"
 #include "platform/status.h"
 
 namespace kerno {
 
-enum class WritingMode {
-  kHorizontal,
-  kVertical,  // each line is a column, top to bottom, in the font's vertical forms
+enum class ShapeDirection { kLeftToRight, kRightToLeft, kTopToBottom };
+
+// A run of a line, all of it in one direction and script.
+struct ShapingRun {
+  std::u16string_view line;  // the whole of it: letters join over the ends of a run
+  size_t start = 0, length = 0;
+  ShapeDirection direction = ShapeDirection::kLeftToRight;
+  Script script = kCommonScript;
+  std::string_view language = {};  // a BCP 47 tag; empty: the font's own way
+  double spacing = 0;
 };
 
-// One glyph of a shaped line.
+// One glyph of a shaped run. Its origin is `offset` away from the pen, which then moves by
+// `advance`.
 struct ShapedGlyph {
   uint32_t glyph = 0;    // 0: the font has none for the character
   uint32_t cluster = 0;  // the UTF-16 unit of the line that its first character begins at
-  P2 origin;             // where its own origin goes, from the line's start
-  P2 advance;            // what it moved the pen by
-};
-
-struct ShapedLine {
-  std::vector<ShapedGlyph> glyphs;  // as they stand, left to right or top to bottom
-  double length = 0;                // the pen's whole way
+  P2 offset;
+  P2 advance;
 };
 
 class ShapingFont {
@@ -47,16 +52,23 @@ class ShapingFont {
   double units_per_em() const { return units_per_em_; }
   // From the font, or the ink of "H" where it says none; 0 where it has neither.
   double cap_height() const { return cap_height_; }
-  // Whether the font itself has a glyph for the character.
-  bool HasGlyph(char32_t character) const;
   // Those of the wanted features that the font has no rule for.
   std::vector<std::string> FeaturesWithoutRules() const;
   // The distance of two lines, or of two columns.
   double line_pitch(WritingMode mode) const;
 
-  // Kerning, ligatures, marks and whatever else the font turns on by itself. `text` is one line.
-  // Spacing is added after each cluster; with spacing optional ligatures are off.
-  ShapedLine Shape(std::u16string_view text, WritingMode mode, double spacing) const;
+  // Baseline to the middle of the font's own height: what stands on the axis of a column.
+  double middle() const;
+
+  // Kerning, ligatures, marks and whatever else the font turns on by itself. The glyphs stand left
+  // to right or top to bottom. Spacing is added to the right of each cluster, or below it, but not
+  // between letters of a script that joins them; with spacing optional ligatures are off.
+  // Characters that only control the order or the form of others make no glyphs.
+  std::vector<ShapedGlyph> Shape(const ShapingRun& run) const;
+
+  bool HasGlyph(char32_t ch) const;
+  // Whether the character has a form of its own for columns.
+  bool HasVerticalForm(char32_t ch) const;
 
   // The closed outlines of a glyph, about its own origin, bold and slanted where the font's data
   // asks for that. Kept: the reference lives as long as the font.

@@ -65,7 +65,7 @@ def texts(font, name, count):
     return [chr(codes[i * len(codes) // count]) for i in range(count)]
 
 
-def words(name, letters):
+def words(letters):
     """Letters that overlap the next ones, by the face's own spacing or by a tight one."""
     return ["".join(letters[i:i + 5]) for i in range(0, len(letters), 5)]
 
@@ -92,28 +92,42 @@ class Face:
         glyph = self.font["glyf"][name] if "glyf" in self.font and not self.place else None
         return self.font["hmtx"][name][1] - glyph.xMin if glyph and glyph.isComposite() else 0
 
-    def cut(self, lines, tolerance, *options):
-        """For each line of text the contours of the face, and those of the drawing; the paths that cross."""
-        text, file = self.folder / "text.txt", self.folder / "cut.dxf"
+    def told(self, lines, *options):
+        text = self.folder / "text.txt"
         text.write_text("\n".join(lines), encoding="utf-8")
         done = subprocess.run(
             [*self.kerno, "cut", "--text-file", str(text), "--face", self.family, "--style", self.style, "--em",
-             str(EM), "--tolerance", str(tolerance), "--layers", "line", "--line-spacing", "2", "--json", "-o",
-             str(file), *options],
+             str(EM), "--layers", "line", "--line-spacing", "2", "--json", "-o", str(self.folder / "cut.dxf"), *options],
             env=os.environ | {"FONTCONFIG_FILE": str(self.folder / "fonts.conf")}, capture_output=True, check=False)
         if done.returncode != 0:
             raise RuntimeError(done.stderr.decode())
-        told = json.loads(done.stdout)
+        return json.loads(done.stdout)
+
+    def shaped(self, lines):
+        text = self.folder / "shaped.txt"
+        text.write_text("\n".join(lines) + "\n", encoding="utf-8")
+        place = [f"--variations={','.join(f'{k}={v}' for k, v in self.place.items())}"] if self.place else []
+        done = subprocess.run(["hb-shape", "--no-glyph-names", "--output-format=json", f"--font-file={self.file}",
+                               f"--text-file={text}", *place], capture_output=True, check=True)
+        return [json.loads(line) for line in done.stdout.splitlines()]
+
+    @staticmethod
+    def starts(lines):
+        """Of each line, and after the last one, in UTF-16."""
+        return numpy.cumsum([0] + [len(line.encode("utf-16-le")) // 2 + 1 for line in lines])
+
+    def cut(self, lines, tolerance, *options):
+        """For each line of text the contours of the face, and those of the drawing; the paths that cross."""
+        told = self.told(lines, "--tolerance", str(tolerance), *options)
         scale, names = EM / self.font["head"].unitsPerEm, self.font.getGlyphOrder()
-        starts = numpy.cumsum([0] + [len(line.encode("utf-16-le")) // 2 + 1 for line in lines])
-        wanted, drawn = [[] for _ in lines], [[] for _ in lines]
+        starts, wanted, drawn = self.starts(lines), [[] for _ in lines], [[] for _ in lines]
         for glyph in told["glyphs"]:
             name = names[glyph["glyph"]]
             pen = ContourPen(self.glyphs, scale, glyph["x"] + self.shift(name) * scale, glyph["y"])
             self.glyphs[name].draw(pen)
             line = wanted[numpy.searchsorted(starts, glyph["character"], "right") - 1]
             line += [contour for contour in map(without_points, pen.contours) if contour]
-        for entity in ezdxf.readfile(file).modelspace():
+        for entity in ezdxf.readfile(self.folder / "cut.dxf").modelspace():
             points = [((x, y), bulge) for x, y, bulge in entity.get_points("xyb")]
             drawn[int(entity.dxf.layer.split()[-1]) - 1].append(
                 [Arc((a, b, bulge)) if bulge else (a, b)
@@ -156,6 +170,23 @@ def check_outlines(face, lines, tolerance, facts):
                     yield f"{text}: turns by {turn:.2f} degrees at {joint}"
 
 
+def check_shaping(face, lines):
+    """The glyphs of hb-shape, and their places from the first on of each line."""
+    wanted, starts = face.shaped(lines), face.starts(lines)
+    told, scale = face.told(lines), EM / face.font["head"].unitsPerEm
+    for text, start, end, theirs in zip(lines, starts[:-1], starts[1:], wanted, strict=True):
+        ours = [glyph for glyph in told["glyphs"] if start <= glyph["character"] < end]
+        if [glyph["glyph"] for glyph in ours] != [glyph["g"] for glyph in theirs]:
+            yield f"{text}: glyphs {[glyph['glyph'] for glyph in ours]}, not {[glyph['g'] for glyph in theirs]}"
+            continue
+        pen, gaps = numpy.zeros(2), []
+        for glyph, other in zip(ours, theirs):
+            gaps.append(numpy.array([glyph["x"], glyph["y"]]) - (pen + [other["dx"], other["dy"]]) * scale)
+            pen += [other["ax"], other["ay"]]
+        if numpy.ptp(gaps, axis=0).max() > ROUNDING:
+            yield f"{text}: places differ by {numpy.ptp(gaps, axis=0)}"
+
+
 def farthest_pair(points, others):
     return numpy.sqrt(((points[:, None] - others[None]) ** 2).sum(axis=2)).min(axis=1).max()
 
@@ -163,7 +194,7 @@ def farthest_pair(points, others):
 def check_unions(face, lines, tolerance, facts, *options):
     wanted, drawn, crossing = face.cut(lines, tolerance, *options)
     for text, contours, paths in zip(lines, wanted, drawn):
-        shape = filled(contours, 48)
+        shape = filled(contours, 130)
         polygons = [Polygon(polyline(path, 300)) for path in paths]
         area = sum(p.area if p.exterior.is_ccw else -p.area for p in polygons)
         for i, polygon in enumerate(polygons):
@@ -195,13 +226,14 @@ def check(name, count, kerno, tolerances=TOLERANCES):
     with tempfile.TemporaryDirectory() as folder:
         face = Face(name, kerno, folder)
         letters = texts(face.font, name, count)
+        yield "shaping", {}, list(check_shaping(face, letters + words(letters)))
         for tolerance in tolerances:
             facts = {}
             faults = list(check_outlines(face, letters, tolerance, facts))
             yield f"outlines {tolerance}", facts, faults
         tight = [] if name in DEVANAGARI or "Script" in name else ["--letter-spacing", "-3"]
         for kind, lines, options in (("welded glyphs", letters, ["--weld", "text"]),
-                                     ("welded words", words(name, letters), tight)):
+                                     ("welded words", words(letters), tight)):
             facts = {}
             yield kind, facts, list(check_unions(face, lines, 0.01, facts, *options))
 

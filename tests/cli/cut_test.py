@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Runs "kerno cut" and reads what it wrote by other programs: hb-shape for the glyphs, fontTools and
-Shapely for the outlines, ezdxf for the drawings.
+"""Runs "kerno cut" and reads what it wrote by other programs: fontTools and Shapely for the outlines,
+ezdxf for the drawings. scripts_test.py looks at the glyphs.
 
 usage: cut_test.py KERNO
 """
@@ -61,35 +61,11 @@ def glyph_polygons(font, name):
 
 
 class CutTest(programs.FolderTest):
-    def cut(self, *arguments, name="a.dxf"):
+    def cut(self, *arguments, name="a.dxf", warnings=""):
         path = self.folder / name
         status, out, err = run(*arguments, "-o", str(path), "--json")
-        self.assertEqual((0, ""), (status, err), arguments)
+        self.assertEqual((0, warnings), (status, err), arguments)
         return json.loads(out), path
-
-    def test_glyphs_are_those_of_another_shaper(self):
-        cases = [("DejaVu Sans", "AVATAR Wö ffi fl To", []), ("DejaVu Serif", "Öffnung, ﬁ Ty. AVA", []),
-                 ("DejaVu Sans", "سلام عليكم", []), ("DejaVu Sans", "שָׁלוֹם עולם", []),
-                 ("IPAMincho", "日本語の文字、「」", []), ("IPAGothic", "縦、ーッ（）", ["--vertical"])]
-        for face, text, options in cases:
-            with self.subTest(text):
-                file = font_file(face)
-                words = ["hb-shape", "--no-glyph-names", "--output-format=json", f"--font-file={file}",
-                         f"--text={text}", *(["--direction=ttb"] if options else [])]
-                theirs = json.loads(subprocess.run(words, capture_output=True, check=True).stdout)
-                em = TTFont(file)["head"].unitsPerEm
-                ours, _ = self.cut(text, "--face", face, "--em", str(em), "--tolerance", "1", *options)
-                pen, places = [0, 0], []
-                for glyph in theirs:
-                    places.append((glyph["g"], pen[0] + glyph["dx"], pen[1] + glyph["dy"]))
-                    pen = [pen[0] + glyph["ax"], pen[1] + glyph["ay"]]
-                first = ours["glyphs"][0]
-                shift = (first["x"] - places[0][1], first["y"] - places[0][2])
-                self.assertEqual(len(places), len(ours["glyphs"]))
-                for (number, x, y), glyph in zip(places, ours["glyphs"]):
-                    self.assertEqual(number, glyph["glyph"])
-                    self.assertAlmostEqual(x + shift[0], glyph["x"], 6)
-                    self.assertAlmostEqual(y + shift[1], glyph["y"], 6)
 
     def test_sizes_places_and_units(self):
         cases = [  # options, unit, left, bottom, right, top (None: whatever it is)
@@ -132,7 +108,8 @@ class CutTest(programs.FolderTest):
                 self.assertLess(nearest, 1.02, curves)
 
     def test_overlapping_letters_are_welded_and_counters_come_first(self):
-        _, loose = self.cut("Boing", *SANS, "--letter-spacing", "-4", "--weld", "off", "--curves", "lines")
+        _, loose = self.cut("Boing", *SANS, "--letter-spacing", "-4", "--weld", "off", "--curves", "lines",
+                            warnings="kerno: warning: drawing: 4 paths cross itself or another one\n")
         apart = [Polygon(flattened(e)) for e in ezdxf.readfile(loose).modelspace()]
         holes = [p for p in apart if any(q is not p and q.contains(p) for q in apart)]
         filled = unary_union([p for p in apart if p not in holes]).difference(unary_union(holes))

@@ -120,7 +120,7 @@ def sampled(piece, count):
 def polyline(contour, count):
     """Closed: it ends where it starts. So many chords of a curve; of an arc, so many for a third of a circle."""
     def chords(piece):
-        return max(4, round(2 * count * abs(math.atan(piece[2])))) if isinstance(piece, Arc) else count
+        return max(16, round(2 * count * abs(math.atan(piece[2])))) if isinstance(piece, Arc) else count
     points = numpy.concatenate([sampled(piece, 1 if len(piece) == 2 else chords(piece))[:-1]
                                 for piece in contour])
     return numpy.concatenate([points, points[:1]])

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/font_faces.h"
+#include "platform/vertical_orientation.h"
 #include "support/font_files.h"
 #include "support/font_probe.h"
 

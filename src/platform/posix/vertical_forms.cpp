@@ -5,20 +5,11 @@
 #include <hb.h>
 
 #include <algorithm>
-#include <iterator>
+
+#include "platform/vertical_orientation.h"
 
 namespace kerno {
 namespace {
-
-struct OrientationRange {
-  char32_t first;
-  char32_t last;
-  VerticalOrientation orientation;
-};
-
-constexpr OrientationRange kOrientations[] = {
-#include "platform/posix/vertical_orientation.inc"
-};
 
 // Lookups of a GSUB feature for every script, each in its default language: a font files its comma
 // under the script of its text, and the face was chosen for its language already.
@@ -55,14 +46,6 @@ hb_codepoint_t Substitute(hb_face_t* face, unsigned lookup, hb_codepoint_t glyph
 }
 
 }  // namespace
-
-VerticalOrientation VerticalOrientationOf(char32_t ch) {
-  const auto* range =
-      std::lower_bound(std::begin(kOrientations), std::end(kOrientations), ch,
-                       [](const OrientationRange& r, char32_t c) { return r.last < c; });
-  return range != std::end(kOrientations) && range->first <= ch ? range->orientation
-                                                                : VerticalOrientation::kRotated;
-}
 
 void VerticalForms::HarfBuzzDeleter::operator()(hb_face_t* face) const noexcept {
   hb_face_destroy(face);

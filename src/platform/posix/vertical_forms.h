@@ -1,7 +1,6 @@
 // Which glyph stands for a character in vertical writing, and whether it is turned.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -10,16 +9,6 @@
 struct hb_face_t;
 
 namespace kerno {
-
-// The Unicode property Vertical_Orientation (UAX #50).
-enum class VerticalOrientation : uint8_t {
-  kRotated,             // R: lies on its side
-  kUpright,             // U: stands as in horizontal text
-  kTransformedUpright,  // Tu: has a form of its own, else stands
-  kTransformedRotated,  // Tr: has a form of its own, else lies on its side
-};
-
-VerticalOrientation VerticalOrientationOf(char32_t ch);
 
 struct VerticalForm {
   FT_UInt glyph = 0;

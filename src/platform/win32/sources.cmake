@@ -7,6 +7,7 @@ kerno_room(platform
     services.cpp
     style_choice.cpp
     surface_context.cpp
+    vertical_orientation.cpp
     win32/bitmap_surface_win32.cpp
     win32/clock_win32.cpp
     win32/code_page_win32.cpp
@@ -27,6 +28,7 @@ kerno_room(platform
     win32/shell_win32.cpp
     win32/special_folder.cpp
     win32/stock_font_win32.cpp
+    win32/stroke_font_folders_win32.cpp
     win32/system_error.cpp
     win32/system_facts_win32.cpp
     win32/system_win32.cpp

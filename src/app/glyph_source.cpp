@@ -1,0 +1,141 @@
+#include "app/glyph_source.h"
+
+#include <unordered_map>
+#include <utility>
+
+#include "app/face_choice.h"
+#include "app/stroke_fonts.h"
+#include "app/text_source.h"
+#include "base/text.h"
+#include "drawing/strokes.h"
+#include "outline/shaping_font.h"
+#include "platform/folder_path.h"
+
+namespace kerno {
+namespace {
+
+constexpr double kSameStroke = 1e-6;  // of an em; strokes that lie closer count as one
+
+class OutlineFonts final : public GlyphSource {
+ public:
+  Status Open(const CutJob& job) {
+    for (size_t i = 0; i <= job.fallbacks.size(); ++i) {
+      FontData data;
+      Status found = i == 0 ? FindFace(job.face, &data)
+                            : FindFallback(job.fallbacks[i - 1], job.face.style, &data);
+      if (!found.ok()) return found;
+      if (Status opened = ShapingFont::Open(data, &fonts_.emplace_back()); !opened.ok()) {
+        return opened;
+      }
+      choices_.push_back(fonts_.back().get());
+    }
+    return Status::Ok();
+  }
+
+  bool HoldsStrokes() const override { return false; }
+  const std::u16string& Family() const override { return fonts_[0]->data().family; }
+  double UnitsPerEm() const override { return fonts_[0]->units_per_em(); }
+  double CapHeight() const override { return fonts_[0]->cap_height(); }
+
+  TextBlock Set(std::u16string_view text, const BlockOptions& options) const override {
+    return SetBlock(choices_, text, options);
+  }
+  const std::vector<Path>& PathsOf(size_t font, uint32_t glyph) const override {
+    return fonts_[font]->Outline(glyph);
+  }
+  std::vector<CutFace> FacesOf(const TextBlock& block) const override {
+    std::vector<CutFace> faces;
+    for (size_t i = 0; i < fonts_.size(); ++i) {
+      const FontData& data = fonts_[i]->data();
+      faces.push_back(
+          {data.family, data.style, block.substituted[i], data.make_bold, data.make_slanted});
+      if (i == 0) faces[0].no_features = fonts_[0]->FeaturesWithoutRules();
+    }
+    return faces;
+  }
+
+ private:
+  // In the style of the first one, where it has that.
+  static Status FindFallback(const std::u16string& family, const std::u16string& style,
+                             FontData* data) {
+    if (FindFontData({.family = family, .style = style}, data).ok()) return Status::Ok();
+    return FindFace({.family = family}, data);
+  }
+
+  std::vector<std::unique_ptr<ShapingFont>> fonts_;
+  std::vector<const ShapingFont*> choices_;
+};
+
+class Strokes final : public GlyphSource {
+ public:
+  Status Open(const CutJob& job) {
+    if (job.offset != 0) {
+      return Status::Error(Failure::kOther, u"offset",
+                           u"strokes have no outside: an offset needs a font of outlines");
+    }
+    if (Status found = ChooseStrokeFont(job.stroke_font, &chosen_); !found.ok()) return found;
+    // Circles that lean or are stretched are none.
+    keeps_circles_ = job.slant == 0 && job.size.by != CutSize::By::kStretch;
+    return CheckStrokes(job.text);
+  }
+
+  bool HoldsStrokes() const override { return true; }
+  const std::u16string& Family() const override { return chosen_.font.family; }
+  double UnitsPerEm() const override { return chosen_.font.units_per_em; }
+  double CapHeight() const override { return chosen_.font.cap_height; }
+
+  TextBlock Set(std::u16string_view text, const BlockOptions& options) const override {
+    return SetStrokeBlock(chosen_.font, text, options);
+  }
+  const std::vector<Path>& PathsOf(size_t, uint32_t glyph) const override {
+    const auto [kept, is_new] = drawn_.try_emplace(glyph);
+    if (is_new) {
+      kept->second =
+          DrawnOnce(chosen_.font.glyphs[glyph].strokes, kSameStroke * chosen_.font.units_per_em);
+      if (!keeps_circles_) {
+        for (Path& path : kept->second) path = WithoutArcs(path);
+      }
+    }
+    return kept->second;
+  }
+  std::vector<CutFace> FacesOf(const TextBlock&) const override {
+    return {{chosen_.font.family, u""}};
+  }
+
+ private:
+  // Names the first character of the text whose strokes cannot be read.
+  Status CheckStrokes(std::u16string_view text) const {
+    for (size_t at = 0; at < text.size();) {
+      const char32_t ch = NextCharacter(text, &at);
+      if (ch == U'\n' || ch == U'\r') continue;
+      const StrokeGlyph& glyph = chosen_.font.glyphs[chosen_.font.GlyphOf(ch)];
+      if (glyph.bad_line == 0) continue;
+      const std::string line = std::to_string(glyph.bad_line), code = CodeOf(ch);
+      return Status::Error(
+          Failure::kOther,
+          PathText(chosen_.file) + u", line " + std::u16string(line.begin(), line.end()),
+          std::u16string(code.begin(), code.end()) + u": " + glyph.fault);
+    }
+    return Status::Ok();
+  }
+
+  ChosenStrokeFont chosen_;
+  bool keeps_circles_ = true;
+  mutable std::unordered_map<uint32_t, std::vector<Path>> drawn_;
+};
+
+template <class Source>
+Status OpenAs(const CutJob& job, std::unique_ptr<GlyphSource>* source) {
+  auto opened = std::make_unique<Source>();
+  if (Status status = opened->Open(job); !status.ok()) return status;
+  *source = std::move(opened);
+  return Status::Ok();
+}
+
+}  // namespace
+
+Status GlyphSource::Open(const CutJob& job, std::unique_ptr<GlyphSource>* source) {
+  return job.stroke_font.empty() ? OpenAs<OutlineFonts>(job, source) : OpenAs<Strokes>(job, source);
+}
+
+}  // namespace kerno

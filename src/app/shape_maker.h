@@ -1,0 +1,23 @@
+// From the paths of glyphs to shapes that a machine cuts.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "app/cut.h"
+
+namespace kerno {
+
+// What the user is told of a shape, once for each place of it.
+struct ShapeNotes {
+  size_t crossing = 0;  // paths that cross themselves or another one
+  size_t vanished = 0;  // contours that an inward offset left nothing of
+};
+
+// Welds, offsets, fits and orders outlines as the job says. `paths` are in the drawing's unit.
+Shape ShapeOfOutlines(std::vector<Path> paths, const CutJob& job, ShapeNotes* notes);
+
+// Strokes cross and touch as they like, and are neither inside nor outside of each other.
+Shape ShapeOfStrokes(std::vector<Path> paths, const CutJob& job);
+
+}  // namespace kerno

@@ -1,0 +1,118 @@
+#include "app/stroke_fonts.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "base/nearest_names.h"
+#include "base/text.h"
+#include "base/text_file.h"
+#include "platform/fold_case.h"
+#include "platform/folder_path.h"
+#include "platform/stroke_font_folders.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr size_t kMostBytes = size_t{64} << 20;
+constexpr size_t kSuggestions = 3;
+
+std::u16string Folded(std::u16string_view text) {
+  std::u16string folded(text);
+  for (char16_t& unit : folded) unit = FoldCase(unit);
+  return folded;
+}
+
+bool IsStrokeFontName(const fs::path& file) {
+  const std::u16string ending = Folded(Extension(PathText(file.filename())));
+  return ending == u"jhf" || ending == u"lff" || ending == u"svg";
+}
+
+// The font files of one folder, by name; a folder that cannot be read has none.
+std::vector<fs::path> FilesIn(const fs::path& folder) {
+  std::vector<fs::path> files;
+  if (!IsFolder(folder)) return files;
+  const Status listed = ListFolder(folder, [&](const fs::path& path) {
+    if (IsStrokeFontName(path)) files.push_back(path);
+  });
+  if (!listed.ok()) files.clear();
+  std::ranges::sort(files);
+  return files;
+}
+
+bool NamesFile(std::u16string_view wanted) {
+  if (wanted.find_first_of(u"/\\") != wanted.npos) return true;
+  const PathKind kind = FactsOfPath(TextPath(wanted)).kind;
+  return kind != PathKind::kMissing &&
+         (kind != PathKind::kFolder || wanted == u"." || wanted == u"..");
+}
+
+Status FindByName(std::u16string_view wanted, fs::path* file) {
+  const std::vector<StrokeFontFile> fonts = InstalledStrokeFonts();
+  std::vector<std::u16string> names;
+  for (const StrokeFontFile& font : fonts) {
+    if (EqualWithoutCase(font.name, wanted) ||
+        EqualWithoutCase(PathText(font.file.filename()), wanted)) {
+      *file = font.file;
+      return Status::Ok();
+    }
+    names.push_back(font.name);
+  }
+  std::u16string why = u"there is no such stroke font";
+  const std::vector<std::u16string> near = NearestNames(wanted, names, kSuggestions);
+  for (const std::u16string& name : near) {
+    why += (&name == near.data() ? u" (near: " : u", ") + name;
+  }
+  if (!near.empty()) why += u")";
+  return Status::Error(Failure::kNotFound, std::u16string(wanted), std::move(why));
+}
+
+}  // namespace
+
+std::vector<StrokeFontFile> InstalledStrokeFonts() {
+  std::vector<StrokeFontFile> fonts;
+  std::set<std::u16string> taken, files;
+  for (const fs::path& folder : StrokeFontFolders()) {
+    for (const fs::path& file : FilesIn(folder)) {
+      const std::u16string whole = PathText(file.filename());
+      if (!files.insert(Folded(whole)).second) continue;  // a folder before has one of this name
+      std::u16string name = PathText(file.stem());
+      if (!taken.insert(Folded(name)).second) name = whole;
+      fonts.push_back({std::move(name), file});
+    }
+  }
+  std::ranges::sort(fonts, [](const StrokeFontFile& a, const StrokeFontFile& b) {
+    const std::u16string x = Folded(a.name), y = Folded(b.name);
+    return x != y ? x < y : a.name < b.name;
+  });
+  return fonts;
+}
+
+Status ChooseStrokeFont(std::u16string_view wanted, ChosenStrokeFont* chosen) {
+  ChosenStrokeFont made;
+  if (NamesFile(wanted)) {
+    made.file = TextPath(wanted);
+  } else if (Status found = FindByName(wanted, &made.file); !found.ok()) {
+    return found;
+  }
+  std::string bytes;
+  if (Status read = ReadFileBytes(made.file, &bytes, kMostBytes + 1); !read.ok()) {
+    return Status::Error(read.failure, PathText(made.file), read.why);
+  }
+  if (bytes.size() > kMostBytes) {
+    return Status::Error(Failure::kOther, PathText(made.file),
+                         u"is larger than the 64 MB that a stroke font may have");
+  }
+  const std::u16string name = PathText(made.file.stem());
+  if (Status status = ReadStrokeFont(bytes, name, &made.font); !status.ok()) {
+    const std::u16string where = status.what.empty() ? u"" : u", " + status.what;
+    return Status::Error(status.failure, PathText(made.file) + where, status.why);
+  }
+  if (made.font.family.empty()) made.font.family = name;
+  *chosen = std::move(made);
+  return Status::Ok();
+}
+
+}  // namespace kerno
