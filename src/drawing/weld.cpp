@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "drawing/chord_grid.h"
+#include "drawing/filled_area.h"
 #include "drawing/measures.h"
 #include "drawing/outline_tracer.h"
 
@@ -46,6 +47,7 @@ class Welder {
         path_boxes_(PathBoxes()) {
     result_.vanished.assign(paths.size(), true);
     grid_.ForEachContact([&](size_t i, size_t j, Contact) {
+      contacts_.push_back({i, j});
       const uint32_t a = grid_.Chords()[i].path, b = grid_.Chords()[j].path;
       touched_[a] = touched_[b] = true;
       clusters_.Join(a, b);
@@ -59,10 +61,14 @@ class Welder {
     for (size_t i = 0; i < paths_.size(); ++i) {
       if (grid_.HasChords(i)) members[clusters_.Of(i)].push_back(i);
     }
+    std::vector<std::vector<ChordContact>> contacts(paths_.size());
+    for (const ChordContact& contact : contacts_) {
+      contacts[clusters_.Of(grid_.Chords()[contact.a].path)].push_back(contact);
+    }
     for (const std::vector<size_t>& cluster : members) {
       if (cluster.empty()) continue;
       if (touched_[cluster[0]]) {
-        WeldCluster(cluster);
+        WeldCluster(cluster, contacts[clusters_.Of(cluster[0])]);
       } else {
         Keep(cluster[0]);
       }
@@ -99,7 +105,7 @@ class Welder {
     result_.paths.push_back({reversed ? Reversed(paths_[path]) : paths_[path], path, reversed});
   }
 
-  void WeldCluster(const std::vector<size_t>& cluster) {
+  void WeldCluster(const std::vector<size_t>& cluster, std::span<const ChordContact> contacts) {
     std::vector<Polygon> polygons;
     GridBox box;
     for (const size_t path : cluster) {
@@ -111,13 +117,38 @@ class Welder {
     }
     AddFrames(box, WindingAround(cluster[0]), &polygons);
     const OutlineTracer tracer(grid_, cluster);
-    for (const Polygon& outline : UnionOf(polygons, rule_.fill)) {
-      if (!IsInside(outline, box)) continue;
+    for (const Polygon& outline : CheckedUnion(polygons, box, contacts)) {
       TracedOutline traced = tracer.Trace(outline);
       if (traced.path.segments.empty() || IsThin(traced.path)) continue;
       for (const uint32_t source : traced.sources) result_.vanished[source] = false;
       result_.paths.push_back({std::move(traced.path)});
     }
+  }
+
+  // The library now and then loses or adds a part of a tangle; seen from another side, it does not.
+  std::vector<Polygon> CheckedUnion(const std::vector<Polygon>& polygons, const GridBox& box,
+                                    std::span<const ChordContact> contacts) const {
+    const FilledArea wanted = FilledAreas(grid_, rule_).Of(contacts);
+    constexpr int kSides = 4;
+    std::vector<Polygon> first;
+    for (int side = 0; side < kSides; ++side) {
+      std::vector<Polygon> outlines =
+          Turned(UnionOf(Turned(polygons, side), rule_.fill), (kSides - side) % kSides);
+      std::erase_if(outlines, [&](const Polygon& outline) { return !IsInside(outline, box); });
+      if (std::fabs(AreaOf(outlines) - wanted.area) <= wanted.slack) return outlines;
+      if (side == 0) first = std::move(outlines);
+    }
+    return first;
+  }
+
+  // By so many quarters of a turn.
+  static std::vector<Polygon> Turned(std::vector<Polygon> polygons, int quarters) {
+    for (Polygon& polygon : polygons) {
+      for (GridPoint& p : polygon) {
+        for (int i = 0; i < quarters; ++i) p = {-p.y, p.x};
+      }
+    }
+    return polygons;
   }
 
   bool IsThin(const Path& path) const {
@@ -152,6 +183,7 @@ class Welder {
   Clusters clusters_;
   std::vector<bool> touched_;
   BoxTree path_boxes_;
+  std::vector<ChordContact> contacts_;
   WeldResult result_;
 };
 

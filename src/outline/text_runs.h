@@ -30,7 +30,7 @@ struct RunOptions {
   ParagraphDirection direction = ParagraphDirection::kAuto;
   size_t across_digits = 0;  // in a column, numbers of so many digits at most are kAcross
   // Whether the font has a form for columns of a character that else lies on its side.
-  std::function<bool(char32_t)> has_vertical_form;
+  std::function<bool(char32_t)> has_vertical_form = nullptr;
 };
 
 struct TextRun {
