@@ -48,7 +48,7 @@ enum class WeldScope {
 
 struct CutJob {
   std::u16string text;  // lines by LF, CR LF or CR
-  std::u16string family, style;
+  FaceRequest face;
   std::vector<std::u16string> fallbacks;  // families that characters come from which it lacks
   std::string language;                   // a BCP 47 tag; empty: the font's own way
   ParagraphDirection direction = ParagraphDirection::kAuto;  // of each line
@@ -86,7 +86,10 @@ struct CutGlyph {
 // A font that glyphs were taken from.
 struct CutFace {
   std::u16string family, style;
-  size_t characters = 0;  // that it gave in place of the first one
+  size_t characters = 0;   // that it gave in place of the first one
+  bool made_bold = false;  // the family has no such style: made of this one
+  bool made_slanted = false;
+  std::vector<std::string> no_features = {};  // wanted ones that the font has no rule for
 };
 
 struct CutDrawing {

@@ -3,6 +3,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "app/face_choice.h"
 #include "app/stroke_fonts.h"
 #include "app/text_source.h"
 #include "base/text.h"
@@ -20,8 +21,8 @@ class OutlineFonts final : public GlyphSource {
   Status Open(const CutJob& job) {
     for (size_t i = 0; i <= job.fallbacks.size(); ++i) {
       FontData data;
-      Status found = i == 0 ? FindFontData(job.family, job.style, &data)
-                            : FindFallback(job.fallbacks[i - 1], job.style, &data);
+      Status found = i == 0 ? FindFace(job.face, &data)
+                            : FindFallback(job.fallbacks[i - 1], job.face.style, &data);
       if (!found.ok()) return found;
       if (Status opened = ShapingFont::Open(data, &fonts_.emplace_back()); !opened.ok()) {
         return opened;
@@ -46,7 +47,9 @@ class OutlineFonts final : public GlyphSource {
     std::vector<CutFace> faces;
     for (size_t i = 0; i < fonts_.size(); ++i) {
       const FontData& data = fonts_[i]->data();
-      faces.push_back({data.family, data.style, block.substituted[i]});
+      faces.push_back(
+          {data.family, data.style, block.substituted[i], data.make_bold, data.make_slanted});
+      if (i == 0) faces[0].no_features = fonts_[0]->FeaturesWithoutRules();
     }
     return faces;
   }
@@ -55,8 +58,8 @@ class OutlineFonts final : public GlyphSource {
   // In the style of the first one, where it has that.
   static Status FindFallback(const std::u16string& family, const std::u16string& style,
                              FontData* data) {
-    if (FindFontData(family, style, data).ok()) return Status::Ok();
-    return FindFontData(family, {}, data);
+    if (FindFontData({.family = family, .style = style}, data).ok()) return Status::Ok();
+    return FindFace({.family = family}, data);
   }
 
   std::vector<std::unique_ptr<ShapingFont>> fonts_;
@@ -96,7 +99,7 @@ class Strokes final : public GlyphSource {
     return kept->second;
   }
   std::vector<CutFace> FacesOf(const TextBlock&) const override {
-    return {{chosen_.font.family, u"", 0}};
+    return {{chosen_.font.family, u""}};
   }
 
  private:

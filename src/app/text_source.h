@@ -14,6 +14,9 @@ namespace kerno {
 // untouched on failure.
 Status DecodeText(std::string_view bytes, std::u16string_view name, std::u16string* text);
 
+// All bytes of a file, a device or a pipe.
+Status LoadBytes(const std::filesystem::path& path, std::string* bytes);
+
 // Reads and decodes a whole file.
 Status LoadText(const std::filesystem::path& path, std::u16string* text);
 

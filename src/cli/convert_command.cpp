@@ -65,7 +65,8 @@ ExitStatus ConvertCommand::BuildFromText(PartsA* model, std::string* summary) {
   if (!set) return status;
   if (!TextOptions::CheckRange(set->contours.points)) return kWrongUsage;
   BuildParts(set->contours, parts_, model);
-  *summary = Counted(set->characters, "characters, ") +
+  *summary = (text_.FaceIsOpen() ? Utf16ToUtf8(set->face) + ", " : "") +
+             Counted(set->characters, "characters, ") +
              Counted(set->contours.counts.size(), "contours, ") +
              Counted(EntityCount(*model), "entities");
   return kDone;

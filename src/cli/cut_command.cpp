@@ -32,6 +32,11 @@ const char* UnitName(LengthUnit unit) {
   return unit == LengthUnit::kInch ? "in" : "mm";
 }
 
+// "DejaVu Sans Book"
+std::string NameOf(const CutFace& face) {
+  return Utf16ToUtf8(face.style.empty() ? face.family : face.family + u" " + face.style);
+}
+
 // "62 closed paths, 812 arcs, 404 lines, 120 x 14.2 mm, 1234.5 mm to cut"
 std::string SummaryOf(const CutDrawing& made) {
   const DrawingFacts& facts = made.facts;
@@ -103,6 +108,8 @@ void AppendFallbacks(std::string* out, const std::vector<CutFace>& faces) {
 std::string JsonOf(const CutDrawing& made) {
   std::string out = "{";
   AppendFace(&out, made.faces[0]);
+  out += std::string(", \"madeBold\": ") + (made.faces[0].made_bold ? "true" : "false");
+  out += std::string(", \"madeSlanted\": ") + (made.faces[0].made_slanted ? "true" : "false");
   const bool has_fallbacks = made.faces.size() > 1;
   if (has_fallbacks) AppendFallbacks(&out, made.faces);
   out += std::string(", \"unit\": \"") + UnitName(made.drawing.unit) + "\"";
@@ -140,9 +147,7 @@ std::string JsonOf(const CutDrawing& made) {
 void CutCommand::AddOptions(CLI::App& app) {
   app_ = &app;
   source_.AddTo(app);
-  app.add_option("--face", face_, "family name (kerno faces lists them)")->type_name("NAME");
-  app.add_option("--style", style_name_, "a named style of the family, such as \"Bold Oblique\"")
-      ->type_name("NAME");
+  face_.AddTo(app, FaceOptions::Source::kFont);
   app.add_option("--stroke-font", stroke_font_,
                  "lines instead of outlines: a .jhf, .lff or SVG font, or the name of one "
                  "(kerno faces --strokes)")
@@ -404,8 +409,8 @@ bool CutCommand::ReadScripts() {
 
 bool CutCommand::ReadStrokeFont() {
   if (app_->count("--stroke-font") == 0) return true;
-  for (const char* other :
-       {"--face", "--style", "--fallback", "--language", "--direction", "--tate-chu-yoko"}) {
+  for (const char* other : {"--face", "--style", "--font-file", "--variation", "--features",
+                            "--fallback", "--language", "--direction", "--tate-chu-yoko"}) {
     if (app_->count(other) == 0) continue;
     ReportError(other, "is of fonts with outlines and goes not with --stroke-font");
     return false;
@@ -422,11 +427,9 @@ bool CutCommand::ReadStrokeFont() {
 }
 
 bool CutCommand::ReadJob() {
-  const auto face = TextArgument("--face", face_);
-  const auto style = face ? TextArgument("--style", style_name_) : std::nullopt;
-  if (!style) return false;
-  job_.family = *face;
-  job_.style = *style;
+  auto face = face_.Read();
+  if (!face) return false;
+  job_.face = std::move(*face);
   job_.mode = vertical_ ? WritingMode::kVertical : WritingMode::kHorizontal;
   return Choose<LengthUnit>("--unit", unit_,
                             {{"mm", LengthUnit::kMillimetre}, {"in", LengthUnit::kInch}},
@@ -435,8 +438,33 @@ bool CutCommand::ReadJob() {
          ReadStrokeFont();
 }
 
+// Tells how the faces differ from what was asked for; false when that ends the command.
+bool CutCommand::ReportFaces(const CutDrawing& made) const {
+  for (const CutFace& face : made.faces) {
+    for (const std::string& feature : face.no_features) {
+      ReportWarning("--features", NameOf(face) + " has no \"" + feature + "\"");
+    }
+    if (!face.made_bold && !face.made_slanted) continue;
+    const bool both = face.made_bold && face.made_slanted;
+    const char* letters = both             ? "bold and slanted letters"
+                          : face.made_bold ? "bold letters"
+                                           : "slanted letters";
+    const char* how = both             ? "moved outwards and leaned"
+                      : face.made_bold ? "moved outwards"
+                                       : "leaned";
+    const std::string why = "\"" + Utf16ToUtf8(face.family) + "\" has no " + letters;
+    if (strict_) {
+      ReportError("--style", why);
+      return false;
+    }
+    ReportWarning("--style", why + ": those of \"" + Utf16ToUtf8(face.style) + "\" are " + how);
+  }
+  return true;
+}
+
 // Tells what the user should know before the files are written; false when that ends the command.
 bool CutCommand::Report(const CutDrawing& made) const {
+  if (!ReportFaces(made)) return false;
   if (!ReportLost("no glyph in " + FaceNames(made.faces), made.missing, strict_)) return false;
   if (made.drawing.placed.empty()) ReportWarning("text", "has no outlines");
   if (made.vanished > 0) {
@@ -474,7 +502,9 @@ ExitStatus CutCommand::Run() {
   const auto write = [&](const Format& format, const std::filesystem::path& file) {
     return Write(made, format, file);
   };
-  const bool written = outputs_.WriteAll(write, SummaryOf(made), quiet_ || json_);
+  const bool is_open = face_.IsOpen() && job_.stroke_font.empty();
+  const std::string face = is_open ? NameOf(made.faces[0]) + ", " : "";
+  const bool written = outputs_.WriteAll(write, face + SummaryOf(made), quiet_ || json_);
   const bool told =
       !json_ || outputs_.UsesStandardOutput() || (Print(JsonOf(made)) && FinishPrinting());
   return written && told ? kDone : kFailed;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/cut.h"
+#include "cli/face_options.h"
 #include "cli/output_files.h"
 #include "cli/text_source.h"
 #include "export/drawing_style.h"
@@ -33,14 +34,15 @@ class CutCommand final : public Command {
   bool ReadStyle();
   bool ReadStrokeFont();
   bool Report(const CutDrawing& made) const;
+  bool ReportFaces(const CutDrawing& made) const;
   Status Write(const CutDrawing& made, const Format& format,
                const std::filesystem::path& file) const;
 
   CLI::App* app_ = nullptr;
   TextSource source_;
+  FaceOptions face_;
   OutputFiles outputs_;
-  std::string face_, style_name_, stroke_font_, language_, direction_ = "auto",
-                                                           across_digits_ = "0";
+  std::string stroke_font_, language_, direction_ = "auto", across_digits_ = "0";
   std::vector<std::string> fallbacks_;
   bool vertical_ = false, strict_ = false, quiet_ = false, json_ = false;
   bool stretch_ = false, mirror_ = false;

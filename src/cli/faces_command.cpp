@@ -1,21 +1,216 @@
 #include "cli/faces_command.h"
 
 #include <CLI/CLI.hpp>
-#include <string>
-#include <vector>
+#include <algorithm>
+#include <map>
+#include <tuple>
 
+#include "app/specimen.h"
 #include "app/stroke_fonts.h"
+#include "base/number_text.h"
 #include "base/text.h"
+#include "cli/arguments.h"
 #include "cli/console.h"
+#include "export/drawing_formats.h"
+#include "outline/font_details.h"
 #include "platform/font_faces.h"
 
 namespace kerno {
+namespace {
+
+const char* EmbeddingName(Embedding embedding) {
+  switch (embedding) {
+    case Embedding::kInstallable:
+      return "installable";
+    case Embedding::kEditable:
+      return "editable";
+    case Embedding::kPreviewPrint:
+      return "preview and print";
+    case Embedding::kRestricted:
+      break;
+  }
+  return "restricted";
+}
+
+// An object of one line, grown field by field.
+class JsonObject {
+ public:
+  std::string& Name(const char* name) {
+    text_.append(text_.empty() ? "{\"" : ", \"").append(name).append("\": ");
+    return text_;
+  }
+  void Text(const char* name, std::u16string_view text) { AppendJsonString(&Name(name), text); }
+  void Flag(const char* name, bool flag) { Name(name).append(flag ? "true" : "false"); }
+  void Number(const char* name, double number) { AppendShortest(&Name(name), number); }
+  void List(const char* name, const std::vector<std::u16string>& texts) {
+    std::string& out = Name(name);
+    out += "[";
+    for (size_t i = 0; i < texts.size(); ++i) {
+      if (i > 0) out += ", ";
+      AppendJsonString(&out, texts[i]);
+    }
+    out += "]";
+  }
+  void List(const char* name, const std::vector<std::string>& texts) {
+    std::vector<std::u16string> wide;
+    wide.reserve(texts.size());
+    for (const std::string& text : texts) wide.push_back(Utf8ToUtf16Lossy(text));
+    List(name, wide);
+  }
+  void Raw(const char* name, const std::string& json) { Name(name) += json; }
+  std::string Take() { return text_ + "}"; }
+
+ private:
+  std::string text_;
+};
+
+std::string AxesJson(const std::vector<FontAxis>& axes) {
+  std::string out = "[";
+  for (const FontAxis& axis : axes) {
+    JsonObject object;
+    object.Text("tag", Utf8ToUtf16Lossy(axis.tag));
+    object.Text("name", axis.name);
+    object.Number("least", axis.least);
+    object.Number("default", axis.usual);
+    object.Number("most", axis.most);
+    out += (out.size() > 1 ? ", " : "") + object.Take();
+  }
+  return out + "]";
+}
+
+// How the face is asked for: by its file where the system tells that.
+FaceRequest RequestFor(const ListedFace& face) {
+  if (!face.file.empty()) return {.file = face.file, .index = face.index};
+  return {.family = face.families.front(),
+          .style = face.styles.empty() ? u"" : face.styles.front()};
+}
+
+// One face; `styles` are its own, or the named instances of a variable one.
+std::string FaceJson(const ListedFace& face, const std::vector<std::u16string>& styles) {
+  JsonObject object;
+  object.Text("family", face.families.front());
+  object.List("names", face.families);
+  object.List("fullNames", face.full_names);
+  object.List("styles", styles);
+  if (!face.file.empty()) {
+    object.Text("file", PathText(face.file));
+    object.Number("index", face.index);
+  }
+  object.Flag("outlines", face.has_outlines);
+  FontData data;
+  FontDetails details;
+  const bool known = face.has_outlines && FindFontData(RequestFor(face), &data).ok() &&
+                     ReadFontDetails(data, &details).ok();
+  if (known) {
+    object.Raw("axes", AxesJson(details.axes));
+    object.List("scripts", details.scripts);
+    object.List("features", details.features);
+    object.Text("embedding", Utf8ToUtf16Lossy(EmbeddingName(details.embedding)));
+  }
+  return object.Take();
+}
+
+}  // namespace
 
 void FacesCommand::AddOptions(CLI::App& app) {
-  app.add_flag("--json", json_, "one JSON array of names");
+  app_ = &app;
+  app.add_flag("--json", json_,
+               "every face with its file, styles, axes, scripts, features and permissions");
   app.add_flag("--vertical", vertical_, "the \"@\" forms, for vertical writing");
   app.add_flag("--strokes", strokes_, "fonts of single lines, for kerno cut --stroke-font");
   app.add_flag("--skipped", skipped_, "warn of font files that cannot be used");
+  app.add_option("--covers", covers_, "only faces that have every character of TEXT")
+      ->type_name("TEXT");
+  app.add_option("--sample", sample_, "draw TEXT in each family that has it, into the file of -o")
+      ->type_name("TEXT");
+  outputs_.AddTo(app);
+}
+
+bool FacesCommand::ReadTexts() {
+  for (const auto& [option, value, text] :
+       {std::tuple("--covers", &covers_, &covered_), std::tuple("--sample", &sample_, &shown_)}) {
+    if (app_->count(option) == 0) continue;
+    const auto read = TextArgument(option, *value);
+    if (!read) return false;
+    if (read->empty()) {
+      ReportError(option, "the text is empty");
+      return false;
+    }
+    *text = *read;
+  }
+  if (shown_.empty() && app_->count("-o") > 0) {
+    ReportError("-o", "needs --sample TEXT");
+    return false;
+  }
+  if (!shown_.empty() && json_) {
+    ReportError("--sample", "does not go with --json");
+    return false;
+  }
+  return shown_.empty() || outputs_.Read();
+}
+
+// The families that have both texts.
+std::vector<std::u16string> FacesCommand::Families() const {
+  std::vector<std::u16string> families =
+      ListFamilies(vertical_ ? FamilyForm::kVertical : FamilyForm::kPlain);
+  const std::u16string text = covered_ + shown_;
+  if (text.empty()) return families;
+  std::erase_if(families, [&](const std::u16string& name) {
+    return !CoversText({.family = name.substr(name.starts_with(u'@') ? 1 : 0)}, text);
+  });
+  return families;
+}
+
+ExitStatus FacesCommand::DrawSheet(const std::vector<std::u16string>& families) const {
+  Specimen sheet;
+  std::vector<std::u16string> names;
+  names.reserve(families.size());
+  for (const std::u16string& name : families) {
+    names.push_back(name.substr(name.starts_with(u'@') ? 1 : 0));
+  }
+  if (const Status made = MakeSpecimen(shown_, names, &sheet); !made.ok()) {
+    ReportError(made);
+    return kFaceTrouble;
+  }
+  constexpr int kDarkGrey = 250;  // AutoCAD's colour index
+  DrawingStyle style;
+  style.svg = SvgLook::kFill;
+  style.color = kDarkGrey;
+  const auto write = [&](const Format& format, const std::filesystem::path& file) {
+    constexpr double kTolerance = 0.01;
+    return WriteDrawing(sheet.drawing, style, kTolerance, format, file);
+  };
+  const std::string summary =
+      std::to_string(sheet.rows) + (sheet.rows == 1 ? " family" : " families");
+  return outputs_.WriteAll(write, summary, false) ? kDone : kFailed;
+}
+
+// Faces by file; the instances of a variable one are styles of it.
+std::string FacesCommand::Json() const {
+  std::vector<ListedFace> faces;
+  std::vector<std::vector<std::u16string>> styles;
+  std::map<std::pair<std::filesystem::path, uint32_t>, size_t> known;
+  for (const ListedFace& face : ListFaces()) {
+    if (vertical_ && !face.has_vertical_form) continue;
+    const auto [place, is_new] = known.try_emplace({face.file, face.index}, faces.size());
+    if (is_new || face.file.empty()) {
+      if (!covered_.empty() && !(face.has_outlines && CoversText(RequestFor(face), covered_))) {
+        known.erase(place);
+        continue;
+      }
+      faces.push_back(face);
+      styles.push_back(face.styles);
+    } else if (!face.styles.empty()) {
+      std::vector<std::u16string>& names = faces[place->second].full_names;
+      names.insert(names.end(), face.full_names.begin(), face.full_names.end());
+      styles[place->second].push_back(face.styles.front());
+    }
+  }
+  std::string out = "[";
+  for (size_t i = 0; i < faces.size(); ++i) {
+    out += (i == 0 ? "\n  " : ",\n  ") + FaceJson(faces[i], styles[i]);
+  }
+  return out + (faces.empty() ? "]\n" : "\n]\n");
 }
 
 ExitStatus FacesCommand::ListStrokeFonts() const {
@@ -39,23 +234,20 @@ ExitStatus FacesCommand::ListStrokeFonts() const {
 
 ExitStatus FacesCommand::Run() {
   if (strokes_) return ListStrokeFonts();
-  std::vector<std::u16string> skipped;
-  std::string out = json_ ? "[" : "";
-  bool first = true;
-  for (const InstalledFace& face : EnumerateFaces(skipped_ ? &skipped : nullptr)) {
-    const bool outlines = (face.font_type & kTrueTypeFontType) != 0;
-    if (!outlines || face.name.starts_with(u'@') != vertical_) continue;
-    if (json_) {
-      out += first ? "\n  " : ",\n  ";
-      AppendJsonString(&out, face.name);
-    } else {
-      out += Utf16ToUtf8(face.name) + "\n";
-    }
-    first = false;
+  if (!ReadTexts()) return kWrongUsage;
+  if (!shown_.empty()) return DrawSheet(Families());
+  std::string out;
+  if (json_) {
+    out = Json();
+  } else {
+    for (const std::u16string& name : Families()) out += Utf16ToUtf8(name) + "\n";
   }
-  if (json_) out += first ? "]\n" : "\n]\n";
-  for (const std::u16string& file : skipped) {
-    ReportWarning(Utf16ToUtf8(file), "is skipped: no font that can be used");
+  if (skipped_) {
+    std::vector<std::u16string> skipped;
+    (void)EnumerateFaces(&skipped);
+    for (const std::u16string& file : skipped) {
+      ReportWarning(Utf16ToUtf8(file), "is skipped: no font that can be used");
+    }
   }
   return Print(out) && FinishPrinting() ? kDone : kFailed;
 }

@@ -1,7 +1,12 @@
 // kerno faces: the faces that can be set.
 #pragma once
 
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "cli/command.h"
+#include "cli/output_files.h"
 
 namespace kerno {
 
@@ -14,7 +19,15 @@ class FacesCommand final : public Command {
 
  private:
   ExitStatus ListStrokeFonts() const;
+  bool ReadTexts();
+  std::vector<std::u16string> Families() const;
+  ExitStatus DrawSheet(const std::vector<std::u16string>& families) const;
+  std::string Json() const;
 
+  CLI::App* app_ = nullptr;
+  OutputFiles outputs_;
+  std::string covers_, sample_;
+  std::u16string covered_, shown_;  // those texts
   bool json_ = false;
   bool vertical_ = false;
   bool skipped_ = false;

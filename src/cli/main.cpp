@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -49,20 +50,67 @@ const CLI::App* FindCommand(const CLI::App& app, const std::string& name) {
   return nullptr;
 }
 
+// Reports a word that is none of the names, with the nearest of them or the command that lists
+// them.
+void ReportNearest(const std::string& word, std::string why,
+                   const std::vector<std::u16string>& names, const std::string& lister) {
+  const std::u16string text = Utf8ToUtf16Lossy(word);
+  const std::u16string wanted(Unquote(text));
+  for (const std::u16string& name : NearestNames(wanted, names, 1)) {
+    const bool is_near = 2 * EditDistance(wanted, name) <= name.size();
+    why +=
+        is_near ? "; the nearest is \"" + Utf16ToUtf8(name) + "\"" : " (" + lister + " lists them)";
+  }
+  ReportError(word, why);
+}
+
 // Says that there is no such command, and which one may have been meant.
 ExitStatus ReportUnknown(const CLI::App& app, const std::string& word) {
   std::vector<std::u16string> names;
   for (const CLI::App* command : app.get_subcommands({})) {
     names.push_back(Utf8ToUtf16Lossy(command->get_name()));
   }
-  const std::u16string wanted = Utf8ToUtf16Lossy(word);
-  std::string why = "is no command of kerno";
-  for (const std::u16string& name : NearestNames(wanted, names, 1)) {
-    const bool is_near = 2 * EditDistance(wanted, name) <= name.size();
-    why += is_near ? "; the nearest is \"" + Utf16ToUtf8(name) + "\"" : " (kerno help lists them)";
-  }
-  ReportError("\"" + word + "\"", why);
+  ReportNearest("\"" + word + "\"", "is no command of kerno", names, "kerno help");
   return kWrongUsage;
+}
+
+// Whether the word is an option that takes the next word as its value.
+bool TakesNext(const CLI::App& command, const std::string& word) {
+  const CLI::Option* option = command.get_option_no_throw(word);
+  return option && option->get_expected_min() > 0;
+}
+
+// The first word of the command that looks like an option and is none; empty where all are known.
+std::string UnknownOption(const CLI::App& command, std::span<const std::string> words) {
+  for (size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
+    std::string name = words[i].substr(0, words[i].find('='));
+    if (TakesNext(command, words[i])) {
+      ++i;
+    } else if (name.starts_with("--") && !command.get_option_no_throw(name)) {
+      return name;
+    }
+  }
+  return {};
+}
+
+// Names the option that was mistyped, where that is why the words cannot be understood.
+void ReportUsage(const CLI::App& app, std::span<const std::string> words, const char* why) {
+  const auto chosen = app.get_subcommands();
+  const std::string unknown =
+      chosen.empty() || words.size() < 2 ? "" : UnknownOption(*chosen[0], words.subspan(2));
+  if (unknown.empty()) {
+    ReportError("usage", why);
+    return;
+  }
+  std::vector<std::u16string> names;
+  for (const CLI::Option* option : chosen[0]->get_options()) {
+    const std::string name = option->get_name();
+    if (name.starts_with("--") && !option->get_group().empty()) {
+      names.push_back(Utf8ToUtf16Lossy(name));
+    }
+  }
+  ReportNearest(unknown, "is no option of kerno " + chosen[0]->get_name(), names,
+                "kerno help " + chosen[0]->get_name());
 }
 
 // kerno help [COMMAND]
@@ -102,7 +150,7 @@ ExitStatus Main(const std::vector<std::string>& arguments) {
   } catch (const CLI::CallForVersion& version) {
     return PrintText(std::string(version.what()) + "\n");
   } catch (const CLI::ParseError& error) {
-    ReportError("usage", error.what());
+    ReportUsage(app, arguments, error.what());
     return kWrongUsage;
   }
   if (help->parsed()) return PrintHelp(app, topic);

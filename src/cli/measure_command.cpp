@@ -24,7 +24,7 @@ ExitStatus MeasureCommand::Run() {
   const TextRequest& text = job->text;
   const StringExtent extent = MeasureString(
       context.get(), text.text, text.face.vertical, text.height, text.width, text.placement.slant,
-      text.placement.angle, SystemFaceName(text.face), text.weight);
+      text.placement.angle, SystemFaceName(text.face), text.weight, text.italic);
   const P2 size = {extent.length * job->scale, extent.height * job->scale};
   if (!TextOptions::CheckRange({&size, 1})) return kWrongUsage;
   std::vector<std::pair<const char*, double>> figures = {{"length", size.x}, {"height", size.y}};

@@ -49,13 +49,14 @@ bool ReportUnshaped(std::u16string_view text, bool strict) {
 }  // namespace
 
 void TextOptions::AddTo(CLI::App& app) {
+  app_ = &app;
   source_.AddTo(app);
   app.add_option("--line-ends", line_ends_,
                  "crlf: every line end starts a new line; keep: as they stand (a lone LF does not "
                  "return to the margin)")
       ->type_name("crlf|keep")
       ->capture_default_str();
-  app.add_option("--face", face_, "face name (kerno faces lists them)")->type_name("NAME");
+  face_.AddTo(app, FaceOptions::Source::kSystem);
   app.add_option("--height", height_, "above 0 cell height, below 0 em height, 0 the default")
       ->type_name("N")
       ->capture_default_str();
@@ -101,11 +102,15 @@ std::optional<Job> TextOptions::Resolve(ExitStatus* status) {
   if (!text) return std::nullopt;
   job.text.text = crlf ? WithCrLf(*text) : *text;
   *status = kWrongUsage;
-  const auto face = TextArgument("--face", face_);
+  const auto face = face_.Read();
   if (!face) return std::nullopt;
-  job.text.face = FaceFormOf(*face);
+  if (!face->style.empty() && app_->count("--weight") > 0) {
+    ReportError("--weight", "does not go with --style");
+    return std::nullopt;
+  }
+  job.text.face = FaceFormOf(face->family);
   job.text.face.vertical |= vertical_;
-  if (!ChooseFace(&job)) {
+  if (!ChooseFace(&job) || !ChooseStyle(face->style, &job)) {
     *status = kFaceTrouble;
     return std::nullopt;
   }
@@ -151,9 +156,40 @@ bool TextOptions::ReadNumbers(Job* job) {
 bool TextOptions::ChooseFace(Job* job) const {
   const FaceChoice choice = kerno::ChooseFace(job->text.face);
   job->text.face = choice.face;
+  if (choice.style && app_->count("--weight") == 0) job->text.weight = choice.style->weight;
+  if (choice.style) job->text.italic = choice.style->italic;
   if (choice.installed || substitute_) return true;
   ReportError(Utf16ToUtf8(choice.what), Utf16ToUtf8(choice.why));
   return false;
+}
+
+// A style by its name, and bold by its number where the family has none.
+bool TextOptions::ChooseStyle(std::u16string_view style, Job* job) const {
+  constexpr int32_t kBoldFrom = 550;  // weights above count as bold
+  FaceForm& face = job->text.face;
+  const bool bold = style.empty() && job->text.weight > kBoldFrom && !face.name.empty();
+  if (style.empty() && !bold) return true;
+  SystemStyle chosen;
+  std::u16string name = face.name;
+  const Status found = kerno::ChooseStyle(bold ? u"Bold" : style, &name, &chosen);
+  if (!found.ok()) {
+    if (bold) return true;  // the rasteriser has its own way with weights
+    ReportError("--style", Utf16ToUtf8(found.why));
+    return false;
+  }
+  if (!bold) {
+    job->text.weight = chosen.weight;
+    job->text.italic = chosen.italic;
+    face.name = name;
+  }
+  if (!chosen.made_bold) return true;
+  const std::string what = "\"" + Utf16ToUtf8(name) + "\" has no bold letters";
+  if (strict_) {
+    ReportError("face", what);
+    return false;
+  }
+  ReportWarning("face", what + ": the rasteriser makes them, and their outlines may cross");
+  return true;
 }
 
 std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing placing,

@@ -9,6 +9,7 @@
 
 #include "app/job.h"
 #include "cli/command.h"
+#include "cli/face_options.h"
 #include "cli/text_source.h"
 
 namespace kerno {
@@ -32,14 +33,18 @@ class TextOptions {
   static bool CheckRange(std::span<const P2> points);
 
   bool quiet() const { return quiet_; }
+  // Whether the face is left to the system.
+  bool FaceIsOpen() const { return face_.IsOpen(); }
 
  private:
   bool ReadNumbers(Job* job);
   bool ChooseFace(Job* job) const;
+  bool ChooseStyle(std::u16string_view style, Job* job) const;
 
   TextSource source_;
+  FaceOptions face_;
+  CLI::App* app_ = nullptr;
   std::string line_ends_ = "crlf";
-  std::string face_;
   std::string height_ = "100";
   std::string width_ = "0";
   std::string weight_ = "400";

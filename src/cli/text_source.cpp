@@ -3,8 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
+#include "app/text_coding.h"
 #include "app/text_source.h"
 #include "base/text.h"
+#include "base/text_file.h"
 #include "cli/arguments.h"
 #include "cli/console.h"
 
@@ -48,6 +50,43 @@ void TextSource::AddTo(CLI::App& app) {
   app.add_option("--text-file", file_,
                  "read the text from FILE (\"-\": standard input), UTF-8 or UTF-16 with a mark")
       ->type_name("FILE");
+  app.add_option("--encoding", encoding_, "of that file, where it is another one or has no mark")
+      ->type_name("UTF-8|UTF-16LE|UTF-16BE|CP932|EUC-JP");
+}
+
+// Without --encoding the bytes say themselves what they are, or are taken for what they can be.
+bool TextSource::Decode(const std::string& bytes, const std::u16string& name,
+                        std::u16string* text) const {
+  const auto told = FindCoding(encoding_);
+  Status read = told ? DecodeAs(*told, bytes, name, text) : DecodeText(bytes, name, text);
+  if (read.ok() || told) {
+    if (!read.ok()) ReportError(read);
+    return read.ok();
+  }
+  const auto guessed = HasUtf16Mark(bytes) ? std::nullopt : GuessCoding(bytes);
+  if (!guessed) {
+    ReportError(Utf16ToUtf8(name), Utf16ToUtf8(read.why) + "; --encoding tells another encoding");
+    return false;
+  }
+  ReportWarning(Utf16ToUtf8(name), std::string("is taken for ") + CodingName(*guessed) +
+                                       ", as it is not UTF-8 (--encoding tells another encoding)");
+  read = DecodeAs(*guessed, bytes, name, text);
+  return read.ok();
+}
+
+bool TextSource::ReadFileText(std::u16string* text) const {
+  std::string bytes;
+  if (file_ == "-") {
+    if (ReadStandardInput(&bytes)) return Decode(bytes, u"standard input", text);
+    ReportError("standard input", "cannot be read");
+    return false;
+  }
+  const std::filesystem::path path = PathArgument(file_);
+  if (const Status read = LoadBytes(path, &bytes); !read.ok()) {
+    ReportError(read);
+    return false;
+  }
+  return Decode(bytes, PathText(path), text);
 }
 
 std::optional<std::u16string> TextSource::Read(ExitStatus* status) const {
@@ -58,23 +97,19 @@ std::optional<std::u16string> TextSource::Read(ExitStatus* status) const {
                                      : "is given more than once");
     return std::nullopt;
   }
+  if (app_->count("--encoding") > 0 && !from_file) {
+    ReportError("--encoding", "needs --text-file FILE");
+    return std::nullopt;
+  }
   std::u16string text;
   if (from_file) {
     if (!IsFileName("--text-file", file_)) return std::nullopt;
-    *status = kFailed;
-    Status read;
-    if (file_ == "-") {
-      std::string bytes;
-      read = ReadStandardInput(&bytes)
-                 ? DecodeText(bytes, u"standard input", &text)
-                 : Status::Error(Failure::kOther, u"standard input", u"cannot be read");
-    } else {
-      read = LoadText(PathArgument(file_), &text);
-    }
-    if (!read.ok()) {
-      ReportError(read);
+    if (app_->count("--encoding") > 0 && !FindCoding(encoding_)) {
+      ReportChoice("--encoding", encoding_, "UTF-8, UTF-16LE, UTF-16BE, CP932, EUC-JP");
       return std::nullopt;
     }
+    *status = kFailed;
+    if (!ReadFileText(&text)) return std::nullopt;
   } else {
     const auto argument = TextArgument("text", positional_.empty() ? text_[0] : positional_[0]);
     if (!argument) return std::nullopt;

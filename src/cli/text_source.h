@@ -19,9 +19,12 @@ class TextSource {
   std::optional<std::u16string> Read(ExitStatus* status) const;
 
  private:
+  bool ReadFileText(std::u16string* text) const;
+  bool Decode(const std::string& bytes, const std::u16string& name, std::u16string* text) const;
+
   std::vector<std::string> positional_;
   std::vector<std::string> text_;
-  std::string file_;
+  std::string file_, encoding_;
   CLI::App* app_ = nullptr;
 };
 

@@ -4,10 +4,12 @@
 #include <hb.h>
 
 #include <algorithm>
+#include <charconv>
 #include <unordered_map>
 #include <utility>
 
 #include "base/text.h"
+#include "outline/made_style.h"
 
 namespace kerno {
 namespace {
@@ -74,6 +76,118 @@ hb_draw_funcs_t* MakeDrawFunctions() {
   return functions;
 }
 
+std::u16string Wide(std::string_view ascii) {
+  return {ascii.begin(), ascii.end()};
+}
+
+// The parts of a list with commas, without blanks around them; empty ones are left out.
+std::vector<std::string> PartsOf(std::string_view list) {
+  std::vector<std::string> parts;
+  std::string part;
+  for (const char c : std::string(list) + ",") {
+    if (c != ',') {
+      if (c != ' ' || !part.empty()) part.push_back(c);
+      continue;
+    }
+    while (part.ends_with(' ')) part.pop_back();
+    if (!part.empty()) parts.push_back(std::move(part));
+    part.clear();
+  }
+  return parts;
+}
+
+// Reads each part of the list by one of HarfBuzz's readers.
+template <class Read, class Item>
+Status ReadList(std::string_view list, const char16_t* what, const Read& read,
+                std::vector<Item>* items) {
+  for (const std::string& part : PartsOf(list)) {
+    Item item;
+    if (!read(part.data(), static_cast<int>(part.size()), &item)) {
+      return Status::Error(Failure::kOther, what, u"\"" + Wide(part) + u"\" cannot be read");
+    }
+    items->push_back(item);
+  }
+  return Status::Ok();
+}
+
+Status ReadFeatures(std::string_view text, std::vector<hb_feature_t>* features) {
+  return ReadList(text, u"features", hb_feature_from_string, features);
+}
+
+Status ReadVariations(std::string_view text, std::vector<hb_variation_t>* variations) {
+  return ReadList(text, u"variation", hb_variation_from_string, variations);
+}
+
+std::string TagText(hb_tag_t tag) {
+  char text[4];
+  hb_tag_to_string(tag, text);
+  return {text, sizeof text};
+}
+
+std::u16string NumberText(float number) {
+  char digits[32];
+  const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+  return {digits, end};
+}
+
+std::vector<hb_ot_var_axis_info_t> AxesOf(hb_face_t* face) {
+  unsigned count = hb_ot_var_get_axis_count(face);
+  std::vector<hb_ot_var_axis_info_t> axes(count);
+  hb_ot_var_get_axis_infos(face, 0, &count, axes.data());
+  return axes;
+}
+
+// "wght 100 to 900, slnt -10 to 0".
+std::u16string AxisList(const std::vector<hb_ot_var_axis_info_t>& axes) {
+  std::u16string text;
+  for (const hb_ot_var_axis_info_t& axis : axes) {
+    text += (text.empty() ? u"" : u", ") + Wide(TagText(axis.tag)) + u" " +
+            NumberText(axis.min_value) + u" to " + NumberText(axis.max_value);
+  }
+  return text;
+}
+
+std::vector<hb_tag_t> FeatureTags(hb_face_t* face, hb_tag_t table) {
+  unsigned count = hb_ot_layout_table_get_feature_tags(face, table, 0, nullptr, nullptr);
+  std::vector<hb_tag_t> tags(count);
+  hb_ot_layout_table_get_feature_tags(face, table, 0, &count, tags.data());
+  tags.resize(count);
+  return tags;
+}
+
+// Puts the font where its instance is and then where the request's variations are.
+Status SetPlaces(const FontData& data, hb_font_t* font) {
+  hb_face_t* face = hb_font_get_face(font);
+  std::vector<hb_variation_t> variations;
+  if (Status read = ReadVariations(data.variations, &variations); !read.ok()) return read;
+  if (data.instance > 0) hb_font_set_var_named_instance(font, data.instance - 1);
+  if (variations.empty()) return Status::Ok();
+  const std::vector<hb_ot_var_axis_info_t> axes = AxesOf(face);
+  if (axes.empty()) {
+    return Status::Error(Failure::kNotFound, u"variation",
+                         u"\"" + data.family + u"\" is no variable font: it has no axes");
+  }
+  std::vector<float> places;
+  places.reserve(axes.size());
+  for (const hb_ot_var_axis_info_t& axis : axes) places.push_back(axis.default_value);
+  auto count = static_cast<unsigned>(places.size());
+  if (data.instance > 0) {
+    hb_ot_var_named_instance_get_design_coords(face, data.instance - 1, &count, places.data());
+  }
+  for (const hb_variation_t& wanted : variations) {
+    const auto axis = std::ranges::find(axes, wanted.tag, &hb_ot_var_axis_info_t::tag);
+    if (axis == axes.end() || !(wanted.value >= axis->min_value) ||
+        !(wanted.value <= axis->max_value)) {
+      return Status::Error(Failure::kNotFound, u"variation",
+                           u"\"" + data.family + u"\" has no " + Wide(TagText(wanted.tag)) + u" " +
+                               NumberText(wanted.value) + u"; its axes are " + AxisList(axes));
+    }
+    places[static_cast<size_t>(axis - axes.begin())] = wanted.value;
+  }
+  hb_font_set_var_coords_design(font, places.data(), static_cast<unsigned>(places.size()));
+  return Status::Ok();
+}
+
 hb_direction_t DirectionOf(ShapeDirection direction) {
   switch (direction) {
     case ShapeDirection::kRightToLeft:
@@ -100,12 +214,23 @@ bool JoinsAt(const ShapingRun& run, size_t place) {
 
 }  // namespace
 
+Status CheckFeatures(std::string_view features) {
+  std::vector<hb_feature_t> read;
+  return ReadFeatures(features, &read);
+}
+
+Status CheckVariations(std::string_view variations) {
+  std::vector<hb_variation_t> read;
+  return ReadVariations(variations, &read);
+}
+
 struct ShapingFont::Handles {
   hb_blob_t* blob = nullptr;
   hb_face_t* face = nullptr;
   hb_font_t* font = nullptr;
   hb_buffer_t* buffer = nullptr;
   hb_draw_funcs_t* draw = nullptr;
+  std::vector<hb_feature_t> features;
   std::unordered_map<uint32_t, std::vector<Path>> outlines;
 
   Handles() = default;
@@ -130,9 +255,9 @@ Status ShapingFont::Open(const FontData& data, std::unique_ptr<ShapingFont>* fon
     return Status::Error(Failure::kOther, data.family, u"its file holds no font that can be read");
   }
   handles->font = hb_font_create(handles->face);
-  if (data.instance > 0) {
-    hb_font_set_var_named_instance(handles->font, data.instance - 1);
-  }
+  if (Status set = SetPlaces(data, handles->font); !set.ok()) return set;
+  if (Status read = ReadFeatures(data.features, &handles->features); !read.ok()) return read;
+  if (data.make_slanted) hb_font_set_synthetic_slant(handles->font, static_cast<float>(kMadeSlant));
   handles->buffer = hb_buffer_create();
   handles->draw = MakeDrawFunctions();
   font->reset(new ShapingFont(data, std::move(handles)));
@@ -142,6 +267,12 @@ Status ShapingFont::Open(const FontData& data, std::unique_ptr<ShapingFont>* fon
 ShapingFont::ShapingFont(FontData data, std::unique_ptr<Handles> handles)
     : data_(std::move(data)), handles_(std::move(handles)) {
   units_per_em_ = hb_face_get_upem(handles_->face);
+  if (data_.make_bold) bold_ = units_per_em_ * kBoldShare;
+  MeasureCapitals();
+  if (cap_height_ > 0) cap_height_ += 2 * bold_;
+}
+
+void ShapingFont::MeasureCapitals() {
   hb_position_t height = 0;
   if (hb_ot_metrics_get_position(handles_->font, HB_OT_METRICS_TAG_CAP_HEIGHT, &height) &&
       height > 0) {
@@ -169,6 +300,19 @@ double ShapingFont::line_pitch(WritingMode mode) const {
   return pitch > 0 ? pitch : units_per_em_;
 }
 
+std::vector<std::string> ShapingFont::FeaturesWithoutRules() const {
+  std::vector<std::string> known = {"kern"};  // which has a table of its own in older fonts
+  for (const hb_tag_t table : {HB_OT_TAG_GSUB, HB_OT_TAG_GPOS}) {
+    for (const hb_tag_t tag : FeatureTags(handles_->face, table)) known.push_back(TagText(tag));
+  }
+  std::vector<std::string> without;
+  for (const hb_feature_t& feature : handles_->features) {
+    const std::string name = TagText(feature.tag);
+    if (std::ranges::find(known, name) == known.end()) without.push_back(name);
+  }
+  return without;
+}
+
 double ShapingFont::middle() const {
   hb_font_extents_t extents{};
   hb_font_get_h_extents(handles_->font, &extents);
@@ -190,12 +334,15 @@ std::vector<ShapedGlyph> ShapingFont::Shape(const ShapingRun& run) const {
     return hb_feature_t{hb_tag_from_string(feature, -1), 0, HB_FEATURE_GLOBAL_START,
                         HB_FEATURE_GLOBAL_END};
   };
-  const hb_feature_t spaced[] = {off("liga"), off("clig")};
-  hb_shape(handles_->font, buffer, spaced, run.spacing != 0 ? 2 : 0);
+  std::vector<hb_feature_t> features;
+  if (run.spacing != 0) features = {off("liga"), off("clig")};
+  features.insert(features.end(), handles_->features.begin(), handles_->features.end());
+  hb_shape(handles_->font, buffer, features.data(), static_cast<unsigned>(features.size()));
 
   unsigned count = 0;
   const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
   const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);
+  const double added = run.spacing + 2 * bold_;  // bold letters keep the gaps of lighter ones
   const bool leftwards = run.direction == ShapeDirection::kRightToLeft;
   std::vector<ShapedGlyph> glyphs;
   glyphs.reserve(count);
@@ -206,11 +353,11 @@ std::vector<ShapedGlyph> ShapingFont::Shape(const ShapingRun& run) const {
                          {static_cast<double>(at.x_offset), static_cast<double>(at.y_offset)},
                          {static_cast<double>(at.x_advance), static_cast<double>(at.y_advance)}};
     const bool ends_cluster = i + 1 == count || infos[i + 1].cluster != infos[i].cluster;
-    if (run.spacing != 0 && ends_cluster) {
+    if (added != 0 && ends_cluster) {
       const size_t next = i + 1 < count ? infos[i + 1].cluster : run.start + run.length;
       if (!JoinsAt(run, leftwards ? infos[i].cluster : next)) {
         const bool down = run.direction == ShapeDirection::kTopToBottom;
-        (down ? glyph.advance.y : glyph.advance.x) += down ? -run.spacing : run.spacing;
+        (down ? glyph.advance.y : glyph.advance.x) += down ? -added : added;
       }
     }
     glyphs.push_back(glyph);
@@ -241,6 +388,10 @@ const std::vector<Path>& ShapingFont::Outline(uint32_t glyph) const {
     PathPen pen;
     hb_font_get_glyph_shape(handles_->font, glyph, handles_->draw, &pen);
     kept->second = pen.Take();
+    if (bold_ > 0) {
+      constexpr double kFineness = 20000;  // to an em
+      kept->second = Emboldened(kept->second, bold_, units_per_em_ / kFineness);
+    }
   }
   return kept->second;
 }

@@ -40,7 +40,9 @@ struct ShapedGlyph {
 
 class ShapingFont {
  public:
-  // Fails for bytes that hold no font with outlines. *font is set on success only.
+  // Fails for bytes that hold no font with outlines, for features or variations that cannot be
+  // read, and with kNotFound for an axis or a place on it that the font does not have. *font is set
+  // on success only.
   [[nodiscard]] static Status Open(const FontData& data, std::unique_ptr<ShapingFont>* font);
   ~ShapingFont();
   ShapingFont(const ShapingFont&) = delete;
@@ -50,6 +52,8 @@ class ShapingFont {
   double units_per_em() const { return units_per_em_; }
   // From the font, or the ink of "H" where it says none; 0 where it has neither.
   double cap_height() const { return cap_height_; }
+  // Those of the wanted features that the font has no rule for.
+  std::vector<std::string> FeaturesWithoutRules() const;
   // The distance of two lines, or of two columns.
   double line_pitch(WritingMode mode) const;
 
@@ -66,18 +70,24 @@ class ShapingFont {
   // Whether the character has a form of its own for columns.
   bool HasVerticalForm(char32_t ch) const;
 
-  // The closed outlines of a glyph, about its own origin. Kept: the reference lives as long as the
-  // font.
+  // The closed outlines of a glyph, about its own origin, bold and slanted where the font's data
+  // asks for that. Kept: the reference lives as long as the font.
   const std::vector<Path>& Outline(uint32_t glyph) const;
 
  private:
   struct Handles;
   ShapingFont(FontData data, std::unique_ptr<Handles> handles);
+  void MeasureCapitals();
 
   FontData data_;
   std::unique_ptr<Handles> handles_;
   double units_per_em_ = 0;
   double cap_height_ = 0;
+  double bold_ = 0;  // how far outlines are moved outwards
 };
+
+// Whether "smcp,liga=0" and "wght=650,slnt=-8" can be read; the reason names the part that cannot.
+[[nodiscard]] Status CheckFeatures(std::string_view features);
+[[nodiscard]] Status CheckVariations(std::string_view variations);
 
 }  // namespace kerno

@@ -62,14 +62,16 @@ int32_t Saturated(Number value) {
 }
 
 LogFont MeasuringFont(bool vertical, int32_t height, int32_t width, double slant, double angle,
-                      std::u16string_view face, int32_t weight) {
+                      std::u16string_view face, int32_t weight, bool italic) {
   if (!vertical) {
     LogFont font = BuildLogFont(height, width, weight, face);
+    font.italic = italic ? 1 : 0;
     font.escapement = Saturated(slant * 10);
     font.orientation = Saturated(angle * 10);
     return font;
   }
   LogFont font = BuildLogFont(width == 0 ? height : width, height / 2, weight, face);
+  font.italic = italic ? 1 : 0;
   font.escapement = Saturated((slant + angle - 90) * 10);
   font.orientation = Saturated((angle - 90) * 10);
   return font;
@@ -180,12 +182,12 @@ void PlaceBlock(std::vector<P2>* points, P2 low, P2 high, const BlockPlacement& 
 
 StringExtent MeasureString(DeviceContext* dc, std::u16string_view text, bool vertical,
                            int32_t height, int32_t width, double slant, double angle,
-                           std::u16string_view face, int32_t weight) {
+                           std::u16string_view face, int32_t weight, bool italic) {
   if (!dc || height >= kEstimateFrom || width >= kEstimateFrom) {
     return EstimateExtent(text, vertical, height, width);
   }
-  const auto font =
-      dc->CreateFontIndirect(MeasuringFont(vertical, height, width, slant, angle, face, weight));
+  const auto font = dc->CreateFontIndirect(
+      MeasuringFont(vertical, height, width, slant, angle, face, weight, italic));
   if (!font) return EstimateExtent(text, vertical, height, width);
   Font* before = dc->SelectFont(font.get());
   Extent extent;

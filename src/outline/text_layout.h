@@ -81,6 +81,6 @@ struct StringExtent {
 // elements in the field were sized so.
 StringExtent MeasureString(DeviceContext* dc, std::u16string_view text, bool vertical,
                            int32_t height, int32_t width, double slant, double angle,
-                           std::u16string_view face, int32_t weight);
+                           std::u16string_view face, int32_t weight, bool italic = false);
 
 }  // namespace kerno

@@ -11,7 +11,7 @@ constexpr double kUpright = -90;  // degrees of a character of a vertical form
 
 bool SameFont(const LogFont& a, const LogFont& b) {
   return a.height == b.height && a.width == b.width && a.weight == b.weight &&
-         a.face_name == b.face_name;
+         a.italic == b.italic && a.face_name == b.face_name;
 }
 
 bool IsLayoutControl(char32_t ch) {
@@ -58,6 +58,7 @@ Typesetter::~Typesetter() {
 bool Typesetter::Select(const TextRequest& request) {
   LogFont wanted =
       BuildLogFont(request.height, request.width, request.weight, SystemFaceName(request.face));
+  wanted.italic = request.italic ? 1 : 0;
   if (font_ && SameFont(wanted, wanted_)) return true;
   if (font_) context_.SelectFont(before_);
   font_ = context_.CreateFontIndirect(wanted);

@@ -31,6 +31,7 @@ struct TextRequest {
   int32_t height = 100;  // above 0 of a line, below 0 of an em, 0 the system's own choice
   int32_t width = 0;     // of an average character; 0: the face's own
   int32_t weight = 400;  // 400 normal, 700 bold
+  bool italic = false;
   LayoutOptions layout;
   BlockPlacement placement;
 };

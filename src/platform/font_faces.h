@@ -27,6 +27,26 @@ struct InstalledFace {
 // *skipped when that is given.
 std::vector<InstalledFace> EnumerateFaces(std::vector<std::u16string>* skipped = nullptr);
 
+// The names of EnumerateFaces that have outlines, the plain ones or those of the "@" forms, without
+// a look into any file: damaged ones are among them.
+enum class FamilyForm { kPlain, kVertical };
+std::vector<std::u16string> ListFamilies(FamilyForm form);
+
+// One installed face, as far as the system tells without a look into its file.
+struct ListedFace {
+  std::vector<std::u16string> families;    // in every language; the one that the system shows first
+  std::vector<std::u16string> full_names;  // of the face alone: "DejaVu Sans Bold Oblique"
+  std::vector<std::u16string> styles;      // in every language; the one to show first
+  std::filesystem::path file;              // empty where the system does not tell
+  uint32_t index = 0;                      // the font of a collection
+  uint32_t instance = 0;                   // above 0: a named instance of a variable font
+  bool has_outlines = false;
+  bool has_vertical_form = false;
+};
+
+// In the order of their names, styles and files.
+std::vector<ListedFace> ListFaces();
+
 // Makes the faces of a font file known to this process, for its life. *names receives the families'
 // names. Fails, and leaves everything as it was, for a file without a face that can be used.
 Status AddFontFile(const std::filesystem::path& file, std::vector<std::u16string>* names);

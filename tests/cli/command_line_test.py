@@ -208,7 +208,8 @@ class CommandLineTest(programs.FolderTest):
         config.write_text(f"<fontconfig><dir>{fonts}</dir><cachedir>{self.folder}/c</cachedir></fontconfig>")
         env = {"FONTCONFIG_FILE": str(config)}
         status, out, err = run("faces", "--json", env=env)
-        self.assertEqual((0, ["DejaVu Sans"], ""), (status, json.loads(out), err))
+        self.assertEqual((0, [["good.ttf", ["DejaVu Sans"]]], ""),
+                         (status, [[pathlib.Path(f["file"]).name, f["names"]] for f in json.loads(out)], err))
         self.assertIn("noise.otf", run("faces", "--skipped", env=env)[2])
         self.assertEqual(contours("AB", *SANS), contours("AB", "--face", "dejavu SANS", env=env))
 

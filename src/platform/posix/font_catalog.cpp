@@ -32,6 +32,15 @@ std::string StringAt(FcPattern* pattern, const char* object, int index) {
              : std::string();
 }
 
+std::vector<std::u16string> TextsOf(FcPattern* pattern, const char* object) {
+  std::vector<std::u16string> texts;
+  for (int i = 0;; ++i) {
+    const std::string text = StringAt(pattern, object, i);
+    if (text.empty()) return texts;
+    texts.push_back(FromFontconfigText(text));
+  }
+}
+
 int IntegerOf(FcPattern* pattern, const char* object, int otherwise) {
   int value = 0;
   return FcPatternGetInteger(pattern, object, 0, &value) == FcResultMatch ? value : otherwise;
@@ -42,13 +51,6 @@ bool IsTrue(FcPattern* pattern, const char* object) {
   return FcPatternGetBool(pattern, object, 0, &value) == FcResultMatch && value == FcTrue;
 }
 
-bool CoversWide(FcPattern* pattern) {
-  FcCharSet* covered = nullptr;
-  return FcPatternGetCharSet(pattern, FC_CHARSET, 0, &covered) == FcResultMatch &&
-         std::any_of(kWideSamples.begin(), kWideSamples.end(),
-                     [covered](FcChar32 ch) { return FcCharSetHasChar(covered, ch) == FcTrue; });
-}
-
 int32_t WeightOf(FcPattern* pattern) {
   double weight = 0;
   if (FcPatternGetDouble(pattern, FC_WEIGHT, 0, &weight) != FcResultMatch) {
@@ -56,6 +58,62 @@ int32_t WeightOf(FcPattern* pattern) {
   }
   const double open_type = FcWeightToOpenTypeDouble(weight);
   return open_type > 0 ? static_cast<int32_t>(std::lround(open_type)) : 400;
+}
+
+// Fontconfig gives the named instances of a variable face its full name.
+std::vector<std::u16string> NamesOfInstance(const CatalogFace& face) {
+  std::vector<std::u16string> names;
+  for (const CatalogFace::Name& family : face.families) {
+    for (const std::u16string& style : face.styles) {
+      names.push_back(std::u16string(family.text).append(u" ").append(style));
+    }
+  }
+  return names;
+}
+
+CatalogFace FaceOf(FcPattern* pattern) {
+  CatalogFace face;
+  face.path = StringAt(pattern, FC_FILE, 0);
+  face.index = IntegerOf(pattern, FC_INDEX, 0);
+  face.families = FamiliesOf(pattern);
+  face.styles = TextsOf(pattern, FC_STYLE);
+  face.full_names = face.index >> 16 == 0 ? TextsOf(pattern, FC_FULLNAME) : NamesOfInstance(face);
+  face.weight = WeightOf(pattern);
+  face.width = IntegerOf(pattern, FC_WIDTH, FC_WIDTH_NORMAL);
+  face.slanted = IntegerOf(pattern, FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;
+  const int spacing = IntegerOf(pattern, FC_SPACING, FC_PROPORTIONAL);
+  face.fixed_pitch = spacing == FC_DUAL || spacing == FC_MONO || spacing == FC_CHARCELL;
+  face.has_outlines = IsTrue(pattern, FC_OUTLINE);
+  const std::string format = StringAt(pattern, FC_FONTFORMAT, 0);
+  face.is_sfnt = format == "TrueType" || format == "CFF";
+  face.covers_wide = face.has_outlines && CoversWide(pattern);
+  return face;
+}
+
+// Whether the face has the name only as a part of a wider family, whose members beyond the regular
+// and the bold have families of their own beside it.
+bool IsDistant(const CatalogFace& face, const std::string& key, bool vertical) {
+  return std::none_of(
+      face.families.begin(), face.families.end(),
+      [&](const CatalogFace::Name& name) { return name.own && KeyOf(name.text, vertical) == key; });
+}
+
+auto Rank(const CatalogFace& face, const FaceWish& wish, bool distant) {
+  const int32_t distance = std::abs(face.weight - wish.weight);
+  // Of two as near the lighter one: bold begins above 550, half way between 400 and 700.
+  const bool heavier = face.weight > wish.weight;
+  return std::make_tuple(!face.has_outlines, distant, face.slanted != wish.italic,
+                         std::abs(face.width - FC_WIDTH_NORMAL), distance, heavier,
+                         std::cref(face.path), face.index);
+}
+
+}  // namespace
+
+bool CoversWide(FcPattern* pattern) {
+  FcCharSet* covered = nullptr;
+  return FcPatternGetCharSet(pattern, FC_CHARSET, 0, &covered) == FcResultMatch &&
+         std::any_of(kWideSamples.begin(), kWideSamples.end(),
+                     [covered](FcChar32 ch) { return FcCharSetHasChar(covered, ch) == FcTrue; });
 }
 
 // The families of a face: each has a name in one language or more, and the names of one language
@@ -91,45 +149,6 @@ std::vector<CatalogFace::Name> FamiliesOf(FcPattern* pattern) {
   }
   return names;
 }
-
-CatalogFace FaceOf(FcPattern* pattern) {
-  CatalogFace face;
-  face.path = StringAt(pattern, FC_FILE, 0);
-  face.index = IntegerOf(pattern, FC_INDEX, 0);
-  face.families = FamiliesOf(pattern);
-  for (int i = 0;; ++i) {
-    const std::string style = StringAt(pattern, FC_STYLE, i);
-    if (style.empty()) break;
-    face.styles.push_back(FromFontconfigText(style));
-  }
-  face.weight = WeightOf(pattern);
-  face.width = IntegerOf(pattern, FC_WIDTH, FC_WIDTH_NORMAL);
-  face.slanted = IntegerOf(pattern, FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN;
-  const int spacing = IntegerOf(pattern, FC_SPACING, FC_PROPORTIONAL);
-  face.fixed_pitch = spacing == FC_DUAL || spacing == FC_MONO || spacing == FC_CHARCELL;
-  face.has_outlines = IsTrue(pattern, FC_OUTLINE);
-  face.covers_wide = face.has_outlines && CoversWide(pattern);
-  return face;
-}
-
-// Whether the face has the name only as a part of a wider family, whose members beyond the regular
-// and the bold have families of their own beside it.
-bool IsDistant(const CatalogFace& face, const std::string& key, bool vertical) {
-  return std::none_of(
-      face.families.begin(), face.families.end(),
-      [&](const CatalogFace::Name& name) { return name.own && KeyOf(name.text, vertical) == key; });
-}
-
-auto Rank(const CatalogFace& face, const FaceWish& wish, bool distant) {
-  const int32_t distance = std::abs(face.weight - wish.weight);
-  // Of two as near the lighter one: bold begins above 550, half way between 400 and 700.
-  const bool heavier = face.weight > wish.weight;
-  return std::make_tuple(!face.has_outlines, distant, face.slanted != wish.italic,
-                         std::abs(face.width - FC_WIDTH_NORMAL), distance, heavier,
-                         std::cref(face.path), face.index);
-}
-
-}  // namespace
 
 FontCatalog& FontCatalog::Current() {
   auto& slot = CurrentSlot();
@@ -205,6 +224,19 @@ std::vector<const CatalogFace*> FontCatalog::FindFamily(std::u16string_view name
            Rank(*b, wish, IsDistant(*b, key, wish.vertical));
   });
   found.erase(std::unique(found.begin(), found.end()), found.end());
+  return found;
+}
+
+std::vector<const CatalogFace*> FontCatalog::FindFullName(std::u16string_view name) const {
+  constexpr size_t kWhole = std::u16string_view::npos;
+  const std::string key = FaceNameKey(name, kWhole);
+  std::vector<const CatalogFace*> found;
+  for (const CatalogFace& face : faces_) {
+    const bool named = std::ranges::any_of(face.full_names, [&](const std::u16string& full) {
+      return FaceNameKey(full, kWhole) == key;
+    });
+    if (named && !face.families.empty()) found.push_back(&face);
+  }
   return found;
 }
 

@@ -33,13 +33,20 @@ struct CatalogFace {
   int index = 0;                       // face, and instance of a variable face in the upper 16 bits
   std::vector<Name> families;          // every localized name of its families
   std::vector<std::u16string> styles;  // every localized name of its style, "Bold Oblique"
-  int32_t weight = 400;                // 100 to 1000
-  int32_t width = 100;                 // percent of the normal width
-  bool slanted = false;                // italic or oblique
+  std::vector<std::u16string> full_names;  // of the face alone: "DejaVu Sans Bold Oblique"
+  int32_t weight = 400;                    // 100 to 1000
+  int32_t width = 100;                     // percent of the normal width
+  bool slanted = false;                    // italic or oblique
   bool fixed_pitch = false;   // every character as wide as the next, or half as wide (dual)
   bool has_outlines = false;  // TrueType, CFF or Type 1
+  bool is_sfnt = false;       // TrueType or CFF
   bool covers_wide = false;   // covers East Asian full-width characters
 };
+
+// The family names of a face and whether it covers full-width characters, from what Fontconfig
+// keeps of it.
+std::vector<CatalogFace::Name> FamiliesOf(FcPattern* pattern);
+bool CoversWide(FcPattern* pattern);
 
 // How a face is wanted.
 struct FaceWish {
@@ -73,6 +80,9 @@ class FontCatalog {
   // compared), the best for the wish first: outlines,
   // then slant, width nearest to normal, weight nearest to the wanted one.
   std::vector<const CatalogFace*> FindFamily(std::u16string_view name, const FaceWish& wish) const;
+
+  // The faces of which this is the full name.
+  std::vector<const CatalogFace*> FindFullName(std::u16string_view name) const;
 
   // What the font mapper takes for a name that is not installed, best first. It sorts all faces, so
   // its answers are kept.

@@ -5,97 +5,127 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <limits>
+#include <utility>
 
 #include "platform/font_data.h"
+#include "platform/font_file.h"
 #include "platform/posix/font_catalog.h"
 #include "platform/posix/system_error.h"
-#include "platform/posix/unicode.h"
+#include "platform/style_choice.h"
 
 namespace kerno {
 namespace {
 
 class MappedFile final : public FontBytes {
  public:
-  MappedFile(void* memory, size_t size) : memory_(memory), size_(size) {}
+  MappedFile(std::string path, void* memory, size_t size)
+      : path_(std::move(path)), memory_(memory), size_(size) {}
   ~MappedFile() override { munmap(memory_, size_); }
   MappedFile(const MappedFile&) = delete;
   MappedFile& operator=(const MappedFile&) = delete;
 
   std::string_view bytes() const override { return {static_cast<const char*>(memory_), size_}; }
+  std::u16string name() const override { return SystemText(path_); }
 
  private:
+  std::string path_;
   void* memory_;
   size_t size_;
 };
 
-Status MapFile(const std::string& path, std::shared_ptr<const FontBytes>* file) {
-  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+// The faces that a name stands for, the best first.
+struct Members {
+  std::vector<const CatalogFace*> faces;
+  bool by_full_name = false;  // the name is that of a face, not of a family
+};
+
+bool CanBeShaped(const CatalogFace* face) {
+  return face->has_outlines && face->is_sfnt;
+}
+
+// A full name with a style stands for its family.
+Members MembersOf(const FontCatalog& catalog, const FaceRequest& request) {
+  const auto family_of = [&](const std::vector<const CatalogFace*>& faces) {
+    return catalog.FindFamily(faces.front()->families.front().text, {});
+  };
+  Members members;
+  if (request.family.empty()) {
+    members.faces = catalog.Substitutes(request.family, {});
+    std::erase_if(members.faces, [](const CatalogFace* face) { return !CanBeShaped(face); });
+    if (!members.faces.empty()) members.faces = family_of(members.faces);
+  } else {
+    members.faces = catalog.FindFamily(request.family, {});
+    members.by_full_name = members.faces.empty();
+  }
+  if (members.by_full_name) {
+    members.faces = catalog.FindFullName(request.family);
+    if (!members.faces.empty() && !request.style.empty()) members.faces = family_of(members.faces);
+  }
+  std::erase_if(members.faces, [](const CatalogFace* face) { return !CanBeShaped(face); });
+  return members;
+}
+
+Status NoSuchFace(const FontCatalog& catalog, const FaceRequest& request) {
+  if (request.family.empty()) {
+    return Status::Error(Failure::kNotFound, u"face", u"none is installed");
+  }
+  const auto known = catalog.FindFamily(request.family, {});
+  const bool outlines =
+      std::ranges::any_of(known, [](const CatalogFace* face) { return face->has_outlines; });
+  const std::u16string why = known.empty() ? u" is not installed"
+                             : outlines    ? u" is a Type 1 font, whose outlines are not read"
+                                           : u" has no outlines";
+  return Status::Error(Failure::kNotFound, u"face", u"\"" + request.family + u"\"" + why);
+}
+
+}  // namespace
+
+Status OpenFontBytes(const std::filesystem::path& path, std::shared_ptr<const FontBytes>* file) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) return SystemError(path, errno);
   struct stat facts {};
   void* memory = MAP_FAILED;
   int error = fstat(descriptor, &facts) == 0 ? 0 : errno;
+  if (error == 0 && S_ISDIR(facts.st_mode)) error = EISDIR;
+  const bool is_file = S_ISREG(facts.st_mode);
   const auto size = static_cast<size_t>(facts.st_size);
-  if (error == 0 && size > 0) {
+  if (error == 0 && is_file && size > 0) {
     memory = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, descriptor, 0);
     if (memory == MAP_FAILED) error = errno;
   }
   close(descriptor);
   if (error != 0) return SystemError(path, error);
   if (memory == MAP_FAILED) {
-    return Status::Error(Failure::kOther, FromFontconfigText(path), u"is an empty file");
+    return Status::Error(Failure::kOther, SystemText(path.native()),
+                         is_file ? u"is an empty file" : u"is no file");
   }
-  *file = std::make_shared<MappedFile>(memory, size);
+  *file = std::make_shared<MappedFile>(path.native(), memory, size);
   return Status::Ok();
 }
 
-bool HasStyle(const CatalogFace& face, std::u16string_view style) {
-  constexpr size_t kWhole = std::numeric_limits<size_t>::max();
-  return std::ranges::any_of(face.styles, [&](const std::u16string& name) {
-    return FaceNameKey(name, kWhole) == FaceNameKey(style, kWhole);
-  });
-}
-
-// "the styles are ..." of a family.
-std::u16string StylesOf(const std::vector<const CatalogFace*>& members) {
-  std::u16string names;
-  for (const CatalogFace* face : members) {
-    if (face->styles.empty()) continue;
-    names += (names.empty() ? u"\"" : u", \"") + face->styles.front() + u"\"";
-  }
-  return names;
-}
-
-}  // namespace
-
-Status FindFontData(std::u16string_view family, std::u16string_view style, FontData* data) {
+Status FindFontData(const FaceRequest& request, FontData* data) {
+  if (!request.file.empty()) return FindInFile(request, data);
   const FontCatalog& catalog = FontCatalog::Current();
-  std::vector<const CatalogFace*> members =
-      family.empty() ? catalog.Substitutes(family, {}) : catalog.FindFamily(family, {});
-  std::erase_if(members, [](const CatalogFace* face) { return !face->has_outlines; });
-  if (members.empty()) {
-    if (family.empty()) return Status::Error(Failure::kNotFound, u"face", u"none is installed");
-    const bool bitmaps = !catalog.FindFamily(family, {}).empty();
-    return Status::Error(Failure::kNotFound, u"face",
-                         u"\"" + std::u16string(family) +
-                             (bitmaps ? u"\" has no outlines" : u"\" is not installed"));
+  const Members members = MembersOf(catalog, request);
+  if (members.faces.empty()) return NoSuchFace(catalog, request);
+  std::vector<StyledFace> styles;
+  for (const CatalogFace* face : members.faces) {
+    styles.push_back({face->styles, face->weight, face->width, face->slanted});
   }
-  const CatalogFace* face = members.front();
-  if (!style.empty()) {
-    const auto found = std::ranges::find_if(
-        members, [&](const CatalogFace* member) { return HasStyle(*member, style); });
-    if (found == members.end()) {
-      return Status::Error(Failure::kNotFound, u"style",
-                           u"\"" + SystemName(*face, family, false) + u"\" has no \"" +
-                               std::u16string(style) + u"\"; it has " + StylesOf(members));
-    }
-    face = *found;
-  }
-  data->index = static_cast<uint32_t>(face->index) & 0xFFFF;
-  data->instance = static_cast<uint32_t>(face->index) >> 16;
-  data->family = SystemName(*face, family, false);
-  data->style = face->styles.empty() ? u"" : face->styles.front();
-  return MapFile(face->path, &data->file);
+  const std::u16string family =
+      SystemName(*members.faces.front(), members.by_full_name ? u"" : request.family, false);
+  const auto choice = ChooseStyle(request.style, styles);
+  if (!choice) return NoSuchStyle(family, request.style, styles);
+  const CatalogFace& face = *members.faces[choice->face];
+  FontData found;
+  found.index = static_cast<uint32_t>(face.index) & 0xFFFF;
+  found.instance = static_cast<uint32_t>(face.index) >> 16;
+  found.family = family;
+  Describe(request, styles, *choice, &found);
+  if (Status opened = OpenFontBytes(face.path, &found.file); !opened.ok()) return opened;
+  if (Status whole = CheckWhole(found); !whole.ok()) return whole;
+  *data = std::move(found);
+  return Status::Ok();
 }
 
 }  // namespace kerno

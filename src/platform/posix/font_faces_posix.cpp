@@ -2,7 +2,9 @@
 #include <array>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <set>
+#include <tuple>
 
 #include "platform/device_context.h"
 #include "platform/font_faces.h"
@@ -155,6 +157,56 @@ std::vector<InstalledFace> EnumerateFaces(std::vector<std::u16string>* skipped) 
     *skipped = DamagedFiles(catalog);
   }
   return faces;
+}
+
+std::vector<std::u16string> ListFamilies(FamilyForm form) {
+  const std::unique_ptr<FcConfig, decltype(&FcConfigDestroy)> config(FcInitLoadConfigAndFonts(),
+                                                                     &FcConfigDestroy);
+  std::map<std::string, std::u16string> families;
+  const FcFontSet* set = config ? FcConfigGetFonts(config.get(), FcSetSystem) : nullptr;
+  for (int i = 0; set != nullptr && i < set->nfont; ++i) {
+    FcPattern* face = set->fonts[i];
+    FcBool outlines = FcFalse;
+    FcPatternGetBool(face, FC_OUTLINE, 0, &outlines);
+    if (outlines == FcFalse || (form == FamilyForm::kVertical && !CoversWide(face))) continue;
+    for (const CatalogFace::Name& name : FamiliesOf(face)) {
+      families.emplace(FaceNameKey(name.system, kMaxFaceName), name.system);
+    }
+  }
+  std::vector<std::u16string> names;
+  for (const auto& [key, name] : families) {
+    const bool vertical = form == FamilyForm::kVertical;
+    names.push_back(vertical ? (u"@" + name).substr(0, kMaxFaceName) : name);
+  }
+  return names;
+}
+
+std::vector<ListedFace> ListFaces() {
+  FontCatalog::Refresh();
+  std::vector<ListedFace> listed;
+  for (const CatalogFace& face : FontCatalog::Current().faces()) {
+    if (face.families.empty()) continue;
+    ListedFace item;
+    item.families.push_back(face.families.front().system);
+    for (const CatalogFace::Name& name : face.families) {
+      const bool known =
+          std::find(item.families.begin(), item.families.end(), name.text) != item.families.end();
+      if (!known) item.families.push_back(name.text);
+    }
+    item.full_names = face.full_names;
+    item.styles = face.styles;
+    item.file = face.path;
+    item.index = static_cast<uint32_t>(face.index) & 0xFFFF;
+    item.instance = static_cast<uint32_t>(face.index) >> 16;
+    item.has_outlines = face.has_outlines && face.is_sfnt;
+    item.has_vertical_form = face.covers_wide;
+    listed.push_back(std::move(item));
+  }
+  std::sort(listed.begin(), listed.end(), [](const ListedFace& a, const ListedFace& b) {
+    return std::tie(a.families, a.styles, a.file, a.index, a.instance) <
+           std::tie(b.families, b.styles, b.file, b.index, b.instance);
+  });
+  return listed;
 }
 
 Status AddFontFile(const fs::path& file, std::vector<std::u16string>* names) {

@@ -1,17 +1,27 @@
 #include <algorithm>
 #include <cstring>
+#include <tuple>
+#include <utility>
 
+#include "platform/big_endian.h"
 #include "platform/device_context.h"
 #include "platform/fold_case.h"
+#include "platform/folder_path.h"
 #include "platform/font_data.h"
-#include "platform/win32/big_endian.h"
+#include "platform/font_faces.h"
+#include "platform/font_file.h"
+#include "platform/held_file.h"
+#include "platform/win32/long_path.h"
+#include "platform/win32/system_error.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/windows_api.h"
 
 namespace kerno {
 namespace {
 
-constexpr DWORD kCollectionTag = 0x66637474;  // "ttcf", as GetFontData takes it
+// Tags as GetFontData takes them: the first letter in the lowest byte.
+constexpr DWORD kCollectionTag = 0x66637474;  // "ttcf"
+constexpr DWORD kNamingTag = 0x656D616E;      // "name"
 
 class MemoryDevice {
  public:
@@ -27,18 +37,43 @@ class MemoryDevice {
 
 class BytesInMemory final : public FontBytes {
  public:
-  explicit BytesInMemory(std::string bytes) : bytes_(std::move(bytes)) {}
+  BytesInMemory(std::u16string name, std::string bytes)
+      : name_(std::move(name)), bytes_(std::move(bytes)) {}
   std::string_view bytes() const override { return bytes_; }
+  std::u16string name() const override { return name_; }
 
  private:
+  std::u16string name_;
   std::string bytes_;
+};
+
+// Has a font selected for as long as it lives.
+class SelectedFont {
+ public:
+  SelectedFont(HDC dc, const LOGFONTW& wanted)
+      : dc_(dc), font_(CreateFontIndirectW(&wanted)), before_(SelectObject(dc, font_)) {}
+  ~SelectedFont() {
+    SelectObject(dc_, before_);
+    DeleteObject(font_);
+  }
+  SelectedFont(const SelectedFont&) = delete;
+  SelectedFont& operator=(const SelectedFont&) = delete;
+
+ private:
+  HDC dc_;
+  HFONT font_;
+  HGDIOBJ before_;
 };
 
 struct Member {
   LOGFONTW font;
-  std::u16string style;
+  std::u16string style, full_name;
   bool outlines;
 };
+
+std::u16string FamilyOf(const Member& member) {
+  return FromWideBuffer(member.font.lfFaceName, LF_FACESIZE);
+}
 
 int CALLBACK Collect(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD type, LPARAM target) {
   const auto* described = reinterpret_cast<const ENUMLOGFONTEXW*>(font);
@@ -47,6 +82,7 @@ int CALLBACK Collect(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD typ
   const bool cff = (type & TRUETYPE_FONTTYPE) == 0 && (type & RASTER_FONTTYPE) == 0 &&
                    (facts->ntmTm.ntmFlags & NTM_PS_OPENTYPE) != 0;
   members->push_back({*font, FromWideBuffer(described->elfStyle, LF_FACESIZE),
+                      FromWideBuffer(described->elfFullName, LF_FULLFACESIZE),
                       (type & TRUETYPE_FONTTYPE) != 0 || cff});
   return 1;
 }
@@ -88,52 +124,176 @@ uint32_t IndexIn(std::string_view collection, std::string_view font) {
   return 0;
 }
 
-}  // namespace
-
-Status FindFontData(std::u16string_view family, std::u16string_view style, FontData* data) {
-  const MemoryDevice device;
-  std::vector<Member> members = MembersOf(device.get(), family.empty() ? u"Arial" : family);
-  const bool known = !members.empty();
-  std::erase_if(members, [](const Member& member) { return !member.outlines; });
-  if (members.empty()) {
-    return Status::Error(
-        Failure::kNotFound, u"face",
-        u"\"" + std::u16string(family) + (known ? u"\" has no outlines" : u"\" is not installed"));
-  }
-  const Member* chosen = &members.front();
-  if (!style.empty()) {
-    const auto found = std::find_if(members.begin(), members.end(), [&](const Member& member) {
-      return EqualWithoutCase(member.style, style);
-    });
-    if (found == members.end()) {
-      std::u16string names;
-      for (const Member& member : members) {
-        const std::u16string quoted = u"\"" + member.style + u"\"";
-        if (names.find(quoted) != names.npos) continue;
-        names += (names.empty() ? u"" : u", ") + quoted;
-      }
-      return Status::Error(Failure::kNotFound, u"style",
-                           u"\"" + FromWideBuffer(chosen->font.lfFaceName, LF_FACESIZE) +
-                               u"\" has no \"" + std::u16string(style) + u"\"; it has " + names);
-    }
-    chosen = &*found;
-  }
-  data->family = FromWideBuffer(chosen->font.lfFaceName, LF_FACESIZE);
-  data->style = chosen->style;
-  const HFONT font = CreateFontIndirectW(&chosen->font);
-  const HGDIOBJ before = SelectObject(device.get(), font);
+// What the system gives of the file of a face.
+Status ReadFile(const MemoryDevice& device, const Member& member, FontData* data) {
+  const SelectedFont selected(device.get(), member.font);
   std::string bytes = Bytes(device.get(), 0);
   if (std::string collection = Bytes(device.get(), kCollectionTag); !collection.empty()) {
     data->index = IndexIn(collection, bytes);
     bytes = std::move(collection);
   }
-  SelectObject(device.get(), before);
-  DeleteObject(font);
   if (bytes.empty()) {
     return Status::Error(Failure::kOther, data->family, u"the font's file cannot be read");
   }
-  data->file = std::make_shared<BytesInMemory>(std::move(bytes));
+  data->file = std::make_shared<BytesInMemory>(data->family, std::move(bytes));
+  return CheckWhole(*data);
+}
+
+bool HasName(const std::vector<std::u16string>& names, std::u16string_view wanted) {
+  return std::any_of(names.begin(), names.end(),
+                     [&](const std::u16string& name) { return EqualWithoutCase(name, wanted); });
+}
+
+// Whether the naming table of the file has the name, in whatever language; *full tells whether it
+// is not one of the family.
+bool IsNamedInFile(const MemoryDevice& device, const Member& member, std::u16string_view wanted,
+                   bool* full) {
+  const SelectedFont selected(device.get(), member.font);
+  const FontFileFace names = NamesIn(Bytes(device.get(), kNamingTag));
+  *full = !HasName(names.families, wanted);
+  return !*full || HasName(names.full_names, wanted);
+}
+
+struct Members {
+  std::vector<Member> faces;  // the best first
+  bool by_full_name = false;  // the name is that of a face, not of a family
+};
+
+// The faces of a family by the name that the system shows; else by a full name, and by the names in
+// other languages, which stand in the files alone.
+Members FindMembers(const MemoryDevice& device, std::u16string_view name) {
+  Members found = {MembersOf(device.get(), name), false};
+  if (!found.faces.empty()) return found;
+  const std::vector<Member> all = MembersOf(device.get(), u"");
+  for (const bool in_file : {false, true}) {
+    for (const Member& first : all) {
+      for (const Member& member : MembersOf(device.get(), FamilyOf(first))) {
+        bool full = true;
+        const bool named = in_file ? IsNamedInFile(device, member, name, &full)
+                                   : EqualWithoutCase(member.full_name, name);
+        if (!named) continue;
+        if (full) return {{member}, true};
+        return {MembersOf(device.get(), FamilyOf(member)), false};
+      }
+    }
+  }
+  return found;
+}
+
+// The family that the system takes when it is left the choice.
+std::u16string MappedFamily(const MemoryDevice& device) {
+  LOGFONTW wanted{};
+  wanted.lfCharSet = DEFAULT_CHARSET;
+  wanted.lfOutPrecision = OUT_OUTLINE_PRECIS;
+  std::copy_n(L"Arial", 6, wanted.lfFaceName);
+  const SelectedFont selected(device.get(), wanted);
+  wchar_t name[LF_FACESIZE] = {};
+  GetTextFaceW(device.get(), LF_FACESIZE, name);
+  return FromWideBuffer(name, LF_FACESIZE);
+}
+
+std::vector<StyledFace> StylesOf(const std::vector<Member>& members) {
+  std::vector<StyledFace> styles;
+  for (const Member& member : members) {
+    styles.push_back({{member.style},
+                      static_cast<int32_t>(member.font.lfWeight),
+                      100,
+                      member.font.lfItalic != 0});
+  }
+  return styles;
+}
+
+// The named instance of a variable font that a style is, where the system lists the font alone.
+bool TakeInstance(const FaceRequest& request, FontData* data) {
+  std::vector<FontFileFace> instances = FacesIn(data->file->bytes());
+  std::erase_if(instances, [&](const FontFileFace& face) {
+    return face.index != data->index || face.instance == 0;
+  });
+  std::vector<StyledFace> styles;
+  for (const FontFileFace& face : instances) styles.push_back(face.style);
+  if (styles.empty() || request.style.empty()) return false;
+  const auto choice = ChooseStyle(request.style, styles);
+  if (!choice || choice->make_bold || choice->make_slanted) return false;
+  data->instance = instances[choice->face].instance;
+  Describe(request, styles, *choice, data);
+  return true;
+}
+
+}  // namespace
+
+Status OpenFontBytes(const std::filesystem::path& path, std::shared_ptr<const FontBytes>* file) {
+  const std::filesystem::path whole = LongPath(FullPath(path));
+  if (IsFolder(whole)) {
+    return Status::Error(Failure::kIsFolder, SystemText(path), u"it is a folder");
+  }
+  Status status;
+  std::string bytes;
+  const auto held = HeldFile::Open(whole, Deny::kWrite, &status);
+  if (!held) return status;
+  if (Status read = held->Read(&bytes); !read.ok()) return read;
+  if (bytes.empty()) {
+    return Status::Error(Failure::kOther, SystemText(path), u"is an empty file");
+  }
+  *file = std::make_shared<BytesInMemory>(SystemText(path), std::move(bytes));
   return Status::Ok();
+}
+
+Status FindFontData(const FaceRequest& request, FontData* data) {
+  if (!request.file.empty()) return FindInFile(request, data);
+  const MemoryDevice device;
+  Members members =
+      FindMembers(device, request.family.empty() ? MappedFamily(device) : request.family);
+  if (members.by_full_name && !request.style.empty()) {
+    members.faces = MembersOf(device.get(), FamilyOf(members.faces.front()));
+  }
+  const bool known = !members.faces.empty();
+  std::erase_if(members.faces, [](const Member& member) { return !member.outlines; });
+  if (members.faces.empty()) {
+    return Status::Error(
+        Failure::kNotFound, u"face",
+        u"\"" + request.family + (known ? u"\" has no outlines" : u"\" is not installed"));
+  }
+  const std::vector<StyledFace> styles = StylesOf(members.faces);
+  const auto choice = ChooseStyle(request.style, styles);
+  const Member& chosen = members.faces[choice ? choice->face : 0];
+  FontData found;
+  found.family = FamilyOf(chosen);
+  if (Status read = ReadFile(device, chosen, &found); !read.ok()) return read;
+  const bool makes = !choice || choice->make_bold || choice->make_slanted;
+  if (!makes || !TakeInstance(request, &found)) {
+    if (!choice) return NoSuchStyle(found.family, request.style, styles);
+    Describe(request, styles, *choice, &found);
+  }
+  *data = std::move(found);
+  return Status::Ok();
+}
+
+std::vector<ListedFace> ListFaces() {
+  const MemoryDevice device;
+  std::vector<ListedFace> faces;
+  for (const Member& first : MembersOf(device.get(), u"")) {
+    for (const Member& member : MembersOf(device.get(), FamilyOf(first))) {
+      ListedFace face;
+      face.families = {FamilyOf(member)};
+      face.full_names = {member.full_name};
+      face.styles = {member.style};
+      face.has_outlines = member.outlines;
+      if (!face.families.front().starts_with(u'@')) faces.push_back(std::move(face));
+    }
+  }
+  // A face stands there once for each of its character sets.
+  const auto key = [](const ListedFace& face) {
+    return std::tie(face.families, face.styles, face.full_names);
+  };
+  std::stable_sort(faces.begin(), faces.end(),
+                   [&](const ListedFace& a, const ListedFace& b) { return key(a) < key(b); });
+  const auto same = [&](const ListedFace& a, const ListedFace& b) { return key(a) == key(b); };
+  faces.erase(std::unique(faces.begin(), faces.end(), same), faces.end());
+  for (ListedFace& face : faces) {
+    face.has_vertical_form =
+        !MembersOf(device.get(), (u"@" + face.families.front()).substr(0, kMaxFaceName)).empty();
+  }
+  return faces;
 }
 
 }  // namespace kerno

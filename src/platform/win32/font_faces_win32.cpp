@@ -6,7 +6,7 @@
 #include "platform/folder_path.h"
 #include "platform/font_faces.h"
 #include "platform/held_file.h"
-#include "platform/win32/big_endian.h"
+#include "platform/big_endian.h"
 #include "platform/win32/long_path.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/wide_text.h"
@@ -111,6 +111,16 @@ std::vector<InstalledFace> EnumerateFaces(std::vector<std::u16string>* skipped) 
   std::vector<InstalledFace> faces;
   EnumFontFamiliesW(ScreenContext().get(), nullptr, Collect, reinterpret_cast<LPARAM>(&faces));
   return faces;
+}
+
+std::vector<std::u16string> ListFamilies(FamilyForm form) {
+  std::vector<std::u16string> names;
+  for (InstalledFace& face : EnumerateFaces()) {
+    const bool vertical = face.name.starts_with(u'@');
+    const bool wanted = vertical == (form == FamilyForm::kVertical);
+    if (wanted && (face.font_type & kTrueTypeFontType) != 0) names.push_back(std::move(face.name));
+  }
+  return names;
 }
 
 // The system does not tell what a file brought: its families are those that are new, or else those

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdlib>
 
-#include "platform/win32/big_endian.h"
+#include "platform/big_endian.h"
 #include "platform/win32/wide_text.h"
 
 namespace kerno {

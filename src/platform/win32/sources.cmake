@@ -2,8 +2,10 @@ kerno_room(platform
   SOURCES
     drawing.cpp
     file_replacement.cpp
+    font_file.cpp
     private_profile.cpp
     services.cpp
+    style_choice.cpp
     surface_context.cpp
     vertical_orientation.cpp
     win32/bitmap_surface_win32.cpp

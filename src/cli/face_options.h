@@ -1,0 +1,37 @@
+// The options that name a face.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "cli/command.h"
+#include "platform/font_data.h"
+
+namespace kerno {
+
+class FaceOptions {
+ public:
+  // Who draws the letters, and so, how a face can be named.
+  enum class Source {
+    kFont,    // the font's own outlines: by every option
+    kSystem,  // the system's device context: by family, weight and slant; the other options are
+              // refused with a word on why
+  };
+  void AddTo(CLI::App& app, Source source);
+
+  // Checks the values; what is wrong is reported.
+  std::optional<FaceRequest> Read() const;
+
+  // Whether the choice is left to the system.
+  bool IsOpen() const { return face_.empty() && file_.empty(); }
+
+ private:
+  bool IsRefused() const;
+  bool ReadFile(FaceRequest* request) const;
+
+  CLI::App* app_ = nullptr;
+  Source source_ = Source::kFont;
+  std::string face_, style_, file_, variations_, features_;
+};
+
+}  // namespace kerno

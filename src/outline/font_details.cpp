@@ -1,0 +1,107 @@
+#include "outline/font_details.h"
+
+#include <hb-ot.h>
+#include <hb.h>
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <set>
+#include <utility>
+
+namespace kerno {
+namespace {
+
+struct Destroy {
+  void operator()(hb_blob_t* blob) const { hb_blob_destroy(blob); }
+  void operator()(hb_face_t* face) const { hb_face_destroy(face); }
+  void operator()(hb_set_t* set) const { hb_set_destroy(set); }
+};
+template <class Thing>
+using Owned = std::unique_ptr<Thing, Destroy>;
+
+std::string TagText(hb_tag_t tag) {
+  char text[4];
+  hb_tag_to_string(tag, text);
+  return {text, sizeof text};
+}
+
+std::u16string NameOf(hb_face_t* face, hb_ot_name_id_t number) {
+  constexpr unsigned kLongest = 256;
+  uint16_t units[kLongest];
+  unsigned length = kLongest;
+  hb_ot_name_get_utf16(face, number, HB_LANGUAGE_INVALID, &length, units);
+  return {units, units + std::min(length, kLongest - 1)};
+}
+
+std::vector<FontAxis> AxesOf(hb_face_t* face) {
+  unsigned count = hb_ot_var_get_axis_count(face);
+  std::vector<hb_ot_var_axis_info_t> infos(count);
+  hb_ot_var_get_axis_infos(face, 0, &count, infos.data());
+  std::vector<FontAxis> axes;
+  axes.reserve(count);
+  for (const hb_ot_var_axis_info_t& info : infos) {
+    axes.push_back({TagText(info.tag), NameOf(face, info.name_id), info.min_value,
+                    info.default_value, info.max_value});
+  }
+  return axes;
+}
+
+std::vector<std::string> ScriptsOf(hb_face_t* face) {
+  const Owned<hb_set_t> characters(hb_set_create());
+  hb_face_collect_unicodes(face, characters.get());
+  std::map<std::string, uint32_t> counts;
+  hb_unicode_funcs_t* unicode = hb_unicode_funcs_get_default();
+  for (hb_codepoint_t ch = HB_SET_VALUE_INVALID; hb_set_next(characters.get(), &ch);) {
+    const hb_script_t script = hb_unicode_script(unicode, ch);
+    const bool shared =
+        script == HB_SCRIPT_COMMON || script == HB_SCRIPT_INHERITED || script == HB_SCRIPT_UNKNOWN;
+    if (!shared) ++counts[TagText(hb_script_to_iso15924_tag(script))];
+  }
+  std::vector<std::string> scripts;
+  for (const auto& [script, count] : counts) {
+    if (count >= kScriptLeast) scripts.push_back(script);
+  }
+  return scripts;
+}
+
+std::vector<std::string> FeaturesOf(hb_face_t* face) {
+  std::set<std::string> features;
+  for (const hb_tag_t table : {HB_OT_TAG_GSUB, HB_OT_TAG_GPOS}) {
+    unsigned count = hb_ot_layout_table_get_feature_tags(face, table, 0, nullptr, nullptr);
+    std::vector<hb_tag_t> tags(count);
+    hb_ot_layout_table_get_feature_tags(face, table, 0, &count, tags.data());
+    for (const hb_tag_t tag : tags) features.insert(TagText(tag));
+  }
+  return {features.begin(), features.end()};
+}
+
+Embedding EmbeddingOf(hb_face_t* face) {
+  constexpr unsigned kPlace = 8;  // of fsType
+  const Owned<hb_blob_t> table(hb_face_reference_table(face, HB_TAG('O', 'S', '/', '2')));
+  unsigned length = 0;
+  const char* bytes = hb_blob_get_data(table.get(), &length);
+  if (length < kPlace + 2) return Embedding::kInstallable;
+  const auto low = static_cast<unsigned char>(bytes[kPlace + 1]);
+  // The least strict of several counts.
+  if ((low & 8) != 0) return Embedding::kEditable;
+  if ((low & 4) != 0) return Embedding::kPreviewPrint;
+  return (low & 2) != 0 ? Embedding::kRestricted : Embedding::kInstallable;
+}
+
+}  // namespace
+
+Status ReadFontDetails(const FontData& data, FontDetails* details) {
+  const std::string_view bytes = data.file->bytes();
+  const Owned<hb_blob_t> blob(hb_blob_create(bytes.data(), static_cast<unsigned>(bytes.size()),
+                                             HB_MEMORY_MODE_READONLY, nullptr, nullptr));
+  const Owned<hb_face_t> face(hb_face_create(blob.get(), data.index));
+  if (hb_face_get_glyph_count(face.get()) == 0) {
+    return Status::Error(Failure::kOther, data.family, u"its file holds no font that can be read");
+  }
+  *details = {AxesOf(face.get()), ScriptsOf(face.get()), FeaturesOf(face.get()),
+              EmbeddingOf(face.get())};
+  return Status::Ok();
+}
+
+}  // namespace kerno
