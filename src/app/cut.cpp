@@ -215,20 +215,34 @@ size_t CutMaker::CrossingsOf(const Drawing& drawing) const {
     boxes.push_back({box.min + placed.at, box.max + placed.at});
   }
   size_t crossing = 0;
+  std::map<std::vector<int64_t>, size_t> known;  // by shapes and where they stand to the first
   for (const std::vector<size_t>& cluster : Overlapping(boxes)) {
     if (cluster.size() == 1) {
       crossing += notes_[drawing.placed[cluster[0]].shape].crossing;
       continue;
     }
-    std::vector<Path> paths;
+    std::vector<int64_t> key;
     for (const size_t i : cluster) {
       const PlacedShape& placed = drawing.placed[i];
-      for (const ShapePath& path : drawing.shapes[placed.shape]) {
-        paths.push_back(Moved(path.path, placed.at));
-      }
+      const P2 apart = placed.at - drawing.placed[cluster[0]].at;
+      constexpr double kAlike = 1e6;  // to a unit
+      key.insert(key.end(),
+                 {placed.shape, std::llround(apart.x * kAlike), std::llround(apart.y * kAlike)});
     }
-    const PathFaults faults = CheckPaths(paths, job_.tolerance);
-    crossing += 2 * faults.crossing + faults.self_crossing;
+    const auto [count, is_new] = known.try_emplace(std::move(key));
+    if (is_new) {
+      std::vector<Path> paths;
+      for (const size_t i : cluster) {
+        const PlacedShape& placed = drawing.placed[i];
+        const P2 apart = placed.at - drawing.placed[cluster[0]].at;
+        for (const ShapePath& path : drawing.shapes[placed.shape]) {
+          paths.push_back(Moved(path.path, apart));
+        }
+      }
+      const PathFaults faults = CheckPaths(paths, job_.tolerance);
+      count->second = 2 * faults.crossing + faults.self_crossing;
+    }
+    crossing += count->second;
   }
   return crossing;
 }

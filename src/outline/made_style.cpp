@@ -1,6 +1,5 @@
 #include "outline/made_style.h"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -15,9 +14,13 @@ namespace {
 // by less than 5 millionths of its radius.
 void AppendCubics(const Piece& arc, std::vector<Segment>* segments) {
   constexpr double kEighth = 0.19891236737965800;  // the tangent of a quarter of 45 degrees
-  const auto parts =
-      static_cast<int>(std::ceil(std::atan(std::fabs(arc.segment.bulge)) / std::atan(kEighth)));
-  for (int i = 0; i < std::max(parts, 1); ++i) {
+  // The tangent of a sum of angles, as the platforms' own functions differ in the last digit.
+  const double bulge = std::fabs(arc.segment.bulge) * (1 - 1e-9);
+  int parts = 1;
+  for (double gone = kEighth; gone < bulge && gone * kEighth < 1; ++parts) {
+    gone = (gone + kEighth) / (1 - gone * kEighth);
+  }
+  for (int i = 0; i < parts; ++i) {
     const double from = static_cast<double>(i) / parts, to = static_cast<double>(i + 1) / parts;
     const Piece part = Between(arc, from, to);
     const double reach = 4.0 / 3 * std::fabs(part.segment.bulge) * RadiusOf(part);
