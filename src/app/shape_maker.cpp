@@ -9,6 +9,7 @@
 #include "drawing/flatten.h"
 #include "drawing/offset.h"
 #include "drawing/strokes.h"
+#include "drawing/vector.h"
 #include "drawing/weld.h"
 
 namespace kerno {
@@ -48,6 +49,29 @@ Path InForm(Path path, const CutJob& job, double tolerance, bool again) {
   return path;
 }
 
+// Lines and arcs that are shorter than a share of the tolerance stand where curves meet that all
+// but run together; files would show them as a point that stands twice.
+Path WithoutSpecks(const Path& path, double tolerance) {
+  constexpr double kShortest = 1e-3;
+  Path result = path;
+  result.segments.clear();
+  P2 at = path.start;
+  for (const Segment& segment : path.segments) {
+    const bool straight = segment.kind == SegmentKind::kLine || segment.kind == SegmentKind::kArc;
+    const bool speck = straight && Length(segment.end - at) < tolerance * kShortest;
+    at = segment.end;
+    if (!speck) {
+      result.segments.push_back(segment);
+    } else if (result.segments.empty()) {
+      result.start = at;
+    } else {
+      result.segments.back().end = at;
+    }
+  }
+  if (path.closed && !result.segments.empty()) result.segments.back().end = result.start;
+  return result;
+}
+
 // Welds, offsets and fits the outlines of one shape. The tolerance is shared out: welding and
 // moving may take part of it, fitting the rest.
 std::vector<Path> Formed(std::vector<Path> paths, const CutJob& job, double tolerance,
@@ -64,8 +88,13 @@ std::vector<Path> Formed(std::vector<Path> paths, const CutJob& job, double tole
     paths = std::move(offset.paths);
     left -= kShare * left;
   }
-  for (Path& path : paths) path = InForm(std::move(path), job, left, tolerance < job.tolerance);
-  std::erase_if(paths, [](const Path& path) { return path.segments.empty(); });
+  for (Path& path : paths) {
+    path = WithoutSpecks(InForm(std::move(path), job, left, tolerance < job.tolerance), tolerance);
+  }
+  std::erase_if(paths, [](const Path& path) {
+    return path.segments.empty() ||
+           (path.segments.size() == 1 && path.segments[0].kind == SegmentKind::kLine);
+  });
   return paths;
 }
 

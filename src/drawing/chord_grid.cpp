@@ -35,11 +35,11 @@ int PartsOf(const Piece& piece, double tolerance) {
     const double bulge = std::fabs(piece.segment.bulge);
     // A chord that covers the quarter tangent q strays by about 2 r q^2; near the middle of a long
     // arc it covers more than at its ends.
-    if (bulge > 0) parts = bulge * std::sqrt(2 * radius / tolerance) + 2 * bulge;
+    if (bulge > 0) parts = bulge * SquareRoot(2 * radius / tolerance) + 2 * bulge;
   } else {
     const Polynomial c = PolynomialOf(piece);
     const double bend = std::max(Length(c.d2), Length(c.d2 + c.d3 * 3));
-    parts = std::sqrt(bend / (4 * tolerance));
+    parts = SquareRoot(bend / (4 * tolerance));
   }
   return static_cast<int>(std::ceil(std::clamp(parts, 1.0, kMost)));
 }

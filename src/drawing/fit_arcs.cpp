@@ -218,7 +218,7 @@ class ArcFitter {
       if (good > 0 && guess >= kGuessesOnceFound) return;
       // The distance grows about with the third power of the step, and is not known exactly where
       // the search for it ended early.
-      const double factor = std::clamp(std::sqrt(std::sqrt(tolerance_ / stray)), 0.25, 2.5);
+      const double factor = std::clamp(SquareRoot(SquareRoot(tolerance_ / stray)), 0.25, 2.5);
       const double next = step * factor * 0.98;
       const bool between = next > good * 1.02 && next < bad * 0.98;
       step = between ? next : 0.5 * (good + std::min(bad, 3 * step));

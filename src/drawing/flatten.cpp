@@ -21,7 +21,7 @@ Roots RootsOf(double a, double b, double c) {
   const double square = b * b - 4 * a * c;
   if (square < 0) return roots;
   // The sum whose terms have one sign loses no digits.
-  const double sum = -0.5 * (b + (b < 0 ? -std::sqrt(square) : std::sqrt(square)));
+  const double sum = -0.5 * (b + (b < 0 ? -SquareRoot(square) : SquareRoot(square)));
   if (a != 0) roots.Add(sum / a);
   if (sum != 0) roots.Add(c / sum);
   return roots;
@@ -50,7 +50,7 @@ void FlattenArc(const Piece& arc, double tolerance, std::vector<ChordEnd>* ends)
   // circle each, so that the shape survives a tolerance that is larger than it.
   const double coarsest = 0.41421356237309503;
   const double quarter = 2 * radius > tolerance
-                             ? std::min(coarsest, std::sqrt(tolerance / (2 * radius - tolerance)))
+                             ? std::min(coarsest, SquareRoot(tolerance / (2 * radius - tolerance)))
                              : coarsest;
   double gone = 0;
   for (;;) {
@@ -82,7 +82,7 @@ double DistanceFromChord(const Polynomial& curve) {
   }
   const double across = most / length;
   const double past = Overshoot(curve, chord) * length;
-  return past > 0 ? std::sqrt(across * across + past * past) : across;
+  return past > 0 ? SquareRoot(across * across + past * past) : across;
 }
 
 void FlattenPiece(const Piece& piece, double tolerance, std::vector<ChordEnd>* ends) {
@@ -105,7 +105,7 @@ void FlattenPiece(const Piece& piece, double tolerance, std::vector<ChordEnd>* e
       (distance <= tolerance ? good : bad) = step;
       if (good == rest || (good > 0 && good > bad * 0.98)) break;
       if (good > 0 && guess >= 5) break;
-      const double factor = distance > 0 ? std::sqrt(tolerance / distance) : 4;
+      const double factor = distance > 0 ? SquareRoot(tolerance / distance) : 4;
       step = std::min(rest, step * std::clamp(factor * 0.995, 0.1, 4.0));
       if (step <= good || step >= bad) step = std::min(rest, 0.5 * (good + bad));
       if (step < least_step) break;

@@ -11,7 +11,7 @@ namespace {
 double AngleOfTangent(double tangent) {
   double halved = tangent, scale = 1;
   while (std::fabs(halved) > 0.1) {
-    halved /= 1 + std::sqrt(1 + halved * halved);
+    halved /= 1 + SquareRoot(1 + halved * halved);
     scale *= 2;
   }
   const double square = halved * halved;
@@ -101,7 +101,7 @@ void IncludeCurve(const Piece& piece, Box2* box) {
     const double a = 3 * d3, b = 2 * d2;
     const double square = b * b - 4 * a * d1;
     if (square < 0) return;
-    const double sum = -0.5 * (b + (b < 0 ? -std::sqrt(square) : std::sqrt(square)));
+    const double sum = -0.5 * (b + (b < 0 ? -SquareRoot(square) : SquareRoot(square)));
     for (const double t : {a != 0 ? sum / a : -1, sum != 0 ? d1 / sum : -1}) {
       if (t > 0 && t < 1) Include(box, PointAt(piece, t));
     }

@@ -26,7 +26,7 @@ Segment LineTo(const P2& end) {
 
 // The tangent of half the angle whose own tangent is given.
 double HalfTangent(double tangent) {
-  return tangent / (1 + std::sqrt(1 + tangent * tangent));
+  return tangent / (1 + SquareRoot(1 + tangent * tangent));
 }
 
 // What stands between the moved ends of two pieces.

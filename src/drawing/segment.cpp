@@ -69,7 +69,7 @@ P2 DirectionAt(const Piece& piece, double t) {
   // Squares, as nearly always the velocity is all that is asked for.
   const double size = Dot(c.d1, c.d1) + Dot(c.d2, c.d2) + Dot(c.d3, c.d3);
   if (Dot(velocity, velocity) > size * 1e-17) return Unit(velocity);
-  const double scale = std::sqrt(size);
+  const double scale = SquareRoot(size);
   // The second derivative leads away from where the first one vanishes, forwards or backwards.
   const P2 bend = c.d2 * 2 + c.d3 * (6 * t);
   if (Length(bend) > scale * 1e-9) return Unit(t > 0.5 ? bend * -1.0 : bend);

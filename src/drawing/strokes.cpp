@@ -202,7 +202,7 @@ std::vector<Path> WithShortWays(std::vector<Path> strokes) {
 
 std::pair<Piece, Piece> HalvesOf(const Piece& arc) {
   // The tangent of half an angle from the tangent of the whole.
-  const double middle = 1 / (1 + std::sqrt(1 + arc.segment.bulge * arc.segment.bulge));
+  const double middle = 1 / (1 + SquareRoot(1 + arc.segment.bulge * arc.segment.bulge));
   return {Between(arc, 0, middle), Between(arc, middle, 1)};
 }
 

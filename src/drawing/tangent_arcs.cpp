@@ -14,7 +14,7 @@ double Difference(double a, double b) {
   return (a - b) / (1 + a * b);
 }
 double Halved(double a) {
-  return a / (1 + std::sqrt(1 + a * a));
+  return a / (1 + SquareRoot(1 + a * a));
 }
 
 // How far a curve of some degree is outside a circle, as a polynomial of its parameter: the
@@ -143,7 +143,7 @@ double StrayFromArc(const Polynomial& curve, const P2& from, const P2& to, doubl
                                turned(curve.d2), turned(curve.d3)};
   const bool cubic = !(curve.d3 == P2{});
   const double most = cubic ? CircleGap<3>(c, bulge).Most() : CircleGap<2>(c, bulge).Most();
-  const double half = std::sqrt(square);
+  const double half = SquareRoot(square);
   const double whole = 1 + bulge * bulge;
   return most * half / std::max(whole, 2 * whole - 2 * std::fabs(bulge) * limit / half);
 }

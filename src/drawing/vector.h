@@ -4,9 +4,24 @@
 
 #include <cmath>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "drawing/geometry.h"
 
 namespace kerno {
+
+// Rounded once. The C library of MinGW rounds twice where the compiler leaves the root to it, as it
+// does without optimisation, and one root in some thousands differs.
+inline double SquareRoot(double value) {
+#if defined(__SSE2__)
+  const __m128d whole = _mm_set_sd(value);
+  return _mm_cvtsd_f64(_mm_sqrt_sd(whole, whole));
+#else
+  return std::sqrt(value);
+#endif
+}
 
 inline P2 operator+(const P2& a, const P2& b) {
   return {a.x + b.x, a.y + b.y};
@@ -26,7 +41,7 @@ inline double Cross(const P2& a, const P2& b) {
   return a.x * b.y - a.y * b.x;
 }
 inline double Length(const P2& a) {
-  return std::sqrt(Dot(a, a));
+  return SquareRoot(Dot(a, a));
 }
 // Of length 1; a vector without a length stays as it is.
 inline P2 Unit(const P2& a) {

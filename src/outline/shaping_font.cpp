@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <new>
 #include <unordered_map>
 #include <utility>
 
@@ -339,6 +340,8 @@ std::vector<ShapedGlyph> ShapingFont::Shape(const ShapingRun& run) const {
   features.insert(features.end(), handles_->features.begin(), handles_->features.end());
   hb_shape(handles_->font, buffer, features.data(), static_cast<unsigned>(features.size()));
 
+  // A sign must not lose its letters because memory is short.
+  if (!hb_buffer_allocation_successful(buffer)) throw std::bad_alloc();
   unsigned count = 0;
   const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
   const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);

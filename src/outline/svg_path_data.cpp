@@ -144,7 +144,7 @@ void PathDataReader::Arc(const P2& to) {
                     (turn.xy * chord.x + turn.yy * chord.y) / ry};
   const double sine = std::min(1.0, Length(along) / 2);  // of half the angle; too small radii grow
   if (!(sine > 1e-9)) return Append({.end = to});
-  const double cosine = std::sqrt(1 - sine * sine);
+  const double cosine = SquareRoot(1 - sine * sine);
   const bool large = numbers_[3] != 0;
   const double bulge =
       (large ? (1 + cosine) / sine : sine / (1 + cosine)) * (numbers_[4] != 0 ? 1 : -1);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <new>
 #include <utility>
 
 #include FT_OUTLINE_H
@@ -13,6 +14,14 @@ namespace {
 constexpr FT_Int32 kLoadFlags = FT_LOAD_DEFAULT | FT_LOAD_NO_BITMAP | FT_LOAD_TARGET_NORMAL;
 constexpr int64_t kMaxPixelsPerEm = 0xFFFF;  // FreeType counts pixels per em in 16 bits
 constexpr int32_t kBoldWeight = 700;
+
+// False for a glyph that the font cannot give. A sign must not lose a letter because memory is
+// short: that ends the work.
+bool LoadGlyph(FT_Face face, FT_UInt glyph, FT_Int32 flags) {
+  const FT_Error error = FT_Load_Glyph(face, glyph, flags);
+  if (error == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+  return error == 0;
+}
 
 int64_t FloorToPixels(int64_t value) {
   return value >> 6;
@@ -175,7 +184,7 @@ const NativeGlyph& RealizedFont::Glyph(char32_t ch) {
 
 NativeGlyph RealizedFont::LoadRaster(char32_t ch) const {
   NativeGlyph glyph;
-  if (FT_Load_Glyph(face_.get(), GlyphIndex(ch), FT_LOAD_DEFAULT) == 0) {
+  if (LoadGlyph(face_.get(), GlyphIndex(ch), FT_LOAD_DEFAULT)) {
     glyph.advance = Clamp32(CeilToPixels(face_->glyph->advance.x));
   }
   return glyph;
@@ -188,7 +197,7 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
     form = vertical_forms_.Find(face_.get(), ch, form.glyph);
   }
   const FT_GlyphSlot slot = face_->glyph;
-  if (FT_Load_Glyph(face_.get(), form.glyph, kLoadFlags) != 0 ||
+  if (!LoadGlyph(face_.get(), form.glyph, kLoadFlags) ||
       slot->format != FT_GLYPH_FORMAT_OUTLINE) {
     return glyph;
   }
@@ -224,7 +233,7 @@ CellShift RealizedFont::ShiftOfTurned(FT_UInt glyph) const {
     return FloorDivide(doubled_units * pixels_per_em_ * 64 + units_.em, 2 * units_.em);
   };
   int64_t origin = units_.typographic_ascent;
-  if (FT_Load_Glyph(face, glyph, FT_LOAD_NO_SCALE) == 0) {
+  if (LoadGlyph(face, glyph, FT_LOAD_NO_SCALE)) {
     origin = face->glyph->metrics.horiBearingY + face->glyph->metrics.vertBearingY;
   }
   const int64_t middle = units_.typographic_ascent - units_.typographic_descent;
