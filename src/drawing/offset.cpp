@@ -119,17 +119,21 @@ double RoughLength(const Piece& piece) {
 // specks that stand across the outline. Without them the longer neighbour reaches a little farther,
 // as it turns the least by that.
 Path WithoutSpecks(const Path& path, double shortest) {
+  std::vector<Piece> pieces = PiecesOf(path);
+  const auto is_long = [&](const Piece& piece) { return RoughLength(piece) >= shortest; };
+  const auto first = std::ranges::find_if(pieces, is_long);
+  if (first == pieces.end()) return {};
+  std::rotate(pieces.begin(), first, pieces.end());
   std::vector<Piece> kept;
-  for (const Piece& piece : PiecesOf(path)) {
-    if (RoughLength(piece) >= shortest) {
+  for (const Piece& piece : pieces) {
+    if (is_long(piece)) {
       kept.push_back(piece);
-    } else if (!kept.empty() && Length(piece.segment.end - kept.back().segment.end) >= shortest) {
+    } else if (Length(piece.segment.end - kept.back().segment.end) >= shortest) {
       // One of many in a row.
       kept.push_back({kept.back().segment.end, LineTo(piece.segment.end)});
     }
   }
-  Path result;
-  if (kept.empty()) return result;
+  if (kept.size() < 2) return {};
   for (size_t i = 0; i < kept.size(); ++i) {
     Piece& before = kept[i > 0 ? i - 1 : kept.size() - 1];
     if (RoughLength(before) > RoughLength(kept[i])) {
@@ -138,6 +142,7 @@ Path WithoutSpecks(const Path& path, double shortest) {
       kept[i].start = before.segment.end;
     }
   }
+  Path result;
   result.start = kept[0].start;
   for (const Piece& piece : kept) result.segments.push_back(piece.segment);
   return result;
