@@ -154,9 +154,10 @@ Status ChooseStyle(std::u16string_view style, std::u16string* name, SystemStyle*
   }
   if (data.make_slanted) return refuse(u"no slanted letters, and the system makes none");
   // The system draws a variable font at its named instances only.
-  const bool slants_by_axes = data.by_axes && data.slanted && data.variations != "wght=700";
-  if (slants_by_axes) return refuse(u"slanted letters on an axis, which the system does not set");
-  const bool made_bold = data.make_bold || data.by_axes;
+  if (data.slanted_by_axes) {
+    return refuse(u"slanted letters on an axis, which the system does not set");
+  }
+  const bool made_bold = data.make_bold || data.bold_by_axes;
   *chosen = {made_bold ? 700 : data.weight, data.slanted, made_bold};
   *name = data.family;
   return Status::Ok();

@@ -275,9 +275,12 @@ ExitStatus FacesCommand::DescribeFile() const {
   if (json_) {
     out = Json(faces);
   } else {
+    std::vector<std::u16string> names;  // the default may be one of the instances, too
     for (const ListedFace& face : faces) {
       const std::u16string style = face.styles.empty() ? u"" : u" " + face.styles.front();
-      out += Utf16ToUtf8(face.families.front() + style) + "\n";
+      names.push_back(face.families.front() + style);
+      const bool known = std::ranges::find(names, names.back()) != names.end() - 1;
+      if (!known) out += Utf16ToUtf8(names.back()) + "\n";
     }
   }
   return Print(out) && FinishPrinting() ? kDone : kFailed;

@@ -46,7 +46,7 @@ struct FontData {
   // The wanted style is not there: it can be made of this one by moving its outlines outwards, by
   // leaning them.
   bool make_bold = false, make_slanted = false;
-  bool by_axes = false;        // `variations` holds places that make the wanted style
+  bool bold_by_axes = false, slanted_by_axes = false;  // `variations` makes the wanted style
   std::filesystem::path path;  // of the file; empty where the system does not tell
 };
 

@@ -333,6 +333,7 @@ void TakeStyleFromAxes(std::u16string_view style, FontData* data) {
   if (data->make_bold && reaches(Tag("wght"), kBoldWeight)) {
     places = "wght=" + std::to_string(kBoldWeight) + ",";
     data->make_bold = false;
+    data->bold_by_axes = true;
     data->weight = kBoldWeight;
   }
   const auto slant = axes.find(Tag("slnt"));
@@ -343,10 +344,10 @@ void TakeStyleFromAxes(std::u16string_view style, FontData* data) {
                   ? "ital=1,"
                   : "slnt=" + std::to_string(std::max(slant->second.least, kUsualSlant)) + ",";
     data->make_slanted = false;
+    data->slanted_by_axes = true;
     data->slanted = true;
   }
   if (places.empty()) return;
-  data->by_axes = true;
   if (!data->make_bold && !data->make_slanted) data->style = style;
   if (data->variations.empty()) places.pop_back();
   data->variations.insert(0, places);
