@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -86,9 +87,12 @@ struct CutGlyph {
 // A font that glyphs were taken from.
 struct CutFace {
   std::u16string family, style;
-  size_t characters = 0;   // that it gave in place of the first one
-  bool made_bold = false;  // the family has no such style: made of this one
+  std::filesystem::path file = {};  // empty where the system does not tell
+  std::string variations = {};      // places on its axes
+  size_t characters = 0;            // that it gave in place of the first one
+  bool made_bold = false;           // the family has no such style: made of this one
   bool made_slanted = false;
+  std::u16string lacked_style = {};           // wanted of a fallback, which has no such style
   std::vector<std::string> no_features = {};  // wanted ones that the font has no rule for
 };
 

@@ -123,7 +123,12 @@ FaceChoice ChooseFace(const FaceForm& wanted) {
   choice.installed = IsFaceInstalled(name);
   if (choice.installed) return choice;
   FontData full;
-  if (!wanted.vertical && FindFontData({.family = wanted.name}, &full).ok() && full.width == 100) {
+  if (!wanted.vertical && FindFontData({.family = wanted.name}, &full).ok()) {
+    if (full.width != 100) {
+      choice.why = u"\"" + wanted.name + u"\" is \"" + full.style + u"\" of \"" + full.family +
+                   u"\", a width which the system is not asked for; use kerno cut";
+      return choice;
+    }
     choice.face.name = full.family;
     choice.style = {full.weight, full.slanted};
     choice.installed = IsFaceInstalled(full.family);
@@ -148,7 +153,12 @@ Status ChooseStyle(std::u16string_view style, std::u16string* name, SystemStyle*
     return refuse(u"\"" + data.style + u"\" in another width, which the system is not asked for");
   }
   if (data.make_slanted) return refuse(u"no slanted letters, and the system makes none");
-  *chosen = {data.make_bold ? 700 : data.weight, data.slanted, data.make_bold};
+  // The system draws a variable font at its named instances only.
+  if (data.slanted_by_axes) {
+    return refuse(u"slanted letters on an axis, which the system does not set");
+  }
+  const bool made_bold = data.make_bold || data.bold_by_axes;
+  *chosen = {made_bold ? 700 : data.weight, data.slanted, made_bold};
   *name = data.family;
   return Status::Ok();
 }

@@ -21,9 +21,11 @@ class OutlineFonts final : public GlyphSource {
   Status Open(const CutJob& job) {
     for (size_t i = 0; i <= job.fallbacks.size(); ++i) {
       FontData data;
+      std::u16string lacked;
       Status found = i == 0 ? FindFace(job.face, &data)
-                            : FindFallback(job.fallbacks[i - 1], job.face.style, &data);
+                            : FindFallback(job.fallbacks[i - 1], StyleOf(job.face), &data, &lacked);
       if (!found.ok()) return found;
+      lacked_styles_.push_back(std::move(lacked));
       if (Status opened = ShapingFont::Open(data, &fonts_.emplace_back()); !opened.ok()) {
         return opened;
       }
@@ -47,21 +49,37 @@ class OutlineFonts final : public GlyphSource {
     std::vector<CutFace> faces;
     for (size_t i = 0; i < fonts_.size(); ++i) {
       const FontData& data = fonts_[i]->data();
-      faces.push_back(
-          {data.family, data.style, block.substituted[i], data.make_bold, data.make_slanted});
+      faces.push_back({.family = data.family,
+                       .style = data.style,
+                       .file = data.path,
+                       .variations = data.variations,
+                       .characters = block.substituted[i],
+                       .made_bold = data.make_bold,
+                       .made_slanted = data.make_slanted,
+                       .lacked_style = lacked_styles_[i]});
       if (i == 0) faces[0].no_features = fonts_[0]->FeaturesWithoutRules();
     }
     return faces;
   }
 
  private:
-  // In the style of the first one, where it has that.
+  // The style that the first face is asked for, or that of a face named whole.
+  std::u16string StyleOf(const FaceRequest& request) const {
+    const FontData& first = fonts_[0]->data();
+    constexpr int32_t kLeastBold = 650;
+    const bool marked = first.weight >= kLeastBold || first.slanted;
+    return request.style.empty() && marked ? first.style : request.style;
+  }
+
+  // In the style of the first one, where it has that; *lacked is the style where it has not.
   static Status FindFallback(const std::u16string& family, const std::u16string& style,
-                             FontData* data) {
+                             FontData* data, std::u16string* lacked) {
     if (FindFontData({.family = family, .style = style}, data).ok()) return Status::Ok();
+    *lacked = style;
     return FindFace({.family = family}, data);
   }
 
+  std::vector<std::u16string> lacked_styles_;
   std::vector<std::unique_ptr<ShapingFont>> fonts_;
   std::vector<const ShapingFont*> choices_;
 };
@@ -99,7 +117,7 @@ class Strokes final : public GlyphSource {
     return kept->second;
   }
   std::vector<CutFace> FacesOf(const TextBlock&) const override {
-    return {{chosen_.font.family, u""}};
+    return {{.family = chosen_.font.family, .style = u"", .file = chosen_.file}};
   }
 
  private:

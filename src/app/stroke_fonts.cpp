@@ -61,11 +61,17 @@ Status FindByName(std::u16string_view wanted, fs::path* file) {
     names.push_back(font.name);
   }
   std::u16string why = u"there is no such stroke font";
-  const std::vector<std::u16string> near = NearestNames(wanted, names, kSuggestions);
+  std::vector<std::u16string> near = NearestNames(wanted, names, kSuggestions);
+  // Of names that are farther away most of the letters are others.
+  std::erase_if(near, [&](const std::u16string& name) {
+    return EditDistance(wanted, name) > wanted.size() / 2;
+  });
+  if (near.empty()) why += u" (kerno faces --strokes lists those that are)";
   for (const std::u16string& name : near) {
-    why += (&name == near.data() ? u" (near: " : u", ") + name;
+    const bool first = &name == near.data();
+    why += !first ? u", \"" : near.size() > 1 ? u"; the nearest are \"" : u"; the nearest is \"";
+    why += name + u"\"";
   }
-  if (!near.empty()) why += u")";
   return Status::Error(Failure::kNotFound, std::u16string(wanted), std::move(why));
 }
 

@@ -11,15 +11,19 @@ namespace kerno {
 size_t EditDistance(std::u16string_view a, std::u16string_view b) {
   const std::u16string from = AsciiLower(a);
   const std::u16string to = AsciiLower(b);
-  // row[j]: the distance from the units of `from` seen so far to the first j units of `to`.
-  std::vector<size_t> row(to.size() + 1);
+  // row[j]: the distance from the units of `from` seen so far to the first j units of `to`;
+  // `above` and `top` are those of one and two units less.
+  std::vector<size_t> row(to.size() + 1), above(row.size()), top(row.size());
   std::iota(row.begin(), row.end(), size_t{0});
   for (size_t i = 1; i <= from.size(); ++i) {
-    size_t diagonal = std::exchange(row[0], i);
+    top.swap(above);
+    above.swap(row);
+    row[0] = i;
     for (size_t j = 1; j <= to.size(); ++j) {
-      const size_t replaced = diagonal + (from[i - 1] == to[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+      const size_t replaced = above[j - 1] + (from[i - 1] == to[j - 1] ? 0 : 1);
+      row[j] = std::min({replaced, above[j] + 1, row[j - 1] + 1});
+      const bool swapped = i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1];
+      if (swapped) row[j] = std::min(row[j], top[j - 2] + 1);
     }
   }
   return row.back();

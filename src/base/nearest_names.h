@@ -8,8 +8,9 @@
 
 namespace kerno {
 
-// How many units must be added, taken away or replaced to make one text of the other, ASCII case
-// ignored (the edit distance of Levenshtein).
+// How many units must be added, taken away, replaced or swapped with the next one to make one text
+// of the other, ASCII case ignored (the edit distance of Damerau and Levenshtein, each unit changed
+// once).
 size_t EditDistance(std::u16string_view a, std::u16string_view b);
 
 // At most `count` of the names, the nearest first; names at the same distance keep their order.

@@ -15,6 +15,7 @@
 #include "export/drawing_dxf_frame.h"
 #include "export/drawing_formats.h"
 #include "export/fixed_number.h"
+#include "platform/folder_path.h"
 #include "platform/system.h"
 
 namespace kerno {
@@ -37,6 +38,13 @@ const char* UnitName(LengthUnit unit) {
 // "DejaVu Sans Book"
 std::string NameOf(const CutFace& face) {
   return Utf16ToUtf8(face.style.empty() ? face.family : face.family + u" " + face.style);
+}
+
+// "Inter Regular (Inter.var.ttf, wght=650)": the font that variations were taken of.
+std::string NameWithPlaces(const CutFace& face) {
+  if (face.variations.empty()) return NameOf(face);
+  const std::string file = Utf16ToUtf8(PathText(face.file.filename()));
+  return NameOf(face) + " (" + file + (file.empty() ? "" : ", ") + face.variations + ")";
 }
 
 // "62 closed paths, 812 arcs, 404 lines, 120 x 14.2 mm, 1234.5 mm to cut"
@@ -94,6 +102,14 @@ void AppendFace(std::string* out, const CutFace& face) {
   AppendJsonString(out, face.family);
   *out += ", \"style\": ";
   AppendJsonString(out, face.style);
+  if (!face.file.empty()) {
+    *out += ", \"file\": ";
+    AppendJsonString(out, PathText(face.file));
+  }
+  if (!face.variations.empty()) {
+    *out += ", \"variations\": ";
+    AppendJsonString(out, Utf8ToUtf16Lossy(face.variations));
+  }
 }
 
 void AppendFallbacks(std::string* out, const std::vector<CutFace>& faces) {
@@ -462,12 +478,34 @@ bool CutCommand::ReadJob() {
          ReadStrokeFont();
 }
 
+// Tells of a fallback in another style than asked for; false when that ends the command.
+bool CutCommand::ReportLackedStyle(const CutFace& face) const {
+  if (face.lacked_style.empty()) return true;
+  const std::string why =
+      "\"" + Utf16ToUtf8(face.family) + "\" has no \"" + Utf16ToUtf8(face.lacked_style) + "\"";
+  if (strict_) {
+    ReportError("--fallback", why);
+    return false;
+  }
+  const std::string given = Counted(face.characters, "character is", "characters are");
+  ReportWarning("--fallback", why + ": " + given + " of \"" + Utf16ToUtf8(face.style) + "\"");
+  return true;
+}
+
 // Tells how the faces differ from what was asked for; false when that ends the command.
 bool CutCommand::ReportFaces(const CutDrawing& made) const {
   for (const CutFace& face : made.faces) {
+    const bool is_first = &face == made.faces.data();
+    // The first face has given a glyph when any is not of another one.
+    const bool gives = is_first
+                           ? std::ranges::any_of(
+                                 made.glyphs, [](const CutGlyph& glyph) { return glyph.face == 0; })
+                           : face.characters > 0;
+    if (!gives) continue;
     for (const std::string& feature : face.no_features) {
       ReportWarning("--features", NameOf(face) + " has no \"" + feature + "\"");
     }
+    if (!ReportLackedStyle(face)) return false;
     if (!face.made_bold && !face.made_slanted) continue;
     const bool both = face.made_bold && face.made_slanted;
     const char* letters = both             ? "bold and slanted letters"
@@ -549,7 +587,8 @@ ExitStatus CutCommand::Run() {
     return Write(made, format, file);
   };
   const bool is_open = face_.IsOpen() && job_.stroke_font.empty();
-  const std::string face = is_open ? NameOf(made.faces[0]) + ", " : "";
+  const bool told_face = is_open || !made.faces[0].variations.empty();
+  const std::string face = told_face ? NameWithPlaces(made.faces[0]) + ", " : "";
   std::vector<WrittenFile> files;
   const bool written =
       outputs_.WriteAll(write, {face + SummaryOf(made), quiet_ || json_, began}, &files);

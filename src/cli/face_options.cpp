@@ -23,6 +23,27 @@ bool IsReadable(const char* option, const Status& read) {
 
 }  // namespace
 
+// "FILE#2" is the font 2 of FILE unless there is a file of that name.
+bool ReadFontFile(const std::string& value, FaceRequest* request) {
+  if (!IsFileName("--font-file", value)) return false;
+  request->file = PathArgument(value);
+  const size_t mark = value.rfind('#');
+  if (mark == value.npos || PathExists(request->file)) return true;
+  const std::string_view digits = std::string_view(value).substr(mark + 1);
+  if (digits.empty() || !std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; })) {
+    return true;
+  }
+  uint32_t index = 0;
+  const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), index);
+  if (read.ec != std::errc()) {
+    ReportError("--font-file", "\"" + std::string(digits) + "\" is too large an index");
+    return false;
+  }
+  request->file = PathArgument(value.substr(0, mark));
+  request->index = index;
+  return IsFileName("--font-file", value.substr(0, mark));
+}
+
 void FaceOptions::AddTo(CLI::App& app, Source source) {
   app_ = &app;
   source_ = source;
@@ -55,34 +76,13 @@ bool FaceOptions::IsRefused() const {
   return false;
 }
 
-// "FILE#2" is the font 2 of FILE unless there is a file of that name.
-bool FaceOptions::ReadFile(FaceRequest* request) const {
-  if (app_->count("--font-file") == 0) return true;
-  if (!IsFileName("--font-file", file_)) return false;
-  request->file = PathArgument(file_);
-  const size_t mark = file_.rfind('#');
-  if (mark == file_.npos || PathExists(request->file)) return true;
-  const std::string_view digits = std::string_view(file_).substr(mark + 1);
-  if (digits.empty() || !std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; })) {
-    return true;
-  }
-  uint32_t index = 0;
-  const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), index);
-  if (read.ec != std::errc()) {
-    ReportError("--font-file", "\"" + std::string(digits) + "\" is too large an index");
-    return false;
-  }
-  request->file = PathArgument(file_.substr(0, mark));
-  request->index = index;
-  return IsFileName("--font-file", file_.substr(0, mark));
-}
-
 std::optional<FaceRequest> FaceOptions::Read() const {
   if (IsRefused()) return std::nullopt;
   FaceRequest request;
   const auto face = TextArgument("--face", face_);
   const auto style = face ? TextArgument("--style", style_) : std::nullopt;
-  if (!style || !ReadFile(&request)) return std::nullopt;
+  if (!style) return std::nullopt;
+  if (app_->count("--font-file") > 0 && !ReadFontFile(file_, &request)) return std::nullopt;
   if (!IsReadable("--variation", CheckVariations(variations_)) ||
       !IsReadable("--features", CheckFeatures(features_))) {
     return std::nullopt;

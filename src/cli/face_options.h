@@ -9,6 +9,9 @@
 
 namespace kerno {
 
+// Reads "FILE" or "FILE#2" of --font-file into `file` and `index`; what is wrong is reported.
+[[nodiscard]] bool ReadFontFile(const std::string& value, FaceRequest* request);
+
 class FaceOptions {
  public:
   // Who draws the letters, and so, how a face can be named.
@@ -27,7 +30,6 @@ class FaceOptions {
 
  private:
   bool IsRefused() const;
-  bool ReadFile(FaceRequest* request) const;
 
   CLI::App* app_ = nullptr;
   Source source_ = Source::kFont;

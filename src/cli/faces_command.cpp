@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <map>
 #include <tuple>
+#include <utility>
 
 #include "app/specimen.h"
 #include "app/stroke_fonts.h"
@@ -11,9 +12,11 @@
 #include "base/text.h"
 #include "cli/arguments.h"
 #include "cli/console.h"
+#include "cli/face_options.h"
 #include "export/drawing_formats.h"
 #include "outline/font_details.h"
 #include "platform/font_faces.h"
+#include "platform/font_file.h"
 
 namespace kerno {
 namespace {
@@ -85,6 +88,26 @@ FaceRequest RequestFor(const ListedFace& face) {
           .style = face.styles.empty() ? u"" : face.styles.front()};
 }
 
+// The faces of a file, or of one font in it.
+Status ListFacesIn(const FaceRequest& request, std::vector<ListedFace>* faces) {
+  FontData first;
+  if (Status found = FindFontData(request, &first); !found.ok()) return found;
+  for (FontFileFace& face : FacesIn(first.file->bytes())) {
+    if (request.index && face.index != *request.index) continue;
+    if (face.families.empty()) face.families.push_back(first.file->name());
+    FontData data;
+    const bool outlines = FindFontData({.file = request.file, .index = face.index}, &data).ok();
+    faces->push_back({.families = std::move(face.families),
+                      .full_names = std::move(face.full_names),
+                      .styles = std::move(face.style.styles),
+                      .file = request.file,
+                      .index = face.index,
+                      .instance = face.instance,
+                      .has_outlines = outlines});
+  }
+  return Status::Ok();
+}
+
 // One face; `styles` are its own, or the named instances of a variable one.
 std::string FaceJson(const ListedFace& face, const std::vector<std::u16string>& styles) {
   JsonObject object;
@@ -119,6 +142,9 @@ void FacesCommand::AddOptions(CLI::App& app) {
   app.add_flag("--vertical", vertical_, "the \"@\" forms, for vertical writing");
   app.add_flag("--strokes", strokes_, "fonts of single lines, for kerno cut --stroke-font");
   app.add_flag("--skipped", skipped_, "warn of font files that cannot be used");
+  app.add_option("--font-file", font_file_,
+                 "the faces of this file instead, installed or not; #INDEX: of a collection")
+      ->type_name("FILE[#INDEX]");
   app.add_option("--covers", covers_, "only faces that have every character of TEXT")
       ->type_name("TEXT");
   app.add_option("--sample", sample_, "draw TEXT in each family that has it, into the file of -o")
@@ -186,11 +212,11 @@ ExitStatus FacesCommand::DrawSheet(const std::vector<std::u16string>& families) 
 }
 
 // Faces by file; the instances of a variable one are styles of it.
-std::string FacesCommand::Json() const {
+std::string FacesCommand::Json(const std::vector<ListedFace>& listed) const {
   std::vector<ListedFace> faces;
   std::vector<std::vector<std::u16string>> styles;
   std::map<std::pair<std::filesystem::path, uint32_t>, size_t> known;
-  for (const ListedFace& face : ListFaces()) {
+  for (const ListedFace& face : listed) {
     if (vertical_ && !face.has_vertical_form) continue;
     const auto [place, is_new] = known.try_emplace({face.file, face.index}, faces.size());
     if (is_new || face.file.empty()) {
@@ -232,13 +258,42 @@ ExitStatus FacesCommand::ListStrokeFonts() const {
   return Print(out) && FinishPrinting() ? kDone : kFailed;
 }
 
+ExitStatus FacesCommand::DescribeFile() const {
+  for (const char* other : {"--vertical", "--strokes", "--skipped", "--covers", "--sample", "-o"}) {
+    if (app_->count(other) == 0) continue;
+    ReportError(other, "is of the installed faces and goes not with --font-file");
+    return kWrongUsage;
+  }
+  FaceRequest request;
+  if (!ReadFontFile(font_file_, &request)) return kWrongUsage;
+  std::vector<ListedFace> faces;
+  if (const Status read = ListFacesIn(request, &faces); !read.ok()) {
+    ReportError(read);
+    return read.failure == Failure::kNotFound ? kFaceTrouble : kFailed;
+  }
+  std::string out;
+  if (json_) {
+    out = Json(faces);
+  } else {
+    std::vector<std::u16string> names;  // the default may be one of the instances, too
+    for (const ListedFace& face : faces) {
+      const std::u16string style = face.styles.empty() ? u"" : u" " + face.styles.front();
+      names.push_back(face.families.front() + style);
+      const bool known = std::ranges::find(names, names.back()) != names.end() - 1;
+      if (!known) out += Utf16ToUtf8(names.back()) + "\n";
+    }
+  }
+  return Print(out) && FinishPrinting() ? kDone : kFailed;
+}
+
 ExitStatus FacesCommand::Run() {
+  if (app_->count("--font-file") > 0) return DescribeFile();
   if (strokes_) return ListStrokeFonts();
   if (!ReadTexts()) return kWrongUsage;
   if (!shown_.empty()) return DrawSheet(Families());
   std::string out;
   if (json_) {
-    out = Json();
+    out = Json(ListFaces());
   } else {
     for (const std::u16string& name : Families()) out += Utf16ToUtf8(name) + "\n";
   }

@@ -7,6 +7,7 @@
 
 #include "cli/command.h"
 #include "cli/output_files.h"
+#include "platform/font_faces.h"
 
 namespace kerno {
 
@@ -19,14 +20,15 @@ class FacesCommand final : public Command {
 
  private:
   ExitStatus ListStrokeFonts() const;
+  ExitStatus DescribeFile() const;
   bool ReadTexts();
   std::vector<std::u16string> Families() const;
   ExitStatus DrawSheet(const std::vector<std::u16string>& families) const;
-  std::string Json() const;
+  std::string Json(const std::vector<ListedFace>& listed) const;
 
   CLI::App* app_ = nullptr;
   OutputFiles outputs_;
-  std::string covers_, sample_;
+  std::string covers_, sample_, font_file_;
   std::u16string covered_, shown_;  // those texts
   bool json_ = false;
   bool vertical_ = false;

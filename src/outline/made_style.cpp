@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include "drawing/measures.h"
 #include "drawing/offset.h"
 #include "drawing/segment.h"
 #include "drawing/weld.h"
@@ -30,12 +31,20 @@ void AppendCubics(const Piece& arc, std::vector<Segment>* segments) {
   }
 }
 
+// What is left of a counter that has all but closed: thinner, all over, than a share of the way
+// that its outline went.
+bool IsSpeck(const Path& path, double distance) {
+  constexpr double kThin = 0.1;
+  return 2 * std::fabs(SignedAreaOf(path)) < kThin * distance * LengthOf(path);
+}
+
 }  // namespace
 
 std::vector<Path> Emboldened(const std::vector<Path>& paths, double distance, double tolerance) {
   std::vector<Path> welded;
   for (WeldedPath& path : Weld(paths, tolerance).paths) welded.push_back(std::move(path.path));
   std::vector<Path> moved = Offset(welded, distance, tolerance).paths;
+  std::erase_if(moved, [&](const Path& path) { return IsSpeck(path, distance); });
   for (Path& path : moved) {
     std::vector<Segment> segments;
     for (const Piece& piece : PiecesOf(path)) {

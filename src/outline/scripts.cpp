@@ -113,6 +113,15 @@ Script ScriptOf(char32_t ch) {
   return script == HB_SCRIPT_UNKNOWN ? kCommonScript : hb_script_to_iso15924_tag(script);
 }
 
+bool LinksLetters(char32_t ch) {
+  // Devanagari, Bengali, Gurmukhi, Gujarati, Oriya, Telugu, Kannada, Malayalam, Sinhala, Myanmar,
+  // Khmer, Tai Tham, Balinese, Javanese. That of Tamil is a mark on a letter that stands alone.
+  constexpr std::array<char32_t, 14> kLinks = {0x094D, 0x09CD, 0x0A4D, 0x0ACD, 0x0B4D,
+                                               0x0C4D, 0x0CCD, 0x0D4D, 0x0DCA, 0x1039,
+                                               0x17D2, 0x1A60, 0x1B44, 0xA9C0};
+  return std::ranges::find(kLinks, ch) != kLinks.end();
+}
+
 bool IsCursive(Script script) {
   const ScriptRow* row = RowOf(script);
   return row && row->behaviour == Behaviour::kJoins;

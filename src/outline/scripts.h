@@ -23,6 +23,9 @@ Script ScriptOf(char32_t ch);
 // Whether its letters join, so that nothing may stand between two of them.
 bool IsCursive(Script script);
 
+// Joins the letter before it to the next one in a syllable, as the virama of Devanagari does.
+bool LinksLetters(char32_t ch);
+
 // A mark, a variation selector, a joiner or a control: it belongs to the character before.
 bool IsAttached(char32_t ch);
 

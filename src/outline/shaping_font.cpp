@@ -201,9 +201,16 @@ hb_direction_t DirectionOf(ShapeDirection direction) {
   return HB_DIRECTION_LTR;
 }
 
-// Whether the characters before and after a place of the line may be joined by a stroke.
+// Whether the characters before and after a place of the line may be joined by a stroke,
+// or in a syllable.
 bool JoinsAt(const ShapingRun& run, size_t place) {
-  if (!IsCursive(run.script) || place == 0 || place >= run.line.size()) return false;
+  if (place == 0 || place >= run.line.size()) return false;
+  constexpr char16_t kJoiner = 0x200D;
+  const bool joiner = place > 1 && run.line[place - 1] == kJoiner;
+  if (LinksLetters(run.line[place - (joiner ? 2 : 1)])) {
+    return ScriptOf(run.line[place]) == run.script;
+  }
+  if (!IsCursive(run.script)) return false;
   const auto is_letter = [&](char16_t unit) {
     constexpr char16_t kTatweel = 0x0640;                  // lengthens a stroke
     const bool of_pair = unit >= 0xD800 && unit < 0xE000;  // those scripts' own, in such a run

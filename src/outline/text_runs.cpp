@@ -89,6 +89,17 @@ RunPose PoseOf(char32_t ch, const RunOptions& options) {
   return RunPose::kTurned;
 }
 
+// Whether digits from `start` to `end` are a part of something longer: "1.5", "12:30", "5m", "A10".
+bool IsPartOfMore(std::u32string_view line, size_t start, size_t end) {
+  const auto at = [&](size_t place) { return place < line.size() ? line[place] : U' '; };
+  const auto goes_on = [&](char32_t next, char32_t beyond) {
+    const bool links = next == U'.' || next == U',' || next == U':' || next == U'/';
+    return ScriptOf(next) == ScriptCode("Latn") || (links && IsDigit(beyond));
+  };
+  const char32_t before = start > 0 ? line[start - 1] : U' ';
+  return goes_on(before, start > 1 ? line[start - 2] : U' ') || goes_on(at(end), at(end + 1));
+}
+
 std::vector<RunPose> PosesOf(std::u32string_view line, const RunOptions& options) {
   if (options.mode == WritingMode::kHorizontal) return {line.size(), RunPose::kInLine};
   std::vector<RunPose> poses;
@@ -98,7 +109,7 @@ std::vector<RunPose> PosesOf(std::u32string_view line, const RunOptions& options
     size_t end = i;
     while (end < line.size() && IsDigit(line[end])) ++end;
     if (end > i) {
-      const bool is_short = end - i <= options.across_digits;
+      const bool is_short = end - i <= options.across_digits && !IsPartOfMore(line, i, end);
       poses.resize(end, is_short ? RunPose::kAcross : RunPose::kTurned);
     } else {
       poses.push_back(i > 0 && IsAttached(line[i]) ? poses.back() : PoseOf(line[i], options));

@@ -14,9 +14,9 @@ namespace kerno {
 
 // How a face is asked for. What is empty is left to the system, or to the font.
 struct FaceRequest {
-  std::u16string family = {};  // any of its names in any language, or a face's full name
-  std::u16string style = {};   // of the family; without one the upright face nearest to normal
-                              // weight and width
+  std::u16string family = {};       // any of its names in any language, or a face's full name
+  std::u16string style = {};        // of the family; without one the upright face nearest to normal
+                                    // weight and width
   std::filesystem::path file = {};  // a font file, which need not be installed; `family` and
                                     // `style` choose in it
   std::optional<uint32_t> index = {};  // the font of a collection in `file`, counted from 0
@@ -36,7 +36,8 @@ struct FontData {
   std::shared_ptr<const FontBytes> file;
   uint32_t index = 0;     // the font of a collection
   uint32_t instance = 0;  // above 0: the named instance of a variable font, counted from 1
-  std::string variations, features;  // those of the request, not looked at yet
+  std::string variations, features;  // those of the request, not looked at yet; places on axes
+                                     // that the wanted style takes stand before them
   std::u16string family;             // as the system shows it
   std::u16string style;              // "Bold Oblique"
   int32_t weight = 400;              // of that style, 100 to 1000
@@ -45,6 +46,8 @@ struct FontData {
   // The wanted style is not there: it can be made of this one by moving its outlines outwards, by
   // leaning them.
   bool make_bold = false, make_slanted = false;
+  bool bold_by_axes = false, slanted_by_axes = false;  // `variations` makes the wanted style
+  std::filesystem::path path;  // of the file; empty where the system does not tell
 };
 
 // Finds a face. Names are compared without case; "Italic" and "Oblique", "Book" and "Regular" and

@@ -13,6 +13,7 @@ namespace kerno {
 namespace {
 
 constexpr uint32_t kMostFonts = 256, kMostInstances = 1024, kMostNames = 4096;
+constexpr int32_t kBoldWeight = 700;
 
 constexpr uint32_t Tag(const char (&name)[5]) {
   uint32_t tag = 0;
@@ -156,6 +157,22 @@ StyledFace DefaultStyle(const Tables& tables, const Names& names) {
 // A number of 16.16 bits, whole part.
 int32_t FixedWhole(std::string_view bytes, size_t at) {
   return static_cast<int16_t>(Big(bytes, at, 2));
+}
+
+struct AxisReach {
+  int32_t least = 0, most = 0;
+};
+
+// The axes of the table "fvar", in whole numbers.
+std::map<uint32_t, AxisReach> AxesOf(std::string_view fvar) {
+  std::map<uint32_t, AxisReach> axes;
+  const size_t first = Big(fvar, 4, 2), size = Big(fvar, 10, 2);
+  for (uint32_t i = 0; i < Big(fvar, 8, 2); ++i) {
+    const size_t axis = first + size_t{i} * size;
+    if (axis + 16 > fvar.size()) break;
+    axes[Big(fvar, axis, 4)] = {FixedWhole(fvar, axis + 4), FixedWhole(fvar, axis + 12)};
+  }
+  return axes;
 }
 
 // The named instances of the table "fvar".
@@ -302,6 +319,40 @@ void Describe(const FaceRequest& request, std::span<const StyledFace> styles,
   data->make_slanted = choice.make_slanted;
 }
 
+void TakeStyleFromAxes(std::u16string_view style, FontData* data) {
+  if (!data->make_bold && !data->make_slanted) return;
+  const std::vector<size_t> starts = DirectoriesIn(data->file->bytes());
+  if (data->index >= starts.size()) return;
+  const Tables tables(data->file->bytes(), starts[data->index]);
+  const std::map<uint32_t, AxisReach> axes = AxesOf(tables.Find(Tag("fvar")));
+  const auto reaches = [&](uint32_t tag, int32_t place) {
+    const auto axis = axes.find(tag);
+    return axis != axes.end() && axis->second.least <= place && place <= axis->second.most;
+  };
+  std::string places;
+  if (data->make_bold && reaches(Tag("wght"), kBoldWeight)) {
+    places = "wght=" + std::to_string(kBoldWeight) + ",";
+    data->make_bold = false;
+    data->bold_by_axes = true;
+    data->weight = kBoldWeight;
+  }
+  const auto slant = axes.find(Tag("slnt"));
+  const bool leans = slant != axes.end() && slant->second.least < 0;
+  if (data->make_slanted && (leans || reaches(Tag("ital"), 1))) {
+    constexpr int32_t kUsualSlant = -12;
+    places += reaches(Tag("ital"), 1)
+                  ? "ital=1,"
+                  : "slnt=" + std::to_string(std::max(slant->second.least, kUsualSlant)) + ",";
+    data->make_slanted = false;
+    data->slanted_by_axes = true;
+    data->slanted = true;
+  }
+  if (places.empty()) return;
+  if (!data->make_bold && !data->make_slanted) data->style = style;
+  if (data->variations.empty()) places.pop_back();
+  data->variations.insert(0, places);
+}
+
 Status NoSuchStyle(std::u16string_view family, std::u16string_view style,
                    std::span<const StyledFace> styles) {
   return Status::Error(
@@ -319,9 +370,12 @@ Status CheckWhole(const FontData& data) {
     return refuse(WhatItIsInstead(bytes));
   }
   const Tables tables(bytes, starts[data.index]);
-  constexpr std::array<const char*, 8> kNeeded = {"head", "hhea", "maxp", "cmap",
-                                                  "loca", "glyf", "CFF ", "CFF2"};
-  for (const char* table : kNeeded) {
+  // What shaping and outlines read.
+  constexpr std::array<const char*, 25> kRead = {
+      "head", "hhea", "hmtx", "maxp", "cmap", "loca", "glyf", "CFF ", "CFF2",
+      "vhea", "vmtx", "VORG", "GDEF", "GSUB", "GPOS", "kern", "OS/2", "name",
+      "fvar", "gvar", "avar", "HVAR", "MVAR", "VVAR", "morx"};
+  for (const char* table : kRead) {
     if (tables.IsCut(Big(table, 0, 4))) {
       return refuse(u"ends before its table " + Quoted(std::u16string(table, table + 4)) +
                     u" does");
@@ -331,6 +385,7 @@ Status CheckWhole(const FontData& data) {
       tables.Has(Tag("glyf")) || tables.Has(Tag("CFF ")) || tables.Has(Tag("CFF2"));
   if (!outlines) return refuse(u"holds no outlines");
   if (!tables.Has(Tag("cmap"))) return refuse(u"does not say which character a glyph stands for");
+  if (!tables.Has(Tag("hmtx"))) return refuse(u"does not say how wide its glyphs are");
   return Status::Ok();
 }
 
@@ -361,7 +416,9 @@ Status FindInFile(const FaceRequest& request, FontData* data) {
   found.index = face.index;
   found.instance = face.instance;
   found.family = FamilyOf(face);
+  found.path = request.file;
   Describe(request, styles, *choice, &found);
+  TakeStyleFromAxes(request.style, &found);
   if (Status whole = CheckWhole(found); !whole.ok()) return whole;
   *data = std::move(found);
   return Status::Ok();

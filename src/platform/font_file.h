@@ -36,7 +36,12 @@ void Describe(const FaceRequest& request, std::span<const StyledFace> styles,
 Status NoSuchStyle(std::u16string_view family, std::u16string_view style,
                    std::span<const StyledFace> styles);
 
-// Fails for a font that lacks a table which outlines need, or ends before one does.
+// Bold and slanted letters that are to be made come from the axes of a variable font where it has
+// such; the variations of the request come after them. `style` is the one asked for.
+void TakeStyleFromAxes(std::u16string_view style, FontData* data);
+
+// Fails for a font that lacks a table which text and outlines need, or ends before one does that
+// they read.
 [[nodiscard]] Status CheckWhole(const FontData& data);
 
 // What FindFontData does for a request that names a file.

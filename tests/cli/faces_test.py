@@ -99,6 +99,19 @@ class FacesTest(programs.FolderTest):
                 for polygon in ours:  # theirs has whole coordinates
                     self.assertLess(min(polygon.hausdorff_distance(p) for p in theirs), 1.6, f"{options} {letter}")
 
+    def test_axes_make_bold_and_slanted_letters_where_no_instance_does(self):
+        font, bare = TTFont(VARIABLE), str(self.folder / "bare.ttf")
+        font["fvar"].instances = []
+        font.save(bare)
+        for style, places in (("Oblique Bold", "wght=700,slnt=-10"), ("Bold", "wght=700"), ("Italic", "slnt=-10")):
+            made, err, ours = self.cut("Ag&", "--font-file", bare, "--style", style)
+            self.assertEqual((places, bare, ""), (made["variations"], made["file"], err))
+            _, _, wanted = self.cut("Ag&", "--font-file", VARIABLE, "--variation", places)
+            self.assertEqual([p.bounds for p in wanted], [p.bounds for p in ours])
+        told = json.loads(run("faces", "--font-file", VARIABLE, "--json")[1])
+        self.assertEqual([["wght", "slnt"]], [[axis["tag"] for axis in face["axes"]] for face in told])
+        self.assertEqual(len(TTFont(VARIABLE)["fvar"].instances) + 1, len(told[0]["styles"]))
+
     def test_bold_that_is_not_there_is_the_outline_moved(self):
         font = TTFont(MINCHO)
         em = font["head"].unitsPerEm
@@ -177,12 +190,21 @@ class FacesTest(programs.FolderTest):
         noise, cut, empty = (self.folder / name for name in ("noise.ttf", "cut.ttf", "empty.ttf"))
         noise.write_bytes(b"\x00\x01\x00\x00" + bytes(range(256)) * 9)
         cut.write_bytes(pathlib.Path(SANS).read_bytes()[:300000])
+        whole, short = pathlib.Path(VARIABLE).read_bytes(), self.folder / "short.ttf"
+        short.write_bytes(whole[:max(int.from_bytes(whole[i + 8:i + 12], "big") + int.from_bytes(whole[i + 12:i + 16], "big")
+                                     for i in range(12, 12 + 16 * whole[5], 16) if whole[i:i + 4] == b"hmtx") - 1])
         empty.write_bytes(b"")
         (self.folder / "e.txt").write_bytes(b"ab\xff\xff")
         sans = ["--face", "DejaVu Sans"]
         cases = [  # arguments, exit status, what standard error must hold
             (["A", "--font-file", str(self.folder)], 1, "folder"), (["A", "--font-file", __file__], 1, "is no font file"),
             (["A", "--font-file", str(noise)], 1, "noise.ttf"), (["A", "--font-file", str(cut)], 1, "ends before its table"),
+            (["A", "--font-file", str(short)], 1, "ends before its table"),
+            (["A", "--face", "DejaVu Sans Bold", "--style", "Book"], 3, 'has no "Bold Book"'),
+            (["A", "--face", "DejaVu Sans Bold", "--style", "Oblique"], 0, ""), (["A", *sans, "--style", "bold condensed"], 0, ""),
+            (["Aक", *sans, "--style", "ExtraLight", "--fallback", "Lohit Devanagari"], 0, 'has no "ExtraLight": 1 character is'),
+            (["Aक", *sans, "--style", "ExtraLight", "--fallback", "Lohit Devanagari", "--strict"], 3, 'has no "ExtraLight"'),
+            (["A", "--face", "Dejavu Snas"], 3, 'the nearest are "DejaVu Sans"'),
             (["A", "--font-file", str(empty)], 1, "empty file"), (["A", "--font-file", "no.ttf"], 3, "no.ttf"),
             (["A", "--font-file", f"{SANS}#1"], 3, 'has no font 1; it has 0 "DejaVu Sans Book"'),
             (["A", "--font-file", VARIABLE, "--variation", "wdth=80"], 3, "wght 100 to 900, slnt -10 to 0"),
@@ -210,6 +232,8 @@ class FacesTest(programs.FolderTest):
         for options, expected, message in convert:
             status, _, err = run("convert", "A", *sans, *options, "-o", str(self.folder / "o.svg"))
             self.assertEqual((expected, True), (status, message in err), err)
+        _, _, err = run("convert", "A", "--face", "DejaVu Sans Condensed Bold", "-o", str(self.folder / "o.svg"))
+        self.assertIn("a width which the system is not asked for", err)
         for name, options in (("DejaVu Sans Bold Oblique", []), ("DejaVu Sans", ["--style", "Bold Italic"])):
             status, out, _ = run("measure", "Agi", "--face", name, *options, "--ink", "--json")
             self.assertEqual(json.loads(run("measure", "Agi", "--face", "DejaVu Sans", "--style", "Bold Oblique",

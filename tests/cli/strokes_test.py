@@ -287,7 +287,7 @@ class StrokesTest(programs.FolderTest):
             (self.font("Dear reader", "letter.txt"), "A", 1, "is no stroke font"),
             (self.font("", "empty.jhf"), "A", 1, "is no stroke font"), (str(self.folder), "A", 1, ""),
             (self.font(b"\xff\xfe<\0", "u.svg"), "A", 1, "UTF-16"), ("/no/such.jhf", "A", 3, "/no/such.jhf"),
-            ("rowman", "A", 3, 'near: rowmand, rowmans')]
+            ("rowman", "A", 3, 'the nearest are "rowmand", "rowmans"')]
         before = sorted(self.folder.iterdir())
         for font, text, expected, message in cases:
             with self.subTest(font=font, text=text):

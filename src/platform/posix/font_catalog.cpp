@@ -4,7 +4,9 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <set>
 #include <tuple>
+#include <utility>
 
 #include "platform/device_context.h"
 #include "platform/posix/unicode.h"
@@ -69,6 +71,12 @@ std::vector<std::u16string> NamesOfInstance(const CatalogFace& face) {
     }
   }
   return names;
+}
+
+// The font of a collection; above it an index holds the instance.
+constexpr int kFontOfIndex = 0xFFFF;
+int FontOf(FcPattern* pattern) {
+  return IntegerOf(pattern, FC_INDEX, 0) & kFontOfIndex;
 }
 
 CatalogFace FaceOf(FcPattern* pattern) {
@@ -181,14 +189,20 @@ FontCatalog::FontCatalog() : config_(FcInitLoadConfigAndFonts()) {
   for (const std::string& file : AddedFiles()) {
     FcConfigAppFontAddFile(config_, reinterpret_cast<const FcChar8*>(file.c_str()));
   }
+  std::set<std::pair<std::string, int>> variable;
   for (const FcSetName set_name : {FcSetSystem, FcSetApplication}) {
     const FcFontSet* set = FcConfigGetFonts(config_, set_name);
     for (int i = 0; set != nullptr && i < set->nfont; ++i) {
       // A variable face is listed once as such and once for each of its named instances.
       if (!IsTrue(set->fonts[i], FC_VARIABLE)) {
         faces_.push_back(FaceOf(set->fonts[i]));
+      } else {
+        variable.emplace(StringAt(set->fonts[i], FC_FILE, 0), FontOf(set->fonts[i]));
       }
     }
+  }
+  for (CatalogFace& face : faces_) {
+    face.has_axes = variable.contains({face.path, face.index & kFontOfIndex});
   }
   for (size_t i = 0; i < faces_.size(); ++i) {
     for (const CatalogFace::Name& name : faces_[i].families) {

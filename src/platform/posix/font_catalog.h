@@ -40,6 +40,7 @@ struct CatalogFace {
   bool fixed_pitch = false;   // every character as wide as the next, or half as wide (dual)
   bool has_outlines = false;  // TrueType, CFF or Type 1
   bool is_sfnt = false;       // TrueType or CFF
+  bool has_axes = false;      // is a variable font, or an instance of one
   bool covers_wide = false;   // covers East Asian full-width characters
 };
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <functional>
 #include <utility>
 
 #include "platform/font_data.h"
@@ -37,6 +38,7 @@ class MappedFile final : public FontBytes {
 struct Members {
   std::vector<const CatalogFace*> faces;
   bool by_full_name = false;  // the name is that of a face, not of a family
+  std::u16string own_style;   // of that face, where the request has a style beside it
 };
 
 bool CanBeShaped(const CatalogFace* face) {
@@ -59,9 +61,17 @@ Members MembersOf(const FontCatalog& catalog, const FaceRequest& request) {
   }
   if (members.by_full_name) {
     members.faces = catalog.FindFullName(request.family);
-    if (!members.faces.empty() && !request.style.empty()) members.faces = family_of(members.faces);
+    if (!members.faces.empty() && !request.style.empty()) {
+      const CatalogFace& face = *members.faces.front();
+      if (!face.styles.empty()) members.own_style = face.styles.front();
+      members.faces = family_of(members.faces);
+    }
   }
   std::erase_if(members.faces, [](const CatalogFace* face) { return !CanBeShaped(face); });
+  const auto has_axes = [](const CatalogFace* face) { return face->has_axes; };
+  if (!request.variations.empty() && std::ranges::any_of(members.faces, has_axes)) {
+    std::erase_if(members.faces, std::not_fn(has_axes));
+  }
   return members;
 }
 
@@ -114,15 +124,20 @@ Status FindFontData(const FaceRequest& request, FontData* data) {
   }
   const std::u16string family =
       SystemName(*members.faces.front(), members.by_full_name ? u"" : request.family, false);
-  const auto choice = ChooseStyle(request.style, styles);
-  if (!choice) return NoSuchStyle(family, request.style, styles);
+  const auto choice = ChooseStyleOfFace(members.own_style, request.style, styles);
+  if (!choice) {
+    const std::u16string own = members.own_style.empty() ? u"" : members.own_style + u" ";
+    return NoSuchStyle(family, own + request.style, styles);
+  }
   const CatalogFace& face = *members.faces[choice->face];
   FontData found;
   found.index = static_cast<uint32_t>(face.index) & 0xFFFF;
   found.instance = static_cast<uint32_t>(face.index) >> 16;
   found.family = family;
   Describe(request, styles, *choice, &found);
+  found.path = face.path;
   if (Status opened = OpenFontBytes(face.path, &found.file); !opened.ok()) return opened;
+  TakeStyleFromAxes(request.style, &found);
   if (Status whole = CheckWhole(found); !whole.ok()) return whole;
   *data = std::move(found);
   return Status::Ok();

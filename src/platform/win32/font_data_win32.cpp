@@ -243,7 +243,9 @@ Status FindFontData(const FaceRequest& request, FontData* data) {
   const MemoryDevice device;
   Members members =
       FindMembers(device, request.family.empty() ? MappedFamily(device) : request.family);
+  std::u16string own;  // the style of a face that is named whole
   if (members.by_full_name && !request.style.empty()) {
+    own = members.faces.front().style;
     members.faces = MembersOf(device.get(), FamilyOf(members.faces.front()));
   }
   const bool known = !members.faces.empty();
@@ -254,15 +256,17 @@ Status FindFontData(const FaceRequest& request, FontData* data) {
         u"\"" + request.family + (known ? u"\" has no outlines" : u"\" is not installed"));
   }
   const std::vector<StyledFace> styles = StylesOf(members.faces);
-  const auto choice = ChooseStyle(request.style, styles);
+  const auto choice = ChooseStyleOfFace(own, request.style, styles);
   const Member& chosen = members.faces[choice ? choice->face : 0];
   FontData found;
   found.family = FamilyOf(chosen);
   if (Status read = ReadFile(device, chosen, &found); !read.ok()) return read;
-  const bool makes = !choice || choice->make_bold || choice->make_slanted;
+  const bool makes = own.empty() && (!choice || choice->make_bold || choice->make_slanted);
   if (!makes || !TakeInstance(request, &found)) {
-    if (!choice) return NoSuchStyle(found.family, request.style, styles);
+    if (!choice)
+      return NoSuchStyle(found.family, (own.empty() ? own : own + u" ") + request.style, styles);
     Describe(request, styles, *choice, &found);
+    TakeStyleFromAxes(request.style, &found);
   }
   *data = std::move(found);
   return Status::Ok();
