@@ -14,6 +14,7 @@ STANDARD = re.compile(r"^[a-z_0-9]+$")  # <vector>, <cstdint>: no slash, no ".h"
 
 # Libraries of which both systems build the same source, each behind a header of ours.
 LIBRARIES = {"drawing/polygon_union.cpp": {"polyclipping/clipper.hpp"},
+             "drawing/vector.h": {"emmintrin.h"},  # the compiler's own
              "outline/bidi.cpp": {"fribidi.h"},
              "outline/font_details.cpp": {"hb.h", "hb-ot.h"},
              "outline/scripts.cpp": {"hb.h"},

@@ -52,9 +52,11 @@ class CutMaker {
   const std::vector<Path>& Outline(const BlockGlyph& glyph) const;
   Linear MapOf(const BlockGlyph& glyph) const { return map_.After(block_.forms[glyph.form].map); }
   void Place();
+  void Settle();
+  P2 AnchorOf(const Box2& ink) const;
   uint32_t ShapeOf(const std::vector<size_t>& cluster);
   void FinishAll();
-  size_t CrossingsOf(const Drawing& drawing) const;
+  void CountFaults(CutDrawing* made) const;
 
   const CutJob& job_;
   const GlyphSource& source_;
@@ -125,9 +127,16 @@ Status CutMaker::Size() {
   }
   double x = 0, y = 0;
   bool settled = false;
-  constexpr int kMostRounds = 200;
+  // The ink grows about evenly with the scale that the spacing is set for: where it is right is
+  // found by secants.
+  struct Guess {
+    double scale, error;
+  };
+  Guess before = {0, 0};
+  double scale = 0;
+  constexpr int kMostRounds = 60;
   for (int round = 0; round < kMostRounds && !settled; ++round) {
-    Set(x > 0 ? job_.letter_spacing / std::min(x, y) : 0);
+    Set(scale > 0 ? job_.letter_spacing / scale : 0);
     const Box2 ink = InkOfBlock(pose_);
     const double width = ink.Width(), height = ink.Height();
     if (!(width > 0 || height > 0)) return Refuse(u"fit", u"the text has no ink to fit");
@@ -138,26 +147,37 @@ Status CutMaker::Size() {
                                                         : std::min(by_width, by_height);
     const bool stretches = size.by == CutSize::By::kStretch && by_width > 0 && by_height > 0;
     const double next_x = stretches ? by_width : both, next_y = stretches ? by_height : both;
-    settled = job_.letter_spacing == 0 || std::fabs(next_x - x) <= 1e-12 * next_x;
     x = next_x;
     y = next_y;
+    const double next = std::min(x, y);
+    const Guess guess = {scale, scale / next - 1};
+    settled = job_.letter_spacing == 0 || std::fabs(guess.error) <= 1e-12;
+    const double rise = guess.error - before.error;
+    scale = next;
+    if (before.scale > 0 && rise != 0) {
+      scale = guess.scale - guess.error * (guess.scale - before.scale) / rise;
+      if (!(scale > 0)) break;
+    }
+    before = guess;
   }
   if (!settled) return Refuse(u"letter spacing", u"leaves the letters no room in the size");
   map_ = pose_.Scaled(x, y);
   return Status::Ok();
 }
 
+P2 CutMaker::AnchorOf(const Box2& ink) const {
+  const auto part = [](double low, double high, int which) {
+    return which == 0 ? low : which == 1 ? (low + high) / 2 : high;
+  };
+  return {part(ink.min.x, ink.max.x, job_.anchor.across),
+          part(ink.min.y, ink.max.y, job_.anchor.up)};
+}
+
 // Moves the block so that the anchor of its ink lies where it was wanted.
 void CutMaker::Place() {
   const Box2 ink = InkOfBlock(map_);
   const bool blank = !(ink.min.x <= ink.max.x);
-  const auto part = [](double low, double high, int which) {
-    return which == 0 ? low : which == 1 ? (low + high) / 2 : high;
-  };
-  const P2 anchor = blank ? P2{}
-                          : P2{part(ink.min.x, ink.max.x, job_.anchor.across),
-                               part(ink.min.y, ink.max.y, job_.anchor.up)};
-  const P2 shift = job_.at - anchor;
+  const P2 shift = job_.at - (blank ? P2{} : AnchorOf(ink));
   placed_.reserve(block_.glyphs.size());
   for (const BlockGlyph& glyph : block_.glyphs) {
     Placed placed = {map_.Apply(glyph.origin) + shift, {}};
@@ -203,8 +223,10 @@ void CutMaker::FinishAll() {
   outlines_.clear();
 }
 
-// The paths that cross others or themselves, in a drawing whose shapes were not kept apart.
-size_t CutMaker::CrossingsOf(const Drawing& drawing) const {
+// Counts the paths that cross or touch others or themselves, in a drawing whose shapes were not
+// kept apart.
+void CutMaker::CountFaults(CutDrawing* made) const {
+  const Drawing& drawing = made->drawing;
   std::vector<Box2> of_shapes, boxes;
   for (const Shape& shape : drawing.shapes) {
     Box2& box = of_shapes.emplace_back();
@@ -214,11 +236,13 @@ size_t CutMaker::CrossingsOf(const Drawing& drawing) const {
     const Box2& box = of_shapes[placed.shape];
     boxes.push_back({box.min + placed.at, box.max + placed.at});
   }
-  size_t crossing = 0;
-  std::map<std::vector<int64_t>, size_t> known;  // by shapes and where they stand to the first
+  made->crossing = made->touching = 0;
+  std::map<std::vector<int64_t>, ShapeNotes> known;  // by shapes and where they stand to the first
   for (const std::vector<size_t>& cluster : Overlapping(boxes)) {
     if (cluster.size() == 1) {
-      crossing += notes_[drawing.placed[cluster[0]].shape].crossing;
+      const ShapeNotes& notes = notes_[drawing.placed[cluster[0]].shape];
+      made->crossing += notes.crossing;
+      made->touching += notes.touching;
       continue;
     }
     std::vector<int64_t> key;
@@ -240,11 +264,34 @@ size_t CutMaker::CrossingsOf(const Drawing& drawing) const {
         }
       }
       const PathFaults faults = CheckPaths(paths, job_.tolerance);
-      count->second = 2 * faults.crossing + faults.self_crossing;
+      count->second.crossing = 2 * faults.crossing + faults.self_crossing;
+      count->second.touching = 2 * faults.touching + faults.self_touching;
     }
-    crossing += count->second;
+    made->crossing += count->second.crossing;
+    made->touching += count->second.touching;
   }
-  return crossing;
+}
+
+// Fits and places the drawing as it is, not as the curves are that it was made from.
+void CutMaker::Settle() {
+  Drawing& drawing = made_.drawing;
+  const Box2 ink = InkOf(drawing);
+  if (job_.offset != 0 || !(ink.min.x <= ink.max.x)) return;
+  const CutSize& size = job_.size;
+  double scale = 1;
+  if (size.by == CutSize::By::kFit) {
+    const double across = size.width > 0 && ink.Width() > 0 ? size.width / ink.Width() : HUGE_VAL;
+    const double up = size.height > 0 && ink.Height() > 0 ? size.height / ink.Height() : HUGE_VAL;
+    const double fits = std::min(across, up);
+    if (fits < HUGE_VAL) scale = fits;
+  }
+  const Linear larger = {scale, 0, 0, scale};
+  for (Shape& shape : drawing.shapes) {
+    for (ShapePath& path : shape) path.path = Mapped(path.path, larger);
+  }
+  const P2 by = job_.at - AnchorOf({ink.min * scale, ink.max * scale});
+  for (PlacedShape& placed : drawing.placed) placed.at = placed.at * scale + by;
+  for (CutGlyph& glyph : made_.glyphs) glyph.at = glyph.at * scale + by;
 }
 
 Status CutMaker::Make(CutDrawing* made) {
@@ -273,7 +320,8 @@ Status CutMaker::Make(CutDrawing* made) {
     made_.vanished += notes_[shape.shape].vanished;
     if (!made_.drawing.shapes[shape.shape].empty()) made_.drawing.placed.push_back(shape);
   }
-  if (!together && !source_.HoldsStrokes()) made_.crossing = CrossingsOf(made_.drawing);
+  if (!together && !source_.HoldsStrokes()) CountFaults(&made_);
+  Settle();
   made_.facts = FactsOf(made_.drawing);
   made_.ink = InkOf(made_.drawing);
   made_.missing = std::move(block_.missing);

@@ -101,6 +101,7 @@ struct CutDrawing {
   std::vector<char32_t> missing;  // distinct characters without a glyph in any face
   size_t vanished = 0;            // contours that an inward offset left nothing of
   size_t crossing = 0;            // paths that cross themselves or another one
+  size_t touching = 0;            // that touch; counted where letters are not welded
 };
 
 // Fails for a font that cannot be found or read, for a text without ink where a size was asked of

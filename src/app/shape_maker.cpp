@@ -7,6 +7,7 @@
 #include "drawing/cutting_order.h"
 #include "drawing/fit_arcs.h"
 #include "drawing/flatten.h"
+#include "drawing/measures.h"
 #include "drawing/offset.h"
 #include "drawing/strokes.h"
 #include "drawing/vector.h"
@@ -49,16 +50,30 @@ Path InForm(Path path, const CutJob& job, double tolerance, bool again) {
   return path;
 }
 
-// Lines and arcs that are shorter than a share of the tolerance stand where curves meet that all
-// but run together; files would show them as a point that stands twice.
-Path WithoutSpecks(const Path& path, double tolerance) {
-  constexpr double kShortest = 1e-3;
+bool IsSpeck(const P2& start, const Segment& segment, double shortest) {
+  const bool straight = segment.kind == SegmentKind::kLine || segment.kind == SegmentKind::kArc;
+  return straight && Length(segment.end - start) < shortest;
+}
+
+// Lines and arcs that are shorter than a share of the tolerance, and of the path, stand where
+// curves meet that all but run together; files would show them as a point that stands twice.
+Path WithoutSpecks(Path path, double tolerance) {
+  constexpr double kShortest = 1e-3, kShortestOfPath = 5e-5;
+  P2 at = path.start;
+  bool found = false;
+  for (const Segment& segment : path.segments) {
+    found = found || IsSpeck(at, segment, tolerance * kShortest);
+    at = segment.end;
+  }
+  if (!found) return path;
+  const Box2 box = BoxOf(path);
+  const double shortest =
+      std::min(tolerance * kShortest, std::max(box.Width(), box.Height()) * kShortestOfPath);
   Path result = path;
   result.segments.clear();
-  P2 at = path.start;
+  at = path.start;
   for (const Segment& segment : path.segments) {
-    const bool straight = segment.kind == SegmentKind::kLine || segment.kind == SegmentKind::kArc;
-    const bool speck = straight && Length(segment.end - at) < tolerance * kShortest;
+    const bool speck = IsSpeck(at, segment, shortest);
     at = segment.end;
     if (!speck) {
       result.segments.push_back(segment);
@@ -114,6 +129,7 @@ Shape ShapeOfOutlines(std::vector<Path> outlines, const CutJob& job, ShapeNotes*
     const ChordGrid grid(paths, tolerance * 0.25, ChordGrid::Closing::kAll);
     const PathFaults faults = CheckPaths(paths, grid);
     notes->crossing = 2 * faults.crossing + faults.self_crossing;
+    notes->touching = 2 * faults.touching + faults.self_touching;
     shape.clear();
     for (const CutStep& step : OrderForCutting(paths, grid, job.order)) {
       shape.push_back({PathOf(paths[step.path], step), static_cast<uint32_t>(step.depth)});

@@ -11,6 +11,7 @@ namespace kerno {
 // What the user is told of a shape, once for each place of it.
 struct ShapeNotes {
   size_t crossing = 0;  // paths that cross themselves or another one
+  size_t touching = 0;  // that touch, or run along, themselves or another one
   size_t vanished = 0;  // contours that an inward offset left nothing of
 };
 

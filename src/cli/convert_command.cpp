@@ -104,7 +104,7 @@ ExitStatus ConvertCommand::Run() {
   const auto write = [&](const Format& format, const std::filesystem::path& file) {
     return format.write(model, file, writers_.options());
   };
-  return outputs_.WriteAll(write, summary, text_.quiet()) ? kDone : kFailed;
+  return outputs_.WriteAll(write, {summary, text_.quiet()}) ? kDone : kFailed;
 }
 
 }  // namespace kerno

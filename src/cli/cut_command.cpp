@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 #include "base/number_text.h"
@@ -11,6 +12,7 @@
 #include "cli/choice.h"
 #include "cli/console.h"
 #include "cli/lengths.h"
+#include "export/drawing_dxf_frame.h"
 #include "export/drawing_formats.h"
 #include "export/fixed_number.h"
 #include "platform/system.h"
@@ -105,7 +107,7 @@ void AppendFallbacks(std::string* out, const std::vector<CutFace>& faces) {
   *out += "]";
 }
 
-std::string JsonOf(const CutDrawing& made) {
+std::string JsonOf(const CutDrawing& made, const std::vector<WrittenFile>& files) {
   std::string out = "{";
   AppendFace(&out, made.faces[0]);
   out += std::string(", \"madeBold\": ") + (made.faces[0].made_bold ? "true" : "false");
@@ -124,7 +126,21 @@ std::string JsonOf(const CutDrawing& made) {
   AppendField(&out, "bottom", made.ink.min.y);
   AppendField(&out, "length", made.facts.length);
   AppendField(&out, "crossingPaths", static_cast<double>(made.crossing));
+  AppendField(&out, "touchingPaths", static_cast<double>(made.touching));
   AppendField(&out, "vanishedPaths", static_cast<double>(made.vanished));
+  std::u16string missing;
+  for (const char32_t ch : made.missing) AppendCharacter(&missing, ch);
+  out += ", \"missing\": ";
+  AppendJsonString(&out, missing);
+  out += ", \"files\": [";
+  for (const WrittenFile& file : files) {
+    out += &file == files.data() ? "{\"name\": " : ", {\"name\": ";
+    AppendJsonString(&out, Utf8ToUtf16Lossy(file.name));
+    AppendField(&out, "bytes", static_cast<double>(file.bytes));
+    AppendField(&out, "milliseconds", static_cast<double>(file.milliseconds));
+    out += "}";
+  }
+  out += "]";
   out += ", \"glyphs\": [";
   for (const CutGlyph& glyph : made.glyphs) {
     out += &glyph == made.glyphs.data() ? "{\"glyph\": " : ", {\"glyph\": ";
@@ -310,6 +326,7 @@ bool CutCommand::ReadPlace() {
   return Choose<Alignment>("--align", align_,
                            {{"left", Alignment::kLeft},
                             {"centre", Alignment::kCentre},
+                            {"center", Alignment::kCentre},
                             {"right", Alignment::kRight}},
                            &job_.align) &&
          Choose<Anchor>("--anchor", anchor_,
@@ -330,6 +347,12 @@ bool CutCommand::ReadPaths() {
   const auto tolerance = ReadLength("--tolerance", tolerance_, LengthSign::kPositive);
   const auto offset = tolerance ? ReadLength("--offset", offset_, LengthSign::kAny) : std::nullopt;
   if (!offset) return false;
+  constexpr double kFinest = 1e-5;  // millimetres; the decimals of files end soon after
+  if (*tolerance < kFinest) {
+    ReportError("--tolerance",
+                "\"" + tolerance_ + "\" is finer than files are: at least 0.00001mm");
+    return false;
+  }
   job_.tolerance = *tolerance / per_unit;
   job_.offset = *offset / per_unit;
   return Choose<CurveForm>("--curves", curves_,
@@ -462,18 +485,39 @@ bool CutCommand::ReportFaces(const CutDrawing& made) const {
   return true;
 }
 
+// Refuses choices that leave an output without sense, and tells of names that cannot stay.
+bool CutCommand::GoTogether() const {
+  if (style_.layers == LayerRule::kDepth && style_.svg == SvgLook::kFill && outputs_.Has("svg")) {
+    ReportError("--layers", "\"depth\" takes counters out of filled figures; use --svg-style cut");
+    return false;
+  }
+  if (!outputs_.Has("dxf")) return true;
+  if (style_.dxf == DxfVersion::kR12 && job_.curves == CurveForm::kCurves) {
+    ReportError("--dxf", "\"r12\" has no curves; use --curves arcs, or --dxf r2000");
+    return false;
+  }
+  if (std::ranges::any_of(style_.layer, IsKeptByDxf)) {
+    ReportWarning("--layer", "\"_\" stands in DXF for characters that it keeps for itself");
+  }
+  return true;
+}
+
 // Tells what the user should know before the files are written; false when that ends the command.
 bool CutCommand::Report(const CutDrawing& made) const {
   if (!ReportFaces(made)) return false;
   if (!ReportLost("no glyph in " + FaceNames(made.faces), made.missing, strict_)) return false;
-  if (made.drawing.placed.empty()) ReportWarning("text", "has no outlines");
+  if (made.drawing.placed.empty() && made.vanished == 0) ReportWarning("text", "has no outlines");
   if (made.vanished > 0) {
     ReportWarning("--offset",
                   Counted(made.vanished, "path", "paths") + " vanished: thinner than it");
   }
   if (made.crossing > 0) {
-    ReportWarning("drawing",
-                  Counted(made.crossing, "path crosses", "paths cross") + " itself or another one");
+    ReportWarning("drawing", Counted(made.crossing, "path crosses itself or another one",
+                                     "paths cross themselves or each other"));
+  }
+  if (made.touching > 0) {
+    ReportWarning("drawing", Counted(made.touching, "path touches itself or another one",
+                                     "paths touch or run along themselves or each other"));
   }
   if (made.facts.open > 0 && !made.drawing.strokes) {
     ReportWarning("drawing", Counted(made.facts.open, "path is", "paths are") + " open");
@@ -487,8 +531,9 @@ Status CutCommand::Write(const CutDrawing& made, const Format& format,
 }
 
 ExitStatus CutCommand::Run() {
+  const auto began = std::chrono::steady_clock::now();
   if (quiet_) SilenceWarnings();
-  if (!outputs_.Read() || !ReadJob()) return kWrongUsage;
+  if (!outputs_.Read() || !ReadJob() || !GoTogether()) return kWrongUsage;
   ExitStatus status = kWrongUsage;
   const auto text = source_.Read(&status);
   if (!text) return status;
@@ -504,9 +549,11 @@ ExitStatus CutCommand::Run() {
   };
   const bool is_open = face_.IsOpen() && job_.stroke_font.empty();
   const std::string face = is_open ? NameOf(made.faces[0]) + ", " : "";
-  const bool written = outputs_.WriteAll(write, face + SummaryOf(made), quiet_ || json_);
+  std::vector<WrittenFile> files;
+  const bool written =
+      outputs_.WriteAll(write, {face + SummaryOf(made), quiet_ || json_, began}, &files);
   const bool told =
-      !json_ || outputs_.UsesStandardOutput() || (Print(JsonOf(made)) && FinishPrinting());
+      !json_ || outputs_.UsesStandardOutput() || (Print(JsonOf(made, files)) && FinishPrinting());
   return written && told ? kDone : kFailed;
 }
 

@@ -27,6 +27,7 @@ class CutCommand final : public Command {
   void AddPathOptions(CLI::App& app);
   void AddFileOptions(CLI::App& app);
   bool ReadJob();
+  bool GoTogether() const;
   bool ReadScripts();
   bool ReadSize();
   bool ReadPlace();

@@ -182,7 +182,7 @@ ExitStatus FacesCommand::DrawSheet(const std::vector<std::u16string>& families) 
   };
   const std::string summary =
       std::to_string(sheet.rows) + (sheet.rows == 1 ? " family" : " families");
-  return outputs_.WriteAll(write, summary, false) ? kDone : kFailed;
+  return outputs_.WriteAll(write, {summary}) ? kDone : kFailed;
 }
 
 // Faces by file; the instances of a variable one are styles of it.

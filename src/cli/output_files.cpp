@@ -137,24 +137,27 @@ bool OutputFiles::AddOutput(const std::string& file) {
   return false;
 }
 
-bool OutputFiles::Write(const Output& output, const WriteFormat& write, const std::string& summary,
-                        bool quiet, bool* told) {
+bool OutputFiles::Write(const Output& output, const WriteFormat& write, const WriteSummary& summary,
+                        WrittenFile* file) {
   using Clock = std::chrono::steady_clock;
-  const auto start = Clock::now();
+  const auto start = summary.began.value_or(Clock::now());
   const std::filesystem::path path = PathArgument(output.name);
   const Status status = write(*output.format, path);
   if (!status.ok()) {
     ReportError(status);
     return false;
   }
-  if (quiet) return true;
-  const auto spent =
-      std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
-  std::string line = output.name + ": " + summary;
   const PathFacts facts = FactsOfPath(path);
-  if (facts.kind == PathKind::kFile) line += ", " + std::to_string(facts.size) + " bytes";
-  *told = PrintLine(line + ", " + std::to_string(spent) + " ms");
+  file->name = output.name;
+  file->bytes = facts.kind == PathKind::kFile ? facts.size : 0;
+  file->milliseconds =
+      std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
   return true;
+}
+
+bool OutputFiles::Has(std::string_view extension) const {
+  return std::ranges::any_of(
+      outputs_, [&](const Output& output) { return output.format->extension == extension; });
 }
 
 bool OutputFiles::UsesStandardOutput() const {
@@ -162,17 +165,25 @@ bool OutputFiles::UsesStandardOutput() const {
                              [](const Output& output) { return output.name == kStandardOutput; });
 }
 
-bool OutputFiles::WriteAll(const WriteFormat& write, const std::string& summary, bool quiet) const {
+bool OutputFiles::WriteAll(const WriteFormat& write, const WriteSummary& summary,
+                           std::vector<WrittenFile>* written) const {
   bool all_written = true, all_told = true;
-  quiet = quiet || UsesStandardOutput();  // the lines would stand in the output
+  const bool quiet = summary.quiet || UsesStandardOutput();  // the lines would stand in the output
   for (const Output& output : outputs_) {
     if (output.name == kStandardOutput) {
       all_written &= WriteToStandardOutput(*output.format, write);
       continue;
     }
-    bool told = true;
-    all_written &= Write(output, write, summary, quiet, &told);
-    all_told &= told;
+    WrittenFile file;
+    if (!Write(output, write, summary, &file)) {
+      all_written = false;
+      continue;
+    }
+    if (written) written->push_back(file);
+    if (quiet) continue;
+    std::string line = output.name + ": " + summary.text;
+    if (file.bytes > 0) line += ", " + std::to_string(file.bytes) + " bytes";
+    all_told &= PrintLine(line + ", " + std::to_string(file.milliseconds) + " ms");
   }
   all_told &= FinishPrinting();
   if (all_written && !all_told && !UsesStandardOutput()) {

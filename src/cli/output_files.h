@@ -1,9 +1,13 @@
 // The files that one run writes: which formats, where, and how.
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/command.h"
@@ -15,6 +19,20 @@ namespace kerno {
 // Writes what a command made in a format to a file.
 using WriteFormat = std::function<Status(const Format& format, const std::filesystem::path& file)>;
 
+struct WrittenFile {
+  std::string name;
+  uint64_t bytes = 0;        // of a regular file
+  int64_t milliseconds = 0;  // that it took
+};
+
+// What is told of each file.
+struct WriteSummary {
+  std::string text;
+  bool quiet = false;
+  // When the work on what is written began; without it the time of writing alone is told.
+  std::optional<std::chrono::steady_clock::time_point> began = {};
+};
+
 class OutputFiles {
  public:
   void AddTo(CLI::App& app);
@@ -25,10 +43,14 @@ class OutputFiles {
   // Checks the names and choices; what is wrong is reported.
   bool Read();
 
-  // Writes every file and prints a line for each: its path, `summary`, its size and time. False
-  // when one could not be written; the others are written all the same.
-  bool WriteAll(const WriteFormat& write, const std::string& summary, bool quiet) const;
+  // Writes every file and prints a line for each: its path, the summary, its size and time. False
+  // when one could not be written; the others are written all the same. `written` tells of those
+  // that are, but for standard output.
+  bool WriteAll(const WriteFormat& write, const WriteSummary& summary,
+                std::vector<WrittenFile>* written = nullptr) const;
 
+  // Whether one of the outputs is of this format, by its extension.
+  bool Has(std::string_view extension) const;
   // Whether one of the outputs is standard output, so that nothing else may be printed there.
   bool UsesStandardOutput() const;
 
@@ -39,8 +61,8 @@ class OutputFiles {
   };
 
   bool AddOutput(const std::string& file);
-  static bool Write(const Output& output, const WriteFormat& write, const std::string& summary,
-                    bool quiet, bool* told);
+  static bool Write(const Output& output, const WriteFormat& write, const WriteSummary& summary,
+                    WrittenFile* file);
 
   std::vector<std::string> files_;
   std::string format_;

@@ -126,17 +126,20 @@ class Welder {
   }
 
   // The library now and then loses or adds a part of a tangle; seen from another side, it does not.
+  // It goes through the plane from bottom to top, with all at hand that it meets on the way: a line
+  // of text is looked at from its end.
   std::vector<Polygon> CheckedUnion(const std::vector<Polygon>& polygons, const GridBox& box,
                                     std::span<const ChordContact> contacts) const {
     const FilledArea wanted = FilledAreas(grid_, rule_).Of(contacts);
     constexpr int kSides = 4;
     std::vector<Polygon> first;
-    for (int side = 0; side < kSides; ++side) {
+    for (int i = 0; i < kSides; ++i) {
+      const int side = (i + (box.IsWide() ? 1 : 0)) % kSides;
       std::vector<Polygon> outlines =
           Turned(UnionOf(Turned(polygons, side), rule_.fill), (kSides - side) % kSides);
       std::erase_if(outlines, [&](const Polygon& outline) { return !IsInside(outline, box); });
       if (std::fabs(AreaOf(outlines) - wanted.area) <= wanted.slack) return outlines;
-      if (side == 0) first = std::move(outlines);
+      if (i == 0) first = std::move(outlines);
     }
     return first;
   }

@@ -47,8 +47,9 @@ class DrawingDxf {
     frame_.decimals = drawing.unit == LengthUnit::kInch ? 8 : 6;
     frame_.box = InkOf(drawing);
     frame_.color = style.color;
+    frame_.page = CodePageOf(layers_.names());
     for (const std::u16string& name : layers_.names()) {
-      frame_.layers.push_back(DxfLayerText(name));
+      frame_.layers.push_back(DxfLayerText(name, frame_.page));
     }
     for (const PlacedShape& placed : drawing.placed) {
       frame_.entities += drawing.shapes[placed.shape].size();

@@ -1,9 +1,11 @@
 #include "export/drawing_dxf_frame.h"
 
 #include <algorithm>
+#include <iterator>
 #include <tuple>
 
 #include "export/dxf_lines.h"
+#include "platform/code_page.h"
 
 namespace kerno {
 namespace {
@@ -11,6 +13,24 @@ namespace {
 // Handles of what every file has, in hexadecimal.
 constexpr std::string_view kPaperRecord = "1B", kLayerTable = "2", kLayerZero = "10",
                            kRootDictionary = "C";
+
+// A unit in a code page; empty where that has none.
+std::string BytesOf(char16_t unit, DxfCodePage page) {
+  if (unit < 0x80) return {static_cast<char>(unit)};
+  if (page == DxfCodePage::k932) {
+    // Best fits, such as "a" for "ä", do not count.
+    const std::string bytes = EncodeCodePage932({&unit, 1}, '?');
+    return DecodeCodePage932(bytes) == std::u16string_view(&unit, 1) ? bytes : "";
+  }
+  if (unit >= 0xA0 && unit <= 0xFF) return {static_cast<char>(unit)};
+  // The bytes 0x80 to 0x9F; 0 where there is none.
+  constexpr char16_t kRest[] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
+                                0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+  const auto* const found = std::ranges::find(kRest, unit);
+  return found == std::end(kRest) ? "" : std::string(1, static_cast<char>(0x80 + (found - kRest)));
+}
 
 class DxfFrame : public DxfLines {
  public:
@@ -47,7 +67,7 @@ void DxfFrame::Header() {
   const bool inches = facts_.unit == LengthUnit::kInch;
   Put("  0\nSECTION\n  2\nHEADER\n");
   setting("$ACADVER", "  1", facts_.modern ? "AC1015" : "AC1009");
-  setting("$DWGCODEPAGE", "  3", "ANSI_1252");
+  setting("$DWGCODEPAGE", "  3", facts_.page == DxfCodePage::k932 ? "ANSI_932" : "ANSI_1252");
   setting("$INSUNITS", " 70", inches ? "1" : "4");
   setting("$MEASUREMENT", " 70", inches ? "0" : "1");
   corner("$EXTMIN", facts_.box.min);
@@ -231,14 +251,24 @@ void DxfFrame::Objects() {
 
 }  // namespace
 
-std::string DxfLayerText(std::u16string_view name) {
-  constexpr std::u16string_view kKept = u"<>/\\\":;?*|=`,";
+DxfCodePage CodePageOf(std::span<const std::u16string> names) {
+  for (const DxfCodePage page : {DxfCodePage::k1252, DxfCodePage::k932}) {
+    const bool all = std::ranges::all_of(names, [&](const std::u16string& name) {
+      return std::ranges::all_of(name, [&](char16_t unit) { return !BytesOf(unit, page).empty(); });
+    });
+    if (all) return page;
+  }
+  return DxfCodePage::k1252;
+}
+
+std::string DxfLayerText(std::u16string_view name, DxfCodePage page) {
   std::string text;
   for (const char16_t unit : name) {
-    if (unit < 0x20 || kKept.find(unit) != kKept.npos) {
+    const std::string bytes = BytesOf(unit, page);
+    if (unit < 0x20 || unit == 0x7F || IsKeptByDxf(unit)) {
       text.push_back('_');
-    } else if (unit < 0x7F) {
-      text.push_back(static_cast<char>(unit));
+    } else if (!bytes.empty()) {
+      text += bytes;
     } else {
       std::string digits = DxfHex(unit);
       digits.insert(0, 4 - digits.size(), '0');
@@ -246,6 +276,11 @@ std::string DxfLayerText(std::u16string_view name) {
     }
   }
   return text.empty() ? "_" : text;
+}
+
+bool IsKeptByDxf(char16_t unit) {
+  constexpr std::u16string_view kKept = u"<>/\\\":;?*|=`,";
+  return kKept.find(unit) != kKept.npos;
 }
 
 std::string DxfBeforeEntities(const DxfFrameFacts& facts) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,10 +13,14 @@
 
 namespace kerno {
 
+// That of the bytes of names.
+enum class DxfCodePage { k1252, k932 };
+
 struct DxfFrameFacts {
   bool modern = true;  // R2000; else R12
   LengthUnit unit = LengthUnit::kMillimetre;
   int decimals = 6;
+  DxfCodePage page = DxfCodePage::k1252;
   Box2 box;                         // of all that is drawn
   std::vector<std::string> layers;  // as DxfLayerText makes their names
   int color = 1;                    // of the layers
@@ -27,9 +32,12 @@ inline constexpr uint64_t kFirstDxfHandle = 0x100;
 // The owner of entities.
 inline constexpr std::string_view kDxfModelRecord = "1F";
 
-// A layer's name without the characters that the format keeps for itself; what is not ASCII is
-// escaped, so that every program reads it whatever its code page.
-std::string DxfLayerText(std::u16string_view name);
+// The one that has all characters of the names; 1252 where none has.
+DxfCodePage CodePageOf(std::span<const std::u16string> names);
+// A layer's name in a code page; what that does not have is escaped, "\U+XXXX". The characters that
+// the format keeps for itself become "_".
+std::string DxfLayerText(std::u16string_view name, DxfCodePage page);
+bool IsKeptByDxf(char16_t unit);
 
 // From the file's start to the first entity, and from the last entity to the file's end.
 std::string DxfBeforeEntities(const DxfFrameFacts& facts);

@@ -24,7 +24,8 @@ DrawingLayers::DrawingLayers(const Drawing& drawing, const DrawingStyle& style)
       names_ = {style.layer};
       return;
     case LayerRule::kDepth:
-      names_ = {style.layer + u" outside", style.layer + u" inside"};
+      // In the order in which they are cut.
+      names_ = {style.layer + u" inside", style.layer + u" outside"};
       return;
     case LayerRule::kGlyph:
       numbered = drawing.placed.size();
@@ -41,7 +42,7 @@ DrawingLayers::DrawingLayers(const Drawing& drawing, const DrawingStyle& style)
 size_t DrawingLayers::Of(const PlacedShape& placed, size_t n, const ShapePath& path) const {
   switch (rule_) {
     case LayerRule::kDepth:
-      return path.depth % 2;
+      return path.depth % 2 == 1 ? 0 : 1;
     case LayerRule::kGlyph:
       return n;
     case LayerRule::kLine:

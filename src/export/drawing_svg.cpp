@@ -92,7 +92,10 @@ Status DrawingSvg::Write() {
 }
 
 void DrawingSvg::Group(size_t layer) {
-  const std::string color = SvgColor(AciToRgb(style_.color));
+  // Index 7 is what stands out from the ground: white in CAD, black on paper.
+  constexpr int kContrast = 7;
+  const std::string color =
+      style_.color == kContrast ? "#000000" : SvgColor(AciToRgb(style_.color));
   const bool cuts = style_.svg == SvgLook::kCut || drawing_.strokes;
   xml_.Begin("g");
   xml_.Attribute("id", std::u16string_view(layers_.names()[layer]));
