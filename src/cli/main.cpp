@@ -113,7 +113,9 @@ Mistake FindMistake(const CLI::App& command, std::span<const std::string> words)
     const std::string& word = words[i];
     const CLI::Option* option = command.get_option_no_throw(word.substr(0, word.find('=')));
     if (option && word.starts_with('-')) {
-      if (option->get_expected_min() == 0 || word.find('=') != word.npos) continue;
+      if (option->get_expected_min() == 0) continue;
+      if (word.ends_with('=')) return {Mistake::Kind::kNoValue, word.substr(0, word.size() - 1)};
+      if (word.find('=') != word.npos) continue;
       const bool has_value = i + 1 < words.size() && !command.get_option_no_throw(words[i + 1]);
       if (!has_value) return {Mistake::Kind::kNoValue, word};
       ++i;
@@ -127,8 +129,12 @@ Mistake FindMistake(const CLI::App& command, std::span<const std::string> words)
   return surplus;
 }
 
-std::vector<std::u16string> OptionNames(const CLI::App& command) {
+// Of the options and of the commands within.
+std::vector<std::u16string> NamesIn(const CLI::App& command) {
   std::vector<std::u16string> names;
+  for (const CLI::App* inner : command.get_subcommands({})) {
+    names.push_back(Utf8ToUtf16Lossy(inner->get_name()));
+  }
   for (const CLI::Option* option : command.get_options()) {
     const std::string name = option->get_name();
     if (name.starts_with("--") && !option->get_group().empty()) {
@@ -159,7 +165,7 @@ void ReportUsage(const CLI::App& app, std::span<const std::string> words, const 
       break;
     case Mistake::Kind::kNoOption:
       ReportNearest(mistake.word, MeantOption(mistake.word), "is no option of " + name,
-                    OptionNames(command), lister);
+                    NamesIn(command), lister);
       break;
     case Mistake::Kind::kNoValue:
       ReportError(mistake.word,
@@ -171,8 +177,8 @@ void ReportUsage(const CLI::App& app, std::span<const std::string> words, const 
       } else if (PlacesFor(command) > 0) {
         ReportError(quoted, "is more than " + name + " takes");
       } else {
-        ReportNearest(quoted, mistake.word, "is nothing that " + name + " takes",
-                      OptionNames(command), lister);
+        ReportNearest(quoted, mistake.word, "is nothing that " + name + " takes", NamesIn(command),
+                      lister);
       }
       break;
   }

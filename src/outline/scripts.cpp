@@ -123,7 +123,9 @@ bool IsAttached(char32_t ch) {
 }
 
 bool IsIgnorable(char32_t ch) {
-  return IsVariationSelector(ch) || CategoryOf(ch) == HB_UNICODE_GENERAL_CATEGORY_FORMAT;
+  constexpr char32_t kGraphemeJoiner = 0x34F;
+  return ch == kGraphemeJoiner || IsVariationSelector(ch) ||
+         CategoryOf(ch) == HB_UNICODE_GENERAL_CATEGORY_FORMAT;
 }
 
 std::vector<ComposedCharacter> ComposedCharacters(std::u16string_view text) {
