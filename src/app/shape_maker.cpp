@@ -87,12 +87,17 @@ Path WithoutSpecks(Path path, double tolerance) {
   return result;
 }
 
+// Only welded outlines tell what is outside, be it that of a single glyph.
+bool IsWelded(const CutJob& job) {
+  return job.weld != WeldScope::kNone || job.offset != 0;
+}
+
 // Welds, offsets and fits the outlines of one shape. The tolerance is shared out: welding and
 // moving may take part of it, fitting the rest.
 std::vector<Path> Formed(std::vector<Path> paths, const CutJob& job, double tolerance,
                          size_t* vanished) {
   double left = tolerance;
-  if (job.weld != WeldScope::kNone) {
+  if (IsWelded(job)) {
     WeldResult welded = Weld(paths, kShare * left);
     paths.clear();
     for (WeldedPath& path : welded.paths) paths.push_back(std::move(path.path));
@@ -134,7 +139,7 @@ Shape ShapeOfOutlines(std::vector<Path> outlines, const CutJob& job, ShapeNotes*
     for (const CutStep& step : OrderForCutting(paths, grid, job.order)) {
       shape.push_back({PathOf(paths[step.path], step), static_cast<uint32_t>(step.depth)});
     }
-    if (notes->crossing == 0 || job.weld == WeldScope::kNone) break;
+    if (notes->crossing == 0 || !IsWelded(job)) break;
   }
   return shape;
 }

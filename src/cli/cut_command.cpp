@@ -240,8 +240,9 @@ void CutCommand::AddPathOptions(CLI::App& app) {
   app.add_option("--weld", weld_, "join what overlaps: in the whole text, in each glyph, or not")
       ->type_name("text|glyph|off")
       ->capture_default_str();
-  app.add_option("--offset", offset_,
-                 "move outlines outwards, below 0 inwards, for the beam's width")
+  app.add_option(
+         "--offset", offset_,
+         "move outlines outwards, below 0 inwards, for the beam's width; curves become arcs")
       ->type_name("L")
       ->capture_default_str();
   app.add_option("--order", order_,

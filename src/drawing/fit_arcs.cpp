@@ -30,23 +30,28 @@ Segment ArcTo(const P2& end, double bulge) {
   return segment;
 }
 
+// Where arcs meet without a corner they turn by less than a degree, or do so within a stretch only,
+// or nowhere.
+enum class Joints { kNearlyTangent, kTangentAtEnds, kTangent };
+
 // Fits the curved stretches of a path. A place on a stretch is the number of a piece, counted from
 // the stretch's first one, and the parameter there, added up.
 class ArcFitter {
  public:
-  // `turn_at_ends` is the tangent of half the most that arcs turn where stretches meet.
-  ArcFitter(const SmoothStretches& path, double tolerance, double turn_at_ends,
+  ArcFitter(const SmoothStretches& path, double tolerance, Joints joints,
             std::vector<Segment>* segments)
       : pieces_(path.pieces),
         tolerance_(tolerance),
-        turn_at_ends_(turn_at_ends),
+        turn_at_ends_(joints == Joints::kNearlyTangent ? kMostTurn : 0),
+        least_arcs_(joints == Joints::kTangent ? 2 : 1),
         segments_(*segments) {
     curves_.reserve(pieces_.size());
     for (const Piece& piece : pieces_) curves_.push_back(PolynomialOf(piece));
   }
 
   // Appends lines and arcs from the stretch's start to its end. Takes, again and again, the arc
-  // that reaches farthest, or two arcs of one tangent where these reach more than twice as far.
+  // that reaches farthest, or two arcs of one tangent where these reach more than twice as far or
+  // where nothing else is tangent.
   void Fit(const Stretch& stretch) {
     stretch_ = stretch;
     end_ = static_cast<double>(stretch.end - stretch.begin);
@@ -55,8 +60,8 @@ class ArcFitter {
     arrived_ = heading_.direction;
     double step = end_;
     while (from_ < end_) {
-      FindFarthest(1, step);
-      if (!best_.found || best_.to < end_) TryTwoArcs();
+      FindFarthest(least_arcs_, step);
+      if (least_arcs_ == 1 && (!best_.found || best_.to < end_)) TryTwoArcs();
       if (!best_.found) TakeChord();
       step = best_.to - from_;
       Append();
@@ -261,7 +266,8 @@ class ArcFitter {
   const std::vector<Piece>& pieces_;
   std::vector<Polynomial> curves_;  // of the pieces
   double tolerance_;
-  double turn_at_ends_;
+  double turn_at_ends_;  // the tangent of half the most that arcs turn where stretches meet
+  int least_arcs_;       // at a time
   std::vector<Segment>& segments_;
 
   Stretch stretch_;  // at work
@@ -272,7 +278,7 @@ class ArcFitter {
   Attempt best_;
 };
 
-Path Fitted(const Path& path, double tolerance, StretchRule rule, double turn_at_ends) {
+Path Fitted(const Path& path, double tolerance, StretchRule rule, Joints joints) {
   Path result;
   result.closed = path.closed;
   result.start = path.start;
@@ -281,7 +287,7 @@ Path Fitted(const Path& path, double tolerance, StretchRule rule, double turn_at
   const SmoothStretches smooth = StretchesOf(path, tolerance * kPointShare, rule);
   if (smooth.pieces.empty()) return result;
   result.start = smooth.pieces.front().start;
-  ArcFitter fitter(smooth, tolerance, turn_at_ends, &result.segments);
+  ArcFitter fitter(smooth, tolerance, joints, &result.segments);
   for (const Stretch& stretch : smooth.stretches) {
     if (stretch.curved) {
       fitter.Fit(stretch);
@@ -295,11 +301,15 @@ Path Fitted(const Path& path, double tolerance, StretchRule rule, double turn_at
 }  // namespace
 
 Path FitArcs(const Path& path, double tolerance) {
-  return Fitted(path, tolerance, StretchRule::kSmooth, kMostTurn);
+  return Fitted(path, tolerance, StretchRule::kSmooth, Joints::kNearlyTangent);
 }
 
 Path FitArcsKeepingNodes(const Path& path, double tolerance) {
-  return Fitted(path, tolerance, StretchRule::kCurve, 0);
+  return Fitted(path, tolerance, StretchRule::kCurve, Joints::kTangentAtEnds);
+}
+
+Path FitTangentArcs(const Path& path, double tolerance) {
+  return Fitted(path, tolerance, StretchRule::kSmooth, Joints::kTangent);
 }
 
 }  // namespace kerno

@@ -25,4 +25,8 @@ Path FitArcs(const Path& path, double tolerance);
 // path at such a point, as lines beside letters do, does not cross the arcs. More arcs.
 Path FitArcsKeepingNodes(const Path& path, double tolerance);
 
+// The same as FitArcs, with arcs that do not turn at all where they meet each other and the path's
+// lines: moved to one side, they still meet. More arcs.
+Path FitTangentArcs(const Path& path, double tolerance);
+
 }  // namespace kerno

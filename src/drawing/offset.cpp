@@ -17,6 +17,8 @@ constexpr double kSmoothTurn = 0.0192;
 constexpr double kJointShare = 0.25;
 // What is left over is thinner than this share of the tolerance: as good as nothing.
 constexpr double kSliverShare = 0.5;
+// Nothing shorter than this share of the tolerance stays between other pieces.
+constexpr double kSpeckShare = 0.4;
 
 Segment LineTo(const P2& end) {
   Segment line;
@@ -109,6 +111,43 @@ void MoveRight(const Path& path, double distance, double tolerance, std::vector<
   moved->push_back(std::move(whole));
 }
 
+double RoughLength(const Piece& piece) {
+  return Length(piece.segment.end - piece.start) * (1 + piece.segment.bulge * piece.segment.bulge);
+}
+
+// Where moved pieces run into each other at a small angle, or touch a wedge, the union leaves
+// specks that stand across the outline. Without them the longer neighbour reaches a little farther,
+// as it turns the least by that.
+Path WithoutSpecks(const Path& path, double shortest) {
+  std::vector<Piece> pieces = PiecesOf(path);
+  const auto is_long = [&](const Piece& piece) { return RoughLength(piece) >= shortest; };
+  const auto first = std::ranges::find_if(pieces, is_long);
+  if (first == pieces.end()) return {};
+  std::rotate(pieces.begin(), first, pieces.end());
+  std::vector<Piece> kept;
+  for (const Piece& piece : pieces) {
+    if (is_long(piece)) {
+      kept.push_back(piece);
+    } else if (Length(piece.segment.end - kept.back().segment.end) >= shortest) {
+      // One of many in a row.
+      kept.push_back({kept.back().segment.end, LineTo(piece.segment.end)});
+    }
+  }
+  if (kept.size() < 2) return {};
+  for (size_t i = 0; i < kept.size(); ++i) {
+    Piece& before = kept[i > 0 ? i - 1 : kept.size() - 1];
+    if (RoughLength(before) > RoughLength(kept[i])) {
+      before.segment.end = kept[i].start;
+    } else {
+      kept[i].start = before.segment.end;
+    }
+  }
+  Path result;
+  result.start = kept[0].start;
+  for (const Piece& piece : kept) result.segments.push_back(piece.segment);
+  return result;
+}
+
 }  // namespace
 
 OffsetResult Offset(std::span<const Path> paths, double distance, double tolerance) {
@@ -119,7 +158,7 @@ OffsetResult Offset(std::span<const Path> paths, double distance, double toleran
   std::vector<size_t> moved_begin;  // those of each path
   for (const Path& path : paths) {
     moved_begin.push_back(moved.size());
-    const Path arcs = FitArcs(path, tolerance * kFitShare);
+    const Path arcs = FitTangentArcs(path, tolerance * kFitShare);
     MoveRight(inwards ? Reversed(arcs) : arcs, std::fabs(distance), tolerance, &moved);
   }
   moved_begin.push_back(moved.size());
@@ -127,7 +166,9 @@ OffsetResult Offset(std::span<const Path> paths, double distance, double toleran
       UnionOf(moved, tolerance, {FillRule::kPositive, inwards ? 1 : 0, tolerance * kSliverShare});
   OffsetResult result;
   for (WeldedPath& outline : united.paths) {
-    result.paths.push_back(inwards ? Reversed(outline.path) : std::move(outline.path));
+    Path path = WithoutSpecks(outline.path, tolerance * kSpeckShare);
+    if (path.segments.empty()) continue;
+    result.paths.push_back(inwards ? Reversed(path) : std::move(path));
   }
   for (size_t i = 0; i < paths.size(); ++i) {
     const auto begin = united.vanished.begin();

@@ -180,6 +180,11 @@ class CutTest(programs.FolderTest):
         status, _, err = run("ill", *SANS, "--cap-height", "5", "--offset", "-2", "-o", str(self.folder / "a.svg"))
         self.assertEqual(0, status)
         self.assertIn("4 paths vanished", err)
+        # TrueType contours run the other way round until something welds them.
+        loose, welded = (run("O", *SANS, "--offset", "0.1", "--weld", weld, "-o", str(self.folder / "a.svg"))[1]
+                         for weld in ("off", "text"))
+        self.assertIn("2 closed paths", welded)
+        self.assertEqual(*(line.split(", ")[:-1] for line in (welded, loose)))
 
 
 if __name__ == "__main__":

@@ -3,10 +3,13 @@
 
 usage: outlines_test.py DRAWING_TOOL
 """
+import math
 import random
 import subprocess
 import sys
 import unittest
+
+from shapely.geometry import Point
 
 from outlines import Face, dense, faces, farthest, filled, run, text_of, turns
 
@@ -111,6 +114,14 @@ class Areas(unittest.TestCase):
         self.assertGreater(lost, 0, "tangles that the polygon library gets wrong")
 
 
+def bend(boundary, p):
+    """By how many degrees lines turn near a point."""
+    near = boundary.intersection(Point(p).buffer(0.1))
+    ways = [math.degrees(math.atan2(y1 - y0, x1 - x0)) for line in getattr(near, "geoms", [near])
+            for (x0, y0), (x1, y1) in zip(line.coords, line.coords[1:])]
+    return max((abs((a - b + 180) % 360 - 180) for a in ways for b in ways), default=0)
+
+
 class Offsets(unittest.TestCase):
     def test_move_outlines_by_the_distance(self):
         for name, text in {"Liberation Serif": "S&8", "IPAMincho": "あの"}.items():
@@ -124,6 +135,11 @@ class Offsets(unittest.TestCase):
                     self.assertEqual(strays.buffer(-0.0055).area, 0)
                     parts = [part for part in getattr(wanted, "geoms", [wanted]) if part.area > 0]
                     self.assertEqual(len(moved), sum(1 + len(part.interiors) for part in parts))
+                    self.assertGreater(min((math.dist(*piece[:2]) for path in moved for piece in path),
+                                           default=1), 0.001)
+                    for p, turn in (joint for path in moved for joint in turns(path)):
+                        if 1 < turn < 150:  # a sharper tip may stand farther from its place
+                            self.assertLess(turn, bend(wanted.boundary, p) + 3, p)  # of which simplify() took some
 
 
 if __name__ == "__main__":
