@@ -8,6 +8,7 @@
 #include "app/text_source.h"
 #include "base/text.h"
 #include "drawing/strokes.h"
+#include "outline/scripts.h"
 #include "outline/shaping_font.h"
 #include "platform/folder_path.h"
 
@@ -76,7 +77,9 @@ class OutlineFonts final : public GlyphSource {
                              FontData* data, std::u16string* lacked) {
     if (FindFontData({.family = family, .style = style}, data).ok()) return Status::Ok();
     *lacked = style;
-    return FindFace({.family = family}, data);
+    Status found = FindFace({.family = family}, data);
+    if (!found.ok()) found.what = u"--fallback";
+    return found;
   }
 
   std::vector<std::u16string> lacked_styles_;
@@ -123,9 +126,9 @@ class Strokes final : public GlyphSource {
  private:
   // Names the first character of the text whose strokes cannot be read.
   Status CheckStrokes(std::u16string_view text) const {
-    for (size_t at = 0; at < text.size();) {
-      const char32_t ch = NextCharacter(text, &at);
-      if (ch == U'\n' || ch == U'\r') continue;
+    for (const ComposedCharacter& character : ComposedCharacters(text)) {
+      const char32_t ch = character.ch;
+      if (ch == U'\n' || ch == U'\r' || IsIgnorable(ch)) continue;
       const StrokeGlyph& glyph = chosen_.font.glyphs[chosen_.font.GlyphOf(ch)];
       if (glyph.bad_line == 0) continue;
       const std::string line = std::to_string(glyph.bad_line), code = CodeOf(ch);

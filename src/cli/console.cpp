@@ -31,14 +31,18 @@ std::string WithPlainOrder(std::string_view line) {
   return Utf16ToUtf8(plain);
 }
 
+enum class LineEnds { kKept, kCoded };
+
 // Names may hold anything; what would steer a terminal is shown as a code.
-std::string Shown(std::string_view text) {
+std::string Shown(std::string_view text, LineEnds ends) {
+  const bool keeps_ends = ends == LineEnds::kKept;
   std::string shown;
   for (size_t i = 0; i < text.size(); ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
     // In UTF-8, the controls from U+0080 to U+009F follow 0xC2.
     const bool is_second = i > 0 && static_cast<unsigned char>(text[i - 1]) == 0xC2 && byte < 0xA0;
-    if ((byte >= 0x20 && byte != 0x7F && !is_second) || byte == '\n' || byte == '\t') {
+    const bool kept_end = keeps_ends && (byte == '\n' || byte == '\t');
+    if ((byte >= 0x20 && byte != 0x7F && !is_second) || kept_end) {
       shown.push_back(text[i]);
       continue;
     }
@@ -51,16 +55,16 @@ std::string Shown(std::string_view text) {
 }
 
 void WriteLine(std::string_view text) {
-  const std::string line = Shown(text);
+  const std::string line = Shown(text, LineEnds::kKept);
   std::fwrite(line.data(), 1, line.size(), stderr);
   if (!line.ends_with('\n')) std::fputc('\n', stderr);
 }
 
 void Report(std::string_view kind, std::string_view what, std::string_view why) {
   std::string line = "kerno: ";
-  line.append(kind).append(what);
+  line.append(kind).append(Shown(what, LineEnds::kCoded));
   if (!what.empty() && !why.empty()) line += ": ";
-  line += why;
+  line += Shown(why, LineEnds::kCoded);
   WriteLine(line);
 }
 
@@ -94,7 +98,11 @@ bool Print(std::string_view text) {
 }
 
 bool PrintLine(std::string_view line) {
-  return Print(Shown(line) + "\n");
+  return Print(Shown(line, LineEnds::kKept) + "\n");
+}
+
+std::string ShownName(std::u16string_view name) {
+  return Shown(Utf16ToUtf8(name), LineEnds::kCoded);
 }
 
 bool FinishPrinting() {
@@ -128,7 +136,7 @@ ConsoleNotices::~ConsoleNotices() {
 
 void ConsoleNotices::Message(std::u16string_view text) {
   EndBar();
-  if (!warnings_silenced) Report("", "", Utf16ToUtf8(text));
+  if (!warnings_silenced) WriteLine("kerno: " + Utf16ToUtf8(text));
 }
 
 void ConsoleNotices::ShowWait(std::u16string_view text) {

@@ -24,6 +24,9 @@ void SilenceWarnings();
 // A line for people: what would steer a terminal is shown as a code.
 [[nodiscard]] bool PrintLine(std::string_view line);
 
+// A name as such a line shows it, its line ends and tabs as codes, too.
+std::string ShownName(std::u16string_view name);
+
 // Flushes standard output; false, with a report, when anything printed did not arrive.
 [[nodiscard]] bool FinishPrinting();
 

@@ -59,9 +59,11 @@ void FaceOptions::AddTo(CLI::App& app, Source source) {
   app.add_option("--font-file", file_, "a font file, installed or not; #INDEX: of a collection")
       ->type_name("FILE[#INDEX]");
   app.add_option("--variation", variations_, "places on the axes of a variable font")
-      ->type_name("AXIS=N,...");
+      ->type_name("AXIS=N,...")
+      ->join(',');
   app.add_option("--features", features_, "OpenType features to turn on, or off with =0")
-      ->type_name("TAG[=N],...");
+      ->type_name("TAG[=N],...")
+      ->join(',');
   if (font) return;
   for (const char* option : kFontOnly) app.get_option(option)->group("");  // not in the help
 }

@@ -240,6 +240,11 @@ std::string FacesCommand::Json(const std::vector<ListedFace>& listed) const {
 }
 
 ExitStatus FacesCommand::ListStrokeFonts() const {
+  for (const char* other : {"--vertical", "--skipped", "--covers", "--sample", "-o"}) {
+    if (app_->count(other) == 0) continue;
+    ReportError(other, "is of fonts with outlines and goes not with --strokes");
+    return kWrongUsage;
+  }
   std::string out = json_ ? "[" : "";
   bool first = true;
   for (const StrokeFontFile& font : InstalledStrokeFonts()) {
@@ -250,7 +255,7 @@ ExitStatus FacesCommand::ListStrokeFonts() const {
       AppendJsonString(&out, PathText(font.file));
       out += "}";
     } else {
-      out += Utf16ToUtf8(font.name) + "\n";
+      out += ShownName(font.name) + "\n";
     }
     first = false;
   }
@@ -295,7 +300,7 @@ ExitStatus FacesCommand::Run() {
   if (json_) {
     out = Json(ListFaces());
   } else {
-    for (const std::u16string& name : Families()) out += Utf16ToUtf8(name) + "\n";
+    for (const std::u16string& name : Families()) out += ShownName(name) + "\n";
   }
   if (skipped_) {
     std::vector<std::u16string> skipped;

@@ -28,13 +28,10 @@ ExitStatus MeasureCommand::Run() {
   const P2 size = {extent.length * job->scale, extent.height * job->scale};
   if (!TextOptions::CheckRange({&size, 1})) return kWrongUsage;
   std::vector<std::pair<const char*, double>> figures = {{"length", size.x}, {"height", size.y}};
+  const auto made = text_.MakeAndReport(
+      *job, ink_ ? TextOptions::Placing::kPlaced : TextOptions::Placing::kUnplaced, &status);
+  if (!made) return status;
   if (ink_) {
-    Typesetter typesetter(*context);
-    const auto made = Make(*job, typesetter);
-    if (!made) {
-      ReportError("faces", "the system has none installed");
-      return kFaceTrouble;
-    }
     if (!TextOptions::CheckRange(made->contours.points)) return kWrongUsage;
     const Extent3 box = ContoursBox(made->contours);
     figures.insert(

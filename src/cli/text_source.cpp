@@ -51,7 +51,7 @@ void TextSource::AddTo(CLI::App& app) {
                  "read the text from FILE (\"-\": standard input), UTF-8 or UTF-16 with a mark")
       ->type_name("FILE");
   app.add_option("--encoding", encoding_, "of that file, where it is another one or has no mark")
-      ->type_name("UTF-8|UTF-16LE|UTF-16BE|CP932|EUC-JP");
+      ->type_name("UTF-8|UTF-16LE|UTF-16BE|CP932|EUC-JP|CP1252|ISO-8859-1");
 }
 
 // Without --encoding the bytes say themselves what they are, or are taken for what they can be.
@@ -66,6 +66,11 @@ bool TextSource::Decode(const std::string& bytes, const std::u16string& name,
   const auto guessed = HasUtf16Mark(bytes) ? std::nullopt : GuessCoding(bytes);
   if (!guessed) {
     ReportError(Utf16ToUtf8(name), Utf16ToUtf8(read.why) + "; --encoding tells another encoding");
+    return false;
+  }
+  if (app_->count("--strict") > 0) {
+    ReportError(Utf16ToUtf8(name), Utf16ToUtf8(read.why) + "; name its encoding (--encoding " +
+                                       CodingName(*guessed) + "?)");
     return false;
   }
   ReportWarning(Utf16ToUtf8(name), std::string("is taken for ") + CodingName(*guessed) +
@@ -105,7 +110,8 @@ std::optional<std::u16string> TextSource::Read(ExitStatus* status) const {
   if (from_file) {
     if (!IsFileName("--text-file", file_)) return std::nullopt;
     if (app_->count("--encoding") > 0 && !FindCoding(encoding_)) {
-      ReportChoice("--encoding", encoding_, "UTF-8, UTF-16LE, UTF-16BE, CP932, EUC-JP");
+      ReportChoice("--encoding", encoding_,
+                   "UTF-8, UTF-16LE, UTF-16BE, CP932, EUC-JP, CP1252, ISO-8859-1");
       return std::nullopt;
     }
     *status = kFailed;

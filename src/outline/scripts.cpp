@@ -132,7 +132,33 @@ bool IsAttached(char32_t ch) {
 }
 
 bool IsIgnorable(char32_t ch) {
-  return IsVariationSelector(ch) || CategoryOf(ch) == HB_UNICODE_GENERAL_CATEGORY_FORMAT;
+  constexpr char32_t kGraphemeJoiner = 0x34F;
+  return ch == kGraphemeJoiner || IsVariationSelector(ch) ||
+         CategoryOf(ch) == HB_UNICODE_GENERAL_CATEGORY_FORMAT;
+}
+
+std::vector<ComposedCharacter> ComposedCharacters(std::u16string_view text) {
+  hb_unicode_funcs_t* functions = hb_unicode_funcs_get_default();
+  std::vector<ComposedCharacter> characters;
+  size_t starter = 0;      // the place of the last character that marks may join
+  unsigned last_rank = 0;  // the combining class of the mark before, 0 after a starter
+  for (size_t at = 0; at < text.size();) {
+    const size_t start = at;
+    const char32_t ch = NextCharacter(text, &at);
+    const auto rank = static_cast<unsigned>(hb_unicode_combining_class(functions, ch));
+    const bool is_next = starter + 1 == characters.size();
+    const bool reaches = starter < characters.size() && (is_next || last_rank < rank);
+    hb_codepoint_t composed = 0;
+    if (reaches && hb_unicode_compose(functions, characters[starter].ch, ch, &composed)) {
+      characters[starter].ch = composed;
+      characters[starter].end = at;
+      continue;
+    }
+    if (rank == 0) starter = characters.size();
+    last_rank = rank;
+    characters.push_back({ch, start, at});
+  }
+  return characters;
 }
 
 std::vector<ScriptNeeds> NeedsOf(std::u16string_view text) {

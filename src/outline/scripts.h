@@ -33,6 +33,16 @@ bool IsAttached(char32_t ch);
 // direction.
 bool IsIgnorable(char32_t ch);
 
+// A character of a text and the UTF-16 units [start, end) that it stands for.
+struct ComposedCharacter {
+  char32_t ch = 0;
+  size_t start = 0, end = 0;
+};
+
+// The characters of a text, letters and their marks as one character where there is one (NFC of a
+// text in NFD).
+std::vector<ComposedCharacter> ComposedCharacters(std::u16string_view text);
+
 // What a script's text asks for beyond one glyph after the other.
 struct ScriptNeeds {
   Script script = kCommonScript;

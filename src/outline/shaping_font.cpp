@@ -77,10 +77,6 @@ hb_draw_funcs_t* MakeDrawFunctions() {
   return functions;
 }
 
-std::u16string Wide(std::string_view ascii) {
-  return {ascii.begin(), ascii.end()};
-}
-
 // The parts of a list with commas, without blanks around them; empty ones are left out.
 std::vector<std::string> PartsOf(std::string_view list) {
   std::vector<std::string> parts;
@@ -99,12 +95,14 @@ std::vector<std::string> PartsOf(std::string_view list) {
 
 // Reads each part of the list by one of HarfBuzz's readers.
 template <class Read, class Item>
-Status ReadList(std::string_view list, const char16_t* what, const Read& read,
-                std::vector<Item>* items) {
+Status ReadList(std::string_view list, const char16_t* what, const char16_t* looks,
+                const Read& read, std::vector<Item>* items) {
   for (const std::string& part : PartsOf(list)) {
     Item item;
     if (!read(part.data(), static_cast<int>(part.size()), &item)) {
-      return Status::Error(Failure::kOther, what, u"\"" + Wide(part) + u"\" cannot be read");
+      return Status::Error(
+          Failure::kOther, what,
+          u"\"" + Utf8ToUtf16Lossy(part) + u"\" cannot be read; it looks like " + looks);
     }
     items->push_back(item);
   }
@@ -112,11 +110,13 @@ Status ReadList(std::string_view list, const char16_t* what, const Read& read,
 }
 
 Status ReadFeatures(std::string_view text, std::vector<hb_feature_t>* features) {
-  return ReadList(text, u"features", hb_feature_from_string, features);
+  return ReadList(text, u"features", u"liga=0 or ss01: a tag of four letters",
+                  hb_feature_from_string, features);
 }
 
 Status ReadVariations(std::string_view text, std::vector<hb_variation_t>* variations) {
-  return ReadList(text, u"variation", hb_variation_from_string, variations);
+  return ReadList(text, u"variation", u"wght=650: the tag of an axis and a number",
+                  hb_variation_from_string, variations);
 }
 
 std::string TagText(hb_tag_t tag) {
@@ -142,7 +142,7 @@ std::vector<hb_ot_var_axis_info_t> AxesOf(hb_face_t* face) {
 std::u16string AxisList(const std::vector<hb_ot_var_axis_info_t>& axes) {
   std::u16string text;
   for (const hb_ot_var_axis_info_t& axis : axes) {
-    text += (text.empty() ? u"" : u", ") + Wide(TagText(axis.tag)) + u" " +
+    text += (text.empty() ? u"" : u", ") + Utf8ToUtf16Lossy(TagText(axis.tag)) + u" " +
             NumberText(axis.min_value) + u" to " + NumberText(axis.max_value);
   }
   return text;
@@ -180,7 +180,8 @@ Status SetPlaces(const FontData& data, hb_font_t* font) {
     if (axis == axes.end() || !(wanted.value >= axis->min_value) ||
         !(wanted.value <= axis->max_value)) {
       return Status::Error(Failure::kNotFound, u"variation",
-                           u"\"" + data.family + u"\" has no " + Wide(TagText(wanted.tag)) + u" " +
+                           u"\"" + data.family + u"\" has no " +
+                               Utf8ToUtf16Lossy(TagText(wanted.tag)) + u" " +
                                NumberText(wanted.value) + u"; its axes are " + AxisList(axes));
     }
     places[static_cast<size_t>(axis - axes.begin())] = wanted.value;

@@ -12,7 +12,14 @@ namespace kerno {
 namespace {
 
 constexpr double kMostNumber = 1e6;
-constexpr char32_t kNoBreakSpace = 0xA0, kIdeographicSpace = 0x3000;
+
+// The character that stands in for one that a font has no strokes for; 0 where there is none.
+char32_t StandInFor(char32_t character) {
+  constexpr char32_t kNoBreakSpace = 0xA0, kIdeographicSpace = 0x3000;
+  constexpr char32_t kHyphen = 0x2010, kNoBreakHyphen = 0x2011;
+  if (character == kNoBreakSpace || character == kIdeographicSpace) return U' ';
+  return character == kHyphen || character == kNoBreakHyphen ? U'-' : 0;
+}
 
 bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -29,8 +36,9 @@ std::u16string Widened(std::string_view digits) {
 
 uint32_t StrokeFont::GlyphOf(char32_t character) const {
   auto found = numbers.find(character);
-  if (found == numbers.end() && (character == kNoBreakSpace || character == kIdeographicSpace)) {
-    found = numbers.find(U' ');
+  if (found == numbers.end()) {
+    const char32_t stand_in = StandInFor(character);
+    if (stand_in != 0) found = numbers.find(stand_in);
   }
   return found == numbers.end() ? 0 : found->second;
 }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "outline/scripts.h"
 
 namespace kerno {
 namespace {
@@ -15,12 +16,35 @@ struct LineOfText {
   size_t start;
 };
 
+bool EndsLine(char16_t unit) {
+  constexpr char16_t kNextLine = 0x85, kLineSeparator = 0x2028, kParagraphSeparator = 0x2029;
+  return unit == u'\n' || unit == u'\r' || unit == kNextLine || unit == kLineSeparator ||
+         unit == kParagraphSeparator;
+}
+
+// Blanks at which a line may end; those of fixed places, such as U+00A0, stay.
+bool IsBlank(char16_t unit) {
+  constexpr char16_t kIdeographicSpace = 0x3000;
+  return unit == u' ' || unit == kIdeographicSpace || (unit >= 0x2000 && unit <= 0x200A);
+}
+
+// Tabs and the like as blanks, each in its own place.
+std::u16string WithBlanks(std::u16string_view text) {
+  std::u16string plain(text);
+  std::ranges::replace_if(
+      plain, [](char16_t unit) { return unit == u'\t' || unit == u'\v' || unit == u'\f'; }, u' ');
+  return plain;
+}
+
+// Blanks at the end of a line are left out, for they would shift it.
 std::vector<LineOfText> LinesIn(std::u16string_view text) {
   std::vector<LineOfText> lines;
   size_t start = 0;
   for (size_t i = 0; i <= text.size(); ++i) {
-    if (i < text.size() && text[i] != u'\n' && text[i] != u'\r') continue;
-    lines.push_back({text.substr(start, i - start), start});
+    if (i < text.size() && !EndsLine(text[i])) continue;
+    std::u16string_view line = text.substr(start, i - start);
+    while (!line.empty() && IsBlank(line.back())) line.remove_suffix(1);
+    lines.push_back({line, start});
     if (i + 1 < text.size() && text[i] == u'\r' && text[i + 1] == u'\n') ++i;
     start = i + 1;
   }
@@ -88,6 +112,8 @@ class BlockSetter {
   }
   void Shape(const ShapingRun& run, size_t font, Asked asked);
   void Note(const ShapingRun& run);
+  static bool Lacks(const ShapingFont& font, std::u16string_view text,
+                    const ComposedCharacter& character);
   double LayRun(const LineOfText& line, const TextRun& run, double along);
   uint32_t FormOf(const GlyphForm& form);
 
@@ -137,6 +163,16 @@ void BlockSetter::Shape(const ShapingRun& run, size_t font, Asked asked) {
   }
 }
 
+// Whether the font has neither the character nor all that it is composed of.
+bool BlockSetter::Lacks(const ShapingFont& font, std::u16string_view text,
+                        const ComposedCharacter& character) {
+  if (font.HasGlyph(character.ch)) return false;
+  for (size_t at = character.start; at < character.end;) {
+    if (!font.HasGlyph(NextCharacter(text, &at))) return true;
+  }
+  return false;
+}
+
 // Takes down what other fonts gave and what none has.
 void BlockSetter::Note(const ShapingRun& run) {
   for (size_t first = 0; first < glyphs_.size();) {
@@ -148,13 +184,15 @@ void BlockSetter::Note(const ShapingRun& run) {
     if (lacks || font > 0) {
       const ShapingRun part = PartOf(run, glyphs_, first, end);
       const std::u16string_view text = run.line.substr(part.start, part.length);
-      for (size_t at = 0; at < text.size();) {
-        const bool is_base = at == 0;
-        const char32_t ch = NextCharacter(text, &at);
+      for (const ComposedCharacter& character : ComposedCharacters(text)) {
+        const bool is_base = character.start == 0;
         if (font > 0) ++block_.substituted[font];
         // A mark goes with its letter, and is named where the letter is there.
-        const bool is_missing = !fonts_[font]->HasGlyph(ch) && (is_base || !IsIgnorable(ch));
-        if (lacks && is_missing && missing_.insert(ch).second) block_.missing.push_back(ch);
+        const bool is_missing =
+            (is_base || !IsIgnorable(character.ch)) && Lacks(*fonts_[font], text, character);
+        if (lacks && is_missing && missing_.insert(character.ch).second) {
+          block_.missing.push_back(character.ch);
+        }
       }
     }
     first = end;
@@ -221,11 +259,12 @@ double BlockSetter::LayRun(const LineOfText& line, const TextRun& run, double al
 }
 
 TextBlock BlockSetter::Set(std::u16string_view text) {
+  const std::u16string plain = WithBlanks(text);
   block_.glyphs.reserve(text.size());
   const bool vertical = options_.mode == WritingMode::kVertical;
   const double pitch = fonts_[0]->line_pitch(options_.mode) * options_.line_spacing;
   uint32_t number = 0;
-  for (const LineOfText& line : LinesIn(text)) {
+  for (const LineOfText& line : LinesIn(plain)) {
     const size_t first = block_.glyphs.size();
     double length = 0;
     for (const TextRun& run : RunsOf(line.text, run_options_)) length = LayRun(line, run, length);
@@ -257,18 +296,18 @@ TextBlock SetStrokeBlock(const StrokeFont& font, std::u16string_view text,
   const bool vertical = options.mode == WritingMode::kVertical;
   const double pitch = font.line_pitch * options.line_spacing;
   uint32_t number = 0;
-  for (const LineOfText& line : LinesIn(text)) {
+  const std::u16string plain = WithBlanks(text);
+  for (const LineOfText& line : LinesIn(plain)) {
     const size_t first = block.size();
     double pen = 0;
-    for (size_t at = 0; at < line.text.size();) {
-      const size_t character = line.start + at;
-      const char32_t ch = NextCharacter(line.text, &at);
+    for (const auto& [ch, at, end] : ComposedCharacters(line.text)) {
+      if (IsIgnorable(ch)) continue;
       const uint32_t glyph = font.GlyphOf(ch);
       const auto told = std::ranges::find(set.missing, ch);
       if (glyph == 0 && told == set.missing.end()) set.missing.push_back(ch);
       const double advance = font.glyphs[glyph].advance;
       const P2 origin = vertical ? P2{-advance / 2, -pen - font.ascent} : P2{pen, 0};
-      block.push_back({glyph, 0, character, number, origin});
+      block.push_back({glyph, 0, line.start + at, number, origin});
       pen += (vertical ? font.ascent - font.descent : advance) + options.letter_spacing;
     }
     const double start = StartOf(pen, options.align);

@@ -51,13 +51,15 @@ struct TextBlock {
   std::vector<size_t> substituted;  // characters taken from each font; 0 for the first
 };
 
-// Lines end at LF, CR LF or CR. A character that the first font has no glyph for comes from the
+// Lines end at LF, CR LF, CR, U+0085, U+2028 or U+2029; blanks at their ends are left out. A tab is
+// a blank. A character that the first font has no glyph for comes from the
 // next one that has it, together with its marks.
 TextBlock SetBlock(std::span<const ShapingFont* const> fonts, std::u16string_view text,
                    const BlockOptions& options);
 
-// The same with a font of strokes: one glyph after the other, without kerning or shaping. In
-// vertical mode upright characters stand in columns, each in the middle of its own.
+// The same with a font of strokes: one glyph after the other, without kerning or shaping, letters
+// and marks composed. In vertical mode upright characters stand in columns, each in the middle of
+// its own.
 TextBlock SetStrokeBlock(const StrokeFont& font, std::u16string_view text,
                          const BlockOptions& options);
 

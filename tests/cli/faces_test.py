@@ -180,6 +180,20 @@ class FacesTest(programs.FolderTest):
             self.assertEqual("" if told else f"is taken for {theirs[:6] if 'EUC' in theirs else theirs}",
                              err[err.find("is taken"):err.find(", as")] if err else "")
 
+        latin = "Größe: 5 × 3 “Straße” it’s"
+        cases = [("社".encode("cp932"), [], 0, "taken for CP932"), ("部品 ﾈｼﾞ".encode("cp932"), [], 0, "for CP932"),
+                 ("部品 ﾈｼﾞ".encode("euc-jp"), [], 0, "taken for EUC-JP"), ("Straße".encode("latin-1"), [], 1, "not UTF-8"),
+                 ("社".encode("cp932"), ["--strict"], 1, "--encoding CP932"), (latin.encode("cp1252"), [], 1, "not UTF-8"),
+                 ("Größe: 5 × 3".encode("latin-1"), [], 1, "not UTF-8"), ("it’s".encode("cp1252"), [], 1, "not UTF-8"),
+                 (b"A\0\0\xd8A\0", ["--encoding", "utf-16le"], 1, "(byte offset 2)")]
+        for data, options, expected, message in cases:
+            file.write_bytes(data)
+            status, _, err = run("cut", "--text-file", str(file), *options, "-o", str(self.folder / "t.svg"))
+            self.assertEqual((expected, True), (status, message in err), (data, err))
+        file.write_bytes(latin.encode("cp1252"))
+        plain.write_bytes(latin.encode())
+        self.assertEqual(*(self.cut_file(*made)[0]["glyphs"] for made in ((plain, None), (file, "cp1252"))))
+
     def cut_file(self, file, told):
         status, out, err = run("cut", "--text-file", str(file), *(["--encoding", told] if told else []), "--face",
                                "IPAGothic", "--curves", "lines", "--json", "-o", str(self.folder / "t.svg"))
@@ -218,6 +232,11 @@ class FacesTest(programs.FolderTest):
             (["A", "--face", "Dejavu Sans Obliqe"], 3, '"DejaVu Sans Oblique"'),
             (["A", "--hieght", "5"], 2, "--hieght: is no option of kerno cut"),
             (["--text", "--hieght", "--angel", "5"], 2, '--angel: is no option of kerno cut; the nearest is "--angle"'),
+            (["A", "-face", "x"], 2, '-face: is no option of kerno cut; the nearest is "--face"'),
+            (["A", "\u2014face", "x"], 2, 'the nearest is "--face"'), (["A", "B"], 2, '"B": is a second text'),
+            (["A", "--fit"], 2, "--fit: needs a value"), (["A", "--fallback", "No"], 3, "--fallback: "),
+            (["A", "--features", "日本"], 2, '"日本" cannot be read; it looks like'), (["q\u0308\u05ff"], 0, "(U+05FF)"),
+            (["A", "--font-file", VARIABLE, "--variation", "slnt=0", "--variation", "wght=901"], 3, "has no wght 901"),
             (["--text-file", str(self.folder / "e.txt")], 1, "is not UTF-8 (byte offset 2); --encoding"),
             (["--text-file", str(self.folder / "e.txt"), "--encoding", "CP932"], 1, "is not CP932 (byte offset 2)"),
             (["A", "--encoding", "CP932"], 2, "--encoding: needs --text-file"), (["e\u0301\u0483", *sans], 0, ""),
@@ -234,6 +253,9 @@ class FacesTest(programs.FolderTest):
             self.assertEqual((expected, True), (status, message in err), err)
         _, _, err = run("convert", "A", "--face", "DejaVu Sans Condensed Bold", "-o", str(self.folder / "o.svg"))
         self.assertIn("a width which the system is not asked for", err)
+        for text, options in (("龍", []), ("\u05d0", ["--ink"])):
+            self.assertEqual(3, run("measure", text, *sans, "--strict", *options)[0], text)
+        self.assertIn("--covers: ", run("faces", "--strokes", "--covers", "A")[2])
         for name, options in (("DejaVu Sans Bold Oblique", []), ("DejaVu Sans", ["--style", "Bold Italic"])):
             status, out, _ = run("measure", "Agi", "--face", name, *options, "--ink", "--json")
             self.assertEqual(json.loads(run("measure", "Agi", "--face", "DejaVu Sans", "--style", "Bold Oblique",

@@ -162,7 +162,7 @@ class StrokesTest(programs.FolderTest):
 
     def check_letters(self, font, letters, em, *options, pose=(1, 0, 0, 1)):
         """Every letter's lines lie where the font has them, and each only once."""
-        text = "".join(letter for letter, lines in letters.items() if lines)
+        text = "".join(letter for letter, lines in letters.items() if lines and letter != "\xad")  # never drawn
         made, path = self.cut(text, "--stroke-font", font, "--em", str(em), "--layers", "glyph", *options)
         drawn = {}
         for entity in ezdxf.readfile(path).modelspace():
@@ -181,6 +181,13 @@ class StrokesTest(programs.FolderTest):
             self.check_letters(name, hershey(f"{HERSHEY}/{name}.jhf"), 32)
         for name in os.environ.get("KERNO_LIBRECAD", "standard iso3098 italicc kochimincho").split():
             self.check_letters(f"{LIBRECAD}/{name}.lff", librecad(f"{LIBRECAD}/{name}.lff"), 9)
+
+    def test_what_shows_nothing_makes_no_glyph_and_marks_are_composed(self):
+        font = ["--stroke-font", f"{LIBRECAD}/standard.lff", "--align", "right"]
+        plain, odd = (self.cut(text, *font)[0]["glyphs"] for text in
+                      ("ü A-B\nC\nD", "u\u0308\tA\u200e\u202e\u200b\ufe0f-B \u3000\u2028C\t\u0085D"))
+        self.assertEqual([(g["glyph"], g["x"], g["y"]) for g in plain], [(g["glyph"], g["x"], g["y"]) for g in odd])
+        self.assertEqual([0, 2, 3], [g["character"] for g in odd][:3])
 
     def test_wrapped_lines_are_read_as_one(self):
         lines = pathlib.Path(f"{HERSHEY}/gothiceng.jhf").read_text("ascii").splitlines()
