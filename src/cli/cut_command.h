@@ -34,9 +34,6 @@ class CutCommand final : public Command {
   bool ReadPaths();
   bool ReadStyle();
   bool ReadStrokeFont();
-  bool Report(const CutDrawing& made) const;
-  bool ReportLackedStyle(const CutFace& face) const;
-  bool ReportFaces(const CutDrawing& made) const;
   Status Write(const CutDrawing& made, const Format& format,
                const std::filesystem::path& file) const;
 
