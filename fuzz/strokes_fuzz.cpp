@@ -39,7 +39,7 @@ void CheckFont(const StrokeFont& font) {
     Check(LengthOfAll(once) <= length * 1.000001 + 0.001 * font.units_per_em);
     for (const Path& path : once) Check(LengthOfAll({WithoutArcs(path)}) <= 2 * length);
   }
-  Check(SetStrokeBlock(font, u"A B\nH", {}).size() == 4);
+  Check(SetStrokeBlock(font, u"A B\nH", {}).glyphs.size() == 4);
 }
 
 }  // namespace
