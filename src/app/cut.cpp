@@ -285,9 +285,11 @@ void CutMaker::Settle() {
     const double fits = std::min(across, up);
     if (fits < HUGE_VAL) scale = fits;
   }
-  const Linear larger = {scale, 0, 0, scale};
-  for (Shape& shape : drawing.shapes) {
-    for (ShapePath& path : shape) path.path = Mapped(path.path, larger);
+  if (scale != 1) {
+    const Linear larger = {scale, 0, 0, scale};
+    for (Shape& shape : drawing.shapes) {
+      for (ShapePath& path : shape) path.path = Mapped(path.path, larger);
+    }
   }
   const P2 by = job_.at - AnchorOf({ink.min * scale, ink.max * scale});
   for (PlacedShape& placed : drawing.placed) placed.at = placed.at * scale + by;
