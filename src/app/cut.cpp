@@ -11,7 +11,6 @@
 #include "app/shape_maker.h"
 #include "base/parallel.h"
 #include "drawing/affine.h"
-#include "drawing/check_paths.h"
 #include "drawing/measures.h"
 
 namespace kerno {
@@ -263,9 +262,7 @@ void CutMaker::CountFaults(CutDrawing* made) const {
           paths.push_back(Moved(path.path, apart));
         }
       }
-      const PathFaults faults = CheckPaths(paths, job_.tolerance);
-      count->second.crossing = 2 * faults.crossing + faults.self_crossing;
-      count->second.touching = 2 * faults.touching + faults.self_touching;
+      Count(CheckPaths(paths, job_.tolerance), &count->second);
     }
     made->crossing += count->second.crossing;
     made->touching += count->second.touching;

@@ -3,14 +3,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "drawing/check_paths.h"
 #include "drawing/cutting_order.h"
 #include "drawing/fit_arcs.h"
 #include "drawing/flatten.h"
-#include "drawing/measures.h"
 #include "drawing/offset.h"
 #include "drawing/strokes.h"
-#include "drawing/vector.h"
 #include "drawing/weld.h"
 
 namespace kerno {
@@ -50,43 +47,6 @@ Path InForm(Path path, const CutJob& job, double tolerance, bool again) {
   return path;
 }
 
-bool IsSpeck(const P2& start, const Segment& segment, double shortest) {
-  const bool straight = segment.kind == SegmentKind::kLine || segment.kind == SegmentKind::kArc;
-  return straight && Length(segment.end - start) < shortest;
-}
-
-// Lines and arcs that are shorter than a share of the tolerance, and of the path, stand where
-// curves meet that all but run together; files would show them as a point that stands twice.
-Path WithoutSpecks(Path path, double tolerance) {
-  constexpr double kShortest = 1e-3, kShortestOfPath = 5e-5;
-  P2 at = path.start;
-  bool found = false;
-  for (const Segment& segment : path.segments) {
-    found = found || IsSpeck(at, segment, tolerance * kShortest);
-    at = segment.end;
-  }
-  if (!found) return path;
-  const Box2 box = BoxOf(path);
-  const double shortest =
-      std::min(tolerance * kShortest, std::max(box.Width(), box.Height()) * kShortestOfPath);
-  Path result = path;
-  result.segments.clear();
-  at = path.start;
-  for (const Segment& segment : path.segments) {
-    const bool speck = IsSpeck(at, segment, shortest);
-    at = segment.end;
-    if (!speck) {
-      result.segments.push_back(segment);
-    } else if (result.segments.empty()) {
-      result.start = at;
-    } else {
-      result.segments.back().end = at;
-    }
-  }
-  if (path.closed && !result.segments.empty()) result.segments.back().end = result.start;
-  return result;
-}
-
 // Only welded outlines tell what is outside, be it that of a single glyph.
 bool IsWelded(const CutJob& job) {
   return job.weld != WeldScope::kNone || job.offset != 0;
@@ -108,9 +68,7 @@ std::vector<Path> Formed(std::vector<Path> paths, const CutJob& job, double tole
     paths = std::move(offset.paths);
     left -= kShare * left;
   }
-  for (Path& path : paths) {
-    path = WithoutSpecks(InForm(std::move(path), job, left, tolerance < job.tolerance), tolerance);
-  }
+  for (Path& path : paths) path = InForm(std::move(path), job, left, tolerance < job.tolerance);
   std::erase_if(paths, [](const Path& path) {
     return path.segments.empty() ||
            (path.segments.size() == 1 && path.segments[0].kind == SegmentKind::kLine);
@@ -119,6 +77,11 @@ std::vector<Path> Formed(std::vector<Path> paths, const CutJob& job, double tole
 }
 
 }  // namespace
+
+void Count(const PathFaults& faults, ShapeNotes* notes) {
+  notes->crossing = 2 * faults.crossing + faults.self_crossing;
+  notes->touching = 2 * faults.touching + faults.self_touching;
+}
 
 // Makes a shape of outlines, in the order in which it is cut. Contours that all but touch may cross
 // when each is bent by the tolerance; these follow their curves more closely, and through all of
@@ -132,9 +95,7 @@ Shape ShapeOfOutlines(std::vector<Path> outlines, const CutJob& job, ShapeNotes*
   for (int round = 0; round < kRounds; ++round, tolerance *= kCloser) {
     const std::vector<Path> paths = Formed(outlines, job, tolerance, &notes->vanished);
     const ChordGrid grid(paths, tolerance * 0.25, ChordGrid::Closing::kAll);
-    const PathFaults faults = CheckPaths(paths, grid);
-    notes->crossing = 2 * faults.crossing + faults.self_crossing;
-    notes->touching = 2 * faults.touching + faults.self_touching;
+    Count(CheckPaths(paths, grid), notes);
     shape.clear();
     for (const CutStep& step : OrderForCutting(paths, grid, job.order)) {
       shape.push_back({PathOf(paths[step.path], step), static_cast<uint32_t>(step.depth)});

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/cut.h"
+#include "drawing/check_paths.h"
 
 namespace kerno {
 
@@ -14,6 +15,9 @@ struct ShapeNotes {
   size_t touching = 0;  // that touch, or run along, themselves or another one
   size_t vanished = 0;  // contours that an inward offset left nothing of
 };
+
+// Each path of a pair counts.
+void Count(const PathFaults& faults, ShapeNotes* notes);
 
 // Welds, offsets, fits and orders outlines as the job says. `paths` are in the drawing's unit.
 Shape ShapeOfOutlines(std::vector<Path> paths, const CutJob& job, ShapeNotes* notes);

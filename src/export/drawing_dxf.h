@@ -11,8 +11,8 @@
 namespace kerno {
 
 // R2000: LWPOLYLINE and SPLINE with handles, all tables, the objects' root. R12: POLYLINE; curves
-// have no form there and fail. Text is ASCII, other characters as \U+XXXX. Coordinates have six
-// decimals (eight in inches); the same drawing gives the same bytes.
+// have no form there and fail. Names of layers are bytes of the header's code page. Coordinates have
+// six decimals (eight in inches); the same drawing gives the same bytes.
 [[nodiscard]] Status WriteDrawingDxf(const Drawing& drawing, const DrawingStyle& style,
                                      const std::filesystem::path& file);
 
