@@ -42,6 +42,18 @@ class WindowsProgramsTest(programs.FolderTest):
     def there(self, name):
         return programs.windows_name(self.folder / name)
 
+    def test_names_of_a_series(self):
+        words = ["cut", "--data", "list.csv", "--text", "A", "-o", "t\\u\\{name}.dxf", "-o", "t/{row}.svg", "--quiet"]
+        for rows, status, wanted in (
+                ("Ann\r\nann", 1, 'kerno: t\\u\\Ann.dxf: rows 1 and 2 would both write it ("t\\u\\ann.dxf" is the same '
+                                  'file there); nothing is written\n'),
+                ("Ann\r\nBé ..\\x\r\ncon\r\na/b:c", 0, "")):
+            (self.folder / "list.csv").write_bytes(f"name\r\n{rows}\r\n".encode())
+            found, _, err = self.run_kerno(*words)
+            self.assertEqual((status, wanted), (found, err))
+            self.assertEqual(status == 0, (self.folder / "t").exists())
+        self.assertEqual(["Ann.dxf", "Bé .._x.dxf", "_con.dxf", "a_b_c.dxf"], sorted(os.listdir(self.folder / "t/u")))
+
     def test_paths_of_every_form(self):
         deep = "/".join(["d" * 100] * 4)
         (self.folder / deep).mkdir(parents=True)
