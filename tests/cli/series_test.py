@@ -105,6 +105,13 @@ class ListTest(programs.FolderTest):
                     self.assertIn(None, found)
         self.assertGreater(bad, 5)
 
+    def test_pieces_of_a_long_list_end_anywhere(self):
+        for coding, mark in (("utf-8", b""), ("utf-16-le", codecs.BOM_UTF16_LE)):
+            for start in range(30):  # the first piece ends within the second row
+                text = "a,b\r\n" + "x" * ((1 << 16) // len("x".encode(coding)) - 8 - start)
+                text += ',\r\n"q""\r\n😀é",日\r\n\r\nz,\r\n'
+                self.assertEqual(rows_of_csv(text, ","), self.dump(mark + text.encode(coding)), (coding, start))
+
     def test_encodings_and_what_is_no_table(self):
         for coding, name, text in (("cp932", "CP932", "表,能\nソ,十\n"), ("euc-jp", "EUC-JP", "表,能\nソ,十\n"),
                                    ("cp1252", "CP1252", "ä;ö\n€;ß\n"), ("utf-16-le", "UTF-16LE", "ä\tö\n😀\tß")):
