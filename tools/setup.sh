@@ -7,8 +7,8 @@ packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  qt6-base-dev xvfb xdotool unrtf
  libfreetype-dev libfontconfig-dev libharfbuzz-dev libharfbuzz-bin libfribidi-dev libfribidi-bin
  libcli11-dev libagg-dev libpolyclipping-dev
- fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf fonts-liberation fonts-inter
- fonts-inter-variable fonts-cantarell fonts-crosextra-caladea fonts-dancingscript fonts-kaushanscript
+ fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-vlgothic fonts-tlwg-mono-otf fonts-liberation
+ fonts-inter fonts-inter-variable fonts-cantarell fonts-crosextra-caladea fonts-dancingscript fonts-kaushanscript
  fonts-lobstertwo fonts-lohit-deva fonts-gargi fonts-khmeros unicode-data
  hershey-fonts-data librecad-data
  libcurl4-openssl-dev libcurl4 ca-certificates openssl curl chromium tidy

@@ -29,7 +29,6 @@ std::unique_ptr<RealizedFont> RealizeFirst(const std::vector<const CatalogFace*>
     choice.index = face->index;
     choice.name = SystemName(*face, family, wish.vertical);
     choice.face_weight = face->weight;
-    choice.fixed_pitch = face->fixed_pitch;
     choice.embolden = face->has_outlines && wish.weight > kBoldFrom && face->weight <= kBoldFrom;
     choice.vertical = wish.vertical;
     if (auto font = RealizedFont::Create(choice, wanted.height, wanted.width)) {

@@ -100,7 +100,10 @@ std::unique_ptr<RealizedFont> RealizedFont::Create(const FontChoice& choice, int
 }
 
 RealizedFont::RealizedFont(FacePtr face, const FontChoice& choice)
-    : choice_(choice), face_(std::move(face)), units_(ReadFaceUnits(face_.get())) {
+    : choice_(choice),
+      face_(std::move(face)),
+      units_(ReadFaceUnits(face_.get())),
+      fixed_pitch_(IsFixedPitch(face_.get())) {
   ChooseCharacterMap(face_.get());
 }
 
@@ -197,8 +200,7 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
     form = vertical_forms_.Find(face_.get(), ch, form.glyph);
   }
   const FT_GlyphSlot slot = face_->glyph;
-  if (!LoadGlyph(face_.get(), form.glyph, kLoadFlags) ||
-      slot->format != FT_GLYPH_FORMAT_OUTLINE) {
+  if (!LoadGlyph(face_.get(), form.glyph, kLoadFlags) || slot->format != FT_GLYPH_FORMAT_OUTLINE) {
     return glyph;
   }
   const int64_t own = form.turned ? slot->metrics.vertAdvance : slot->metrics.horiAdvance;
@@ -260,7 +262,7 @@ int64_t RealizedFont::Advance(int64_t hinted) const {
   const int64_t em = units_.em;
   // More than 1.5 times the average before rounding: 26.6 against font units.
   const bool full_width = 2 * hinted * em > 3 * units_.average_width * pixels_per_em_ * 64;
-  if (choice_.fixed_pitch && full_width) {
+  if (fixed_pitch_ && full_width) {
     // Twice the average, whose scaled width is rounded in font units first.
     return 2 * ScaledUnits(ScaleX(units_.average_width), units_, pixels_per_em_);
   }

@@ -32,8 +32,7 @@ struct FontChoice {
   int index = 0;
   std::u16string name;        // FaceName
   int32_t face_weight = 400;  // of the face, when its file does not tell
-  bool fixed_pitch = false;
-  bool embolden = false;  // stands in for a bold that the family lacks
+  bool embolden = false;      // stands in for a bold that the family lacks
   bool vertical = false;
 };
 
@@ -81,6 +80,7 @@ class RealizedFont final : public Font {
   FacePtr face_;
   bool sized_ = false;
   FaceUnits units_;
+  bool fixed_pitch_;
   int64_t pixels_per_em_ = 0;
   int64_t width_ratio_ = 0x10000;  // 16.16
   TextMetrics metrics_;
