@@ -222,17 +222,25 @@ std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing pl
                       (touching == 1 ? " character touches" : " characters touch") +
                       " the one before (--pitch cell sets them apart)");
   }
-  if (set->contours.counts.empty()) ReportWarning("text", "has no outlines");
+  if (set->contours.empty()) ReportWarning("text", "has no outlines");
   *status = kDone;
   return set;
 }
 
-bool TextOptions::CheckRange(std::span<const P2> points) {
-  const bool finite = std::all_of(points.begin(), points.end(), [](const P2& p) {
-    return std::isfinite(p.x) && std::isfinite(p.y);
-  });
-  if (!finite) ReportError("--scale and --at", "take the drawing out of the range of numbers");
-  return finite;
+bool TextOptions::CheckRange(const TextContours& contours) {
+  bool finite = true;
+  contours.EachPoint(
+      [&](const P2& p) { finite = finite && std::isfinite(p.x) && std::isfinite(p.y); });
+  return finite || ReportRange();
+}
+
+bool TextOptions::CheckRange(const P2& size) {
+  return (std::isfinite(size.x) && std::isfinite(size.y)) || ReportRange();
+}
+
+bool TextOptions::ReportRange() {
+  ReportError("--scale and --at", "take the drawing out of the range of numbers");
+  return false;
 }
 
 }  // namespace kerno

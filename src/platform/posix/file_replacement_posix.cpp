@@ -160,6 +160,16 @@ class RegularFile final : public FileReplacement {
     return error ? SystemError(target_, error) : Status::Ok();
   }
 
+  bool CanRewrite() const override { return true; }
+
+  Status Rewrite(uint64_t at, std::string_view bytes) override {
+    if (lseek(file_.get(), static_cast<off_t>(at), SEEK_SET) < 0)
+      return SystemError(target_, errno);
+    Status written = Write(bytes);
+    if (!written.ok()) return written;
+    return lseek(file_.get(), 0, SEEK_END) < 0 ? SystemError(target_, errno) : Status::Ok();
+  }
+
   Status Commit() override {
     if (place_.old && !TakeOverOwnership()) return SystemError(target_, errno);
     if (const int error = Flush(file_.get())) return SystemError(target_, error);
