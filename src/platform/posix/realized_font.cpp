@@ -203,7 +203,11 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
   if (!LoadGlyph(face_.get(), form.glyph, kLoadFlags) || slot->format != FT_GLYPH_FORMAT_OUTLINE) {
     return glyph;
   }
-  const int64_t own = form.turned ? slot->metrics.vertAdvance : slot->metrics.horiAdvance;
+  // Classic: a face of no fixed pitch and without vertical metrics keeps the advance that the
+  // rasteriser makes up, as in the drawings so far.
+  const bool has_vertical_advance = FT_HAS_VERTICAL(face_.get()) || !fixed_pitch_;
+  const int64_t own =
+      form.turned && has_vertical_advance ? slot->metrics.vertAdvance : slot->metrics.horiAdvance;
   const int64_t advance = Advance(own) + EmboldenedWidth();
   glyph.advance = Clamp32(advance);
   if (choice_.embolden) {
@@ -259,9 +263,10 @@ void RealizedFont::Embolden(FT_GlyphSlot slot) const {
 }
 
 int64_t RealizedFont::Advance(int64_t hinted) const {
-  const int64_t em = units_.em;
-  // More than 1.5 times the average before rounding: 26.6 against font units.
-  const bool full_width = 2 * hinted * em > 3 * units_.average_width * pixels_per_em_ * 64;
+  // As wide as two average characters to the pixel; what is a little wider or narrower keeps its
+  // own advance.
+  const bool full_width =
+      CeilToPixels(hinted) == ScaledUnits(2 * units_.average_width, units_, pixels_per_em_);
   if (fixed_pitch_ && full_width) {
     // Twice the average, whose scaled width is rounded in font units first.
     return 2 * ScaledUnits(ScaleX(units_.average_width), units_, pixels_per_em_);
