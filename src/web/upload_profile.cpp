@@ -18,7 +18,7 @@ std::filesystem::path UploadSettingsFile() {
   const auto drive = CurrentDrive();
   const std::filesystem::path folder =
       drive ? *drive / "Temp" / "Quenkit" / "_Setting" : CurrentSystem().ConfigFolder();
-  return folder / "UpFile.ini";
+  return folder.empty() ? folder : folder / "UpFile.ini";
 }
 
 int32_t UploadProfile::GetInt(std::u16string_view section, std::u16string_view key,
