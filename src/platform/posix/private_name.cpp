@@ -17,7 +17,7 @@
 #include <mutex>
 #include <set>
 #include <string_view>
-#include <utility>
+#include <tuple>
 
 namespace kerno::posix {
 namespace {
@@ -65,6 +65,19 @@ void RemoveIfLeft(int folder, const char* name, bool shared) {
   if (!IsHeld(folder, name)) unlinkat(folder, name, 0);
 }
 
+// A number alone may have been another folder's before.
+bool IsFirstLook(int folder) {
+  static std::mutex lock;
+  static std::set<std::tuple<uint32_t, uint32_t, uint64_t, int64_t, uint32_t>> seen;
+  struct statx info {};
+  if (statx(folder, "", AT_EMPTY_PATH, STATX_INO | STATX_BTIME, &info) != 0) return false;
+  const std::lock_guard guard(lock);
+  return seen
+      .emplace(info.stx_dev_major, info.stx_dev_minor, info.stx_ino, info.stx_btime.tv_sec,
+               info.stx_btime.tv_nsec)
+      .second;
+}
+
 }  // namespace
 
 std::string PrivateName() {
@@ -80,11 +93,7 @@ bool MarkAsLive(int file) {
 }
 
 void RemoveLeftNames(int folder) {
-  static std::mutex lock;
-  static std::set<std::pair<dev_t, ino_t>> seen;
-  struct stat info {};
-  const std::lock_guard guard(lock);
-  if (fstat(folder, &info) != 0 || !seen.emplace(info.st_dev, info.st_ino).second) return;
+  if (!IsFirstLook(folder)) return;
   const int listed = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   DIR* const names = listed < 0 ? nullptr : fdopendir(listed);
   if (!names) {
