@@ -40,9 +40,8 @@ bool UploadIsConfigured() {
 
 UploadResult UploadFile(const std::filesystem::path& file, const std::filesystem::path& settings) {
   const Status readable = WaitForFile(settings, FileWait::kRead, [&] {
-    Status opened;
-    HeldFile::Open(settings, Deny::kWrite, &opened);
-    return opened;
+    std::string start;
+    return PeekFile(settings, &start, 1);
   });
   UploadProfile profile(settings);
   UploadResult result = Uploader(profile, settings, SystemHttpSession()).Upload(file);
