@@ -55,6 +55,7 @@ fs::path IniStore::FindFile(const fs::path& wanted) {
   fs::path folder = wanted.parent_path();
   if (folder.empty()) folder = ".";
   RemoveLeftTestFiles(folder);
+  if (!base.trouble.ok()) return wanted;
   fs::path path = wanted;
   std::u16string why;
   const bool missing = FactsOfPath(wanted).kind == PathKind::kMissing;

@@ -99,12 +99,12 @@ void ProfileStore::OpenFile(const fs::path& path) {
   file_ = path;
   profile_path_ = PathText(path);
   SettingsProcess& process = SettingsProcess::Current();
-  if (path.empty()) {
+  not_written_ = process.TroubleOf(path.parent_path());
+  if (path.empty() && not_written_.ok()) {
     not_written_ = Status::Error(Failure::kNotFound, u"settings",
                                  u"there is no folder of the user's own to keep them in");
     return;
   }
-  not_written_ = process.TroubleOf(path.parent_path());
   if (!not_written_.ok()) {
     process.TellOnce(not_written_.what + u": " + not_written_.why + u"; settings may be missing");
   }

@@ -161,15 +161,17 @@ IniBase SettingsProcess::FindBase() {
   if (!program.empty() && look_at(beside) == PathKind::kFolder) {
     return choose(beside, IniBaseReason::kBesideProgram);
   }
+  const fs::path config = CurrentSystem().ConfigFolder();
+  const fs::path in_config = config / kFolderName;
   bool temp_is_read = false;
   const fs::path temp = program / "Temp" / kFolderName;
   if (!program.empty() && !CurrentSystem().IsSystemPlace(program)) {
-    const Status usable = MakeAndTest(temp);
-    if (usable.ok() || IsPassing(usable)) return choose(temp, IniBaseReason::kTempBesideProgram);
-    temp_is_read = HoldsSettings(temp);
+    Status usable = MakeAndTest(temp);
+    if (!usable.ok() && IsPassing(usable)) usable = MakeAndTest(temp);
+    temp_is_read = !usable.ok() && HoldsSettings(temp);
+    const bool stays = IsPassing(usable) && (temp_is_read || !HoldsSettings(in_config));
+    if (usable.ok() || stays) return choose(temp, IniBaseReason::kTempBesideProgram);
   }
-  const fs::path config = CurrentSystem().ConfigFolder();
-  const fs::path in_config = config / kFolderName;
   if (!config.empty() && (!temp_is_read || HoldsSettings(in_config))) {
     const bool there = look_at(in_config) == PathKind::kFolder;
     const Status made = there ? Status::Ok() : MakeFolders(in_config);
