@@ -129,6 +129,25 @@ Mistake FindMistake(const CLI::App& command, std::span<const std::string> words)
   return surplus;
 }
 
+// The first option that stands as "--name=" without a value, for which the next word would be
+// taken; empty without one.
+std::string FindEmptyOption(const CLI::App& command, std::span<const std::string> words) {
+  for (size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
+    const size_t equals = words[i].find('=');
+    const std::string name = words[i].substr(0, equals);
+    const CLI::Option* const option =
+        name.starts_with('-') ? command.get_option_no_throw(name) : nullptr;
+    if (!option || option->get_expected_min() == 0) continue;
+    if (equals + 1 == words[i].size()) return name;
+    if (equals == words[i].npos) ++i;  // its value, whatever that looks like
+  }
+  return {};
+}
+
+void ReportNoValue(const CLI::App& command, const std::string& option) {
+  ReportError(option, "needs a value (" + command.get_option(option)->get_type_name() + ")");
+}
+
 // Of the options and of the commands within.
 std::vector<std::u16string> NamesIn(const CLI::App& command) {
   std::vector<std::u16string> names;
@@ -168,8 +187,7 @@ void ReportUsage(const CLI::App& app, std::span<const std::string> words, const 
                     NamesIn(command), lister);
       break;
     case Mistake::Kind::kNoValue:
-      ReportError(mistake.word,
-                  "needs a value (" + command.get_option(mistake.word)->get_type_name() + ")");
+      ReportNoValue(command, mistake.word);
       break;
     case Mistake::Kind::kNoPlace:
       if (command.get_option_no_throw("TEXT")) {
@@ -214,6 +232,13 @@ ExitStatus Main(const std::vector<std::string>& arguments) {
   argv.reserve(arguments.size());
   for (const std::string& argument : arguments) argv.push_back(argument.c_str());
   try {
+    if (const CLI::App* const command = has_word ? FindCommand(app, arguments[1]) : nullptr) {
+      const std::string empty = FindEmptyOption(*command, std::span(arguments).subspan(2));
+      if (!empty.empty()) {
+        ReportNoValue(*command, empty);
+        return kWrongUsage;
+      }
+    }
     app.parse(static_cast<int>(argv.size()), argv.data());
   } catch (const CLI::CallForHelp&) {
     const auto chosen = app.get_subcommands();
@@ -226,6 +251,11 @@ ExitStatus Main(const std::vector<std::string>& arguments) {
   }
   if (help->parsed()) return PrintHelp(app, topic);
   const ConsoleNotices notices;
+  // Settings are read before the command runs, and may have something to tell.
+  for (const CLI::App* chosen : app.get_subcommands()) {
+    const CLI::Option* const quiet = chosen->get_option_no_throw("--quiet");
+    if (quiet && quiet->count() > 0) SilenceWarnings();
+  }
   InstallProfileSettings();
   const RunDump dump(u"kerno");
   for (size_t i = 0; i < commands.size(); ++i) {

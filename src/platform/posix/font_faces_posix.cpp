@@ -211,7 +211,9 @@ std::vector<ListedFace> ListFaces() {
 
 Status AddFontFile(const fs::path& file, std::vector<std::u16string>* names) {
   names->clear();
-  const std::string path = fs::absolute(file).native();
+  std::error_code error;
+  const fs::path whole = fs::absolute(file, error);
+  const std::string path = (error ? file : whole).native();
   std::vector<std::string>& added = FontCatalog::AddedFiles();
   const bool is_new = std::find(added.begin(), added.end(), path) == added.end();
   if (is_new) {
