@@ -25,16 +25,23 @@ struct Receiver {
   size_t received = 0;
 };
 
+// libcurl takes lines for a status of 200 that tell none.
+bool IsStatusLine(std::string_view line, int status) {
+  constexpr std::string_view kForm = "HTTP/1.1";
+  return line.starts_with(kForm.substr(0, kForm.size() - 1)) && line.size() > kForm.size() &&
+         line.substr(kForm.size()).starts_with(" " + std::to_string(status));
+}
+
 size_t TakeHeader(char* data, size_t, size_t size, void* context) {
   auto* receiver = static_cast<Receiver*>(context);
   receiver->header_bytes += size;
   receiver->received += size;
   std::string_view line(data, size);
   while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
-  // Each answer begins with such a line; the last one stays. Lines after the chunks of an answer
-  // come here, too.
-  if (line.starts_with("HTTP/")) {
-    receiver->reply.status_line = line;
+  // Each answer begins with such a line; the last one stays. One among the headers is none of them.
+  HttpReply& reply = receiver->reply;
+  if ((reply.status_line.empty() || receiver->headers_ended) && line.starts_with("HTTP/")) {
+    reply.status_line = line;
     receiver->headers_ended = false;
   }
   receiver->headers_ended |= line.empty();
@@ -228,6 +235,11 @@ class Request {
     const bool final_status = reply.status >= 200;
     if (reply.end == HttpEnd::kAnswered && !final_status) reply.end = HttpEnd::kNoAnswer;
     if (!final_status) return;
+    if (!IsStatusLine(reply.status_line, reply.status)) {
+      reply.end = HttpEnd::kNotHttp;
+      if (reply.why.empty()) reply.why = "its status cannot be read";
+      return;
+    }
     if (!receiver_.headers_ended) {
       if (reply.end == HttpEnd::kStalled) return;
       if (receiver_.header_bytes > kMostHeaderBytes) reply.why = "the headers do not end";
