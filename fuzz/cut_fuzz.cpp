@@ -2,6 +2,7 @@
 // closed, and the files are whole. The input's end is read as options, its beginning as the text.
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -62,6 +63,8 @@ CutJob ReadCut(FuzzedDataProvider* input) {
   job.order = Pick<CutOrder>(input, 1);
   job.mirror = input->ConsumeBool();
   if (input->ConsumeBool()) job.tolerance = Length(input, false);
+  // Finer drawings only take time.
+  job.tolerance = std::max(job.tolerance, 1e-5 * std::max(job.size.width, job.size.height));
   if (input->ConsumeBool()) job.offset = Length(input, true);
   if (input->ConsumeBool()) job.letter_spacing = Length(input, true);
   if (input->ConsumeBool()) job.line_spacing = input->ConsumeFloatingPointInRange(-9., 9.);
