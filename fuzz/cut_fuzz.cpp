@@ -63,9 +63,10 @@ CutJob ReadCut(FuzzedDataProvider* input) {
   job.order = Pick<CutOrder>(input, 1);
   job.mirror = input->ConsumeBool();
   if (input->ConsumeBool()) job.tolerance = Length(input, false);
-  // Finer drawings only take time.
-  job.tolerance = std::max(job.tolerance, 1e-5 * std::max(job.size.width, job.size.height));
-  if (input->ConsumeBool()) job.offset = Length(input, true);
+  // Finer drawings, and circles around all, only take time.
+  const double size = std::max(job.size.width, job.size.height);
+  job.tolerance = std::max(job.tolerance, 1e-5 * size);
+  if (input->ConsumeBool()) job.offset = std::clamp(Length(input, true), -size, size);
   if (input->ConsumeBool()) job.letter_spacing = Length(input, true);
   if (input->ConsumeBool()) job.line_spacing = input->ConsumeFloatingPointInRange(-9., 9.);
   if (input->ConsumeBool()) job.slant = input->ConsumeFloatingPointInRange(-80., 80.);
