@@ -39,8 +39,8 @@ class TextOptions {
  private:
   static bool ReportRange();
   bool ReadNumbers(Job* job);
-  bool ChooseFace(Job* job) const;
-  bool ChooseStyle(std::u16string_view style, Job* job) const;
+  ExitStatus ChooseFace(Job* job) const;
+  ExitStatus ChooseStyle(std::u16string_view style, Job* job) const;
 
   TextSource source_;
   FaceOptions face_;

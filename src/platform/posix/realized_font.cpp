@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
-#include <new>
 #include <utility>
 
 #include FT_OUTLINE_H
@@ -15,12 +14,15 @@ constexpr FT_Int32 kLoadFlags = FT_LOAD_DEFAULT | FT_LOAD_NO_BITMAP | FT_LOAD_TA
 constexpr int64_t kMaxPixelsPerEm = 0xFFFF;  // FreeType counts pixels per em in 16 bits
 constexpr int32_t kBoldWeight = 700;
 
-// False for a glyph that the font cannot give. A sign must not lose a letter because memory is
-// short: that ends the work.
-bool LoadGlyph(FT_Face face, FT_UInt glyph, FT_Int32 flags) {
-  const FT_Error error = FT_Load_Glyph(face, glyph, flags);
-  if (error == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+// Whether FreeType did what it was asked for.
+bool Done(FT_Error error) {
+  CheckMemory(error);
   return error == 0;
+}
+
+// False for a glyph that the font cannot give.
+bool LoadGlyph(FT_Face face, FT_UInt glyph, FT_Int32 flags) {
+  return Done(FT_Load_Glyph(face, glyph, flags));
 }
 
 int64_t FloorToPixels(int64_t value) {
@@ -85,8 +87,8 @@ bool IsSurrogate(char32_t ch) {
 }  // namespace
 
 std::unique_ptr<RealizedFont> RealizedFont::Create(const FontChoice& choice, int32_t height,
-                                                   int32_t width) {
-  FacePtr face = OpenFace(choice.path, choice.index);
+                                                   int32_t width, Status* reading) {
+  FacePtr face = OpenFace(choice.path, choice.index, reading);
   if (!face) {
     return nullptr;
   }
@@ -110,7 +112,7 @@ RealizedFont::RealizedFont(FacePtr face, const FontChoice& choice)
 void RealizedFont::SetOutlineSize(int32_t height, int32_t width) {
   pixels_per_em_ = PixelsPerEm(units_, height);
   const auto pixels = static_cast<FT_UInt>(std::min(pixels_per_em_, kMaxPixelsPerEm + 1));
-  if (pixels > kMaxPixelsPerEm || FT_Set_Pixel_Sizes(face_.get(), pixels, pixels) != 0) {
+  if (pixels > kMaxPixelsPerEm || !Done(FT_Set_Pixel_Sizes(face_.get(), pixels, pixels))) {
     return;
   }
   sized_ = true;
@@ -143,7 +145,7 @@ void RealizedFont::SetStrikeSize(int32_t height) {
       best_distance = distance;
     }
   }
-  if (best < 0 || FT_Select_Size(face, best) != 0) {
+  if (best < 0 || !Done(FT_Select_Size(face, best))) {
     return;
   }
   sized_ = true;
@@ -251,7 +253,7 @@ CellShift RealizedFont::ShiftOfTurned(FT_UInt glyph) const {
 void RealizedFont::Embolden(FT_GlyphSlot slot) const {
   const FT_Pos strength = static_cast<FT_Pos>(pixels_per_em_ * 64 / 24);
   FT_Outline* outline = &slot->outline;
-  if (outline->n_points == 0 || FT_Outline_Embolden(outline, strength) != 0) {
+  if (outline->n_points == 0 || !Done(FT_Outline_Embolden(outline, strength))) {
     return;
   }
   FT_BBox box;

@@ -44,9 +44,10 @@ struct CellShift {
 
 class RealizedFont final : public Font {
  public:
-  // Opens the face and sets its size. Null when the file cannot be opened.
+  // Opens the face and sets its size. Null when the file cannot be opened; *reading as OpenFace has
+  // it.
   static std::unique_ptr<RealizedFont> Create(const FontChoice& choice, int32_t height,
-                                              int32_t width);
+                                              int32_t width, Status* reading);
 
   const std::u16string& FaceName() const override { return choice_.name; }
   bool HasGlyph(char32_t ch) const override;
