@@ -91,7 +91,6 @@ class Case:
     names: tuple = ()           # further words by which a message may name the thing
     env: dict = dataclasses.field(default_factory=dict)
     serves: bool = False        # wants a server
-    between: list = None        # a command whose outcome this one's way leads through
     groups: tuple = tuple(GROUPS)
     input: bytes = b""
 
@@ -243,12 +242,24 @@ def settled(name, content, top):
     which is as long as any other's."""
     for coding in ("utf-8", "utf-16-le"):
         content = content.replace(str(top).encode(coding), "(TOP)".encode(coding))
-    if name.endswith((".ini", ".reg")):
-        try:
-            return TIMES.sub("TIME", content.decode("utf-16"))
-        except UnicodeError:
-            return content
+    if name.endswith((".ini", ".reg")) and content.startswith(b"\xff\xfe"):
+        return TIMES.sub("TIME", content.decode("utf-16", "replace"))
     return BYTE_TIMES.sub(b"N", content)
+
+
+ABSENT = object()
+
+
+def is_between(found, before, after):
+    """Whether settings were changed in part, line by line: a command may change several values, and
+    each change replaces the file. What no change touches must be there."""
+    if not isinstance(found, str) or not found:
+        return False
+    first, *lines = found.splitlines()
+    old = before.splitlines() if isinstance(before, str) else []
+    new = after.splitlines() if isinstance(after, str) else []
+    return (first in (old[:1] + new[:1]) and set(lines) <= set(old) | set(new)
+            and set(old) & set(new) <= set(found.splitlines()))
 
 
 @dataclasses.dataclass
@@ -256,7 +267,6 @@ class World:
     before: dict
     after: dict
     ran: Ran
-    between: dict
 
 
 def world_of(place, case):
@@ -270,29 +280,22 @@ def world_of(place, case):
     for target in case.targets:
         if target not in after:
             raise SystemExit(f"{case.name}: without a fault, there is no {target}")
-    between = after
-    if case.between:
-        place.reset(case)
-        place.run(dataclasses.replace(case, words=case.between))
-        between = place.look()
-    return World(before, after, ran, between)
-
-
-def shown(content):
-    return "nothing" if content is None else f"{len(content)} bytes or characters"
+    return World(before, after, ran)
 
 
 def judge_files(case, world, now):
     """What lies there that should not, or no longer does."""
     findings = []
     for name in sorted(set(world.before) | set(world.after) | set(now)):
-        allowed = [state.get(name, "absent") for state in (world.before, world.between, world.after)]
-        found = now.get(name, "absent")
+        allowed = [state.get(name, ABSENT) for state in (world.before, world.after)]
+        found = now.get(name, ABSENT)
         if found in allowed or (found is None and name in LASTING) or LOGS.match(name):
             continue
-        if found == "absent":
+        if is_between(found, *allowed):
+            continue
+        if found is ABSENT:
             findings.append(f"lost: {name}")
-        elif all(state == "absent" for state in allowed):
+        elif all(state is ABSENT for state in allowed):
             findings.append(f"left: {re.sub(r'[0-9]+', 'N', name)}")
         else:
             findings.append(f"changed: {name} is neither the old one nor the new")
@@ -347,7 +350,7 @@ def judge(case, world, ran, now, server=None):
     findings = judge_files(case, world, now)
     if ran.status == 0:
         for target in case.targets:
-            if now.get(target, "absent") != world.after[target]:
+            if now.get(target, ABSENT) != world.after[target]:
                 findings.append(f"false success: {target} is not the new one")
         if ran.out != world.ran.out:
             findings.append("false success: standard output is another")

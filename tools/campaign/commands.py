@@ -140,7 +140,7 @@ def settings():
     for where, prepare in places.items():
         target = (files[where],)
         yield Case(f"settings set, {where}", ["settings", "set", "Dec", "SvgOut::Precision", "7"],
-                   prepare, target, names, between=["settings", "path"])
+                   prepare, target, names)
         yield Case(f"settings get, {where}", ["settings", "get", "Dec", "SvgOut::Precision"],
                    prepare, (), names)
         if where in ("beside", "elsewhere"):

@@ -148,7 +148,14 @@ static int wanted_error;
 static bool does_short, does_kill, notes_stacks, goes_on, of_aside, without_unnamed;
 static const char* aside;
 static char descriptor_aside[kDescriptors];
-static struct { uintptr_t begin, end; } sanitizer, fontconfig;
+// Libraries whose calls are not like others.
+enum Library { kAddressSanitizer, kUndefinedSanitizer, kFontconfig, kLibraries };
+static const char* const kLibraryNames[kLibraries] = {"libasan", "libubsan", "libfontconfig"};
+static struct { uintptr_t begin, end; } code_of[kLibraries];
+
+static bool is_in(uintptr_t address, enum Library library) {
+  return address >= code_of[library].begin && address < code_of[library].end;
+}
 
 // The one system call that the filter lets through: the address behind it is known to it.
 long faults_call(long number, long a, long b, long c, long d, long e, long f);
@@ -215,8 +222,7 @@ static bool fontconfig_works(void) {
   const int count = backtrace(frames, 64);
   errno = saved;
   for (int i = 0; i < count; ++i) {
-    const uintptr_t at = (uintptr_t)frames[i];
-    if (at >= fontconfig.begin && at < fontconfig.end) return true;
+    if (is_in((uintptr_t)frames[i], kFontconfig)) return true;
   }
   return false;
 }
@@ -320,7 +326,7 @@ static void on_system_call(int signal, siginfo_t* info, void* data) {
   const int number = info->si_syscall;
   if (number == SYS_rt_sigprocmask) {
     registers[REG_RAX] = change_mask(context, args);
-  } else if (from >= sanitizer.begin && from < sanitizer.end) {
+  } else if (is_in(from, kAddressSanitizer) || is_in(from, kUndefinedSanitizer)) {
     registers[REG_RAX] = faults_call(number, args[0], args[1], args[2], args[3], args[4], args[5]);
   } else {
     const struct Call* call = kCalls;
@@ -332,14 +338,14 @@ static void on_system_call(int signal, siginfo_t* info, void* data) {
 
 static int find_libraries(struct dl_phdr_info* info, size_t size, void* data) {
   (void)size, (void)data;
-  const bool is_sanitizer = strstr(info->dlpi_name, "libasan") != NULL;
-  const bool is_fontconfig = strstr(info->dlpi_name, "libfontconfig") != NULL;
-  for (int i = 0; (is_sanitizer || is_fontconfig) && i < info->dlpi_phnum; ++i) {
-    const ElfW(Phdr)* const part = &info->dlpi_phdr[i];
-    if (part->p_type != PT_LOAD || !(part->p_flags & PF_X)) continue;
-    const uintptr_t begin = info->dlpi_addr + part->p_vaddr;
-    if (is_sanitizer) sanitizer.begin = begin, sanitizer.end = begin + part->p_memsz;
-    if (is_fontconfig) fontconfig.begin = begin, fontconfig.end = begin + part->p_memsz;
+  for (int library = 0; library < kLibraries; ++library) {
+    if (!strstr(info->dlpi_name, kLibraryNames[library])) continue;
+    for (int i = 0; i < info->dlpi_phnum; ++i) {
+      const ElfW(Phdr)* const part = &info->dlpi_phdr[i];
+      if (part->p_type != PT_LOAD || !(part->p_flags & PF_X)) continue;
+      code_of[library].begin = info->dlpi_addr + part->p_vaddr;
+      code_of[library].end = code_of[library].begin + part->p_memsz;
+    }
   }
   return 0;
 }
