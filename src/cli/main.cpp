@@ -3,7 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <memory>
+#include <new>
 #include <span>
 #include <string>
 #include <vector>
@@ -264,16 +267,34 @@ ExitStatus Main(const std::vector<std::string>& arguments) {
   return StartDesktop();
 }
 
+// Says so without memory of its own.
+ExitStatus ReportNoMemory() {
+  std::fputs("kerno: memory: there is not enough for this text\n", stderr);
+  return kFailed;
+}
+
+// The exception of missing memory ends here, too, where it meets a function of a library that
+// promised to throw none (CLI11's search for an option).
+[[noreturn]] void OnTerminate() {
+  try {
+    if (const auto error = std::current_exception()) std::rethrow_exception(error);
+  } catch (const std::bad_alloc&) {
+    std::_Exit(ReportNoMemory());
+  } catch (...) {
+  }
+  std::abort();
+}
+
 }  // namespace
 }  // namespace kerno
 
 int main(int argc, char** argv) {
   kerno::PrepareStandardStreams();
+  std::set_terminate(kerno::OnTerminate);
   try {
     return kerno::Main(kerno::ProgramArguments(argc, argv));
   } catch (const std::bad_alloc&) {
-    std::fputs("kerno: memory: there is not enough for this text\n", stderr);
-    return kerno::kFailed;
+    return kerno::ReportNoMemory();
   } catch (const std::exception& error) {
     kerno::ReportError("kerno", error.what());
     return kerno::kFailed;

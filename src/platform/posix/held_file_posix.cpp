@@ -92,11 +92,11 @@ Status Held(const fs::path& path) {
 }
 
 // Whether the path still names the open file: who waited for a lock may hold a file that was
-// replaced meanwhile.
-bool StillNamed(const fs::path& path, const struct stat& open_file) {
+// replaced meanwhile. 0 where it does, ESTALE where not, or why that cannot be told.
+int CheckName(const fs::path& path, const struct stat& open_file) {
   struct stat named {};
-  return stat(path.c_str(), &named) == 0 && named.st_dev == open_file.st_dev &&
-         named.st_ino == open_file.st_ino;
+  if (stat(path.c_str(), &named) != 0) return errno == ENOENT ? ESTALE : errno;
+  return named.st_dev == open_file.st_dev && named.st_ino == open_file.st_ino ? 0 : ESTALE;
 }
 
 }  // namespace
@@ -131,7 +131,11 @@ std::unique_ptr<HeldFile> HeldFile::Open(const fs::path& path, Deny deny, Status
       *status = Held(path);
       return nullptr;
     }
-    if (StillNamed(path, info)) return file;
+    const int error = CheckName(path, info);
+    if (error == 0) return file;
+    if (error == ESTALE) continue;
+    *status = SystemError(path, error);
+    return nullptr;
   }
 }
 
@@ -236,11 +240,12 @@ Status AppendToFile(const fs::path& path, std::string_view start, std::string_vi
       close(fd);
       return Held(path);
     }
-    if (fstat(fd, &info) == 0 && !StillNamed(path, info)) {
+    int error = fstat(fd, &info) == 0 ? CheckName(path, info) : errno;
+    if (error == ESTALE) {
       close(fd);
       continue;
     }
-    int error = info.st_size == 0 ? WriteAll(fd, start) : 0;
+    if (error == 0 && info.st_size == 0) error = WriteAll(fd, start);
     if (error == 0) error = WriteAll(fd, bytes);
     if (close(fd) != 0 && error == 0) error = errno;
     return error == 0 ? Status::Ok() : SystemError(path, error);

@@ -3,6 +3,7 @@
 #include <future>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include "platform/http_session.h"
 #include "platform/posix/curl_library.h"
@@ -271,10 +272,14 @@ class Request {
 class CurlSession final : public HttpSession {
  public:
   std::shared_ptr<void> Prepare() override {
-    return std::make_shared<std::future<void>>(std::async(std::launch::async, [] {
-      std::string ignored;
-      LoadCurl(&ignored);
-    }));
+    try {
+      return std::make_shared<std::future<void>>(std::async(std::launch::async, [] {
+        std::string ignored;
+        LoadCurl(&ignored);
+      }));
+    } catch (const std::system_error&) {
+      return nullptr;  // without a second thread, Post loads it
+    }
   }
 
   HttpReply Post(const HttpPost& post, const HttpProgress& progress) override {
