@@ -8,6 +8,7 @@
 #include "base/file_wait.h"
 #include "base/text.h"
 #include "drawing/measures.h"
+#include "drawing/segment.h"
 #include "export/drawing_dxf_frame.h"
 #include "export/dxf_lines.h"
 #include "export/fixed_number.h"
@@ -199,23 +200,13 @@ void DrawingDxf::Spline(const Path& path, const P2& at, const std::string& layer
     lines_.Point(Moved(p, at), frame_.decimals);
     lines_.Pair(" 30", "0");
   };
-  const auto toward = [](const P2& from, const P2& to, double part) {
-    return P2{from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part};
-  };
   P2 from = path.start;
   control(from);
   for (const Segment& segment : path.segments) {
-    P2 first = segment.first, second = segment.second;
-    if (segment.kind == SegmentKind::kLine) {
-      first = toward(from, segment.end, 1.0 / 3);
-      second = toward(from, segment.end, 2.0 / 3);
-    } else if (segment.kind == SegmentKind::kQuadratic) {
-      second = toward(segment.end, segment.first, 2.0 / 3);
-      first = toward(from, segment.first, 2.0 / 3);
-    }
-    control(first);
-    control(second);
-    control(segment.end);
+    const Segment cubic = AsCubic({from, segment});
+    control(cubic.first);
+    control(cubic.second);
+    control(cubic.end);
     from = segment.end;
   }
 }

@@ -4,6 +4,7 @@
 
 #include "base/number_text.h"
 #include "base/text.h"
+#include "export/aci.h"
 
 namespace kerno {
 namespace {
@@ -17,7 +18,7 @@ std::u16string Numbered(const std::u16string& name, size_t number) {
 }  // namespace
 
 DrawingLayers::DrawingLayers(const Drawing& drawing, const DrawingStyle& style)
-    : rule_(style.layers) {
+    : rule_(style.layers), placed_(drawing.placed.size()) {
   size_t numbered = 0;
   switch (rule_) {
     case LayerRule::kOne:
@@ -51,6 +52,20 @@ size_t DrawingLayers::Of(const PlacedShape& placed, size_t n, const ShapePath& p
       break;
   }
   return 0;
+}
+
+DrawingLayers::Range DrawingLayers::PlacedOn(size_t layer) const {
+  if (rule_ == LayerRule::kGlyph) return {layer, layer + 1};
+  return {0, placed_};
+}
+
+Color ColorOnPaper(const DrawingStyle& style) {
+  constexpr int kContrast = 7;
+  return style.color == kContrast ? 0 : AciToRgb(style.color);
+}
+
+double HairlineOf(LengthUnit unit) {
+  return unit == LengthUnit::kInch ? 0.001 : 0.001 * kMillimetresPerInch;
 }
 
 }  // namespace kerno

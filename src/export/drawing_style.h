@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "drawing/drawing.h"
+#include "parts/color.h"
 
 namespace kerno {
 
@@ -43,9 +44,36 @@ class DrawingLayers {
   // The place in names() of a path of the n-th placed shape.
   size_t Of(const PlacedShape& placed, size_t n, const ShapePath& path) const;
 
+  // The placed shapes that may have paths on a layer: from `first` to before `last`.
+  struct Range {
+    size_t first, last;
+  };
+  Range PlacedOn(size_t layer) const;
+
  private:
   LayerRule rule_;
+  size_t placed_;
   std::vector<std::u16string> names_;
 };
+
+// Hands every path of a layer and its place to `visit`, in the drawing's order.
+template <class Visit>
+void ForEachPathOn(size_t layer, const DrawingLayers& layers, const Drawing& drawing, Visit visit) {
+  const auto [first, last] = layers.PlacedOn(layer);
+  for (size_t n = first; n < last; ++n) {
+    const PlacedShape& placed = drawing.placed[n];
+    for (const ShapePath& path : drawing.shapes[placed.shape]) {
+      if (path.path.segments.empty() || layers.Of(placed, n, path) != layer) continue;
+      visit(path.path, placed.at);
+    }
+  }
+}
+
+// The style's colour on white paper: index 7 is what stands out from the ground, white in CAD,
+// black here.
+Color ColorOnPaper(const DrawingStyle& style);
+
+// What stands for a line without width: a thousandth of an inch, as laser drivers take it.
+double HairlineOf(LengthUnit unit);
 
 }  // namespace kerno

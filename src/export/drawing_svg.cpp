@@ -10,7 +10,6 @@
 #include "drawing/affine.h"
 #include "drawing/measures.h"
 #include "drawing/segment.h"
-#include "export/aci.h"
 #include "export/fixed_number.h"
 #include "export/svg_numbers.h"
 #include "export/xml_out.h"
@@ -92,24 +91,18 @@ Status DrawingSvg::Write() {
 }
 
 void DrawingSvg::Group(size_t layer) {
-  // Index 7 is what stands out from the ground: white in CAD, black on paper.
-  constexpr int kContrast = 7;
-  const std::string color =
-      style_.color == kContrast ? "#000000" : SvgColor(AciToRgb(style_.color));
+  const std::string color = SvgColor(ColorOnPaper(style_));
   const bool cuts = style_.svg == SvgLook::kCut || drawing_.strokes;
   xml_.Begin("g");
   xml_.Attribute("id", std::u16string_view(layers_.names()[layer]));
   xml_.Attribute("fill", std::string_view(cuts ? "none" : color));
   if (cuts) {
     xml_.Attribute("stroke", std::string_view(color));
-    // What laser drivers take for a hairline: a thousandth of an inch.
-    Number("stroke-width", drawing_.unit == LengthUnit::kInch ? 0.001 : 0.0254, "");
+    Number("stroke-width", HairlineOf(drawing_.unit), "");
   } else {
     xml_.Attribute("fill-rule", std::string_view("nonzero"));
   }
-  const bool alone = style_.layers == LayerRule::kGlyph;  // a shape for each layer
-  const size_t first = alone ? layer : 0;
-  const size_t last = alone ? layer + 1 : drawing_.placed.size();
+  const auto [first, last] = layers_.PlacedOn(layer);
   for (size_t n = first; n < last; ++n) ShapeOnLayer(drawing_.placed[n], n, layer);
   xml_.End();
 }
