@@ -47,10 +47,9 @@ class DrawingDxf {
     frame_.unit = drawing.unit;
     frame_.decimals = drawing.unit == LengthUnit::kInch ? 8 : 6;
     frame_.box = InkOf(drawing);
-    frame_.color = style.color;
-    frame_.page = CodePageOf(layers_.names());
-    for (const std::u16string& name : layers_.names()) {
-      frame_.layers.push_back(DxfLayerText(name, frame_.page));
+    frame_.page = CodePageOf(layers_.Names());
+    for (const DrawingLayer& layer : layers_.all()) {
+      frame_.layers.push_back({DxfLayerText(layer.name, frame_.page), layer.color});
     }
     for (const PlacedShape& placed : drawing.placed) {
       frame_.entities += drawing.shapes[placed.shape].size();
@@ -65,7 +64,7 @@ class DrawingDxf {
       const Shape& shape = drawing_.shapes[placed.shape];
       vertices_[placed.shape].resize(shape.size());
       for (size_t i = 0; i < shape.size(); ++i) {
-        const std::string& layer = frame_.layers[layers_.Of(placed, n, shape[i])];
+        const std::string& layer = frame_.layers[layers_.Of(placed, n, shape[i])].name;
         Entity(shape[i].path, placed.at, layer, &vertices_[placed.shape][i]);
         if (lines_.text().size() >= kBlock) Flush();
       }

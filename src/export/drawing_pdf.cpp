@@ -56,12 +56,11 @@ class DrawingPdf {
   DrawingPdf(const Drawing& drawing, const DrawingStyle& style, double tolerance,
              FileReplacement* out)
       : drawing_(drawing),
-        style_(style),
         layers_(drawing, style),
         tolerance_(tolerance),
         decimals_(drawing.unit == LengthUnit::kInch ? 8 : 6),
-        box_(InkOf(drawing)),
-        offsets_(kFirstLayer + layers_.names().size()),
+        box_(PictureOf(drawing)),
+        offsets_(kFirstLayer + layers_.all().size()),
         out_(*out) {
     if (!(box_.min.x <= box_.max.x)) box_ = {{0, 0}, {0, 0}};
   }
@@ -72,9 +71,9 @@ class DrawingPdf {
     Begin(kPages);
     Put("<< /Type /Pages /Count 1 /Kids [" + Reference(kPage) + "] >>");
     End();
-    for (size_t i = 0; i < layers_.names().size(); ++i) {
+    for (size_t i = 0; i < layers_.all().size(); ++i) {
       Begin(kFirstLayer + i);
-      Put("<< /Type /OCG /Name " + TextString(layers_.names()[i]) + " >>");
+      Put("<< /Type /OCG /Name " + TextString(layers_.all()[i].name) + " >>");
       End();
     }
     Page();
@@ -120,7 +119,6 @@ class DrawingPdf {
   const std::vector<Segment>& Cubics(const Path& path);
 
   const Drawing& drawing_;
-  const DrawingStyle& style_;
   DrawingLayers layers_;
   double tolerance_;
   int decimals_;
@@ -136,7 +134,7 @@ class DrawingPdf {
 
 std::string DrawingPdf::LayerReferences() const {
   std::string references = "[";
-  for (size_t i = 0; i < layers_.names().size(); ++i) {
+  for (size_t i = 0; i < layers_.all().size(); ++i) {
     references += (i > 0 ? " " : "") + Reference(kFirstLayer + i);
   }
   return references + "]";
@@ -165,7 +163,7 @@ void DrawingPdf::Page() {
       Fixed(std::ceil(width / unit), 0) + " " + Fixed(std::ceil(height / unit), 0) + "]");
   if (unit > 1) Put(" /UserUnit " + Fixed(unit, 0));
   Put("\n   /Contents " + Reference(kContent) + " /Resources << /Properties <<");
-  for (size_t i = 0; i < layers_.names().size(); ++i) {
+  for (size_t i = 0; i < layers_.all().size(); ++i) {
     Put(" /L" + Integer(i) + " " + Reference(kFirstLayer + i));
   }
   Put(" >> >> >>");
@@ -178,14 +176,14 @@ void DrawingPdf::Content() {
   Put("<< /Length " + Reference(kContentLength) + " >>\nstream\n");
   const size_t first = Here();
   const std::string scale = Fixed(scale_, 8);
-  const Color color = ColorOnPaper(style_);
   Put(scale + " 0 0 " + scale + " 0 0 cm\n" + Fixed(HairlineOf(drawing_.unit), 6) + " w 1 J 1 j\n");
-  for (const int shift : {0, 8, 16}) {
-    Put(Fixed(static_cast<double>((color >> shift) & 0xFF) / 255, 6) + " ");
-  }
-  Put("RG\n");
-  for (size_t layer = 0; layer < layers_.names().size(); ++layer) {
+  for (size_t layer = 0; layer < layers_.all().size(); ++layer) {
     Put("/OC /L" + Integer(layer) + " BDC\n");
+    const Color color = ColorOnPaper(layers_.all()[layer].color);
+    for (const int channel : {Red(color), Green(color), Blue(color)}) {
+      Put(Fixed(channel / 255.0, 6) + " ");
+    }
+    Put("RG\n");
     ForEachPathOn(layer, layers_, drawing_,
                   [&](const Path& path, const P2& at) { Draw(path, at); });
     Put("EMC\n");

@@ -33,7 +33,7 @@ class DrawingPlt {
 
   Status Write() {
     text_ = "IN;PA;\n";
-    for (size_t layer = 0; layer < layers_.names().size(); ++layer) {
+    for (size_t layer = 0; layer < layers_.all().size(); ++layer) {
       text_ += "SP";
       AppendInteger(&text_, static_cast<int64_t>(layer % kPens + 1));
       text_ += ";\n";

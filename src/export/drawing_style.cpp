@@ -9,6 +9,18 @@
 namespace kerno {
 namespace {
 
+// The layers beside those of the text, in the order in which they are cut.
+struct OtherLayer {
+  ShapeRole role;
+  std::u16string_view name;  // after the style's
+  int color;
+};
+constexpr OtherLayer kOtherLayers[] = {
+    {ShapeRole::kMark, u" marks", 7},
+    {ShapeRole::kNumber, u" numbers", 3},
+    {ShapeRole::kFrame, u" frame", 5},
+};
+
 std::u16string Numbered(const std::u16string& name, size_t number) {
   std::string digits = " ";
   AppendInteger(&digits, static_cast<int64_t>(number));
@@ -18,18 +30,46 @@ std::u16string Numbered(const std::u16string& name, size_t number) {
 }  // namespace
 
 DrawingLayers::DrawingLayers(const Drawing& drawing, const DrawingStyle& style)
-    : rule_(style.layers), placed_(drawing.placed.size()) {
+    : rule_(style.layers) {
+  for (const OtherLayer& other : kOtherLayers) {
+    if (other.role == ShapeRole::kFrame) AddTextLayers(drawing, style);
+    const bool used = std::ranges::any_of(
+        drawing.placed, [&](const PlacedShape& placed) { return placed.role == other.role; });
+    first_of_role_[static_cast<size_t>(other.role)] = layers_.size();
+    if (used) {
+      layers_.push_back({style.layer + std::u16string(other.name), other.color, other.role});
+    }
+  }
+  ranges_.resize(layers_.size());
+  for (size_t n = 0; n < drawing.placed.size(); ++n) {
+    const PlacedShape& placed = drawing.placed[n];
+    const size_t first = Of(placed, n, {{}, 1});
+    const size_t last = Of(placed, n, {{}, 0});
+    for (size_t layer = first; layer <= last; ++layer) {
+      Range& range = ranges_[layer];
+      if (range.last == 0) range.first = n;
+      range.last = n + 1;
+    }
+  }
+}
+
+void DrawingLayers::AddTextLayers(const Drawing& drawing, const DrawingStyle& style) {
+  first_of_role_[static_cast<size_t>(ShapeRole::kText)] = layers_.size();
   size_t numbered = 0;
   switch (rule_) {
     case LayerRule::kOne:
-      names_ = {style.layer};
+      layers_.push_back({style.layer, style.color});
       return;
     case LayerRule::kDepth:
       // In the order in which they are cut.
-      names_ = {style.layer + u" inside", style.layer + u" outside"};
+      layers_.push_back({style.layer + u" inside", style.color});
+      layers_.push_back({style.layer + u" outside", style.color});
       return;
     case LayerRule::kGlyph:
-      numbered = drawing.placed.size();
+      for (const PlacedShape& placed : drawing.placed) {
+        glyphs_.push_back(numbered);
+        if (placed.role == ShapeRole::kText) ++numbered;
+      }
       break;
     case LayerRule::kLine:
       for (const PlacedShape& placed : drawing.placed) {
@@ -37,31 +77,36 @@ DrawingLayers::DrawingLayers(const Drawing& drawing, const DrawingStyle& style)
       }
       break;
   }
-  for (size_t i = 1; i <= numbered; ++i) names_.push_back(Numbered(style.layer, i));
+  for (size_t i = 1; i <= numbered; ++i) {
+    layers_.push_back({Numbered(style.layer, i), style.color});
+  }
+}
+
+std::vector<std::u16string> DrawingLayers::Names() const {
+  std::vector<std::u16string> names;
+  for (const DrawingLayer& layer : layers_) names.push_back(layer.name);
+  return names;
 }
 
 size_t DrawingLayers::Of(const PlacedShape& placed, size_t n, const ShapePath& path) const {
+  const size_t first = first_of_role_[static_cast<size_t>(placed.role)];
+  if (placed.role != ShapeRole::kText) return first;
   switch (rule_) {
     case LayerRule::kDepth:
-      return path.depth % 2 == 1 ? 0 : 1;
+      return first + (path.depth % 2 == 1 ? 0 : 1);
     case LayerRule::kGlyph:
-      return n;
+      return first + glyphs_[n];
     case LayerRule::kLine:
-      return placed.line;
+      return first + placed.line;
     case LayerRule::kOne:
       break;
   }
-  return 0;
+  return first;
 }
 
-DrawingLayers::Range DrawingLayers::PlacedOn(size_t layer) const {
-  if (rule_ == LayerRule::kGlyph) return {layer, layer + 1};
-  return {0, placed_};
-}
-
-Color ColorOnPaper(const DrawingStyle& style) {
+Color ColorOnPaper(int color) {
   constexpr int kContrast = 7;
-  return style.color == kContrast ? 0 : AciToRgb(style.color);
+  return color == kContrast ? 0 : AciToRgb(color);
 }
 
 double HairlineOf(LengthUnit unit) {

@@ -24,7 +24,7 @@ class DrawingSvg {
         style_(style),
         layers_(drawing, style),
         xml_(out),
-        box_(InkOf(drawing)),
+        box_(PictureOf(drawing)),
         decimals_(drawing.unit == LengthUnit::kInch ? 8 : 6) {
     if (!(box_.min.x <= box_.max.x)) box_ = {{0, 0}, {0, 0}};
     down_ = FlippedY(1, {-box_.min.x, box_.max.y});
@@ -85,16 +85,17 @@ Status DrawingSvg::Write() {
   *out += "0 0 ";
   Append(out, {width, height});
   xml_.EndAttribute();
-  for (size_t layer = 0; layer < layers_.names().size(); ++layer) Group(layer);
+  for (size_t layer = 0; layer < layers_.all().size(); ++layer) Group(layer);
   xml_.End();
   return xml_.Finish();
 }
 
 void DrawingSvg::Group(size_t layer) {
-  const std::string color = SvgColor(ColorOnPaper(style_));
-  const bool cuts = style_.svg == SvgLook::kCut || drawing_.strokes;
+  const std::string color = SvgColor(ColorOnPaper(layers_.all()[layer].color));
+  const bool cuts = style_.svg == SvgLook::kCut || drawing_.strokes ||
+                    layers_.all()[layer].role != ShapeRole::kText;
   xml_.Begin("g");
-  xml_.Attribute("id", std::u16string_view(layers_.names()[layer]));
+  xml_.Attribute("id", std::u16string_view(layers_.all()[layer].name));
   xml_.Attribute("fill", std::string_view(cuts ? "none" : color));
   if (cuts) {
     xml_.Attribute("stroke", std::string_view(color));
