@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <mutex>
 #include <numbers>
 #include <utility>
 
 #include "app/glyph_source.h"
 #include "app/overlaps.h"
 #include "app/shape_maker.h"
+#include "app/warm_glyphs.h"
 #include "base/parallel.h"
 #include "drawing/affine.h"
 #include "drawing/measures.h"
@@ -34,8 +36,9 @@ Linear PoseOf(const CutJob& job) {
 // Glyphs of a text, with what is made of them once.
 class CutMaker {
  public:
-  CutMaker(const CutJob& job, const GlyphSource& source)
-      : job_(job), source_(source), pose_(PoseOf(job)) {}
+  // `later`: whether other texts come after this one.
+  CutMaker(const CutJob& job, WarmGlyphs* warm, bool later)
+      : job_(job), source_(warm->source()), warm_(*warm), later_(later), pose_(PoseOf(job)) {}
 
   Status Make(CutDrawing* made);
 
@@ -50,6 +53,11 @@ class CutMaker {
   const Box2& InkOfGlyph(const BlockGlyph& glyph);
   const std::vector<Path>& Outline(const BlockGlyph& glyph) const;
   Linear MapOf(const BlockGlyph& glyph) const { return map_.After(block_.forms[glyph.form].map); }
+  uint64_t KeyOf(const BlockGlyph& glyph) const {
+    return WarmGlyphs::KeyOf(form_ids_[glyph.form], glyph.glyph);
+  }
+  void Use(const Linear& map);
+  bool KeepsShapes() const;
   void Place();
   void Settle();
   P2 AnchorOf(const Box2& ink) const;
@@ -59,29 +67,34 @@ class CutMaker {
 
   const CutJob& job_;
   const GlyphSource& source_;
+  WarmGlyphs& warm_;
+  bool later_;
   Linear pose_;  // without a size
   Linear map_;   // from font units to the drawing's
   TextBlock block_;
-  std::map<uint64_t, Box2> inks_;  // of glyphs in their forms, under map_
-  std::vector<Placed> placed_;     // the glyphs of block_
+  std::vector<uint32_t> form_ids_;    // of the forms of block_
+  WarmGlyphs::Inks* inks_ = nullptr;  // of glyphs in their forms, under map_
+  std::vector<Placed> placed_;        // the glyphs of block_
   // The shapes so far, by their glyphs and where these stand to the first, in font units.
-  std::map<std::vector<double>, uint32_t> known_;
-  std::vector<std::vector<Path>> outlines_;  // of each shape, as the font has them
-  std::vector<ShapeNotes> notes_;            // of each shape
+  std::map<ShapeStore::Key, uint32_t> known_;
+  ShapeStore* store_ = nullptr;  // of earlier texts
+  // A shape of this text: made already, or of outlines as the font has them.
+  struct NewShape {
+    const ShapeStore::Key* key = nullptr;
+    const WarmShape* made = nullptr;
+    std::vector<Path> outlines;
+  };
+  std::vector<NewShape> new_shapes_;
+  std::vector<ShapeNotes> notes_;  // of each shape
   CutDrawing made_;
 };
-
-// A glyph in its form, as one number that a double holds exactly.
-uint64_t KeyOf(const BlockGlyph& glyph) {
-  return uint64_t{glyph.form} << 32 | glyph.glyph;
-}
 
 const std::vector<Path>& CutMaker::Outline(const BlockGlyph& glyph) const {
   return source_.PathsOf(block_.forms[glyph.form].font, glyph.glyph);
 }
 
 const Box2& CutMaker::InkOfGlyph(const BlockGlyph& glyph) {
-  const auto [kept, is_new] = inks_.try_emplace(KeyOf(glyph));
+  const auto [kept, is_new] = inks_->try_emplace(KeyOf(glyph));
   if (is_new) {
     const Linear map = MapOf(glyph);
     for (const Path& path : Outline(glyph)) Include(&kept->second, BoxOf(Mapped(path, map)));
@@ -89,9 +102,19 @@ const Box2& CutMaker::InkOfGlyph(const BlockGlyph& glyph) {
   return kept->second;
 }
 
-Box2 CutMaker::InkOfBlock(const Linear& map) {
+void CutMaker::Use(const Linear& map) {
   map_ = map;
-  inks_.clear();
+  inks_ = &warm_.InksUnder(map);
+}
+
+// A text that is fitted has a scale that hardly another one has.
+bool CutMaker::KeepsShapes() const {
+  const CutSize::By by = job_.size.by;
+  return later_ && (by == CutSize::By::kCapHeight || by == CutSize::By::kEm);
+}
+
+Box2 CutMaker::InkOfBlock(const Linear& map) {
+  Use(map);
   Box2 ink;
   for (const BlockGlyph& glyph : block_.glyphs) {
     const Box2& box = InkOfGlyph(glyph);
@@ -105,6 +128,8 @@ Box2 CutMaker::InkOfBlock(const Linear& map) {
 void CutMaker::Set(double letter_spacing) {
   block_ = source_.Set(job_.text, {job_.mode, job_.align, job_.line_spacing, letter_spacing,
                                    job_.language, job_.direction, job_.across_digits});
+  form_ids_.clear();
+  for (const GlyphForm& form : block_.forms) form_ids_.push_back(warm_.IdOf(form));
 }
 
 // Settles map_ and block_. Letter spacing is a length of the drawing, so that where the ink decides
@@ -200,26 +225,41 @@ uint32_t CutMaker::ShapeOf(const std::vector<size_t>& cluster) {
     key.insert(key.end(), {static_cast<double>(KeyOf(glyphs[i])), apart.x, apart.y});
   }
   const auto [known, is_new] =
-      known_.try_emplace(std::move(key), static_cast<uint32_t>(outlines_.size()));
+      known_.try_emplace(std::move(key), static_cast<uint32_t>(new_shapes_.size()));
   if (!is_new) return known->second;
-  std::vector<Path>& paths = outlines_.emplace_back();
+  NewShape& shape = new_shapes_.emplace_back();
+  shape.key = &known->first;
+  if (store_) shape.made = store_->Find(known->first);
+  if (shape.made) return known->second;
   for (const size_t i : cluster) {
     const P2 apart = map_.Apply(glyphs[i].origin - origin);
     const Linear map = MapOf(glyphs[i]);
-    for (const Path& path : Outline(glyphs[i])) paths.push_back(Moved(Mapped(path, map), apart));
+    for (const Path& path : Outline(glyphs[i])) {
+      shape.outlines.push_back(Moved(Mapped(path, map), apart));
+    }
   }
   return known->second;
 }
 
 void CutMaker::FinishAll() {
-  made_.drawing.shapes.resize(outlines_.size());
-  notes_.resize(outlines_.size());
-  ForEachInParallel(outlines_.size(), [&](size_t i) {
-    made_.drawing.shapes[i] = source_.HoldsStrokes()
-                                  ? ShapeOfStrokes(std::move(outlines_[i]), job_)
-                                  : ShapeOfOutlines(std::move(outlines_[i]), job_, &notes_[i]);
+  std::vector<Shape>& shapes = made_.drawing.shapes;
+  shapes.resize(new_shapes_.size());
+  notes_.resize(new_shapes_.size());
+  ForEachInParallel(new_shapes_.size(), [&](size_t i) {
+    NewShape& shape = new_shapes_[i];
+    if (shape.made) {
+      shapes[i] = shape.made->shape;
+      notes_[i] = shape.made->notes;
+    } else if (source_.HoldsStrokes()) {
+      shapes[i] = ShapeOfStrokes(std::move(shape.outlines), job_);
+    } else {
+      shapes[i] = ShapeOfOutlines(std::move(shape.outlines), job_, &notes_[i]);
+    }
   });
-  outlines_.clear();
+  for (size_t i = 0; store_ && i < shapes.size(); ++i) {
+    if (!new_shapes_[i].made) store_->Keep(*new_shapes_[i].key, shapes[i], notes_[i]);
+  }
+  new_shapes_.clear();
 }
 
 // Counts the paths that cross or touch others or themselves, in a drawing whose shapes were not
@@ -296,6 +336,7 @@ void CutMaker::Settle() {
 Status CutMaker::Make(CutDrawing* made) {
   if (Status sized = Size(); !sized.ok()) return sized;
   Place();
+  if (KeepsShapes()) store_ = &warm_.ShapesFor(job_, map_);
   std::vector<Box2> inks;
   inks.reserve(placed_.size());
   // What comes closer than the tolerance may meet when it is fitted.
@@ -339,11 +380,51 @@ Status CutMaker::Make(CutDrawing* made) {
 
 }  // namespace
 
-Status MakeCut(const CutJob& job, CutDrawing* made) {
-  if (!(job.tolerance > 0)) return Refuse(u"tolerance", u"must be above 0");
+struct CutWorkshop::Fonts {
+  std::u16string key;
+  WarmGlyphs glyphs;
+};
+
+CutWorkshop::CutWorkshop() = default;
+CutWorkshop::~CutWorkshop() = default;
+
+// The systems' lists of fonts are for one thread at a time.
+Status CutWorkshop::Open(const CutJob& job) {
+  static std::mutex opening;
+  constexpr size_t kMostFonts = 8;
+  std::u16string key = GlyphSource::KeyOf(job);
+  const auto known =
+      std::ranges::find_if(fonts_, [&](const auto& fonts) { return fonts->key == key; });
+  if (known != fonts_.end()) {
+    std::rotate(fonts_.begin(), known, known + 1);
+    return Status::Ok();
+  }
   std::unique_ptr<GlyphSource> source;
-  if (Status opened = GlyphSource::Open(job, &source); !opened.ok()) return opened;
-  return CutMaker(job, *source).Make(made);
+  {
+    const std::lock_guard lock(opening);
+    if (Status opened = GlyphSource::Open(job, &source); !opened.ok()) return opened;
+  }
+  if (fonts_.size() == kMostFonts) fonts_.pop_back();
+  fonts_.insert(fonts_.begin(),
+                std::make_unique<Fonts>(std::move(key), WarmGlyphs(std::move(source))));
+  return Status::Ok();
+}
+
+Status CutWorkshop::Make(const CutJob& job, CutDrawing* made) {
+  return Make(job, true, made);
+}
+
+Status CutWorkshop::Make(const CutJob& job, bool later, CutDrawing* made) {
+  if (!(job.tolerance > 0)) return Refuse(u"tolerance", u"must be above 0");
+  if (Status opened = Open(job); !opened.ok()) return opened;
+  WarmGlyphs& glyphs = fonts_.front()->glyphs;
+  if (Status checked = glyphs.source().Check(job.text); !checked.ok()) return checked;
+  glyphs.Trim();
+  return CutMaker(job, &glyphs, later).Make(made);
+}
+
+Status MakeCut(const CutJob& job, CutDrawing* made) {
+  return CutWorkshop().Make(job, false, made);
 }
 
 }  // namespace kerno

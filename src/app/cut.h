@@ -113,4 +113,25 @@ struct CutDrawing {
 // strokes, each once, which are neither welded nor moved outwards. *made is set on success only.
 [[nodiscard]] Status MakeCut(const CutJob& job, CutDrawing* made);
 
+// Makes drawings one after the other, each as MakeCut makes it, and keeps what they share: open
+// fonts, outlines, finished shapes. For one thread at a time; many threads have one each.
+class CutWorkshop {
+ public:
+  CutWorkshop();
+  ~CutWorkshop();
+  CutWorkshop(const CutWorkshop&) = delete;
+  CutWorkshop& operator=(const CutWorkshop&) = delete;
+
+  // Opens the job's fonts, whatever its text; fails as Make does for them.
+  [[nodiscard]] Status Open(const CutJob& job);
+  [[nodiscard]] Status Make(const CutJob& job, CutDrawing* made);
+
+ private:
+  friend Status MakeCut(const CutJob& job, CutDrawing* made);
+  [[nodiscard]] Status Make(const CutJob& job, bool later, CutDrawing* made);
+
+  struct Fonts;
+  std::vector<std::unique_ptr<Fonts>> fonts_;  // those used last come first
+};
+
 }  // namespace kerno

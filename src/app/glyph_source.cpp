@@ -17,6 +17,11 @@ namespace {
 
 constexpr double kSameStroke = 1e-6;  // of an em; strokes that lie closer count as one
 
+// Circles that lean or are stretched are none.
+bool KeepsCircles(const CutJob& job) {
+  return job.slant == 0 && job.size.by != CutSize::By::kStretch;
+}
+
 class OutlineFonts final : public GlyphSource {
  public:
   Status Open(const CutJob& job) {
@@ -35,6 +40,7 @@ class OutlineFonts final : public GlyphSource {
     return Status::Ok();
   }
 
+  Status Check(std::u16string_view) const override { return Status::Ok(); }
   bool HoldsStrokes() const override { return false; }
   const std::u16string& Family() const override { return fonts_[0]->data().family; }
   double UnitsPerEm() const override { return fonts_[0]->units_per_em(); }
@@ -95,9 +101,24 @@ class Strokes final : public GlyphSource {
                            u"strokes have no outside: an offset needs a font of outlines");
     }
     if (Status found = ChooseStrokeFont(job.stroke_font, &chosen_); !found.ok()) return found;
-    // Circles that lean or are stretched are none.
-    keeps_circles_ = job.slant == 0 && job.size.by != CutSize::By::kStretch;
-    return CheckStrokes(job.text);
+    keeps_circles_ = KeepsCircles(job);
+    return Status::Ok();
+  }
+
+  // Names the first character of the text whose strokes cannot be read.
+  Status Check(std::u16string_view text) const override {
+    for (const ComposedCharacter& character : ComposedCharacters(text)) {
+      const char32_t ch = character.ch;
+      if (ch == U'\n' || ch == U'\r' || IsIgnorable(ch)) continue;
+      const StrokeGlyph& glyph = chosen_.font.glyphs[chosen_.font.GlyphOf(ch)];
+      if (glyph.bad_line == 0) continue;
+      const std::string line = std::to_string(glyph.bad_line), code = CodeOf(ch);
+      return Status::Error(
+          Failure::kOther,
+          PathText(chosen_.file) + u", line " + std::u16string(line.begin(), line.end()),
+          std::u16string(code.begin(), code.end()) + u": " + glyph.fault);
+    }
+    return Status::Ok();
   }
 
   bool HoldsStrokes() const override { return true; }
@@ -124,22 +145,6 @@ class Strokes final : public GlyphSource {
   }
 
  private:
-  // Names the first character of the text whose strokes cannot be read.
-  Status CheckStrokes(std::u16string_view text) const {
-    for (const ComposedCharacter& character : ComposedCharacters(text)) {
-      const char32_t ch = character.ch;
-      if (ch == U'\n' || ch == U'\r' || IsIgnorable(ch)) continue;
-      const StrokeGlyph& glyph = chosen_.font.glyphs[chosen_.font.GlyphOf(ch)];
-      if (glyph.bad_line == 0) continue;
-      const std::string line = std::to_string(glyph.bad_line), code = CodeOf(ch);
-      return Status::Error(
-          Failure::kOther,
-          PathText(chosen_.file) + u", line " + std::u16string(line.begin(), line.end()),
-          std::u16string(code.begin(), code.end()) + u": " + glyph.fault);
-    }
-    return Status::Ok();
-  }
-
   ChosenStrokeFont chosen_;
   bool keeps_circles_ = true;
   mutable std::unordered_map<uint32_t, std::vector<Path>> drawn_;
@@ -154,6 +159,23 @@ Status OpenAs(const CutJob& job, std::unique_ptr<GlyphSource>* source) {
 }
 
 }  // namespace
+
+std::u16string GlyphSource::KeyOf(const CutJob& job) {
+  std::u16string key;
+  const auto add = [&key](std::u16string_view part) { key.append(part).push_back(u'\0'); };
+  add(job.face.family);
+  add(job.face.style);
+  add(PathText(job.face.file));
+  const std::string rest = (job.face.index ? std::to_string(*job.face.index) : "") + '\0' +
+                           job.face.variations + '\0' + job.face.features;
+  add(Utf8ToUtf16Lossy(rest));
+  for (const std::u16string& family : job.fallbacks) add(family);
+  if (job.stroke_font.empty()) return key;
+  add(job.stroke_font);
+  add(KeepsCircles(job) ? u"round" : u"");
+  add(job.offset != 0 ? u"offset" : u"");
+  return key;
+}
 
 Status GlyphSource::Open(const CutJob& job, std::unique_ptr<GlyphSource>* source) {
   return job.stroke_font.empty() ? OpenAs<OutlineFonts>(job, source) : OpenAs<Strokes>(job, source);

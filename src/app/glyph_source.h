@@ -15,9 +15,15 @@ class GlyphSource {
  public:
   virtual ~GlyphSource() = default;
 
-  // Opens what the job names. Fails for what cannot be found or read, and for strokes that this
-  // text needs and that cannot be read. *source is set on success only.
+  // Opens what the job names, whatever its text. Fails for what cannot be found or read. *source is
+  // set on success only.
   [[nodiscard]] static Status Open(const CutJob& job, std::unique_ptr<GlyphSource>* source);
+
+  // What Open goes by, as a text: jobs alike in it share a source.
+  static std::u16string KeyOf(const CutJob& job);
+
+  // Fails for strokes that the text needs and that cannot be read.
+  [[nodiscard]] virtual Status Check(std::u16string_view text) const = 0;
 
   // Whether its paths are lines for a tool to follow, instead of outlines.
   virtual bool HoldsStrokes() const = 0;

@@ -19,7 +19,8 @@ size_t Utf8Length(char32_t ch) {
   return ch < 0x80 ? 1 : ch < 0x800 ? 2 : ch < 0x10000 ? 3 : 4;
 }
 
-// Whether a system takes the name (what stands before its first ".") for a device.
+}  // namespace
+
 bool IsDeviceName(std::u16string_view name) {
   std::u16string stem = AsciiLower(name.substr(0, name.find(u'.')));
   while (stem.ends_with(u' ')) stem.pop_back();
@@ -30,8 +31,6 @@ bool IsDeviceName(std::u16string_view name) {
   if (stem.size() != 4 || !(stem.starts_with(u"com") || stem.starts_with(u"lpt"))) return false;
   return std::u16string_view(u"0123456789¹²³").find(stem[3]) != std::u16string_view::npos;
 }
-
-}  // namespace
 
 std::u16string CleanFileName(std::u16string_view name) {
   size_t at = name.find_first_not_of(u' ');

@@ -16,6 +16,9 @@ inline constexpr size_t kLongestName = 255;
 // How much of the text goes into a name, in characters.
 inline constexpr size_t kTextInName = 100;
 
+// Whether a system takes the name (what stands before its first ".") for a device.
+bool IsDeviceName(std::u16string_view name);
+
 // A file name without its ending that is valid and harmless on every system: separators and the
 // other characters that some system keeps for itself, control characters, invisible direction
 // marks and lone surrogates become "_", as does a "." or "-" in front; blanks in front and dots

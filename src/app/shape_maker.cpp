@@ -83,6 +83,11 @@ void Count(const PathFaults& faults, ShapeNotes* notes) {
   notes->touching = 2 * faults.touching + faults.self_touching;
 }
 
+bool MakeSameShapes(const CutJob& one, const CutJob& other) {
+  return one.curves == other.curves && one.tolerance == other.tolerance && one.weld == other.weld &&
+         one.offset == other.offset && one.order == other.order;
+}
+
 // Makes a shape of outlines, in the order in which it is cut. Contours that all but touch may cross
 // when each is bent by the tolerance; these follow their curves more closely, and through all of
 // their nodes.

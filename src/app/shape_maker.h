@@ -19,6 +19,9 @@ struct ShapeNotes {
 // Each path of a pair counts.
 void Count(const PathFaults& faults, ShapeNotes* notes);
 
+// Whether shapes of the same paths are the same for both jobs.
+bool MakeSameShapes(const CutJob& one, const CutJob& other);
+
 // Welds, offsets, fits and orders outlines as the job says. `paths` are in the drawing's unit.
 Shape ShapeOfOutlines(std::vector<Path> paths, const CutJob& job, ShapeNotes* notes);
 

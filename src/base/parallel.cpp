@@ -5,6 +5,7 @@
 #include <exception>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace kerno {
@@ -13,7 +14,15 @@ namespace {
 // Fewer calls are not worth a thread.
 constexpr size_t kCallsForAThread = 8;
 
+thread_local bool is_serial = false;
+
 }  // namespace
+
+SerialHere::SerialHere() : before_(std::exchange(is_serial, true)) {}
+
+SerialHere::~SerialHere() {
+  is_serial = before_;
+}
 
 void ForEachInParallel(size_t count, const std::function<void(size_t)>& work) {
   std::atomic<size_t> next = 0;
@@ -29,7 +38,8 @@ void ForEachInParallel(size_t count, const std::function<void(size_t)>& work) {
   };
   std::vector<std::thread> helpers;
   const size_t most =
-      std::min<size_t>(std::thread::hardware_concurrency(), count / kCallsForAThread);
+      is_serial ? 0
+                : std::min<size_t>(std::thread::hardware_concurrency(), count / kCallsForAThread);
   helpers.reserve(most);
   try {
     while (helpers.size() + 1 < most) helpers.emplace_back(run);

@@ -11,4 +11,16 @@ namespace kerno {
 // out and one of the exceptions comes out of here.
 void ForEachInParallel(size_t count, const std::function<void(size_t)>& work);
 
+// While it lives, this thread asks no others for help: it is one of many that share a larger work.
+class SerialHere {
+ public:
+  SerialHere();
+  ~SerialHere();
+  SerialHere(const SerialHere&) = delete;
+  SerialHere& operator=(const SerialHere&) = delete;
+
+ private:
+  bool before_;
+};
+
 }  // namespace kerno

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "base/text.h"
 #include "platform/console.h"
@@ -13,6 +14,7 @@ namespace {
 
 bool warnings_silenced = false;
 bool print_failed = false;
+thread_local std::vector<Message>* held_messages = nullptr;
 
 // Controls of direction stand as their codes, so that none puts the rest of a line into another
 // order. What is not UTF-8 stays as it is.
@@ -76,8 +78,19 @@ bool PrintingFailed() {
 
 }  // namespace
 
+HeldMessages::HeldMessages(std::vector<Message>* messages)
+    : before_(std::exchange(held_messages, messages)) {}
+
+HeldMessages::~HeldMessages() {
+  held_messages = before_;
+}
+
 void ReportError(std::string_view what, std::string_view why) {
-  Report("", what, why);
+  if (held_messages) {
+    held_messages->push_back({false, std::string(what), std::string(why)});
+  } else {
+    Report("", what, why);
+  }
 }
 
 void ReportError(const Status& status) {
@@ -85,7 +98,11 @@ void ReportError(const Status& status) {
 }
 
 void ReportWarning(std::string_view what, std::string_view why) {
-  if (!warnings_silenced) Report("warning: ", what, why);
+  if (held_messages) {
+    held_messages->push_back({true, std::string(what), std::string(why)});
+  } else if (!warnings_silenced) {
+    Report("warning: ", what, why);
+  }
 }
 
 void SilenceWarnings() {

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/notices.h"
 #include "platform/status.h"
@@ -15,6 +16,24 @@ void ReportError(const Status& status);
 
 // "kerno: warning: what: why".
 void ReportWarning(std::string_view what, std::string_view why);
+
+// What would have been reported.
+struct Message {
+  bool is_warning = false;
+  std::string what, why;
+};
+
+// While it lives, what this thread reports is kept instead of shown.
+class HeldMessages {
+ public:
+  explicit HeldMessages(std::vector<Message>* messages);
+  ~HeldMessages();
+  HeldMessages(const HeldMessages&) = delete;
+  HeldMessages& operator=(const HeldMessages&) = delete;
+
+ private:
+  std::vector<Message>* before_;
+};
 
 // Lines of warnings are dropped from now on; errors are still reported.
 void SilenceWarnings();

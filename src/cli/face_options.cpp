@@ -68,6 +68,15 @@ void FaceOptions::AddTo(CLI::App& app, Source source) {
   for (const char* option : kFontOnly) app.get_option(option)->group("");  // not in the help
 }
 
+void FaceOptions::ForEachText(
+    const std::function<void(const char* option, std::string* value)>& visit) {
+  visit("--face", &face_);
+  visit("--style", &style_);
+  visit("--font-file", &file_);
+  visit("--variation", &variations_);
+  visit("--features", &features_);
+}
+
 bool FaceOptions::IsRefused() const {
   if (source_ == Source::kFont) return false;
   for (const char* option : kFontOnly) {

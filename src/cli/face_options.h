@@ -1,6 +1,7 @@
 // The options that name a face.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -21,6 +22,9 @@ class FaceOptions {
               // refused with a word on why
   };
   void AddTo(CLI::App& app, Source source);
+
+  // Calls `visit` with every value and its option, always in the same order.
+  void ForEachText(const std::function<void(const char* option, std::string* value)>& visit);
 
   // Checks the values; what is wrong is reported.
   std::optional<FaceRequest> Read() const;

@@ -4,14 +4,12 @@
 #include <algorithm>
 #include <chrono>
 #include <fstream>
-#include <random>
-#include <system_error>
 
-#include "base/folders.h"
 #include "base/text.h"
 #include "cli/arguments.h"
 #include "cli/choice.h"
 #include "cli/console.h"
+#include "cli/scratch_path.h"
 #include "export/export.h"
 #include "platform/folder_path.h"
 #include "platform/system.h"
@@ -28,36 +26,6 @@ std::string FormatNames() {
   }
   return names;
 }
-
-// A file in a folder of its own that nobody else can look into; both go with the object.
-class ScratchPath {
- public:
-  explicit ScratchPath(std::string_view extension) {
-    std::random_device random;
-    folder_ = TempFolder() / ("kerno-" + std::to_string(random()) + std::to_string(random()));
-    status_ = CurrentSystem().MakePrivateFolder(folder_);
-    path_ = folder_ / ("out." + std::string(extension));
-  }
-  ~ScratchPath() { Remove(); }
-  ScratchPath(const ScratchPath&) = delete;
-  ScratchPath& operator=(const ScratchPath&) = delete;
-  const std::filesystem::path& path() const { return path_; }
-  const Status& status() const { return status_; }
-
-  // Takes the names away. Where a system lets go of the name of an open file, that stays readable
-  // and is gone with the process, however this ends.
-  void Remove() const {
-    if (!status_.ok()) return;
-    std::error_code gone;
-    std::filesystem::remove(path_, gone);
-    std::filesystem::remove(folder_, gone);
-  }
-
- private:
-  std::filesystem::path folder_;
-  std::filesystem::path path_;
-  Status status_;
-};
 
 // Nothing is printed before the whole output stands in a scratch file.
 bool WriteToStandardOutput(const Format& format, const WriteFormat& write) {

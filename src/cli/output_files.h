@@ -35,6 +35,11 @@ struct WriteSummary {
 
 class OutputFiles {
  public:
+  struct Output {
+    std::string name;  // as given; "-" is standard output
+    const Format* format;
+  };
+
   void AddTo(CLI::App& app);
 
   // Whether an option, by its name, is one of these.
@@ -54,12 +59,10 @@ class OutputFiles {
   // Whether one of the outputs is standard output, so that nothing else may be printed there.
   bool UsesStandardOutput() const;
 
- private:
-  struct Output {
-    std::string name;  // as given; "-" is standard output
-    const Format* format;
-  };
+  // What Read has found.
+  const std::vector<Output>& outputs() const { return outputs_; }
 
+ private:
   bool AddOutput(const std::string& file);
   static bool Write(const Output& output, const WriteFormat& write, const WriteSummary& summary,
                     WrittenFile* file);

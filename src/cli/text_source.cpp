@@ -94,26 +94,39 @@ bool TextSource::ReadFileText(std::u16string* text) const {
   return Decode(bytes, PathText(path), text);
 }
 
+bool TextSource::IsOfFile() const {
+  return app_->count("--text-file") > 0;
+}
+
+bool TextSource::IsGiven() const {
+  return IsOfFile() || !positional_.empty() || !text_.empty();
+}
+
+bool TextSource::ReadCoding(std::optional<TextCoding>* coding) const {
+  *coding = FindCoding(encoding_);
+  if (app_->count("--encoding") == 0 || *coding) return true;
+  ReportChoice("--encoding", encoding_,
+               "UTF-8, UTF-16LE, UTF-16BE, CP932, EUC-JP, CP1252, ISO-8859-1");
+  return false;
+}
+
 std::optional<std::u16string> TextSource::Read(ExitStatus* status) const {
-  const bool from_file = app_->count("--text-file") > 0;
+  const bool from_file = IsOfFile();
   const size_t sources = positional_.size() + text_.size() + (from_file ? 1 : 0);
   if (sources != 1) {
     ReportError("text", sources == 0 ? "none is given (TEXT, --text or --text-file)"
                                      : "is given more than once");
     return std::nullopt;
   }
-  if (app_->count("--encoding") > 0 && !from_file) {
+  if (app_->count("--encoding") > 0 && !from_file && !shares_encoding_) {
     ReportError("--encoding", "needs --text-file FILE");
     return std::nullopt;
   }
   std::u16string text;
   if (from_file) {
     if (!IsFileName("--text-file", file_)) return std::nullopt;
-    if (app_->count("--encoding") > 0 && !FindCoding(encoding_)) {
-      ReportChoice("--encoding", encoding_,
-                   "UTF-8, UTF-16LE, UTF-16BE, CP932, EUC-JP, CP1252, ISO-8859-1");
-      return std::nullopt;
-    }
+    std::optional<TextCoding> coding;
+    if (!ReadCoding(&coding)) return std::nullopt;
     *status = kFailed;
     if (!ReadFileText(&text)) return std::nullopt;
   } else {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/text_coding.h"
 #include "cli/command.h"
 
 namespace kerno {
@@ -18,6 +19,15 @@ class TextSource {
   // the process ends.
   std::optional<std::u16string> Read(ExitStatus* status) const;
 
+  // Whether a text is given at all, and by a file.
+  bool IsGiven() const;
+  bool IsOfFile() const;
+
+  // What --encoding tells, nothing where it does not. What is wrong is reported.
+  bool ReadCoding(std::optional<TextCoding>* coding) const;
+  // From now on --encoding tells of another file, too, and needs none of its own.
+  void ShareEncoding() { shares_encoding_ = true; }
+
  private:
   bool ReadFileText(std::u16string* text) const;
   bool Decode(const std::string& bytes, const std::u16string& name, std::u16string* text) const;
@@ -25,6 +35,7 @@ class TextSource {
   std::vector<std::string> positional_;
   std::vector<std::string> text_;
   std::string file_, encoding_;
+  bool shares_encoding_ = false;
   CLI::App* app_ = nullptr;
 };
 

@@ -30,6 +30,10 @@ class FileReplacement {
   virtual Status Commit() = 0;
 };
 
+// Whether a name is one that replacements have before they take their target's: a killed process
+// may leave such a file.
+bool IsReplacementName(const std::filesystem::path& name);
+
 // Writes what goes into a file, piece by piece.
 using FileFiller = std::function<Status(FileReplacement*)>;
 

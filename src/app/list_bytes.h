@@ -1,0 +1,59 @@
+// The bytes of a list as they come, piece by piece, whatever it is encoded in: a list may be larger
+// than memory.
+//
+// ASCII stands as itself in every piece: commas, quotes and line ends can be looked for as bytes.
+// UTF-16 comes as UTF-8; a lone surrogate then makes bytes that are not UTF-8.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "app/text_coding.h"
+#include "platform/held_file.h"
+#include "platform/status.h"
+
+namespace kerno {
+
+class ListBytes {
+ public:
+  // Without a coding the list is UTF-8, or UTF-16 by the mark at its start. Marks are left out.
+  // *list is set on success only.
+  [[nodiscard]] static Status Open(const std::filesystem::path& path,
+                                   std::optional<TextCoding> coding,
+                                   std::unique_ptr<ListBytes>* list);
+
+  // Replaces *piece by the next one; it is empty at the end.
+  [[nodiscard]] Status Next(std::string* piece);
+
+  // Makes UTF-8 of bytes of the list; false, with *text untouched, where they stand for no
+  // characters.
+  [[nodiscard]] bool Decode(std::string* text) const;
+
+  // Bytes of a piece as they stand in the file, and the mark that such a file begins with.
+  std::string AsInFile(std::string_view bytes) const;
+  std::string Mark() const;
+
+  const char* coding_name() const { return CodingName(coding_); }
+
+ private:
+  ListBytes(std::unique_ptr<HeldFile> file, std::filesystem::path path)
+      : file_(std::move(file)), path_(std::move(path)) {}
+  bool IsWide() const { return coding_ == TextCoding::kUtf16Le || coding_ == TextCoding::kUtf16Be; }
+  [[nodiscard]] Status Read(std::string* bytes);
+  std::string FromUnits(std::string bytes);
+
+  std::unique_ptr<HeldFile> file_;
+  std::filesystem::path path_;
+  TextCoding coding_ = TextCoding::kUtf8;
+  bool marked_ = false;     // the file begins with a mark
+  uint64_t offset_ = 0;     // of what is read next
+  std::string first_;       // what was read to see the mark
+  std::string left_;        // the odd byte of a piece
+  char16_t high_half_ = 0;  // of a pair whose other half comes with the next piece
+};
+
+}  // namespace kerno

@@ -1,0 +1,43 @@
+// What each row of a series fills: the text, values of options, names of files.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "app/row_template.h"
+#include "cli/cut_options.h"
+
+namespace kerno {
+
+class SeriesPlan {
+ public:
+  // Takes the templates from the text and from options whose outputs are read. What is wrong is
+  // reported.
+  bool Read(const CutOptions& options, std::string_view text, Escapes escapes,
+            const std::vector<std::string>& columns);
+
+  // Whether rows have options of their own.
+  bool OptionsVary() const { return !values_.empty(); }
+  // Whether names of files or anything else speak of sheets.
+  bool UsesSheet() const;
+  // Which names of a row's number are used anywhere: "row", "n".
+  std::vector<std::string> NumbersUsed() const;
+
+  // Each fills what it says for a row; what cannot be filled is reported.
+  bool FillText(const RowValues& values, std::u16string* text) const;
+  bool FillNames(const RowValues& values, std::vector<std::string>* names) const;
+  bool FillOptions(const RowValues& values, CutOptions* options) const;
+
+ private:
+  template <class Visit>
+  bool Any(const Visit& visit) const;
+
+  RowTemplate text_;
+  std::vector<RowTemplate> names_;  // of each output
+  // Values with fields, by their places in CutOptions::ForEachText.
+  std::vector<std::pair<size_t, RowTemplate>> values_;
+};
+
+}  // namespace kerno

@@ -1,0 +1,99 @@
+// A series: a drawing for each row of a list, written to files of its own.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/cut.h"
+#include "app/failed_rows.h"
+#include "app/row_source.h"
+#include "app/series_files.h"
+#include "cli/console.h"
+#include "cli/cut_options.h"
+#include "cli/series_messages.h"
+#include "cli/series_options.h"
+#include "cli/series_plan.h"
+
+namespace kerno {
+
+// What is told, and what counts as a failure.
+struct SeriesManner {
+  bool strict = false, quiet = false, json = false;
+};
+
+class SeriesRun {
+ public:
+  // The options' outputs are read, their job is not.
+  SeriesRun(const CutOptions& options, SeriesSettings settings, SeriesManner manner)
+      : options_(options), settings_(std::move(settings)), manner_(manner) {}
+
+  // `text` is the template of the texts.
+  ExitStatus Run(std::string_view text, Escapes escapes);
+
+ private:
+  enum class Outcome {
+    kMade,
+    kKept,      // files that were there stay
+    kDone,      // by an earlier run
+    kFailed,    // by what its messages say
+    kNotTried,  // the disk was full before
+  };
+  // A row on its way.
+  struct Slot {
+    SeriesRow row;
+    Outcome outcome = Outcome::kMade;
+    std::vector<std::string> names;  // of its files, for each output
+    std::vector<size_t> wanted;      // the outputs that are to be written
+    std::vector<WrittenFile> files;  // those written
+    std::vector<Message> messages;
+    std::string json;
+  };
+  // What a thread keeps from row to row.
+  struct Worker {
+    CutWorkshop workshop;
+    FolderMaker folders;
+    std::optional<CutOptions> options;  // of the row at hand, where rows have their own
+    CutJob job;
+  };
+  struct Counts {
+    uint64_t rows = 0, made = 0, kept = 0, done = 0, failed = 0, not_tried = 0;
+    uint64_t files = 0, bytes = 0;
+    std::string first_kept;  // the first file of a kept row
+  };
+
+  ExitStatus Prepare(std::string_view text, Escapes escapes);
+  bool NamesAreGood();
+  bool ReportClash();
+  bool EachRow(const std::function<bool(const SeriesRow&)>& visit);
+  bool OpenFailed();
+
+  bool Take(Slot* slot);
+  void Work(Slot* slot, Worker* worker);
+  Outcome MakeRow(Slot* slot, Worker* worker);
+  bool PrepareJob(const SeriesRow& row, Worker* worker) const;
+  bool WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker);
+  void Give(Slot* slot);
+  bool FinishFailed();
+  bool PrintSummary() const;
+
+  bool IsInRange(uint64_t row) const { return row >= settings_.first && row <= settings_.last; }
+
+  const CutOptions& options_;
+  SeriesSettings settings_;
+  SeriesManner manner_;
+  CutOptions ready_;  // with its job read, where all rows share it
+  SeriesPlan plan_;
+  std::unique_ptr<RowSource> rows_;
+  Status list_status_;
+  std::optional<SeriesMessages> messages_;
+  std::unique_ptr<FailedRows> failed_;
+  std::atomic<bool> stops_ = false;
+  bool all_printed_ = true;
+  Counts counts_;
+};
+
+}  // namespace kerno
