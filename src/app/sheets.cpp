@@ -178,10 +178,12 @@ void SheetMaker::Set(const Drawing& sign, const Box2& ink, const SheetSize& cell
   sheet_.strokes |= sign.strokes;
   const auto first = static_cast<uint32_t>(sheet_.shapes.size());
   sheet_.shapes.insert(sheet_.shapes.end(), sign.shapes.begin(), sign.shapes.end());
+  Box2 inked;
   if (!sign.placed.empty()) {
     const double below = options_.frame ? 0 : kNumberRoom * options_.number_height;
     const P2 middle = lower + P2{cell.width, cell.height + below} * 0.5;
     const P2 by = middle - (ink.min + ink.max) * 0.5;
+    inked = {ink.min + by, ink.max + by};
     for (PlacedShape placed : sign.placed) {
       placed.shape += first;
       placed.at = placed.at + by;
@@ -193,7 +195,7 @@ void SheetMaker::Set(const Drawing& sign, const Box2& ink, const SheetSize& cell
                                                  : sheet_.frames[0].shape;
     sheet_.frames.push_back({shape, lower, 0, ShapeRole::kFrame});
   }
-  if (options_.number_height > 0) SetNumber(lower, row);
+  if (options_.number_height > 0) SetNumber(lower, inked, row);
 }
 
 // How far the number stands from the edges of its frame.
@@ -201,10 +203,12 @@ double SheetMaker::NumberInset() const {
   return options_.frame ? std::max(options_.corner, options_.number_height) / 2 : 0;
 }
 
-void SheetMaker::SetNumber(const P2& cell, int64_t row) {
-  const double inset = NumberInset();
-  sheet_.numbers.push_back({AddShape(NumberStrokes(row, options_.number_height)),
-                            cell + P2{inset, inset}, 0, ShapeRole::kNumber});
+void SheetMaker::SetNumber(const P2& cell, const Box2& ink, int64_t row) {
+  const double inset = NumberInset(), height = options_.number_height;
+  const P2 at = cell + P2{inset, inset};
+  const Box2 taken = {at, at + P2{NumberWidth(row, height), height}};
+  numbers_in_texts_ += taken.Overlaps(ink) ? 1 : 0;
+  sheet_.numbers.push_back({AddShape(NumberStrokes(row, height)), at, 0, ShapeRole::kNumber});
 }
 
 uint32_t SheetMaker::AddShape(Shape shape) {

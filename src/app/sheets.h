@@ -49,8 +49,8 @@ class SheetMaker {
   // Hands out the last sheet. A drawing of no signs has no sheets.
   void Finish();
 
-  // The sheet that the next sign goes onto, if it fits there.
-  size_t number() const { return number_; }
+  // How many numbers stand so that they meet the ink's box of their sign.
+  size_t numbers_in_texts() const { return numbers_in_texts_; }
 
  private:
   struct Sign {
@@ -70,7 +70,7 @@ class SheetMaker {
   double NumberInset() const;
   P2 PlaceOf(const SheetSize& size);
   void Set(const Drawing& sign, const Box2& ink, const SheetSize& cell, int64_t row);
-  void SetNumber(const P2& cell, int64_t row);
+  void SetNumber(const P2& cell, const Box2& ink, int64_t row);
   uint32_t AddShape(Shape shape);
   void HandOut();
 
@@ -80,6 +80,7 @@ class SheetMaker {
   std::vector<Sign> waiting_;
   Sheet sheet_;
   size_t number_ = 1;
+  size_t numbers_in_texts_ = 0;
   P2 next_;               // upper left corner of the next place
   double deepest_ = 0;    // height of the row of signs in hand
   bool is_empty_ = true;  // the sheet in hand

@@ -2,14 +2,15 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cli/arguments.h"
 #include "cli/console.h"
 #include "cli/lengths.h"
 
 namespace kerno {
 namespace {
 
-constexpr const char* kOptions[] = {"--frame", "--corner",  "--margin",        "--gap",
-                                    "--pack",  "--numbers", "--number-height", "--marks"};
+constexpr const char* kOptions[] = {"--frame",   "--corner",        "--margin", "--gap",   "--pack",
+                                    "--numbers", "--number-height", "--marks",  "--copies"};
 
 }  // namespace
 
@@ -34,11 +35,24 @@ void SheetOptionGroup::AddTo(CLI::App& app) {
   app.add_option("--number-height", number_height_, "of these numbers")
       ->type_name("L")
       ->capture_default_str();
+  app.add_option("--copies", copies_, "how often each sign stands on the sheets")
+      ->type_name("N")
+      ->capture_default_str();
   app.add_flag("--marks", marks_, "crosses for the camera in the corners of the margin");
 }
 
 bool SheetOptionGroup::IsGiven() const {
   return app_->count("--sheet") > 0;
+}
+
+bool SheetOptionGroup::AreUsable() const {
+  if (IsGiven()) return true;
+  for (const char* option : kOptions) {
+    if (app_->count(option) == 0) continue;
+    ReportError(option, "needs --sheet WxH");
+    return false;
+  }
+  return true;
 }
 
 std::optional<SheetSize> SheetOptionGroup::ReadSize(const char* option,
@@ -52,15 +66,7 @@ std::optional<SheetSize> SheetOptionGroup::ReadSize(const char* option,
   return SheetSize{pair->width, pair->height};
 }
 
-std::optional<SheetOptions> SheetOptionGroup::Read(LengthUnit unit) const {
-  if (!IsGiven()) {
-    for (const char* option : kOptions) {
-      if (app_->count(option) == 0) continue;
-      ReportError(option, "needs --sheet WxH");
-      return std::nullopt;
-    }
-    return SheetOptions{};
-  }
+std::optional<SheetOptions> SheetOptionGroup::Read(LengthUnit unit) {
   const double per_unit = unit == LengthUnit::kInch ? kMillimetresPerInch : 1;
   SheetOptions options;
   const auto sheet = ReadSize("--sheet", sheet_);
@@ -86,6 +92,9 @@ std::optional<SheetOptions> SheetOptionGroup::Read(LengthUnit unit) const {
       !length("--number-height", number_height_, &options.number_height)) {
     return std::nullopt;
   }
+  const auto copies = WholeNumber("--copies", copies_, 1, 1000000);
+  if (!copies) return std::nullopt;
+  count_ = *copies;
   if (!numbers_) options.number_height = 0;
   options.pack = pack_;
   options.marks = marks_;

@@ -1,6 +1,7 @@
 // The options that put signs on sheets of material.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -15,10 +16,14 @@ class SheetOptionGroup {
 
   // Whether signs go on sheets.
   bool IsGiven() const;
+  // False, with a report, where options need --sheet.
+  bool AreUsable() const;
 
-  // The lengths in the unit, checked; what is wrong, options that need --sheet included, is
-  // reported.
-  std::optional<SheetOptions> Read(LengthUnit unit) const;
+  // How often each sign is set; what Read has found.
+  int32_t copies() const { return count_; }
+
+  // The lengths in the unit, checked; what is wrong is reported.
+  std::optional<SheetOptions> Read(LengthUnit unit);
 
  private:
   std::optional<SheetSize> ReadSize(const char* option, const std::string& text) const;
@@ -26,7 +31,9 @@ class SheetOptionGroup {
   CLI::App* app_ = nullptr;
   std::string sheet_, frame_;
   std::string margin_ = "5mm", gap_ = "2mm", corner_ = "0", number_height_ = "2.5mm";
+  std::string copies_ = "1";
   bool pack_ = false, numbers_ = false, marks_ = false;
+  int32_t count_ = 1;
 };
 
 }  // namespace kerno
