@@ -25,10 +25,22 @@ std::string RowText(uint64_t row) {
   return std::to_string(row);
 }
 
+<<<<<<< HEAD
 void ReportKept(const std::string& first, uint64_t count) {
   ReportError(first, std::string("files that are there are kept") +
                          (count > 1 ? ", as in " + RowText(count - 1) + " more" : "") +
                          " (--replace writes them again, --resume takes them for done)");
+=======
+void ReportClash(const NameClash& clash) {
+  const std::string rows = clash.first == clash.second
+                               ? "row " + RowText(clash.first) + " would write it twice"
+                               : "rows " + RowText(clash.first) + " and " + RowText(clash.second) +
+                                     " would both write it";
+  const bool by_case = clash.first_name != clash.second_name;
+  ReportError(clash.first_name,
+              rows + (by_case ? " (\"" + clash.second_name + "\" is the same file there)" : "") +
+                  "; nothing is written");
+>>>>>>> series17
 }
 
 }  // namespace
@@ -53,6 +65,7 @@ bool SeriesRun::NamesAreGood() {
   std::vector<std::string> filled;
   std::vector<Message> unshown;  // such rows fail later
   bool is_read = EachRow([&](const SeriesRow& row) {
+    unshown.clear();
     const bool is_wanted = IsInRange(row.number);
     counts_.rows += is_wanted ? 1 : 0;
     if (sheets_) return true;
@@ -64,12 +77,12 @@ bool SeriesRun::NamesAreGood() {
         leftovers.CleanFor(PathArgument(name));
       }
     }
-    unshown.clear();
     return true;
   });
   if (!is_read || !names.HasRepeats()) return is_read;
   std::optional<NameClash> clash;
   is_read = EachRow([&](const SeriesRow& row) {
+    unshown.clear();
     const HeldMessages held(&unshown);
     if (!row.fault.empty() || !plan_.FillNames({&row}, &filled)) return true;
     for (const std::string& name : filled) {
@@ -77,17 +90,8 @@ bool SeriesRun::NamesAreGood() {
     }
     return !clash;
   });
-  if (!clash) return is_read;
-  const std::string rows = clash->first == clash->second
-                               ? "row " + RowText(clash->first)
-                               : "rows " + RowText(clash->first) + " and " + RowText(clash->second);
-  const bool by_case = clash->first_name != clash->second_name;
-  ReportError(clash->first_name,
-              rows + " would write it" +
-                  (by_case ? ", for \"" + clash->second_name + "\" is the same file there"
-                           : std::string(clash->first == clash->second ? " twice" : " both")) +
-                  "; nothing is written");
-  return false;
+  if (clash) ReportClash(*clash);
+  return is_read && !clash;
 }
 
 ExitStatus SeriesRun::Prepare(std::string_view text, Escapes escapes) {
@@ -104,9 +108,8 @@ ExitStatus SeriesRun::Prepare(std::string_view text, Escapes escapes) {
     return kWrongUsage;
   }
   if (!plan_.OptionsVary()) {
-    ready_ = options_;
-    if (!ready_.ReadJob()) return kWrongUsage;
-    if (const Status opened = CutWorkshop().Open(ready_.job()); !opened.ok()) {
+    if (!options_.ReadJob()) return kWrongUsage;
+    if (const Status opened = CutWorkshop().Open(options_.job()); !opened.ok()) {
       ReportError(opened);
       return opened.failure == Failure::kNotFound ? kFaceTrouble : kFailed;
     }
@@ -146,16 +149,6 @@ void SeriesRun::Work(Slot* slot, Worker* worker) {
   }
 }
 
-// Fills the worker's job for a row.
-bool SeriesRun::PrepareJob(const SeriesRow& row, Worker* worker) const {
-  if (plan_.OptionsVary()) {
-    worker->options = options_;
-    if (!plan_.FillOptions({&row}, &*worker->options) || !worker->options->ReadJob()) return false;
-    worker->job = worker->options->job();
-  }
-  return plan_.FillText({&row}, &worker->job.text);
-}
-
 SeriesRun::Outcome SeriesRun::MakeRow(Slot* slot, Worker* worker) {
   if (!slot->row.fault.empty()) {
     ReportError("", Utf16ToUtf8(slot->row.fault));
@@ -176,9 +169,15 @@ SeriesRun::Outcome SeriesRun::MakeRow(Slot* slot, Worker* worker) {
       settings_.existing == ExistingFiles::kResume ? Outcome::kDone : Outcome::kKept;
   if (slot->wanted.empty()) return standing;
   CutDrawing made;
+<<<<<<< HEAD
   if (!MakeDrawing(slot->row, worker, &made) || !WriteFiles(made, slot, worker)) {
     return Outcome::kFailed;
   }
+=======
+  const bool is_made = worker->maker.Make({&slot->row}, &made) &&
+                       ReportOnCut(made, manner_.strict) && WriteFiles(made, slot, worker);
+  if (!is_made) return Outcome::kFailed;
+>>>>>>> series17
   if (manner_.json) slot->json = JsonOf(made, slot->files);
   return is_whole || standing == Outcome::kDone ? Outcome::kMade : standing;
 }
@@ -201,7 +200,7 @@ SeriesRun::Outcome SeriesRun::MakeSign(Slot* slot, Worker* worker) const {
 }
 
 bool SeriesRun::WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker) {
-  const CutOptions& options = worker->options ? *worker->options : ready_;
+  const CutOptions& options = worker->maker.options();
   for (const size_t i : slot->wanted) {
     const auto start = Clock::now();
     const std::string& name = slot->names[i];
@@ -317,12 +316,15 @@ ExitStatus SeriesRun::Run(std::string_view text, Escapes escapes) {
   if (const ExitStatus prepared = Prepare(text, escapes); prepared != kDone) return prepared;
   messages_.emplace(manner_.quiet, counts_.rows);
   std::vector<Slot> slots(SlotsFor(settings_.jobs));
-  std::vector<Worker> workers(settings_.jobs);
-  for (Worker& worker : workers) worker.job = ready_.job();
-  RunInOrder({.take = [&](size_t slot) { return Take(&slots[slot]); },
-              .work = [&](size_t slot, size_t worker) { Work(&slots[slot], &workers[worker]); },
-              .give = [&](size_t slot) { Give(&slots[slot]); }},
-             settings_.jobs);
+  std::vector<std::unique_ptr<Worker>> workers;
+  for (size_t i = 0; i < settings_.jobs; ++i) {
+    workers.push_back(std::make_unique<Worker>(options_, plan_));
+  }
+  RunInOrder(
+      {.take = [&](size_t slot) { return Take(&slots[slot]); },
+       .work = [&](size_t slot, size_t worker) { Work(&slots[slot], workers[worker].get()); },
+       .give = [&](size_t slot) { Give(&slots[slot]); }},
+      settings_.jobs);
   messages_->Finish();
   if (!list_status_.ok()) ReportError(list_status_);
   if (counts_.not_tried > 0) {

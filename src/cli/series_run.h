@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "app/cut.h"
 #include "app/failed_rows.h"
 #include "app/row_source.h"
 #include "app/series_files.h"
 #include "cli/console.h"
 #include "cli/cut_options.h"
+#include "cli/row_maker.h"
 #include "cli/series_messages.h"
 #include "cli/series_options.h"
 #include "cli/series_plan.h"
@@ -60,10 +60,9 @@ class SeriesRun {
   };
   // What a thread keeps from row to row.
   struct Worker {
-    CutWorkshop workshop;
+    Worker(const CutOptions& options, const SeriesPlan& plan) : maker(options, plan) {}
+    RowMaker maker;
     FolderMaker folders;
-    std::optional<CutOptions> options;  // of the row at hand, where rows have their own
-    CutJob job;
   };
   struct Counts {
     uint64_t rows = 0, made = 0, kept = 0, done = 0, failed = 0, not_tried = 0;
@@ -73,16 +72,17 @@ class SeriesRun {
 
   ExitStatus Prepare(std::string_view text, Escapes escapes);
   bool NamesAreGood();
-  bool ReportClash();
   bool EachRow(const std::function<bool(const SeriesRow&)>& visit);
-  bool OpenFailed();
 
   bool Take(Slot* slot);
   void Work(Slot* slot, Worker* worker);
   Outcome MakeRow(Slot* slot, Worker* worker);
+<<<<<<< HEAD
   bool PrepareJob(const SeriesRow& row, Worker* worker) const;
   bool MakeDrawing(const SeriesRow& row, Worker* worker, CutDrawing* made) const;
   Outcome MakeSign(Slot* slot, Worker* worker) const;
+=======
+>>>>>>> series17
   bool WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker);
   void Give(Slot* slot);
   void PutOnSheet(Slot* slot);
@@ -92,10 +92,9 @@ class SeriesRun {
 
   bool IsInRange(uint64_t row) const { return row >= settings_.first && row <= settings_.last; }
 
-  const CutOptions& options_;
+  CutOptions options_;  // the job is read in Prepare, where all rows share it
   SeriesSettings settings_;
   SeriesManner manner_;
-  CutOptions ready_;  // with its job read, where all rows share it
   SeriesPlan plan_;
   std::unique_ptr<RowSource> rows_;
   Status list_status_;

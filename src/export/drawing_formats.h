@@ -10,7 +10,9 @@
 
 namespace kerno {
 
-// Writes the drawing, whole or not at all. `tolerance` is for formats that have no curves.
+// Writes the drawing, whole or not at all. `tolerance` is for formats that have no curves. May be
+// called from several threads at a time; formats by way of the parts model then wait for each
+// other.
 [[nodiscard]] Status WriteDrawing(const Drawing& drawing, const DrawingStyle& style,
                                   double tolerance, const Format& format,
                                   const std::filesystem::path& file);
