@@ -25,12 +25,12 @@ std::string RowText(uint64_t row) {
   return std::to_string(row);
 }
 
-<<<<<<< HEAD
 void ReportKept(const std::string& first, uint64_t count) {
   ReportError(first, std::string("files that are there are kept") +
                          (count > 1 ? ", as in " + RowText(count - 1) + " more" : "") +
                          " (--replace writes them again, --resume takes them for done)");
-=======
+}
+
 void ReportClash(const NameClash& clash) {
   const std::string rows = clash.first == clash.second
                                ? "row " + RowText(clash.first) + " would write it twice"
@@ -40,7 +40,6 @@ void ReportClash(const NameClash& clash) {
   ReportError(clash.first_name,
               rows + (by_case ? " (\"" + clash.second_name + "\" is the same file there)" : "") +
                   "; nothing is written");
->>>>>>> series17
 }
 
 }  // namespace
@@ -169,30 +168,21 @@ SeriesRun::Outcome SeriesRun::MakeRow(Slot* slot, Worker* worker) {
       settings_.existing == ExistingFiles::kResume ? Outcome::kDone : Outcome::kKept;
   if (slot->wanted.empty()) return standing;
   CutDrawing made;
-<<<<<<< HEAD
   if (!MakeDrawing(slot->row, worker, &made) || !WriteFiles(made, slot, worker)) {
     return Outcome::kFailed;
   }
-=======
-  const bool is_made = worker->maker.Make({&slot->row}, &made) &&
-                       ReportOnCut(made, manner_.strict) && WriteFiles(made, slot, worker);
-  if (!is_made) return Outcome::kFailed;
->>>>>>> series17
   if (manner_.json) slot->json = JsonOf(made, slot->files);
   return is_whole || standing == Outcome::kDone ? Outcome::kMade : standing;
 }
 
 bool SeriesRun::MakeDrawing(const SeriesRow& row, Worker* worker, CutDrawing* made) const {
-  if (!PrepareJob(row, worker)) return false;
-  const Status done = worker->workshop.Make(worker->job, made);
-  if (!done.ok()) ReportError(done);
-  return done.ok() && ReportOnCut(*made, manner_.strict);
+  return worker->maker.Make({&row}, made) && ReportOnCut(*made, manner_.strict);
 }
 
 SeriesRun::Outcome SeriesRun::MakeSign(Slot* slot, Worker* worker) const {
   CutDrawing made;
   if (!MakeDrawing(slot->row, worker, &made)) return Outcome::kFailed;
-  const CutOptions& options = worker->options ? *worker->options : ready_;
+  const CutOptions& options = worker->maker.options();
   slot->style = {options.style(), options.job().tolerance};
   if (manner_.json) slot->json = JsonOf(made, {});
   slot->sign = std::move(made.drawing);

@@ -77,12 +77,8 @@ class SeriesRun {
   bool Take(Slot* slot);
   void Work(Slot* slot, Worker* worker);
   Outcome MakeRow(Slot* slot, Worker* worker);
-<<<<<<< HEAD
-  bool PrepareJob(const SeriesRow& row, Worker* worker) const;
   bool MakeDrawing(const SeriesRow& row, Worker* worker, CutDrawing* made) const;
   Outcome MakeSign(Slot* slot, Worker* worker) const;
-=======
->>>>>>> series17
   bool WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker);
   void Give(Slot* slot);
   void PutOnSheet(Slot* slot);

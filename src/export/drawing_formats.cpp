@@ -35,14 +35,11 @@ Status WriteDrawing(const Drawing& drawing, const DrawingStyle& style, double to
                     const Format& format, const std::filesystem::path& file) {
   if (format.extension == "dxf") return WriteDrawingDxf(drawing, style, file);
   if (format.extension == "svg") return WriteDrawingSvg(drawing, style, file);
-<<<<<<< HEAD
   if (format.extension == "plt") return WriteDrawingPlt(drawing, style, tolerance, file);
   if (format.extension == "pdf") return WriteDrawingPdf(drawing, style, tolerance, file);
-=======
   // The parts model keeps settings and the state of its searches for one thread at a time.
   static std::mutex parts_model;
   const std::lock_guard lock(parts_model);
->>>>>>> series17
   OutputOptions options;
   options.program = PathText(CurrentSystem().ProgramPath());
   options.moment = style.moment;
