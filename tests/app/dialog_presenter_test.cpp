@@ -81,7 +81,7 @@ TEST_F(DialogTest, SlowRebuildsWaitForAPauseAndOutputsDoNot) {
   EXPECT_EQ(3u, presenter->item_count());
   presenter->TextChanged(ControlId::kText, u"ABCD");
   presenter->Pressed(ControlId::kDxf);
-  EXPECT_EQ(4u, services.exported.parts.size());
+  EXPECT_EQ(4u, PartsView(services.exported).size());
 }
 
 TEST_F(DialogTest, TheStatusTellsWhatThePreviewCannotShow) {

@@ -103,7 +103,7 @@ TEST(EmfWriter, FilesHaveRoomForAnyNumberOfPens) {
   for (int i = 0; i < 3000; ++i) {
     PartsElement& part = hues.parts.emplace_back();
     part.pen.color = i % 599 * 7;
-    part.AddLine({0, i * 1.0, 0}, {9, i * 1.0, 0});
+    part.AddLine({0, i * 0.1, 0}, {9, i * 0.1, 0});
   }
   const std::string bytes = EmfOf(hues);
   EXPECT_EQ(CountTypes(RecordsOf(bytes))[87], 3000);
