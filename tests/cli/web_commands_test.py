@@ -101,6 +101,8 @@ class WebCommandsTest(programs.FolderTest):
                             "damaged chunk": "the answer broke off",
                             "chunks without end": "the answer broke off",
                             "chunks with trailers": None}.items():
+            if ON_WINDOWS and server not in ("short answer", "chunks with trailers"):
+                continue  # Wine's HTTP does not tell
             self.configure(f"[UpFile]\r\nserver=127.0.0.1:{ports[server].strip()}\r\nopen_http=http\r\n")
             status, out, err = self.run_kerno("upload", file)
             with self.subTest(server, out=out, err=err):
