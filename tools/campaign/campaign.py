@@ -5,6 +5,7 @@ makes of it (after). Whatever fails in between, each file must be as it was befo
 after, never a third thing, and success may be told only where all is as it is after.
 """
 import atexit
+import ctypes
 import dataclasses
 import errno
 import functools
@@ -125,6 +126,11 @@ class Server:
         threading.Thread(target=self.server.serve_forever, daemon=True).start()
 
 
+def same_addresses():
+    """Lets a program be loaded where it is each time, so that the stacks of runs can be compared."""
+    ctypes.CDLL(None).personality(0x0040000)  # ADDR_NO_RANDOMIZE
+
+
 class Place:
     """Folders of its own, with a copy of the program: bin, home, config, cache, tmp, work."""
 
@@ -188,7 +194,9 @@ class Place:
         self.log.unlink(missing_ok=True)
         process = subprocess.Popen(self.words(case), cwd=self.work, env=self.environment(case, fault),
                                    stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                   stderr=subprocess.PIPE)
+                                   stderr=subprocess.PIPE,
+                                   preexec_fn=same_addresses if fault and fault.do == "stacks"
+                                   else None)
         hung, began = False, time.monotonic()
         try:
             out, err = process.communicate(case.input, timeout=LIMIT)
@@ -397,10 +405,11 @@ def is_sanitized(program):
 
 
 def scratch(folder):
-    """A folder for the places of this campaign, gone at its end; in memory where that can be had,
-    since each run waits for the disk otherwise."""
-    if not folder and os.path.isdir("/dev/shm"):
-        folder = "/dev/shm"
+    """A folder for the places of this campaign, gone at its end; in memory where there is enough of
+    that (each place holds a copy of the program), since each run waits for the disk otherwise."""
+    memory = "/dev/shm"
+    if not folder and os.path.isdir(memory) and shutil.disk_usage(memory).free > 1 << 30:
+        folder = memory
     tempfile.tempdir = tempfile.mkdtemp(prefix="kerno-campaign-", dir=folder)
     os.chmod(tempfile.tempdir, 0o755)
     atexit.register(shutil.rmtree, tempfile.tempdir, ignore_errors=True)
