@@ -5,6 +5,7 @@ makes of it (after). Whatever fails in between, each file must be as it was befo
 after, never a third thing, and success may be told only where all is as it is after.
 """
 import atexit
+import ctypes
 import dataclasses
 import errno
 import functools
@@ -33,6 +34,10 @@ ASIDE = ["/usr", "/var/cache", "/etc", "/lib", "/lib64", "/opt", str(FONTS)]
 FOREIGN = re.compile(r"(cache/fontconfig|home/\.cache/fontconfig)(/|$)")
 # Empty folders that the program makes where it looks for a place, and keeps.
 LOGS = re.compile(r"tmp/DbgDump(/\w+_\d{4}_\d\d\.txt)?$")  # the program's own, kept for ten days
+# Where settings and copies of requests go when their own place fails, which a message must tell.
+RESORT = re.compile(r"(tmp|tmp/___|cache/kerno)/(Quenkit\.(ini|tmp)(/.*)?|Quenkit_Setting/.*)$"
+                    r"|(cache/kerno|tmp/___)$")
+SETTINGS = ("Quenkit.ini", "registry.reg", "Quenkit_Setting", "/settings", "Quenkit.tmp")
 LASTING = {"bin/Temp", "bin/Temp/Quenkit_Setting", "config", "config/kerno",
            "config/kerno/Quenkit_Setting", "tmp/Quenkit_Setting", "cache"}
 
@@ -121,6 +126,11 @@ class Server:
         threading.Thread(target=self.server.serve_forever, daemon=True).start()
 
 
+def same_addresses():
+    """Lets a program be loaded where it is each time, so that the stacks of runs can be compared."""
+    ctypes.CDLL(None).personality(0x0040000)  # ADDR_NO_RANDOMIZE
+
+
 class Place:
     """Folders of its own, with a copy of the program: bin, home, config, cache, tmp, work."""
 
@@ -184,7 +194,9 @@ class Place:
         self.log.unlink(missing_ok=True)
         process = subprocess.Popen(self.words(case), cwd=self.work, env=self.environment(case, fault),
                                    stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                   stderr=subprocess.PIPE)
+                                   stderr=subprocess.PIPE,
+                                   preexec_fn=same_addresses if fault and fault.do == "stacks"
+                                   else None)
         hung, began = False, time.monotonic()
         try:
             out, err = process.communicate(case.input, timeout=LIMIT)
@@ -233,6 +245,10 @@ class Place:
 
 
 TIMES = re.compile(r"\d{4}/\d\d/\d\d \d\d:\d\d:\d\d|(?<=ThisMTimeV=)\d+")
+# What the program notes of the place that it used, which is its last resort where others fail, and
+# of the time, which it writes after the value that it was asked to write.
+NOTED = re.compile(r'^("(IniFullBase は|ThisMTimeS_[^"]*)"=|ThisMTime[SV]|\[ProfileINI\]).*\n?',
+                   re.MULTILINE)
 BYTE_TIMES = re.compile(rb"\d{4}/\d\d/\d\d \d\d:\d\d:\d\d|(?<=-UpFile__)\d{6}"
                         rb"|\d+ ms|(?<=\"milliseconds\": )\d+|(?<=127\.0\.0\.1:)\d+")
 
@@ -242,8 +258,10 @@ def settled(name, content, top):
     which is as long as any other's."""
     for coding in ("utf-8", "utf-16-le"):
         content = content.replace(str(top).encode(coding), "(TOP)".encode(coding))
-    if name.endswith((".ini", ".reg")) and content.startswith(b"\xff\xfe"):
-        return TIMES.sub("TIME", content.decode("utf-16", "replace"))
+    if name.endswith((".ini", ".reg")):
+        content = BYTE_TIMES.sub(b"N", content)
+        coding = "utf-16" if content.startswith(b"\xff\xfe") else "utf-8"
+        return TIMES.sub("TIME", NOTED.sub("", content.decode(coding, "replace")))
     return BYTE_TIMES.sub(b"N", content)
 
 
@@ -283,7 +301,13 @@ def world_of(place, case):
     return World(before, after, ran)
 
 
-def judge_files(case, world, now):
+def tells_of_settings(ran):
+    """Whether a message says that settings could not be read or written where they belong."""
+    return any(line.startswith("kerno: ") and any(name in line for name in SETTINGS)
+               for line in ran.err.splitlines())
+
+
+def judge_files(ran, world, now):
     """What lies there that should not, or no longer does."""
     findings = []
     for name in sorted(set(world.before) | set(world.after) | set(now)):
@@ -291,7 +315,7 @@ def judge_files(case, world, now):
         found = now.get(name, ABSENT)
         if found in allowed or (found is None and name in LASTING) or LOGS.match(name):
             continue
-        if is_between(found, *allowed):
+        if is_between(found, *allowed) or (RESORT.match(name) and tells_of_settings(ran)):
             continue
         if found is ABSENT:
             findings.append(f"lost: {name}")
@@ -322,13 +346,21 @@ def judge_message(case, ran):
 OWN_NAMES = re.compile(r"left: .*(\.kerno-N-N\.tmp|WriteTst\.tmp(\.tmp)?)$")
 
 
+WRITES_SETTINGS = ["settings", "set", "Dec", "SvgOut::Precision", "7"]
+
+
 def judge_again(place, case, world, findings):
     """What is left of findings when the command has run once more: names of its own are removed."""
     if not any(OWN_NAMES.match(finding) for finding in findings):
         return findings
     ran = place.run(case)
-    after = judge_files(case, world, place.look())
+    after = judge_files(ran, world, place.look())
+    if any(OWN_NAMES.match(finding) for finding in after):  # whoever writes there does it
+        place.run(dataclasses.replace(case, words=WRITES_SETTINGS))
+        after = judge_files(ran, world, place.look())
     kept = [finding for finding in findings if not OWN_NAMES.match(finding)]
+    # In the temporary folder nobody may write again; the system clears it.
+    after = [finding for finding in after if not finding.startswith("left: tmp/.kerno-")]
     kept += [f"{finding} (the next run does not remove it)" for finding in after
              if OWN_NAMES.match(finding)]
     return kept + ([f"next run: status {ran.status}"] if ran.status else [])
@@ -347,12 +379,15 @@ def judge(case, world, ran, now, server=None):
         return []
     if ran.status < 0:
         return [f"crash: {signal.Signals(-ran.status).name}"]
-    findings = judge_files(case, world, now)
+    findings = judge_files(ran, world, now)
+    if ran.status == 0 and tells_of_settings(ran):
+        # The defaults, or the last resort, were used and told. A file is still whole.
+        return [f for f in findings if not f.startswith("changed: work/")]
     if ran.status == 0:
         for target in case.targets:
             if now.get(target, ABSENT) != world.after[target]:
                 findings.append(f"false success: {target} is not the new one")
-        if ran.out != world.ran.out:
+        if ran.out != world.ran.out and b"cannot be written" not in ran.out:  # "settings path"
             findings.append("false success: standard output is another")
         if server and not server.bodies:
             findings.append("false success: the server got nothing")
@@ -370,10 +405,11 @@ def is_sanitized(program):
 
 
 def scratch(folder):
-    """A folder for the places of this campaign, gone at its end; in memory where that can be had,
-    since each run waits for the disk otherwise."""
-    if not folder and os.path.isdir("/dev/shm"):
-        folder = "/dev/shm"
+    """A folder for the places of this campaign, gone at its end; in memory where there is enough of
+    that (each place holds a copy of the program), since each run waits for the disk otherwise."""
+    memory = "/dev/shm"
+    if not folder and os.path.isdir(memory) and shutil.disk_usage(memory).free > 1 << 30:
+        folder = memory
     tempfile.tempdir = tempfile.mkdtemp(prefix="kerno-campaign-", dir=folder)
     os.chmod(tempfile.tempdir, 0o755)
     atexit.register(shutil.rmtree, tempfile.tempdir, ignore_errors=True)

@@ -169,7 +169,7 @@ def held(words, name):
     found = []
     if seconds > 13:
         found.append(f"{name}: waited {seconds:.0f} s where ten are documented")
-    if "FileWait" in err or "OpenRead" in err:
+    if "--quiet" in words and "FileWait" in err:
         found.append(f"{name}: {err.strip()[:120]!r}")
     return found, status, err
 
@@ -210,14 +210,16 @@ def plant(path, link_to=None):
     os.chown(path, OTHER, OTHER, follow_symlinks=False)
 
 
-def untouched(mine, folders, what):
+def untouched(mine, folders, what, planted=()):
+    """What was done to the user's own file and folder, and what lies in folders of another."""
     found = []
     if (mine / "precious").read_bytes() != b"mine alone\n":
         found.append(f"{what}: overwrote the user's file by a planted link")
     if files_below(mine) != ["precious"]:
         found.append(f"{what}: wrote {files_below(mine)} into the user's folder by a planted link")
     for folder in folders:
-        real = [n for n in files_below(folder) if not os.path.islink(folder / n)]
+        real = [n for n in files_below(folder)
+                if n not in planted and not os.path.islink(folder / n)]
         if real:
             found.append(f"{what}: wrote {real} into another user's folder")
     return found
@@ -281,10 +283,7 @@ def planted_copy():
             plant(day / "a.svg.txt", mine / "precious")
         run(["upload", "a.svg"], user=USER, env={"TMPDIR": str(shared)})
         found += untouched(mine, [] if is_link else [shared / "Quenkit.tmp"],
-                           "a link" if is_link else "a folder")
-        if not is_link:
-            kept = set(files_below(day)) - {"a.svg.txt"}
-            found += [f"a folder: wrote {sorted(kept)}"] if kept else []
+                           "a link" if is_link else "a folder", () if is_link else (day.name,))
     return found
 
 

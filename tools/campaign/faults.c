@@ -18,9 +18,9 @@
 //   FAULT_ASIDE   folders and files by ":"; calls on what lies below them are counted apart
 //   FAULT_OF      "aside": those alone are counted; else all others. An allocation is of both
 //   FAULT_NAMED   set: as on a file system that knows no files without a name
-// Not counted: calls of a sanitizer and messages (descriptor 2). Counted, but never failed: memory
-// asked for while Fontconfig is at work, which waits for ever on its own lock when it gets none;
-// the log tells how often that was.
+// Not counted: calls of a sanitizer and messages (descriptor 2). Counted, but never failed, as the
+// log tells: memory asked for while Fontconfig is at work, which waits for ever on its own lock
+// when it gets none, and within FreeType's TT_New_Context (2.12), whose caller then reads at null.
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <errno.h>
@@ -135,7 +135,7 @@ struct Log {
   _Atomic uint64_t counted[2][kGroups];  // all calls, those aside second
   _Atomic uint64_t number;               // those of the wanted group
   _Atomic uint64_t hit;                  // that failed
-  _Atomic uint64_t kept;                 // that were due and were let go, Fontconfig being at work
+  _Atomic uint64_t kept;                 // that were due and were let go
   char what[32];                         // the first that failed
   char path[480];
   _Atomic uint64_t stacks[kStacks];  // of each call of the group, for "stacks"
@@ -149,8 +149,9 @@ static bool does_short, does_kill, notes_stacks, goes_on, of_aside, without_unna
 static const char* aside;
 static char descriptor_aside[kDescriptors];
 // Libraries whose calls are not like others.
-enum Library { kAddressSanitizer, kUndefinedSanitizer, kFontconfig, kLibraries };
-static const char* const kLibraryNames[kLibraries] = {"libasan", "libubsan", "libfontconfig"};
+enum Library { kAddressSanitizer, kUndefinedSanitizer, kFontconfig, kFreeType, kLibraries };
+static const char* const kLibraryNames[kLibraries] = {"libasan", "libubsan", "libfontconfig",
+                                                      "libfreetype"};
 static struct { uintptr_t begin, end; } code_of[kLibraries];
 
 static bool is_in(uintptr_t address, enum Library library) {
@@ -216,13 +217,19 @@ static uint64_t stack_hash(void** frames, int count) {
   return hash;
 }
 
-static bool fontconfig_works(void) {
+static bool library_would_fail(void) {
   void* frames[64];
   const int saved = errno;
   const int count = backtrace(frames, 64);
   errno = saved;
   for (int i = 0; i < count; ++i) {
-    if (is_in((uintptr_t)frames[i], kFontconfig)) return true;
+    const uintptr_t address = (uintptr_t)frames[i];
+    if (is_in(address, kFontconfig)) return true;
+    Dl_info symbol;
+    if (is_in(address, kFreeType) && dladdr(frames[i], &symbol) && symbol.dli_sname &&
+        strcmp(symbol.dli_sname, "TT_New_Context") == 0) {
+      return true;
+    }
   }
   return false;
 }
@@ -237,15 +244,15 @@ static bool is_due(enum Group group, bool is_of_aside) {
     void* frames[32];
     const int saved = errno;
     log_file->stacks[number - 1] = stack_hash(frames, backtrace(frames, 32));
-    if (group == kAlloc && fontconfig_works()) log_file->stacks[number - 1] = 0;
+    if (group == kAlloc && library_would_fail()) log_file->stacks[number - 1] = 0;
     errno = saved;
   }
   return wanted_at && (number == wanted_at || (goes_on && number > wanted_at));
 }
 
-// Whether a call of the group that is due fails after all. Memory is never refused to Fontconfig.
+// Whether a call of the group that is due does not fail after all.
 static bool is_let_go(enum Group group) {
-  if ((group != kAlloc && group != kMap) || !fontconfig_works()) return false;
+  if ((group != kAlloc && group != kMap) || !library_would_fail()) return false;
   atomic_fetch_add(&log_file->kept, 1);
   return true;
 }

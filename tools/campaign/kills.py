@@ -37,14 +37,15 @@ def open_place(program, injector):
 def after_kill(name):
     """What is wrong with the files that a killed run left, and with the next run."""
     case, world = CASES[name], worlds[name]
-    findings = campaign.judge_files(case, world, place.look())
+    findings = campaign.judge_files(campaign.Ran(0, b"", ""), world, place.look())
     excused = [f for f in findings if campaign.OWN_NAMES.match(f) or f in EMPTY]
     findings = [f for f in findings if f not in excused]
     ran = place.run(case)
     if ran.status != 0:
         findings.append(f"next run: status {ran.status}: {ran.err.strip()[:150]}")
     else:
-        findings += ["next run: " + f for f in campaign.judge(case, world, ran, place.look())]
+        after = campaign.judge(case, world, ran, place.look())
+        findings += ["next run: " + f for f in campaign.judge_again(place, case, world, after)]
     return findings
 
 
