@@ -381,6 +381,8 @@ Status CutMaker::Make(CutDrawing* made) {
 }  // namespace
 
 struct CutWorkshop::Fonts {
+  explicit Fonts(std::unique_ptr<GlyphSource> source) : glyphs(std::move(source)) {}
+
   std::u16string key;
   WarmGlyphs glyphs;
 };
@@ -405,8 +407,9 @@ Status CutWorkshop::Open(const CutJob& job) {
     if (Status opened = GlyphSource::Open(job, &source); !opened.ok()) return opened;
   }
   if (fonts_.size() == kMostFonts) fonts_.pop_back();
-  fonts_.insert(fonts_.begin(),
-                std::make_unique<Fonts>(std::move(key), WarmGlyphs(std::move(source))));
+  auto fonts = std::make_unique<Fonts>(std::move(source));
+  fonts->key = std::move(key);
+  fonts_.insert(fonts_.begin(), std::move(fonts));
   return Status::Ok();
 }
 

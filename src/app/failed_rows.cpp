@@ -10,7 +10,7 @@ Status FailedRows::Open(const std::filesystem::path& file) {
   return status;
 }
 
-Status FailedRows::Put(std::string bytes) {
+Status FailedRows::Put(std::string_view bytes) {
   constexpr size_t kBlock = 1 << 16;
   if (!std::exchange(started_, true)) pending_ = rows_->TableStart(numbers_);
   pending_ += bytes;

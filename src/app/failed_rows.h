@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/row_source.h"
@@ -30,7 +31,7 @@ class FailedRows {
   uint64_t left_out() const { return left_out_; }
 
  private:
-  [[nodiscard]] Status Put(std::string bytes);
+  [[nodiscard]] Status Put(std::string_view bytes);
 
   const RowSource* rows_;
   std::vector<std::string> numbers_;

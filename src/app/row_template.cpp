@@ -124,10 +124,9 @@ Status RowTemplate::Read(std::string_view text, const std::vector<std::string>& 
       if (!added.ok()) return added;
       i = end;
     } else {
-      const std::u16string brace(1, static_cast<char16_t>(c));
-      return Status::Error(
-          Failure::kOther, std::u16string(what),
-          u"\"" + brace + u"\" has no partner; \"" + brace + brace + u"\" is a brace");
+      return Status::Error(Failure::kOther, std::u16string(what),
+                           c == '{' ? u"\"{\" has no partner; \"{{\" is a brace"
+                                    : u"\"}\" has no partner; \"}}\" is a brace");
     }
   }
   *read = std::move(made);
@@ -190,6 +189,8 @@ Status RowTemplate::FillName(const RowValues& values, std::string* name) const {
   name->clear();
   size_t level = 0;  // where the part of the path begins that is being filled
   bool has_field = false;
+  const std::string separators = {'/',
+                                  static_cast<char>(std::filesystem::path::preferred_separator)};
   const auto end_level = [&] {
     if (has_field && IsDeviceName(Utf8ToUtf16Lossy(name->substr(level)))) name->insert(level, "_");
     has_field = false;
@@ -204,7 +205,7 @@ Status RowTemplate::FillName(const RowValues& values, std::string* name) const {
       continue;
     }
     for (const char c : piece.text) {
-      const bool leads_on = std::filesystem::path::preferred_separator == c || c == '/';
+      const bool leads_on = separators.find(c) != separators.npos;
       if (leads_on) end_level();
       name->push_back(c);
       if (leads_on) level = name->size();
