@@ -5,7 +5,7 @@ PYTHON := /usr/bin/python3
 WARNINGS_AS_ERRORS ?= OFF
 TEST_BUILD := -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_WARNINGS_AS_ERRORS=$(WARNINGS_AS_ERRORS)
 
-.PHONY: all setup release run samples test bench fuzz fuzz-briefly screenshots install clean \
+.PHONY: all setup release run samples test bench fuzz fuzz-briefly faults kills screenshots install clean \
   setup-windows windows test-windows windows-zip agreement
 all: release
 
@@ -49,6 +49,20 @@ fuzz: setup
 
 fuzz-briefly: setup
 	@$(MAKE) --no-print-directory fuzz FUZZ_SECONDS=5 FUZZ_SEED=1
+
+# Lets each system call and each allocation of each command fail; "make test" takes a sample.
+faults: release
+	@cmake --build build/release --target kerno_faults
+	@$(PYTHON) tools/campaign/cases.py build/release/src/cli/kerno
+	@$(PYTHON) tools/campaign/faults.py --jobs $(JOBS) build/release/src/cli/kerno \
+	  build/release/tools/campaign/kerno_faults.so
+
+# Ends each command at each file call and at moments of chance; "make test" takes a sample.
+KILLS_SEED ?= 15
+kills: release
+	@cmake --build build/release --target kerno_faults
+	@$(PYTHON) tools/campaign/kills.py --jobs $(JOBS) --seed $(KILLS_SEED) build/release/src/cli/kerno \
+	  build/release/tools/campaign/kerno_faults.so
 
 # Pictures of the window in each of its states, in out/screenshots.
 screenshots: release

@@ -22,7 +22,7 @@ constexpr size_t kLineLength = 100;
 
 // A page of lines of 100 characters.
 struct Page {
-  GlyphContours contours;
+  TextContours contours;
   PartsA parts;
 };
 

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "font_mutator.h"
 #include "outline/font_details.h"
 #include "outline/scripts.h"
 #include "outline/shaping_font.h"
@@ -65,6 +66,10 @@ void Run(std::string_view input) {
 
 }  // namespace
 }  // namespace kerno
+
+extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t most, unsigned seed) {
+  return kerno::fuzz::MutateFont(data, size, most, seed, 1);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   kerno::Run({reinterpret_cast<const char*>(bytes), size});

@@ -44,6 +44,8 @@ CASES = (
     + [(face, height, KANA, []) for face in JAPANESE_FACES for height in (20, 100)]
     + [(face, height, KANJI, []) for face in JAPANESE_FACES for height in (16, 48, 250)]
     + [(face, 75, MIXED, []) for face in JAPANESE_FACES]
+    # Kanji alone: contours of its "0" and brackets start off the curve.
+    + [("VL Gothic", height, KANJI, []) for height in (9, 13, 17, 33, 45, 74)]
     + [
         ("IPAGothic", 100, LINES, []),
         ("DejaVu Sans", 100, LATIN, ["--width", "30"]),

@@ -66,6 +66,13 @@ class Checks:
         size = ["--fit", f"{WIDTH}mm"]
         self.made = {"r2000.dxf": self.cut("r2000.dxf", *size), "r12.dxf": self.cut("r12.dxf", *size, "--dxf", "r12"),
                      "inch.dxf": self.cut("inch.dxf", *size, "--unit", "in")}
+        self.closed = {name: made["closedPaths"] for name, made in self.made.items()}
+        # Two frames across, so that a sheet's drawing is as wide as the others.
+        frame = (WIDTH - 2) / 2
+        done = self.run(self.kerno, "cut", "--count", "6", "--text", "Nr. {n}", *TEXT[1:], "--cap-height", "4mm", "-o",
+                        "sheet.dxf", "--sheet", f"{WIDTH + 10}x60mm", "--frame", f"{frame}x10mm", "--corner", "2mm", "--json")
+        rows = [json.loads(line) for line in done.stdout.splitlines()]
+        self.closed["sheet.dxf"] = 6 + sum(row["closedPaths"] for row in rows if "row" in row)
         self.cut("lines.dxf", *size, "--curves", "lines")
         self.cut("arcs.svg", *size)
         self.cut("inch.svg", *size, "--unit", "in", "--curves", "curves")
@@ -106,19 +113,19 @@ class Checks:
 
     def inkscape(self, program):
         # Its reader by itself: the program asks for options in a window.
-        for name in self.made:
+        for name in self.closed:
             done = self.run("/usr/bin/python3", INKSCAPE_READER, "--scalemethod=file", "--output", name + ".svg", name)
             paths = (self.folder / (name + ".svg")).read_text() if done.returncode == 0 else ""
             closed = len(re.findall(r'<path d="M[^"]*[zZ] *"', paths))
-            self.tell("inkscape", name, "closed paths", closed, self.made[name]["closedPaths"], 0)
-        for name in [*(name + ".svg" for name in self.made), "arcs.svg", "inch.svg"]:
+            self.tell("inkscape", name, "closed paths", closed, self.closed[name], 0)
+        for name in [*(name + ".svg" for name in self.closed), "arcs.svg", "inch.svg"]:
             done = self.run(program, "-W", name)
             width = float(re.findall(r"^[\d.]+$", done.stdout, re.MULTILINE)[0]) / 96 * INCH
             stroke = 0.4 if name.endswith(".dxf.svg") else 0.04  # as far as it is drawn around corners
             self.tell("inkscape", name, "width, mm", width, WIDTH + stroke / 2, stroke / 2)
 
     def librecad(self, program):
-        for name in ("r2000.dxf", "r12.dxf"):
+        for name in ("r2000.dxf", "r12.dxf", "sheet.dxf"):
             self.run(program, "dxf2pdf", name)
             page = (self.folder / name).with_suffix(".pdf")
             drawn = page.read_bytes() if page.exists() else b""

@@ -7,14 +7,15 @@ packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  qt6-base-dev xvfb xdotool unrtf
  libfreetype-dev libfontconfig-dev libharfbuzz-dev libharfbuzz-bin libfribidi-dev libfribidi-bin
  libcli11-dev libagg-dev libpolyclipping-dev
- fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-tlwg-mono-otf fonts-liberation fonts-inter
- fonts-inter-variable fonts-cantarell fonts-crosextra-caladea fonts-dancingscript fonts-kaushanscript
+ fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-vlgothic fonts-tlwg-mono-otf fonts-liberation
+ fonts-inter fonts-inter-variable fonts-cantarell fonts-crosextra-caladea fonts-dancingscript fonts-kaushanscript
  fonts-lobstertwo fonts-lohit-deva fonts-gargi fonts-khmeros unicode-data
  hershey-fonts-data librecad-data
  libcurl4-openssl-dev libcurl4 ca-certificates openssl curl chromium tidy
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
- libxml2-utils assimp-utils
- python3 python3-ezdxf python3-fonttools python3-shapely python3-numpy imagemagick file emf2svg librsvg2-bin icoutils"
+ libexpat1-dev libxml2-utils assimp-utils
+ python3 python3-ezdxf python3-fonttools python3-shapely python3-numpy imagemagick file emf2svg librsvg2-bin icoutils
+ hp2xx qpdf poppler-utils"
 
 if [ "$1" = windows ]; then
   packages="$packages g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-x86-64-dev googletest

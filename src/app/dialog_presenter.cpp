@@ -215,17 +215,17 @@ void DialogPresenter::Rebuild() {
   unseen_.clear();
   const uint32_t start = CurrentClock().Ticks();
   ShowTextFormat();
-  contours_ = {};
+  contours_ = NoContours();
   contours_box_ = {};
   parts_ = {};
   parts_are_stale_ = true;
   try {
     MakeContours();
   } catch (const std::bad_alloc&) {
-    contours_ = {};
+    contours_ = NoContours();
     ShowStatus(u"There is not enough memory for this text.", StatusKind::kFailure);
   }
-  item_count_ = contours_.counts.size();
+  item_count_ = contours_->size();
   ShowDrawing();
   last_cost_ = CurrentClock().Ticks() - start;
 }
@@ -247,14 +247,14 @@ void DialogPresenter::MakeContours() {
   const bool warns = HasWarning(*set, job.text.face);
   ShowStatus(DescribeText(*set, job.text.face, contours_box_),
              warns ? StatusKind::kWarning : StatusKind::kNormal);
-  contours_ = std::move(set->contours);
+  contours_ = std::make_shared<const TextContours>(std::move(set->contours));
 }
 
 const PartsA& DialogPresenter::parts() {
   if (is_pending_) Rebuild();
   if (parts_are_stale_) {
     parts_are_stale_ = false;
-    BuildParts(contours_, {.elements = memory_.elements}, &parts_);
+    parts_ = DrawingOf(contours_, {.elements = memory_.elements});
   }
   return parts_;
 }
@@ -293,7 +293,7 @@ void DialogPresenter::ShowStatusAgain() {
 // The preview
 
 bool DialogPresenter::DrawsContours() const {
-  return memory_.use_poly_polygon && !contours_.counts.empty();
+  return memory_.use_poly_polygon && !contours_->empty();
 }
 
 Extent3 DialogPresenter::DrawingBox() {
@@ -388,7 +388,7 @@ void DialogPresenter::PaintFigure(DrawingContext& dc, const Affine& fit) {
   const auto brush = dc.CreateBrushIndirect({.color = FirstColor()});
   Pen* const pen_before = dc.SelectPen(pen.get());
   Brush* const brush_before = dc.SelectBrush(brush.get());
-  DrawContours(dc, contours_, fit, kPreviewOptions);
+  DrawContours(dc, *contours_, fit, kPreviewOptions);
   dc.SelectPen(pen_before);
   dc.SelectBrush(brush_before);
 }

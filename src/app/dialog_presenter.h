@@ -74,7 +74,7 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void PaintPreview(DrawingContext& dc, double density);
 
   // State, for tests and for writing it out.
-  const GlyphContours& contours() const { return contours_; }
+  const TextContours& contours() const { return *contours_; }
   const PartsA& parts();
   size_t item_count() const { return item_count_; }
   const Outputs& outputs() const { return outputs_; }
@@ -137,8 +137,12 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   size_t first_color_ = 0;
   std::vector<ColorChoice> second_colors_;
 
+  static std::shared_ptr<const TextContours> NoContours() {
+    return std::make_shared<const TextContours>();
+  }
+
   // The drawing.
-  GlyphContours contours_;  // y up
+  std::shared_ptr<const TextContours> contours_ = NoContours();  // y up
   Extent3 contours_box_;
   PartsA parts_;
   bool parts_are_stale_ = false;  // made of contours_ when they are asked for

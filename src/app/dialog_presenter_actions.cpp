@@ -166,9 +166,9 @@ void DialogPresenter::ReportOutputs() {
   if (!wrote) return;
   std::u16string status = u"Wrote " + names + u" of " + PathText(outputs_.base_path().stem()) +
                           u" in " + PathText(outputs_.folder());
-  if (parts().parts.empty()) status = u"The drawing is empty. " + status;
+  if (PartsView(parts()).empty()) status = u"The drawing is empty. " + status;
   if (!messages.empty()) status += u"  ·  " + messages.substr(0, messages.find(u'\n'));
-  const bool warns = !messages.empty() || parts().parts.empty();
+  const bool warns = !messages.empty() || PartsView(parts()).empty();
   ShowStatus(std::move(status), warns ? StatusKind::kWarning : StatusKind::kNormal);
 }
 
@@ -278,10 +278,10 @@ void DialogPresenter::DropParts(const fs::path& file) {
   }
   is_pending_ = false;
   unseen_.clear();
-  contours_ = {};
+  contours_ = NoContours();
   parts_ = std::move(read);
   parts_are_stale_ = false;
-  item_count_ = parts_.parts.size();
+  item_count_ = PartsView(parts_).size();
   ShowStatus(DescribeParts(parts_, PathText(file.filename()), DrawingBox()), StatusKind::kNormal);
   preview_.ShowAll();
   ShowDrawing();

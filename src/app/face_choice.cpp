@@ -123,7 +123,14 @@ FaceChoice ChooseFace(const FaceForm& wanted) {
   choice.installed = IsFaceInstalled(name);
   if (choice.installed) return choice;
   FontData full;
-  if (!wanted.vertical && FindFontData({.family = wanted.name}, &full).ok()) {
+  const Status found = FindFontData({.family = wanted.name}, &full);
+  if (!found.ok() && found.what != u"face" && !IsFaceInstalled(wanted.name)) {
+    choice.what = found.what;
+    choice.why = found.why;
+    choice.unreadable = true;
+    return choice;
+  }
+  if (!wanted.vertical && found.ok()) {
     if (full.width != 100) {
       choice.why = u"\"" + wanted.name + u"\" is \"" + full.style + u"\" of \"" + full.family +
                    u"\", a width which the system is not asked for; use kerno cut";

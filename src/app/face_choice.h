@@ -25,6 +25,7 @@ struct FaceChoice {
   bool installed = false;  // otherwise what and why tell the user, the nearest names included
   std::u16string what;
   std::u16string why;
+  bool unreadable = false;  // it is installed, but its file cannot be read
 };
 
 // FindFontData; where no face has the name, the reason goes on with the nearest names that are

@@ -81,9 +81,10 @@ class OutlineFonts final : public GlyphSource {
   // In the style of the first one, where it has that; *lacked is the style where it has not.
   static Status FindFallback(const std::u16string& family, const std::u16string& style,
                              FontData* data, std::u16string* lacked) {
-    if (FindFontData({.family = family, .style = style}, data).ok()) return Status::Ok();
+    Status found = FindFontData({.family = family, .style = style}, data);
+    if (found.ok() || found.failure != Failure::kNotFound) return found;
     *lacked = style;
-    Status found = FindFace({.family = family}, data);
+    found = FindFace({.family = family}, data);
     if (!found.ok()) found.what = u"--fallback";
     return found;
   }

@@ -1,8 +1,10 @@
 #include "app/job.h"
 
 #include <span>
+#include <utility>
 #include <vector>
 
+#include "base/settings_table.h"
 #include "drawing/affine.h"
 
 namespace kerno {
@@ -32,6 +34,47 @@ std::span<const P3> CollectLoop(std::span<const P2> contour, std::vector<P3>* ro
   return {loop, count};
 }
 
+// Makes parts of contours, one after the other or in any order.
+class PartMaker {
+ public:
+  PartMaker(const TextContours& contours, const PartsOptions& options)
+      : contours_(contours), options_(options) {}
+
+  // Into a part as it was made by PartsElement or by this function.
+  void Make(size_t i, PartsElement* part) {
+    const std::span<const P3> loop = CollectLoop(contours_.Contour(i, &points_), &room_);
+    part->name = options_.layer;
+    ColourByIndex(i, part);
+    part->vertices.Clear();
+    part->lines.items.clear();
+    part->faces[0].items.clear();
+    if (options_.elements != ContourElements::kFaces && loop.size() > 1) part->AddClosedLines(loop);
+    if (options_.elements != ContourElements::kLines && !loop.empty()) part->AddFace(loop, 0);
+  }
+
+ private:
+  const TextContours& contours_;
+  const PartsOptions& options_;
+  std::vector<P2> points_;
+  std::vector<P3> room_;
+};
+
+class ContourParts final : public MadeParts {
+ public:
+  ContourParts(std::shared_ptr<const TextContours> contours, PartsOptions options)
+      : contours_(std::move(contours)),
+        options_(std::move(options)),
+        maker_(*contours_, options_) {}
+
+  size_t Count() const override { return contours_->size(); }
+  void Make(size_t i, PartsElement* part) const override { maker_.Make(i, part); }
+
+ private:
+  std::shared_ptr<const TextContours> contours_;
+  PartsOptions options_;
+  mutable PartMaker maker_;  // keeps room between calls
+};
+
 }  // namespace
 
 // Without a scale the insertion point moves the block once, in the units of its glyphs; a scaled
@@ -43,24 +86,26 @@ std::optional<TypesetText> Make(const Job& job, Typesetter& typesetter) {
   text.placement.insertion = scaled ? P2{} : up.Apply(job.at);
   std::optional<TypesetText> set = typesetter.Typeset(text);
   if (!set) return set;
-  for (P2& p : set->contours.points) p = up.Apply(p);
+  set->contours.Apply(up);
   return set;
 }
 
-void BuildParts(const GlyphContours& contours, const PartsOptions& options, PartsA* parts) {
-  parts->parts.reserve(parts->parts.size() + contours.counts.size());
-  std::vector<P3> room;
-  size_t first = 0;
-  for (size_t i = 0; i < contours.counts.size(); ++i) {
-    const auto contour = std::span(contours.points).subspan(first, contours.counts[i]);
-    const std::span<const P3> loop = CollectLoop(contour, &room);
-    first += contours.counts[i];
-    PartsElement& part = parts->parts.emplace_back();
-    part.name = options.layer;
-    ColourByIndex(i, &part);
-    if (options.elements != ContourElements::kFaces && loop.size() > 1) part.AddClosedLines(loop);
-    if (options.elements != ContourElements::kLines && !loop.empty()) part.AddFace(loop, 0);
+void BuildParts(const TextContours& contours, const PartsOptions& options, PartsA* parts) {
+  parts->parts.reserve(parts->parts.size() + contours.size());
+  PartMaker maker(contours, options);
+  for (size_t i = 0; i < contours.size(); ++i) maker.Make(i, &parts->parts.emplace_back());
+}
+
+// A limited search for vertices finds one of two equal points, and which hangs on all searches
+// before it: such parts are made once, in their order.
+PartsA DrawingOf(std::shared_ptr<const TextContours> contours, const PartsOptions& options) {
+  PartsA parts;
+  if (Get(kMaxSearch) >= 0) {
+    BuildParts(*contours, options, &parts);
+  } else {
+    parts.made = std::make_shared<ContourParts>(std::move(contours), options);
   }
+  return parts;
 }
 
 }  // namespace kerno

@@ -1,10 +1,11 @@
 // From a text to a drawing: what the command line, the window and a row of a series all do.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
-#include "outline/glyph_contours.h"
+#include "outline/text_contours.h"
 #include "outline/typesetter.h"
 #include "parts/parts.h"
 
@@ -34,6 +35,10 @@ std::optional<TypesetText> Make(const Job& job, Typesetter& typesetter);
 
 // Adds one part per contour (y up) to *parts. Contour i gets the hues 30 i and 30 i + 180 for pen
 // and brush: neighbours step round the colour wheel.
-void BuildParts(const GlyphContours& contours, const PartsOptions& options, PartsA* parts);
+void BuildParts(const TextContours& contours, const PartsOptions& options, PartsA* parts);
+
+// The same parts as a drawing that makes them of the contours each time they are looked at: of a
+// long text they would take gigabytes.
+PartsA DrawingOf(std::shared_ptr<const TextContours> contours, const PartsOptions& options);
 
 }  // namespace kerno

@@ -14,6 +14,10 @@ namespace {
 namespace fs = std::filesystem;
 
 Status MakeOutputFolder(const fs::path& folder) {
+  if (folder.empty()) {
+    return Status::Error(Failure::kNotFound, u"Kerno.tmp",
+                         u"there is no temporary folder of the user's own; choose another folder");
+  }
   Status made = MakeFolders(folder);
   if (made.ok()) return made;
   return Status::Error(Failure::kOther, PathText(folder),

@@ -146,6 +146,11 @@ bool RowTemplate::UsesSheet() const {
   return std::ranges::any_of(pieces_, [](const Piece& p) { return p.from == From::kSheet; });
 }
 
+bool RowTemplate::UsesRow() const {
+  return std::ranges::any_of(
+      pieces_, [](const Piece& p) { return p.from == From::kColumn || p.from == From::kNumber; });
+}
+
 Status RowTemplate::FillPiece(const Piece& piece, const RowValues& values,
                               std::string* text) const {
   std::string number;

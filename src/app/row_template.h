@@ -39,6 +39,8 @@ class RowTemplate {
   // Whether it holds the number of the row, as "row" or as "n".
   bool UsesNumber(std::string_view name) const;
   bool UsesSheet() const;
+  // Whether it holds anything of the row: a column or a number of its own.
+  bool UsesRow() const;
 
   // Fails for a field that is no whole number where its template wants one.
   [[nodiscard]] Status Fill(const RowValues& values, std::string* text) const;

@@ -63,9 +63,9 @@ std::u16string DescribeText(const TypesetText& set, const FaceForm& wanted, cons
   std::u16string text;
   AppendCount(&text, set.characters, u"character", u"characters");
   text += kGap;
-  AppendCount(&text, set.contours.counts.size(), u"contour", u"contours");
+  AppendCount(&text, set.contours.size(), u"contour", u"contours");
   text += kGap;
-  AppendCount(&text, set.contours.points.size(), u"point", u"points");
+  AppendCount(&text, set.contours.point_count(), u"point", u"points");
   text += kGap;
   AppendSize(&text, box);
   text += kGap;
@@ -84,7 +84,7 @@ std::u16string DescribeText(const TypesetText& set, const FaceForm& wanted, cons
 std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, const Extent3& box) {
   std::u16string text(file);
   text += u"  ·  ";
-  AppendCount(&text, parts.parts.size(), u"part", u"parts");
+  AppendCount(&text, PartsView(parts).size(), u"part", u"parts");
   text += u"  ·  ";
   AppendSize(&text, box);
   text += u"  ·  typing shows the text again";

@@ -64,7 +64,8 @@ Status SystemServices::SaveText(std::u16string_view text) {
 }
 
 fs::path SystemServices::DefaultOutputFolder() {
-  return TempFolder() / "Kerno.tmp";
+  const fs::path temp = OwnTempFolder();
+  return temp.empty() ? temp : temp / "Kerno.tmp";
 }
 
 bool SystemServices::OpenFolder(const fs::path& folder) {

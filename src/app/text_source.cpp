@@ -1,8 +1,8 @@
 #include "app/text_source.h"
 
+#include <array>
 #include <cerrno>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "app/text_coding.h"
@@ -33,8 +33,12 @@ Status LoadBytes(const std::filesystem::path& path, std::string* bytes) {
   }
   errno = 0;
   std::ifstream file(PathToOpen(path), std::ios::binary);
-  if (file) bytes->assign(std::istreambuf_iterator<char>(file), {});
-  if (!file || file.bad()) {
+  const bool opened = file.is_open();
+  std::array<char, 65536> chunk;
+  while (file.read(chunk.data(), chunk.size()) || file.gcount() > 0) {
+    bytes->append(chunk.data(), static_cast<size_t>(file.gcount()));
+  }
+  if (!opened || file.bad()) {
     const std::error_code reason(errno ? errno : EIO, std::generic_category());
     const bool missing = reason == std::errc::no_such_file_or_directory;
     return Status::Error(missing ? Failure::kNotFound : Failure::kOther, name,

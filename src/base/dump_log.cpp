@@ -77,8 +77,15 @@ void DeleteOldFiles(const fs::path& folder) {
   }
 }
 
+// Empty when the user has no folder of his own for it.
 fs::path DumpFolder() {
-  return TempFolder() / "DbgDump";
+  const fs::path temp = OwnTempFolder();
+  return temp.empty() ? temp : temp / "DbgDump";
+}
+
+Status NoDumpFolder() {
+  return Status::Error(Failure::kNotFound, u"DbgDump",
+                       u"there is no folder of the user's own for it");
 }
 
 // The caller's name as a part of a file name.
@@ -111,7 +118,7 @@ bool DumpText(std::u16string_view name, std::u16string_view text) {
   DumpProcess& process = Process();
   const std::lock_guard lock(process.lock);
   const fs::path folder = DumpFolder();
-  if (process.prepared != folder) {
+  if (process.prepared != folder && !folder.empty()) {
     CreateFolderPath(folder);
     DeleteOldFiles(folder);
     process.prepared = folder;
@@ -124,8 +131,11 @@ bool DumpText(std::u16string_view name, std::u16string_view text) {
   const std::string start = EncodeText(LogHeader(), TextEncoding::kUtf16);
   const std::string bytes = WithoutMark(EncodeText(entry, TextEncoding::kUtf16));
   const WaitOut what = process.unopened == file ? WaitOut::kHolder : WaitOut::kAnyFailure;
-  const Status status = WaitForFile(
-      file, FileWait::kNothing, [&] { return AppendToFile(file, start, bytes); }, what);
+  const Status status =
+      folder.empty()
+          ? NoDumpFolder()
+          : WaitForFile(
+                file, FileWait::kNothing, [&] { return AppendToFile(file, start, bytes); }, what);
   if (status.ok()) return true;
   if (process.unopened != file) {
     process.unopened = file;
@@ -136,8 +146,10 @@ bool DumpText(std::u16string_view name, std::u16string_view text) {
 
 namespace {
 
+// Empty when there is no place for it.
 fs::path BeginRunFile() {
   const fs::path folder = DumpFolder();
+  if (folder.empty()) return folder;
   DumpProcess& process = Process();
   const std::u16string title = PathText(CurrentSystem().ProgramPath().stem()) + u".txt";
   fs::path file = TextPath(u"DbgDump" + title);
@@ -167,7 +179,7 @@ DumpUser::DumpUser(std::u16string_view name) : name_(name) {
   ProfileStore store(u"");
   if (!Get(kRunDump, store)) return;
   const fs::path file = BeginRunFile();
-  const Status written = ReplaceWhenFree(file, RunFileHeader());
+  const Status written = file.empty() ? NoDumpFolder() : ReplaceWhenFree(file, RunFileHeader());
   if (!written.ok()) {
     CurrentNotices().Message(written.what + u": " + written.why);
     return;

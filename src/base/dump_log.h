@@ -1,7 +1,7 @@
 // Diagnostics for those who look after the program: the dump log, an hourly text file, and the
 // per-run dump file that "Debug"/"DbgDump" turns on. Both lie in the folder "DbgDump" of the
-// temporary folder. Files there that the program made and that are older than ten days are deleted
-// once per process.
+// user's own temporary folder. Files there that the program made and that are older than ten days
+// are deleted once per process.
 #pragma once
 
 #include <optional>

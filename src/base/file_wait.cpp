@@ -12,7 +12,8 @@ namespace kerno {
 namespace {
 
 constexpr int kTries = 100;
-constexpr uint32_t kPause = 100;  // milliseconds
+constexpr uint32_t kPause = 100;        // milliseconds
+constexpr uint32_t kRecovery = 60'000;  // milliseconds
 
 bool MayPass(const Status& status, WaitOut what) {
   if (status.failure == Failure::kSharingViolation) return true;
@@ -21,11 +22,22 @@ bool MayPass(const Status& status, WaitOut what) {
 
 }  // namespace
 
+bool Patience::Pause() {
+  Clock& clock = CurrentClock();
+  if (clock.Ticks() - last_ > kRecovery) left_ = kTries;
+  if (left_ == 0) return false;
+  clock.Sleep(kPause);
+  last_ = clock.Ticks();
+  return --left_ > 0;
+}
+
 Status WaitForFile(const std::filesystem::path& path, FileWait wait,
-                   const std::function<Status()>& attempt, WaitOut what) {
+                   const std::function<Status()>& attempt, WaitOut what, Patience* patience) {
+  Patience own;
+  if (!patience) patience = &own;
   bool shown = false;
   Status status;
-  for (int i = 0; i < kTries; ++i) {
+  for (bool again = true; again; again = patience->Pause()) {
     status = attempt();
     if (!MayPass(status, what)) break;
     if (!shown && wait != FileWait::kNothing) {
@@ -34,7 +46,6 @@ Status WaitForFile(const std::filesystem::path& path, FileWait wait,
           PathText(path));
       shown = true;
     }
-    CurrentClock().Sleep(kPause);
   }
   if (shown) CurrentNotices().ClearWait();
   return status;

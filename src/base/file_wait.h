@@ -1,6 +1,7 @@
 // Waiting for a file that another process holds.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <string_view>
@@ -19,11 +20,24 @@ enum class WaitOut {
   kAnyFailure,  // whatever keeps it from being opened; a full disk does not
 };
 
+// How long is waited in all: 100 pauses of 100 ms. Shared by several files, it lasts for them
+// together; a minute after the last pause all of them may be made again.
+class Patience {
+ public:
+  // Makes a pause unless all were made. Whether another attempt is due.
+  bool Pause();
+
+ private:
+  int left_ = 100;
+  uint32_t last_ = 0;  // in ticks
+};
+
 // Makes `attempt` up to 100 times, 100 ms apart, while it fails for what is waited out. The wait
 // display tells the path after the first such failure and is cleared at the end. The result is that
-// of the last attempt.
+// of the last attempt. Without a patience of the caller's, the file has one of its own.
 Status WaitForFile(const std::filesystem::path& path, FileWait wait,
-                   const std::function<Status()>& attempt, WaitOut what = WaitOut::kHolder);
+                   const std::function<Status()>& attempt, WaitOut what = WaitOut::kHolder,
+                   Patience* patience = nullptr);
 
 // ReplaceFile for a target that another process may hold: waits until nobody does.
 Status ReplaceWhenFree(const std::filesystem::path& target, const FileFiller& fill);

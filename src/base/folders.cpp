@@ -37,18 +37,35 @@ fs::path UserFolderName() {
   return "___";
 }
 
-fs::path PerUserFolder() {
-  System& system = CurrentSystem();
-  const fs::path base = IsFolder("/tmp") ? fs::path("/tmp") : system.CurrentFolder();
-  fs::path own = base / UserFolderName();
-  if (system.MakePrivateFolder(own).ok()) return own;
-  // Somebody else's folder has the name, or there is no right to make one.
-  const fs::path cache = system.CacheFolder();
-  const bool made = MakeFolders(cache).ok();  // no message: the next place is tried
-  if (made && system.MakePrivateFolder(cache / "tmp").ok()) {
-    return cache / "tmp";
+// The answer of the system or of the environment; empty without one.
+fs::path NamedTempFolder() {
+  const fs::path folder = CurrentSystem().TemporaryPath();
+  if (AsciiLower(PathText(folder)).find(u"windows") != std::u16string::npos) {
+    return ProgramFolder() / "Temp";
   }
-  return system.CurrentFolder();
+  return folder.empty() ? FromEnvironment() : folder;
+}
+
+// A private folder in `shared` of this name; empty when it cannot be had: somebody else's may have
+// the name.
+fs::path PrivateFolder(const fs::path& shared, const fs::path& name) {
+  const bool made = !shared.empty() && CurrentSystem().MakePrivateFolder(shared / name).ok();
+  return made ? shared / name : fs::path();
+}
+
+// One in `shared`, else in the cache folder, else in `shared` under another name.
+fs::path PrivateFolderIn(const fs::path& shared) {
+  System& system = CurrentSystem();
+  fs::path own = PrivateFolder(shared, UserFolderName());
+  const fs::path cache = system.CacheFolder();
+  if (own.empty() && !cache.empty() && MakeFolders(cache).ok()) own = PrivateFolder(cache, "tmp");
+  return own.empty() ? PrivateFolder(shared, TextPath(u"kerno-" + system.UserName())) : own;
+}
+
+// The folder when nobody else can write in it, else a private one in it.
+fs::path OwnPartOf(const fs::path& folder) {
+  const bool own = MakeFolders(folder).ok() && CurrentSystem().IsOwnFolder(folder);
+  return own ? folder : PrivateFolder(folder, UserFolderName());
 }
 
 fs::path DayFolderIn(const fs::path& temp) {
@@ -58,13 +75,18 @@ fs::path DayFolderIn(const fs::path& temp) {
 }  // namespace
 
 fs::path TempFolder() {
-  fs::path folder = CurrentSystem().TemporaryPath();
-  if (AsciiLower(PathText(folder)).find(u"windows") != std::u16string::npos) {
-    folder = ProgramFolder() / "Temp";
+  fs::path folder = NamedTempFolder();
+  if (folder.empty()) {
+    folder = PrivateFolderIn(IsFolder("/tmp") ? fs::path("/tmp") : CurrentSystem().CurrentFolder());
   }
-  if (folder.empty()) folder = FromEnvironment();
-  if (folder.empty()) folder = PerUserFolder();
-  return WithSeparator(folder);
+  return WithSeparator(folder.empty() ? CurrentSystem().CurrentFolder() : folder);
+}
+
+fs::path OwnTempFolder() {
+  const fs::path named = NamedTempFolder();
+  if (named.empty()) return WithSeparator(PrivateFolderIn(IsFolder("/tmp") ? "/tmp" : ""));
+  const fs::path own = OwnPartOf(named);
+  return WithSeparator(own.empty() ? PrivateFolderIn(named) : own);
 }
 
 fs::path CurrentFolder() {
@@ -76,8 +98,10 @@ fs::path ProgramFolder() {
 }
 
 fs::path WorkFolder() {
-  const fs::path day = DayFolderIn(TempFolder());
-  if (CreateFolderPath(day)) return WithSeparator(day);
+  const fs::path named = NamedTempFolder();
+  const fs::path temp = named.empty() ? OwnTempFolder() : OwnPartOf(named);
+  const fs::path day = DayFolderIn(temp);
+  if (!temp.empty() && CreateFolderPath(day)) return WithSeparator(day);
   fs::path second = DayFolderIn(ProgramFolder() / "Temp");
   const fs::path cache = CurrentSystem().CacheFolder();
   if (!CreateFolderPath(second) && !cache.empty()) {

@@ -14,13 +14,19 @@ namespace kerno {
 // /tmp, then the cache folder, then the current folder.
 std::filesystem::path TempFolder();
 
+// The temporary folder for what the program leaves there, with a separator at the end: TempFolder
+// where that is the user's and nobody else can write in it, else a private folder in it, named as
+// the user, else one in the cache folder. Empty when none of these can be had: never a folder in
+// which somebody else may have laid links.
+std::filesystem::path OwnTempFolder();
+
 // The process's current folder, with a separator at the end.
 std::filesystem::path CurrentFolder();
 
 // The folder of the running program, with a separator at the end; empty when it is not known.
 std::filesystem::path ProgramFolder();
 
-// The day's folder for scratch files, "Quenkit.tmp/YYYYMMDD/" in the temporary folder, created when
+// The day's folder for scratch files, "Quenkit.tmp/YYYYMMDD/" in OwnTempFolder, created when
 // missing; when that fails, the same under "Temp" beside the program or in the cache folder. With a
 // separator at the end.
 std::filesystem::path WorkFolder();

@@ -55,13 +55,11 @@ Status KeepCopy(const fs::path& file, std::string_view bytes) {
 }
 
 // The first bytes of a file, where a mark would be.
-Status ReadStart(const fs::path& file, std::string* start) {
+Status ReadStart(const fs::path& file, Patience* patience, std::string* start) {
   constexpr size_t kMark = 2;
-  return WaitForFile(file, FileWait::kRead, [&] {
-    Status opened;
-    const auto held = HeldFile::Open(file, Deny::kWrite, &opened);
-    return held ? held->Read(start, kMark) : opened;
-  });
+  return WaitForFile(
+      file, FileWait::kRead, [&] { return PeekFile(file, start, kMark); }, WaitOut::kHolder,
+      patience);
 }
 
 // Nothing, so that the file stays, when another process was faster or the copy cannot be kept;
@@ -82,19 +80,27 @@ std::u16string IniHeader() {
 }
 
 Status PrepareIniFile(const fs::path& file) {
-  const std::lock_guard lock(SettingsProcess::Current().preparation);
-  const fs::path folder = file.parent_path();
-  if (!folder.empty() && !CreateFolderPath(folder)) return MakeFolders(folder);  // tells why
-  if (FactsOfPath(file).kind != PathKind::kFile) return Status::Ok();
+  SettingsProcess& process = SettingsProcess::Current();
+  const std::lock_guard lock(process.preparation);
+  const PathFacts facts = FactsOfPath(file);
+  if (facts.kind == PathKind::kMissing) {
+    const fs::path folder = file.parent_path();
+    // What is not there is no failure of reading; who writes hears of the folder then.
+    if (!folder.empty()) CreateFolderPath(folder);
+    return Status::Ok();
+  }
+  if (facts.kind != PathKind::kFile) return facts.why;
   std::string mark;
-  Status looked = ReadStart(file, &mark);
+  Status looked = ReadStart(file, &process.patience, &mark);
   if (!looked.ok() || HasUtf16Mark(mark)) return looked;
   Status kept;
-  Status changed = WaitForFile(file, FileWait::kWrite, [&] {
+  const auto convert = [&] {
     return ChangeFile(file, IfMissing::kFail, [&](std::string_view bytes) {
       return Convert(file, std::string(bytes), &kept);
     });
-  });
+  };
+  Status changed =
+      WaitForFile(file, FileWait::kWrite, convert, WaitOut::kHolder, &process.patience);
   return kept.ok() ? changed : kept;
 }
 

@@ -11,7 +11,9 @@ namespace kerno {
 // Creates the file's folder, and turns a file that is not UTF-16 with a mark into one, with a
 // header of three lines before its text. Text that is UTF-8 is read as such, other text in the
 // 8-bit code page; bytes that would not come back from the new text are kept in a copy beside the
-// file. A missing file stays missing. Waits while another process holds the file.
+// file. A missing file stays missing. A conversion waits while another process holds the file, and
+// so does reading where the system keeps readers out. Not ok when the file cannot be read or
+// converted.
 Status PrepareIniFile(const std::filesystem::path& file);
 
 // The three lines, with the current time in the middle one.

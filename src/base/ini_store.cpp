@@ -6,6 +6,7 @@
 #include "base/settings_places.h"
 #include "base/text.h"
 #include "base/time_text.h"
+#include "platform/folder_path.h"
 #include "platform/system.h"
 
 namespace kerno {
@@ -43,16 +44,36 @@ std::u16string StampKey() {
 }  // namespace
 
 IniStore::IniStore(std::u16string_view name) {
-  fs::path path = ResolveIniPath(name);
-  const fs::path folder = path.parent_path();
-  if (!folder.empty()) (void)MakeFolders(folder);  // the test of writing tells
-  if (!CanWriteFolder(folder.empty() ? fs::path(".") : folder)) {
-    path = TempFolder() / path.filename();
-    displaced_ = true;
-  }
-  OpenFile(path);
+  OpenFile(FindFile(ResolveIniPath(name)));
   ReadSwitches(!name.empty());
   CheckStamp();
+}
+
+fs::path IniStore::FindFile(const fs::path& wanted) {
+  SettingsProcess& process = SettingsProcess::Current();
+  const IniBase& base = process.Base();
+  fs::path folder = wanted.parent_path();
+  if (folder.empty()) folder = ".";
+  RemoveLeftTestFiles(folder);
+  if (!base.trouble.ok()) return wanted;
+  fs::path path = wanted;
+  std::u16string why;
+  const bool missing = FactsOfPath(wanted).kind == PathKind::kMissing;
+  if (!wanted.empty() && folder == base.folder && base.reason == IniBaseReason::kTemporaryFolder) {
+    why = u"no other folder for the settings can be had; they are in " + PathText(wanted);
+  } else if (!wanted.empty() && missing) {
+    Status usable = MakeFolders(folder);
+    if (usable.ok()) usable = TestWriting(folder);
+    const fs::path temp = usable.ok() ? fs::path() : OwnTempFolder();
+    if (temp.empty()) return wanted;
+    displaced_ = true;
+    path = temp / wanted.filename();
+    why = PathText(folder) + u": " + usable.why + u"; the settings are in " + PathText(path);
+  }
+  if (why.empty()) return path;
+  if (FactsOfPath(path).kind == PathKind::kFile) process.TellOnce(why);
+  TellOfWrites(std::move(why));
+  return path;
 }
 
 IniStore::~IniStore() {

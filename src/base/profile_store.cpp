@@ -58,7 +58,8 @@ fs::path FileOfProgram() {
     return beside / name;
   }
   const fs::path config = system.ConfigFolder();
-  return (config.empty() ? TempFolder() : config) / name;
+  const fs::path folder = config.empty() ? OwnTempFolder() : config;
+  return folder.empty() ? folder : folder / name;
 }
 
 }  // namespace
@@ -97,8 +98,18 @@ ProfileStore::ProfileStore(std::u16string_view name) {
 void ProfileStore::OpenFile(const fs::path& path) {
   file_ = path;
   profile_path_ = PathText(path);
+  SettingsProcess& process = SettingsProcess::Current();
+  not_written_ = process.TroubleOf(path.parent_path());
+  if (path.empty() && not_written_.ok()) {
+    not_written_ = Status::Error(Failure::kNotFound, u"settings",
+                                 u"there is no folder of the user's own to keep them in");
+    return;
+  }
+  if (!not_written_.ok()) {
+    process.TellOnce(not_written_.what + u": " + not_written_.why + u"; settings may be missing");
+  }
   const Status prepared = PrepareIniFile(file_);
-  if (!prepared.ok()) Log(u"Prepare", prepared.what, prepared.why, {});
+  if (!prepared.ok()) process.TellOnce(prepared.what + u": " + prepared.why);
 }
 
 void ProfileStore::ReadSwitches(bool named) {
@@ -141,7 +152,7 @@ std::optional<int32_t> ProfileStore::ReadInt(std::u16string_view section, std::u
     const Status read = ReadUserDword(RegistryKey(section), key, &value);
     return FromRegistry(read, section, key).ok() ? std::optional(value) : std::nullopt;
   }
-  const auto text = ReadProfileString(file_, section, key, kLongestValue);
+  const auto text = ReadFromFile(section, key);
   if (!text || text->empty()) return std::nullopt;  // an empty value is no number: the default
   return ParseProfileInt(*text);
 }
@@ -153,7 +164,15 @@ std::optional<std::u16string> ProfileStore::ReadStr(std::u16string_view section,
     const Status read = ReadUserString(RegistryKey(section), key, &value);
     return FromRegistry(read, section, key).ok() ? std::optional(value) : std::nullopt;
   }
-  return ReadProfileString(file_, section, key, kLongestValue);
+  return ReadFromFile(section, key);
+}
+
+std::optional<std::u16string> ProfileStore::ReadFromFile(std::u16string_view section,
+                                                         std::u16string_view key) {
+  Status read;
+  auto text = ReadProfileString(file_, section, key, kLongestValue, &read);
+  if (!read.ok()) SettingsProcess::Current().TellOnce(read.what + u": " + read.why);
+  return text;
 }
 
 std::optional<int32_t> ProfileStore::LookUpInt(std::u16string_view section, std::u16string_view key,
@@ -227,13 +246,18 @@ Status ProfileStore::CheckNames(std::u16string_view section, std::u16string_view
 }
 
 Status ProfileStore::WriteLines(const std::vector<ProfileEdit>& edits) {
-  return WaitForFile(file_, FileWait::kWrite, [&]() -> Status {
-    if (!PathExists(file_)) {
+  if (!not_written_.ok()) return not_written_;
+  SettingsProcess& process = SettingsProcess::Current();
+  const auto write = [&]() -> Status {
+    if (FactsOfPath(file_).kind == PathKind::kMissing) {
       Status created = CreateNewFile(file_, EncodeText(IniHeader(), TextEncoding::kUtf16));
       if (!created.ok() && created.failure != Failure::kSharingViolation) return created;
     }
     return WriteProfile(file_, edits);
-  });
+  };
+  Status written = WaitForFile(file_, FileWait::kWrite, write, WaitOut::kHolder, &process.patience);
+  if (written.ok() && !told_of_writes_.empty()) process.TellOnce(told_of_writes_);
+  return written;
 }
 
 Status ProfileStore::WriteLine(std::u16string_view section, std::u16string_view key,
@@ -276,7 +300,8 @@ Status ProfileStore::Remove(std::u16string_view section, std::u16string_view key
   if (Status refused = CheckNames(section, key, {}); !refused.ok()) return refused;
   cache_.erase(Name{std::u16string(section), std::u16string(key)});
   if (!in_registry_) {
-    return PathExists(file_) ? WriteLine(section, key, std::nullopt) : Status::Ok();
+    const bool missing = not_written_.ok() && FactsOfPath(file_).kind == PathKind::kMissing;
+    return missing ? Status::Ok() : WriteLine(section, key, std::nullopt);
   }
   return FromRegistry(DeleteUserValue(RegistryKey(section), key), section, key);
 }

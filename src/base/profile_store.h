@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "base/profile_values.h"
@@ -101,8 +102,12 @@ class ProfileStore : public SettingsReader {
  protected:
   ProfileStore() = default;
 
-  // Prepares the INI file at `path` and reads the switches of the store.
+  // Prepares the INI file at `path`, which may be empty: then nothing is stored. A file of the INI
+  // base folder is not written while an earlier place could not be looked at.
   void OpenFile(const std::filesystem::path& path);
+  // What the user is told once when something was written: where, when that is not where it
+  // belongs.
+  void TellOfWrites(std::u16string message) { told_of_writes_ = std::move(message); }
   void ReadSwitches(bool named);
 
   std::filesystem::path file() const;
@@ -149,6 +154,7 @@ class ProfileStore : public SettingsReader {
                                           std::u16string_view if_missing);
   std::optional<int32_t> ReadInt(std::u16string_view section, std::u16string_view key);
   std::optional<std::u16string> ReadStr(std::u16string_view section, std::u16string_view key);
+  std::optional<std::u16string> ReadFromFile(std::u16string_view section, std::u16string_view key);
   Cached& CacheEntry(std::u16string_view section, std::u16string_view key);
   const Cached* FindCached(std::u16string_view section, std::u16string_view key) const;
   std::u16string RegistryKey(std::u16string_view section) const;
@@ -167,6 +173,8 @@ class ProfileStore : public SettingsReader {
 
   std::u16string profile_path_;
   std::filesystem::path file_;
+  Status not_written_;  // why nothing may be written
+  std::u16string told_of_writes_;
   bool in_registry_ = false;
   bool use_cache_ = true;
   bool wrote_ = false;
@@ -179,8 +187,9 @@ class ProfileStore : public SettingsReader {
 // The INI-only store: always a file, in a folder that can be written, and stamped when it wrote.
 class IniStore final : public ProfileStore {
  public:
-  // When the file's folder cannot be written, the file of the same name in the temporary folder
-  // takes its place.
+  // When the file is missing and its folder cannot be written, the file of the same name in the
+  // user's own temporary folder takes its place, and the user is told.
+  // A file that stands there is read, whether its folder can be written or not; writes then fail.
   explicit IniStore(std::u16string_view name);
 
   // Stamps the file with the time, here and in the registry, when this store wrote.
@@ -193,6 +202,8 @@ class IniStore final : public ProfileStore {
   bool displaced() const { return displaced_; }
 
  private:
+  // Where the file is, for which `wanted` is the place.
+  std::filesystem::path FindFile(const std::filesystem::path& wanted);
   void CheckStamp();
   std::u16string StampName() const;
 

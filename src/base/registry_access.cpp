@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/file_wait.h"
+#include "base/settings_places.h"
 #include "platform/registry.h"
 
 namespace kerno {
@@ -19,13 +20,17 @@ constexpr size_t kPrefixWidth = 12;  // the longest of them
 
 // A change of the registry, waited for while another process holds it.
 template <typename Change>
-RegistryOutcome Await(const Change& change) {
+RegistryOutcome Await(const Change& change, IfHeld if_held = IfHeld::kWait) {
   RegistryOutcome outcome = RegistryOutcome::kFailed;
-  const Status status = WaitForFile(RegistryFile(), FileWait::kWrite, [&] {
+  const auto attempt = [&] {
     Status why;
     outcome = change(&why);
     return why;
-  });
+  };
+  const Status status = if_held == IfHeld::kFail
+                            ? attempt()
+                            : WaitForFile(RegistryFile(), FileWait::kWrite, attempt,
+                                          WaitOut::kHolder, &SettingsProcess::Current().patience);
   return status.ok() ? outcome : RegistryOutcome::kFailed;
 }
 
@@ -49,9 +54,11 @@ Status Read(std::u16string_view key, std::u16string_view name, RegistryType want
   }
 }
 
-Status Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) {
+Status Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value,
+             IfHeld if_held = IfHeld::kWait) {
   const RegistryOutcome outcome = Await(
-      [&](Status* why) { return SetRegistry(RegistryRoot::kCurrentUser, key, name, value, why); });
+      [&](Status* why) { return SetRegistry(RegistryRoot::kCurrentUser, key, name, value, why); },
+      if_held);
   return outcome == RegistryOutcome::kDone ? Status::Ok() : Failed(kNotSet, key, name);
 }
 
@@ -75,9 +82,9 @@ Status WriteUserDword(std::u16string_view key, std::u16string_view name, int32_t
   return Write(key, name, {RegistryType::kDword, {}, static_cast<uint32_t>(value)});
 }
 
-Status WriteUserString(std::u16string_view key, std::u16string_view name,
-                       std::u16string_view value) {
-  return Write(key, name, {RegistryType::kString, std::u16string(value), 0});
+Status WriteUserString(std::u16string_view key, std::u16string_view name, std::u16string_view value,
+                       IfHeld if_held) {
+  return Write(key, name, {RegistryType::kString, std::u16string(value), 0}, if_held);
 }
 
 Status DeleteUserValue(std::u16string_view key, std::u16string_view name) {

@@ -17,10 +17,12 @@ namespace kerno {
 Status ReadUserDword(std::u16string_view key, std::u16string_view name, int32_t* value);
 Status ReadUserString(std::u16string_view key, std::u16string_view name, std::u16string* value);
 
-// Wait while another process holds the registry.
+enum class IfHeld { kWait, kFail };
+
+// Wait while another process holds the registry, as long as the settings may be waited for.
 Status WriteUserDword(std::u16string_view key, std::u16string_view name, int32_t value);
-Status WriteUserString(std::u16string_view key, std::u16string_view name,
-                       std::u16string_view value);
+Status WriteUserString(std::u16string_view key, std::u16string_view name, std::u16string_view value,
+                       IfHeld if_held = IfHeld::kWait);
 Status DeleteUserValue(std::u16string_view key, std::u16string_view name);
 Status DeleteUserKey(std::u16string_view key);
 

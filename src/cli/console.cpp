@@ -158,7 +158,7 @@ void ConsoleNotices::Message(std::u16string_view text) {
 
 void ConsoleNotices::ShowWait(std::u16string_view text) {
   EndBar();
-  WriteLine(Utf16ToUtf8(text));
+  if (!warnings_silenced) WriteLine(Utf16ToUtf8(text));
 }
 
 Continue ConsoleNotices::Progress(std::u16string_view text, int64_t done, int64_t total) {

@@ -1,6 +1,9 @@
 #include "cli/contours_command.h"
 
 #include <CLI/CLI.hpp>
+#include <span>
+#include <utility>
+#include <vector>
 
 #include "base/number_text.h"
 #include "base/text.h"
@@ -50,19 +53,23 @@ bool PrintJson(const TypesetText& set, const TextRequest& request) {
   out.append(", \"vertical\": ").append(request.face.vertical ? "true" : "false");
   AppendMetrics(&out.append(", "), set.metrics);
   out += ", \"counts\": [";
-  for (size_t i = 0; i < set.contours.counts.size(); ++i) {
+  for (size_t i = 0; i < set.contours.size(); ++i) {
     if (i > 0) out += ", ";
-    AppendInteger(&out, set.contours.counts[i]);
+    AppendInteger(&out, static_cast<int64_t>(set.contours.PointsOf(i)));
     if (!printer.DrainWhenLong()) return false;
   }
   out += "], \"points\": [";
-  for (size_t i = 0; i < set.contours.points.size(); ++i) {
-    out += i > 0 ? ", [" : "[";
-    AppendShortest(&out, set.contours.points[i].x);
-    out += ", ";
-    AppendShortest(&out, set.contours.points[i].y);
-    out += "]";
-    if (!printer.DrainWhenLong()) return false;
+  std::vector<P2> room;
+  bool first = true;
+  for (size_t i = 0; i < set.contours.size(); ++i) {
+    for (const P2& p : set.contours.Contour(i, &room)) {
+      out += std::exchange(first, false) ? "[" : ", [";
+      AppendShortest(&out, p.x);
+      out += ", ";
+      AppendShortest(&out, p.y);
+      out += "]";
+      if (!printer.DrainWhenLong()) return false;
+    }
   }
   out += "]}\n";
   return printer.Drain();
@@ -77,15 +84,16 @@ bool PrintListing(const TypesetText& set, const TextRequest& request) {
   out += "text height " + std::to_string(m.tmHeight) + ", ascent " + std::to_string(m.tmAscent) +
          ", descent " + std::to_string(m.tmDescent) + ", average width " +
          std::to_string(m.tmAveCharWidth) + "\n";
-  out += std::to_string(set.contours.counts.size()) + " contours, " +
-         std::to_string(set.contours.points.size()) + " points\n";
-  size_t at = 0;
-  for (size_t i = 0; i < set.contours.counts.size(); ++i) {
-    out += "\ncontour " + std::to_string(i + 1) + ", " + std::to_string(set.contours.counts[i]) +
-           " points\n";
-    for (uint32_t k = 0; k < set.contours.counts[i]; ++k, ++at) {
-      AppendShortest(&out.append("  "), set.contours.points[at].x);
-      AppendShortest(&out.append(" "), set.contours.points[at].y);
+  out += std::to_string(set.contours.size()) + " contours, " +
+         std::to_string(set.contours.point_count()) + " points\n";
+  std::vector<P2> room;
+  for (size_t i = 0; i < set.contours.size(); ++i) {
+    const std::span<const P2> contour = set.contours.Contour(i, &room);
+    out +=
+        "\ncontour " + std::to_string(i + 1) + ", " + std::to_string(contour.size()) + " points\n";
+    for (const P2& p : contour) {
+      AppendShortest(&out.append("  "), p.x);
+      AppendShortest(&out.append(" "), p.y);
       out += "\n";
       if (!printer.DrainWhenLong()) return false;
     }
@@ -111,10 +119,8 @@ ExitStatus ContoursCommand::Run() {
   const auto placing = unplaced_ ? TextOptions::Placing::kUnplaced : TextOptions::Placing::kPlaced;
   auto set = text_.MakeAndReport(*job, placing, &status);
   if (!set) return status;
-  if (!unplaced_) {
-    for (P2& p : set->contours.points) p = down.Apply(p);
-  }
-  if (!TextOptions::CheckRange(set->contours.points)) return kWrongUsage;
+  if (!unplaced_) set->contours.Apply(down);
+  if (!TextOptions::CheckRange(set->contours)) return kWrongUsage;
   const bool printed = json_ ? PrintJson(*set, job->text) : PrintListing(*set, job->text);
   return printed && FinishPrinting() ? kDone : kFailed;
 }

@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "base/text.h"
 #include "cli/arguments.h"
@@ -15,7 +17,7 @@ namespace {
 
 size_t EntityCount(const PartsA& model) {
   size_t count = 0;
-  for (const PartsElement& part : model.parts) {
+  for (const PartsElement& part : PartsView(model)) {
     const ElementCounts counts = CountElements(part);
     count += counts.outlines + counts.faces + counts.texts;
   }
@@ -23,8 +25,9 @@ size_t EntityCount(const PartsA& model) {
 }
 
 bool HasPointSets(const PartsA& model) {
-  return std::ranges::any_of(
-      model.parts, [](const PartsElement& part) { return CountElements(part).point_sets > 0; });
+  return std::ranges::any_of(PartsView(model), [](const PartsElement& part) {
+    return CountElements(part).point_sets > 0;
+  });
 }
 
 std::string Counted(size_t count, const char* what) {
@@ -61,13 +64,13 @@ ExitStatus ConvertCommand::BuildFromText(PartsA* model, std::string* summary) {
   ExitStatus status = kDone;
   const auto job = text_.Resolve(&status);
   if (!job) return status;
-  const auto set = text_.MakeAndReport(*job, TextOptions::Placing::kPlaced, &status);
+  auto set = text_.MakeAndReport(*job, TextOptions::Placing::kPlaced, &status);
   if (!set) return status;
-  if (!TextOptions::CheckRange(set->contours.points)) return kWrongUsage;
-  BuildParts(set->contours, parts_, model);
+  if (!TextOptions::CheckRange(set->contours)) return kWrongUsage;
+  const auto contours = std::make_shared<const TextContours>(std::move(set->contours));
+  *model = DrawingOf(contours, parts_);
   *summary = (text_.FaceIsOpen() ? Utf16ToUtf8(set->face) + ", " : "") +
-             Counted(set->characters, "characters, ") +
-             Counted(set->contours.counts.size(), "contours, ") +
+             Counted(set->characters, "characters, ") + Counted(contours->size(), "contours, ") +
              Counted(EntityCount(*model), "entities");
   return kDone;
 }

@@ -9,6 +9,16 @@
 #include "cli/series_run.h"
 
 namespace kerno {
+namespace {
+
+// A template that stands for the text itself.
+std::string AsTemplate(const std::string& text) {
+  std::string out;
+  for (const char c : text) out.append(c == '{' || c == '}' ? 2 : 1, c);
+  return out;
+}
+
+}  // namespace
 
 void CutCommand::AddOptions(CLI::App& app) {
   source_.AddTo(app);
@@ -17,12 +27,13 @@ void CutCommand::AddOptions(CLI::App& app) {
   app.add_flag("--quiet", quiet_, "no warnings and no summary");
   app.add_flag("--json", json_, "print what was made, with every glyph, as one JSON object");
   series_.AddTo(app);
+  sheets_.AddTo(app);
 }
 
 ExitStatus CutCommand::Run() {
   if (quiet_) SilenceWarnings();
-  if (!series_.AreUsable()) return kWrongUsage;
-  return series_.IsWanted() ? RunSeries() : RunOnce();
+  if (!series_.AreUsable() || !sheets_.AreUsable()) return kWrongUsage;
+  return series_.IsWanted() || sheets_.IsGiven() ? RunSeries() : RunOnce();
 }
 
 ExitStatus CutCommand::RunOnce() {
@@ -63,11 +74,15 @@ ExitStatus CutCommand::RunSeries() {
     const auto given = source_.Read(&status);
     if (!given) return status;
     text = Utf16ToUtf8(*given);
+    // One text on sheets is no template.
+    if (!series_.IsWanted()) text = AsTemplate(text);
   }
   const auto settings = series_.Read(source_, &status);
   if (!settings) return status;
   SeriesRun run(options_, *settings, {strict_, quiet_, json_});
-  return run.Run(text, source_.IsOfFile() ? Escapes::kNone : Escapes::kBackslash);
+  if (sheets_.IsGiven()) run.PutOnSheets(&sheets_);
+  const bool is_plain = source_.IsOfFile() || !series_.IsWanted();
+  return run.Run(text, is_plain ? Escapes::kNone : Escapes::kBackslash);
 }
 
 }  // namespace kerno

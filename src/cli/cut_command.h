@@ -3,6 +3,7 @@
 
 #include "cli/cut_options.h"
 #include "cli/series_options.h"
+#include "cli/sheet_options.h"
 #include "cli/text_source.h"
 
 namespace kerno {
@@ -23,6 +24,7 @@ class CutCommand final : public Command {
   TextSource source_;
   CutOptions options_;
   SeriesOptions series_;
+  SheetOptionGroup sheets_;
   bool strict_ = false, quiet_ = false, json_ = false;
 };
 

@@ -3,7 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <memory>
+#include <new>
 #include <span>
 #include <string>
 #include <vector>
@@ -129,6 +132,25 @@ Mistake FindMistake(const CLI::App& command, std::span<const std::string> words)
   return surplus;
 }
 
+// The first option that stands as "--name=" without a value, for which the next word would be
+// taken; empty without one.
+std::string FindEmptyOption(const CLI::App& command, std::span<const std::string> words) {
+  for (size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
+    const size_t equals = words[i].find('=');
+    const std::string name = words[i].substr(0, equals);
+    const CLI::Option* const option =
+        name.starts_with('-') ? command.get_option_no_throw(name) : nullptr;
+    if (!option || option->get_expected_min() == 0) continue;
+    if (equals + 1 == words[i].size()) return name;
+    if (equals == words[i].npos) ++i;  // its value, whatever that looks like
+  }
+  return {};
+}
+
+void ReportNoValue(const CLI::App& command, const std::string& option) {
+  ReportError(option, "needs a value (" + command.get_option(option)->get_type_name() + ")");
+}
+
 // Of the options and of the commands within.
 std::vector<std::u16string> NamesIn(const CLI::App& command) {
   std::vector<std::u16string> names;
@@ -168,8 +190,7 @@ void ReportUsage(const CLI::App& app, std::span<const std::string> words, const 
                     NamesIn(command), lister);
       break;
     case Mistake::Kind::kNoValue:
-      ReportError(mistake.word,
-                  "needs a value (" + command.get_option(mistake.word)->get_type_name() + ")");
+      ReportNoValue(command, mistake.word);
       break;
     case Mistake::Kind::kNoPlace:
       if (command.get_option_no_throw("TEXT")) {
@@ -214,6 +235,13 @@ ExitStatus Main(const std::vector<std::string>& arguments) {
   argv.reserve(arguments.size());
   for (const std::string& argument : arguments) argv.push_back(argument.c_str());
   try {
+    if (const CLI::App* const command = has_word ? FindCommand(app, arguments[1]) : nullptr) {
+      const std::string empty = FindEmptyOption(*command, std::span(arguments).subspan(2));
+      if (!empty.empty()) {
+        ReportNoValue(*command, empty);
+        return kWrongUsage;
+      }
+    }
     app.parse(static_cast<int>(argv.size()), argv.data());
   } catch (const CLI::CallForHelp&) {
     const auto chosen = app.get_subcommands();
@@ -226,6 +254,11 @@ ExitStatus Main(const std::vector<std::string>& arguments) {
   }
   if (help->parsed()) return PrintHelp(app, topic);
   const ConsoleNotices notices;
+  // Settings are read before the command runs, and may have something to tell.
+  for (const CLI::App* chosen : app.get_subcommands()) {
+    const CLI::Option* const quiet = chosen->get_option_no_throw("--quiet");
+    if (quiet && quiet->count() > 0) SilenceWarnings();
+  }
   InstallProfileSettings();
   const RunDump dump(u"kerno");
   for (size_t i = 0; i < commands.size(); ++i) {
@@ -234,16 +267,34 @@ ExitStatus Main(const std::vector<std::string>& arguments) {
   return StartDesktop();
 }
 
+// Says so without memory of its own.
+ExitStatus ReportNoMemory() {
+  std::fputs("kerno: memory: there is not enough for this text\n", stderr);
+  return kFailed;
+}
+
+// The exception of missing memory ends here, too, where it meets a function of a library that
+// promised to throw none (CLI11's search for an option).
+[[noreturn]] void OnTerminate() {
+  try {
+    if (const auto error = std::current_exception()) std::rethrow_exception(error);
+  } catch (const std::bad_alloc&) {
+    std::_Exit(ReportNoMemory());
+  } catch (...) {
+  }
+  std::abort();
+}
+
 }  // namespace
 }  // namespace kerno
 
 int main(int argc, char** argv) {
   kerno::PrepareStandardStreams();
+  std::set_terminate(kerno::OnTerminate);
   try {
     return kerno::Main(kerno::ProgramArguments(argc, argv));
   } catch (const std::bad_alloc&) {
-    std::fputs("kerno: memory: there is not enough for this text\n", stderr);
-    return kerno::kFailed;
+    return kerno::ReportNoMemory();
   } catch (const std::exception& error) {
     kerno::ReportError("kerno", error.what());
     return kerno::kFailed;

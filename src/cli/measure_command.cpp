@@ -26,13 +26,13 @@ ExitStatus MeasureCommand::Run() {
       context.get(), text.text, text.face.vertical, text.height, text.width, text.placement.slant,
       text.placement.angle, SystemFaceName(text.face), text.weight, text.italic);
   const P2 size = {extent.length * job->scale, extent.height * job->scale};
-  if (!TextOptions::CheckRange({&size, 1})) return kWrongUsage;
+  if (!TextOptions::CheckRange(size)) return kWrongUsage;
   std::vector<std::pair<const char*, double>> figures = {{"length", size.x}, {"height", size.y}};
   const auto made = text_.MakeAndReport(
       *job, ink_ ? TextOptions::Placing::kPlaced : TextOptions::Placing::kUnplaced, &status);
   if (!made) return status;
   if (ink_) {
-    if (!TextOptions::CheckRange(made->contours.points)) return kWrongUsage;
+    if (!TextOptions::CheckRange(made->contours)) return kWrongUsage;
     const Extent3 box = ContoursBox(made->contours);
     figures.insert(
         figures.end(),

@@ -180,6 +180,11 @@ bool SeriesOptions::KeepInput(RowList* list) {
 std::optional<SeriesSettings> SeriesOptions::Read(const TextSource& text, ExitStatus* status) {
   *status = kWrongUsage;
   SeriesSettings settings;
+  if (!IsWanted()) {
+    settings.list = {.kind = RowList::Kind::kCount, .count = 1};
+    settings.existing = ExistingFiles::kReplace;
+    return settings;
+  }
   if (!ReadList(text, &settings.list) || !ReadRange(&settings)) return std::nullopt;
   settings.jobs = std::max(1U, std::thread::hardware_concurrency());
   if (app_->count("--jobs") > 0) {

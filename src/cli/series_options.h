@@ -34,8 +34,8 @@ class SeriesOptions {
   // Whether they are lines of a file.
   bool HasLines() const;
 
-  // Checks the values; what is wrong is reported, and *status says how the process ends. What can
-  // be read only once is kept in a file as long as this object lives.
+  // Checks the values; without rows there is one. What is wrong is reported, and *status says how
+  // the process ends. What can be read only once is kept in a file as long as this object lives.
   std::optional<SeriesSettings> Read(const TextSource& text, ExitStatus* status);
 
  private:

@@ -49,8 +49,17 @@ bool SeriesPlan::Any(const Visit& visit) const {
          std::ranges::any_of(values_, [&](const auto& value) { return visit(value.second); });
 }
 
-bool SeriesPlan::UsesSheet() const {
-  return Any([](const RowTemplate& t) { return t.UsesSheet(); });
+bool SeriesPlan::NamesUseSheet() const {
+  return std::ranges::any_of(names_, &RowTemplate::UsesSheet);
+}
+
+bool SeriesPlan::NamesUseRows() const {
+  return std::ranges::any_of(names_, &RowTemplate::UsesRow);
+}
+
+bool SeriesPlan::TextsUseSheet() const {
+  return text_.UsesSheet() ||
+         std::ranges::any_of(values_, [](const auto& value) { return value.second.UsesSheet(); });
 }
 
 std::vector<std::string> SeriesPlan::NumbersUsed() const {

@@ -20,8 +20,10 @@ class SeriesPlan {
 
   // Whether rows have options of their own.
   bool OptionsVary() const { return !values_.empty(); }
-  // Whether names of files or anything else speak of sheets.
-  bool UsesSheet() const;
+  // What names of files, and what all else speaks of.
+  bool NamesUseSheet() const;
+  bool NamesUseRows() const;
+  bool TextsUseSheet() const;
   // Which names of a row's number are used anywhere: "row", "n".
   std::vector<std::string> NumbersUsed() const;
 

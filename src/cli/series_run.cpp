@@ -25,6 +25,12 @@ std::string RowText(uint64_t row) {
   return std::to_string(row);
 }
 
+void ReportKept(const std::string& first, uint64_t count) {
+  ReportError(first, std::string("files that are there are kept") +
+                         (count > 1 ? ", as in " + RowText(count - 1) + " more" : "") +
+                         " (--replace writes them again, --resume takes them for done)");
+}
+
 void ReportClash(const NameClash& clash) {
   const std::string rows = clash.first == clash.second
                                ? "row " + RowText(clash.first) + " would write it twice"
@@ -61,6 +67,7 @@ bool SeriesRun::NamesAreGood() {
     unshown.clear();
     const bool is_wanted = IsInRange(row.number);
     counts_.rows += is_wanted ? 1 : 0;
+    if (sheets_) return true;
     const HeldMessages held(&unshown);
     if (!row.fault.empty() || !plan_.FillNames({&row}, &filled)) return true;
     for (const std::string& name : filled) {
@@ -92,8 +99,11 @@ ExitStatus SeriesRun::Prepare(std::string_view text, Escapes escapes) {
     return kFailed;
   }
   if (!plan_.Read(options_, text, escapes, rows_->columns())) return kWrongUsage;
-  if (plan_.UsesSheet()) {
-    ReportError("{sheet}", "is known only where rows go on sheets");
+  if (sheet_options_) {
+    sheets_.emplace(*sheet_options_, options_.outputs(), plan_, settings_.existing);
+    if (!sheets_->Check()) return kWrongUsage;
+  } else if (plan_.NamesUseSheet() || plan_.TextsUseSheet()) {
+    ReportError("{sheet}", "is known only where rows go on sheets (--sheet)");
     return kWrongUsage;
   }
   if (!plan_.OptionsVary()) {
@@ -143,6 +153,7 @@ SeriesRun::Outcome SeriesRun::MakeRow(Slot* slot, Worker* worker) {
     ReportError("", Utf16ToUtf8(slot->row.fault));
     return Outcome::kFailed;
   }
+  if (sheets_) return MakeSign(slot, worker);
   if (!plan_.FillNames({&slot->row}, &slot->names)) return Outcome::kFailed;
   const bool keeps = settings_.existing != ExistingFiles::kReplace;
   const auto stays = [&](const std::string& name) {
@@ -157,11 +168,25 @@ SeriesRun::Outcome SeriesRun::MakeRow(Slot* slot, Worker* worker) {
       settings_.existing == ExistingFiles::kResume ? Outcome::kDone : Outcome::kKept;
   if (slot->wanted.empty()) return standing;
   CutDrawing made;
-  const bool is_made = worker->maker.Make({&slot->row}, &made) &&
-                       ReportOnCut(made, manner_.strict) && WriteFiles(made, slot, worker);
-  if (!is_made) return Outcome::kFailed;
+  if (!MakeDrawing(slot->row, worker, &made) || !WriteFiles(made, slot, worker)) {
+    return Outcome::kFailed;
+  }
   if (manner_.json) slot->json = JsonOf(made, slot->files);
   return is_whole || standing == Outcome::kDone ? Outcome::kMade : standing;
+}
+
+bool SeriesRun::MakeDrawing(const SeriesRow& row, Worker* worker, CutDrawing* made) const {
+  return worker->maker.Make({&row}, made) && ReportOnCut(*made, manner_.strict);
+}
+
+SeriesRun::Outcome SeriesRun::MakeSign(Slot* slot, Worker* worker) const {
+  CutDrawing made;
+  if (!MakeDrawing(slot->row, worker, &made)) return Outcome::kFailed;
+  const CutOptions& options = worker->maker.options();
+  slot->style = {options.style(), options.job().tolerance};
+  if (manner_.json) slot->json = JsonOf(made, {});
+  slot->sign = std::move(made.drawing);
+  return Outcome::kMade;
 }
 
 bool SeriesRun::WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker) {
@@ -184,8 +209,28 @@ bool SeriesRun::WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker) {
   return true;
 }
 
+void SeriesRun::PutOnSheet(Slot* slot) {
+  if (slot->outcome != Outcome::kMade) return;
+  const HeldMessages held(&slot->messages);
+  if (!sheets_->Add(slot->sign, slot->style, slot->row.number)) slot->outcome = Outcome::kFailed;
+  if (sheets_->counts().failed) stops_ = true;
+}
+
+// Writes the last sheet. False when not all sheets stand as they were wanted.
+bool SeriesRun::FinishSheets() {
+  if (!sheets_) return true;
+  sheets_->Finish();
+  const SheetFiles::Counts& counts = sheets_->counts();
+  counts_.files = counts.files;
+  counts_.bytes = counts.bytes;
+  if (counts.kept > 0) ReportKept(counts.first_kept, counts.kept);
+  if (manner_.json) all_printed_ &= Print(sheets_->TakeJson());
+  return !counts.failed && counts.kept == 0;
+}
+
 // Counts and tells, in the order of the rows.
 void SeriesRun::Give(Slot* slot) {
+  if (sheets_) PutOnSheet(slot);
   const char* outcome = "made";
   switch (slot->outcome) {
     case Outcome::kMade:
@@ -249,12 +294,12 @@ bool SeriesRun::PrintSummary() const {
   const auto part = [](uint64_t count, const char* what) {
     return count == 0 ? std::string() : ", " + RowText(count) + what;
   };
-  return PrintLine(RowText(counts_.rows) + (counts_.rows == 1 ? " row: " : " rows: ") +
-                   RowText(counts_.made) + " made" + part(counts_.done, " done before") +
-                   part(counts_.kept, " kept") + part(counts_.failed, " failed") +
-                   part(counts_.not_tried, " not tried") + ", " + RowText(counts_.files) +
-                   (counts_.files == 1 ? " file, " : " files, ") + RowText(counts_.bytes) +
-                   " bytes");
+  return PrintLine(
+      RowText(counts_.rows) + (counts_.rows == 1 ? " row: " : " rows: ") + RowText(counts_.made) +
+      " made" + part(counts_.done, " done before") + part(counts_.kept, " kept") +
+      part(counts_.failed, " failed") + part(counts_.not_tried, " not tried") +
+      (sheets_ ? part(sheets_->counts().sheets, " sheets") : "") + ", " + RowText(counts_.files) +
+      (counts_.files == 1 ? " file, " : " files, ") + RowText(counts_.bytes) + " bytes");
 }
 
 ExitStatus SeriesRun::Run(std::string_view text, Escapes escapes) {
@@ -273,19 +318,15 @@ ExitStatus SeriesRun::Run(std::string_view text, Escapes escapes) {
   messages_->Finish();
   if (!list_status_.ok()) ReportError(list_status_);
   if (counts_.not_tried > 0) {
-    ReportError("series", "stops, for the disk is full: " + RowText(counts_.not_tried) +
+    ReportError("series", "stops, for files cannot be written: " + RowText(counts_.not_tried) +
                               " rows are not tried (--resume goes on)");
   }
-  if (counts_.kept > 0) {
-    ReportError(counts_.first_kept,
-                std::string("files that are there are kept") +
-                    (counts_.kept > 1 ? ", as in " + RowText(counts_.kept - 1) + " more" : "") +
-                    " (--replace writes them again, --resume takes them for done)");
-  }
+  const bool sheets_stand = FinishSheets();
+  if (counts_.kept > 0) ReportKept(counts_.first_kept, counts_.kept);
   const bool is_told = FinishFailed() && PrintSummary();
   const bool is_flushed = FinishPrinting() && all_printed_;
   const bool all_made = counts_.failed + counts_.kept + counts_.not_tried == 0;
-  return is_told && is_flushed && all_made && list_status_.ok() ? kDone : kFailed;
+  return is_told && is_flushed && all_made && sheets_stand && list_status_.ok() ? kDone : kFailed;
 }
 
 }  // namespace kerno

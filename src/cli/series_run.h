@@ -17,6 +17,7 @@
 #include "cli/series_messages.h"
 #include "cli/series_options.h"
 #include "cli/series_plan.h"
+#include "cli/sheet_files.h"
 
 namespace kerno {
 
@@ -30,6 +31,9 @@ class SeriesRun {
   // The options' outputs are read, their job is not.
   SeriesRun(const CutOptions& options, SeriesSettings settings, SeriesManner manner)
       : options_(options), settings_(std::move(settings)), manner_(manner) {}
+
+  // Rows go on sheets, not into files of their own. The options live as long as this object.
+  void PutOnSheets(SheetOptionGroup* sheets) { sheet_options_ = sheets; }
 
   // `text` is the template of the texts.
   ExitStatus Run(std::string_view text, Escapes escapes);
@@ -51,6 +55,8 @@ class SeriesRun {
     std::vector<WrittenFile> files;  // those written
     std::vector<Message> messages;
     std::string json;
+    Drawing sign;  // for a sheet
+    SheetStyle style;
   };
   // What a thread keeps from row to row.
   struct Worker {
@@ -71,8 +77,12 @@ class SeriesRun {
   bool Take(Slot* slot);
   void Work(Slot* slot, Worker* worker);
   Outcome MakeRow(Slot* slot, Worker* worker);
+  bool MakeDrawing(const SeriesRow& row, Worker* worker, CutDrawing* made) const;
+  Outcome MakeSign(Slot* slot, Worker* worker) const;
   bool WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker);
   void Give(Slot* slot);
+  void PutOnSheet(Slot* slot);
+  bool FinishSheets();
   bool FinishFailed();
   bool PrintSummary() const;
 
@@ -86,6 +96,8 @@ class SeriesRun {
   Status list_status_;
   std::optional<SeriesMessages> messages_;
   std::unique_ptr<FailedRows> failed_;
+  SheetOptionGroup* sheet_options_ = nullptr;
+  std::optional<SheetFiles> sheets_;
   std::atomic<bool> stops_ = false;
   bool all_printed_ = true;
   Counts counts_;

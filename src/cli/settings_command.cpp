@@ -126,13 +126,17 @@ bool SettingsCommand::ReadNames(std::u16string* section, std::u16string* key) co
 
 ExitStatus SettingsCommand::PrintPath() {
   const IniStore store(kStoreName);
-  const bool exists = PathExists(TextPath(store.profile_path()));
+  if (store.profile_path().empty()) {
+    ReportError("settings", "there is no folder of the user's own to keep them in");
+    return kFailed;
+  }
+  const bool missing = FactsOfPath(TextPath(store.profile_path())).kind == PathKind::kMissing;
   std::string text = Utf16ToUtf8(store.profile_path()) + "\n";
   text += store.displaced()
               ? "the folder of the settings cannot be written; this is the temporary one"
               : ReasonText(SettingsProcess::Current().Base().reason);
   return PrintAll(text +
-                  (exists ? "\n" : "\nthere is no file yet: every setting has its default\n"));
+                  (missing ? "\nthere is no file yet: every setting has its default\n" : "\n"));
 }
 
 ExitStatus SettingsCommand::List() {

@@ -110,12 +110,10 @@ std::optional<Job> TextOptions::Resolve(ExitStatus* status) {
   }
   job.text.face = FaceFormOf(face->family);
   job.text.face.vertical |= vertical_;
-  if (!ChooseFace(&job) || !ChooseStyle(face->style, &job)) {
-    *status = kFaceTrouble;
-    return std::nullopt;
-  }
+  *status = ChooseFace(&job);
+  if (*status == kDone) *status = ChooseStyle(face->style, &job);
+  if (*status != kDone) return std::nullopt;
   if (job.text.face.vertical) SetVertical(&job.text);
-  *status = kDone;
   return job;
 }
 
@@ -153,43 +151,47 @@ bool TextOptions::ReadNumbers(Job* job) {
   return true;
 }
 
-bool TextOptions::ChooseFace(Job* job) const {
+ExitStatus TextOptions::ChooseFace(Job* job) const {
   const FaceChoice choice = kerno::ChooseFace(job->text.face);
   job->text.face = choice.face;
   if (choice.style && app_->count("--weight") == 0) job->text.weight = choice.style->weight;
   if (choice.style) job->text.italic = choice.style->italic;
-  if (choice.installed || substitute_) return true;
+  if (choice.installed || (substitute_ && !choice.unreadable)) return kDone;
   ReportError(Utf16ToUtf8(choice.what), Utf16ToUtf8(choice.why));
-  return false;
+  return choice.unreadable ? kFailed : kFaceTrouble;
 }
 
 // A style by its name, and bold by its number where the family has none.
-bool TextOptions::ChooseStyle(std::u16string_view style, Job* job) const {
+ExitStatus TextOptions::ChooseStyle(std::u16string_view style, Job* job) const {
   constexpr int32_t kBoldFrom = 550;  // weights above count as bold
   FaceForm& face = job->text.face;
   const bool bold = style.empty() && job->text.weight > kBoldFrom && !face.name.empty();
-  if (style.empty() && !bold) return true;
+  if (style.empty() && !bold) return kDone;
   SystemStyle chosen;
   std::u16string name = face.name;
   const Status found = kerno::ChooseStyle(bold ? u"Bold" : style, &name, &chosen);
+  if (!found.ok() && found.what != u"style" && found.what != u"face") {
+    ReportError(found);
+    return kFailed;
+  }
   if (!found.ok()) {
-    if (bold) return true;  // the rasteriser has its own way with weights
+    if (bold) return kDone;  // the rasteriser has its own way with weights
     ReportError("--style", Utf16ToUtf8(found.why));
-    return false;
+    return kFaceTrouble;
   }
   if (!bold) {
     job->text.weight = chosen.weight;
     job->text.italic = chosen.italic;
     face.name = name;
   }
-  if (!chosen.made_bold) return true;
+  if (!chosen.made_bold) return kDone;
   const std::string what = "\"" + Utf16ToUtf8(name) + "\" has no bold letters";
   if (strict_) {
     ReportError("face", what);
-    return false;
+    return kFaceTrouble;
   }
   ReportWarning("face", what + ": the rasteriser makes them, and their outlines may cross");
-  return true;
+  return kDone;
 }
 
 std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing placing,
@@ -197,6 +199,11 @@ std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing pl
   const auto context = CreateMeasuringContext();
   Typesetter typesetter(*context);
   auto set = placing == Placing::kPlaced ? Make(job, typesetter) : typesetter.LayOut(job.text);
+  if (const Status reading = context->FontReading(); !reading.ok()) {
+    ReportError(reading);
+    *status = kFailed;
+    return std::nullopt;
+  }
   if (!set) {
     ReportError("faces", "the system has none installed");
     *status = kFaceTrouble;
@@ -222,17 +229,25 @@ std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing pl
                       (touching == 1 ? " character touches" : " characters touch") +
                       " the one before (--pitch cell sets them apart)");
   }
-  if (set->contours.counts.empty()) ReportWarning("text", "has no outlines");
+  if (set->contours.empty()) ReportWarning("text", "has no outlines");
   *status = kDone;
   return set;
 }
 
-bool TextOptions::CheckRange(std::span<const P2> points) {
-  const bool finite = std::all_of(points.begin(), points.end(), [](const P2& p) {
-    return std::isfinite(p.x) && std::isfinite(p.y);
-  });
-  if (!finite) ReportError("--scale and --at", "take the drawing out of the range of numbers");
-  return finite;
+bool TextOptions::CheckRange(const TextContours& contours) {
+  bool finite = true;
+  contours.EachPoint(
+      [&](const P2& p) { finite = finite && std::isfinite(p.x) && std::isfinite(p.y); });
+  return finite || ReportRange();
+}
+
+bool TextOptions::CheckRange(const P2& size) {
+  return (std::isfinite(size.x) && std::isfinite(size.y)) || ReportRange();
+}
+
+bool TextOptions::ReportRange() {
+  ReportError("--scale and --at", "take the drawing out of the range of numbers");
+  return false;
 }
 
 }  // namespace kerno

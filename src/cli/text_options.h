@@ -3,7 +3,6 @@
 
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -30,16 +29,18 @@ class TextOptions {
 
   // Whether finished coordinates are numbers; reports when a scale or a place took them out of
   // range.
-  static bool CheckRange(std::span<const P2> points);
+  static bool CheckRange(const TextContours& contours);
+  static bool CheckRange(const P2& size);
 
   bool quiet() const { return quiet_; }
   // Whether the face is left to the system.
   bool FaceIsOpen() const { return face_.IsOpen(); }
 
  private:
+  static bool ReportRange();
   bool ReadNumbers(Job* job);
-  bool ChooseFace(Job* job) const;
-  bool ChooseStyle(std::u16string_view style, Job* job) const;
+  ExitStatus ChooseFace(Job* job) const;
+  ExitStatus ChooseStyle(std::u16string_view style, Job* job) const;
 
   TextSource source_;
   FaceOptions face_;

@@ -43,6 +43,10 @@ Box2 InkOf(const Drawing& drawing) {
   return ink;
 }
 
+Box2 PictureOf(const Drawing& drawing) {
+  return drawing.sheet ? *drawing.sheet : InkOf(drawing);
+}
+
 DrawingFacts FactsOf(const Drawing& drawing) {
   std::vector<DrawingFacts> of_shapes;
   for (const Shape& shape : drawing.shapes) of_shapes.push_back(FactsOf(shape));

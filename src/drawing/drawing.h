@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "drawing/path.h"
@@ -26,22 +27,34 @@ struct ShapePath {
 // welded. Coordinates are in the drawing's unit, y up, about the shape's own origin.
 using Shape = std::vector<ShapePath>;
 
+// What a shape is there for, in the order in which the machine takes them.
+enum class ShapeRole : uint8_t {
+  kMark,    // a register mark of a sheet
+  kNumber,  // the number of a sign, to be engraved
+  kText,    // the text itself
+  kFrame,   // what is cut around a sign
+};
+
 // A shape at its place.
 struct PlacedShape {
   uint32_t shape = 0;
   P2 at;              // where the shape's origin goes
   uint32_t line = 0;  // the line of the text that it belongs to
+  ShapeRole role = ShapeRole::kText;
 };
 
 struct Drawing {
   LengthUnit unit = LengthUnit::kMillimetre;
   std::vector<Shape> shapes;
   std::vector<PlacedShape> placed;
-  bool strokes = false;  // lines to follow, closed or not: never filled
+  bool strokes = false;       // lines to follow, closed or not: never filled
+  std::optional<Box2> sheet;  // the material, where the drawing lies on a sheet of a given size
 };
 
 // The box of everything that is drawn; empty for a drawing without paths.
 Box2 InkOf(const Drawing& drawing);
+// What a picture of the drawing shows: the sheet, or the ink where there is none.
+Box2 PictureOf(const Drawing& drawing);
 
 // What a drawing consists of.
 struct DrawingFacts {

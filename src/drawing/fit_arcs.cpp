@@ -286,7 +286,7 @@ Path Fitted(const Path& path, double tolerance, StretchRule rule, Joints joints)
   tolerance = std::min(tolerance, std::max(box.Width(), box.Height()) * kCoarsest);
   const SmoothStretches smooth = StretchesOf(path, tolerance * kPointShare, rule);
   if (smooth.pieces.empty()) return result;
-  result.start = smooth.pieces.front().start;
+  result.start = smooth.stretches.front().first.at;  // a corner may lie before the first piece
   ArcFitter fitter(smooth, tolerance, joints, &result.segments);
   for (const Stretch& stretch : smooth.stretches) {
     if (stretch.curved) {

@@ -76,6 +76,44 @@ P2 DirectionAt(const Piece& piece, double t) {
   return Unit(c.d3);
 }
 
+Segment AsCubic(const Piece& piece) {
+  Segment segment = piece.segment;
+  const P2& from = piece.start;
+  const P2& to = segment.end;
+  if (segment.kind == SegmentKind::kLine) {
+    segment.first = from + (to - from) * (1.0 / 3);
+    segment.second = from + (to - from) * (2.0 / 3);
+  } else if (segment.kind == SegmentKind::kQuadratic) {
+    segment.second = to + (segment.first - to) * (2.0 / 3);
+    segment.first = from + (segment.first - from) * (2.0 / 3);
+  }
+  if (segment.kind != SegmentKind::kArc) segment.kind = SegmentKind::kCubic;
+  return segment;
+}
+
+void AppendCubics(const Piece& arc, double tolerance, std::vector<Segment>* cubics) {
+  const double bulge = std::fabs(arc.segment.bulge);
+  const double radius = RadiusOf(arc);
+  // How far the cubic of an arc leaves it: at most this, up to a quarter of a circle, where it is
+  // 0.00027 radii, and it falls with the sixth power of the angle.
+  constexpr double kWorst = 0.08;
+  constexpr double kQuarter = 0.42;
+  const double strays = radius * kWorst * (bulge * bulge * bulge) * (bulge * bulge * bulge);
+  if (std::isfinite(radius) && (bulge > kQuarter || strays > tolerance)) {
+    AppendCubics(Between(arc, 0, 0.5), tolerance, cubics);
+    AppendCubics(Between(arc, 0.5, 1), tolerance, cubics);
+    cubics->back().end = arc.segment.end;
+    return;
+  }
+  if (!std::isfinite(radius)) {
+    cubics->push_back({SegmentKind::kLine, arc.segment.end});
+    return;
+  }
+  const double reach = radius * bulge * 4 / 3;
+  cubics->push_back({SegmentKind::kCubic, arc.segment.end, arc.start + DirectionAt(arc, 0) * reach,
+                     arc.segment.end - DirectionAt(arc, 1) * reach});
+}
+
 Piece Reversed(const Piece& piece) {
   Piece result = piece;
   result.start = piece.segment.end;

@@ -42,6 +42,12 @@ P2 DirectionAt(const Piece& piece, double t);
 // back exactly.
 Piece Between(const Piece& piece, double from, double to);
 
+// A line or curve as a cubic; an arc comes back as it is.
+Segment AsCubic(const Piece& piece);
+
+// Appends cubics along an arc, no farther than `tolerance` (above 0) from it.
+void AppendCubics(const Piece& arc, double tolerance, std::vector<Segment>* cubics);
+
 // The whole piece backwards.
 Piece Reversed(const Piece& piece);
 // The same line the other way round; a closed path keeps its start.

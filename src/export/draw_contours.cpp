@@ -6,19 +6,17 @@
 
 namespace kerno {
 
-void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Affine& fit,
+void DrawContours(DrawingContext& dc, const TextContours& contours, const Affine& fit,
                   const DrawOptions& options) {
   PointRun run(options.detail);
   std::vector<uint32_t> counts;
-  counts.reserve(contours.counts.size());
-  size_t at = 0;
-  for (uint32_t count : contours.counts) {
-    const size_t end = std::min(contours.points.size(), at + count);
+  counts.reserve(contours.size());
+  std::vector<P2> room;
+  for (size_t i = 0; i < contours.size(); ++i) {
     run.Begin();
     DevicePoint min, max;
     size_t pictured = 0;
-    for (; at < end; ++at) {
-      const P2& p = contours.points[at];
+    for (const P2& p : contours.Contour(i, &room)) {
       if (!kPicturedXY.Takes(P3{p.x, p.y})) continue;
       const DevicePoint placed = Placed(fit, p);
       if (pictured++ == 0) min = max = placed;

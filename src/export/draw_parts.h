@@ -8,7 +8,7 @@
 
 #include "export/draw_texts.h"
 #include "export/fit.h"
-#include "outline/glyph_contours.h"
+#include "outline/text_contours.h"
 #include "parts/parts.h"
 #include "platform/drawing.h"
 
@@ -26,7 +26,7 @@ PictureNotes DrawParts(DrawingContext& dc, const PartsA& model, const Affine& fi
 
 // All contours (y up) as one set of polygons filled by the alternate rule, so that counters stay
 // open, with the selected pen and brush and without any limit of number.
-void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Affine& fit,
+void DrawContours(DrawingContext& dc, const TextContours& contours, const Affine& fit,
                   const DrawOptions& options);
 
 // The box of everything that DrawParts shows, half the pens' widths included; zero for a model that
@@ -34,6 +34,6 @@ void DrawContours(DrawingContext& dc, const GlyphContours& contours, const Affin
 Extent3 PictureBox(const PartsA& model, DeviceContext* dc);
 
 // The box of contours.
-Extent3 ContoursBox(const GlyphContours& contours);
+Extent3 ContoursBox(const TextContours& contours);
 
 }  // namespace kerno

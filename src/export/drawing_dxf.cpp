@@ -8,6 +8,7 @@
 #include "base/file_wait.h"
 #include "base/text.h"
 #include "drawing/measures.h"
+#include "drawing/segment.h"
 #include "export/drawing_dxf_frame.h"
 #include "export/dxf_lines.h"
 #include "export/fixed_number.h"
@@ -46,10 +47,9 @@ class DrawingDxf {
     frame_.unit = drawing.unit;
     frame_.decimals = drawing.unit == LengthUnit::kInch ? 8 : 6;
     frame_.box = InkOf(drawing);
-    frame_.color = style.color;
-    frame_.page = CodePageOf(layers_.names());
-    for (const std::u16string& name : layers_.names()) {
-      frame_.layers.push_back(DxfLayerText(name, frame_.page));
+    frame_.page = CodePageOf(layers_.Names());
+    for (const DrawingLayer& layer : layers_.all()) {
+      frame_.layers.push_back({DxfLayerText(layer.name, frame_.page), layer.color});
     }
     for (const PlacedShape& placed : drawing.placed) {
       frame_.entities += drawing.shapes[placed.shape].size();
@@ -64,7 +64,7 @@ class DrawingDxf {
       const Shape& shape = drawing_.shapes[placed.shape];
       vertices_[placed.shape].resize(shape.size());
       for (size_t i = 0; i < shape.size(); ++i) {
-        const std::string& layer = frame_.layers[layers_.Of(placed, n, shape[i])];
+        const std::string& layer = frame_.layers[layers_.Of(placed, n, shape[i])].name;
         Entity(shape[i].path, placed.at, layer, &vertices_[placed.shape][i]);
         if (lines_.text().size() >= kBlock) Flush();
       }
@@ -199,23 +199,13 @@ void DrawingDxf::Spline(const Path& path, const P2& at, const std::string& layer
     lines_.Point(Moved(p, at), frame_.decimals);
     lines_.Pair(" 30", "0");
   };
-  const auto toward = [](const P2& from, const P2& to, double part) {
-    return P2{from.x + (to.x - from.x) * part, from.y + (to.y - from.y) * part};
-  };
   P2 from = path.start;
   control(from);
   for (const Segment& segment : path.segments) {
-    P2 first = segment.first, second = segment.second;
-    if (segment.kind == SegmentKind::kLine) {
-      first = toward(from, segment.end, 1.0 / 3);
-      second = toward(from, segment.end, 2.0 / 3);
-    } else if (segment.kind == SegmentKind::kQuadratic) {
-      second = toward(segment.end, segment.first, 2.0 / 3);
-      first = toward(from, segment.first, 2.0 / 3);
-    }
-    control(first);
-    control(second);
-    control(segment.end);
+    const Segment cubic = AsCubic({from, segment});
+    control(cubic.first);
+    control(cubic.second);
+    control(cubic.end);
     from = segment.end;
   }
 }

@@ -129,7 +129,7 @@ void DxfFrame::LayerTable() {
   };
   layer(kLayerZero, "0", 7);
   uint64_t handle = kFirstDxfHandle;
-  for (const std::string& name : facts_.layers) layer(DxfHex(handle++), name, facts_.color);
+  for (const auto& [name, color] : facts_.layers) layer(DxfHex(handle++), name, color);
   Put("  0\nENDTAB\n");
 }
 

@@ -21,10 +21,13 @@ struct DxfFrameFacts {
   LengthUnit unit = LengthUnit::kMillimetre;
   int decimals = 6;
   DxfCodePage page = DxfCodePage::k1252;
-  Box2 box;                         // of all that is drawn
-  std::vector<std::string> layers;  // as DxfLayerText makes their names
-  int color = 1;                    // of the layers
-  size_t entities = 0;              // each has one handle
+  Box2 box;  // of all that is drawn
+  struct Layer {
+    std::string name;  // as DxfLayerText makes it
+    int color = 1;
+  };
+  std::vector<Layer> layers;
+  size_t entities = 0;  // each has one handle
 };
 
 // Layers have the handles from this one on, entities those after them.

@@ -5,6 +5,8 @@
 #include "base/text.h"
 #include "export/drawing_dxf.h"
 #include "export/drawing_parts.h"
+#include "export/drawing_pdf.h"
+#include "export/drawing_plt.h"
 #include "export/drawing_svg.h"
 #include "platform/system.h"
 
@@ -33,6 +35,8 @@ Status WriteDrawing(const Drawing& drawing, const DrawingStyle& style, double to
                     const Format& format, const std::filesystem::path& file) {
   if (format.extension == "dxf") return WriteDrawingDxf(drawing, style, file);
   if (format.extension == "svg") return WriteDrawingSvg(drawing, style, file);
+  if (format.extension == "plt") return WriteDrawingPlt(drawing, style, tolerance, file);
+  if (format.extension == "pdf") return WriteDrawingPdf(drawing, style, tolerance, file);
   // The parts model keeps settings and the state of its searches for one thread at a time.
   static std::mutex parts_model;
   const std::lock_guard lock(parts_model);

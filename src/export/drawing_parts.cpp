@@ -62,14 +62,14 @@ class PathToParts {
 PartsA PartsOf(const Drawing& drawing, const DrawingStyle& style, double tolerance, double scale,
                ArcForm arcs) {
   const DrawingLayers layers(drawing, style);
-  const auto color = static_cast<int32_t>(AciToRgb(style.color));
   PartsA model;
   for (size_t n = 0; n < drawing.placed.size(); ++n) {
     const PlacedShape& placed = drawing.placed[n];
     const std::u16string* layer = nullptr;
     for (const ShapePath& path : drawing.shapes[placed.shape]) {
-      const std::u16string& name = layers.names()[layers.Of(placed, n, path)];
+      const auto& [name, index, role] = layers.all()[layers.Of(placed, n, path)];
       if (!layer || *layer != name) {
+        const auto color = static_cast<int32_t>(AciToRgb(index));
         PartsElement& part = model.parts.emplace_back();
         part.name = name;
         part.pen.color = color;

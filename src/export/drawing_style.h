@@ -1,12 +1,14 @@
 // How a drawing for a machine stands in its file.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "drawing/drawing.h"
+#include "parts/color.h"
 
 namespace kerno {
 
@@ -34,18 +36,56 @@ struct DrawingStyle {
   std::optional<int64_t> moment;  // as in OutputOptions
 };
 
-// The layers of a drawing in the order of first use, and which one a path is on.
+struct DrawingLayer {
+  std::u16string name;
+  int color = 1;  // as in DrawingStyle
+  ShapeRole role = ShapeRole::kText;
+};
+
+// The layers of a drawing in the order in which they are cut, and which one a path is on. What is
+// no text has layers of its own after the style's name, in colours of their own.
 class DrawingLayers {
  public:
   DrawingLayers(const Drawing& drawing, const DrawingStyle& style);
 
-  const std::vector<std::u16string>& names() const { return names_; }
-  // The place in names() of a path of the n-th placed shape.
+  const std::vector<DrawingLayer>& all() const { return layers_; }
+  std::vector<std::u16string> Names() const;
+  // The place in all() of a path of the n-th placed shape.
   size_t Of(const PlacedShape& placed, size_t n, const ShapePath& path) const;
 
+  // The placed shapes that may have paths on a layer: from `first` to before `last`.
+  struct Range {
+    size_t first = 0, last = 0;
+  };
+  Range PlacedOn(size_t layer) const { return ranges_[layer]; }
+
  private:
+  void AddTextLayers(const Drawing& drawing, const DrawingStyle& style);
+
   LayerRule rule_;
-  std::vector<std::u16string> names_;
+  std::vector<DrawingLayer> layers_;
+  std::vector<Range> ranges_;
+  std::array<size_t, 4> first_of_role_ = {};
+  std::vector<size_t> glyphs_;  // LayerRule::kGlyph: which text shape each placed one is
 };
+
+// Hands every path of a layer and its place to `visit`, in the drawing's order.
+template <class Visit>
+void ForEachPathOn(size_t layer, const DrawingLayers& layers, const Drawing& drawing, Visit visit) {
+  const auto [first, last] = layers.PlacedOn(layer);
+  for (size_t n = first; n < last; ++n) {
+    const PlacedShape& placed = drawing.placed[n];
+    for (const ShapePath& path : drawing.shapes[placed.shape]) {
+      if (path.path.segments.empty() || layers.Of(placed, n, path) != layer) continue;
+      visit(path.path, placed.at);
+    }
+  }
+}
+
+// A colour index on white paper: 7 is what stands out from the ground, white in CAD, black here.
+Color ColorOnPaper(int color);
+
+// What stands for a line without width: a thousandth of an inch, as laser drivers take it.
+double HairlineOf(LengthUnit unit);
 
 }  // namespace kerno

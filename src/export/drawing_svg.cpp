@@ -10,7 +10,6 @@
 #include "drawing/affine.h"
 #include "drawing/measures.h"
 #include "drawing/segment.h"
-#include "export/aci.h"
 #include "export/fixed_number.h"
 #include "export/svg_numbers.h"
 #include "export/xml_out.h"
@@ -25,7 +24,7 @@ class DrawingSvg {
         style_(style),
         layers_(drawing, style),
         xml_(out),
-        box_(InkOf(drawing)),
+        box_(PictureOf(drawing)),
         decimals_(drawing.unit == LengthUnit::kInch ? 8 : 6) {
     if (!(box_.min.x <= box_.max.x)) box_ = {{0, 0}, {0, 0}};
     down_ = FlippedY(1, {-box_.min.x, box_.max.y});
@@ -86,30 +85,25 @@ Status DrawingSvg::Write() {
   *out += "0 0 ";
   Append(out, {width, height});
   xml_.EndAttribute();
-  for (size_t layer = 0; layer < layers_.names().size(); ++layer) Group(layer);
+  for (size_t layer = 0; layer < layers_.all().size(); ++layer) Group(layer);
   xml_.End();
   return xml_.Finish();
 }
 
 void DrawingSvg::Group(size_t layer) {
-  // Index 7 is what stands out from the ground: white in CAD, black on paper.
-  constexpr int kContrast = 7;
-  const std::string color =
-      style_.color == kContrast ? "#000000" : SvgColor(AciToRgb(style_.color));
-  const bool cuts = style_.svg == SvgLook::kCut || drawing_.strokes;
+  const std::string color = SvgColor(ColorOnPaper(layers_.all()[layer].color));
+  const bool cuts = style_.svg == SvgLook::kCut || drawing_.strokes ||
+                    layers_.all()[layer].role != ShapeRole::kText;
   xml_.Begin("g");
-  xml_.Attribute("id", std::u16string_view(layers_.names()[layer]));
+  xml_.Attribute("id", std::u16string_view(layers_.all()[layer].name));
   xml_.Attribute("fill", std::string_view(cuts ? "none" : color));
   if (cuts) {
     xml_.Attribute("stroke", std::string_view(color));
-    // What laser drivers take for a hairline: a thousandth of an inch.
-    Number("stroke-width", drawing_.unit == LengthUnit::kInch ? 0.001 : 0.0254, "");
+    Number("stroke-width", HairlineOf(drawing_.unit), "");
   } else {
     xml_.Attribute("fill-rule", std::string_view("nonzero"));
   }
-  const bool alone = style_.layers == LayerRule::kGlyph;  // a shape for each layer
-  const size_t first = alone ? layer : 0;
-  const size_t last = alone ? layer + 1 : drawing_.placed.size();
+  const auto [first, last] = layers_.PlacedOn(layer);
   for (size_t n = first; n < last; ++n) ShapeOnLayer(drawing_.placed[n], n, layer);
   xml_.End();
 }

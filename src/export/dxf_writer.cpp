@@ -1,5 +1,6 @@
 #include "export/dxf_writer.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -68,9 +69,21 @@ std::string TextStyle(std::string_view name, std::string_view flags, std::string
                 " 50", "0.0",   " 71", "0",  " 42", "3.5", "  3", "txt", "  4", big_font});
 }
 
+// Control characters beside those that are escaped: they end lines for some readers, and reach the
+// terminals of others.
+bool IsUnwritable(char16_t unit) {
+  const bool is_escaped = unit == u'\t' || unit == u'\n' || unit == u'\r';
+  return (unit < u' ' && !is_escaped) || unit == 0x7F;
+}
+
 }  // namespace
 
 std::string DxfTextBytes(std::u16string_view text) {
+  if (std::ranges::any_of(text, IsUnwritable)) {
+    std::u16string clean(text);
+    std::ranges::replace_if(clean, IsUnwritable, u'_');
+    return DxfTextBytes(clean);
+  }
   std::string bytes = ToShiftJis(EscapeText(text));
   if (bytes.size() <= DxfWriter::kMaxTextBytes) return bytes;
   bytes.clear();

@@ -35,8 +35,8 @@ int32_t WholeUnit(double value) {
 
 }  // namespace
 
-EmfContext::EmfContext(const EmfFrame& frame, std::u16string_view picture)
-    : frame_(frame), encoder_(frame, u"Kerno", picture), fonts_(CreateMeasuringContext()) {
+EmfContext::EmfContext(const EmfFrame& frame, std::u16string_view picture, FileReplacement* out)
+    : frame_(frame), encoder_(frame, u"Kerno", picture, out), fonts_(CreateMeasuringContext()) {
   plain_pens_.first = pens_.first + kKept;
   brushes_.first = plain_pens_.first + kKept;
   file_fonts_.first = brushes_.first + kKept;

@@ -14,11 +14,12 @@ namespace kerno {
 // Fonts are those of a measuring context. Objects reach the file when something is drawn with them.
 class EmfContext final : public DrawingContext {
  public:
-  explicit EmfContext(const EmfFrame& frame, std::u16string_view picture);
+  // `out` outlives the context.
+  EmfContext(const EmfFrame& frame, std::u16string_view picture, FileReplacement* out);
   ~EmfContext() override;
 
-  // The file's bytes; nothing can be drawn afterwards.
-  std::string Finish() { return encoder_.Finish(); }
+  // Ends the file; nothing can be drawn afterwards.
+  [[nodiscard]] Status Finish() { return encoder_.Finish(); }
 
   std::unique_ptr<Font> CreateFontIndirect(const LogFont& wanted) override;
   Font* SelectFont(Font* font) override;

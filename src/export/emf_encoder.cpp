@@ -28,6 +28,8 @@ constexpr size_t kBytesAt = 48;
 constexpr size_t kRecordsAt = 52;
 constexpr size_t kHandlesAt = 56;
 
+constexpr size_t kMany = size_t{1} << 18;  // bytes, to be written at once
+
 bool FitsIn16(std::span<const IntPoint> points) {
   return std::all_of(points.begin(), points.end(), [](const IntPoint& p) {
     constexpr int32_t kLow = std::numeric_limits<int16_t>::min();
@@ -47,8 +49,8 @@ uint32_t WholeLength(double length) {
 }  // namespace
 
 EmfEncoder::EmfEncoder(const EmfFrame& frame, std::u16string_view program,
-                       std::u16string_view picture)
-    : frame_(frame) {
+                       std::u16string_view picture, FileReplacement* out)
+    : frame_(frame), out_(*out) {
   PutHeader(program, picture);
   PutMapping();
   PutWords(EmfRecord::kSetBkMode, {kTransparent});
@@ -225,13 +227,30 @@ void EmfEncoder::TextOut(IntPoint at, std::u16string_view text, std::span<const 
   End();
 }
 
-std::string EmfEncoder::Finish() {
+Status EmfEncoder::Finish() {
   constexpr uint32_t kEofSize = 20;
   PutWords(EmfRecord::kEof, {0, 16, kEofSize});
-  Patch32(kBytesAt, static_cast<uint32_t>(bytes_.size()));
+  const uint64_t size = written_ + bytes_.size();
+  const bool in_file = written_ > 0;  // where the header is
+  if (in_file) {
+    Drain();
+    bytes_.assign(kHandlesAt + 4, '\0');
+  }
+  Patch32(kBytesAt, static_cast<uint32_t>(size));
   Patch32(kRecordsAt, records_);
   Patch32(kHandlesAt, last_handle_ + 1);  // the reserved half beside it stays 0
-  return std::move(bytes_);
+  if (!in_file) {
+    Drain();
+  } else if (status_.ok()) {
+    status_ = out_.Rewrite(kBytesAt, std::string_view(bytes_).substr(kBytesAt));
+  }
+  return status_;
+}
+
+void EmfEncoder::Drain() {
+  if (status_.ok()) status_ = out_.Write(bytes_);
+  written_ += bytes_.size();
+  bytes_.clear();
 }
 
 void EmfEncoder::Begin(EmfRecord type) {
@@ -245,6 +264,7 @@ void EmfEncoder::End() {
   while (bytes_.size() % 4 != 0) bytes_.push_back('\0');
   Patch32(record_ + 4, static_cast<uint32_t>(bytes_.size() - record_));
   ++records_;
+  if (bytes_.size() >= kMany && out_.CanRewrite()) Drain();
 }
 
 void EmfEncoder::PutWords(EmfRecord type, std::initializer_list<uint32_t> words) {

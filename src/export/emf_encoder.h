@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/drawing.h"
+#include "platform/file_replacement.h"
 
 namespace kerno {
 
@@ -55,12 +56,15 @@ enum class EmfRecord : uint32_t {
 inline constexpr uint32_t kEmfNullBrush = 0x80000005;
 inline constexpr uint32_t kEmfNullPen = 0x80000008;
 
-// Collects records. Points go out in 16 bits where all of a record's fit, in 32 otherwise.
+// Writes records into a file: as they come where that can be written over, for the header tells
+// their size and number, at the end otherwise. Points go out in 16 bits where all of a record's
+// fit, in 32 otherwise.
 class EmfEncoder {
  public:
-  // Writes the header and sets up mapping, transparent background and alternate filling.
-  // `description` names the program and the picture.
-  EmfEncoder(const EmfFrame& frame, std::u16string_view program, std::u16string_view picture);
+  // `out` outlives the encoder. Writes the header and sets up mapping, transparent background and
+  // alternate filling. `description` names the program and the picture.
+  EmfEncoder(const EmfFrame& frame, std::u16string_view program, std::u16string_view picture,
+             FileReplacement* out);
 
   // Objects have the handles that the caller chooses, from 1 up and below 65,535; creating one does
   // not select it. Widths and lengths are logical units. Pens are no thinner than a pixel: a
@@ -87,8 +91,9 @@ class EmfEncoder {
   // A line of text with its upper left corner at `at`; advances[i] belongs to text[i].
   void TextOut(IntPoint at, std::u16string_view text, std::span<const int32_t> advances);
 
-  // Ends the file; the header then holds its size and counts. Nothing can follow.
-  std::string Finish();
+  // Ends the file; the header then holds its size and counts. Nothing can follow. The first failure
+  // of any write, if there was one.
+  [[nodiscard]] Status Finish();
 
  private:
   void Begin(EmfRecord type);
@@ -101,13 +106,17 @@ class EmfEncoder {
   void PutPoints(EmfRecord wide, EmfRecord narrow, std::span<const IntPoint> points);
   void PutFixedText(std::u16string_view text, size_t units);
   void Patch32(size_t at, uint32_t value);
+  void Drain();
   uint32_t PenWidth(const PenData& pen) const;
   void Uses(uint32_t handle) { last_handle_ = handle > last_handle_ ? handle : last_handle_; }
   void PutHeader(std::u16string_view program, std::u16string_view picture);
   void PutMapping();
 
   EmfFrame frame_;
-  std::string bytes_;
+  FileReplacement& out_;
+  Status status_;
+  uint64_t written_ = 0;
+  std::string bytes_;  // those that are not written yet
   size_t record_ = 0;  // where the current record begins
   uint32_t records_ = 0;
   uint32_t last_handle_ = 0;

@@ -52,10 +52,10 @@ Status WriteEmf(const PartsA& model, const EmfOptions& options, const std::files
   const std::unique_ptr<DeviceContext> fonts = CreateMeasuringContext();
   const EmfLayout layout = LayOutEmf(PictureBox(model, fonts.get()));
   const std::u16string title = options.title.empty() ? PathText(name.filename()) : options.title;
-  EmfContext context(layout.frame, title);
+  EmfContext context(layout.frame, title, out);
   if (!layout.one_to_one) TellScale(PixelsPerUnit(layout.fit), name);
   TellLeftOut(DrawParts(context, model, layout.fit, {}), kPicturedXY, name);
-  return out->Write(context.Finish());
+  return context.Finish();
 }
 
 Status ExportEmf(const PartsA& model, const std::filesystem::path& file,

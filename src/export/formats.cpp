@@ -1,7 +1,10 @@
 #include "export/formats.h"
 
 #include "base/text.h"
+#include "export/drawing_pdf.h"
+#include "export/drawing_plt.h"
 #include "export/ipl_writer.h"
+#include "export/parts_drawing.h"
 #include "export/x3d_writer.h"
 #include "parts/ipx.h"
 
@@ -53,6 +56,20 @@ constexpr Format kFormats[] = {
      32066,
      {},
      [](const PartsA& m, const Path& f, const Options&) { return ExportIpl(m, f); }},
+    {{"plt", "HPGL plot"},
+     Format::Dispatch::kNever,
+     0,
+     {},
+     [](const PartsA& m, const Path& f, const Options&) {
+       return WriteDrawingPlt(AtOrigin(DrawingOfParts(m, f)), {}, kPartsTolerance, f);
+     }},
+    {{"pdf", "PDF page"},
+     Format::Dispatch::kNever,
+     0,
+     {},
+     [](const PartsA& m, const Path& f, const Options&) {
+       return WriteDrawingPdf(DrawingOfParts(m, f), {}, kPartsTolerance, f);
+     }},
 };
 
 }  // namespace

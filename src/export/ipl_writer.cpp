@@ -14,6 +14,7 @@ namespace kerno {
 namespace {
 
 constexpr int kDigits = 15;
+constexpr size_t kWriteBlock = 1 << 16;
 
 // The vertices that count, gathered for their extents.
 class Gathered {
@@ -59,15 +60,19 @@ Status WriteIpl(const PartsA& model, const std::filesystem::path& name, FileRepl
   std::string text =
       ";IPL\tnumber\tlayer\tmin x\tmin y\tmin z\tmax x\tmax y\tmax z\twidth\theight\tdepth\r\n";
   Gathered whole;
+  Status status;
   size_t number = 0;
-  for (const PartsElement& part : model.parts) {
+  for (const PartsElement& part : PartsView(model)) {
     Gathered gathered;
     gathered.Add(part);
     whole.Add(part);
     AppendRecord(&text, "part", ++number, part.name, gathered.box());
+    if (text.size() < kWriteBlock) continue;
+    if (status.ok()) status = out->Write(text);
+    text.clear();
   }
   AppendRecord(&text, "whole", number, u"", whole.box());
-  Status status = out->Write(text);
+  if (status.ok()) status = out->Write(text);
   if (status.ok() && whole.passed_over()) {
     CurrentNotices().Message(PathText(name) +
                              u": vertices that are not finite or beyond 1e100 do not count");

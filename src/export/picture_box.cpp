@@ -64,16 +64,16 @@ Extent3 PictureBox(const PartsA& model, DeviceContext* dc) {
   return gatherer.box();
 }
 
-Extent3 ContoursBox(const GlyphContours& contours) {
+Extent3 ContoursBox(const TextContours& contours) {
   Extent3 box;
   bool first = true;
-  for (const P2& p : contours.points) {
+  contours.EachPoint([&](const P2& p) {
     const P3 at = {p.x, p.y, 0};
-    if (!kPicturedXY.Takes(at)) continue;
+    if (!kPicturedXY.Takes(at)) return;
     if (first) box = {at, at};
     first = false;
     Include(&box, at);
-  }
+  });
   return box;
 }
 

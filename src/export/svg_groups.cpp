@@ -56,17 +56,10 @@ bool HasFills(const PartsElement& part) {
 
 class SvgGroups {
  public:
-  explicit SvgGroups(SvgCanvas* canvas) : canvas_(*canvas) {}
+  SvgGroups(const PartsA& model, SvgCanvas* canvas) : parts_(model), canvas_(*canvas) {}
 
-  void Add(const PartsElement& part) {
-    if (HasFills(part)) {
-      WriteOutlines();
-      Fill(part);
-    }
-    if (!HasOutlines(part)) return;
-    const auto [place, is_new] = places_.try_emplace(KeyOf(part), pens_.size());
-    if (is_new) pens_.emplace_back();
-    pens_[place->second].push_back(&part);
+  void AddAll() {
+    for (size_t i = 0; i < parts_.size(); ++i) Add(i);
   }
   void Finish() {
     WriteOutlines();
@@ -74,19 +67,41 @@ class SvgGroups {
   }
 
  private:
+  void Add(size_t i) {
+    if (HasFills(parts_[i])) {
+      WriteOutlines();
+      Fill(parts_[i]);
+    }
+    const PartsElement& part = parts_[i];
+    if (!HasOutlines(part)) return;
+    const auto [place, is_new] = places_.try_emplace(KeyOf(part), pens_.size());
+    if (is_new) pens_.emplace_back();
+    pens_[place->second].push_back(static_cast<uint32_t>(i));
+  }
   void Fill(const PartsElement& part);
   void EndFill() {
-    if (filled_) canvas_.xml.End();
-    filled_ = nullptr;
+    if (is_filling_) canvas_.xml.End();
+    is_filling_ = false;
   }
   void WriteOutlines();
   void BeginOutlines(const PartsElement& part);
   void Comment(const PartsElement& part);
 
+  // What a group of faces is filled with.
+  struct Filling {
+    std::u16string layer;
+    int32_t color = 0;
+    HatchKind kind = HatchKind::kSolid;
+    bool operator==(const Filling&) const = default;
+  };
+
+  PartsView parts_;
   SvgCanvas& canvas_;
-  const PartsElement* filled_ = nullptr;  // the first part of the group of faces that stands open
-  // The parts whose outlines wait to be written, by their pens in order of first use.
-  std::vector<std::vector<const PartsElement*>> pens_;
+  Filling filled_;           // of the group of faces that stands open
+  bool is_filling_ = false;  // whether one does
+  // The numbers of the parts whose outlines wait to be written, by their pens in order of first
+  // use.
+  std::vector<std::vector<uint32_t>> pens_;
   std::map<PenKey, size_t> places_;
 };
 
@@ -107,13 +122,12 @@ void SvgGroups::Comment(const PartsElement& part) {
 }
 
 void SvgGroups::Fill(const PartsElement& part) {
-  const bool solid = FillKindOf(part.brush) == HatchKind::kSolid;
-  const bool goes_on = filled_ && filled_->name == part.name &&
-                       filled_->brush.color == part.brush.color &&
-                       FillKindOf(filled_->brush) == FillKindOf(part.brush);
-  if (!goes_on) {
+  const Filling filling = {part.name, part.brush.color, FillKindOf(part.brush)};
+  const bool solid = filling.kind == HatchKind::kSolid;
+  if (!is_filling_ || filled_ != filling) {
     EndFill();
-    filled_ = &part;
+    filled_ = filling;
+    is_filling_ = true;
     Comment(part);
     const std::string color = SvgColor(static_cast<Color>(part.brush.color));
     canvas_.xml.Begin("g");
@@ -129,8 +143,8 @@ void SvgGroups::WriteOutlines() {
   if (pens_.empty()) return;
   EndFill();
   for (const auto& parts : pens_) {
-    BeginOutlines(*parts[0]);
-    for (const PartsElement* part : parts) WriteSvgOutlines(*part, &canvas_);
+    BeginOutlines(parts_[parts[0]]);
+    for (const uint32_t i : parts) WriteSvgOutlines(parts_[i], &canvas_);
     canvas_.xml.End();
   }
   pens_.clear();
@@ -166,14 +180,14 @@ void SvgGroups::BeginOutlines(const PartsElement& part) {
 }  // namespace
 
 bool HasHairlines(const PartsA& model) {
-  return std::ranges::any_of(model.parts, [](const PartsElement& part) {
+  return std::ranges::any_of(PartsView(model), [](const PartsElement& part) {
     return KeyOf(part).width == 0 && HasOutlines(part);
   });
 }
 
 void WriteSvgGroups(const PartsA& model, SvgCanvas* canvas) {
-  SvgGroups groups(canvas);
-  for (const PartsElement& part : model.parts) groups.Add(part);
+  SvgGroups groups(model, canvas);
+  groups.AddAll();
   groups.Finish();
 }
 

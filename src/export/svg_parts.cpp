@@ -82,18 +82,13 @@ class SvgOutlines final : public ShapeSink {
  private:
   // A polygon where the lines come back to their first vertex, from which others may go on.
   void Polyline(const Vertices& points) override {
-    size_t first = 0;
-    for (size_t i = 3; i < points.size(); ++i) {
-      if (i - first < 3 || points.indices[i] != points.indices[first]) continue;
-      shapes_.Points("polygon", points.Part(first, i - first));
-      first = i;
-    }
-    const Vertices open = points.Part(first, points.size() - first);
-    if (open.size() == 2) {
-      shapes_.Line({open[0].x, open[0].y}, {open[1].x, open[1].y});
-    } else if (open.size() > 2) {
-      shapes_.Points("polyline", open);
-    }
+    SplitLoops(points, [&](const Vertices& part, bool closed) {
+      if (part.size() == 2) {
+        shapes_.Line({part[0].x, part[0].y}, {part[1].x, part[1].y});
+      } else {
+        shapes_.Points(closed ? "polygon" : "polyline", part);
+      }
+    });
   }
   void Circle(const CircleShape& circle) override {
     shapes_.Circle({circle.centre.x, circle.centre.y}, std::fabs(circle.radius));

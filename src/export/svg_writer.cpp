@@ -27,8 +27,8 @@ class SvgDrawing {
  public:
   SvgDrawing(const PartsA& model, XmlOut* xml, int digits)
       : model_(model), canvas_{*xml, digits, {xml, digits}} {
-    const bool texts =
-        std::ranges::any_of(model.parts, [](const auto& p) { return CountElements(p).texts > 0; });
+    const bool texts = std::ranges::any_of(
+        PartsView(model), [](const PartsElement& p) { return CountElements(p).texts > 0; });
     const std::unique_ptr<DeviceContext> dc = texts ? CreateMeasuringContext() : nullptr;
     box_ = PictureBox(model, dc.get());
     const double width = box_.max.x - box_.min.x;

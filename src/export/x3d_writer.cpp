@@ -126,30 +126,31 @@ void WriteShape(const Mesh& mesh, Color color, bool faces, XmlOut* xml) {
 
 struct ColorGroup {
   Color color;
-  std::vector<const PartsElement*> parts;
+  std::vector<uint32_t> parts;  // their numbers
 };
 
 // The parts of each pen or brush colour, in order of first use.
-std::vector<ColorGroup> ColorGroups(const PartsA& model, bool brushes) {
+std::vector<ColorGroup> ColorGroups(const PartsView& parts, bool brushes) {
   std::map<Color, size_t> places;
   std::vector<ColorGroup> groups;
-  for (const PartsElement& part : model.parts) {
+  for (size_t i = 0; i < parts.size(); ++i) {
+    const PartsElement& part = parts[i];
     const auto color = static_cast<Color>(brushes ? part.brush.color : part.pen.color) & 0xFFFFFF;
     const auto [place, is_new] = places.try_emplace(color, groups.size());
     if (is_new) groups.push_back({color, {}});
-    groups[place->second].parts.push_back(&part);
+    groups[place->second].parts.push_back(static_cast<uint32_t>(i));
   }
   return groups;
 }
 
 // How many elements were left out.
-size_t WriteShapes(const PartsA& model, bool faces, XmlOut* xml) {
+size_t WriteShapes(const PartsView& parts, bool faces, XmlOut* xml) {
   const ShapeOrder order = faces ? ShapeOrder::kFaces : ShapeOrder::kAllButFaces;
   size_t left_out = 0;
-  for (const ColorGroup& group : ColorGroups(model, faces)) {
+  for (const ColorGroup& group : ColorGroups(parts, faces)) {
     Mesh mesh;
-    for (const PartsElement* part : group.parts) {
-      left_out += VisitShapes(*part, order, kPicturedXYZ, &mesh);
+    for (const uint32_t i : group.parts) {
+      left_out += VisitShapes(parts[i], order, kPicturedXYZ, &mesh);
     }
     if (!mesh.empty()) WriteShape(mesh, group.color, faces, xml);
   }
@@ -178,14 +179,15 @@ Status WriteX3d(const PartsA& model, const std::filesystem::path& name, FileRepl
   xml.Attribute("xsd:noNamespaceSchemaLocation",
                 std::string_view("http://www.web3d.org/specifications/x3d-3.3.xsd"));
   xml.Begin("Scene");
-  size_t left_out = WriteShapes(model, false, &xml);
-  left_out += WriteShapes(model, true, &xml);
+  const PartsView parts(model);
+  size_t left_out = WriteShapes(parts, false, &xml);
+  left_out += WriteShapes(parts, true, &xml);
   xml.End();
   xml.End();
   Status status = xml.Finish();
   if (!status.ok()) return status;
   TellLeftOut({.left_out = left_out}, kPicturedXYZ, name);
-  if (std::ranges::any_of(model.parts, HasNoForm)) {
+  if (std::ranges::any_of(parts, HasNoForm)) {
     CurrentNotices().Message(PathText(name) +
                              u": texts and point sets have no form in X3D and are left out");
   }

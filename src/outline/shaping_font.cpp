@@ -11,6 +11,7 @@
 
 #include "base/text.h"
 #include "outline/made_style.h"
+#include "platform/memory_watch.h"
 
 namespace kerno {
 namespace {
@@ -255,12 +256,14 @@ struct ShapingFont::Handles {
 };
 
 Status ShapingFont::Open(const FontData& data, std::unique_ptr<ShapingFont>* font) {
+  const MemoryWatch watch;
   auto handles = std::make_unique<Handles>();
   const std::string_view bytes = data.file->bytes();
   handles->blob = hb_blob_create(bytes.data(), static_cast<unsigned>(bytes.size()),
                                  HB_MEMORY_MODE_READONLY, nullptr, nullptr);
   handles->face = hb_face_create(handles->blob, data.index);
   if (hb_face_get_glyph_count(handles->face) == 0) {
+    watch.Check();
     return Status::Error(Failure::kOther, data.family, u"its file holds no font that can be read");
   }
   handles->font = hb_font_create(handles->face);
@@ -270,6 +273,7 @@ Status ShapingFont::Open(const FontData& data, std::unique_ptr<ShapingFont>* fon
   handles->buffer = hb_buffer_create();
   handles->draw = MakeDrawFunctions();
   font->reset(new ShapingFont(data, std::move(handles)));
+  watch.Check();
   return Status::Ok();
 }
 
@@ -329,6 +333,7 @@ double ShapingFont::middle() const {
 }
 
 std::vector<ShapedGlyph> ShapingFont::Shape(const ShapingRun& run) const {
+  const MemoryWatch watch;
   hb_buffer_t* buffer = handles_->buffer;
   hb_buffer_reset(buffer);
   hb_buffer_set_flags(buffer, HB_BUFFER_FLAG_REMOVE_DEFAULT_IGNORABLES);
@@ -348,7 +353,7 @@ std::vector<ShapedGlyph> ShapingFont::Shape(const ShapingRun& run) const {
   features.insert(features.end(), handles_->features.begin(), handles_->features.end());
   hb_shape(handles_->font, buffer, features.data(), static_cast<unsigned>(features.size()));
 
-  // A sign must not lose its letters because memory is short.
+  watch.Check();
   if (!hb_buffer_allocation_successful(buffer)) throw std::bad_alloc();
   unsigned count = 0;
   const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
@@ -377,8 +382,11 @@ std::vector<ShapedGlyph> ShapingFont::Shape(const ShapingRun& run) const {
 }
 
 bool ShapingFont::HasGlyph(char32_t ch) const {
+  const MemoryWatch watch;
   hb_codepoint_t glyph = 0;
-  return hb_font_get_nominal_glyph(handles_->font, ch, &glyph);
+  const bool has = hb_font_get_nominal_glyph(handles_->font, ch, &glyph) != 0;
+  watch.Check();
+  return has;
 }
 
 bool ShapingFont::HasVerticalForm(char32_t ch) const {
@@ -396,8 +404,10 @@ bool ShapingFont::HasVerticalForm(char32_t ch) const {
 const std::vector<Path>& ShapingFont::Outline(uint32_t glyph) const {
   const auto [kept, is_new] = handles_->outlines.try_emplace(glyph);
   if (is_new) {
+    const MemoryWatch watch;
     PathPen pen;
     hb_font_get_glyph_shape(handles_->font, glyph, handles_->draw, &pen);
+    watch.Check();
     kept->second = pen.Take();
     if (bold_ > 0) {
       constexpr double kFineness = 20000;  // to an em

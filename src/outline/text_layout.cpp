@@ -4,7 +4,6 @@
 #include <limits>
 
 #include "base/text.h"
-#include "drawing/affine.h"
 #include "outline/glyph_cache.h"
 #include "platform/stock_font.h"
 
@@ -171,13 +170,18 @@ void PlaceBlock(std::vector<P2>* points, const BlockPlacement& placement) {
 }
 
 void PlaceBlock(std::vector<P2>* points, P2 low, P2 high, const BlockPlacement& placement) {
-  const P2 centre = Midpoint(low, high);
-  const auto apply = [&](const Affine& map) {
+  for (const Affine& map : PlacementMaps(low, high, placement)) {
     for (P2& p : *points) p = map.Apply(p);
-  };
-  if (placement.slant != 0) apply(Leaned(placement.slant, centre.y));
-  if (placement.angle != 0) apply(Turned(placement.angle, centre));
-  apply(FlippedY(1, {placement.insertion.x - centre.x, placement.insertion.y + centre.y}));
+  }
+}
+
+std::vector<Affine> PlacementMaps(P2 low, P2 high, const BlockPlacement& placement) {
+  const P2 centre = Midpoint(low, high);
+  std::vector<Affine> maps;
+  if (placement.slant != 0) maps.push_back(Leaned(placement.slant, centre.y));
+  if (placement.angle != 0) maps.push_back(Turned(placement.angle, centre));
+  maps.push_back(FlippedY(1, {placement.insertion.x - centre.x, placement.insertion.y + centre.y}));
+  return maps;
 }
 
 StringExtent MeasureString(DeviceContext* dc, std::u16string_view text, bool vertical,

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "drawing/affine.h"
 #include "outline/glyph_cache.h"
 #include "outline/glyph_contours.h"
 #include "outline/layout_options.h"
@@ -68,6 +69,9 @@ struct BlockPlacement {
 // `low` and `high` are that box where it is known already.
 void PlaceBlock(std::vector<P2>* points, const BlockPlacement& placement);
 void PlaceBlock(std::vector<P2>* points, P2 low, P2 high, const BlockPlacement& placement);
+
+// The maps that PlaceBlock consists of, one after the other.
+std::vector<Affine> PlacementMaps(P2 low, P2 high, const BlockPlacement& placement);
 
 // The extent of a text that is set in one line.
 struct StringExtent {

@@ -73,14 +73,17 @@ std::optional<TypesetText> Typesetter::LayOut(const TextRequest& request) {
   TypesetText set;
   set.face = font_->FaceName();
   (void)context_.GetTextMetrics(&set.metrics);
-  LayoutString(context_, request.text, request.layout, &set.contours, &set.notes);
+  set.contours = TextContours(LayOutGlyphs(context_, request.text, request.layout, &set.notes));
   Inspect(*font_, request.text, &set);
   return set;
 }
 
 std::optional<TypesetText> Typesetter::Typeset(const TextRequest& request) {
   std::optional<TypesetText> set = LayOut(request);
-  if (set) PlaceBlock(&set->contours.points, set->notes.low, set->notes.high, request.placement);
+  if (!set) return set;
+  for (const Affine& map : PlacementMaps(set->notes.low, set->notes.high, request.placement)) {
+    set->contours.Apply(map);
+  }
   return set;
 }
 

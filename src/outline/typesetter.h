@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "outline/text_contours.h"
 #include "outline/text_layout.h"
 #include "platform/device_context.h"
 
@@ -45,7 +46,7 @@ void SetVertical(TextRequest* request);
 struct TypesetText {
   std::u16string face;  // the one really used, as the system names it
   TextMetrics metrics;
-  GlyphContours contours;
+  TextContours contours;
   std::vector<char32_t> missing;  // distinct characters without a glyph, in order of appearance
   LayoutNotes notes;
   size_t characters = 0;  // up to a NUL; line ends and tabs do not count

@@ -72,7 +72,7 @@ TextEncoding EncodingFor(const PartsA& container, std::u16string_view program) {
            std::ranges::all_of(part.horizontal_texts.items, item_fits) &&
            std::ranges::all_of(part.vertical_texts.items, item_fits);
   };
-  return ReadsBackFromCodePage(program) && std::ranges::all_of(container.parts, fits)
+  return ReadsBackFromCodePage(program) && std::ranges::all_of(PartsView(container), fits)
              ? TextEncoding::kCodePage932
              : TextEncoding::kUtf16;
 }
@@ -104,7 +104,7 @@ bool IsIpx(std::u16string_view path) {
 
 Status EncodeIpx(const PartsA& container, std::u16string_view program, std::u16string_view name,
                  const IpxSink& sink) {
-  for (const PartsElement& part : container.parts) {
+  for (const PartsElement& part : PartsView(container)) {
     std::u16string why = Unwritable(part);
     if (!why.empty()) return Status::Error(Failure::kOther, std::u16string(name), std::move(why));
   }

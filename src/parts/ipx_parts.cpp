@@ -130,7 +130,8 @@ void Read(Lines* lines, PartsElement* part) {
 }
 
 bool Write(Writer* out, const PartsA& container, std::u16string_view program) {
-  const size_t count = container.parts.size();
+  const PartsView parts(container);
+  const size_t count = parts.size();
   out->Integer(static_cast<int64_t>(count));
   out->Integer(container.id);
   out->Raw(";\tPartsA\t\t\tExporter  Ver.");
@@ -146,7 +147,7 @@ bool Write(Writer* out, const PartsA& container, std::u16string_view program) {
   PartsProgress progress(u"書き込み中．．．");
   for (size_t i = 0; i < count; ++i) {
     if (progress.IsStopped(i, count) || out->stopped()) return false;
-    Write(out, container.parts[i]);
+    Write(out, parts[i]);
   }
   return !progress.IsStopped(count, count) && out->Finish();
 }

@@ -107,14 +107,15 @@ Parts::Parts(const Parts& other)
       more_vertices(other.more_vertices),
       child(other.child ? std::make_unique<Parts>(*other.child) : nullptr) {}
 
-PartsA::PartsA(const PartsA& other) : id(other.id), parts(other.parts) {
-  LogModelCopy(u"PartsA(const PartsA&)", parts.size());
+PartsA::PartsA(const PartsA& other) : id(other.id), parts(other.parts), made(other.made) {
+  LogModelCopy(u"PartsA(const PartsA&)", PartsView(other).size());
 }
 
 PartsA& PartsA::operator=(const PartsA& other) {
-  LogModelCopy(u"PartsA::operator=", other.parts.size());
+  LogModelCopy(u"PartsA::operator=", PartsView(other).size());
   id = other.id;
   parts = other.parts;
+  made = other.made;
   return *this;
 }
 
@@ -209,10 +210,18 @@ Parts& Parts::operator+=(const Parts& other) {
 
 Extent3 PartsA::Extent() const {
   Extent3 box = kEmptyExtent;
-  for (const PartsElement& part : parts) {
+  for (const PartsElement& part : PartsView(*this)) {
     for (const P3& point : part.vertices) Include(&box, point);
   }
   return GatheredExtent(box);
+}
+
+PartsView::PartsView(const PartsA& model) : kept_(model.parts), made_(model.made.get()) {}
+
+const PartsElement& PartsView::Made(size_t i) const {
+  if (made_now_ != i) made_->Make(i, &part_);
+  made_now_ = i;
+  return part_;
 }
 
 std::u16string DefaultFaceName(WritingDirection direction) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -107,10 +108,21 @@ struct PartsElement : Parts {
   ExtraAttributes extra;
 };
 
+// Parts that are made when they are looked at, each time again, and so take no room.
+class MadeParts {
+ public:
+  virtual ~MadeParts() = default;
+  virtual size_t Count() const = 0;
+  // Replaces *part by the one of this number, below Count.
+  virtual void Make(size_t i, PartsElement* part) const = 0;
+};
+
 // An ordered array of parts. Copies are noted in the log when "Debug\Parts"/"CopyLog" asks for it.
+// Who only looks at the parts uses a PartsView.
 struct PartsA {
   int32_t id = 0;
   std::vector<PartsElement> parts;
+  std::shared_ptr<const MadeParts> made;  // follow those of `parts`; null: none
 
   PartsA() = default;
   PartsA(const PartsA& other);
@@ -121,6 +133,49 @@ struct PartsA {
 
   // The box over the vertices of all parts; zero when there are none.
   Extent3 Extent() const;
+};
+
+// All parts of a container one after the other, whether they are kept or made.
+class PartsView {
+ public:
+  explicit PartsView(const PartsA& model);
+
+  size_t size() const { return kept_.size() + (made_ ? made_->Count() : 0); }
+  bool empty() const { return size() == 0; }
+  // Lives until another part is asked for.
+  const PartsElement& operator[](size_t i) const {
+    return i < kept_.size() ? kept_[i] : Made(i - kept_.size());
+  }
+
+  class Iterator {
+   public:
+    using difference_type = std::ptrdiff_t;
+    using value_type = PartsElement;
+    Iterator() = default;
+    const PartsElement& operator*() const { return (*view_)[at_]; }
+    Iterator& operator++() {
+      ++at_;
+      return *this;
+    }
+    void operator++(int) { ++at_; }
+    bool operator==(const Iterator& other) const { return at_ == other.at_; }
+
+   private:
+    friend class PartsView;
+    Iterator(const PartsView* view, size_t at) : view_(view), at_(at) {}
+    const PartsView* view_ = nullptr;
+    size_t at_ = 0;
+  };
+  Iterator begin() const { return {this, 0}; }
+  Iterator end() const { return {this, size()}; }
+
+ private:
+  const PartsElement& Made(size_t i) const;
+
+  std::span<const PartsElement> kept_;
+  const MadeParts* made_;
+  mutable PartsElement part_;  // the last one that was made
+  mutable size_t made_now_ = static_cast<size_t>(-1);
 };
 
 // The face name of a text element that names none: setting "Parts", "横書フェイス名" (horizontal)

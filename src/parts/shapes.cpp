@@ -171,7 +171,7 @@ Vertices OpenLoop(Vertices loop) {
 
 size_t VisitShapes(const PartsA& model, ShapeOrder order, const VertexRule& rule, ShapeSink* sink) {
   Visitor visitor(order, rule, sink);
-  for (const PartsElement& part : model.parts) visitor.Visit(part);
+  for (const PartsElement& part : PartsView(model)) visitor.Visit(part);
   return visitor.left_out();
 }
 

@@ -42,6 +42,19 @@ struct Vertices {
 // A loop without the repeated first vertex that closes it.
 Vertices OpenLoop(Vertices loop);
 
+// The closed loops and what is left of a polyline that comes back to vertices it began at: each is
+// handed to `take` with whether it is closed. A closed one does not repeat its first vertex.
+template <class Take>
+void SplitLoops(const Vertices& points, Take take) {
+  size_t first = 0;
+  for (size_t i = 3; i < points.size(); ++i) {
+    if (i - first < 3 || points.indices[i] != points.indices[first]) continue;
+    take(points.Part(first, i - first), true);
+    first = i;
+  }
+  if (points.size() - first > 1) take(points.Part(first, points.size() - first), false);
+}
+
 struct CircleShape {
   P3 centre;
   double radius = 0;

@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/status.h"
+
 namespace kerno {
 
 // Which font is wanted. Zero values leave the choice to the font mapper.
@@ -117,6 +119,10 @@ class DeviceContext {
 
   // The extent of a string set in one line (GetTextExtentPoint32).
   virtual bool GetTextExtent(std::u16string_view text, Extent* extent) = 0;
+
+  // The first failure to read the file of a face that fonts of this context were to be made of, for
+  // which another face was taken; ok where there was none, or the system does not tell.
+  virtual Status FontReading() const { return Status::Ok(); }
 
   // Draws text with its upper left corner at (x, y); a context without a surface records nothing.
   virtual bool TextOut(int32_t x, int32_t y, std::u16string_view text) = 0;

@@ -26,6 +26,14 @@ class FileReplacement {
   // Appends bytes. After a failure the replacement can only be destroyed.
   virtual Status Write(std::string_view bytes) = 0;
 
+  // Whether what was written can be written over: not on a device or in a pipe.
+  virtual bool CanRewrite() const { return false; }
+
+  // Writes over bytes that were written before, from the offset `at` on; Write goes on at the end.
+  virtual Status Rewrite(uint64_t /*at*/, std::string_view /*bytes*/) {
+    return Status::Error(Failure::kOther, u"", u"what is written stays");
+  }
+
   // Flushes, closes and renames. The target then holds exactly the bytes written, or is untouched.
   virtual Status Commit() = 0;
 };

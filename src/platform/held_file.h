@@ -44,6 +44,11 @@ class HeldFile {
   }
 };
 
+// The first `most` bytes of a file, whoever holds it: for those who read what is always replaced
+// whole. kSharingViolation only where the system itself keeps readers out of a file that is held.
+Status PeekFile(const std::filesystem::path& path, std::string* bytes,
+                size_t most = std::string::npos);
+
 // Creates a file with these bytes where nothing stands yet: it appears whole or not at all.
 // kSharingViolation when something stands there already.
 Status CreateNewFile(const std::filesystem::path& path, std::string_view bytes);

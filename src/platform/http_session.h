@@ -40,7 +40,7 @@ struct HttpPost {
 
 // How a request ended.
 enum class HttpEnd {
-  kAnswered,        // an answer came; perhaps cut short
+  kAnswered,        // an answer came, all of its headers at least
   kUnavailable,     // this machine lacks what HTTP needs
   kBadUrl,          // the URL cannot be read
   kUnknownHost,     // no address for the host's name
@@ -49,7 +49,7 @@ enum class HttpEnd {
   kUntrusted,       // the server's certificate was not accepted
   kTlsFailed,       // no secure connection for another reason
   kStalled,         // HttpLimits::stall or HttpLimits::answer is over, without an answer
-  kBroken,          // the connection broke before an answer
+  kBroken,          // the connection broke before an answer, or within its headers
   kNoAnswer,        // the server closed the connection without an answer
   kNotHttp,         // what the server answered is not HTTP
   kStopped,         // the caller stopped it
@@ -60,6 +60,8 @@ struct HttpReply {
   HttpEnd end = HttpEnd::kOther;
   std::string why;          // the library's or system's words; for kAnswered of what cut the answer
   bool body_sent = false;   // every byte of the body was handed to the connection
+  bool broke_off = false;   // the answer is shorter than it says, or its chunks are damaged; one
+                            // that a limit cut is not
   int status = 0;           // of the final answer, 0 without one
   std::string status_line;  // as received, without the line end
   std::string location;     // where a redirect points to, absolute

@@ -18,10 +18,11 @@
 namespace kerno {
 
 // The value of a key, cut after `most` units; nothing when the file, the section or the key is
-// missing.
+// missing, and when the file cannot be read, which *status tells where the system does.
 std::optional<std::u16string> ReadProfileString(const std::filesystem::path& file,
                                                 std::u16string_view section,
-                                                std::u16string_view key, size_t most);
+                                                std::u16string_view key, size_t most,
+                                                Status* status = nullptr);
 
 // A value as an integer: an optional sign, a prefix 0x, 0o or 0b for other radices, digits up to
 // the first other character, reduced to 32 bits; 0 when it does not begin with a digit.

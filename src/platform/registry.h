@@ -35,7 +35,7 @@ enum class RegistryOutcome {
   kDone,
   kNoKey,    // the key does not exist or cannot be opened
   kNoValue,  // the key has no such value
-  kFailed,   // the change could not be made; the reason is in *why
+  kFailed,   // the registry cannot be read, or the change not be made; the reason is in *why
 };
 
 // The file that the registry is kept in; empty where the system keeps it, or where there is no
@@ -43,9 +43,9 @@ enum class RegistryOutcome {
 std::filesystem::path RegistryFile();
 
 // Each call opens the registry and closes it again; what changes it never waits: *why is a
-// kSharingViolation when another process holds it.
+// kSharingViolation when another process holds it. Reading asks for no hold.
 RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
-                              RegistryValue* value);
+                              RegistryValue* value, Status* why = nullptr);
 RegistryOutcome SetRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
                             const RegistryValue& value, Status* why);
 RegistryOutcome DeleteRegistryValue(RegistryRoot root, std::u16string_view key,

@@ -80,8 +80,12 @@ class System {
   virtual bool IsSystemPlace(const std::filesystem::path& path) = 0;
 
   // Makes `folder` (its parent exists) so that no other user can look into it, or makes an existing
-  // one of the user so. kAccessDenied when it belongs to somebody else or is no real folder.
+  // one of the user so. kAccessDenied when it belongs to somebody else, is no real folder, or holds
+  // something that others had the right to put there.
   virtual Status MakePrivateFolder(const std::filesystem::path& folder) = 0;
+
+  // Whether a folder, links followed, is the user's and nobody else can put anything into it.
+  virtual bool IsOwnFolder(const std::filesystem::path& folder) = 0;
 };
 
 System& RealSystem();

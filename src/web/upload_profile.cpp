@@ -18,7 +18,7 @@ std::filesystem::path UploadSettingsFile() {
   const auto drive = CurrentDrive();
   const std::filesystem::path folder =
       drive ? *drive / "Temp" / "Quenkit" / "_Setting" : CurrentSystem().ConfigFolder();
-  return folder / "UpFile.ini";
+  return folder.empty() ? folder : folder / "UpFile.ini";
 }
 
 int32_t UploadProfile::GetInt(std::u16string_view section, std::u16string_view key,
@@ -40,9 +40,8 @@ bool UploadIsConfigured() {
 
 UploadResult UploadFile(const std::filesystem::path& file, const std::filesystem::path& settings) {
   const Status readable = WaitForFile(settings, FileWait::kRead, [&] {
-    Status opened;
-    HeldFile::Open(settings, Deny::kWrite, &opened);
-    return opened;
+    std::string start;
+    return PeekFile(settings, &start, 1);
   });
   UploadProfile profile(settings);
   UploadResult result = Uploader(profile, settings, SystemHttpSession()).Upload(file);

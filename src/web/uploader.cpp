@@ -162,7 +162,7 @@ std::u16string WhyNotSent(const HttpReply& reply, const HttpLimits& limits,
                  ? u"the server took the file but did not answer in time; it may have it or not"
                  : u"the transfer stood still for " + DurationText(limits.stall);
     case HttpEnd::kBroken:
-      return u"the connection broke before an answer" + detail;
+      return u"the connection broke before a whole answer" + detail;
     case HttpEnd::kNoAnswer:
       return u"the server closed the connection without an answer";
     case HttpEnd::kNotHttp:
@@ -188,7 +188,8 @@ UploadResult FromAnswer(const HttpReply& reply, std::u16string_view about) {
   result.status = reply.status;
   result.status_line = ShownText(reply.status_line, kMostShown);
   result.first_line = FirstShownLine(reply.answer, kMostShown);
-  const bool accepted = reply.body_sent && reply.status < 400 && !IsMoved(reply.status);
+  const bool accepted =
+      reply.body_sent && reply.status < 400 && !IsMoved(reply.status) && !reply.broke_off;
   result.end = accepted ? UploadEnd::kAccepted : UploadEnd::kNotAccepted;
   std::u16string& message = result.message;
   message.append(about).append(accepted ? u": sent: " : u": not accepted: ");
@@ -196,6 +197,10 @@ UploadResult FromAnswer(const HttpReply& reply, std::u16string_view about) {
   if (!result.first_line.empty()) message += u": " + result.first_line;
   if (!reply.location.empty()) {
     message += u"; it points to " + ShownText(reply.location, kMostShown) + u", not followed";
+  }
+  if (reply.broke_off) {
+    message += u"; the answer broke off (" + ShownText(reply.why, kMostShown) +
+               u"), the server may have the file or not";
   }
   return result;
 }

@@ -13,7 +13,7 @@ namespace kerno {
 
 enum class UploadEnd {
   kAccepted,       // sent, and the server answered with a status below 400 that is no "moved"
-  kNotAccepted,    // sent, and the server answered with another status
+  kNotAccepted,    // sent, and the server answered with another status, or its answer broke off
   kNotConfigured,  // no server is set
   kBadSettings,    // the settings name no place that can be reached
   kFileTrouble,    // the file cannot be read, or is no file

@@ -81,7 +81,7 @@ TEST_F(DialogTest, SlowRebuildsWaitForAPauseAndOutputsDoNot) {
   EXPECT_EQ(3u, presenter->item_count());
   presenter->TextChanged(ControlId::kText, u"ABCD");
   presenter->Pressed(ControlId::kDxf);
-  EXPECT_EQ(4u, services.exported.parts.size());
+  EXPECT_EQ(4u, PartsView(services.exported).size());
 }
 
 TEST_F(DialogTest, TheStatusTellsWhatThePreviewCannotShow) {
@@ -127,7 +127,7 @@ TEST_F(DialogTest, WhatIsSetComesBackAtTheNextRun) {
               view.menu[MenuCommand::kAciNearest]);
   EXPECT_EQ(folder / "outputs", presenter->outputs().folder());
   EXPECT_EQ((WindowPlace{{10, 20, 810, 620}, WindowShow::kMaximised}), view.placed);
-  EXPECT_FALSE(presenter->parts().parts[0].faces[0].items.empty());
+  EXPECT_FALSE(PartsView(presenter->parts())[0].faces[0].items.empty());
   view.place = {.normal = {-32000, -32000, -31840, -31972}, .show = WindowShow::kMinimised};
   CloseAndOpenAgain();
   EXPECT_EQ((WindowPlace{{10, 20, 810, 620}, WindowShow::kMinimised}), view.placed);
@@ -183,7 +183,7 @@ TEST_F(DialogTest, DroppedFilesAreTextPartsFontsOrRefused) {
   presenter->Pressed(ControlId::kSvg);
   EXPECT_EQ(3u, services.exported.parts.size());
   presenter->TextChanged(ControlId::kText, u"A");
-  EXPECT_EQ(1u, presenter->parts().parts.size()) << "typing shows the text again";
+  EXPECT_EQ(1u, PartsView(presenter->parts()).size()) << "typing shows the text again";
 
   presenter->Dropped({folder / "font.ttf"});
   EXPECT_EQ(u"Dropped", LastFont().face_name);

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "base/folders.h"
+#include "platform/system.h"
 #include "support/environment.h"
 #include "support/temporary_folder.h"
 
@@ -24,7 +25,16 @@ TEST(FoldersPosix, WithoutAnyAnswerTheUserGetsAPrivateFolder) {
     EXPECT_EQ(info.st_mode & 07777, 0700u);
     chmod(own.c_str(), 0777);
   }
-  fs::remove(own);
+  // What others put there before stays out of reach, and so does what they lead to.
+  test::WriteBytes(own / "planted", "x");
+  test::SetVariable("XDG_CACHE_HOME", "/proc/none");
+  EXPECT_FALSE(CurrentSystem().IsOwnFolder(own));
+  EXPECT_FALSE(CurrentSystem().MakePrivateFolder(own).ok());
+  EXPECT_NE(TempFolder(), own / "");
+  chmod(own.c_str(), 0755);
+  EXPECT_TRUE(CurrentSystem().IsOwnFolder(own));
+  EXPECT_EQ(TempFolder(), own / "");
+  fs::remove_all(own);
 
   // A link that somebody else may have laid is not followed.
   const test::TemporaryFolder folder;

@@ -50,6 +50,28 @@ TEST(Folders, WorkFolderIsOneForEachDay) {
   }
 }
 
+TEST(Folders, InASharedFolderTheUserGetsAPrivateOneOrNone) {
+  const test::TemporaryFolder folder;
+  test::FakeSystem system;
+  test::FakeClock clock;
+  test::RecordingNotices notices;
+  system.environment = {{u"TMPDIR", folder.path().u16string()}, {u"USER", u"me"}};
+  EXPECT_EQ(OwnTempFolder(), folder / "");
+  system.own_folders = false;
+  EXPECT_EQ(OwnTempFolder(), folder / "me/");
+  EXPECT_EQ(WorkFolder(), folder / "me/Quenkit.tmp/20261121/");
+  EXPECT_EQ(TempFolder(), folder / "");
+  fs::remove_all(folder / "me");
+  test::WriteBytes(folder / "me", "somebody else's");
+  EXPECT_EQ(OwnTempFolder(), folder / "kerno-someone/");
+  system.cache = folder / "cache";
+  EXPECT_EQ(OwnTempFolder(), folder / "cache/tmp/");
+  system.private_folders = false;
+  EXPECT_EQ(OwnTempFolder(), fs::path());
+  system.environment.clear();
+  EXPECT_EQ(OwnTempFolder(), fs::path());
+}
+
 TEST(Folders, CreatesEveryLevelOrNamesTheOneThatFails) {
   const test::TemporaryFolder folder;
   test::RecordingNotices notices;

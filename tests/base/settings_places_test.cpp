@@ -48,7 +48,12 @@ TEST_F(SettingsPlacesTest, TheTestFileTakesAnotherNameAndLeftoversGo) {
                            "WriteTst.tmp_12345x_9.tmp", "WriteTst.tmpx", "WriteTst.tmp_.tmp"}) {
     test::WriteBytes(place / name, "x");
   }
+  for (const char* name : {"WriteTst.tmp_123456_8.tmp", "WriteTst.tmp_.txt"}) {
+    test::WriteBytes(place / name, "");  // as a killed process leaves it, if it has the name
+  }
   EXPECT_TRUE(CanWriteFolder(place));
+  EXPECT_EQ(count(), 7);
+  fs::remove(place / "WriteTst.tmp_.txt");
   for (const auto& entry : fs::directory_iterator(place)) {
     fs::last_write_time(entry, fs::file_time_type::clock::now() - std::chrono::hours(24 * 10 + 1));
   }

@@ -7,6 +7,7 @@ import json
 import math
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -45,6 +46,9 @@ class CommandLineTest(programs.FolderTest):
             (["convret", "A", "-o", out], 2, 'no command of kerno; the nearest is "convert"'),
             (["convert", "A", "--text", "B", "-o", out], 2, "more than once"),
             (["convert", "", *SANS, "-o", out], 2, "holds no text"),
+            (["convert", "--text=", "-o", out], 2, "--text: needs a value (TEXT)"),
+            (["convert", "--text=", "--text=", "-o", out], 2, "--text: needs a value (TEXT)"),
+            (["convert", "--text", "--face=", *SANS, "-o", out, "B"], 2, "more than once"),
             ([*convert, "-o", "-"], 2, "-o -: needs --format"),
             ([*convert, "-o", ""], 2, "-o: the name is empty"),
             (["convert", "--ipx", here("none.ipx"), "-o", out], 1, "none.ipx"),
@@ -212,6 +216,23 @@ class CommandLineTest(programs.FolderTest):
                          (status, [[pathlib.Path(f["file"]).name, f["names"]] for f in json.loads(out)], err))
         self.assertIn("noise.otf", run("faces", "--skipped", env=env)[2])
         self.assertEqual(contours("AB", *SANS), contours("AB", "--face", "dejavu SANS", env=env))
+
+        bold = pathlib.Path(subprocess.run(["fc-match", "-f", "%{file}", "DejaVu Sans:style=Bold"], check=True,
+                                           capture_output=True).stdout.decode())
+        shutil.copy(bold, fonts / "bold.ttf")
+        drawing = self.folder / "a.dxf"
+        writing = [["convert", "-o", drawing], ["cut", "-o", drawing], ["contours"], ["measure"]]
+        for name, more in (("bold.ttf", ["--style", "Bold"]), ("good.ttf", [])):
+            self.assertEqual(0, run("contours", "A", *SANS, *more, env=env)[0])
+            os.truncate(fonts / name, 0)  # the list of the faces keeps it
+            for command in writing:
+                status, out, err = run(*command, "A", *SANS, *more, env=env)
+                self.assertEqual((1, ""), (status, out), f"{command} {err}")
+                self.assertIn(f"{name}: is an empty file", err)
+        self.assertFalse(drawing.exists())
+        config.write_text("<fontconfig/>")
+        for command in (["contours"], ["measure"], ["measure", "--height", "6000"]):
+            self.assertEqual((3, "", "kerno: faces: the system has none installed\n"), run(*command, "A", env=env))
 
     def test_sizes_at_their_ends(self):
         for height in (-32768, -1, 0, 1, 32767):

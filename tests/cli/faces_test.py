@@ -155,10 +155,10 @@ class FacesTest(programs.FolderTest):
             for text, families in covers.items():
                 if all(ord(c) in font.getBestCmap() for c in text) and "fvar" not in font:
                     self.assertIn(face["family"], families, text)
-        self.assertEqual(4, len(covers["切文字"]))
+        self.assertEqual(6, len(covers["切文字"]))
         status, out, err = run("faces", "--sample", "切", "-o", str(self.folder / "sheet.dxf"))
         self.assertEqual((0, ""), (status, err))
-        self.assertIn("4 families", out)
+        self.assertIn("6 families", out)
         self.assertEqual([], ezdxf.readfile(self.folder / "sheet.dxf").audit().errors)
 
     def test_encodings_agree_with_another_converter(self):

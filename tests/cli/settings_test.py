@@ -5,10 +5,14 @@ usage: settings_test.py KERNO
 """
 import fcntl
 import os
+import pathlib
+import pwd
+import re
 import resource
 import shutil
 import sys
 import threading
+import time
 import unittest
 
 import programs
@@ -52,6 +56,13 @@ class SettingsFixture(programs.FolderTest):
         status, out, err = self.run_kerno(*arguments, **more)
         self.assertEqual((status, err), (0, ""), arguments)
         return out
+
+    def convert(self, *options, **more):
+        output = self.folder / "cwd/out.svg"
+        output.parent.mkdir(exist_ok=True)
+        done = programs.run([*programs.command(self.program), "convert", "Qo", "-o", output,
+                             *options], env=self.environment, **more)
+        return done[0], re.sub(rb"[0-9/]+ [0-9:]+\r", b"", output.read_bytes()), done[2]
 
 
 class SettingsTest(SettingsFixture):
@@ -141,18 +152,140 @@ class PosixSettingsTest(SettingsFixture):
         self.assertEqual(self.ini.read_bytes(), before)
         self.assertEqual([p.name for p in self.base.iterdir()], ["Quenkit.ini"])
 
-    def test_a_held_file_is_waited_for(self):
+    def test_holders_are_waited_for_ten_seconds_in_all_and_by_none_who_reads(self):
         self.ok("set", "A", "k", "1")
+        registry = self.folder / "home/.config/kerno/registry.reg"
         for lock in (fcntl.flock, fcntl.lockf):
             with open(self.ini, "r+b") as held:
                 lock(held, fcntl.LOCK_EX)
+                began = time.monotonic()
+                self.assertEqual(self.ok("get", "A", "k"), "1\n")
+                self.assertLess(time.monotonic() - began, 3)
                 releaser = threading.Timer(1, lambda: lock(held, fcntl.LOCK_UN))
                 releaser.start()
-                status, out, err = self.run_kerno("get", "A", "k")
+                status, _, err = self.run_kerno("set", "A", "k", "1")
                 self.assertFalse(releaser.is_alive())
                 releaser.join()
-            self.assertEqual((status, out), (0, "1\n"))
-            self.assertIn(f"FileWait OpenRead  {self.ini}", err)
+            self.assertEqual((status, err), (0, f"FileWait OpenWrite {self.ini}\n"))
+        with open(self.ini, "r+b") as held, open(registry, "r+b") as other:
+            fcntl.flock(held, fcntl.LOCK_EX)
+            fcntl.flock(other, fcntl.LOCK_EX)
+            began = time.monotonic()
+            status, _, err = self.run_kerno("set", "A", "k", "2")
+            self.assertLess(time.monotonic() - began, 14)
+        self.assertEqual(status, 1)
+        self.assertIn(f"{self.ini}: another process holds the file", err)
+        # A file that has to be converted first; --quiet is known before it is waited for.
+        self.ini.write_text("[Dec]\n")
+        with open(self.ini, "r+b") as held:
+            fcntl.flock(held, fcntl.LOCK_EX)
+            threading.Timer(1, lambda: fcntl.flock(held, fcntl.LOCK_UN)).start()
+            self.assertEqual(self.convert("--quiet")[::2], (0, ""))
+
+    def test_what_cannot_be_read_is_named(self):
+        registry = self.folder / "home/.config/kerno/registry.reg"
+        for file in (registry, self.ini):
+            self.override(self.base)
+            self.ok("set", "A", "k", "1")
+            file.unlink()
+            file.symlink_to("/proc/self/mem")  # answers every reading with an error of the device
+            trouble = f"{file}: Input/output error"
+            status, out, err = self.run_kerno("get", "Dec", "SvgOut::Precision")
+            self.assertEqual((status, out, err.count(trouble)), (0, "15\n", 1), err)
+            self.assertNotIn("basic_", err)
+            status, _, err = self.run_kerno("set", "A", "k", "2")
+            self.assertEqual(status, 1)
+            self.assertIn(trouble, err)
+            file.unlink()
+
+
+class OtherUserTest(SettingsFixture):
+    """As a user who may not write everywhere, beside another one who does."""
+
+    def setUp(self):
+        if ON_WINDOWS or os.geteuid() != 0:
+            self.skipTest("only a superuser of POSIX can be somebody else")
+        super().setUp()
+        for folder, mode in ((self.folder, 0o755), (self.folder / "tmp", 0o1777)):
+            folder.chmod(mode)
+        for name in ("cwd", "bin"):
+            (self.folder / name).mkdir()
+        (self.folder / "cwd").chmod(0o777)
+        self.program = shutil.copy(KERNO, self.folder / "bin/kerno")
+        (self.folder / "bin/Temp").write_text("no folder, so no place for settings")
+        self.person = {"user": 65534, "group": 65534, "extra_groups": [],
+                       "cwd": self.folder / "cwd"}
+
+    def test_a_folder_that_cannot_be_written_is_read(self):
+        self.ok("set", "Dec", "SvgOut::Precision", "5")
+        wanted = self.convert()[1]
+        (self.folder / "cwd/out.svg").unlink()
+        self.assertEqual(self.ok("get", "Dec", "SvgOut::Precision", **self.person), "5\n")
+        self.assertEqual(self.ok("path", **self.person).splitlines()[0], str(self.ini))
+        self.assertEqual(self.convert(**self.person)[1:], (wanted, ""))
+        for change in (["set", "Dec", "SvgOut::Precision", "6"],
+                       ["unset", "Dec", "SvgOut::Precision"]):
+            status, _, err = self.run_kerno(*change, **self.person)
+            self.assertEqual((status, err), (1, f"kerno: {self.ini}: no permission\n"))
+        self.assertEqual(list((self.folder / "tmp").iterdir()), [])
+        # Without a file there they are kept elsewhere, which each command tells once.
+        self.ini.unlink()
+        self.assertEqual(self.ok("get", "Dec", "SvgOut::Precision", **self.person), "15\n")
+        place = self.folder / "tmp/___/Quenkit.ini"
+        told = f"kerno: {self.base}: no permission; the settings are in {place}\n"
+        self.assertEqual(self.run_kerno("set", "A", "k", "7", **self.person), (0, "", told))
+        self.assertEqual(self.run_kerno("get", "A", "k", **self.person), (0, "7\n", told))
+        self.assertTrue(place.exists())
+
+    def test_a_full_folder_is_read(self):
+        self.ok("set", "A", "k", "1")
+        script = ('mount -t tmpfs -o nr_inodes=2 none "$1" && cp "$2" "$1"/Quenkit.ini && shift 2 && '
+                  '"$@" get A k && "$@" path && "$@" set A k 2')
+        shutil.copy(self.ini, self.folder / "kept.ini")
+        status, out, err = programs.run(
+            ["unshare", "--mount", "sh", "-c", script, "sh", self.base, self.folder / "kept.ini",
+             *programs.command(self.program), "settings"], env=self.environment)
+        if "unshare" in err or "mount:" in err:
+            self.skipTest("this process may not mount")
+        self.assertEqual(out.splitlines()[:2], ["1", str(self.ini)])
+        self.assertEqual((status, err), (1, f"kerno: {self.ini}: the disk is full\n"))
+
+    def test_without_a_home_nothing_lands_in_the_current_folder(self):
+        planted = pathlib.Path(f"/tmp/kerno-settings-test-{os.getpid()}")
+        planted.write_text("nobody's folder")
+        self.addCleanup(planted.unlink)
+        own = pathlib.Path("/tmp/kerno-" + pwd.getpwuid(self.person["user"]).pw_name)
+        if not own.exists():
+            self.addCleanup(shutil.rmtree, own, ignore_errors=True)
+        for variables in ({"HOME": "/dev/null"}, {"HOME": "/none"}, {}):
+            self.environment = {"PATH": os.environ["PATH"], "USER": planted.name,
+                                "ASAN_OPTIONS": "detect_leaks=0", **variables}
+            status, _, err = self.run_kerno("set", "A", "k", "1", **self.person)
+            self.assertEqual((status, err.count("the settings can be had; they are in /tmp/")),
+                             (0, 1), err)
+            self.convert("--quiet", **self.person)
+            (self.folder / "cwd/out.svg").unlink()
+            self.assertEqual(list((self.folder / "cwd").iterdir()), [])
+
+    def test_what_others_plant_in_a_shared_folder_is_not_used(self):
+        victim = self.folder / "victim"
+        shared = self.folder / "tmp"
+        for name in ("Quenkit_Setting/Quenkit.ini", "DbgDump/kerno.txt", "Quenkit.ini", "root"):
+            link = shared / name
+            if link.parent != shared:
+                link.parent.mkdir()
+            link.symlink_to(victim)
+            for place in (link, link.parent):
+                if place != shared:
+                    os.chown(place, 65534, 65534, follow_symlinks=False)
+        self.environment.update(HOME="/dev/null", USER="root")
+        for write in (["Debug", "DbgDump", "1"], ["A", "k", "1"]):
+            victim.write_bytes(b"old")
+            self.run_kerno("set", *write, cwd=self.folder / "cwd")
+            self.assertEqual(victim.read_bytes(), b"old", write)
+        self.assertEqual(self.run_kerno("get", "A", "k")[:2], (0, "1\n"))
+        self.assertTrue((shared / "kerno-root/DbgDump/kerno.txt").exists())
+        self.assertEqual((shared / "kerno-root").stat().st_mode & 0o777, 0o700)
 
 
 if __name__ == "__main__":

@@ -109,7 +109,7 @@ TEST_F(DrawPartsTest, ContoursAreOneSetWithoutLimit) {
   for (int i = 0; i < 15000; ++i) contours.points.push_back({i / 25 * 1.0, i % 2 + 0.5});
   contours.counts.assign(600, 25);
   contours.points[3].x = kNan;
-  DrawContours(dc_, contours, FlippedY(1, {}), {});
+  DrawContours(dc_, TextContours(contours), FlippedY(1, {}), {});
   ASSERT_EQ(dc_.calls.size(), 1u);
   EXPECT_EQ(dc_.calls[0].kind, Kind::kPolygons);
   EXPECT_EQ(dc_.calls[0].mode, FillMode::kAlternate);
@@ -128,8 +128,8 @@ TEST_F(DrawPartsTest, ContoursThatShrinkToASpotKeepAnArea) {
   for (const auto& c : cases) {
     const auto [x, y] = c.corner;
     dc_.calls.clear();
-    DrawContours(dc_, {.points = {{0, 0}, {x, 0}, {x, y}, {0, y}}, .counts = {4}},
-                 FlippedY(c.scale, {}), {.detail = 0.5});
+    const TextContours contours({.points = {{0, 0}, {x, 0}, {x, y}, {0, y}}, .counts = {4}});
+    DrawContours(dc_, contours, FlippedY(c.scale, {}), {.detail = 0.5});
     ASSERT_EQ(dc_.calls.size(), 1u);
     Extent3 box = {{1e9, 1e9}, {-1e9, -1e9}};
     for (const DevicePoint& p : dc_.calls[0].points) Include(&box, {p.x, p.y});

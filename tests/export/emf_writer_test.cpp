@@ -12,6 +12,7 @@
 #include "support/picture_compare.h"
 #include "support/picture_models.h"
 #include "support/recording_notices.h"
+#include "support/temporary_folder.h"
 
 namespace kerno {
 namespace {
@@ -99,12 +100,17 @@ TEST(EmfWriter, PointsAreNarrowWhereTheyFitAndWideElsewhere) {
 
 TEST(EmfWriter, FilesHaveRoomForAnyNumberOfPens) {
   PartsA hues;
-  for (int i = 0; i < 600; ++i) {
+  for (int i = 0; i < 3000; ++i) {
     PartsElement& part = hues.parts.emplace_back();
     part.pen.color = i % 599 * 7;
-    part.AddLine({0, i * 1.0, 0}, {9, i * 1.0, 0});
+    part.AddLine({0, i * 0.1, 0}, {9, i * 0.1, 0});
   }
-  EXPECT_EQ(CountTypes(RecordsOf(EmfOf(hues)))[87], 600);
+  const std::string bytes = EmfOf(hues);
+  EXPECT_EQ(CountTypes(RecordsOf(bytes))[87], 3000);
+  // Into a file it goes piece by piece, and the header is written over at the end.
+  const test::TemporaryFolder folder;
+  EXPECT_TRUE(ExportEmf(hues, folder / "a.emf", {.title = u"t"}).ok());
+  EXPECT_TRUE(test::ReadBytes(folder / "a.emf") == bytes);
 }
 
 TEST(EmfWriter, DrawingTooSmallForAnyScaleIsADot) {

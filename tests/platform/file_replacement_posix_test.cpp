@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -10,6 +11,7 @@
 #include <thread>
 
 #include "platform/file_replacement.h"
+#include "platform/held_file.h"
 #include "support/child_process.h"
 #include "support/temporary_folder.h"
 
@@ -183,6 +185,50 @@ TEST(FileReplacementPosix, AKilledProcessLeavesTheOldFileAlone) {
   EXPECT_EQ(child.Wait(), -SIGKILL);
   EXPECT_EQ(ReadBytes(folder / "file"), "old");
   EXPECT_EQ(folder.Names(), Names{"file"});
+}
+
+// Of names for what is not whole yet, those go whose writers are gone.
+TEST(FileReplacementPosix, TheNextWriterRemovesWhatKilledOnesLeft) {
+  const TemporaryFolder folder, other;
+  const pid_t gone = fork();
+  if (gone == 0) _exit(0);
+  ASSERT_EQ(waitpid(gone, nullptr, 0), gone);
+  const std::string dead = ".kerno-" + std::to_string(gone), live = std::to_string(getpid());
+  const std::string kNames[] = {
+      dead + "-1.tmp",     dead + "-2.tmp",  dead + "-3.tmp", dead + "-x.tmp",
+      dead + "-1.tmp.txt", ".kerno-0-1.tmp", ".kerno-.tmp",   ".kerno-" + live + "-999.tmp"};
+  for (const std::string& name : kNames) WriteBytes(folder / name, "half");
+  fs::remove(folder / kNames[2]);
+  fs::create_directory(folder / kNames[2]);
+  const int held = open((folder / kNames[1]).c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(flock(held, LOCK_SH), 0);  // as by a writer of another container
+  Names wanted(std::begin(kNames) + 1, std::end(kNames));
+  wanted.insert("file");
+  EXPECT_TRUE(ReplaceFile(folder / "file", "x").ok());
+  EXPECT_EQ(folder.Names(), wanted);
+  close(held);
+  // Without files that have no name a killed process leaves one, which is as good as none.
+  const int status = WithSmallDisk("/proc", [&] {
+    test::ChildProcess child([&] {
+      Status opened;
+      const auto file = FileReplacement::Create(other / "file", &opened);
+      if (file && write(1, "y\n", 2) == 2) pause();
+      return 1;
+    });
+    if (child.ReadLine() != "y" || other.Names().size() != 1) return 2;
+    if (InChild([&] { return ReplaceFile(other / "a", "a").ok() ? 0 : 1; }) != 0) return 3;
+    if (other.Names().size() != 2) return 4;  // its writer lives
+    child.Signal(SIGKILL);
+    if (child.Wait() != -SIGKILL) return 5;
+    if (!CreateNewFile(other / "new", "whole").ok()) return 6;
+    return CreateNewFile(other / "new", "x").failure == Failure::kSharingViolation &&
+                   ReplaceFile(other / "a", "b").ok()
+               ? 0
+               : 7;
+  });
+  if (status == kMayNotMount) GTEST_SKIP() << "this process may not mount";
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(other.Names(), (Names{"a", "new"}));
 }
 
 }  // namespace

@@ -151,11 +151,12 @@ TEST(FontLimits, RandomDamage) {
         bytes[random() % range] = static_cast<char>(random());
       }
       test::WriteBytes(folder / "damaged", bytes);
+      Status reading;
       FontChoice choice;
       choice.path = folder / "damaged";
       choice.embolden = round % 3 == 0;
       choice.vertical = round % 2 == 0;
-      const auto font = RealizedFont::Create(choice, round % 5 == 0 ? 32767 : 50, 0);
+      const auto font = RealizedFont::Create(choice, round % 5 == 0 ? 32767 : 50, 0, &reading);
       for (const char32_t ch : kSample) {
         if (font) font->Glyph(ch);
       }

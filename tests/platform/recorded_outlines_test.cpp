@@ -96,18 +96,23 @@ TEST(RecordedOutlines, EveryValueIsMet) {
   EXPECT_EQ(wrong, 0);
 }
 
-// Recorded besides: the advance of 日 in fixed-pitch faces set to a width of their own.
-TEST(RecordedOutlines, FullWidthCharactersAtOtherWidths) {
+// Recorded besides: advances in fixed-pitch faces, at widths of their own too, and in one that says
+// that it is one in its PANOSE classification alone and has letters of many widths.
+TEST(RecordedOutlines, FullWidthCharacters) {
   std::ifstream lines(KERNO_TEST_DATA "/full-width-advances.tsv");
   std::string face;
   std::getline(lines, face);  // what the columns are
-  int count = 0;
-  for (int height = 0, width = 0, advance = 0; lines >> face >> height >> width >> advance;
-       ++count) {
-    EXPECT_EQ(FontProbe(Ascii(face), height, width).Glyph(U'日').metrics.gmCellIncX, advance)
-        << face << " height " << height << " width " << width;
+  int count = 0, height = 0, width = 0, advance = 0;
+  uint32_t ch = 0;
+  const auto next = [&] {
+    return std::getline(lines >> std::ws, face, '\t') &&
+           lines >> height >> width >> std::hex >> ch >> std::dec >> advance;
+  };
+  for (; next(); ++count) {
+    EXPECT_EQ(FontProbe(Ascii(face), height, width).Glyph(ch).metrics.gmCellIncX, advance)
+        << face << " height " << height << " width " << width << " U+" << std::hex << ch;
   }
-  EXPECT_EQ(count, 42);
+  EXPECT_EQ(count, 97);
 }
 
 // In faces whose average character is narrower than half a unit at one pixel per em.

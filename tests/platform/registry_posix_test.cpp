@@ -145,6 +145,22 @@ TEST_F(RegistryTest, AFileThatWasCutOffTakesNewValues) {
   }
 }
 
+// A string without an end meets one in what follows, unless something stands between them.
+TEST_F(RegistryTest, ADamagedLineKeepsItsMeaningOrTheChangeIsRefused) {
+  constexpr std::u16string_view kDamaged =
+      u"REGEDIT4\r\n[HKEY_CURRENT_USER\\A]\r\n@=\"\r\n\"n\"=1\r\n[]\"\r\n\"n\"=2\r\n";
+  Install(kDamaged);
+  EXPECT_EQ(DeleteRegistryValue(kUser, u"A", u"n", &why_), kFailed);
+  EXPECT_EQ(why_.what, File().u16string());
+  EXPECT_EQ(Text(), kDamaged);
+  EXPECT_EQ(Set(u"A", u"m", {RegistryType::kDword, {}, 3}), kDone);
+  EXPECT_EQ(Set(u"B", u"n", {RegistryType::kString, u"x", 0}), kDone);
+  EXPECT_EQ(Query(u"A", u"m"), kDone);
+  ASSERT_EQ(Query(u"A", u""), kDone);
+  EXPECT_EQ(value_.type, RegistryType::kOther);
+  EXPECT_EQ(DeleteRegistryValue(kUser, u"A", u"m", &why_), kDone);
+}
+
 TEST_F(RegistryTest, AnotherFileIsNeitherReadNorHarmed) {
   Install(u"Dear diary\r\n[HKEY_CURRENT_USER\\a]\r\n\"k\"=\"1\"\r\n");
   const std::string before = test::ReadBytes(File());

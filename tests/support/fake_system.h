@@ -24,6 +24,7 @@ class FakeSystem final : public Installed<System, ReplaceSystem> {
   std::filesystem::path cache;
   std::filesystem::path system_place;  // it and what lies under it
   bool private_folders = true;         // false: MakePrivateFolder is refused
+  bool own_folders = true;             // what IsOwnFolder answers
 
   std::optional<std::u16string> Environment(std::u16string_view name) override {
     const auto found = environment.find(name);
@@ -41,6 +42,7 @@ class FakeSystem final : public Installed<System, ReplaceSystem> {
   bool IsSystemPlace(const std::filesystem::path& path) override {
     return !system_place.empty() && path.native().starts_with(system_place.native());
   }
+  bool IsOwnFolder(const std::filesystem::path&) override { return own_folders; }
   Status MakePrivateFolder(const std::filesystem::path& folder) override {
     if (private_folders) {
       std::error_code error;

@@ -192,7 +192,7 @@ TEST_F(ViewTest, NothingTypedBreaksIt) {
   SystemServices real;
   Show(real);
   const auto contours = [&] {  // now, however slow the machine is
-    const size_t parts = view->presenter().parts().parts.size();
+    const size_t parts = PartsView(view->presenter().parts()).size();
     EXPECT_EQ(parts, Contours());
     return parts;
   };

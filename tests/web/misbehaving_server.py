@@ -75,6 +75,14 @@ BEHAVIOURS = {
     "413 before the body": refuse_early,
     "500": answer(b"HTTP/1.0 500 Oops\r\n\r\n\r\n  \r\n<b>no</b>\r\nmore"),
     "megabyte of headers": answer(b"HTTP/1.1 200 OK\r\nX: " + b"y" * (1 << 20) + b"\r\n\r\n"),
+    "stops in headers": answer(b"HTTP/1.1 200 OK\r\nX: y\r\nContent-Le"),
+    "short answer": answer(b"HTTP/1.1 200 OK\r\nContent-Length: 90\r\n\r\nTaken.\n"),
+    "damaged chunk": answer(b"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
+                            b"6\r\nTaken.\r\nzz\r\n"),
+    "chunks without end": answer(b"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
+                                 b"6\r\nTaken.\r\n"),
+    "chunks with trailers": answer(b"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\nTrailer: X\r\n\r\n"
+                                   b"6\r\nTaken.\r\n0\r\nX: y\r\n\r\n"),
     "no HTTP": answer(b"220 mail.example.org ready\r\n"),
     "terminal escapes": answer(b"HTTP/1.1 200 \x1b]0;x\x07\r\n\r\n\x1b[2J\xe2\x80\xaegnp\n"),
     "nobody": None,

@@ -16,6 +16,7 @@
 #include "support/fake_settings.h"
 #include "support/fake_system.h"
 #include "support/file_holder.h"
+#include "support/places.h"
 #include "support/recording_notices.h"
 #include "support/run.h"
 #include "support/temporary_folder.h"
@@ -37,6 +38,7 @@ constexpr const char* kOddNameSent = "a %b% 永.svg";
 const std::set<std::string> kSystemHeaders = {"Connection: Keep-Alive\r",
                                               "Cache-Control: no-cache\r", "Pragma: no-cache\r"};
 constexpr bool kSendsOnAfterAnAnswer = true;
+constexpr bool kReadsAnyHeaders = true;
 constexpr bool kTakesAnyTextForHttp = true;  // Wine takes it for an answer of HTTP 0.9
 #else
 constexpr const char* kDevice = "/dev/zero";
@@ -44,6 +46,7 @@ constexpr const char* kOddName = "a \"b\" 永.svg";
 constexpr const char* kOddNameSent = "a %22b%22 永.svg";
 const std::set<std::string> kSystemHeaders;
 constexpr bool kSendsOnAfterAnAnswer = false;
+constexpr bool kReadsAnyHeaders = false;
 constexpr bool kTakesAnyTextForHttp = false;
 #endif
 
@@ -236,18 +239,18 @@ TEST_F(UploaderTest, DefaultsAreSecureAndNameNoServer) {
 }
 
 // The file to send is missing, which is told only when the settings were read.
-TEST_F(UploaderTest, SettingsThatAnotherProcessHoldsAreWaitedFor) {
+TEST_F(UploaderTest, SettingsThatAnotherProcessHoldsAreWaitedForWhereTheyCannotBeRead) {
   const auto ini = Make("UpFile.ini", "[UpFile]\r\nserver=127.0.0.1\r\n");
   test::FileHolder holder(ini, test::HoldKind::kWholeFile);
   UploadResult result = UploadFile(folder_ / "missing.svg", ini);
-  EXPECT_EQ(clock_.sleeps, 100);
+  EXPECT_EQ(clock_.sleeps, test::kHoldsKeepReadersOut ? 100 : 0);
   EXPECT_NE(result.end, UploadEnd::kNotConfigured) << Utf16ToUtf8(result.message);
   clock_.sleeps = 0;
   clock_.on_sleep = [&] {
     if (clock_.sleeps == 3) holder.Release();
   };
   result = UploadFile(folder_ / "missing.svg", ini);
-  EXPECT_EQ(clock_.sleeps, 3);
+  EXPECT_EQ(clock_.sleeps, test::kHoldsKeepReadersOut ? 3 : 0);
   EXPECT_EQ(result.end, UploadEnd::kFileTrouble) << Utf16ToUtf8(result.message);
 }
 
@@ -340,7 +343,7 @@ TEST_F(UploaderTest, ServersMisbehave) {
       {"413 before the body", kNotAccepted, "HTTP/1.1 413 Too Large: too large",
        kSendsOnAfterAnAnswer},
       {"500", kNotAccepted, "not accepted: HTTP/1.0 500 Oops: <b>no</b>", true},
-      {"megabyte of headers", kAccepted, "sent: HTTP/1.1 200 OK", true},
+      {"megabyte of headers", kReadsAnyHeaders ? kAccepted : kNotSent, "", kReadsAnyHeaders},
       {"no HTTP", kNotSent, "not a web server", false},
       {"terminal escapes", kAccepted, "HTTP/1.1 200  ]0;x :  [2J gnp", true},
       {"nobody", kNotSent, "no connection", false},

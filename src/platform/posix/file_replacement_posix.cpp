@@ -3,14 +3,14 @@
 // the finished file as its first name; an existing one cannot be linked over, so the file takes a
 // private name and is renamed at once, with signals held back: only a kill that nobody can hold
 // back, in the instant between the two calls, leaves that name. Where the file system knows no
-// files without a name, the private name is there from the start and only a kill leaves it.
+// files without a name, the private name is there from the start and only a kill leaves it. Whoever
+// writes into the folder next removes such names.
 #include <fcntl.h>
 #include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -19,6 +19,7 @@
 #include <utility>
 
 #include "platform/file_replacement.h"
+#include "platform/posix/private_name.h"
 #include "platform/posix/system_error.h"
 
 namespace kerno {
@@ -142,15 +143,17 @@ class RegularFile final : public FileReplacement {
     // An existing file may be more private than a new one: nobody else reads the new bytes before
     // they stand under its name.
     const mode_t mode = place_.old ? 0600 : 0666;
+    posix::RemoveLeftNames(place_.folder.get());
     if (access("/proc/self/fd", X_OK) == 0) {
       file_ = Descriptor(openat(place_.folder.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
     }
     for (int i = 0; !file_.valid() && i < kNameTries; ++i) {
-      std::string name = PrivateName();
+      std::string name = posix::PrivateName();
       file_ = Descriptor(
           openat(place_.folder.get(), name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode));
-      if (file_.valid()) name_ = std::move(name);
       if (!file_.valid() && errno != EEXIST) break;
+      if (file_.valid() && posix::MarkAsLive(file_.get())) name_ = std::move(name);
+      if (name_.empty()) file_ = Descriptor();
     }
     return file_.valid() ? Status::Ok() : FolderError(errno);
   }
@@ -158,6 +161,16 @@ class RegularFile final : public FileReplacement {
   Status Write(std::string_view bytes) override {
     const int error = WriteAll(file_.get(), bytes);
     return error ? SystemError(target_, error) : Status::Ok();
+  }
+
+  bool CanRewrite() const override { return true; }
+
+  Status Rewrite(uint64_t at, std::string_view bytes) override {
+    if (lseek(file_.get(), static_cast<off_t>(at), SEEK_SET) < 0)
+      return SystemError(target_, errno);
+    Status written = Write(bytes);
+    if (!written.ok()) return written;
+    return lseek(file_.get(), 0, SEEK_END) < 0 ? SystemError(target_, errno) : Status::Ok();
   }
 
   Status Commit() override {
@@ -182,11 +195,6 @@ class RegularFile final : public FileReplacement {
   }
 
  private:
-  static std::string PrivateName() {
-    static std::atomic<unsigned> counter = 0;
-    return ".kerno-" + std::to_string(getpid()) + "-" + std::to_string(++counter) + ".tmp";
-  }
-
   Status FolderError(int error) const {
     Status status = SystemError(target_, error);
     if (status.failure == Failure::kAccessDenied && error != EROFS) {
@@ -216,8 +224,9 @@ class RegularFile final : public FileReplacement {
   }
 
   bool LinkToPrivateName() {
+    posix::MarkAsLive(file_.get());
     for (int i = 0; i < kNameTries; ++i) {
-      std::string name = PrivateName();
+      std::string name = posix::PrivateName();
       if (Link(name)) {
         name_ = std::move(name);
         return true;

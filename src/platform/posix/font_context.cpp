@@ -15,13 +15,19 @@ namespace {
 constexpr int32_t kNormalWeight = 400;
 constexpr int32_t kBoldFrom = 550;  // weights above count as bold
 
-// The font of the first of these faces that can be opened.
+// The font of the first of these faces that can be opened; damaged ones are passed over. *reading
+// keeps the first failure to read a file.
 std::unique_ptr<RealizedFont> RealizeFirst(const std::vector<const CatalogFace*>& faces,
                                            std::u16string_view family, const LogFont& wanted,
-                                           const FaceWish& wish) {
+                                           const FaceWish& wish, Status* reading) {
   const FontCatalog& catalog = FontCatalog::Current();
+  const auto note = [&](const Status& status) {
+    if (reading->ok()) *reading = status;
+  };
   for (const CatalogFace* face : faces) {
-    if (!catalog.FactsOf(*face).whole) {
+    const SfntFacts& facts = catalog.FactsOf(*face);
+    note(facts.reading);
+    if (!facts.whole) {
       continue;
     }
     FontChoice choice;
@@ -29,10 +35,12 @@ std::unique_ptr<RealizedFont> RealizeFirst(const std::vector<const CatalogFace*>
     choice.index = face->index;
     choice.name = SystemName(*face, family, wish.vertical);
     choice.face_weight = face->weight;
-    choice.fixed_pitch = face->fixed_pitch;
     choice.embolden = face->has_outlines && wish.weight > kBoldFrom && face->weight <= kBoldFrom;
     choice.vertical = wish.vertical;
-    if (auto font = RealizedFont::Create(choice, wanted.height, wanted.width)) {
+    Status opened;
+    auto font = RealizedFont::Create(choice, wanted.height, wanted.width, &opened);
+    note(opened);
+    if (font) {
       return font;
     }
   }
@@ -40,12 +48,12 @@ std::unique_ptr<RealizedFont> RealizeFirst(const std::vector<const CatalogFace*>
 }
 
 std::unique_ptr<RealizedFont> RealizeAs(std::u16string_view family, const LogFont& wanted,
-                                        const FaceWish& wish) {
+                                        const FaceWish& wish, Status* reading) {
   const FontCatalog& catalog = FontCatalog::Current();
-  if (auto font = RealizeFirst(catalog.FindFamily(family, wish), family, wanted, wish)) {
+  if (auto font = RealizeFirst(catalog.FindFamily(family, wish), family, wanted, wish, reading)) {
     return font;
   }
-  return RealizeFirst(catalog.Substitutes(family, wish), family, wanted, wish);
+  return RealizeFirst(catalog.Substitutes(family, wish), family, wanted, wish, reading);
 }
 
 bool IsIdentity(const Mat2& matrix) {
@@ -59,7 +67,7 @@ class MeasuringContext final : public FontContext {
 
 }  // namespace
 
-std::unique_ptr<RealizedFont> RealizeFont(const LogFont& wanted) {
+std::unique_ptr<RealizedFont> RealizeFont(const LogFont& wanted, Status* reading) {
   // The "@" counts among the units of a name.
   std::u16string_view family = std::u16string_view(wanted.face_name).substr(0, kMaxFaceName);
   FaceWish wish;
@@ -68,16 +76,16 @@ std::unique_ptr<RealizedFont> RealizeFont(const LogFont& wanted) {
   wish.vertical = family.starts_with(u'@');
   if (wish.vertical) {
     family.remove_prefix(1);
-    if (auto font = RealizeAs(family, wanted, wish)) {
+    if (auto font = RealizeAs(family, wanted, wish, reading)) {
       return font;
     }
     wish.vertical = false;
   }
-  return RealizeAs(family, wanted, wish);
+  return RealizeAs(family, wanted, wish, reading);
 }
 
 std::unique_ptr<Font> FontContext::CreateFontIndirect(const LogFont& wanted) {
-  return RealizeFont(wanted);
+  return RealizeFont(wanted, &reading_);
 }
 
 Font* FontContext::SelectFont(Font* font) {
@@ -92,7 +100,7 @@ RealizedFont* FontContext::CurrentFont() {
     return realized_;
   }
   if (!stock_) {
-    stock_ = RealizeFont(SystemLogFont());
+    stock_ = RealizeFont(SystemLogFont(), &reading_);
   }
   return stock_.get();
 }

@@ -20,6 +20,7 @@ class FontContext : public DeviceContext {
   uint32_t GetGlyphOutline(char32_t ch, uint32_t format, GlyphMetrics* metrics, uint32_t size,
                            void* buffer, const Mat2& matrix) override;
   bool GetTextExtent(std::u16string_view text, Extent* extent) override;
+  Status FontReading() const override { return reading_; }
 
  protected:
   // The font that measures and draws now: the selected one, or the stock font. Null when the system
@@ -30,9 +31,12 @@ class FontContext : public DeviceContext {
   Font* selected_ = nullptr;
   RealizedFont* realized_ = nullptr;  // selected_, when it is one of ours
   std::unique_ptr<RealizedFont> stock_;
+  Status reading_;
 };
 
-// The font mapper: the installed face nearest to the wish, sized. Null when there is none.
-std::unique_ptr<RealizedFont> RealizeFont(const LogFont& wanted);
+// The font mapper: the installed face nearest to the wish, sized. Null when there is none. Where a
+// nearer one was passed over because its file cannot be read, *reading gets the failure, unless it
+// holds one.
+std::unique_ptr<RealizedFont> RealizeFont(const LogFont& wanted, Status* reading);
 
 }  // namespace kerno

@@ -120,8 +120,9 @@ std::vector<std::u16string> DamagedFiles(const FontCatalog& catalog) {
     for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
       const std::string path = at->path().string();
       std::error_code no_file;
+      Status reading;  // the list of names is all that is told
       if (LooksLikeFontFile(at->path()) && !listed.contains(path) && at->is_regular_file(no_file) &&
-          !OpenFace(path, 0)) {
+          !OpenFace(path, 0, &reading)) {
         damaged.insert(path);
       }
     }
@@ -211,7 +212,9 @@ std::vector<ListedFace> ListFaces() {
 
 Status AddFontFile(const fs::path& file, std::vector<std::u16string>* names) {
   names->clear();
-  const std::string path = fs::absolute(file).native();
+  std::error_code error;
+  const fs::path whole = fs::absolute(file, error);
+  const std::string path = (error ? file : whole).native();
   std::vector<std::string>& added = FontCatalog::AddedFiles();
   const bool is_new = std::find(added.begin(), added.end(), path) == added.end();
   if (is_new) {

@@ -98,6 +98,13 @@ TextMetrics ScaleTextMetrics(const FaceUnits& units, int64_t pixels_per_em) {
   return metrics;
 }
 
+bool IsFixedPitch(FT_Face face) {
+  constexpr size_t kProportion = 3;
+  constexpr FT_Byte kMonospaced = 9;
+  const TT_OS2* os2 = Os2Table(face);
+  return FT_IS_FIXED_WIDTH(face) || (os2 != nullptr && os2->panose[kProportion] == kMonospaced);
+}
+
 int32_t FaceWeight(FT_Face face, int32_t otherwise) {
   const TT_OS2* os2 = Os2Table(face);
   if (os2 == nullptr || os2->usWeightClass == 0 || os2->usWeightClass > 1000) {

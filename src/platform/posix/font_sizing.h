@@ -1,7 +1,7 @@
 // Sizes and text metrics of an outline face: from the height that a program asks for to pixels per
 // em, and from font units to whole logical units.
 //
-// Sources of the values: the tables OS/2, hhea, head of OpenType.
+// Sources of the values: the tables OS/2, hhea, head, post of OpenType.
 #pragma once
 
 #include <cstdint>
@@ -38,6 +38,11 @@ int64_t ScaledUnits(int64_t value, const FaceUnits& units, int64_t pixels_per_em
 // Text metrics at this size and with the face's own proportions; the average width is at least 1,
 // and tmWeight is left alone.
 TextMetrics ScaleTextMetrics(const FaceUnits& units, int64_t pixels_per_em);
+
+// Whether the face calls its characters equally wide: by the table post, or by the proportion of
+// the PANOSE classification, whatever kind of face that is for. Advances need not bear it out: a
+// face of Latin and Japanese letters has two widths.
+bool IsFixedPitch(FT_Face face);
 
 // The weight class of the face (100 to 1000), or `otherwise` when the face does not tell.
 int32_t FaceWeight(FT_Face face, int32_t otherwise);

@@ -1,7 +1,10 @@
 #include "platform/posix/free_type.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <new>
 
+#include "platform/posix/system_error.h"
 #include FT_MODULE_H
 
 namespace kerno {
@@ -33,13 +36,19 @@ std::shared_ptr<FT_LibraryRec_> CreateLibrary() {
 
 }  // namespace
 
-FacePtr OpenFace(const std::string& path, long index) {
+void CheckMemory(FT_Error error) {
+  if (error == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+}
+
+FacePtr OpenFace(const std::string& path, long index, Status* reading) {
   static const std::shared_ptr<FT_LibraryRec_> library = CreateLibrary();
+  if (!library) throw std::bad_alloc();
   FT_Face face = nullptr;
-  if (!library || FT_New_Face(library.get(), path.c_str(), index, &face) != 0) {
-    return FacePtr(nullptr, FaceCloser{library});
-  }
-  return FacePtr(face, FaceCloser{library});
+  errno = 0;
+  const FT_Error error = FT_New_Face(library.get(), path.c_str(), index, &face);
+  *reading = error != 0 && errno != 0 ? SystemError(path, errno) : Status::Ok();
+  CheckMemory(error);
+  return FacePtr(error == 0 ? face : nullptr, FaceCloser{library});
 }
 
 }  // namespace kerno

@@ -8,6 +8,8 @@
 
 #include <memory>
 #include <string>
+
+#include "platform/status.h"
 #include FT_FREETYPE_H
 
 namespace kerno {
@@ -19,8 +21,12 @@ struct FaceCloser {
 };
 using FacePtr = std::unique_ptr<FT_FaceRec_, FaceCloser>;
 
+// A sign must not lose a letter because memory is short: that ends the work.
+void CheckMemory(FT_Error error);
+
 // Opens one face of a file: `index` counts faces as Fontconfig does (a named instance of a variable
-// face in the upper 16 bits). Null when FreeType cannot read it.
-FacePtr OpenFace(const std::string& path, long index);
+// face in the upper 16 bits). Null when FreeType cannot read it: *reading is then the failure of a
+// file that could not be opened or read, and ok for one that is damaged.
+FacePtr OpenFace(const std::string& path, long index, Status* reading);
 
 }  // namespace kerno

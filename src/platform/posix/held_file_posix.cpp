@@ -14,6 +14,7 @@
 
 #include "platform/file_replacement.h"
 #include "platform/held_file.h"
+#include "platform/posix/private_name.h"
 #include "platform/posix/system_error.h"
 
 namespace kerno {
@@ -91,14 +92,20 @@ Status Held(const fs::path& path) {
 }
 
 // Whether the path still names the open file: who waited for a lock may hold a file that was
-// replaced meanwhile.
-bool StillNamed(const fs::path& path, const struct stat& open_file) {
+// replaced meanwhile. 0 where it does, ESTALE where not, or why that cannot be told.
+int CheckName(const fs::path& path, const struct stat& open_file) {
   struct stat named {};
-  return stat(path.c_str(), &named) == 0 && named.st_dev == open_file.st_dev &&
-         named.st_ino == open_file.st_ino;
+  if (stat(path.c_str(), &named) != 0) return errno == ENOENT ? ESTALE : errno;
+  return named.st_dev == open_file.st_dev && named.st_ino == open_file.st_ino ? 0 : ESTALE;
 }
 
 }  // namespace
+
+Status PeekFile(const fs::path& path, std::string* bytes, size_t most) {
+  bytes->clear();
+  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  return fd < 0 ? SystemError(path, errno) : PosixHeldFile(path, fd).Read(bytes, most);
+}
 
 std::unique_ptr<HeldFile> HeldFile::Open(const fs::path& path, Deny deny, Status* status) {
   *status = Status::Ok();
@@ -124,7 +131,11 @@ std::unique_ptr<HeldFile> HeldFile::Open(const fs::path& path, Deny deny, Status
       *status = Held(path);
       return nullptr;
     }
-    if (StillNamed(path, info)) return file;
+    const int error = CheckName(path, info);
+    if (error == 0) return file;
+    if (error == ESTALE) continue;
+    *status = SystemError(path, error);
+    return nullptr;
   }
 }
 
@@ -164,17 +175,36 @@ std::optional<Status> CreateUnnamedFirst(const fs::path& path, std::string_view 
   return error == EEXIST ? ExistsAlready(path) : SystemError(path, error);
 }
 
+// Gives a file its name only where nothing stands: 0 or the errno. Some file systems know no second
+// name for a file, some no such renaming.
+int NameNew(const fs::path& from, const fs::path& to) {
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
+  if (errno != EINVAL && errno != ENOSYS) return errno;
+  if (link(from.c_str(), to.c_str()) != 0) return errno;
+  unlink(from.c_str());
+  return 0;
+}
+
+// The file is whole under a private name before it gets its own.
+Status CreateNamedFirst(const fs::path& path, std::string_view bytes) {
+  const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
+  const fs::path fresh = folder / posix::PrivateName();
+  const int fd = open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (fd < 0) return SystemError(path, errno);
+  int error = posix::MarkAsLive(fd) ? WriteAll(fd, bytes) : ENOENT;
+  if (error == 0 && !bytes.empty() && fsync(fd) != 0) error = errno;
+  if (close(fd) != 0 && error == 0) error = errno;
+  if (error == 0) error = NameNew(fresh, path);
+  if (error == 0) return Status::Ok();
+  unlink(fresh.c_str());
+  return error == EEXIST ? ExistsAlready(path) : SystemError(path, error);
+}
+
 }  // namespace
 
 Status CreateNewFile(const fs::path& path, std::string_view bytes) {
   if (auto done = CreateUnnamedFirst(path, bytes)) return *std::move(done);
-  const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  if (fd < 0) return errno == EEXIST ? ExistsAlready(path) : SystemError(path, errno);
-  int error = WriteAll(fd, bytes);
-  if (close(fd) != 0 && error == 0) error = errno;
-  if (error == 0) return Status::Ok();
-  unlink(path.c_str());
-  return SystemError(path, error);
+  return CreateNamedFirst(path, bytes);
 }
 
 Status ChangeFile(const fs::path& path, IfMissing if_missing,
@@ -210,11 +240,12 @@ Status AppendToFile(const fs::path& path, std::string_view start, std::string_vi
       close(fd);
       return Held(path);
     }
-    if (fstat(fd, &info) == 0 && !StillNamed(path, info)) {
+    int error = fstat(fd, &info) == 0 ? CheckName(path, info) : errno;
+    if (error == ESTALE) {
       close(fd);
       continue;
     }
-    int error = info.st_size == 0 ? WriteAll(fd, start) : 0;
+    if (error == 0 && info.st_size == 0) error = WriteAll(fd, start);
     if (error == 0) error = WriteAll(fd, bytes);
     if (close(fd) != 0 && error == 0) error = errno;
     return error == 0 ? Status::Ok() : SystemError(path, error);

@@ -3,6 +3,7 @@
 #include <future>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include "platform/http_session.h"
 #include "platform/posix/curl_library.h"
@@ -21,8 +22,16 @@ struct Receiver {
   HttpReply reply;
   size_t most_answer = 0;
   size_t header_bytes = 0;
+  bool headers_ended = false;  // those of the last answer
   size_t received = 0;
 };
+
+// libcurl takes lines for a status of 200 that tell none.
+bool IsStatusLine(std::string_view line, int status) {
+  constexpr std::string_view kForm = "HTTP/1.1";
+  return line.starts_with(kForm.substr(0, kForm.size() - 1)) && line.size() > kForm.size() &&
+         line.substr(kForm.size()).starts_with(" " + std::to_string(status));
+}
 
 size_t TakeHeader(char* data, size_t, size_t size, void* context) {
   auto* receiver = static_cast<Receiver*>(context);
@@ -30,8 +39,13 @@ size_t TakeHeader(char* data, size_t, size_t size, void* context) {
   receiver->received += size;
   std::string_view line(data, size);
   while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
-  // Each answer begins with such a line; the last one stays.
-  if (line.starts_with("HTTP/")) receiver->reply.status_line = line;
+  // Each answer begins with such a line; the last one stays. One among the headers is none of them.
+  HttpReply& reply = receiver->reply;
+  if ((reply.status_line.empty() || receiver->headers_ended) && line.starts_with("HTTP/")) {
+    reply.status_line = line;
+    receiver->headers_ended = false;
+  }
+  receiver->headers_ended |= line.empty();
   return receiver->header_bytes <= kMostHeaderBytes ? size : 0;
 }
 
@@ -214,12 +228,29 @@ class Request {
     }
   }
 
-  // An answer whose end did not come, or was not wanted, is an answer all the same.
+  // An answer whose end was not waited for, or not wanted, is an answer all the same; one that
+  // broke off says so. libcurl takes headers without an end for an answer.
   void SettleCutAnswer() {
     HttpReply& reply = receiver_.reply;
+    if (reply.end == HttpEnd::kStopped) return;
     const bool final_status = reply.status >= 200;
     if (reply.end == HttpEnd::kAnswered && !final_status) reply.end = HttpEnd::kNoAnswer;
-    if (reply.end == HttpEnd::kAnswered || reply.end == HttpEnd::kStopped || !final_status) return;
+    if (!final_status) return;
+    if (!IsStatusLine(reply.status_line, reply.status)) {
+      reply.end = HttpEnd::kNotHttp;
+      if (reply.why.empty()) reply.why = "its status cannot be read";
+      return;
+    }
+    if (!receiver_.headers_ended) {
+      if (reply.end == HttpEnd::kStalled) return;
+      if (receiver_.header_bytes > kMostHeaderBytes) reply.why = "the headers do not end";
+      if (reply.end == HttpEnd::kAnswered) reply.why = "within the headers";
+      reply.end = HttpEnd::kBroken;
+      return;
+    }
+    const bool limited =
+        reply.end == HttpEnd::kStalled || reply.answer.size() >= receiver_.most_answer;
+    reply.broke_off = reply.end != HttpEnd::kAnswered && !limited;
     reply.end = HttpEnd::kAnswered;
   }
 
@@ -241,10 +272,14 @@ class Request {
 class CurlSession final : public HttpSession {
  public:
   std::shared_ptr<void> Prepare() override {
-    return std::make_shared<std::future<void>>(std::async(std::launch::async, [] {
-      std::string ignored;
-      LoadCurl(&ignored);
-    }));
+    try {
+      return std::make_shared<std::future<void>>(std::async(std::launch::async, [] {
+        std::string ignored;
+        LoadCurl(&ignored);
+      }));
+    } catch (const std::system_error&) {
+      return nullptr;  // without a second thread, Post loads it
+    }
   }
 
   HttpReply Post(const HttpPost& post, const HttpProgress& progress) override {

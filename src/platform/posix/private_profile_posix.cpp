@@ -1,6 +1,3 @@
-#include <fstream>
-#include <iterator>
-
 #include "platform/code_page.h"
 #include "platform/held_file.h"
 #include "platform/posix/ini_text.h"
@@ -11,19 +8,6 @@ namespace kerno {
 namespace {
 
 using posix::ByteForm;
-
-// Files are replaced whole, so a reader needs no lock to see a whole one.
-bool ReadWhole(const std::filesystem::path& file, std::string* bytes) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) return false;
-  std::ifstream in(file, std::ios::binary);
-  if (!in) return false;
-  const auto size = std::filesystem::file_size(file, error);
-  bytes->resize(error ? 0 : size);
-  in.read(bytes->data(), static_cast<std::streamsize>(bytes->size()));
-  bytes->resize(static_cast<size_t>(in.gcount()));
-  return true;
-}
 
 std::string EditBytes(std::string_view bytes, const std::vector<ProfileEdit>& edits) {
   ByteForm form = ByteForm::kUtf16;
@@ -51,9 +35,14 @@ std::string EditBytes(std::string_view bytes, const std::vector<ProfileEdit>& ed
 
 std::optional<std::u16string> ReadProfileString(const std::filesystem::path& file,
                                                 std::u16string_view section,
-                                                std::u16string_view key, size_t most) {
+                                                std::u16string_view key, size_t most,
+                                                Status* status) {
+  // Files are replaced whole, so a reader needs no lock to see a whole one.
   std::string bytes;
-  if (!ReadWhole(file, &bytes)) return std::nullopt;
+  Status read = PeekFile(file, &bytes);
+  const bool readable = read.ok();
+  if (status) *status = read.failure == Failure::kNotFound ? Status::Ok() : std::move(read);
+  if (!readable) return std::nullopt;
   ByteForm form;
   const std::u16string text = posix::TextOfBytes(bytes, &form);
   const auto value = posix::FindIniValue(text, section, key);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
-#include <new>
 #include <utility>
 
 #include FT_OUTLINE_H
@@ -15,12 +14,15 @@ constexpr FT_Int32 kLoadFlags = FT_LOAD_DEFAULT | FT_LOAD_NO_BITMAP | FT_LOAD_TA
 constexpr int64_t kMaxPixelsPerEm = 0xFFFF;  // FreeType counts pixels per em in 16 bits
 constexpr int32_t kBoldWeight = 700;
 
-// False for a glyph that the font cannot give. A sign must not lose a letter because memory is
-// short: that ends the work.
-bool LoadGlyph(FT_Face face, FT_UInt glyph, FT_Int32 flags) {
-  const FT_Error error = FT_Load_Glyph(face, glyph, flags);
-  if (error == FT_Err_Out_Of_Memory) throw std::bad_alloc();
+// Whether FreeType did what it was asked for.
+bool Done(FT_Error error) {
+  CheckMemory(error);
   return error == 0;
+}
+
+// False for a glyph that the font cannot give.
+bool LoadGlyph(FT_Face face, FT_UInt glyph, FT_Int32 flags) {
+  return Done(FT_Load_Glyph(face, glyph, flags));
 }
 
 int64_t FloorToPixels(int64_t value) {
@@ -85,8 +87,8 @@ bool IsSurrogate(char32_t ch) {
 }  // namespace
 
 std::unique_ptr<RealizedFont> RealizedFont::Create(const FontChoice& choice, int32_t height,
-                                                   int32_t width) {
-  FacePtr face = OpenFace(choice.path, choice.index);
+                                                   int32_t width, Status* reading) {
+  FacePtr face = OpenFace(choice.path, choice.index, reading);
   if (!face) {
     return nullptr;
   }
@@ -100,14 +102,17 @@ std::unique_ptr<RealizedFont> RealizedFont::Create(const FontChoice& choice, int
 }
 
 RealizedFont::RealizedFont(FacePtr face, const FontChoice& choice)
-    : choice_(choice), face_(std::move(face)), units_(ReadFaceUnits(face_.get())) {
+    : choice_(choice),
+      face_(std::move(face)),
+      units_(ReadFaceUnits(face_.get())),
+      fixed_pitch_(IsFixedPitch(face_.get())) {
   ChooseCharacterMap(face_.get());
 }
 
 void RealizedFont::SetOutlineSize(int32_t height, int32_t width) {
   pixels_per_em_ = PixelsPerEm(units_, height);
   const auto pixels = static_cast<FT_UInt>(std::min(pixels_per_em_, kMaxPixelsPerEm + 1));
-  if (pixels > kMaxPixelsPerEm || FT_Set_Pixel_Sizes(face_.get(), pixels, pixels) != 0) {
+  if (pixels > kMaxPixelsPerEm || !Done(FT_Set_Pixel_Sizes(face_.get(), pixels, pixels))) {
     return;
   }
   sized_ = true;
@@ -140,7 +145,7 @@ void RealizedFont::SetStrikeSize(int32_t height) {
       best_distance = distance;
     }
   }
-  if (best < 0 || FT_Select_Size(face, best) != 0) {
+  if (best < 0 || !Done(FT_Select_Size(face, best))) {
     return;
   }
   sized_ = true;
@@ -197,11 +202,14 @@ NativeGlyph RealizedFont::LoadOutline(char32_t ch) {
     form = vertical_forms_.Find(face_.get(), ch, form.glyph);
   }
   const FT_GlyphSlot slot = face_->glyph;
-  if (!LoadGlyph(face_.get(), form.glyph, kLoadFlags) ||
-      slot->format != FT_GLYPH_FORMAT_OUTLINE) {
+  if (!LoadGlyph(face_.get(), form.glyph, kLoadFlags) || slot->format != FT_GLYPH_FORMAT_OUTLINE) {
     return glyph;
   }
-  const int64_t own = form.turned ? slot->metrics.vertAdvance : slot->metrics.horiAdvance;
+  // Classic: a face of no fixed pitch and without vertical metrics keeps the advance that the
+  // rasteriser makes up, as in the drawings so far.
+  const bool has_vertical_advance = FT_HAS_VERTICAL(face_.get()) || !fixed_pitch_;
+  const int64_t own =
+      form.turned && has_vertical_advance ? slot->metrics.vertAdvance : slot->metrics.horiAdvance;
   const int64_t advance = Advance(own) + EmboldenedWidth();
   glyph.advance = Clamp32(advance);
   if (choice_.embolden) {
@@ -245,7 +253,7 @@ CellShift RealizedFont::ShiftOfTurned(FT_UInt glyph) const {
 void RealizedFont::Embolden(FT_GlyphSlot slot) const {
   const FT_Pos strength = static_cast<FT_Pos>(pixels_per_em_ * 64 / 24);
   FT_Outline* outline = &slot->outline;
-  if (outline->n_points == 0 || FT_Outline_Embolden(outline, strength) != 0) {
+  if (outline->n_points == 0 || !Done(FT_Outline_Embolden(outline, strength))) {
     return;
   }
   FT_BBox box;
@@ -257,10 +265,11 @@ void RealizedFont::Embolden(FT_GlyphSlot slot) const {
 }
 
 int64_t RealizedFont::Advance(int64_t hinted) const {
-  const int64_t em = units_.em;
-  // More than 1.5 times the average before rounding: 26.6 against font units.
-  const bool full_width = 2 * hinted * em > 3 * units_.average_width * pixels_per_em_ * 64;
-  if (choice_.fixed_pitch && full_width) {
+  // As wide as two average characters to the pixel; what is a little wider or narrower keeps its
+  // own advance.
+  const bool full_width =
+      CeilToPixels(hinted) == ScaledUnits(2 * units_.average_width, units_, pixels_per_em_);
+  if (fixed_pitch_ && full_width) {
     // Twice the average, whose scaled width is rounded in font units first.
     return 2 * ScaledUnits(ScaleX(units_.average_width), units_, pixels_per_em_);
   }

@@ -32,8 +32,7 @@ struct FontChoice {
   int index = 0;
   std::u16string name;        // FaceName
   int32_t face_weight = 400;  // of the face, when its file does not tell
-  bool fixed_pitch = false;
-  bool embolden = false;  // stands in for a bold that the family lacks
+  bool embolden = false;      // stands in for a bold that the family lacks
   bool vertical = false;
 };
 
@@ -45,9 +44,10 @@ struct CellShift {
 
 class RealizedFont final : public Font {
  public:
-  // Opens the face and sets its size. Null when the file cannot be opened.
+  // Opens the face and sets its size. Null when the file cannot be opened; *reading as OpenFace has
+  // it.
   static std::unique_ptr<RealizedFont> Create(const FontChoice& choice, int32_t height,
-                                              int32_t width);
+                                              int32_t width, Status* reading);
 
   const std::u16string& FaceName() const override { return choice_.name; }
   bool HasGlyph(char32_t ch) const override;
@@ -81,6 +81,7 @@ class RealizedFont final : public Font {
   FacePtr face_;
   bool sized_ = false;
   FaceUnits units_;
+  bool fixed_pitch_;
   int64_t pixels_per_em_ = 0;
   int64_t width_ratio_ = 0x10000;  // 16.16
   TextMetrics metrics_;

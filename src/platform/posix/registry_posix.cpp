@@ -1,8 +1,5 @@
 // The registry is one file in the user's configuration folder, in the text form that registry
 // editors export, so that it can be carried to and from other machines.
-#include <fstream>
-#include <iterator>
-
 #include "platform/held_file.h"
 #include "platform/posix/registry_text.h"
 #include "platform/posix/system_error.h"
@@ -54,6 +51,10 @@ RegistryOutcome Change(IfMissing if_missing, Status* why, const Edit& edit) {
   if (foreign) {
     *why = Status::Error(Failure::kOther, SystemText(file.native()), u"it is no registry file");
   }
+  if (why->ok() && outcome == RegistryOutcome::kFailed) {
+    *why = Status::Error(Failure::kOther, SystemText(file.native()),
+                         u"keys stand below it, or a damaged line would get another meaning");
+  }
   if (why->failure == Failure::kNotFound && if_missing == IfMissing::kFail) {
     *why = Status::Ok();
     return RegistryOutcome::kNoKey;
@@ -64,12 +65,15 @@ RegistryOutcome Change(IfMissing if_missing, Status* why, const Edit& edit) {
 }  // namespace
 
 RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
-                              RegistryValue* value) {
+                              RegistryValue* value, Status* why) {
   const fs::path file = RegistryFile();
-  std::error_code error;
-  if (file.empty() || !fs::is_regular_file(file, error)) return RegistryOutcome::kNoKey;
-  std::ifstream in(file, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+  if (file.empty()) return RegistryOutcome::kNoKey;
+  std::string bytes;
+  if (Status read = PeekFile(file, &bytes); !read.ok()) {
+    if (read.failure == Failure::kNotFound) return RegistryOutcome::kNoKey;
+    if (why) *why = std::move(read);
+    return RegistryOutcome::kFailed;
+  }
   posix::ByteForm form;
   const std::u16string text = posix::TextOfBytes(bytes, &form);
   if (!posix::IsRegistryText(text)) return RegistryOutcome::kNoKey;
@@ -79,8 +83,7 @@ RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u
 RegistryOutcome SetRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
                             const RegistryValue& value, Status* why) {
   return Change(IfMissing::kCreate, why, [&](std::u16string* text) {
-    posix::SetRegistryText(text, FullKey(root, key), name, value);
-    return RegistryOutcome::kDone;
+    return posix::SetRegistryText(text, FullKey(root, key), name, value);
   });
 }
 

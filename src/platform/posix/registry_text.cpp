@@ -1,5 +1,6 @@
 #include "platform/posix/registry_text.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "platform/fold_case.h"
@@ -221,10 +222,6 @@ std::u16string WriteData(const RegistryValue& value) {
   return text;
 }
 
-void EnsureLineEnd(std::u16string* text) {
-  if (!text->empty() && text->back() != u'\n' && text->back() != u'\r') text->append(u"\r\n");
-}
-
 // The last line with something on it as the reader sees it, without blanks around it.
 std::u16string_view LastLine(std::u16string_view text) {
   const size_t last = text.find_last_not_of(u"\r\n");
@@ -232,6 +229,63 @@ std::u16string_view LastLine(std::u16string_view text) {
   const size_t before = text.find_last_of(u"\r\n", last);
   const size_t begin = before == kNone ? 0 : before + 1;
   return Trim(text.substr(begin, last + 1 - begin));
+}
+
+// Where a new line goes, and what it needs before it.
+struct Insertion {
+  size_t at = 0;
+  std::u16string before;
+};
+
+Insertion PlaceOfValue(std::u16string_view text, const KeyState& state, std::u16string_view key) {
+  if (state.value) return {state.value->begin, u""};
+  if (state.block_end != kNone && state.block_end < text.size()) return {state.block_end, u""};
+  std::u16string before(text.empty() ? kRegistryHeader : std::u16string_view());
+  const bool ended = !text.empty() && (text.back() == u'\n' || text.back() == u'\r');
+  if (!ended) before += u"\r\n";
+  if (state.block_end == kNone)
+    return {text.size(), before.append(u"\r\n[").append(key) + u"]\r\n"};
+  // Data that was cut off after its "\" goes on in the next line, which has to be an empty one.
+  const std::u16string_view last = LastLine(text);
+  if (!last.empty() && last.back() == u'\\') before += u"\r\n";
+  return {text.size(), before};
+}
+
+// Whether two texts do the same, but for the statements that are said to differ. A damaged line (a
+// string without an end) may take in or set free what follows it when that changes.
+template <typename OldDiffers, typename NewDiffers>
+bool MeanTheSame(const std::vector<Statement>& before, const OldDiffers& old_differs,
+                 const std::vector<Statement>& after, const NewDiffers& new_differs) {
+  const auto kept = [](const std::vector<Statement>& all, const auto& differs) {
+    std::vector<const Statement*> rest;
+    for (const Statement& statement : all) {
+      const bool does_nothing = statement.kind == Statement::Kind::kNothing;
+      if (!differs(statement) && !does_nothing) rest.push_back(&statement);
+    }
+    return rest;
+  };
+  const auto same = [](const Statement* a, const Statement* b) {
+    return a->kind == b->kind && a->name == b->name && a->value_name == b->value_name &&
+           a->data == b->data;
+  };
+  return std::ranges::equal(kept(before, old_differs), kept(after, new_differs), same);
+}
+
+// Takes statements out of the text; kFailed, and the text stays, when others would change with it.
+template <typename Goes>
+RegistryOutcome RemoveStatements(std::u16string* text, const std::vector<Statement>& statements,
+                                 const Goes& goes) {
+  std::u16string kept;
+  std::vector<Statement> rest;
+  for (const Statement& statement : statements) {
+    if (goes(statement)) continue;
+    kept.append(*text, statement.begin, statement.end - statement.begin);
+    rest.push_back(statement);
+  }
+  const auto none = [](const Statement&) { return false; };
+  if (!MeanTheSame(rest, none, Parse(kept), none)) return RegistryOutcome::kFailed;
+  *text = std::move(kept);
+  return RegistryOutcome::kDone;
 }
 
 }  // namespace
@@ -251,28 +305,27 @@ RegistryOutcome FindRegistryValue(std::u16string_view text, std::u16string_view 
   return RegistryOutcome::kDone;
 }
 
-void SetRegistryText(std::u16string* text, std::u16string_view key, std::u16string_view name,
-                     const RegistryValue& value) {
-  const std::u16string line =
-      (name.empty() ? std::u16string(u"@") : Quote(name)) + u"=" + WriteData(value) + u"\r\n";
-  const std::vector<Statement> statements = Parse(*text);
-  const KeyState state = Execute(statements, key, name);
-  if (state.value) {
-    text->replace(state.value->begin, state.value->end - state.value->begin, line);
-  } else if (state.block_end == text->size()) {
-    // Data that was cut off after its "\" goes on in the next line, which has to be an empty one.
-    const std::u16string_view last = LastLine(*text);
-    const bool goes_on = !last.empty() && last.back() == u'\\';
-    EnsureLineEnd(text);
-    if (goes_on) text->append(u"\r\n");
-    text->append(line);
-  } else if (state.block_end != kNone) {
-    text->insert(state.block_end, line);
-  } else {
-    if (text->empty()) text->append(kRegistryHeader);
-    EnsureLineEnd(text);
-    text->append(u"\r\n[").append(key).append(u"]\r\n").append(line);
-  }
+RegistryOutcome SetRegistryText(std::u16string* text, std::u16string_view key,
+                                std::u16string_view name, const RegistryValue& value) {
+  const std::u16string data = WriteData(value);
+  const std::vector<Statement> before = Parse(*text);
+  const KeyState state = Execute(before, key, name);
+  const Insertion insertion = PlaceOfValue(*text, state, key);
+  const size_t replaced = state.value ? state.value->end - state.value->begin : 0;
+  const std::u16string written =
+      insertion.before + (name.empty() ? u"@" : Quote(name)) + u"=" + data + u"\r\n";
+  std::u16string changed = *text;
+  changed.replace(insertion.at, replaced, written);
+  const std::vector<Statement> after = Parse(changed);
+  const bool rest_stays = MeanTheSame(
+      before, [&](const Statement& old) { return &old == state.value; }, after,
+      [&](const Statement& now) {
+        return now.begin >= insertion.at && now.begin - insertion.at < written.size();
+      });
+  const KeyState result = Execute(after, key, name);
+  if (!rest_stays || !result.value || result.value->data != data) return RegistryOutcome::kFailed;
+  *text = std::move(changed);
+  return RegistryOutcome::kDone;
 }
 
 RegistryOutcome RemoveRegistryText(std::u16string* text, std::u16string_view key,
@@ -281,16 +334,12 @@ RegistryOutcome RemoveRegistryText(std::u16string* text, std::u16string_view key
   const KeyState state = Execute(statements, key, name);
   if (!state.exists) return RegistryOutcome::kNoKey;
   if (!state.value) return RegistryOutcome::kNoValue;
-  std::u16string kept;
   bool inside = false;
-  for (const Statement& statement : statements) {
+  return RemoveStatements(text, statements, [&](const Statement& statement) {
     if (statement.kind == Statement::Kind::kKey) inside = EqualWithoutCase(statement.name, key);
     const bool value = statement.kind == Statement::Kind::kValue;
-    if (inside && value && EqualWithoutCase(statement.value_name, name)) continue;
-    kept.append(*text, statement.begin, statement.end - statement.begin);
-  }
-  *text = std::move(kept);
-  return RegistryOutcome::kDone;
+    return inside && value && EqualWithoutCase(statement.value_name, name);
+  });
 }
 
 RegistryOutcome RemoveRegistryKeyText(std::u16string* text, std::u16string_view key) {
@@ -298,16 +347,13 @@ RegistryOutcome RemoveRegistryKeyText(std::u16string* text, std::u16string_view 
   const KeyState state = Execute(statements, key, {});
   if (!state.exists) return RegistryOutcome::kNoKey;
   if (state.has_keys_below) return RegistryOutcome::kFailed;
-  std::u16string kept;
   bool inside = false;
-  for (const Statement& statement : statements) {
+  return RemoveStatements(text, statements, [&](const Statement& statement) {
     if (statement.kind == Statement::Kind::kKey || statement.kind == Statement::Kind::kDeleteKey) {
       inside = statement.kind == Statement::Kind::kKey && EqualWithoutCase(statement.name, key);
     }
-    if (!inside) kept.append(*text, statement.begin, statement.end - statement.begin);
-  }
-  *text = std::move(kept);
-  return RegistryOutcome::kDone;
+    return inside;
+  });
 }
 
 }  // namespace kerno::posix

@@ -9,7 +9,9 @@
 // where other data goes on in the next line after a backslash at the end.
 //
 // Lines are executed in order, as an import does: later ones win, "name"=- and [-key] delete.
-// Everything that is not written stays as it stands.
+// Everything that is not written stays as it stands, damaged lines too. A change that would give
+// other lines another meaning (a quote that is opened and never closed may meet its end in what
+// follows) is refused: the answer is kFailed and the text stays.
 #pragma once
 
 #include <optional>
@@ -30,12 +32,12 @@ RegistryOutcome FindRegistryValue(std::u16string_view text, std::u16string_view 
                                   std::u16string_view name, RegistryValue* value);
 
 // Writes a value of type kString or kDword, adding the key when it is missing.
-void SetRegistryText(std::u16string* text, std::u16string_view key, std::u16string_view name,
-                     const RegistryValue& value);
+RegistryOutcome SetRegistryText(std::u16string* text, std::u16string_view key,
+                                std::u16string_view name, const RegistryValue& value);
 
 RegistryOutcome RemoveRegistryText(std::u16string* text, std::u16string_view key,
                                    std::u16string_view name);
-// kFailed while keys below it exist.
+// kFailed while keys below it exist, too.
 RegistryOutcome RemoveRegistryKeyText(std::u16string* text, std::u16string_view key);
 
 }  // namespace kerno::posix

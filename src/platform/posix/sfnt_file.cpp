@@ -1,9 +1,12 @@
 #include "platform/posix/sfnt_file.h"
 
 #include <array>
+#include <cerrno>
 #include <fstream>
 #include <optional>
 #include <vector>
+
+#include "platform/posix/system_error.h"
 
 namespace kerno {
 namespace {
@@ -43,11 +46,18 @@ uint32_t BigEndian16(const uint8_t* at) {
 
 class FileReader {
  public:
-  explicit FileReader(const std::string& path) : stream_(path, std::ios::binary | std::ios::ate) {
+  explicit FileReader(const std::string& path)
+      : path_(path), stream_(path, std::ios::binary | std::ios::ate) {
     size_ = stream_ ? static_cast<uint64_t>(stream_.tellg()) : 0;
+    if (!stream_) {
+      status_ = SystemError(path, errno);
+    } else if (size_ == 0) {
+      status_ = Status::Error(Failure::kOther, SystemText(path), u"is an empty file");
+    }
   }
 
   uint64_t size() const { return size_; }
+  const Status& status() const { return status_; }
 
   std::optional<std::vector<uint8_t>> Read(uint64_t offset, size_t length) {
     if (offset > size_ || length > size_ - offset) {
@@ -56,11 +66,14 @@ class FileReader {
     std::vector<uint8_t> bytes(length);
     stream_.seekg(static_cast<std::streamoff>(offset));
     stream_.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(length));
+    if (!stream_ && status_.ok()) status_ = SystemError(path_, errno);
     return stream_ ? std::optional(std::move(bytes)) : std::nullopt;
   }
 
  private:
+  std::string path_;
   std::ifstream stream_;
+  Status status_;
   uint64_t size_ = 0;
 };
 
@@ -97,22 +110,15 @@ std::optional<uint64_t> DirectoryOffset(FileReader* file, uint32_t index) {
   return offset ? BigEndian32(offset->data()) : file->size();
 }
 
-}  // namespace
-
-SfntFacts ReadSfntFacts(const std::string& path, uint32_t index) {
+// What the table directory at this place tells.
+SfntFacts ReadDirectory(FileReader* file, uint64_t directory) {
   SfntFacts facts;
-  FileReader file(path);
-  const auto directory = DirectoryOffset(&file, index);
-  if (!directory) {
-    facts.whole = true;
-    return facts;
-  }
-  const auto header = file.Read(*directory, 12);
+  const auto header = file->Read(directory, 12);
   if (!header) {
     return facts;
   }
   const size_t count = BigEndian16(header->data() + 4);
-  const auto records = file.Read(*directory + 12, count * 16);
+  const auto records = file->Read(directory + 12, count * 16);
   if (!records) {
     return facts;
   }
@@ -122,13 +128,29 @@ SfntFacts ReadSfntFacts(const std::string& path, uint32_t index) {
     const uint32_t tag = BigEndian32(record);
     const uint64_t offset = BigEndian32(record + 8);
     const uint64_t length = BigEndian32(record + 12);
-    if (Contains(kNeeded, tag) && offset + length > file.size()) {
+    if (Contains(kNeeded, tag) && offset + length > file->size()) {
       facts.whole = false;
     }
     if (tag == Tag("OS/2")) {
-      ReadOs2(&file, offset, &facts);
+      ReadOs2(file, offset, &facts);
     }
   }
+  return facts;
+}
+
+}  // namespace
+
+SfntFacts ReadSfntFacts(const std::string& path, uint32_t index) {
+  FileReader file(path);
+  SfntFacts facts;
+  const auto directory = DirectoryOffset(&file, index);
+  if (directory) {
+    facts = ReadDirectory(&file, *directory);
+  } else {
+    facts.whole = true;
+  }
+  facts.reading = file.status();
+  facts.whole = facts.whole && facts.reading.ok();
   return facts;
 }
 

@@ -5,12 +5,15 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/status.h"
+
 namespace kerno {
 
 struct SfntFacts {
   // False for a file that cannot be read, is empty, or ends before a table that outlines need.
   // A file in another container is taken for whole.
   bool whole = false;
+  Status reading;  // of a file that cannot be read, or is empty, the failure
   bool has_os2 = false;
   uint8_t panose_family = 0;      // bFamilyType: 2 Latin text, 3 hand written, 4 decorative
   uint8_t panose_serif = 0;       // bSerifStyle of Latin text: 2 to 10 serifs, 11 to 15 none

@@ -110,6 +110,7 @@ class PosixSystem final : public System {
   fs::path SpecialFolder(SpecialFolderId id, MissingFolder missing) override;
   bool IsSystemPlace(const fs::path& path) override;
   Status MakePrivateFolder(const fs::path& folder) override;
+  bool IsOwnFolder(const fs::path& folder) override;
 
  private:
   static fs::path OwnFolder(const char* variable, std::string_view under_home) {
@@ -173,6 +174,8 @@ bool PosixSystem::IsSystemPlace(const fs::path& path) {
   return false;
 }
 
+constexpr mode_t kOthersWrite = S_IWGRP | S_IWOTH;
+
 Status PosixSystem::MakePrivateFolder(const fs::path& folder) {
   constexpr mode_t kPrivate = 0700;
   if (mkdir(folder.c_str(), kPrivate) == 0) return Status::Ok();
@@ -183,10 +186,19 @@ Status PosixSystem::MakePrivateFolder(const fs::path& folder) {
     return Status::Error(Failure::kAccessDenied, SystemText(folder.native()),
                          u"it is not a folder of this user's own");
   }
-  if ((info.st_mode & 0777) != kPrivate && chmod(folder.c_str(), kPrivate) != 0) {
-    return SystemError(folder, errno);
-  }
-  return Status::Ok();
+  if ((info.st_mode & 0777) == kPrivate) return Status::Ok();
+  if (chmod(folder.c_str(), kPrivate) != 0) return SystemError(folder, errno);
+  std::error_code error;
+  if ((info.st_mode & kOthersWrite) == 0 || fs::is_empty(folder, error)) return Status::Ok();
+  chmod(folder.c_str(), info.st_mode & 07777);
+  return Status::Error(Failure::kAccessDenied, SystemText(folder.native()),
+                       u"other users could write in it");
+}
+
+bool PosixSystem::IsOwnFolder(const fs::path& folder) {
+  struct stat info {};
+  return stat(folder.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && info.st_uid == geteuid() &&
+         (info.st_mode & kOthersWrite) == 0;
 }
 
 PosixSystem posix_system;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "platform/memory_watch.h"
 #include "platform/vertical_orientation.h"
 
 namespace kerno {
@@ -78,11 +79,13 @@ FT_UInt VerticalForms::Alternate(FT_UInt glyph, bool lies) const {
 }
 
 VerticalForm VerticalForms::Find(FT_Face face, char32_t ch, FT_UInt glyph) {
+  const MemoryWatch watch;
   if (!loaded_) {
     Load(face);
   }
   const VerticalOrientation orientation = VerticalOrientationOf(ch);
   const FT_UInt alternate = Alternate(glyph, orientation == VerticalOrientation::kRotated);
+  watch.Check();
   const bool stands = orientation == VerticalOrientation::kUpright ||
                       orientation == VerticalOrientation::kTransformedUpright;
   return {alternate, stands || alternate != glyph};

@@ -126,6 +126,22 @@ class RegularFile final : public FileReplacement {
     return error ? SystemError(target_, error) : Status::Ok();
   }
 
+  bool CanRewrite() const override { return true; }
+
+  Status Rewrite(uint64_t at, std::string_view bytes) override {
+    LARGE_INTEGER to;
+    to.QuadPart = static_cast<LONGLONG>(at);
+    if (!SetFilePointerEx(file_.get(), to, nullptr, FILE_BEGIN)) {
+      return SystemError(target_, GetLastError());
+    }
+    Status written = Write(bytes);
+    if (!written.ok()) return written;
+    to.QuadPart = 0;
+    return SetFilePointerEx(file_.get(), to, nullptr, FILE_END)
+               ? Status::Ok()
+               : SystemError(target_, GetLastError());
+  }
+
   Status Commit() override {
     if (!FlushFileBuffers(file_.get())) return SystemError(target_, GetLastError());
     if (marked_ && !MarkForDeletion(file_.get(), false)) {

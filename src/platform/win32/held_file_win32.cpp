@@ -117,6 +117,15 @@ std::unique_ptr<HeldFile> HeldFile::Open(const fs::path& path, Deny deny, Status
   return std::make_unique<WindowsHeldFile>(path, std::move(file));
 }
 
+Status PeekFile(const fs::path& path, std::string* bytes, size_t most) {
+  bytes->clear();
+  constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  Handle file(CreateFileW(LongPath(path).c_str(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING,
+                          FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!file.valid()) return SystemError(path, GetLastError());
+  return WindowsHeldFile(path, std::move(file)).Read(bytes, most);
+}
+
 Status CreateNewFile(const fs::path& path, std::string_view bytes) {
   const fs::path place = LongPath(path);
   if (GetFileAttributesW(place.c_str()) != INVALID_FILE_ATTRIBUTES) return ExistsAlready(path);

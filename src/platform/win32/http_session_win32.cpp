@@ -6,6 +6,7 @@
 #include <array>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -236,9 +237,21 @@ class Request {
     reply_.location = ToUtf8(combined ? whole : target);
   }
 
+  // The length that the answer says it has; nothing where it says none.
+  std::optional<size_t> PromisedSize() {
+    const std::wstring text = Header(HTTP_QUERY_CONTENT_LENGTH);
+    size_t size = 0;
+    for (const wchar_t c : text) {
+      if (c < L'0' || c > L'9' || size > SIZE_MAX / 16) return std::nullopt;
+      size = size * 10 + static_cast<size_t>(c - L'0');
+    }
+    return text.empty() ? std::nullopt : std::optional(size);
+  }
+
   void Receive() {
     ReadLocation();
     exchange_.Publish(reply_);
+    const std::optional<size_t> promised = PromisedSize();
     std::array<char, 4096> piece{};
     while (reply_.answer.size() <= post_.limits.answer_size) {
       // Asking first: the reading waits until the buffer is full.
@@ -247,10 +260,17 @@ class Request {
       if (!InternetQueryDataAvailable(request_, &there, 0, 0) ||
           !InternetReadFile(request_, piece.data(),
                             std::min(there, static_cast<DWORD>(piece.size())), &got)) {
-        reply_.why = Words(GetLastError());
+        const DWORD error = GetLastError();
+        reply_.why = Words(error);
+        reply_.broke_off = error != ERROR_INTERNET_TIMEOUT;
         break;
       }
-      if (got == 0) break;
+      if (got == 0) {
+        // A connection that closes early ends an answer as its last byte does.
+        reply_.broke_off = promised && reply_.answer.size() < *promised;
+        if (reply_.broke_off) reply_.why = "it is shorter than it says";
+        break;
+      }
       reply_.answer.append(piece.data(), got);
       exchange_.Publish(reply_);
     }

@@ -153,7 +153,9 @@ Status EditText(const fs::path& file, const std::vector<ProfileEdit>& edits,
 }  // namespace
 
 std::optional<std::u16string> ReadProfileString(const fs::path& file, std::u16string_view section,
-                                                std::u16string_view key, size_t most) {
+                                                std::u16string_view key, size_t most,
+                                                Status* status) {
+  if (status) *status = Status::Ok();  // the system's functions tell no failure
   // A name without a folder would be looked for in the system's folder.
   const fs::path path = FullPath(file);
   if (IsLong(path)) {

@@ -81,10 +81,11 @@ std::filesystem::path RegistryFile() {
 }
 
 RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u16string_view name,
-                              RegistryValue* value) {
+                              RegistryValue* value, Status* why) {
   Key opened;
   const LSTATUS error =
       RegOpenKeyExW(RootOf(root), ToWide(key).c_str(), 0, KEY_QUERY_VALUE, opened.put());
+  if (error != ERROR_SUCCESS && !IsMissing(error) && why) return Failed(key, error, why);
   if (error != ERROR_SUCCESS) return RegistryOutcome::kNoKey;
   DWORD type = 0;
   std::vector<uint8_t> data;

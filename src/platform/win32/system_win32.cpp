@@ -6,6 +6,7 @@
 #include <cstring>
 #include <vector>
 
+#include "platform/folder_path.h"
 #include "platform/system.h"
 #include "platform/win32/handle.h"
 #include "platform/win32/long_path.h"
@@ -178,6 +179,9 @@ class WindowsSystem final : public System {
   }
 
   Status MakePrivateFolder(const fs::path& folder) override;
+
+  // The system's temporary folder is the user's own.
+  bool IsOwnFolder(const fs::path& folder) override { return IsFolder(folder); }
 
  private:
   fs::path OwnFolder(SpecialFolderId id) {

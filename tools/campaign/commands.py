@@ -1,0 +1,169 @@
+"""The commands that the campaigns run, each with what it finds, promises and may name."""
+import shutil
+
+from campaign import HERE, Case
+
+PARTS_FILE = HERE.parents[1] / "tests" / "data" / "ipx" / "every-kind.ipx"
+STROKES = "/usr/share/hershey-fonts/futural.jhf"
+FACE = ["--face", "DejaVu Sans"]
+FORMATS = ["svg", "dxf", "emf", "bmp", "x3d", "ipx", "ipl"]
+OLD = b"what stood here before\n" * 40
+PAGE = """<!DOCTYPE html>
+<meta name="kerno-text" content="one">
+<meta name="kerno-face" content="Face">
+<meta name="kerno-height" content="72">
+<p>as it was</p>
+"""
+INI = "[Dec]\r\nSvgOut::Precision=3\r\n; a comment\r\n[Other]\r\nKey=永\r\n"
+
+
+def write(place, name, content):
+    path = place.top / name
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.write_bytes(content if isinstance(content, bytes) else content.encode("utf-16"))
+
+
+def old(*names):
+    return lambda place: [write(place, "work/" + name, OLD) for name in names]
+
+
+def beside(place):
+    write(place, "bin/Quenkit_Setting/Quenkit.ini", INI)
+
+
+def in_temp_beside(place):
+    write(place, "bin/Temp/Quenkit_Setting/Quenkit.ini", INI)
+
+
+def elsewhere(place):
+    """The registry names the folder of the settings."""
+    folder = str(place.top / "settings")
+    write(place, "config/kerno/registry.reg",
+          "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Quenkit]\r\n"
+          "\"RegKey_Base は\"=\"Quenkit\"\r\n\r\n[HKEY_CURRENT_USER\\Software\\Quenkit\\Quenkit]\r\n"
+          f"\"IniFullBase\"=\"{folder}\"\r\n\"IniFullBase は\"=\"{folder}\"\r\n")
+    write(place, "settings/Quenkit.ini", INI)
+
+
+def without_mark(place):
+    """Settings as another program wrote them, to be converted."""
+    write(place, "bin/Quenkit_Setting/Quenkit.ini", "[Dec]\nSvgOut::Precision=3\n".encode())
+
+
+def pages(*, with_page):
+    def prepare(place):
+        for name in ("Face_72_one.svg", "Face_72_one.dxf", "Face_72_two.ipx"):
+            write(place, "work/runs/" + name, b"<svg/>")
+        if with_page:
+            write(place, "work/runs/Face_72_one.html", PAGE.encode())
+    return prepare
+
+
+def to_server(debug):
+    def prepare(place):
+        text = f"[UpFile]\r\nserver={place.server.address}\r\nopen_http=http\r\n"
+        if debug:
+            text += "[Preference_202206]\r\nDebug=1\r\n"
+        write(place, "config/kerno/UpFile.ini", text.encode())
+        write(place, "work/a.svg", b"<svg/>" * 3000)
+    return prepare
+
+
+def all_of(*steps):
+    return lambda place: [step(place) for step in steps]
+
+
+def parts_file(place):
+    shutil.copy(PARTS_FILE, place.work / "parts.ipx")
+
+
+def text_file(place):
+    write(place, "work/text.txt", "Ab 永\r\n".encode())
+
+
+def converts():
+    for extension in FORMATS:
+        name = "a." + extension
+        yield Case(f"convert over {extension}", ["convert", "--text", "Ab", *FACE, "-o", name],
+                   old(name), ("work/" + name,), FACE[1:])
+    for extension in ("svg", "bmp"):
+        name = "a." + extension
+        yield Case(f"convert to new {extension}", ["convert", "--text", "Ab", *FACE, "-o", name],
+                   None, ("work/" + name,), FACE[1:])
+    for extension in ("svg", "emf"):
+        yield Case(f"convert {extension} to standard output",
+                   ["convert", "--text", "Ab", *FACE, "--format", extension, "-o", "-"],
+                   names=(*FACE[1:], "tmp", "output"))
+    yield Case("convert to several", ["convert", "--text", "Ab", *FACE, "-o", "a.svg", "-o", "b.dxf",
+                                      "-o", "c.ipl"],
+               old("a.svg", "c.ipl"), ("work/a.svg", "work/b.dxf", "work/c.ipl"), FACE[1:])
+    yield Case("convert with settings", ["convert", "--text", "Ab", *FACE, "-o", "a.svg"],
+               all_of(beside, old("a.svg")), ("work/a.svg",), (*FACE[1:], "Quenkit.ini"))
+    yield Case("convert with settings elsewhere", ["convert", "--text", "Ab", *FACE, "-o", "a.svg"],
+               elsewhere, ("work/a.svg",), (*FACE[1:], "Quenkit.ini", "registry.reg"))
+    yield Case("convert long", ["convert", "--text", "Abg永" * 60, *FACE, "--quiet", "--height",
+                                "700", "-o", "a.svg"], old("a.svg"), ("work/a.svg",), FACE[1:])
+    yield Case("convert a parts file", ["convert", "--ipx", "parts.ipx", "-o", "a.svg", "-o", "b.emf"],
+               all_of(parts_file, old("a.svg")), ("work/a.svg", "work/b.emf"), ("parts.ipx",))
+    yield Case("convert a text file", ["convert", "--text-file", "text.txt", *FACE, "-o", "a.dxf"],
+               all_of(text_file, old("a.dxf")), ("work/a.dxf",), (*FACE[1:], "text.txt"))
+
+
+def cuts():
+    for extension in FORMATS:
+        name = "a." + extension
+        yield Case(f"cut over {extension}", ["cut", "--text", "Ab", *FACE, "-o", name],
+                   old(name), ("work/" + name,), FACE[1:])
+    yield Case("cut to new dxf", ["cut", "--text", "Ab", *FACE, "-o", "a.dxf"], None,
+               ("work/a.dxf",), FACE[1:])
+    yield Case("cut to standard output", ["cut", "--text", "Ab", *FACE, "--format", "dxf", "-o", "-"],
+               names=(*FACE[1:], "tmp", "output"))
+    yield Case("cut welded, with a report",
+               ["cut", "--text", "Abg 永", *FACE, "--weld", "text", "--offset", "0.2mm", "--json",
+                "-o", "a.dxf", "-o", "b.svg"],
+               old("a.dxf", "b.svg"), ("work/a.dxf", "work/b.svg"), FACE[1:])
+    yield Case("cut strokes", ["cut", "--text", "Ab", "--stroke-font", STROKES, "-o", "a.svg"],
+               old("a.svg"), ("work/a.svg",), ("futural.jhf",))
+    yield Case("cut a font file", ["cut", "--text", "Ab", "--font-file",
+                                   "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf", "-o", "a.dxf"],
+               old("a.dxf"), ("work/a.dxf",), ("DejaVuSans.ttf",))
+
+
+def settings():
+    places = {"none yet": None, "beside": beside, "in Temp": in_temp_beside,
+              "elsewhere": elsewhere, "without a mark": without_mark}
+    files = {"beside": "bin/Quenkit_Setting/Quenkit.ini", "none yet":
+             "bin/Temp/Quenkit_Setting/Quenkit.ini", "in Temp":
+             "bin/Temp/Quenkit_Setting/Quenkit.ini", "elsewhere": "settings/Quenkit.ini",
+             "without a mark": "bin/Quenkit_Setting/Quenkit.ini"}
+    names = ("Quenkit.ini", "registry.reg", "Quenkit_Setting", "settings")
+    for where, prepare in places.items():
+        target = (files[where],)
+        yield Case(f"settings set, {where}", ["settings", "set", "Dec", "SvgOut::Precision", "7"],
+                   prepare, target, names)
+        yield Case(f"settings get, {where}", ["settings", "get", "Dec", "SvgOut::Precision"],
+                   prepare, (), names)
+        if where in ("beside", "elsewhere"):
+            yield Case(f"settings unset, {where}", ["settings", "unset", "Dec", "SvgOut::Precision"],
+                       prepare, target, names)
+            yield Case(f"settings list, {where}", ["settings", "list"], prepare, (), names)
+        if where != "without a mark":
+            yield Case(f"settings path, {where}", ["settings", "path"], prepare, (), names)
+
+
+def others():
+    one, two = "work/runs/Face_72_one.html", "work/runs/Face_72_two.html"
+    for with_page in (True, False):
+        yield Case("page over a page" if with_page else "page", ["page", "runs"],
+                   pages(with_page=with_page), (one, two), ("runs",))
+    for debug in (False, True):
+        yield Case("upload with a copy" if debug else "upload", ["upload", "a.svg"],
+                   to_server(debug), (), ("a.svg", "UpFile.ini", "127.0.0.1"), serves=True)
+    yield Case("faces", ["faces"], names=("font", "faces"))
+    yield Case("faces as JSON", ["faces", "--json"], names=("font", "faces"))
+    yield Case("contours", ["contours", "--text", "Ab", *FACE, "--json"], names=(*FACE[1:], "font"))
+    yield Case("measure", ["measure", "--text", "Ab", *FACE, "--ink"], names=(*FACE[1:], "font"))
+
+
+def all_cases():
+    return [*converts(), *cuts(), *settings(), *others()]
