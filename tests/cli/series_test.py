@@ -181,7 +181,8 @@ class SeriesTest(programs.FolderTest):
         for text, why in (
                 ("{nmae}", 'text: there is no column "nmae"; the columns are name, n, a:02, two, two, and row and n'),
                 ("{name", 'text: "{" has no partner; "{{" is a brace'), ("a}", 'text: "}" has no partner; "}}" is a brace'),
-                ("{two}", 'text: two columns are called "two"'), ("{sheet}", "{sheet}: is known only where rows go on sheets"),
+                ("{two}", 'text: two columns are called "two"'),
+                ("{sheet}", "{sheet}: is known only where rows go on sheets (--sheet)"),
                 ("{n:4}", 'text: "n:4" has no number of digits such as 04 after its colon')):
             self.assertEqual([f"kerno: {why}"], self.series("--text", text, "-o", "a.svg", table=table, status=2)[1])
         self.series("--text", "x", "-o", "{ row:03 }{n:02}{a:02}{{}}.svg", table=table)
@@ -297,7 +298,7 @@ class SeriesTest(programs.FolderTest):
         self.assertEqual(1, done.returncode)
         made = int(done.stdout.splitlines()[1])
         self.assertIn("the disk is full", done.stderr)
-        self.assertRegex(done.stderr, r"stops, for the disk is full: \d+ rows are not tried \(--resume goes on\)")
+        self.assertRegex(done.stderr, r"stops, for files cannot be written: \d+ rows are not tried \(--resume goes on\)")
         rows = (self.folder / "failed.csv").read_text().splitlines()
         self.assertEqual("n", rows[0])
         self.assertEqual(2000, made + len(rows) - 1)
