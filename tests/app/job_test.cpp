@@ -40,7 +40,7 @@ TEST(DrawingOf, IsWrittenAsThePartsThatAreKept) {
   Job job;
   job.text.text = u"Kerno\t8\r\n文字、Kerno";
   job.text.face.name = u"IPAGothic";
-  job.text.placement = {.slant = 12, .angle = 30};
+  job.text.placement = {.insertion = {}, .slant = 12, .angle = 30};
   job.scale = 0.37;
   job.at = {7, -3};
   const auto contours = std::make_shared<const TextContours>(Make(job, typesetter)->contours);
