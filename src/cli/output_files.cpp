@@ -35,7 +35,7 @@ bool WriteToStandardOutput(const Format& format, const WriteFormat& write) {
     ReportError(status);
     return false;
   }
-  std::ifstream file(PathToOpen(scratch.path()), std::ios::binary);
+  std::ifstream file(PathToOpen(scratch.ReadPath()), std::ios::binary);
   scratch.Remove();
   std::vector<char> chunk(1 << 16);
   while (file.read(chunk.data(), static_cast<std::streamsize>(chunk.size())) || file.gcount() > 0) {

@@ -11,13 +11,15 @@ namespace kerno {
 
 ScratchPath::ScratchPath(std::string_view extension) {
   std::random_device random;
-  folder_ = TempFolder() / ("kerno-" + std::to_string(random()) + std::to_string(random()));
-  status_ = CurrentSystem().MakePrivateFolder(folder_);
+  const std::filesystem::path temporary = TempFolder();
+  folder_ = temporary / ("kerno-" + std::to_string(random()) + std::to_string(random()));
   path_ = folder_ / ("out." + std::string(extension));
+  file_ = UnnamedFile::Create(temporary, path_, &status_);
+  if (!file_ && status_.ok()) status_ = CurrentSystem().MakePrivateFolder(folder_);
 }
 
 void ScratchPath::Remove() const {
-  if (!status_.ok()) return;
+  if (file_ || !status_.ok()) return;
   std::error_code gone;
   std::filesystem::remove(path_, gone);
   std::filesystem::remove(folder_, gone);

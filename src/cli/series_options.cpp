@@ -173,7 +173,7 @@ bool SeriesOptions::KeepInput(RowList* list) {
                         [&](FileReplacement* out) { return CopyInput(*list, is_standard, out); })
           : kept_->status();
   if (!kept.ok()) ReportError(kept);
-  list->file = kept_->path();
+  list->file = kept_->ReadPath();
   return kept.ok();
 }
 

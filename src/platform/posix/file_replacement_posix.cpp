@@ -21,6 +21,7 @@
 #include "platform/file_replacement.h"
 #include "platform/posix/private_name.h"
 #include "platform/posix/system_error.h"
+#include "platform/posix/unnamed_file.h"
 
 namespace kerno {
 namespace {
@@ -98,6 +99,13 @@ int WriteAll(int fd, std::string_view bytes) {
   return 0;
 }
 
+// Writes over bytes that stand there, and goes on at the end.
+Status RewriteAt(int fd, uint64_t at, std::string_view bytes, const fs::path& target) {
+  if (lseek(fd, static_cast<off_t>(at), SEEK_SET) < 0) return SystemError(target, errno);
+  if (const int error = WriteAll(fd, bytes)) return SystemError(target, error);
+  return lseek(fd, 0, SEEK_END) < 0 ? SystemError(target, errno) : Status::Ok();
+}
+
 // 0, or the errno. What has no disk behind it cannot be flushed to one.
 int Flush(int fd) {
   if (fsync(fd) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EROFS) return 0;
@@ -119,6 +127,26 @@ class WrittenThrough final : public FileReplacement {
     if (const int error = Flush(file_.get())) return SystemError(target_, error);
     return file_.Close() == 0 ? Status::Ok() : SystemError(target_, errno);
   }
+
+ private:
+  fs::path target_;
+  Descriptor file_;
+};
+
+// A file that has no name and gets none.
+class Unnamed final : public FileReplacement {
+ public:
+  Unnamed(fs::path target, Descriptor file) : target_(std::move(target)), file_(std::move(file)) {}
+
+  Status Write(std::string_view bytes) override {
+    const int error = WriteAll(file_.get(), bytes);
+    return error ? SystemError(target_, error) : Status::Ok();
+  }
+  bool CanRewrite() const override { return true; }
+  Status Rewrite(uint64_t at, std::string_view bytes) override {
+    return RewriteAt(file_.get(), at, bytes, target_);
+  }
+  Status Commit() override { return Status::Ok(); }
 
  private:
   fs::path target_;
@@ -166,11 +194,7 @@ class RegularFile final : public FileReplacement {
   bool CanRewrite() const override { return true; }
 
   Status Rewrite(uint64_t at, std::string_view bytes) override {
-    if (lseek(file_.get(), static_cast<off_t>(at), SEEK_SET) < 0)
-      return SystemError(target_, errno);
-    Status written = Write(bytes);
-    if (!written.ok()) return written;
-    return lseek(file_.get(), 0, SEEK_END) < 0 ? SystemError(target_, errno) : Status::Ok();
+    return RewriteAt(file_.get(), at, bytes, target_);
   }
 
   Status Commit() override {
@@ -287,6 +311,15 @@ std::unique_ptr<FileReplacement> OpenThrough(const fs::path& target, int flags, 
   return std::make_unique<WrittenThrough>(target, std::move(file));
 }
 
+std::unique_ptr<FileReplacement> OpenUnnamed(const fs::path& target, int fd, Status* status) {
+  Descriptor file(fcntl(fd, F_DUPFD_CLOEXEC, 0));
+  if (!file.valid() || ftruncate(file.get(), 0) != 0 || lseek(file.get(), 0, SEEK_SET) != 0) {
+    *status = SystemError(target, errno);
+    return nullptr;
+  }
+  return std::make_unique<Unnamed>(target, std::move(file));
+}
+
 Status FindPlace(const fs::path& target, const fs::path& file, Place* place) {
   if (!file.has_filename()) {
     return Status::Error(Failure::kIsFolder, SystemText(target.native()),
@@ -321,6 +354,9 @@ std::unique_ptr<FileReplacement> FileReplacement::Create(const fs::path& target,
     *status = Status::Error(Failure::kNotFound, SystemText(target.native()),
                             target.empty() ? u"the file has no name" : u"the name holds a NUL");
     return nullptr;
+  }
+  if (const int unnamed = posix::UnnamedDescriptor(target); unnamed >= 0) {
+    return OpenUnnamed(target, unnamed, status);
   }
   struct stat info {};
   if (stat(target.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {

@@ -10,6 +10,7 @@
 
 #include "platform/file_replacement.h"
 #include "platform/folder_path.h"
+#include "platform/unnamed_file.h"
 #include "platform/win32/handle.h"
 #include "platform/win32/long_path.h"
 #include "platform/win32/system_error.h"
@@ -285,6 +286,14 @@ std::unique_ptr<FileReplacement> FileReplacement::Create(const fs::path& target,
   *status = replacement->Open();
   if (!status->ok()) return nullptr;
   return replacement;
+}
+
+// Windows deletes no file that is open under its name and is to be opened again.
+std::unique_ptr<UnnamedFile> UnnamedFile::Create(const std::filesystem::path& /*folder*/,
+                                                 const std::filesystem::path& /*shown*/,
+                                                 Status* status) {
+  *status = Status::Ok();
+  return nullptr;
 }
 
 }  // namespace kerno
