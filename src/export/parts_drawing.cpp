@@ -1,6 +1,5 @@
 #include "export/parts_drawing.h"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -83,7 +82,9 @@ bool HasNoPaths(const PartsElement& part) {
 Drawing DrawingOfParts(const PartsA& model, const std::filesystem::path& name) {
   Drawing drawing;
   size_t left_out = 0;
-  for (const PartsElement& part : model.parts) {
+  bool lacks_paths = false;
+  for (const PartsElement& part : PartsView(model)) {
+    lacks_paths |= HasNoPaths(part);
     Shape shape;
     PathSink sink(&shape);
     left_out += VisitShapes(part, ShapeOrder::kModel, kReachable, &sink);
@@ -91,7 +92,7 @@ Drawing DrawingOfParts(const PartsA& model, const std::filesystem::path& name) {
     drawing.shapes.push_back(std::move(shape));
   }
   TellLeftOut({.left_out = left_out}, kReachable, name);
-  if (std::ranges::any_of(model.parts, HasNoPaths)) {
+  if (lacks_paths) {
     CurrentNotices().Message(PathText(name) +
                              u": texts and point sets have no paths and are left out");
   }
