@@ -12,14 +12,34 @@ namespace {
 
 constexpr std::string_view kSeparators = ",;\t";
 
+// Follows text that may be a table, whichever its separator is: a quote opens at the start of a
+// field alone.
+class QuoteTracker {
+ public:
+  // Whether the character, the next one of the text, stands outside of quotes.
+  bool IsOutside(char c) {
+    if (c == '"' && at_ != At::kPlain) {
+      at_ = at_ == At::kQuotes ? At::kAfterQuotes : At::kQuotes;
+      return false;
+    }
+    if (at_ == At::kQuotes) return false;
+    const bool starts = c == '\n' || c == '\r' || kSeparators.find(c) != kSeparators.npos;
+    at_ = starts ? At::kStart : At::kPlain;
+    return true;
+  }
+
+ private:
+  enum class At { kStart, kPlain, kQuotes, kAfterQuotes };
+  At at_ = At::kStart;
+};
+
 // The separator that stands most often in the first line, quotes left out; a comma where none does.
 char SeparatorOf(std::string_view header) {
-  bool quoted = false;
+  QuoteTracker quotes;
   size_t counts[kSeparators.size()] = {};
   for (const char c : header) {
-    if (c == '"') quoted = !quoted;
     const size_t which = kSeparators.find(c);
-    if (!quoted && which != kSeparators.npos) ++counts[which];
+    if (quotes.IsOutside(c) && which != kSeparators.npos) ++counts[which];
   }
   return kSeparators[static_cast<size_t>(std::ranges::max_element(counts) - counts)];
 }
@@ -27,11 +47,11 @@ char SeparatorOf(std::string_view header) {
 // Up to the first line end outside of quotes, empty lines before it included; all of the text where
 // there is none.
 std::string_view FirstLine(std::string_view text) {
-  bool quoted = false, is_empty = true;
+  QuoteTracker quotes;
+  bool is_empty = true;
   for (size_t i = 0; i < text.size(); ++i) {
     const bool ends = text[i] == '\n' || text[i] == '\r';
-    if (ends && !quoted && !is_empty) return text.substr(0, i);
-    if (text[i] == '"') quoted = !quoted;
+    if (quotes.IsOutside(text[i]) && ends && !is_empty) return text.substr(0, i);
     is_empty &= ends;
   }
   return text;
