@@ -254,15 +254,16 @@ BYTE_TIMES = re.compile(rb"\d{4}/\d\d/\d\d \d\d:\d\d:\d\d|(?<=-UpFile__)\d{6}"
 
 
 def settled(name, content, top):
-    """The bytes without the times and the port that some hold, and without the name of the place,
-    which is as long as any other's."""
+    """The bytes without the times, sizes and the port that some hold, and without the name of the
+    place, which is as long as any other's."""
     for coding in ("utf-8", "utf-16-le"):
         content = content.replace(str(top).encode(coding), "(TOP)".encode(coding))
     if name.endswith((".ini", ".reg")):
         content = BYTE_TIMES.sub(b"N", content)
         coding = "utf-16" if content.startswith(b"\xff\xfe") else "utf-8"
         return TIMES.sub("TIME", NOTED.sub("", content.decode(coding, "replace")))
-    return BYTE_TIMES.sub(b"N", content)
+    # A summary leaves out a size that cannot be told; the file itself is compared.
+    return re.sub(rb", \d+ bytes", b"", BYTE_TIMES.sub(b"N", content))
 
 
 ABSENT = object()

@@ -1,4 +1,5 @@
 #include <pwd.h>
+#include <sys/auxv.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -83,7 +84,12 @@ class PosixSystem final : public System {
 
   fs::path ProgramPath() override {
     std::error_code error;
-    return fs::read_symlink("/proc/self/exe", error);
+    fs::path program = fs::read_symlink("/proc/self/exe", error);
+    if (!error) return program;
+    // Settings stand beside the program: they are not given up for one call that failed.
+    const auto* started = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+    program = started ? fs::canonical(started, error) : fs::path();
+    return error ? fs::path() : program;
   }
 
   std::u16string UserName() override {
