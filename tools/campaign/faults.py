@@ -209,6 +209,8 @@ def main():
                 print(f"faults: {done * 100 // len(jobs)} %, {time.monotonic() - began:.0f} s, "
                       f"{len(found)} findings", file=sys.stderr, flush=True)
             runs, kept = runs + count, kept + let_go
+            for kind in {finding for *_, finding in more} - {finding for *_, finding in found}:
+                print(f"found: {kind} ({job[1]}, {job[2]})", file=sys.stderr, flush=True)
             found += more
             groups[job[2]] += count
     kinds = report(found)
