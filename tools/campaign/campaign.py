@@ -85,6 +85,8 @@ class Ran:
     own: dict = dataclasses.field(default_factory=dict)
     aside: dict = dataclasses.field(default_factory=dict)
     stacks: tuple = ()
+    fault: Fault | None = None
+    let_go: str = ""      # by which rule a finding was let go, which is counted
 
 
 @dataclasses.dataclass
@@ -95,9 +97,11 @@ class Case:
     targets: tuple = ()         # files that success promises, from the place's top
     names: tuple = ()           # further words by which a message may name the thing
     env: dict = dataclasses.field(default_factory=dict)
-    serves: bool = False        # wants a server
+    sends: bytes = b""          # wants a server, which gets this
     groups: tuple = tuple(GROUPS)
     input: bytes = b""
+    fewer: tuple = ()           # prepare functions: what may stand there where a row failed
+    failed: tuple = ()          # a table of failures, its header, and the file of each row
 
 
 class Server:
@@ -172,7 +176,7 @@ class Place:
                 os.unlink(entry.path)
         for name in ("home", "config", "cache", "tmp", "work"):
             (self.top / name).mkdir()
-        if case.serves and not self.server:
+        if case.sends and not self.server:
             self.server = Server()
         if self.server:
             self.server.bodies.clear()
@@ -205,7 +209,7 @@ class Place:
             process.kill()
             out, err = process.communicate()
         ran = Ran(process.returncode, settled("", out, self.top), err.decode("utf-8", "replace"), hung,
-                  time.monotonic() - began)
+                  time.monotonic() - began, fault=fault)
         if fault:
             self.read_log(ran, fault.do == "stacks")
         return ran
@@ -278,7 +282,12 @@ def is_between(found, before, after):
     old = before.splitlines() if isinstance(before, str) else []
     new = after.splitlines() if isinstance(after, str) else []
     return (first in (old[:1] + new[:1]) and set(lines) <= set(old) | set(new)
-            and set(old) & set(new) <= set(found.splitlines()))
+            and set(old) & set(new) <= set(found.splitlines())
+            and keys_of(old) & keys_of(new) <= keys_of(lines))
+
+
+def keys_of(lines):
+    return {line.split("=")[0] for line in lines if "=" in line}
 
 
 @dataclasses.dataclass
@@ -286,10 +295,30 @@ class World:
     before: dict
     after: dict
     ran: Ran
+    bare: dict            # what it makes without settings, where the case has some
+    bare_out: bytes
+    fewer: tuple = ()     # what it makes of fewer rows
+
+
+def bare_of(place, case):
+    """What the case makes where it finds no settings, and so takes the defaults."""
+    place.reset(case)
+    for name in ("bin/Quenkit_Setting", "bin/Temp", "settings"):
+        shutil.rmtree(place.top / name, ignore_errors=True)
+    (place.top / "config" / "kerno" / "registry.reg").unlink(missing_ok=True)
+    ran = place.run(case)
+    return place.look(), ran.out
 
 
 def world_of(place, case):
     """What the case makes without a fault, counted."""
+    fewer = []
+    for prepare in case.fewer:
+        one = dataclasses.replace(case, prepare=prepare)
+        place.reset(one)
+        place.run(one)
+        fewer.append(place.look())
+    bare, bare_out = bare_of(place, case)
     place.reset(case)
     before = place.look()
     ran = place.run(case, Fault("open"))
@@ -299,22 +328,66 @@ def world_of(place, case):
     for target in case.targets:
         if target not in after:
             raise SystemExit(f"{case.name}: without a fault, there is no {target}")
-    return World(before, after, ran)
+    return World(before, after, ran, bare, bare_out, tuple(fewer))
 
 
 def tells_of_settings(ran):
     """Whether a message says that settings could not be read or written where they belong."""
-    return any(line.startswith("kerno: ") and any(name in line for name in SETTINGS)
-               for line in ran.err.splitlines())
+    return any(line.startswith("kerno: ") and len(line.split(": ")) >= 3
+               and any(name in line for name in SETTINGS) for line in ran.err.splitlines())
 
 
-def judge_files(ran, world, now):
+# The comment of an SVG file names the program, whose name cannot be found out without a look.
+PROGRAM_LINE = re.compile(rb"(?m)^(EXE +\t +\t)[^\r\n]+")
+
+
+def lacks_program(name, found, after, ran):
+    """Whether all of a file is there but the name of the program, where each look failed."""
+    if not (ran.fault and ran.fault.on and ran.fault.group == "look" and ran.fault.of == "own"):
+        return False
+    return (name.endswith(".svg") and isinstance(found, bytes) and isinstance(after, bytes)
+            and found == PROGRAM_LINE.sub(rb"\1", after))
+
+
+def is_table(case, world, name, now):
+    """Whether a table of failures has its header, whole rows, and each row whose file is not made."""
+    if not case.failed or name != case.failed[0] or not isinstance(now.get(name), bytes):
+        return False
+    _, header, files = case.failed
+    first, *rows = now[name].split(b"\n")
+    keys = [row.split(b",")[0] for row in rows[:-1]]
+    missing = {key for key, file in files.items() if now.get(file, ABSENT) != world.after[file]}
+    return (first == header and rows[-1:] == [b""] and len(set(keys)) == len(keys)
+            and missing <= set(keys) <= set(files))
+
+
+def may_stand(case, ran, world, name, now):
+    """Whether a file is as it was, as the command makes it, or as a rule lets it be."""
+    found, after = now.get(name, ABSENT), world.after.get(name, ABSENT)
+    if found in (world.before.get(name, ABSENT), after):
+        return True
+    if name.startswith("work/") and tells_of_settings(ran) and found == world.bare.get(name, ABSENT):
+        return True  # the defaults were used, and told
+    if ran.status == 1 and name in case.targets:
+        if any(found == state.get(name, ABSENT) for state in world.fewer):
+            return True  # the rows that did not fail
+        if is_table(case, world, name, now):
+            return True
+    if lacks_program(name, found, after, ran):
+        ran.let_go = "program without a name"
+        return True
+    return False
+
+
+def judge_files(case, ran, world, now):
     """What lies there that should not, or no longer does."""
     findings = []
     for name in sorted(set(world.before) | set(world.after) | set(now)):
         allowed = [state.get(name, ABSENT) for state in (world.before, world.after)]
         found = now.get(name, ABSENT)
-        if found in allowed or (found is None and name in LASTING) or LOGS.match(name):
+        if may_stand(case, ran, world, name, now):
+            continue
+        if (found is None and name in LASTING) or LOGS.match(name):
             continue
         if is_between(found, *allowed) or (RESORT.match(name) and tells_of_settings(ran)):
             continue
@@ -327,20 +400,86 @@ def judge_files(ran, world, now):
     return findings
 
 
+def lines_of(text):
+    return set(text.splitlines()) if isinstance(text, str) else set()
+
+
+def resort_holds(world, now, target):
+    """Whether the change of these settings stands where they go when their own place fails."""
+    old, new = lines_of(world.before.get(target)), lines_of(world.after[target])
+    return any(new - old <= lines_of(found) and not (old - new) & lines_of(found)
+               for name, found in now.items() if RESORT.match(name) and isinstance(found, str))
+
+
+def judge_success(case, world, ran, now, server):
+    """What status 0 promised and did not do."""
+    findings, told = [], tells_of_settings(ran)
+    for target in case.targets:
+        found, after = now.get(target, ABSENT), world.after[target]
+        if found == after or lacks_program(target, found, after, ran):
+            continue
+        if target.startswith("work/") and told and found == world.bare.get(target, ABSENT):
+            continue
+        if not target.startswith("work/") and told and resort_holds(world, now, target):
+            continue
+        findings.append(f"false success: {target} is not the new one")
+    outs = {world.ran.out} | ({world.bare_out} if told else set())
+    if ran.out not in outs and not tells_of_place(case, ran.out):
+        findings.append(f"false success: standard output is another: {ran.out[:150]!r}")
+    if server and not any(case.sends in body for body in server.bodies):
+        findings.append("false success: the server did not get all")
+    return findings
+
+
+def tells_of_place(case, out):
+    """Whether the place of the settings is printed as another than usual, with the reason."""
+    return (case.words[:2] == ["settings", "path"] and b"cannot be" in out
+            and re.match(rb"\(TOP\)/\S+(Quenkit\.ini|Quenkit_Setting)", out) is not None)
+
+
+FONT_MESSAGE = re.compile(r"kerno: (/usr/share/(fonts|hershey-fonts)/\S+\.(ttf|otf|ttc|jhf)): \S")
+ALLOCATES = re.compile(r"(malloc|calloc|realloc|posix_memalign|aligned_alloc|memalign|mmap|"
+                       r"mprotect|mremap|brk)$")
+
+
+def names_of(case, ran):
+    """Words of which a message must hold one: what the command works on, or what failed."""
+    names = [*case.names, *(os.path.basename(t) for t in case.targets)]
+    if ran.path:
+        names += [os.path.basename(ran.path.rstrip("/")), ran.path]
+    if ran.path.startswith("pipe:") or (ran.fault and ran.fault.on and ran.fault.group == "write"):
+        names.append("standard output")
+    if ALLOCATES.match(ran.what) or (ran.fault and ran.fault.do == str(errno.ENOMEM)):
+        names.append("memory")
+    return [name for name in names if name]
+
+
 def judge_message(case, ran):
     """Whether a failure names what failed, and why."""
     lines = [line for line in ran.err.splitlines() if line.startswith("kerno: ")]
     if not lines:
-        return ["silent: a failure without a message"]
-    names = [*case.names, *(os.path.basename(t) for t in case.targets), "memory",
-             "standard output"]
-    if ran.path:
-        names += [os.path.basename(ran.path.rstrip("/")), ran.path]
+        return ["mute: status 1 without a message"]
+    names = names_of(case, ran)
+    # Of calls that fail from some one on, only the first is noted; a font may be a later one's.
+    fonts_fail = ran.fault and ran.fault.on and ran.fault.of == "aside"
     for line in lines:
         parts = line.split(": ")
-        if len(parts) >= 3 and parts[-1].strip() and any(n and n in line for n in names):
+        if len(parts) >= 3 and parts[-1].strip() and any(name in line for name in names):
+            return []
+        if fonts_fail and FONT_MESSAGE.match(line):
             return []
     return [f"vague: {lines[-1][:150]}"]
+
+
+# Without its configuration Fontconfig knows no face; it says so itself.
+FONTCONFIG_FILES = (str(FONTS), "/etc/fonts", "/usr/share/fontconfig")
+
+
+def is_fontconfig(ran):
+    """Whether a face is not there because a file of Fontconfig's configuration could not be read."""
+    return (ran.status == 3 and "Fontconfig error: " in ran.err and ran.fault is not None
+            and ran.fault.of == "aside" and not ran.out
+            and any(ran.path == name or ran.path.startswith(name + "/") for name in FONTCONFIG_FILES))
 
 
 # The names that only a failing removal or a kill leaves, and that the next run removes.
@@ -355,10 +494,10 @@ def judge_again(place, case, world, findings):
     if not any(OWN_NAMES.match(finding) for finding in findings):
         return findings
     ran = place.run(case)
-    after = judge_files(ran, world, place.look())
+    after = judge_files(case, ran, world, place.look())
     if any(OWN_NAMES.match(finding) for finding in after):  # whoever writes there does it
         place.run(dataclasses.replace(case, words=WRITES_SETTINGS))
-        after = judge_files(ran, world, place.look())
+        after = judge_files(case, ran, world, place.look())
     kept = [finding for finding in findings if not OWN_NAMES.match(finding)]
     # In the temporary folder nobody may write again; the system clears it.
     after = [finding for finding in after if not finding.startswith("left: tmp/.kerno-")]
@@ -376,24 +515,20 @@ def judge(case, world, ran, now, server=None):
                                   if "Sanitizer" in line or "runtime error" in line)[:200]]
     if ran.seconds > SLOW:
         return [f"slow: {SLOW} s and more"]
-    if ran.status == 127 and TLS_GONE in ran.err:
-        return []
     if ran.status < 0:
         return [f"crash: {signal.Signals(-ran.status).name}"]
-    findings = judge_files(ran, world, now)
-    if ran.status == 0 and tells_of_settings(ran):
-        # The defaults, or the last resort, were used and told. A file is still whole.
-        return [f for f in findings if not f.startswith("changed: work/")]
+    findings = judge_files(case, ran, world, now)
     if ran.status == 0:
-        for target in case.targets:
-            if now.get(target, ABSENT) != world.after[target]:
-                findings.append(f"false success: {target} is not the new one")
-        if ran.out != world.ran.out and b"cannot be written" not in ran.out:  # "settings path"
-            findings.append("false success: standard output is another")
-        if server and not server.bodies:
-            findings.append("false success: the server got nothing")
+        findings += judge_success(case, world, ran, now, server)
     elif ran.status == 1:
         findings += judge_message(case, ran)
+        table = case.failed[0] if case.failed else None
+        if table and now.get(table) != world.before[table] and not is_table(case, world, table, now):
+            findings.append(f"false table: {table} lacks a row that failed")
+    elif ran.status == 127 and TLS_GONE in ran.err:
+        ran.let_go = "variables of a thread"
+    elif is_fontconfig(ran):
+        ran.let_go = "configuration of Fontconfig"
     else:
         findings.append(f"status {ran.status}: " + ran.err.strip()[:150])
     return findings
