@@ -424,17 +424,38 @@ def judge_success(case, world, ran, now, server):
             continue
         findings.append(f"false success: {target} is not the new one")
     outs = {world.ran.out} | ({world.bare_out} if told else set())
-    if ran.out not in outs and not tells_of_place(case, ran.out):
+    if ran.out not in outs and not tells_of_place(case, world, ran, now):
         findings.append(f"false success: standard output is another: {ran.out[:150]!r}")
     if server and not any(case.sends in body for body in server.bodies):
         findings.append("false success: the server did not get all")
     return findings
 
 
-def tells_of_place(case, out):
-    """Whether the place of the settings is printed as another than usual, with the reason."""
-    return (case.words[:2] == ["settings", "path"] and b"cannot be" in out
-            and re.match(rb"\(TOP\)/\S+(Quenkit\.ini|Quenkit_Setting)", out) is not None)
+# Of "settings path", where the usual place could not be had.
+RESORT_REASONS = ["the program's folder is not for settings; this is the user's configuration folder",
+                  "neither the program's nor a configuration folder can be written",
+                  "the folder of the settings cannot be written; this is the temporary one"]
+USUAL_REASONS = ["the folder Quenkit_Setting stands beside the program",
+                 "the program's folder can be written"]
+
+
+def tells_of_place(case, world, ran, now):
+    """Whether another place of the settings is printed with its reason, and what lies there."""
+    if case.words[:2] != ["settings", "path"]:
+        return False
+    lines, usual = ran.out.decode().splitlines(), world.ran.out.decode().splitlines()
+    reasons = RESORT_REASONS + (USUAL_REASONS if tells_of_settings(ran) else [])
+    if len(lines) < 2 or (lines[:2] != usual[:2] and lines[1] not in reasons):
+        return False
+    name = lines[0].removeprefix("(TOP)/")
+    if name == lines[0] or not name.endswith("/Quenkit.ini") or len(lines) > 3:
+        return False
+    if lines[2:]:
+        return lines[2].startswith("there is no file yet: ") and name not in now
+    if name not in now and ran.fault and ran.fault.group == "look":
+        ran.let_go = "no look at the settings"  # it cannot know, and leaves the line out
+        return True
+    return name in now
 
 
 FONT_MESSAGE = re.compile(r"kerno: (/usr/share/(fonts|hershey-fonts)/\S+\.(ttf|otf|ttc|jhf)): \S")

@@ -46,6 +46,9 @@ def ran(status=0, out=b"out", err="", what="", path="", **fault):
     return Ran(status, out, err, what=what, path=path, fault=fault)
 
 
+AWAY = (b"(TOP)/config/kerno/Quenkit_Setting/Quenkit.ini\n"
+        b"the folder of the settings cannot be written; this is the temporary one\n")
+NONE_YET = b"there is no file yet: every setting has its default\n"
 LOOKS = {"group": "look", "on": True}
 THREAD = campaign.TLS_GONE + "\n"
 NO_CONFIGURATION = ('Fontconfig error: Cannot load default config file\n'
@@ -61,6 +64,7 @@ WRONG = [
     ("another output", CASE, ran(out=b"ou"), {SVG: NEW}, "false success: standard output"),
     ("another output, with a word of settings", PATH, ran(out=b"ou", err=TOLD), {SVG: NEW},
      "false success: standard output"),
+    ("a place that has no file", PATH, ran(out=AWAY), {SVG: NEW}, "false success: standard output"),
     ("settings that were not set", SET, ran(out=b"", err=TOLD), {SET.targets[0]: INI},
      "false success: settings"),
     ("settings that lost a line", SET, ran(out=b""), {SET.targets[0]: "\ufeff[Dec]\n"},
@@ -99,6 +103,8 @@ RIGHT = [
     ("the old one after a failure", CASE, ran(1, err=FULL), {SVG: OLD}),
     ("the defaults, told", CASE, ran(err=TOLD), {SVG: BARE}),
     ("the output of defaults, told", PATH, ran(out=b"bare", err=TOLD), {SVG: NEW}),
+    ("a place elsewhere", PATH, ran(out=AWAY + NONE_YET), {SVG: NEW}),
+    ("a place that cannot be looked at", PATH, ran(out=AWAY, group="look"), {SVG: NEW}),
     ("settings that went elsewhere", SET, ran(out=b"", err=TOLD),
      {SET.targets[0]: INI, "tmp/___/Quenkit.ini": "\ufeff[Dec]\nPrecision=7\n"}),
     ("memory", CASE, ran(1, err="kerno: memory: there is not enough\n", what="malloc"), {SVG: OLD}),
@@ -117,7 +123,7 @@ RIGHT = [
 
 def judged(case, run, now):
     world = world_of(case)
-    if run.fault.group == "look" or any(b"EXE" in v for v in now.values() if isinstance(v, bytes)):
+    if case is CASE and run.fault.group == "look" or any(b"EXE" in v for v in now.values() if isinstance(v, bytes)):
         world.after[SVG] = EXE
     return campaign.judge(case, world, run, now, Server if case is SENT else None)
 

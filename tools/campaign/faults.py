@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
 """Lets each system call and each allocation of each command fail, and looks what comes of it.
 
-usage: faults.py [--sample RUNS] [--only WORDS] [--jobs N] [--folder FOLDER] PROGRAM INJECTOR
+usage: faults.py [--sample RUNS] [--only WORDS] [--groups GROUP,...] [--jobs N] [--seconds N]
+                 [--folder FOLDER] PROGRAM INJECTOR
 
 Calls on files of the program's own: the Nth of each group fails once, and from there on, by each
 error of PLAN, for N from 1 until nothing is hit any more. Calls on fonts and files of the system,
 and allocations: one for each stack that they come from (the first and the last of it).
 --sample takes so many of these runs, the same ones each time. Prints each kind of finding once,
-with the first run that has it; ends with 1 where there is one.
+with the first run that has it; ends with 1 where there is one. --seconds ends it before all is
+tried, and says so.
 """
 import argparse
 import collections
@@ -190,6 +192,7 @@ def main():
     parser.add_argument("--only", default="")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--groups", default="")
+    parser.add_argument("--seconds", type=float, default=0)
     parser.add_argument("--folder")
     parser.add_argument("program")
     parser.add_argument("injector")
@@ -204,10 +207,20 @@ def main():
         wanted = options.groups.split(",")
         jobs = [job for job in jobs if job[2] in wanted]
     place.close()
-    runs, let_go, found, groups = 0, collections.Counter(), [], collections.Counter()
+    random.Random(15).shuffle(jobs)  # a run that is cut has tried some of each
+    runs, left, let_go, found, groups = 0, 0, collections.Counter(), [], collections.Counter()
     with concurrent.futures.ProcessPoolExecutor(options.jobs, initializer=open_place,
                                                 initargs=setting) as pool:
-        for done, (job, (count, gone, more)) in enumerate(zip(jobs, pool.map(run_series, jobs)), 1):
+        waiting = {pool.submit(run_series, job): job for job in jobs}
+        for done, future in enumerate(concurrent.futures.as_completed(waiting), 1):
+            job = waiting[future]
+            if options.seconds and time.monotonic() - began > options.seconds:
+                for other in waiting:
+                    other.cancel()
+            if future.cancelled():
+                left += 1
+                continue
+            count, gone, more = future.result()
             if done * 20 // len(jobs) > (done - 1) * 20 // len(jobs):
                 print(f"faults: {done * 100 // len(jobs)} %, {time.monotonic() - began:.0f} s, "
                       f"{len(found)} findings", file=sys.stderr, flush=True)
@@ -221,6 +234,8 @@ def main():
     seconds = time.monotonic() - began
     print(f"faults: {len(names)} commands, {runs} runs ({dict(groups)}), let go: {dict(let_go)}, "
           f"{len(found)} findings of {kinds} kinds, {seconds:.0f} s")
+    if left:
+        print(f"cut: {left} of {len(jobs)} series were not begun")
     return 1 if found else 0
 
 
