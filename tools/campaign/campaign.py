@@ -23,13 +23,14 @@ import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 FONTS = HERE.parents[1] / "tests" / "fonts.conf"
+SYSTEM_CACHE = "/var/cache/fontconfig"
 LIMIT = 30  # seconds, after which a run hangs
 SLOW = 15   # seconds; a file that somebody holds is waited for ten
 # The C library ends a program that has no memory for variables of a thread; nobody can prevent it.
 TLS_GONE = "cannot allocate memory for thread-local data: ABORT"
 
 # What belongs to fonts and to the system: thousands of calls of libraries, counted apart.
-ASIDE = ["/usr", "/var/cache", "/etc", "/lib", "/lib64", "/opt", str(FONTS)]
+ASIDE = ["/usr", "/var/cache", "/etc", "/lib", "/lib64", "/opt"]
 # What these make for themselves: Fontconfig a cache where it could not read its own.
 FOREIGN = re.compile(r"(cache/fontconfig|home/\.cache/fontconfig)(/|$)")
 # Empty folders that the program makes where it looks for a place, and keeps.
@@ -148,23 +149,53 @@ class Place:
             shutil.copy2(program, self.program)
         self.log = self.top.with_name(self.top.name + ".log")
         self.injector = str(injector)
+        self.fonts = self.top.with_name(self.top.name + ".fonts")
+        self.fonts.mkdir()
         self.work = self.top / "work"
         self.server = None
         self.env = {
             "PATH": os.environ["PATH"], "HOME": str(self.top / "home"), "LANG": "C.UTF-8",
             "XDG_CONFIG_HOME": str(self.top / "config"), "XDG_CACHE_HOME": str(self.top / "cache"),
             "XDG_DATA_HOME": str(self.top / "home" / "share"), "TMPDIR": str(self.top / "tmp"),
-            "FONTCONFIG_FILE": str(FONTS), "SOURCE_DATE_EPOCH": "1700000000", "TZ": "UTC",
+            "FONTCONFIG_FILE": str(self.fonts / "fonts.conf"), "SOURCE_DATE_EPOCH": "1700000000", "TZ": "UTC",
             "no_proxy": "*"}
         if sanitized:
             self.env["ASAN_OPTIONS"] = ("detect_leaks=0:verify_asan_link_order=0:"
                                         "alloc_dealloc_mismatch=0:allocator_may_return_null=1")
+        self.note_fonts()
+
+    def note_fonts(self):
+        """Fontconfig's notes of the fonts, of this place alone: what a run with a fault notes would
+        hide faces from all others."""
+        cache = self.fonts / "cache"
+        text = FONTS.read_text()
+        assert SYSTEM_CACHE in text
+        (self.fonts / "fonts.conf").write_text(text.replace(SYSTEM_CACHE, str(cache)))
+        subprocess.run([str(self.program), "faces"], env=self.env, check=True, cwd=self.fonts,
+                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+        shutil.copytree(cache, self.fonts / "kept")
+        self.noted = self.notes()
+
+    def notes(self):
+        try:
+            return {entry.name: (entry.stat().st_ino, entry.stat().st_mtime_ns)
+                    for entry in os.scandir(self.fonts / "cache")}
+        except OSError:
+            return {}
+
+    def restore_notes(self):
+        if self.notes() != self.noted:
+            shutil.rmtree(self.fonts / "cache", ignore_errors=True)
+            shutil.copytree(self.fonts / "kept", self.fonts / "cache")
+            self.noted = self.notes()
 
     def close(self):
+        shutil.rmtree(self.fonts, ignore_errors=True)
         shutil.rmtree(self.top, ignore_errors=True)
         self.log.unlink(missing_ok=True)
 
     def reset(self, case):
+        self.restore_notes()
         for entry in list(os.scandir(self.top)):
             if entry.name == "bin":
                 for other in os.scandir(entry.path):
@@ -189,7 +220,7 @@ class Place:
     def environment(self, case, fault=None):
         env = {**self.env, **{k: v.replace("{top}", str(self.top)) for k, v in case.env.items()}}
         if fault:
-            own_cache = [str(self.top / "cache"), str(self.top / "home")]
+            own_cache = [str(self.top / "cache"), str(self.top / "home"), str(self.fonts)]
             env.update(fault.env(self.log), LD_PRELOAD=self.injector,
                        FAULT_ASIDE=":".join(ASIDE + own_cache))
         return env
@@ -493,14 +524,15 @@ def judge_message(case, ran):
 
 
 # Without its configuration Fontconfig knows no face; it says so itself.
-FONTCONFIG_FILES = (str(FONTS), "/etc/fonts", "/usr/share/fontconfig")
+FONTCONFIG_FILES = ("/etc/fonts", "/usr/share/fontconfig")
 
 
 def is_fontconfig(ran):
     """Whether a face is not there because a file of Fontconfig's configuration could not be read."""
     return (ran.status == 3 and "Fontconfig error: " in ran.err and ran.fault is not None
             and ran.fault.of == "aside" and not ran.out
-            and any(ran.path == name or ran.path.startswith(name + "/") for name in FONTCONFIG_FILES))
+            and (ran.path.endswith("/fonts.conf") or
+                 any(ran.path.startswith(name) for name in FONTCONFIG_FILES)))
 
 
 # The names that only a failing removal or a kill leaves, and that the next run removes.
