@@ -35,10 +35,11 @@ ASIDE = ["/usr", "/var/cache", "/etc", "/lib", "/lib64", "/opt"]
 FOREIGN = re.compile(r"(cache/fontconfig|home/\.cache/fontconfig)(/|$)")
 # Empty folders that the program makes where it looks for a place, and keeps.
 LOGS = re.compile(r"tmp/DbgDump(/\w+_\d{4}_\d\d\.txt)?$")  # the program's own, kept for ten days
-# Where settings and copies of requests go when their own place fails, which a message must tell.
-RESORT = re.compile(r"(tmp|tmp/___|cache/kerno)/(Quenkit\.(ini|tmp)(/.*)?|Quenkit_Setting/.*)$"
+# Where settings go when their own place fails, and copies of requests, which a message must tell.
+RESORT = re.compile(r"(tmp|tmp/___|cache/kerno)/(Quenkit\.ini|Quenkit_Setting/.*)$"
                     r"|(cache/kerno|tmp/___)$")
-SETTINGS = ("Quenkit.ini", "registry.reg", "Quenkit_Setting", "/settings", "Quenkit.tmp")
+COPIES = re.compile(r"(bin/Temp|tmp|tmp/___|cache/kerno)/Quenkit\.tmp(/.*)?$|(cache/kerno|tmp/___)$")
+SETTINGS = ("Quenkit.ini", "registry.reg", "Quenkit_Setting", "/settings")
 LASTING = {"bin/Temp", "bin/Temp/Quenkit_Setting", "config", "config/kerno",
            "config/kerno/Quenkit_Setting", "tmp/Quenkit_Setting", "cache"}
 
@@ -419,6 +420,8 @@ def judge_files(case, ran, world, now):
         if may_stand(case, ran, world, name, now):
             continue
         if (found is None and name in LASTING) or LOGS.match(name):
+            continue
+        if COPIES.match(name) and "Quenkit.tmp" in ran.err:
             continue
         if is_between(found, *allowed) or (RESORT.match(name) and tells_of_settings(ran)):
             continue
