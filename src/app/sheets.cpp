@@ -1,8 +1,8 @@
 #include "app/sheets.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <iterator>
 #include <string>
 #include <utility>
 
@@ -75,6 +75,25 @@ Shape CrossShape(double arm) {
     shape.push_back({std::move(path), 0});
   }
   return shape;
+}
+
+// Of what a shape holds; FNV-1a over numbers of 64 bits.
+uint64_t HashOf(const Shape& shape) {
+  uint64_t hash = 0xCBF29CE484222325;
+  const auto take = [&hash](double value) {
+    hash = (hash ^ std::bit_cast<uint64_t>(value)) * 0x100000001B3;
+    hash ^= hash >> 32;
+  };
+  for (const ShapePath& path : shape) {
+    take(path.path.start.x);
+    take(path.path.start.y);
+    for (const Segment& segment : path.path.segments) {
+      take(segment.end.x);
+      take(segment.end.y);
+      take(segment.bulge);
+    }
+  }
+  return hash;
 }
 
 // Whether a point about the middle of a frame lies within it, its corners cut off round.
@@ -194,7 +213,7 @@ void SheetMaker::Finish() {
 }
 
 void SheetMaker::SetAll(Sign* sign, const SheetSize& cell) {
-  for (int32_t copy = 1; copy <= sign->copies; ++copy) Set(sign, cell, copy == sign->copies);
+  for (int32_t copy = 0; copy < sign->copies; ++copy) Set(sign, cell);
 }
 
 // The upper left corner of a place of this size, on a new row or sheet where the one in hand is
@@ -218,22 +237,15 @@ P2 SheetMaker::PlaceOf(const SheetSize& size) {
   return place;
 }
 
-// `is_last`: the sign's shapes are needed no more.
-void SheetMaker::Set(Sign* sign, const SheetSize& cell, bool is_last) {
+void SheetMaker::Set(Sign* sign, const SheetSize& cell) {
   const size_t sheet = number_;
   const P2 upper = PlaceOf(cell);
   const P2 lower = {upper.x, upper.y - cell.height};
-  if (number_ != sheet) sign->first_shape.reset();
+  if (number_ != sheet) sign->shapes.clear();
   is_empty_ = false;
   sheet_.strokes |= sign->drawing.strokes;
-  if (!sign->first_shape) {
-    sign->first_shape = static_cast<uint32_t>(sheet_.shapes.size());
-    std::vector<Shape>& shapes = sign->drawing.shapes;
-    if (is_last) {
-      std::ranges::move(shapes, std::back_inserter(sheet_.shapes));
-    } else {
-      sheet_.shapes.insert(sheet_.shapes.end(), shapes.begin(), shapes.end());
-    }
+  if (sign->shapes.empty()) {
+    for (const Shape& shape : sign->drawing.shapes) sign->shapes.push_back(AddShapeOnce(shape));
   }
   Box2 inked;
   if (!sign->drawing.placed.empty()) {
@@ -242,7 +254,7 @@ void SheetMaker::Set(Sign* sign, const SheetSize& cell, bool is_last) {
     const P2 by = middle - (sign->ink.min + sign->ink.max) * 0.5;
     inked = {sign->ink.min + by, sign->ink.max + by};
     for (PlacedShape placed : sign->drawing.placed) {
-      placed.shape += *sign->first_shape;
+      placed.shape = sign->shapes[placed.shape];
       placed.at = placed.at + by;
       sheet_.texts.push_back(placed);
     }
@@ -271,6 +283,17 @@ void SheetMaker::SetNumber(const P2& cell, const Box2& ink, int64_t row) {
 uint32_t SheetMaker::AddShape(Shape shape) {
   sheet_.shapes.push_back(std::move(shape));
   return static_cast<uint32_t>(sheet_.shapes.size() - 1);
+}
+
+// Rows are made of the same letters: what is alike to the last bit stands on a sheet once.
+uint32_t SheetMaker::AddShapeOnce(const Shape& shape) {
+  const uint64_t hash = HashOf(shape);
+  for (auto [known, end] = sheet_.known.equal_range(hash); known != end; ++known) {
+    if (sheet_.shapes[known->second] == shape) return known->second;
+  }
+  const uint32_t added = AddShape(shape);
+  sheet_.known.emplace(hash, added);
+  return added;
 }
 
 void SheetMaker::HandOut() {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include "drawing/drawing.h"
@@ -59,11 +60,12 @@ class SheetMaker {
     Box2 ink;
     int64_t row;
     int32_t copies;
-    std::optional<uint32_t> first_shape;  // on the sheet in hand
+    std::vector<uint32_t> shapes;  // where they are on the sheet in hand
   };
   // What goes onto the sheet in hand, by what it is there for.
   struct Sheet {
     std::vector<Shape> shapes;
+    std::unordered_multimap<uint64_t, uint32_t> known;  // shapes of texts, by what they hold
     std::vector<PlacedShape> numbers, texts, frames;
     bool strokes = false;
   };
@@ -74,9 +76,10 @@ class SheetMaker {
   P2 PlaceOf(const SheetSize& size);
   Status CheckFrame(const Sign& sign) const;
   void SetAll(Sign* sign, const SheetSize& cell);
-  void Set(Sign* sign, const SheetSize& cell, bool is_last);
+  void Set(Sign* sign, const SheetSize& cell);
   void SetNumber(const P2& cell, const Box2& ink, int64_t row);
   uint32_t AddShape(Shape shape);
+  uint32_t AddShapeOnce(const Shape& shape);
   void HandOut();
 
   SheetOptions options_;
