@@ -156,6 +156,11 @@ void ConsoleNotices::Message(std::u16string_view text) {
   if (!warnings_silenced) WriteLine("kerno: " + Utf16ToUtf8(text));
 }
 
+void ConsoleNotices::Trouble(std::u16string_view text) {
+  EndBar();
+  WriteLine("kerno: " + Shown(Utf16ToUtf8(text), LineEnds::kCoded));
+}
+
 void ConsoleNotices::ShowWait(std::u16string_view text) {
   EndBar();
   if (!warnings_silenced) WriteLine(Utf16ToUtf8(text));

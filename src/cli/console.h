@@ -62,6 +62,7 @@ class ConsoleNotices final : public Notices {
   ConsoleNotices& operator=(const ConsoleNotices&) = delete;
 
   void Message(std::u16string_view text) override;
+  void Trouble(std::u16string_view text) override;
   void ShowWait(std::u16string_view text) override;
   void ClearWait() override {}
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;
