@@ -46,6 +46,9 @@ void SilenceWarnings();
 // A name as such a line shows it, its line ends and tabs as codes, too.
 std::string ShownName(std::u16string_view name);
 
+// A path or a value that standard output gets as an answer: scripts as it is, a terminal as a name.
+std::string ShownAnswer(std::string_view bytes);
+
 // Flushes standard output; false, with a report, when anything printed did not arrive.
 [[nodiscard]] bool FinishPrinting();
 

@@ -144,7 +144,7 @@ ExitStatus SettingsCommand::PrintPath() {
     return kFailed;
   }
   const bool missing = FactsOfPath(TextPath(store.profile_path())).kind == PathKind::kMissing;
-  std::string text = Utf16ToUtf8(store.profile_path()) + "\n";
+  std::string text = ShownAnswer(Utf16ToUtf8(store.profile_path())) + "\n";
   text += store.displaced()
               ? "the folder of the settings cannot be written; this is the temporary one"
               : ReasonText(SettingsProcess::Current().Base().reason);
@@ -159,7 +159,8 @@ ExitStatus SettingsCommand::List() {
     const SettingText known = Describe(row);
     text += Utf16ToUtf8(known.section) + "\t" + Utf16ToUtf8(known.key) + "\t";
     text.append(known.type).append("\t");
-    text += Utf16ToUtf8(known.default_value) + "\t" + Utf16ToUtf8(ValueText(row, store)) + "\t";
+    text += Utf16ToUtf8(known.default_value) + "\t";
+    text += ShownAnswer(Utf16ToUtf8(ValueText(row, store))) + "\t";
     text.append(known.meaning).append("\n");
   }
   return PrintAnswer(text, store);
@@ -170,7 +171,7 @@ ExitStatus SettingsCommand::Get() {
   if (!ReadNames(&section, &key)) return kWrongUsage;
   IniStore store(kStoreName);
   if (const Setting* const known = FindSetting(section, key)) {
-    return PrintAnswer(Utf16ToUtf8(ValueText(*known, store)) + "\n", store);
+    return PrintAnswer(ShownAnswer(Utf16ToUtf8(ValueText(*known, store))) + "\n", store);
   }
   const std::optional<std::u16string> value = store.FindStr(section, key);
   if (!value && !store.reading().ok()) return kFailed;
@@ -178,7 +179,7 @@ ExitStatus SettingsCommand::Get() {
     ReportError(section_ + "/" + key_, "it is not set, and Kerno knows no default");
     return kFailed;
   }
-  return PrintAnswer(Utf16ToUtf8(*value) + "\n", store);
+  return PrintAnswer(ShownAnswer(Utf16ToUtf8(*value)) + "\n", store);
 }
 
 ExitStatus SettingsCommand::Set() {

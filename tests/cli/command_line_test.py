@@ -261,6 +261,24 @@ class CommandLineTest(programs.FolderTest):
             self.assertEqual((1, "", 'kerno: face: "DejaVu Sans" is not installed; '
                               f"{fonts}/closed.ttf cannot be read: no permission\n"), done)
 
+    def test_standard_output_is_named_and_terminals_get_codes(self):
+        if ON_WINDOWS:
+            self.skipTest("POSIX alone has these devices")
+        words = ["A", *SANS, "-o", "-", "--format", "svg"]
+        for command in ("convert", "cut"):
+            err = run(command, *words, env={"TMPDIR": "/nonexist"})[2]
+            self.assertRegex(err, r"standard output: .* temporary folder \(TMPDIR\), /nonexist/?: there is no such")
+        line = run("convert", *words[:3], "-o", f"{self.folder}/a\n\x1bb.svg")[1]
+        self.assertIn("a<0A><1B>b.svg: ", line)
+        end, terminal = os.openpty()
+        subprocess.run([*KERNO, "page", self.folder], stdout=terminal, check=True)
+        shown = os.read(end, 10000)
+        self.assertIn(b"a<0A><1B>b", shown)
+        with open("/dev/full", "wb") as full:
+            for command in (["page", self.folder], ["cut", *words[:3], "-o", self.folder / "c.svg", "--json"]):
+                done = subprocess.run([*KERNO, *command], stdout=full, stderr=subprocess.PIPE)
+                self.assertIn(b"whole; only", done.stderr)
+
     def test_sizes_at_their_ends(self):
         for height in (-32768, -1, 0, 1, 32767):
             for width in (0, 1, 32767):

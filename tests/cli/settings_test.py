@@ -247,7 +247,7 @@ class OtherUserTest(SettingsFixture):
         # Without a file there they are kept elsewhere, which each command tells once.
         self.ini.unlink()
         self.assertEqual(self.ok("get", "Dec", "SvgOut::Precision", **self.person), "15\n")
-        place = self.folder / "tmp/___/Quenkit.ini"
+        place = self.folder / "tmp/nobody/Quenkit.ini"
         told = f"kerno: {self.base}: no permission; the settings are in {place}\n"
         self.assertEqual(self.run_kerno("set", "A", "k", "7", **self.person), (0, "", told))
         self.assertEqual(self.run_kerno("get", "A", "k", **self.person), (0, "7\n", told))
