@@ -183,7 +183,7 @@ SeriesRun::Outcome SeriesRun::MakeSign(Slot* slot, Worker* worker) const {
   CutDrawing made;
   if (!MakeDrawing(slot->row, worker, &made)) return Outcome::kFailed;
   const CutOptions& options = worker->maker.options();
-  slot->style = {options.style(), options.job().tolerance};
+  slot->style = {options.style(), options.job().tolerance, options.job().curves};
   if (manner_.json) slot->json = JsonOf(made, {});
   slot->sign = std::move(made.drawing);
   return Outcome::kMade;
@@ -212,7 +212,8 @@ bool SeriesRun::WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker) {
 void SeriesRun::PutOnSheet(Slot* slot) {
   if (slot->outcome != Outcome::kMade) return;
   const HeldMessages held(&slot->messages);
-  if (!sheets_->Add(slot->sign, slot->style, slot->row.number)) slot->outcome = Outcome::kFailed;
+  if (!sheets_->Add(std::move(slot->sign), slot->style, slot->row.number))
+    slot->outcome = Outcome::kFailed;
   if (sheets_->counts().failed) stops_ = true;
 }
 

@@ -36,10 +36,11 @@ bool SheetFiles::Check() {
   return true;
 }
 
-bool SheetFiles::Add(const Drawing& sign, const SheetStyle& style, uint64_t row) {
+bool SheetFiles::Add(Drawing sign, const SheetStyle& style, uint64_t row) {
   if (!maker_) {
-    const auto options = group_.Read(sign.unit);
+    auto options = group_.Read(sign.unit);
     if (!options) return false;
+    if (style.curves == CurveForm::kLines) options->chords = style.tolerance;
     style_ = style;
     unit_ = sign.unit;
     maker_.emplace(*options, sign.unit,
@@ -49,13 +50,9 @@ bool SheetFiles::Add(const Drawing& sign, const SheetStyle& style, uint64_t row)
     ReportError("--unit", "is another than that of the sheet");
     return false;
   }
-  for (int32_t copy = 0; copy < group_.copies(); ++copy) {
-    if (const Status set = maker_->Add(sign, static_cast<int64_t>(row)); !set.ok()) {
-      ReportError(set);
-      return false;
-    }
-  }
-  return true;
+  const Status set = maker_->Add(std::move(sign), static_cast<int64_t>(row), group_.copies());
+  if (!set.ok()) ReportError(set);
+  return set.ok();
 }
 
 void SheetFiles::Finish() {

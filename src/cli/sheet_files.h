@@ -18,6 +18,7 @@ namespace kerno {
 struct SheetStyle {
   DrawingStyle style;
   double tolerance = 0;
+  CurveForm curves = CurveForm::kArcs;
 };
 
 class SheetFiles {
@@ -38,7 +39,7 @@ class SheetFiles {
 
   // Sets a row's drawing as often as it is wanted. The first one's style is that of all sheets.
   // What is wrong with the row is reported.
-  bool Add(const Drawing& sign, const SheetStyle& style, uint64_t row);
+  bool Add(Drawing sign, const SheetStyle& style, uint64_t row);
 
   // Writes the last sheet.
   void Finish();
