@@ -61,6 +61,8 @@ ExitStatus CutCommand::RunOnce() {
       outputs.WriteAll(write, {face + SummaryOf(made), quiet_ || json_, began}, &files);
   const bool told =
       !json_ || outputs.UsesStandardOutput() || (Print(JsonOf(made, files)) && FinishPrinting());
+  if (written && !told)
+    ReportError("output", "every file is whole; only the report could not be printed");
   return written && told ? kDone : kFailed;
 }
 
