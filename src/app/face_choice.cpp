@@ -113,7 +113,8 @@ Status FindFace(const FaceRequest& request, FontData* data) {
   const bool unknown = found.failure == Failure::kNotFound && found.what == u"face";
   if (!unknown || request.family.empty()) return found;
   if (const std::u16string unread = UnreadFile(request.family); !unread.empty()) {
-    return Status::Error(Failure::kOther, std::move(found.what), found.why + unread);
+    return Status::Error(Failure::kOther, std::move(found.what),
+                         found.why + NearestFaces({request.family}) + unread);
   }
   found.why += NearestFaces({request.family});
   return found;
@@ -158,7 +159,7 @@ FaceChoice ChooseFace(const FaceForm& wanted) {
                               : u"\"" + name + u"\" is not installed";
   const std::u16string unread = has_plain_form ? u"" : UnreadFile(wanted.name);
   choice.in_doubt = !unread.empty();
-  choice.why += choice.in_doubt ? unread : NearestFaces(wanted);
+  choice.why += NearestFaces(wanted) + unread;
   return choice;
 }
 

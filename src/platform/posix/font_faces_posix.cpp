@@ -268,12 +268,9 @@ Status FontTrouble(std::u16string_view name) {
     if (const Status& reading = catalog.FactsOf(*face).reading; !reading.ok()) return reading;
   }
   const std::map<std::string, Status> passed_over = PassedOverFiles(catalog);
-  if (passed_over.empty()) return Status::Ok();
   const auto unread =
       std::ranges::find_if(passed_over, [](const auto& file) { return !file.second.ok(); });
-  if (unread != passed_over.end()) return unread->second;
-  return Status::Error(Failure::kOther, FromFontconfigText(passed_over.begin()->first),
-                       u"it is damaged or of an unknown format");
+  return unread == passed_over.end() ? Status::Ok() : unread->second;
 }
 
 }  // namespace kerno
