@@ -175,6 +175,7 @@ void SheetMaker::Set(const Drawing& sign, const Box2& ink, const SheetSize& cell
   const P2 upper = PlaceOf(cell);
   const P2 lower = {upper.x, upper.y - cell.height};
   is_empty_ = false;
+  ++signs_set_;
   sheet_.strokes |= sign.strokes;
   const auto first = static_cast<uint32_t>(sheet_.shapes.size());
   sheet_.shapes.insert(sheet_.shapes.end(), sign.shapes.begin(), sign.shapes.end());

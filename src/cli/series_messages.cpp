@@ -37,6 +37,18 @@ void SeriesMessages::Show(uint64_t row, const std::vector<Message>& messages) {
   }
 }
 
+void SeriesMessages::Show(const std::vector<Message>& messages) {
+  if (messages.empty()) return;
+  ClearLine();
+  for (const Message& message : messages) {
+    if (message.is_warning) {
+      ReportWarning(message.what, message.why);
+    } else {
+      ReportError(message.what, message.why);
+    }
+  }
+}
+
 void SeriesMessages::ShowProgress(uint64_t done, uint64_t failed) {
   const auto now = Clock::now();
   if (!shows_progress_ || now - shown_ < std::chrono::seconds(1)) return;

@@ -19,6 +19,9 @@ class SeriesMessages {
   // A row's messages, after its number. A warning that another row had is counted alone.
   void Show(uint64_t row, const std::vector<Message>& messages);
 
+  // Messages as they stand.
+  void Show(const std::vector<Message>& messages);
+
   // Once a second, on a terminal.
   void ShowProgress(uint64_t done, uint64_t failed);
 

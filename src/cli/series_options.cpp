@@ -161,6 +161,19 @@ bool SeriesOptions::ReadRange(SeriesSettings* settings) const {
   return false;
 }
 
+// A table of failed rows in place of the list would lose all other rows.
+bool SeriesOptions::ReadFailed(SeriesSettings* settings) const {
+  if (app_->count("--failed") == 0) return true;
+  if (!IsFileName("--failed", failed_)) return false;
+  settings->failed = failed_;
+  if (settings->list.kind == RowList::Kind::kCount) return true;
+  std::error_code error;
+  const bool is_list = std::filesystem::equivalent(PathToOpen(PathArgument(failed_)),
+                                                   PathToOpen(settings->list.file), error);
+  if (is_list) ReportError("--failed", "\"" + failed_ + "\" is the list itself");
+  return !is_list;
+}
+
 // The list is read twice: what comes through a pipe goes to a file first.
 bool SeriesOptions::KeepInput(RowList* list) {
   if (list->kind == RowList::Kind::kCount) return true;
@@ -199,8 +212,7 @@ std::optional<SeriesSettings> SeriesOptions::Read(const TextSource& text, ExitSt
   settings.existing = replace_  ? ExistingFiles::kReplace
                       : resume_ ? ExistingFiles::kResume
                                 : ExistingFiles::kKeep;
-  if (app_->count("--failed") > 0 && !IsFileName("--failed", failed_)) return std::nullopt;
-  settings.failed = failed_;
+  if (!ReadFailed(&settings)) return std::nullopt;
   *status = kFailed;
   if (!KeepInput(&settings.list)) return std::nullopt;
   *status = kDone;

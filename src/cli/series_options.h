@@ -41,6 +41,7 @@ class SeriesOptions {
  private:
   bool ReadList(const TextSource& text, RowList* list) const;
   bool ReadRange(SeriesSettings* settings) const;
+  bool ReadFailed(SeriesSettings* settings) const;
   bool KeepInput(RowList* list);
 
   CLI::App* app_ = nullptr;
