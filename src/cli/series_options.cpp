@@ -89,6 +89,10 @@ bool SeriesOptions::IsWanted() const {
   return app_->count("--data") + app_->count("--lines") + app_->count("--count") > 0;
 }
 
+bool SeriesOptions::UsesStandardInput() const {
+  return data_ == "-" || lines_ == "-";
+}
+
 bool SeriesOptions::HasLines() const {
   return app_->count("--lines") > 0;
 }
@@ -186,6 +190,7 @@ bool SeriesOptions::KeepInput(RowList* list) {
                         [&](FileReplacement* out) { return CopyInput(*list, is_standard, out); })
           : kept_->status();
   if (!kept.ok()) ReportError(kept);
+  list->name = is_standard ? u"standard input" : PathText(list->file);
   list->file = kept_->ReadPath();
   return kept.ok();
 }

@@ -75,9 +75,28 @@ bool SeriesRun::EachRow(const std::function<bool(const SeriesRow&)>& visit) {
   return status.ok();
 }
 
+// Leaves out rows of numbers alone that are not wanted, where they cannot matter: their files are
+// not those of other rows. False where they may be.
+bool SeriesRun::SkipCountedRows() {
+  RowList& list = settings_.list;
+  if (list.kind != RowList::Kind::kCount) return false;
+  const bool differ = sheets_ || plan_.NamesDifferByNumber(list.count);
+  if (!differ) return false;
+  list.first = settings_.first;
+  list.count = std::min(list.count, settings_.last);
+  return RowSource::Open(list, &rows_).ok();
+}
+
 // No two rows may write one file. All rows of the list are looked at, for those that are not wanted
 // now may be another machine's.
 bool SeriesRun::NamesAreGood() {
+  const bool differ = SkipCountedRows();
+  const bool cleans = !sheets_ && settings_.existing == ExistingFiles::kResume;
+  if (differ && !cleans && settings_.list.kind == RowList::Kind::kCount) {
+    const RowList& list = settings_.list;
+    counts_.rows = list.count < list.first ? 0 : list.count - list.first + 1;
+    return true;
+  }
   SeriesNames names;
   LeftoverRemover leftovers;
   std::vector<std::string> filled;
@@ -90,8 +109,8 @@ bool SeriesRun::NamesAreGood() {
     const HeldMessages held(&unshown);
     if (!row.fault.empty() || !plan_.FillNames({&row}, &filled)) return true;
     for (const std::string& name : filled) {
-      names.Note(PlainName(name));
-      if (is_wanted && settings_.existing == ExistingFiles::kResume) {
+      if (!differ) names.Note(PlainName(name));
+      if (is_wanted && cleans) {
         leftovers.CleanFor(PathArgument(name));
       }
     }
@@ -120,21 +139,19 @@ ExitStatus SeriesRun::Prepare(std::string_view text, Escapes escapes) {
   if (!plan_.Read(options_, text, escapes, rows_->columns())) return kWrongUsage;
   if (sheet_options_) {
     sheets_.emplace(*sheet_options_, options_.outputs(), plan_, settings_.existing);
-    if (!sheets_->Check()) return kWrongUsage;
     const std::vector<std::string>& columns = rows_->columns();
+    if (plan_.NamesUseRows() && std::ranges::find(columns, "sheet") != columns.end()) {
+      ReportError("{sheet}", "is a column of the list, not the number of the sheet: rename it");
+      return kWrongUsage;
+    }
+    if (!sheets_->Check()) return kWrongUsage;
     const auto column = std::ranges::find(columns, "row");
     if (column != columns.end()) mark_column_ = static_cast<size_t>(column - columns.begin());
   } else if (plan_.NamesUseSheet() || plan_.TextsUseSheet()) {
     ReportError("{sheet}", "is known only where rows go on sheets (--sheet)");
     return kWrongUsage;
   }
-  if (!plan_.OptionsVary()) {
-    if (!options_.ReadJob()) return kWrongUsage;
-    if (const Status opened = CutWorkshop().Open(options_.job()); !opened.ok()) {
-      ReportError(opened);
-      return opened.failure == Failure::kNotFound ? kFaceTrouble : kFailed;
-    }
-  }
+  if (const ExitStatus checked = CheckOptions(); checked != kDone) return checked;
   if (!NamesAreGood()) return kFailed;
   if (settings_.failed.empty()) return kDone;
   failed_ = std::make_unique<FailedRows>(rows_.get(), NumbersUsed());
@@ -143,6 +160,32 @@ ExitStatus SeriesRun::Prepare(std::string_view text, Escapes escapes) {
     return kFailed;
   }
   return kDone;
+}
+
+// What rows have no part in is wrong once, not in every row.
+ExitStatus SeriesRun::CheckOptions() {
+  std::vector<Message> told;
+  CutOptions sample = options_;
+  CutOptions& checked = plan_.OptionsVary() ? sample : options_;
+  bool is_read = false;
+  {
+    const HeldMessages held(&told);
+    plan_.FillSamples(&sample);
+    is_read = checked.ReadJob();
+  }
+  for (const Message& message : told) {
+    if (!message.is_warning) {
+      ReportError(message.what, message.why);
+    } else if (!plan_.OptionsVary()) {
+      ReportWarning(message.what, message.why);
+    }
+  }
+  if (!is_read) return kWrongUsage;
+  if (plan_.FacesVary()) return kDone;
+  const Status opened = CutWorkshop().Open(checked.job());
+  if (opened.ok()) return kDone;
+  ReportError(opened);
+  return opened.failure == Failure::kNotFound ? kFaceTrouble : kFailed;
 }
 
 // The columns that tables of failed rows need beside those of the list.

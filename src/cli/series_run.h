@@ -77,6 +77,8 @@ class SeriesRun {
   };
 
   ExitStatus Prepare(std::string_view text, Escapes escapes);
+  ExitStatus CheckOptions();
+  bool SkipCountedRows();
   bool NamesAreGood();
   std::vector<std::string> NumbersUsed() const;
   bool EachRow(const std::function<bool(const SeriesRow&)>& visit);
