@@ -36,6 +36,7 @@ bench: release
 	@$(PYTHON) bench/process_bench.py build/release/src/cli/kerno
 	@$(PYTHON) bench/cut_process_bench.py build/release/src/cli/kerno
 	@$(PYTHON) bench/series_bench.py build/release/src/cli/kerno
+	@$(PYTHON) bench/series_bench.py build/release/src/cli/kerno
 	@$(PYTHON) bench/upload_bench.py build/release/src/cli/kerno
 
 # Feeds each reader random inputs, FUZZ_SECONDS each; "make test" does it for a few seconds.

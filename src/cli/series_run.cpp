@@ -260,7 +260,7 @@ SeriesRun::Outcome SeriesRun::MakeSign(Slot* slot, Worker* worker) const {
   CutDrawing made;
   if (!MakeDrawing(slot->row, worker, &made)) return Outcome::kFailed;
   const CutOptions& options = worker->maker.options();
-  slot->style = {options.style(), options.job().tolerance};
+  slot->style = {options.style(), options.job().tolerance, options.job().curves};
   if (manner_.json) slot->json = JsonOf(made, {});
   slot->sign = std::move(made.drawing);
   return Outcome::kMade;
@@ -306,7 +306,8 @@ void SeriesRun::PutOnSheet(Slot* slot) {
     slot->is_open = true;
   } else if (slot->outcome == Outcome::kMade) {
     const HeldMessages held(&slot->messages);
-    slot->is_open = sheets_->Add(slot->sign, slot->style, slot->row.number, MarkOf(slot->row));
+    slot->is_open =
+        sheets_->Add(std::move(slot->sign), slot->style, slot->row.number, MarkOf(slot->row));
     if (!slot->is_open) slot->outcome = Outcome::kFailed;
   }
   messages_->Show(sheets_->TakeMessages());

@@ -38,10 +38,11 @@ bool SheetFiles::Check() {
   return true;
 }
 
-bool SheetFiles::Add(const Drawing& sign, const SheetStyle& style, uint64_t row, int64_t mark) {
+bool SheetFiles::Add(Drawing sign, const SheetStyle& style, uint64_t row, int64_t mark) {
   if (!maker_) {
-    const auto options = group_.Read(sign.unit);
+    auto options = group_.Read(sign.unit);
     if (!options) return false;
+    if (style.curves == CurveForm::kLines) options->chords = style.tolerance;
     style_ = style;
     unit_ = sign.unit;
     maker_.emplace(*options, sign.unit,
@@ -52,14 +53,11 @@ bool SheetFiles::Add(const Drawing& sign, const SheetStyle& style, uint64_t row,
     return false;
   }
   open_.push_back({row, {}});
-  for (int32_t copy = 0; copy < group_.copies(); ++copy) {
-    if (const Status set = maker_->Add(sign, mark); !set.ok()) {
-      open_.pop_back();  // the first copy is refused already
-      ReportError(set);
-      return false;
-    }
-  }
-  return true;
+  const Status set = maker_->Add(std::move(sign), mark, group_.copies());
+  if (set.ok()) return true;
+  open_.pop_back();  // no copy of it was set
+  ReportError(set);
+  return false;
 }
 
 void SheetFiles::Finish() {

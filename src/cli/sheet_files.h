@@ -21,6 +21,7 @@ namespace kerno {
 struct SheetStyle {
   DrawingStyle style;
   double tolerance = 0;
+  CurveForm curves = CurveForm::kArcs;
 };
 
 // What became of a sheet; of a row on several sheets, the last of these.
@@ -53,7 +54,7 @@ class SheetFiles {
 
   // Sets a row's drawing as often as it is wanted. The first one's style is that of all sheets.
   // What is wrong with the row is reported. It bears `mark`.
-  bool Add(const Drawing& sign, const SheetStyle& style, uint64_t row, int64_t mark);
+  bool Add(Drawing sign, const SheetStyle& style, uint64_t row, int64_t mark);
 
   // Whether signs bear numbers.
   bool HasNumbers() const { return has_numbers_; }

@@ -124,7 +124,7 @@ class Sheets(programs.FolderTest):
         options = ["--data", rows, "--text", "{name}", *FACE, "--cap-height", "6mm", "--sheet", "100x60mm",
                    "--frame", "30x10mm", "--copies", "3", "-o", self.folder / "s-{sheet}.dxf"]
         done = self.cut(*options, status=1)
-        self.assertRegex(done.stderr, r"row 2: .*larger than the frame of 30 x 10 mm")
+        self.assertRegex(done.stderr, r"row 2: .*does not stand free in the frame of 30 x 10 mm")
         self.assertEqual(len(boxes(self.folder / "s-1.dxf")["Cut frame"]), 6)
         for wrong, why in ((["--sheet=8x8mm"], "leaves nothing of the sheet"),
                            (["--sheet=90x60mm", "--frame=20x10mm", "--corner=6mm"],
