@@ -243,6 +243,7 @@ void SheetMaker::Set(Sign* sign, const SheetSize& cell) {
   const P2 lower = {upper.x, upper.y - cell.height};
   if (number_ != sheet) sign->shapes.clear();
   is_empty_ = false;
+  ++signs_set_;
   sheet_.strokes |= sign->drawing.strokes;
   if (sign->shapes.empty()) {
     for (const Shape& shape : sign->drawing.shapes) sign->shapes.push_back(AddShapeOnce(shape));

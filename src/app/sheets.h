@@ -51,6 +51,9 @@ class SheetMaker {
   // Hands out the last sheet. A drawing of no signs has no sheets.
   void Finish();
 
+  // How many signs stand on sheets that are finished or being taken, in the order of Add.
+  uint64_t signs_set() const { return signs_set_; }
+
   // How many numbers stand so that they meet the ink's box of their sign.
   size_t numbers_in_texts() const { return numbers_in_texts_; }
 
@@ -88,6 +91,7 @@ class SheetMaker {
   std::vector<Sign> waiting_;
   Sheet sheet_;
   size_t number_ = 1;
+  uint64_t signs_set_ = 0;
   size_t numbers_in_texts_ = 0;
   P2 next_;               // upper left corner of the next place
   double deepest_ = 0;    // height of the row of signs in hand

@@ -70,6 +70,10 @@ ExitStatus CutCommand::RunSeries() {
   source_.ShareEncoding();
   ExitStatus status = kWrongUsage;
   if (!options_.ReadOutputs()) return status;
+  if (series_.UsesStandardInput() && source_.UsesStandardInput()) {
+    ReportError("--text-file", "standard input holds the rows already");
+    return status;
+  }
   std::string text = "{line}";
   const bool is_default = series_.HasLines() && !source_.IsGiven();
   if (!is_default) {
