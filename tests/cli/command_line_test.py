@@ -218,8 +218,8 @@ class CommandLineTest(programs.FolderTest):
         (fonts / "zero.ttf").unlink()
         for command in (["contours"], ["cut", "-o", self.folder / "a.dxf"]):
             status, _, err = run(*command, "A", "--face", "Nosuch", env=env)
-            self.assertEqual(1, status)
-            self.assertRegex(err, 'face: "Nosuch" is not installed; .*/cut.ttf cannot be read: it is damaged')
+            self.assertEqual(3, status, err)
+            self.assertIn('face: "Nosuch" is not installed', err)
         self.assertEqual(contours("AB", *SANS), contours("AB", "--face", "dejavu SANS", env=env))
 
         bold = pathlib.Path(subprocess.run(["fc-match", "-f", "%{file}", "DejaVu Sans:style=Bold"], check=True,
