@@ -53,9 +53,11 @@ fuzz-briefly: setup
 # Lets each system call and each allocation of each command fail; "make test" takes a sample.
 faults: release
 	@cmake --build build/release --target kerno_faults
-	@$(PYTHON) tools/campaign/cases.py build/release/src/cli/kerno
-	@$(PYTHON) tools/campaign/faults.py --jobs $(JOBS) build/release/src/cli/kerno \
-	  build/release/tools/campaign/kerno_faults.so
+	@failed=0; \
+	$(PYTHON) tools/campaign/cases.py build/release/src/cli/kerno || failed=1; \
+	$(PYTHON) tools/campaign/faults.py --jobs $(JOBS) build/release/src/cli/kerno \
+	  build/release/tools/campaign/kerno_faults.so || failed=1; \
+	exit $$failed
 
 # Ends each command at each file call and at moments of chance; "make test" takes a sample.
 KILLS_SEED ?= 15

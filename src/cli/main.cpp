@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -273,15 +274,25 @@ ExitStatus ReportNoMemory() {
   return kFailed;
 }
 
+std::atomic<bool> memory_ran_out = false;
+
+void OnNoMemory() {
+  memory_ran_out = true;
+  throw std::bad_alloc();
+}
+
 // The exception of missing memory ends here, too, where it meets a function of a library that
-// promised to throw none (CLI11's search for an option).
+// promised to throw none (CLI11's search for an option). Functions of the C++ library that did so
+// (its iterator of folders) leave no exception to ask.
 [[noreturn]] void OnTerminate() {
   try {
     if (const auto error = std::current_exception()) std::rethrow_exception(error);
   } catch (const std::bad_alloc&) {
     std::_Exit(ReportNoMemory());
   } catch (...) {
+    std::abort();
   }
+  if (memory_ran_out) std::_Exit(ReportNoMemory());
   std::abort();
 }
 
@@ -290,6 +301,7 @@ ExitStatus ReportNoMemory() {
 
 int main(int argc, char** argv) {
   kerno::PrepareStandardStreams();
+  std::set_new_handler(kerno::OnNoMemory);
   std::set_terminate(kerno::OnTerminate);
   try {
     return kerno::Main(kerno::ProgramArguments(argc, argv));

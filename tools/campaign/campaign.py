@@ -23,21 +23,23 @@ import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 FONTS = HERE.parents[1] / "tests" / "fonts.conf"
+SYSTEM_CACHE = "/var/cache/fontconfig"
 LIMIT = 30  # seconds, after which a run hangs
 SLOW = 15   # seconds; a file that somebody holds is waited for ten
 # The C library ends a program that has no memory for variables of a thread; nobody can prevent it.
 TLS_GONE = "cannot allocate memory for thread-local data: ABORT"
 
 # What belongs to fonts and to the system: thousands of calls of libraries, counted apart.
-ASIDE = ["/usr", "/var/cache", "/etc", "/lib", "/lib64", "/opt", str(FONTS)]
+ASIDE = ["/usr", "/var/cache", "/etc", "/lib", "/lib64", "/opt"]
 # What these make for themselves: Fontconfig a cache where it could not read its own.
 FOREIGN = re.compile(r"(cache/fontconfig|home/\.cache/fontconfig)(/|$)")
 # Empty folders that the program makes where it looks for a place, and keeps.
 LOGS = re.compile(r"tmp/DbgDump(/\w+_\d{4}_\d\d\.txt)?$")  # the program's own, kept for ten days
-# Where settings and copies of requests go when their own place fails, which a message must tell.
-RESORT = re.compile(r"(tmp|tmp/___|cache/kerno)/(Quenkit\.(ini|tmp)(/.*)?|Quenkit_Setting/.*)$"
+# Where settings go when their own place fails, and copies of requests, which a message must tell.
+RESORT = re.compile(r"(tmp|tmp/___|cache/kerno)/(Quenkit\.ini|Quenkit_Setting/.*)$"
                     r"|(cache/kerno|tmp/___)$")
-SETTINGS = ("Quenkit.ini", "registry.reg", "Quenkit_Setting", "/settings", "Quenkit.tmp")
+COPIES = re.compile(r"(bin/Temp|tmp|tmp/___|cache/kerno)/Quenkit\.tmp(/.*)?$|(cache/kerno|tmp/___)$")
+SETTINGS = ("Quenkit.ini", "registry.reg", "Quenkit_Setting", "/settings")
 LASTING = {"bin/Temp", "bin/Temp/Quenkit_Setting", "config", "config/kerno",
            "config/kerno/Quenkit_Setting", "tmp/Quenkit_Setting", "cache"}
 
@@ -85,6 +87,8 @@ class Ran:
     own: dict = dataclasses.field(default_factory=dict)
     aside: dict = dataclasses.field(default_factory=dict)
     stacks: tuple = ()
+    fault: Fault | None = None
+    let_go: str = ""      # by which rule a finding was let go, which is counted
 
 
 @dataclasses.dataclass
@@ -95,9 +99,11 @@ class Case:
     targets: tuple = ()         # files that success promises, from the place's top
     names: tuple = ()           # further words by which a message may name the thing
     env: dict = dataclasses.field(default_factory=dict)
-    serves: bool = False        # wants a server
+    sends: bytes = b""          # wants a server, which gets this
     groups: tuple = tuple(GROUPS)
     input: bytes = b""
+    fewer: tuple = ()           # prepare functions: what may stand there where a row failed
+    failed: tuple = ()          # a table of failures, its header, and the file of each row
 
 
 class Server:
@@ -144,23 +150,53 @@ class Place:
             shutil.copy2(program, self.program)
         self.log = self.top.with_name(self.top.name + ".log")
         self.injector = str(injector)
+        self.fonts = self.top.with_name(self.top.name + ".fonts")
+        self.fonts.mkdir()
         self.work = self.top / "work"
         self.server = None
         self.env = {
             "PATH": os.environ["PATH"], "HOME": str(self.top / "home"), "LANG": "C.UTF-8",
             "XDG_CONFIG_HOME": str(self.top / "config"), "XDG_CACHE_HOME": str(self.top / "cache"),
             "XDG_DATA_HOME": str(self.top / "home" / "share"), "TMPDIR": str(self.top / "tmp"),
-            "FONTCONFIG_FILE": str(FONTS), "SOURCE_DATE_EPOCH": "1700000000", "TZ": "UTC",
+            "FONTCONFIG_FILE": str(self.fonts / "fonts.conf"), "SOURCE_DATE_EPOCH": "1700000000", "TZ": "UTC",
             "no_proxy": "*"}
         if sanitized:
             self.env["ASAN_OPTIONS"] = ("detect_leaks=0:verify_asan_link_order=0:"
                                         "alloc_dealloc_mismatch=0:allocator_may_return_null=1")
+        self.note_fonts()
+
+    def note_fonts(self):
+        """Fontconfig's notes of the fonts, of this place alone: what a run with a fault notes would
+        hide faces from all others."""
+        cache = self.fonts / "cache"
+        text = FONTS.read_text()
+        assert SYSTEM_CACHE in text
+        (self.fonts / "fonts.conf").write_text(text.replace(SYSTEM_CACHE, str(cache)))
+        subprocess.run([str(self.program), "faces"], env=self.env, check=True, cwd=self.fonts,
+                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+        shutil.copytree(cache, self.fonts / "kept")
+        self.noted = self.notes()
+
+    def notes(self):
+        try:
+            return {entry.name: (entry.stat().st_ino, entry.stat().st_mtime_ns)
+                    for entry in os.scandir(self.fonts / "cache")}
+        except OSError:
+            return {}
+
+    def restore_notes(self):
+        if self.notes() != self.noted:
+            shutil.rmtree(self.fonts / "cache", ignore_errors=True)
+            shutil.copytree(self.fonts / "kept", self.fonts / "cache")
+            self.noted = self.notes()
 
     def close(self):
+        shutil.rmtree(self.fonts, ignore_errors=True)
         shutil.rmtree(self.top, ignore_errors=True)
         self.log.unlink(missing_ok=True)
 
     def reset(self, case):
+        self.restore_notes()
         for entry in list(os.scandir(self.top)):
             if entry.name == "bin":
                 for other in os.scandir(entry.path):
@@ -172,7 +208,7 @@ class Place:
                 os.unlink(entry.path)
         for name in ("home", "config", "cache", "tmp", "work"):
             (self.top / name).mkdir()
-        if case.serves and not self.server:
+        if case.sends and not self.server:
             self.server = Server()
         if self.server:
             self.server.bodies.clear()
@@ -185,7 +221,7 @@ class Place:
     def environment(self, case, fault=None):
         env = {**self.env, **{k: v.replace("{top}", str(self.top)) for k, v in case.env.items()}}
         if fault:
-            own_cache = [str(self.top / "cache"), str(self.top / "home")]
+            own_cache = [str(self.top / "cache"), str(self.top / "home"), str(self.fonts)]
             env.update(fault.env(self.log), LD_PRELOAD=self.injector,
                        FAULT_ASIDE=":".join(ASIDE + own_cache))
         return env
@@ -205,7 +241,7 @@ class Place:
             process.kill()
             out, err = process.communicate()
         ran = Ran(process.returncode, settled("", out, self.top), err.decode("utf-8", "replace"), hung,
-                  time.monotonic() - began)
+                  time.monotonic() - began, fault=fault)
         if fault:
             self.read_log(ran, fault.do == "stacks")
         return ran
@@ -278,7 +314,12 @@ def is_between(found, before, after):
     old = before.splitlines() if isinstance(before, str) else []
     new = after.splitlines() if isinstance(after, str) else []
     return (first in (old[:1] + new[:1]) and set(lines) <= set(old) | set(new)
-            and set(old) & set(new) <= set(found.splitlines()))
+            and set(old) & set(new) <= set(found.splitlines())
+            and keys_of(old) & keys_of(new) <= keys_of(lines))
+
+
+def keys_of(lines):
+    return {line.split("=")[0] for line in lines if "=" in line}
 
 
 @dataclasses.dataclass
@@ -286,10 +327,30 @@ class World:
     before: dict
     after: dict
     ran: Ran
+    bare: dict            # what it makes without settings, where the case has some
+    bare_out: bytes
+    fewer: tuple = ()     # what it makes of fewer rows
+
+
+def bare_of(place, case):
+    """What the case makes where it finds no settings, and so takes the defaults."""
+    place.reset(case)
+    for name in ("bin/Quenkit_Setting", "bin/Temp", "settings"):
+        shutil.rmtree(place.top / name, ignore_errors=True)
+    (place.top / "config" / "kerno" / "registry.reg").unlink(missing_ok=True)
+    ran = place.run(case)
+    return place.look(), ran.out
 
 
 def world_of(place, case):
     """What the case makes without a fault, counted."""
+    fewer = []
+    for prepare in case.fewer:
+        one = dataclasses.replace(case, prepare=prepare)
+        place.reset(one)
+        place.run(one)
+        fewer.append(place.look())
+    bare, bare_out = bare_of(place, case)
     place.reset(case)
     before = place.look()
     ran = place.run(case, Fault("open"))
@@ -299,22 +360,68 @@ def world_of(place, case):
     for target in case.targets:
         if target not in after:
             raise SystemExit(f"{case.name}: without a fault, there is no {target}")
-    return World(before, after, ran)
+    return World(before, after, ran, bare, bare_out, tuple(fewer))
 
 
 def tells_of_settings(ran):
     """Whether a message says that settings could not be read or written where they belong."""
-    return any(line.startswith("kerno: ") and any(name in line for name in SETTINGS)
-               for line in ran.err.splitlines())
+    return any(line.startswith("kerno: ") and len(line.split(": ")) >= 3
+               and any(name in line for name in SETTINGS) for line in ran.err.splitlines())
 
 
-def judge_files(ran, world, now):
+# The comment of an SVG file names the program, whose name cannot be found out without a look.
+PROGRAM_LINE = re.compile(rb"(?m)^(EXE +\t +\t)[^\r\n]+")
+
+
+def lacks_program(name, found, after, ran):
+    """Whether all of a file is there but the name of the program, where each look failed."""
+    if not (ran.fault and ran.fault.on and ran.fault.group == "look" and ran.fault.of == "own"):
+        return False
+    return (name.endswith(".svg") and isinstance(found, bytes) and isinstance(after, bytes)
+            and found == PROGRAM_LINE.sub(rb"\1", after))
+
+
+def is_table(case, world, name, now):
+    """Whether a table of failures has its header, whole rows, and each row whose file is not made."""
+    if not case.failed or name != case.failed[0] or not isinstance(now.get(name), bytes):
+        return False
+    _, header, files = case.failed
+    first, *rows = now[name].split(b"\n")
+    keys = [row.split(b",")[0] for row in rows[:-1]]
+    missing = {key for key, file in files.items() if now.get(file, ABSENT) != world.after[file]}
+    return (first == header and rows[-1:] == [b""] and len(set(keys)) == len(keys)
+            and missing <= set(keys) <= set(files))
+
+
+def may_stand(case, ran, world, name, now):
+    """Whether a file is as it was, as the command makes it, or as a rule lets it be."""
+    found, after = now.get(name, ABSENT), world.after.get(name, ABSENT)
+    if found in (world.before.get(name, ABSENT), after):
+        return True
+    if name.startswith("work/") and tells_of_settings(ran) and found == world.bare.get(name, ABSENT):
+        return True  # the defaults were used, and told
+    if ran.status == 1 and name in case.targets:
+        if any(found == state.get(name, ABSENT) for state in world.fewer):
+            return True  # the rows that did not fail
+        if is_table(case, world, name, now):
+            return True
+    if lacks_program(name, found, after, ran):
+        ran.let_go = "program without a name"
+        return True
+    return False
+
+
+def judge_files(case, ran, world, now):
     """What lies there that should not, or no longer does."""
     findings = []
     for name in sorted(set(world.before) | set(world.after) | set(now)):
         allowed = [state.get(name, ABSENT) for state in (world.before, world.after)]
         found = now.get(name, ABSENT)
-        if found in allowed or (found is None and name in LASTING) or LOGS.match(name):
+        if may_stand(case, ran, world, name, now):
+            continue
+        if (found is None and name in LASTING) or LOGS.match(name):
+            continue
+        if COPIES.match(name) and "Quenkit.tmp" in ran.err:
             continue
         if is_between(found, *allowed) or (RESORT.match(name) and tells_of_settings(ran)):
             continue
@@ -327,20 +434,108 @@ def judge_files(ran, world, now):
     return findings
 
 
+def lines_of(text):
+    return set(text.splitlines()) if isinstance(text, str) else set()
+
+
+def resort_holds(world, now, target):
+    """Whether the change of these settings stands where they go when their own place fails."""
+    old, new = lines_of(world.before.get(target)), lines_of(world.after[target])
+    return any(new - old <= lines_of(found) and not (old - new) & lines_of(found)
+               for name, found in now.items() if RESORT.match(name) and isinstance(found, str))
+
+
+def judge_success(case, world, ran, now, server):
+    """What status 0 promised and did not do."""
+    findings, told = [], tells_of_settings(ran)
+    for target in case.targets:
+        found, after = now.get(target, ABSENT), world.after[target]
+        if found == after or lacks_program(target, found, after, ran):
+            continue
+        if target.startswith("work/") and told and found == world.bare.get(target, ABSENT):
+            continue
+        if not target.startswith("work/") and told and resort_holds(world, now, target):
+            continue
+        findings.append(f"false success: {target} is not the new one")
+    outs = {world.ran.out} | ({world.bare_out} if told else set())
+    if ran.out not in outs and not tells_of_place(case, world, ran, now):
+        findings.append(f"false success: standard output is another: {ran.out[:150]!r}")
+    if server and not any(case.sends in body for body in server.bodies):
+        findings.append("false success: the server did not get all")
+    return findings
+
+
+# Of "settings path", where the usual place could not be had.
+RESORT_REASONS = ["the program's folder is not for settings; this is the user's configuration folder",
+                  "neither the program's nor a configuration folder can be written",
+                  "the folder of the settings cannot be written; this is the temporary one"]
+USUAL_REASONS = ["the folder Quenkit_Setting stands beside the program",
+                 "the program's folder can be written"]
+
+
+def tells_of_place(case, world, ran, now):
+    """Whether another place of the settings is printed with its reason, and what lies there."""
+    if case.words[:2] != ["settings", "path"]:
+        return False
+    lines, usual = ran.out.decode().splitlines(), world.ran.out.decode().splitlines()
+    reasons = RESORT_REASONS + (USUAL_REASONS if tells_of_settings(ran) else [])
+    if len(lines) < 2 or (lines[:2] != usual[:2] and lines[1] not in reasons):
+        return False
+    name = lines[0].removeprefix("(TOP)/")
+    if name == lines[0] or not name.endswith("/Quenkit.ini") or len(lines) > 3:
+        return False
+    if lines[2:]:
+        return lines[2].startswith("there is no file yet: ") and name not in now
+    if name not in now and ran.fault and ran.fault.group == "look":
+        ran.let_go = "no look at the settings"  # it cannot know, and leaves the line out
+        return True
+    return name in now
+
+
+FONT_MESSAGE = re.compile(r"kerno: (/usr/share/(fonts|hershey-fonts)/\S+\.(ttf|otf|ttc|jhf)): \S")
+ALLOCATES = re.compile(r"(malloc|calloc|realloc|posix_memalign|aligned_alloc|memalign|mmap|"
+                       r"mprotect|mremap|brk)$")
+
+
+def names_of(case, ran):
+    """Words of which a message must hold one: what the command works on, or what failed."""
+    names = [*case.names, *(os.path.basename(t) for t in case.targets)]
+    if ran.path:
+        names += [os.path.basename(ran.path.rstrip("/")), ran.path]
+    if ran.path.startswith("pipe:") or (ran.fault and ran.fault.on and ran.fault.group == "write"):
+        names.append("standard output")
+    if ALLOCATES.match(ran.what) or (ran.fault and ran.fault.do == str(errno.ENOMEM)):
+        names.append("memory")
+    return [name for name in names if name]
+
+
 def judge_message(case, ran):
     """Whether a failure names what failed, and why."""
     lines = [line for line in ran.err.splitlines() if line.startswith("kerno: ")]
     if not lines:
-        return ["silent: a failure without a message"]
-    names = [*case.names, *(os.path.basename(t) for t in case.targets), "memory",
-             "standard output"]
-    if ran.path:
-        names += [os.path.basename(ran.path.rstrip("/")), ran.path]
+        return ["mute: status 1 without a message"]
+    names = names_of(case, ran)
+    # Of calls that fail from some one on, only the first is noted; a font may be a later one's.
+    fonts_fail = ran.fault and ran.fault.on and ran.fault.of == "aside"
     for line in lines:
         parts = line.split(": ")
-        if len(parts) >= 3 and parts[-1].strip() and any(n and n in line for n in names):
+        if len(parts) >= 3 and parts[-1].strip() and any(name in line for name in names):
+            return []
+        if fonts_fail and FONT_MESSAGE.match(line):
             return []
     return [f"vague: {lines[-1][:150]}"]
+
+
+# Without its configuration Fontconfig knows no face; it says so itself.
+FONTCONFIG_FILES = ("/etc/fonts", "/usr/share/fontconfig")
+
+
+def is_fontconfig(ran):
+    """Whether a face is not there because a file of Fontconfig's configuration could not be read."""
+    return (ran.status == 3 and "Fontconfig error: " in ran.err and ran.fault is not None
+            and ran.fault.of == "aside" and not ran.out
+            and (ran.path.endswith("/fonts.conf") or
+                 any(ran.path.startswith(name) for name in FONTCONFIG_FILES)))
 
 
 # The names that only a failing removal or a kill leaves, and that the next run removes.
@@ -355,10 +550,10 @@ def judge_again(place, case, world, findings):
     if not any(OWN_NAMES.match(finding) for finding in findings):
         return findings
     ran = place.run(case)
-    after = judge_files(ran, world, place.look())
+    after = judge_files(case, ran, world, place.look())
     if any(OWN_NAMES.match(finding) for finding in after):  # whoever writes there does it
         place.run(dataclasses.replace(case, words=WRITES_SETTINGS))
-        after = judge_files(ran, world, place.look())
+        after = judge_files(case, ran, world, place.look())
     kept = [finding for finding in findings if not OWN_NAMES.match(finding)]
     # In the temporary folder nobody may write again; the system clears it.
     after = [finding for finding in after if not finding.startswith("left: tmp/.kerno-")]
@@ -376,24 +571,20 @@ def judge(case, world, ran, now, server=None):
                                   if "Sanitizer" in line or "runtime error" in line)[:200]]
     if ran.seconds > SLOW:
         return [f"slow: {SLOW} s and more"]
-    if ran.status == 127 and TLS_GONE in ran.err:
-        return []
     if ran.status < 0:
         return [f"crash: {signal.Signals(-ran.status).name}"]
-    findings = judge_files(ran, world, now)
-    if ran.status == 0 and tells_of_settings(ran):
-        # The defaults, or the last resort, were used and told. A file is still whole.
-        return [f for f in findings if not f.startswith("changed: work/")]
+    findings = judge_files(case, ran, world, now)
     if ran.status == 0:
-        for target in case.targets:
-            if now.get(target, ABSENT) != world.after[target]:
-                findings.append(f"false success: {target} is not the new one")
-        if ran.out != world.ran.out and b"cannot be written" not in ran.out:  # "settings path"
-            findings.append("false success: standard output is another")
-        if server and not server.bodies:
-            findings.append("false success: the server got nothing")
+        findings += judge_success(case, world, ran, now, server)
     elif ran.status == 1:
         findings += judge_message(case, ran)
+        table = case.failed[0] if case.failed else None
+        if table and now.get(table) != world.before[table] and not is_table(case, world, table, now):
+            findings.append(f"false table: {table} lacks a row that failed")
+    elif ran.status == 127 and TLS_GONE in ran.err:
+        ran.let_go = "variables of a thread"
+    elif is_fontconfig(ran):
+        ran.let_go = "configuration of Fontconfig"
     else:
         findings.append(f"status {ran.status}: " + ran.err.strip()[:150])
     return findings

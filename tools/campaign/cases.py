@@ -271,7 +271,7 @@ def planted_copy():
     """5. The copy of an upload's request in a shared temporary folder."""
     found = []
     for is_link in (True, False):
-        place.reset(Case("", [], serves=True))
+        place.reset(Case("", [], sends=b"<svg/>"))
         shared, mine = shared_temporary()
         commands.to_server(True)(place)
         os.chmod(place.top / "config" / "kerno", 0o777)

@@ -6,7 +6,8 @@ from campaign import HERE, Case
 PARTS_FILE = HERE.parents[1] / "tests" / "data" / "ipx" / "every-kind.ipx"
 STROKES = "/usr/share/hershey-fonts/futural.jhf"
 FACE = ["--face", "DejaVu Sans"]
-FORMATS = ["svg", "dxf", "emf", "bmp", "x3d", "ipx", "ipl"]
+FORMATS = ["svg", "dxf", "emf", "bmp", "x3d", "ipx", "ipl", "plt", "pdf"]
+UPLOADED = b"<svg/>" * 3000
 OLD = b"what stood here before\n" * 40
 PAGE = """<!DOCTYPE html>
 <meta name="kerno-text" content="one">
@@ -65,7 +66,7 @@ def to_server(debug):
         if debug:
             text += "[Preference_202206]\r\nDebug=1\r\n"
         write(place, "config/kerno/UpFile.ini", text.encode())
-        write(place, "work/a.svg", b"<svg/>" * 3000)
+        write(place, "work/a.svg", UPLOADED)
     return prepare
 
 
@@ -129,6 +130,28 @@ def cuts():
                old("a.dxf"), ("work/a.dxf",), ("DejaVuSans.ttf",))
 
 
+def rows_of(*rows):
+    return lambda place: write(place, "work/list.csv", b"\n".join([b"name,text", *rows, b""]))
+
+
+def series():
+    rows = [b"one,Ab", b"two,g", b"three,x1"]
+    words = ["cut", "--data", "list.csv", "--text", "{text}", *FACE, "--jobs", "1"]
+    files = {row.split(b",")[0]: f"work/{row.split(b',')[0].decode()}.dxf" for row in rows}
+    yield Case("cut a table", [*words, "--replace", "-o", "{name}.dxf"],
+               all_of(rows_of(*rows), old("two.dxf")), tuple(files.values()),
+               (*FACE[1:], "list.csv", "row "))
+    yield Case("cut a table, with failures", [*words, "--failed", "bad.csv", "-o", "{name}.dxf"],
+               all_of(rows_of(*rows), old("bad.csv")), (*files.values(), "work/bad.csv"),
+               (*FACE[1:], "list.csv", "row "), failed=("work/bad.csv", b"name,text", files))
+    two = rows_of(*rows[:2])
+    yield Case("cut on sheets", ["cut", "--data", "list.csv", "--text", "{text}", *FACE, "--jobs", "1",
+                                 "--sheet", "60x40mm", "--replace", "-o", "s-{sheet}.svg"],
+               all_of(two, old("s-1.svg")), ("work/s-1.svg", "work/s-2.svg"),
+               (*FACE[1:], "list.csv", "row ", "sheet"),
+               fewer=tuple(all_of(rows_of(row), old("s-1.svg")) for row in rows[:2]))
+
+
 def settings():
     places = {"none yet": None, "beside": beside, "in Temp": in_temp_beside,
               "elsewhere": elsewhere, "without a mark": without_mark}
@@ -158,7 +181,7 @@ def others():
                    pages(with_page=with_page), (one, two), ("runs",))
     for debug in (False, True):
         yield Case("upload with a copy" if debug else "upload", ["upload", "a.svg"],
-                   to_server(debug), (), ("a.svg", "UpFile.ini", "127.0.0.1"), serves=True)
+                   to_server(debug), (), ("a.svg", "UpFile.ini", "127.0.0.1"), sends=UPLOADED)
     yield Case("faces", ["faces"], names=("font", "faces"))
     yield Case("faces as JSON", ["faces", "--json"], names=("font", "faces"))
     yield Case("contours", ["contours", "--text", "Ab", *FACE, "--json"], names=(*FACE[1:], "font"))
@@ -166,4 +189,4 @@ def others():
 
 
 def all_cases():
-    return [*converts(), *cuts(), *settings(), *others()]
+    return [*converts(), *cuts(), *series(), *settings(), *others()]

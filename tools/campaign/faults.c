@@ -520,12 +520,20 @@ int posix_memalign(void** memory, size_t alignment, size_t size) {
 
 // A sanitizer's operator new does not come by malloc. This one fails as it should, by exception.
 __attribute__((weak)) void _ZSt17__throw_bad_allocv(void);  // std::__throw_bad_alloc()
+typedef void Handler(void);
+__attribute__((weak)) Handler* _ZSt15get_new_handlerv(void);  // std::get_new_handler()
+
+static void no_memory(void) {
+  Handler* const handler = _ZSt15get_new_handlerv ? _ZSt15get_new_handlerv() : NULL;
+  if (handler) handler();
+  _ZSt17__throw_bad_allocv();
+}
 
 #define OPERATOR_NEW(name, parameters, arguments)                           \
   void* name parameters;                                                    \
   void* name parameters {                                                   \
     static void* known;                                                     \
-    if (allocation_fails("operator new")) _ZSt17__throw_bad_allocv();       \
+    if (allocation_fails("operator new")) no_memory();                      \
     void*(*const real)parameters = (void*(*)parameters)next(#name, &known); \
     const bool before = within;                                             \
     within = true;                                                          \

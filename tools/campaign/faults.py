@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
 """Lets each system call and each allocation of each command fail, and looks what comes of it.
 
-usage: faults.py [--sample RUNS] [--only WORDS] [--jobs N] [--folder FOLDER] PROGRAM INJECTOR
+usage: faults.py [--sample RUNS] [--only WORDS] [--groups GROUP,...] [--jobs N] [--seconds N]
+                 [--folder FOLDER] PROGRAM INJECTOR
 
 Calls on files of the program's own: the Nth of each group fails once, and from there on, by each
 error of PLAN, for N from 1 until nothing is hit any more. Calls on fonts and files of the system,
 and allocations: one for each stack that they come from (the first and the last of it).
 --sample takes so many of these runs, the same ones each time. Prints each kind of finding once,
-with the first run that has it; ends with 1 where there is one.
+with the first run that has it; ends with 1 where there is one. --seconds ends it before all is
+tried, and says so.
 """
 import argparse
 import collections
@@ -62,48 +64,51 @@ worlds = Worlds()
 
 
 def run_one(name, fault):
-    """What came of it, and its findings."""
+    """What came of it, its findings, and what a rule let go."""
     case, world = CASES[name], worlds[name]
     place.reset(case)
     ran = place.run(case, fault)
-    server = place.server if case.serves else None
+    server = place.server if case.sends else None
     findings = campaign.judge(case, world, ran, place.look(), server)
     if fault.on or ran.what.startswith(("unlink", "rmdir")):  # nothing could be removed
         findings = campaign.judge_again(place, case, world, findings)
     if fault.do == "short" and ran.hit and ran.status == 1 and not findings:
         findings = ["gave up: half of the bytes are no error"]
-    return ran, findings
+    let_go = collections.Counter({"calls in Fontconfig's lock": ran.kept} if ran.kept else {})
+    let_go.update([ran.let_go] if ran.let_go else [])
+    return ran, findings, let_go
 
 
 def run_until_clear(name, group, do, on):
     """For N from 1 until nothing is hit. A program that hangs has shown it after three times."""
-    runs, found, at = 0, [], 1
+    runs, found, at, let_go = 0, [], 1, collections.Counter()
     while True:
         if sum(finding.startswith(("hang", "slow")) for *_, finding in found) == 3:
-            return runs, 0, found
+            return runs, let_go, found
         fault = Fault(group, at, do, on)
-        ran, findings = run_one(name, fault)
+        ran, findings, more = run_one(name, fault)
         runs += 1
+        let_go += more
         found += [(name, fault, ran, finding) for finding in findings]
         if not ran.hit:
-            return runs, 0, found
+            return runs, let_go, found
         at += 1
 
 
 def run_list(name, group, faults):
-    found, kept = [], 0
+    found, let_go = [], collections.Counter()
     for fault in faults:
-        ran, findings = run_one(name, fault)
-        kept += ran.kept
+        ran, findings, more = run_one(name, fault)
+        let_go += more
         found += [(name, fault, ran, finding) for finding in findings]
-    return len(faults), kept, found
+    return len(faults), let_go, found
 
 
 def run_series(job):
     try:
         return job[0](*job[1:])
     except BaseException as error:
-        return 0, 0, [(job[1], job[2:4], campaign.Ran(0, b"", ""), f"campaign failed: {error!r}")]
+        return 0, {}, [(job[1], job[2:4], campaign.Ran(0, b"", ""), f"campaign failed: {error!r}")]
 
 
 def one_of_each_stack(name, group, of, known):
@@ -187,6 +192,7 @@ def main():
     parser.add_argument("--only", default="")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--groups", default="")
+    parser.add_argument("--seconds", type=float, default=0)
     parser.add_argument("--folder")
     parser.add_argument("program")
     parser.add_argument("injector")
@@ -201,22 +207,35 @@ def main():
         wanted = options.groups.split(",")
         jobs = [job for job in jobs if job[2] in wanted]
     place.close()
-    runs, kept, found, groups = 0, 0, [], collections.Counter()
+    random.Random(15).shuffle(jobs)  # a run that is cut has tried some of each
+    runs, left, let_go, found, groups = 0, 0, collections.Counter(), [], collections.Counter()
     with concurrent.futures.ProcessPoolExecutor(options.jobs, initializer=open_place,
                                                 initargs=setting) as pool:
-        for done, (job, (count, let_go, more)) in enumerate(zip(jobs, pool.map(run_series, jobs)), 1):
+        waiting = {pool.submit(run_series, job): job for job in jobs}
+        for done, future in enumerate(concurrent.futures.as_completed(waiting), 1):
+            job = waiting[future]
+            if options.seconds and time.monotonic() - began > options.seconds:
+                for other in waiting:
+                    other.cancel()
+            if future.cancelled():
+                left += 1
+                continue
+            count, gone, more = future.result()
             if done * 20 // len(jobs) > (done - 1) * 20 // len(jobs):
                 print(f"faults: {done * 100 // len(jobs)} %, {time.monotonic() - began:.0f} s, "
                       f"{len(found)} findings", file=sys.stderr, flush=True)
-            runs, kept = runs + count, kept + let_go
+            runs += count
+            let_go.update(gone)
             for kind in {finding for *_, finding in more} - {finding for *_, finding in found}:
                 print(f"found: {kind} ({job[1]}, {job[2]})", file=sys.stderr, flush=True)
             found += more
             groups[job[2]] += count
     kinds = report(found)
     seconds = time.monotonic() - began
-    print(f"faults: {len(names)} commands, {runs} runs ({dict(groups)}), {kept} let go to Fontconfig, "
+    print(f"faults: {len(names)} commands, {runs} runs ({dict(groups)}), let go: {dict(let_go)}, "
           f"{len(found)} findings of {kinds} kinds, {seconds:.0f} s")
+    if left:
+        print(f"cut: {left} of {len(jobs)} series were not begun")
     return 1 if found else 0
 
 
