@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Times series of "kerno cut": 10,000 rows to as many DXF files against a C program (write_files.c) that
-writes the same bytes with the same durability, one job against two where no disk takes part, and peak
-memory against the number of rows. A figure beyond its goal is marked, and is no failure.
+writes the same bytes with the same durability, one job against two where no disk takes part, all rows
+on one sheet against one text, and peak memory against the number of rows. A figure beyond its goal is marked, and is no failure.
 
 usage: series_bench.py KERNO [FOLDER [ROWS]]    (FOLDER is on the disk to be measured)
 """
@@ -93,6 +93,22 @@ class Bench:
             print(f"{'  ' + size:44} {one:7.2f} {two:7.2f} {one / two:6.2f} {1.7:5.1f} {cpu_one:7.2f} {cpu_two:7.2f}"
                   f"{'  MISSED' if one < 1.7 * two else ''}", flush=True)
 
+    def one_sheet(self, folder):
+        """All rows on one sheet against one text of the same characters."""
+        lines = folder / "lines.txt"
+        chance = random.Random(2)
+        lines.write_text("".join(f"{chance.choice(FIRST)} {chance.choice(LAST)}\n" for _ in range(self.rows)),
+                         encoding="utf-8")
+        options = ["--face", "DejaVu Sans", "--cap-height", "6mm", "--quiet", "-o", folder / "one.dxf"]
+        sheet = ["--lines", lines, "--replace", "--sheet", "20000x20000mm", "--pack"]
+        runs = [[run([self.kerno, "cut", *source, *options]) for source in (["--text-file", lines], sheet)]
+                for _ in range(2 * ROUNDS + 1)]
+        (text, cpu_text), (laid, cpu_laid) = (
+            [statistics.median(pair[which][kind] for pair in runs) for kind in (0, 1)] for which in (0, 1))
+        print(f"{'rows on one sheet':44} {'wall s':>7} {'text':>7} {'ratio':>6} {'goal':>5} {'CPU s':>7} {'text':>7}")
+        print(f"{'  packed':44} {laid:7.2f} {text:7.2f} {laid / text:6.2f} {3:5.1f} {cpu_laid:7.2f} {cpu_text:7.2f}"
+              f"{'  MISSED' if laid > 3 * text else ''}", flush=True)
+
     def memory(self, folder):
         print(f"{'peak memory':44} {'MB':>7}")
         for size in SIZES:
@@ -110,6 +126,7 @@ def main():
         bench.against_plain_writes(pathlib.Path(disk))
     with tempfile.TemporaryDirectory(dir="/dev/shm") as memory:
         bench.jobs(pathlib.Path(memory))
+        bench.one_sheet(pathlib.Path(memory))
         bench.memory(pathlib.Path(memory))
 
 

@@ -15,7 +15,7 @@ packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  libexpat1-dev libxml2-utils assimp-utils
  python3 python3-ezdxf python3-fonttools python3-shapely python3-numpy imagemagick file emf2svg librsvg2-bin icoutils
- hp2xx qpdf poppler-utils"
+ hp2xx qpdf poppler-utils parallel"
 
 if [ "$1" = windows ]; then
   packages="$packages g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-x86-64-dev googletest

@@ -100,12 +100,23 @@ std::u16string NearestFaces(const FaceForm& face) {
   return (several ? u"; the nearest are " : u"; the nearest is ") + text;
 }
 
+// The same end where the face may stand in a file that cannot be read; empty where there is none.
+std::u16string UnreadFile(std::u16string_view name) {
+  const Status trouble = FontTrouble(name);
+  return trouble.ok() ? u"" : u"; " + trouble.what + u" cannot be read: " + trouble.why;
+}
+
 }  // namespace
 
 Status FindFace(const FaceRequest& request, FontData* data) {
   Status found = FindFontData(request, data);
   const bool unknown = found.failure == Failure::kNotFound && found.what == u"face";
-  if (unknown && !request.family.empty()) found.why += NearestFaces({request.family});
+  if (!unknown || request.family.empty()) return found;
+  if (const std::u16string unread = UnreadFile(request.family); !unread.empty()) {
+    return Status::Error(Failure::kOther, std::move(found.what),
+                         found.why + NearestFaces({request.family}) + unread);
+  }
+  found.why += NearestFaces({request.family});
   return found;
 }
 
@@ -124,6 +135,8 @@ FaceChoice ChooseFace(const FaceForm& wanted) {
   if (choice.installed) return choice;
   FontData full;
   const Status found = FindFontData({.family = wanted.name}, &full);
+  choice.installed = found.ok() && IsFaceInstalled(name);  // a failure of reading may have passed
+  if (choice.installed) return choice;
   if (!found.ok() && found.what != u"face" && !IsFaceInstalled(wanted.name)) {
     choice.what = found.what;
     choice.why = found.why;
@@ -144,7 +157,9 @@ FaceChoice ChooseFace(const FaceForm& wanted) {
   const bool has_plain_form = wanted.vertical && IsFaceInstalled(wanted.name);
   choice.why = has_plain_form ? u"\"" + wanted.name + u"\" has no \"@\" form"
                               : u"\"" + name + u"\" is not installed";
-  choice.why += NearestFaces(wanted);
+  const std::u16string unread = has_plain_form ? u"" : UnreadFile(wanted.name);
+  choice.in_doubt = !unread.empty();
+  choice.why += NearestFaces(wanted) + unread;
   return choice;
 }
 

@@ -26,10 +26,12 @@ struct FaceChoice {
   std::u16string what;
   std::u16string why;
   bool unreadable = false;  // it is installed, but its file cannot be read
+  bool in_doubt = false;    // it is not found, but a font file cannot be read
 };
 
 // FindFontData; where no face has the name, the reason goes on with the nearest names that are
-// installed, a face with the measures of a well-known one that is not first.
+// installed, a face with the measures of a well-known one that is not first. Where the face may
+// stand in a font file that cannot be read, the reason names that, and the failure is another.
 [[nodiscard]] Status FindFace(const FaceRequest& request, FontData* data);
 
 // An empty name means the system's own choice: the stock face, or the first face with a vertical

@@ -32,8 +32,8 @@ void AppendLoneHalf(std::string* out, char16_t unit) {
 
 }  // namespace
 
-Status ListBytes::Open(const std::filesystem::path& path, std::optional<TextCoding> coding,
-                       std::unique_ptr<ListBytes>* list) {
+Status ListBytes::Open(const std::filesystem::path& path, const std::u16string& name,
+                       std::optional<TextCoding> coding, std::unique_ptr<ListBytes>* list) {
   std::unique_ptr<HeldFile> file;
   Status opened = WaitForFile(path, FileWait::kRead, [&] {
     Status status;
@@ -41,7 +41,8 @@ Status ListBytes::Open(const std::filesystem::path& path, std::optional<TextCodi
     return status;
   });
   if (!opened.ok()) return opened;
-  std::unique_ptr<ListBytes> made(new ListBytes(std::move(file), path));
+  std::unique_ptr<ListBytes> made(
+      new ListBytes(std::move(file), name.empty() ? PathText(path) : name));
   if (Status read = made->Read(&made->first_); !read.ok()) return read;
   std::string& first = made->first_;
   const TextCoding marked = first.starts_with("\xFF\xFE")   ? TextCoding::kUtf16Le
@@ -73,8 +74,7 @@ Status ListBytes::Next(std::string* piece) {
   if (!IsWide()) return Status::Ok();
   const bool ends = piece->empty();
   if (ends && !left_.empty()) {
-    return Status::Error(Failure::kOther, PathText(path_),
-                         u"is not UTF-16: half a unit stands at the end");
+    return Status::Error(Failure::kOther, name_, u"is not UTF-16: half a unit stands at the end");
   }
   *piece = FromUnits(std::move(*piece));
   if (ends && high_half_ != 0) AppendLoneHalf(piece, std::exchange(high_half_, u'\0'));

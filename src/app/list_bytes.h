@@ -22,7 +22,8 @@ class ListBytes {
  public:
   // Without a coding the list is UTF-8, or UTF-16 by the mark at its start. Marks are left out.
   // *list is set on success only.
-  [[nodiscard]] static Status Open(const std::filesystem::path& path,
+  // `name` is that of failures, where it is not the file's.
+  [[nodiscard]] static Status Open(const std::filesystem::path& path, const std::u16string& name,
                                    std::optional<TextCoding> coding,
                                    std::unique_ptr<ListBytes>* list);
 
@@ -40,14 +41,14 @@ class ListBytes {
   const char* coding_name() const { return CodingName(coding_); }
 
  private:
-  ListBytes(std::unique_ptr<HeldFile> file, std::filesystem::path path)
-      : file_(std::move(file)), path_(std::move(path)) {}
+  ListBytes(std::unique_ptr<HeldFile> file, std::u16string name)
+      : file_(std::move(file)), name_(std::move(name)) {}
   bool IsWide() const { return coding_ == TextCoding::kUtf16Le || coding_ == TextCoding::kUtf16Be; }
   [[nodiscard]] Status Read(std::string* bytes);
   std::string FromUnits(std::string bytes);
 
   std::unique_ptr<HeldFile> file_;
-  std::filesystem::path path_;
+  std::u16string name_;
   TextCoding coding_ = TextCoding::kUtf8;
   bool marked_ = false;     // the file begins with a mark
   uint64_t offset_ = 0;     // of what is read next

@@ -17,10 +17,10 @@ std::string Joined(const std::vector<std::string>& fields) {
 // Rows that are numbers alone.
 class CountedRows final : public RowSource {
  public:
-  explicit CountedRows(uint64_t count) : count_(count) {}
+  CountedRows(uint64_t first, uint64_t last) : last_(last), number_(first - 1) {}
 
   bool Next(SeriesRow* row, Status*) override {
-    if (number_ == count_) return false;
+    if (number_ >= last_) return false;
     row->number = ++number_;
     row->fields.clear();
     row->raw.clear();
@@ -36,15 +36,15 @@ class CountedRows final : public RowSource {
   }
 
  private:
-  uint64_t count_;
-  uint64_t number_ = 0;
+  uint64_t last_;
+  uint64_t number_;
 };
 
 }  // namespace
 
 Status RowSource::Open(const RowList& list, std::unique_ptr<RowSource>* source) {
   if (list.kind == RowList::Kind::kCount) {
-    *source = std::make_unique<CountedRows>(list.count);
+    *source = std::make_unique<CountedRows>(list.first, list.count);
     return Status::Ok();
   }
   return OpenTable(list, source);

@@ -26,9 +26,11 @@ struct RowList {
   };
   Kind kind = Kind::kTable;
   std::filesystem::path file = {};
+  std::u16string name = {};               // in messages; empty: the file's
   std::optional<TextCoding> coding = {};  // nothing: UTF-8, or UTF-16 by its mark
   char separator = 0;                     // of a table: ',', ';' or tab; 0: as its header has it
   uint64_t count = 0;
+  uint64_t first = 1;  // of rows that are counted, the first that comes
 };
 
 struct SeriesRow {

@@ -58,6 +58,27 @@ bool AppendPadded(std::string_view number, int digits, std::string* text) {
   return true;
 }
 
+// A field after other characters of its level, where a "-", a "." or a device's name does no harm.
+std::string CleanWithin(std::string_view field) {
+  const std::u16string clean = CleanFileName(u"x" + Utf8ToUtf16Lossy(WithoutBlanks(field)));
+  return clean.size() == 1 ? "_" : Utf16ToUtf8(clean.substr(1));
+}
+
+// Cuts the last level of a name, which begins at `level`, to what file systems take. Its extension
+// stays.
+void ShortenLevel(size_t level, std::string* name) {
+  if (name->size() - level <= kLongestName) return;
+  const size_t dot = name->rfind('.');
+  const bool has_extension =
+      dot > level && dot != name->npos && name->size() - dot <= kLongestSuffix;
+  const std::string extension = has_extension ? name->substr(dot) : "";
+  size_t end = level + kLongestName - extension.size();
+  while (end > level && (static_cast<unsigned char>((*name)[end]) & 0xC0) == 0x80) --end;
+  while (end > level + 1 && ((*name)[end - 1] == ' ' || (*name)[end - 1] == '.')) --end;
+  name->erase(end);
+  *name += extension;
+}
+
 // The character of an escape; 0 where the backslash is one itself.
 char EscapeOf(char next) {
   return next == 'n' ? '\n' : next == 't' ? '\t' : next == '\\' ? '\\' : '\0';
@@ -193,6 +214,7 @@ Status RowTemplate::FillName(const RowValues& values, std::string* name) const {
                                   static_cast<char>(std::filesystem::path::preferred_separator)};
   const auto end_level = [&] {
     if (has_field && IsDeviceName(Utf8ToUtf16Lossy(name->substr(level)))) name->insert(level, "_");
+    if (has_field) ShortenLevel(level, name);
     has_field = false;
   };
   std::string field;
@@ -200,7 +222,8 @@ Status RowTemplate::FillName(const RowValues& values, std::string* name) const {
     if (piece.from != From::kText) {
       field.clear();
       if (Status filled = FillPiece(piece, values, &field); !filled.ok()) return filled;
-      *name += Utf16ToUtf8(CleanFileName(Utf8ToUtf16Lossy(field)));
+      *name += name->size() == level ? Utf16ToUtf8(CleanFileName(Utf8ToUtf16Lossy(field)))
+                                     : CleanWithin(field);
       has_field = true;
       continue;
     }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/folders.h"
+#include "base/text.h"
 #include "platform/file_replacement.h"
 #include "platform/folder_path.h"
 
@@ -21,6 +22,21 @@ bool IsAbandoned(const std::filesystem::path& file) {
 }
 
 }  // namespace
+
+Status FindStanding(const std::filesystem::path& file, ExistingFiles existing, bool* stays) {
+  *stays = false;
+  if (existing == ExistingFiles::kReplace) return Status::Ok();
+  const PathFacts facts = FactsOfPath(file);
+  if (facts.kind == PathKind::kMissing) return Status::Ok();
+  const bool is_whole = facts.kind == PathKind::kFile && facts.size > 0;
+  *stays = existing == ExistingFiles::kKeep || is_whole;
+  if (*stays) return Status::Ok();
+  if (facts.kind == PathKind::kUnknown) return facts.why;
+  return Status::Error(Failure::kOther, PathText(file),
+                       facts.kind == PathKind::kFile     ? u"is empty: no earlier run wrote it"
+                       : facts.kind == PathKind::kFolder ? u"is a folder, no file that is done"
+                                                         : u"is no regular file");
+}
 
 Status FolderMaker::MakeFor(const std::filesystem::path& file) {
   const std::filesystem::path folder = file.parent_path();

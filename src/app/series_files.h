@@ -18,6 +18,11 @@ enum class ExistingFiles {
   kResume,   // they are done: files appear whole
 };
 
+// Whether what stands there stays, so that the file is not written. Not ok where a stopped run
+// cannot have left it: a folder, an empty file.
+[[nodiscard]] Status FindStanding(const std::filesystem::path& file, ExistingFiles existing,
+                                  bool* stays);
+
 // Makes the folder of a file; the last one is remembered. For one thread at a time.
 class FolderMaker {
  public:

@@ -1,6 +1,7 @@
 #include "app/sheets.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <string>
 #include <utility>
@@ -8,6 +9,7 @@
 #include "app/number_strokes.h"
 #include "base/number_text.h"
 #include "base/text.h"
+#include "drawing/flatten.h"
 
 namespace kerno {
 namespace {
@@ -30,8 +32,8 @@ std::u16string SizeText(const SheetSize& size, LengthUnit unit) {
 }
 
 // Counter-clockwise from the lower edge on, its lower left corner at 0, 0.
-Shape FrameShape(const SheetSize& size, double corner) {
-  const double w = size.width, h = size.height, r = corner;
+Shape FrameShape(const SheetSize& size, const SheetOptions& options) {
+  const double w = size.width, h = size.height, r = options.corner;
   Path path;
   path.start = {r, 0};
   const auto line = [&](const P2& to) { path.segments.push_back({SegmentKind::kLine, to}); };
@@ -53,6 +55,13 @@ Shape FrameShape(const SheetSize& size, double corner) {
     from = segment.end;
     return empty;
   });
+  if (options.chords > 0) {
+    std::vector<P2> corners;
+    FlattenPath(path, options.chords, &corners);
+    path.segments.clear();
+    for (size_t i = 1; i < corners.size(); ++i) line(corners[i]);
+    line(path.start);
+  }
   return {{std::move(path), 0}};
 }
 
@@ -66,6 +75,33 @@ Shape CrossShape(double arm) {
     shape.push_back({std::move(path), 0});
   }
   return shape;
+}
+
+// Of what a shape holds; FNV-1a over numbers of 64 bits.
+uint64_t HashOf(const Shape& shape) {
+  uint64_t hash = 0xCBF29CE484222325;
+  const auto take = [&hash](double value) {
+    hash = (hash ^ std::bit_cast<uint64_t>(value)) * 0x100000001B3;
+    hash ^= hash >> 32;
+  };
+  for (const ShapePath& path : shape) {
+    take(path.path.start.x);
+    take(path.path.start.y);
+    for (const Segment& segment : path.path.segments) {
+      take(segment.end.x);
+      take(segment.end.y);
+      take(segment.bulge);
+    }
+  }
+  return hash;
+}
+
+// Whether a point about the middle of a frame lies within it, its corners cut off round.
+bool IsWithin(const P2& p, const SheetSize& frame, double corner) {
+  const P2 beyond = {std::fabs(p.x) - (frame.width / 2 - corner),
+                     std::fabs(p.y) - (frame.height / 2 - corner)};
+  if (beyond.x <= 0 || beyond.y <= 0) return true;  // beside the corners, the box tells
+  return Length(beyond) < corner;
 }
 
 }  // namespace
@@ -114,26 +150,52 @@ SheetSize SheetMaker::CellOf(const Box2& ink, int64_t row) const {
   return cell;
 }
 
-Status SheetMaker::Add(const Drawing& sign, int64_t row) {
-  const Box2 ink = InkOf(sign);
-  const SheetSize size = {ink.Width(), ink.Height()};
-  const SheetSize cell = CellOf(ink, row);
-  if (!(size.width <= cell.width + kRounding && size.height <= cell.height + kRounding)) {
-    return Refuse(u"size",
-                  SizeText(size, unit_) + u" is larger than the frame of " + SizeText(cell, unit_));
+// A letter that reaches to its frame would be cut open.
+Status SheetMaker::CheckFrame(const Sign& sign) const {
+  const SheetSize size = {sign.ink.Width(), sign.ink.Height()};
+  const SheetSize& frame = *options_.frame;
+  if (!(size.width < frame.width - kRounding && size.height < frame.height - kRounding)) {
+    return Refuse(u"size", SizeText(size, unit_) + u" does not stand free in the frame of " +
+                               SizeText(frame, unit_));
   }
+  const P2 middle = (sign.ink.min + sign.ink.max) * 0.5;
+  if (!IsWithin(sign.ink.max - middle, frame, options_.corner)) {
+    constexpr double kSteps = 1000;  // of a corner, that its text is looked at by
+    std::vector<P2> points;
+    for (const PlacedShape& placed : sign.drawing.placed) {
+      for (const ShapePath& path : sign.drawing.shapes[placed.shape]) {
+        FlattenPath(path.path, options_.corner / kSteps, &points);
+        for (const P2& p : points) {
+          if (IsWithin(p + placed.at - middle, frame, options_.corner)) continue;
+          return Refuse(u"size", SizeText(size, unit_) +
+                                     u" reaches over the rounded corners of the frame of " +
+                                     SizeText(frame, unit_));
+        }
+      }
+    }
+  }
+  if (options_.number_height > 0 &&
+      NumberWidth(sign.row, options_.number_height) > frame.width - 2 * NumberInset()) {
+    return Refuse(u"--numbers", u"the row's number is wider than the frame");
+  }
+  return Status::Ok();
+}
+
+Status SheetMaker::Add(Drawing drawing, int64_t row, int32_t copies) {
+  Sign sign = {std::move(drawing), {}, row, copies, {}};
+  sign.ink = InkOf(sign.drawing);
+  if (options_.frame) {
+    if (Status free = CheckFrame(sign); !free.ok()) return free;
+  }
+  const SheetSize cell = CellOf(sign.ink, row);
   if (!Fits(cell)) {
     return Refuse(u"size", SizeText(cell, unit_) + u" does not fit on the sheet of " +
                                SizeText(options_.sheet, unit_) + u" within its margin");
   }
-  if (options_.frame && options_.number_height > 0 &&
-      NumberWidth(row, options_.number_height) > cell.width - 2 * NumberInset()) {
-    return Refuse(u"--numbers", u"the row's number is wider than the frame");
-  }
   if (options_.frame || options_.pack) {
-    Set(sign, ink, cell, row);
+    SetAll(&sign, cell);
   } else {
-    waiting_.push_back({sign, ink, row});
+    waiting_.push_back(std::move(sign));
   }
   return Status::Ok();
 }
@@ -145,9 +207,13 @@ void SheetMaker::Finish() {
     largest.width = std::max(largest.width, cell.width);
     largest.height = std::max(largest.height, cell.height);
   }
-  for (const Sign& sign : waiting_) Set(sign.drawing, sign.ink, largest, sign.row);
+  for (Sign& sign : waiting_) SetAll(&sign, largest);
   waiting_.clear();
   if (!is_empty_) HandOut();
+}
+
+void SheetMaker::SetAll(Sign* sign, const SheetSize& cell) {
+  for (int32_t copy = 0; copy < sign->copies; ++copy) Set(sign, cell);
 }
 
 // The upper left corner of a place of this size, on a new row or sheet where the one in hand is
@@ -171,31 +237,35 @@ P2 SheetMaker::PlaceOf(const SheetSize& size) {
   return place;
 }
 
-void SheetMaker::Set(const Drawing& sign, const Box2& ink, const SheetSize& cell, int64_t row) {
+void SheetMaker::Set(Sign* sign, const SheetSize& cell) {
+  const size_t sheet = number_;
   const P2 upper = PlaceOf(cell);
   const P2 lower = {upper.x, upper.y - cell.height};
+  if (number_ != sheet) sign->shapes.clear();
   is_empty_ = false;
-  sheet_.strokes |= sign.strokes;
-  const auto first = static_cast<uint32_t>(sheet_.shapes.size());
-  sheet_.shapes.insert(sheet_.shapes.end(), sign.shapes.begin(), sign.shapes.end());
+  ++signs_set_;
+  sheet_.strokes |= sign->drawing.strokes;
+  if (sign->shapes.empty()) {
+    for (const Shape& shape : sign->drawing.shapes) sign->shapes.push_back(AddShapeOnce(shape));
+  }
   Box2 inked;
-  if (!sign.placed.empty()) {
+  if (!sign->drawing.placed.empty()) {
     const double below = options_.frame ? 0 : kNumberRoom * options_.number_height;
     const P2 middle = lower + P2{cell.width, cell.height + below} * 0.5;
-    const P2 by = middle - (ink.min + ink.max) * 0.5;
-    inked = {ink.min + by, ink.max + by};
-    for (PlacedShape placed : sign.placed) {
-      placed.shape += first;
+    const P2 by = middle - (sign->ink.min + sign->ink.max) * 0.5;
+    inked = {sign->ink.min + by, sign->ink.max + by};
+    for (PlacedShape placed : sign->drawing.placed) {
+      placed.shape = sign->shapes[placed.shape];
       placed.at = placed.at + by;
       sheet_.texts.push_back(placed);
     }
   }
   if (options_.frame) {
-    const uint32_t shape = sheet_.frames.empty() ? AddShape(FrameShape(cell, options_.corner))
-                                                 : sheet_.frames[0].shape;
+    const uint32_t shape =
+        sheet_.frames.empty() ? AddShape(FrameShape(cell, options_)) : sheet_.frames[0].shape;
     sheet_.frames.push_back({shape, lower, 0, ShapeRole::kFrame});
   }
-  if (options_.number_height > 0) SetNumber(lower, inked, row);
+  if (options_.number_height > 0) SetNumber(lower, inked, sign->row);
 }
 
 // How far the number stands from the edges of its frame.
@@ -214,6 +284,17 @@ void SheetMaker::SetNumber(const P2& cell, const Box2& ink, int64_t row) {
 uint32_t SheetMaker::AddShape(Shape shape) {
   sheet_.shapes.push_back(std::move(shape));
   return static_cast<uint32_t>(sheet_.shapes.size() - 1);
+}
+
+// Rows are made of the same letters: what is alike to the last bit stands on a sheet once.
+uint32_t SheetMaker::AddShapeOnce(const Shape& shape) {
+  const uint64_t hash = HashOf(shape);
+  for (auto [known, end] = sheet_.known.equal_range(hash); known != end; ++known) {
+    if (sheet_.shapes[known->second] == shape) return known->second;
+  }
+  const uint32_t added = AddShape(shape);
+  sheet_.known.emplace(hash, added);
+  return added;
 }
 
 void SheetMaker::HandOut() {

@@ -11,6 +11,8 @@ namespace kerno {
 namespace {
 
 constexpr std::string_view kSeparators = ",;\t";
+constexpr char16_t kOpenQuote[] =
+    u": a quote is not closed, so that the rest of the list was taken for one field";
 
 // Follows text that may be a table, whichever its separator is: a quote opens at the start of a
 // field alone.
@@ -57,6 +59,12 @@ std::string_view FirstLine(std::string_view text) {
   return text;
 }
 
+bool IsSeparatorLine(std::string_view line) {
+  constexpr std::string_view kStart = "sep=";
+  return line.size() == kStart.size() + 1 && line.starts_with(kStart) &&
+         kSeparators.find(line.back()) != kSeparators.npos;
+}
+
 std::string WithoutBlanks(std::string_view text) {
   const size_t first = text.find_first_not_of(" \t");
   if (first == text.npos) return {};
@@ -74,7 +82,7 @@ class TableRows final : public RowSource {
  public:
   TableRows(std::unique_ptr<ListBytes> bytes, const RowList& list)
       : bytes_(std::move(bytes)),
-        name_(PathText(list.file)),
+        name_(list.name.empty() ? PathText(list.file) : list.name),
         is_table_(list.kind == RowList::Kind::kTable),
         separator_(list.separator) {}
 
@@ -99,6 +107,7 @@ class TableRows final : public RowSource {
   std::u16string name_;
   bool is_table_;
   char separator_;
+  std::string told_;  // the line that tells the separator
   std::string header_;
   std::string line_end_;  // the list's first one
   uint64_t number_ = 0;
@@ -126,6 +135,12 @@ Status TableRows::LoadHeaderLine() {
     if (Status read = bytes_->Next(&next); !read.ok()) return read;
     if (next.empty()) break;
     text += next;
+  }
+  // Spreadsheets tell the separator in a line of its own.
+  if (const std::string_view line = FirstLine(text); IsSeparatorLine(line)) {
+    told_ = line;
+    if (separator_ == 0) separator_ = told_.back();
+    text.erase(0, told_.size());
   }
   if (separator_ == 0) separator_ = SeparatorOf(FirstLine(text));
   piece_ = std::move(text);
@@ -220,9 +235,13 @@ void TableRows::Finish(SeriesRow* row) {
   if (length_ > kLongestRow) {
     row->raw.clear();
     row->fault = u"is longer than a row may be, 1 MiB";
-    if (is_table_) row->fault += u": is a quote not closed?";
+    if (in_ == In::kQuotes) {
+      row->fault += kOpenQuote;
+    } else if (is_table_) {
+      row->fault += u": is a quote not closed?";
+    }
   } else if (in_ == In::kQuotes) {
-    row->fault = u"a quote is not closed";
+    row->fault = u"is not whole" + std::u16string(kOpenQuote);
   } else if (after_quote_) {
     row->fault = u"text stands after a closing quote";
   } else if (row->raw.find('\0') != row->raw.npos) {
@@ -251,7 +270,8 @@ std::string TableRows::Line(std::string line, const std::vector<std::string>& ad
 }
 
 std::string TableRows::TableStart(const std::vector<std::string>& added) const {
-  return bytes_->Mark() + Line(is_table_ ? header_ : columns_[0], added);
+  const std::string told = told_.empty() ? "" : Line(told_, {});
+  return bytes_->Mark() + told + Line(is_table_ ? header_ : columns_[0], added);
 }
 
 std::string TableRows::TableRow(const SeriesRow& row, const std::vector<std::string>& added) const {
@@ -262,7 +282,8 @@ std::string TableRows::TableRow(const SeriesRow& row, const std::vector<std::str
 
 Status OpenTable(const RowList& list, std::unique_ptr<RowSource>* source) {
   std::unique_ptr<ListBytes> bytes;
-  if (Status opened = ListBytes::Open(list.file, list.coding, &bytes); !opened.ok()) return opened;
+  if (Status opened = ListBytes::Open(list.file, list.name, list.coding, &bytes); !opened.ok())
+    return opened;
   auto rows = std::make_unique<TableRows>(std::move(bytes), list);
   if (Status read = rows->ReadHeader(); !read.ok()) return read;
   *source = std::move(rows);

@@ -25,16 +25,19 @@ fs::path FromEnvironment() {
   return {};
 }
 
-// The user's name as the name of a folder.
+fs::path AsFolderName(const std::u16string& name) {
+  const bool plain =
+      !name.empty() && name.find_first_of(u"/\\") == name.npos && name != u"." && name != u"..";
+  return plain ? TextPath(name) : fs::path("___");
+}
+
+// The user's name, by the environment or the account, as the name of a folder.
 fs::path UserFolderName() {
   for (const char16_t* name : {u"USER", u"USERNAME"}) {
     const auto value = CurrentSystem().Environment(name);
-    if (!value || value->empty()) continue;
-    const bool plain =
-        value->find_first_of(u"/\\") == value->npos && *value != u"." && *value != u"..";
-    return plain ? TextPath(*value) : fs::path("___");
+    if (value && !value->empty()) return AsFolderName(*value);
   }
-  return "___";
+  return AsFolderName(CurrentSystem().UserName());
 }
 
 // The answer of the system or of the environment; empty without one.

@@ -1,6 +1,7 @@
 #include "base/ini_preparation.h"
 
 #include <optional>
+#include <utility>
 
 #include "base/file_wait.h"
 #include "base/folders.h"
@@ -79,7 +80,7 @@ std::u16string IniHeader() {
   return dashes + u";\t" + FormatTime(CurrentClock().Now(), kTimeStamp) + u"\r\n" + dashes;
 }
 
-Status PrepareIniFile(const fs::path& file) {
+Status PrepareIniFile(const fs::path& file, Status* converted) {
   SettingsProcess& process = SettingsProcess::Current();
   const std::lock_guard lock(process.preparation);
   const PathFacts facts = FactsOfPath(file);
@@ -88,6 +89,9 @@ Status PrepareIniFile(const fs::path& file) {
     // What is not there is no failure of reading; who writes hears of the folder then.
     if (!folder.empty()) CreateFolderPath(folder);
     return Status::Ok();
+  }
+  if (facts.kind == PathKind::kFolder) {
+    return Status::Error(Failure::kIsFolder, PathText(file), u"it is a folder");
   }
   if (facts.kind != PathKind::kFile) return facts.why;
   std::string mark;
@@ -101,7 +105,8 @@ Status PrepareIniFile(const fs::path& file) {
   };
   Status changed =
       WaitForFile(file, FileWait::kWrite, convert, WaitOut::kHolder, &process.patience);
-  return kept.ok() ? changed : kept;
+  *converted = kept.ok() ? std::move(changed) : std::move(kept);
+  return Status::Ok();
 }
 
 }  // namespace kerno

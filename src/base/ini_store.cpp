@@ -82,8 +82,8 @@ IniStore::~IniStore() {
   const int64_t now = clock.Seconds();
   const std::u16string text = FormatTime(clock.Local(now), kTimeStamp);
   const std::u16string name = StampName();
-  // A stamp that cannot be written is missing; nobody waits for the destructor's word.
-  (void)WriteUserString(StampKey(), name, text);
+  // A stamp that cannot be written, or not at once, is missing.
+  (void)WriteUserString(StampKey(), name, text, IfHeld::kFail);
   (void)WriteLines({{std::u16string(kStampSection), name, text},
                     {std::u16string(kStampSection), std::u16string(kStampValue), Int64Text(now)}});
 }

@@ -19,6 +19,10 @@ class Notices {
   // A message that the user should read (a failure, a warning).
   virtual void Message(std::u16string_view text) = 0;
 
+  // One that changes what is made (settings that cannot be read): shown to those, too, who want no
+  // warnings.
+  virtual void Trouble(std::u16string_view text) { Message(text); }
+
   // The same, for a record of the answer: `answered` gets the number of the button that the user
   // pressed (ButtonLabel in base/launch.h), after that was done. Where messages are no boxes, at
   // once.

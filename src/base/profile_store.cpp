@@ -106,10 +106,20 @@ void ProfileStore::OpenFile(const fs::path& path) {
     return;
   }
   if (!not_written_.ok()) {
+    reading_ = not_written_;
     process.TellOnce(not_written_.what + u": " + not_written_.why + u"; settings may be missing");
   }
-  const Status prepared = PrepareIniFile(file_);
-  if (!prepared.ok()) process.TellOnce(prepared.what + u": " + prepared.why);
+  Status converted;
+  NoteReading(PrepareIniFile(file_, &converted));
+  if (converted.ok()) return;
+  const std::u16string of = converted.what == profile_path_ ? u"" : converted.what + u": ";
+  process.TellOnce(profile_path_ + u": it is read, but not made UTF-16: " + of + converted.why);
+}
+
+void ProfileStore::NoteReading(const Status& read) {
+  if (read.ok()) return;
+  if (reading_.ok()) reading_ = read;
+  SettingsProcess::Current().TellOnce(read.what + u": " + read.why);
 }
 
 void ProfileStore::ReadSwitches(bool named) {
@@ -171,7 +181,7 @@ std::optional<std::u16string> ProfileStore::ReadFromFile(std::u16string_view sec
                                                          std::u16string_view key) {
   Status read;
   auto text = ReadProfileString(file_, section, key, kLongestValue, &read);
-  if (!read.ok()) SettingsProcess::Current().TellOnce(read.what + u": " + read.why);
+  NoteReading(read);
   return text;
 }
 
@@ -249,7 +259,11 @@ Status ProfileStore::WriteLines(const std::vector<ProfileEdit>& edits) {
   if (!not_written_.ok()) return not_written_;
   SettingsProcess& process = SettingsProcess::Current();
   const auto write = [&]() -> Status {
-    if (FactsOfPath(file_).kind == PathKind::kMissing) {
+    const PathKind kind = FactsOfPath(file_).kind;
+    if (kind == PathKind::kOther) {  // a device or a pipe, which a file would take the place of
+      return Status::Error(Failure::kOther, profile_path_, u"is no file");
+    }
+    if (kind == PathKind::kMissing) {
       Status created = CreateNewFile(file_, EncodeText(IniHeader(), TextEncoding::kUtf16));
       if (!created.ok() && created.failure != Failure::kSharingViolation) return created;
     }

@@ -99,6 +99,10 @@ class ProfileStore : public SettingsReader {
   // The last registry failure as a message; empty when there was none.
   const std::u16string& registry_error() const { return registry_error_; }
 
+  // The first failure of reading the file, or of looking where it is, so far. What was asked for
+  // was answered as missing then, and the user was told.
+  const Status& reading() const { return reading_; }
+
  protected:
   ProfileStore() = default;
 
@@ -154,6 +158,7 @@ class ProfileStore : public SettingsReader {
                                           std::u16string_view if_missing);
   std::optional<int32_t> ReadInt(std::u16string_view section, std::u16string_view key);
   std::optional<std::u16string> ReadStr(std::u16string_view section, std::u16string_view key);
+  void NoteReading(const Status& read);
   std::optional<std::u16string> ReadFromFile(std::u16string_view section, std::u16string_view key);
   Cached& CacheEntry(std::u16string_view section, std::u16string_view key);
   const Cached* FindCached(std::u16string_view section, std::u16string_view key) const;
@@ -174,6 +179,7 @@ class ProfileStore : public SettingsReader {
   std::u16string profile_path_;
   std::filesystem::path file_;
   Status not_written_;  // why nothing may be written
+  Status reading_;
   std::u16string told_of_writes_;
   bool in_registry_ = false;
   bool use_cache_ = true;

@@ -197,7 +197,7 @@ Status SettingsProcess::TroubleOf(const fs::path& folder) const {
 }
 
 void SettingsProcess::TellOnce(const std::u16string& message) {
-  if (told_.insert(message).second) CurrentNotices().Message(message);
+  if (told_.insert(message).second) CurrentNotices().Trouble(message);
 }
 
 fs::path ResolveIniPath(std::u16string_view name) {

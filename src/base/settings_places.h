@@ -71,7 +71,7 @@ class SettingsProcess {
   std::recursive_mutex preparation;  // of INI files
   Patience patience;                 // with those who hold files of settings
 
-  // A message to the user, the first time that it is told.
+  // What is the matter with the settings, the first time that it is told.
   void TellOnce(const std::u16string& message);
 
   // "Quenkit", or what the registry puts in its place.

@@ -115,11 +115,15 @@ bool Print(std::string_view text) {
 }
 
 bool PrintLine(std::string_view line) {
-  return Print(Shown(line, LineEnds::kKept) + "\n");
+  return Print(Shown(line, LineEnds::kCoded) + "\n");
 }
 
 std::string ShownName(std::u16string_view name) {
   return Shown(Utf16ToUtf8(name), LineEnds::kCoded);
+}
+
+std::string ShownAnswer(std::string_view bytes) {
+  return IsOutputTerminal() ? Shown(bytes, LineEnds::kCoded) : std::string(bytes);
 }
 
 bool FinishPrinting() {
@@ -129,18 +133,18 @@ bool FinishPrinting() {
 
 void AppendJsonString(std::string* out, std::u16string_view text) {
   out->push_back('"');
-  for (const char c : Utf16ToUtf8(text)) {
-    if (c == '"' || c == '\\') {
-      out->push_back('\\');
-      out->push_back(c);
-    } else if (static_cast<unsigned char>(c) < 0x20) {
+  std::u16string escaped;
+  for (const char16_t unit : text) {
+    if (unit < 0x20 || (unit >= 0x7F && unit < 0xA0)) {  // what would steer a terminal
       char escape[8];
-      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(c));
-      out->append(escape);
-    } else {
-      out->push_back(c);
+      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
+      escaped.append(escape, escape + 6);
+      continue;
     }
+    if (unit == u'"' || unit == u'\\') escaped.push_back(u'\\');
+    escaped.push_back(unit);
   }
+  *out += Utf16ToUtf8(escaped);
   out->push_back('"');
 }
 
@@ -154,6 +158,11 @@ ConsoleNotices::~ConsoleNotices() {
 void ConsoleNotices::Message(std::u16string_view text) {
   EndBar();
   if (!warnings_silenced) WriteLine("kerno: " + Utf16ToUtf8(text));
+}
+
+void ConsoleNotices::Trouble(std::u16string_view text) {
+  EndBar();
+  WriteLine("kerno: " + Shown(Utf16ToUtf8(text), LineEnds::kCoded));
 }
 
 void ConsoleNotices::ShowWait(std::u16string_view text) {

@@ -46,6 +46,9 @@ void SilenceWarnings();
 // A name as such a line shows it, its line ends and tabs as codes, too.
 std::string ShownName(std::u16string_view name);
 
+// A path or a value that standard output gets as an answer: scripts as it is, a terminal as a name.
+std::string ShownAnswer(std::string_view bytes);
+
 // Flushes standard output; false, with a report, when anything printed did not arrive.
 [[nodiscard]] bool FinishPrinting();
 
@@ -62,6 +65,7 @@ class ConsoleNotices final : public Notices {
   ConsoleNotices& operator=(const ConsoleNotices&) = delete;
 
   void Message(std::u16string_view text) override;
+  void Trouble(std::u16string_view text) override;
   void ShowWait(std::u16string_view text) override;
   void ClearWait() override {}
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;

@@ -61,6 +61,8 @@ ExitStatus CutCommand::RunOnce() {
       outputs.WriteAll(write, {face + SummaryOf(made), quiet_ || json_, began}, &files);
   const bool told =
       !json_ || outputs.UsesStandardOutput() || (Print(JsonOf(made, files)) && FinishPrinting());
+  if (written && !told)
+    ReportError("output", "every file is whole; only the report could not be printed");
   return written && told ? kDone : kFailed;
 }
 
@@ -68,6 +70,10 @@ ExitStatus CutCommand::RunSeries() {
   source_.ShareEncoding();
   ExitStatus status = kWrongUsage;
   if (!options_.ReadOutputs()) return status;
+  if (series_.UsesStandardInput() && source_.UsesStandardInput()) {
+    ReportError("--text-file", "standard input holds the rows already");
+    return status;
+  }
   std::string text = "{line}";
   const bool is_default = series_.HasLines() && !source_.IsGiven();
   if (!is_default) {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <fstream>
 
+#include "base/folders.h"
 #include "base/text.h"
 #include "cli/arguments.h"
 #include "cli/choice.h"
@@ -27,12 +28,23 @@ std::string FormatNames() {
   return names;
 }
 
+// The failure of a scratch file, in words about standard output, which it is for.
+Status ForStandardOutput(const Status& status, const ScratchPath& scratch) {
+  const bool of_folder = !scratch.status().ok();
+  if (!of_folder && status.what != PathText(scratch.path())) return status;
+  const std::u16string folder = PathText(TempFolder());
+  return Status::Error(status.failure, u"standard output",
+                       (of_folder ? u"goes through the temporary folder (TMPDIR), "
+                                  : u"its copy in the temporary folder (TMPDIR), ") +
+                           folder + u": " + status.why);
+}
+
 // Nothing is printed before the whole output stands in a scratch file.
 bool WriteToStandardOutput(const Format& format, const WriteFormat& write) {
   const ScratchPath scratch(format.extension);
   const Status status = scratch.status().ok() ? write(format, scratch.path()) : scratch.status();
   if (!status.ok()) {
-    ReportError(status);
+    ReportError(ForStandardOutput(status, scratch));
     return false;
   }
   std::ifstream file(PathToOpen(scratch.ReadPath()), std::ios::binary);
@@ -42,7 +54,7 @@ bool WriteToStandardOutput(const Format& format, const WriteFormat& write) {
     if (!Print({chunk.data(), static_cast<size_t>(file.gcount())})) return false;
   }
   if (!file.eof()) {
-    ReportError(PathBytes(scratch.path()), "cannot be read");
+    ReportError("standard output", "its copy in the temporary folder cannot be read");
     return false;
   }
   return FinishPrinting();

@@ -23,10 +23,14 @@ ExitStatus PageCommand::Run() {
   const Status status = WriteFolderPages(PathArgument(folder_), &written);
   bool printed = true;
   for (const std::filesystem::path& page : written) {
-    printed &= Print(PathBytes(page) + "\n");
+    printed &= Print(ShownAnswer(PathBytes(page)) + "\n");
   }
   if (!status.ok()) ReportError(status);
-  return FinishPrinting() && printed && status.ok() ? kDone : kFailed;
+  printed = FinishPrinting() && printed;
+  if (!printed)
+    ReportError("page",
+                "the pages that were written are whole; only their names could not be printed");
+  return printed && status.ok() ? kDone : kFailed;
 }
 
 }  // namespace kerno

@@ -1,5 +1,6 @@
 #include "cli/series_messages.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "platform/console.h"
@@ -11,6 +12,29 @@ constexpr size_t kMostWarnings = 100;
 using Clock = std::chrono::steady_clock;
 
 }  // namespace
+
+void RowNumbers::Add(uint64_t row) {
+  constexpr size_t kMostRanges = 40;
+  if (!ranges_.empty() && row <= ranges_.back().second + 1 && left_out_ == 0) {
+    ranges_.back().second = std::max(ranges_.back().second, row);
+  } else if (ranges_.size() < kMostRanges) {
+    ranges_.emplace_back(row, row);
+  } else if (row != last_left_out_) {
+    last_left_out_ = row;
+    ++left_out_;
+  }
+}
+
+std::string RowNumbers::Text() const {
+  const bool is_one = ranges_.size() == 1 && ranges_[0].first == ranges_[0].second;
+  std::string text = is_one ? "row" : "rows";
+  for (const auto& [first, last] : ranges_) {
+    text += (&first == &ranges_[0].first ? " " : ", ") + std::to_string(first);
+    if (last > first) text += "-" + std::to_string(last);
+  }
+  if (left_out_ > 0) text += " and " + std::to_string(left_out_) + " more";
+  return text;
+}
 
 SeriesMessages::SeriesMessages(bool quiet, uint64_t rows)
     : shows_progress_(!quiet && IsErrorTerminal()),
@@ -29,10 +53,25 @@ void SeriesMessages::Show(uint64_t row, const std::vector<Message>& messages) {
       continue;
     }
     std::string warning = message.what + ": " + message.why;
-    if (told_.size() < kMostWarnings && told_.insert(std::move(warning)).second) {
-      ReportWarning(what, message.why);
+    if (const auto known = told_.find(warning); known != told_.end()) {
+      known->second.Add(row);
+    } else if (told_.size() == kMostWarnings) {
+      others_.Add(row);
     } else {
-      ++untold_;
+      order_.push_back(&told_.try_emplace(std::move(warning)).first->first);
+      ReportWarning(what, message.why);
+    }
+  }
+}
+
+void SeriesMessages::Show(const std::vector<Message>& messages) {
+  if (messages.empty()) return;
+  ClearLine();
+  for (const Message& message : messages) {
+    if (message.is_warning) {
+      ReportWarning(message.what, message.why);
+    } else {
+      ReportError(message.what, message.why);
     }
   }
 }
@@ -60,10 +99,11 @@ void SeriesMessages::ClearLine() {
 
 void SeriesMessages::Finish() {
   ClearLine();
-  if (untold_ == 0) return;
-  const bool is_one = untold_ == 1;
-  ReportWarning("rows", std::to_string(untold_) + (is_one ? " more warning is like these"
-                                                          : " more warnings are like these"));
+  for (const std::string* warning : order_) {
+    const RowNumbers& rows = told_.at(*warning);
+    if (!rows.IsEmpty()) ReportWarning(rows.Text(), *warning);
+  }
+  if (!others_.IsEmpty()) ReportWarning(others_.Text(), "other warnings, not told one by one");
 }
 
 }  // namespace kerno

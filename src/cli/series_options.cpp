@@ -89,6 +89,10 @@ bool SeriesOptions::IsWanted() const {
   return app_->count("--data") + app_->count("--lines") + app_->count("--count") > 0;
 }
 
+bool SeriesOptions::UsesStandardInput() const {
+  return data_ == "-" || lines_ == "-";
+}
+
 bool SeriesOptions::HasLines() const {
   return app_->count("--lines") > 0;
 }
@@ -161,6 +165,19 @@ bool SeriesOptions::ReadRange(SeriesSettings* settings) const {
   return false;
 }
 
+// A table of failed rows in place of the list would lose all other rows.
+bool SeriesOptions::ReadFailed(SeriesSettings* settings) const {
+  if (app_->count("--failed") == 0) return true;
+  if (!IsFileName("--failed", failed_)) return false;
+  settings->failed = failed_;
+  if (settings->list.kind == RowList::Kind::kCount) return true;
+  std::error_code error;
+  const bool is_list = std::filesystem::equivalent(PathToOpen(PathArgument(failed_)),
+                                                   PathToOpen(settings->list.file), error);
+  if (is_list) ReportError("--failed", "\"" + failed_ + "\" is the list itself");
+  return !is_list;
+}
+
 // The list is read twice: what comes through a pipe goes to a file first.
 bool SeriesOptions::KeepInput(RowList* list) {
   if (list->kind == RowList::Kind::kCount) return true;
@@ -173,6 +190,7 @@ bool SeriesOptions::KeepInput(RowList* list) {
                         [&](FileReplacement* out) { return CopyInput(*list, is_standard, out); })
           : kept_->status();
   if (!kept.ok()) ReportError(kept);
+  list->name = is_standard ? u"standard input" : PathText(list->file);
   list->file = kept_->ReadPath();
   return kept.ok();
 }
@@ -199,8 +217,7 @@ std::optional<SeriesSettings> SeriesOptions::Read(const TextSource& text, ExitSt
   settings.existing = replace_  ? ExistingFiles::kReplace
                       : resume_ ? ExistingFiles::kResume
                                 : ExistingFiles::kKeep;
-  if (app_->count("--failed") > 0 && !IsFileName("--failed", failed_)) return std::nullopt;
-  settings.failed = failed_;
+  if (!ReadFailed(&settings)) return std::nullopt;
   *status = kFailed;
   if (!KeepInput(&settings.list)) return std::nullopt;
   *status = kDone;

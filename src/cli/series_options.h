@@ -31,6 +31,7 @@ class SeriesOptions {
   // Whether there are rows at all. False, with a report, for options that need them.
   bool AreUsable() const;
   bool IsWanted() const;
+  bool UsesStandardInput() const;
   // Whether they are lines of a file.
   bool HasLines() const;
 
@@ -41,6 +42,7 @@ class SeriesOptions {
  private:
   bool ReadList(const TextSource& text, RowList* list) const;
   bool ReadRange(SeriesSettings* settings) const;
+  bool ReadFailed(SeriesSettings* settings) const;
   bool KeepInput(RowList* list);
 
   CLI::App* app_ = nullptr;

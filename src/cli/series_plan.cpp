@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/output_name.h"
 #include "app/series_names.h"
 #include "base/text.h"
 #include "cli/console.h"
@@ -12,6 +13,22 @@ namespace {
 bool IsOk(const Status& status) {
   if (!status.ok()) ReportError(status);
   return status.ok();
+}
+
+// A value that is right whatever the others are: the default where it is one.
+std::string SampleOf(std::string_view option) {
+  constexpr std::pair<std::string_view, const char*> kSamples[] = {
+      {"--font-file", "sample"}, {"--fallback", "sample"}, {"--stroke-font", "sample"},
+      {"--language", "en"},      {"--cap-height", "10mm"}, {"--em", "10mm"},
+      {"--fit", "10x10mm"}};
+  for (const auto& [name, sample] : kSamples) {
+    if (name == option) return sample;
+  }
+  std::string sample;
+  CutOptions().ForEachText([&](const char* name, std::string* value) {
+    if (name == option) sample = *value;
+  });
+  return sample;
 }
 
 }  // namespace
@@ -36,7 +53,7 @@ bool SeriesPlan::Read(const CutOptions& options, std::string_view text, Escapes 
     if (is_read && has_brace) {
       is_read = IsOk(
           RowTemplate::Read(*value, columns, Escapes::kNone, Utf8ToUtf16Lossy(option), &filled));
-      values_.emplace_back(place, std::move(filled));
+      values_.push_back({place, option, std::move(filled)});
     }
     ++place;
   });
@@ -46,7 +63,7 @@ bool SeriesPlan::Read(const CutOptions& options, std::string_view text, Escapes 
 template <class Visit>
 bool SeriesPlan::Any(const Visit& visit) const {
   return visit(text_) || std::ranges::any_of(names_, visit) ||
-         std::ranges::any_of(values_, [&](const auto& value) { return visit(value.second); });
+         std::ranges::any_of(values_, [&](const Value& value) { return visit(value.text); });
 }
 
 bool SeriesPlan::NamesUseSheet() const {
@@ -59,7 +76,7 @@ bool SeriesPlan::NamesUseRows() const {
 
 bool SeriesPlan::TextsUseSheet() const {
   return text_.UsesSheet() ||
-         std::ranges::any_of(values_, [](const auto& value) { return value.second.UsesSheet(); });
+         std::ranges::any_of(values_, [](const Value& value) { return value.text.UsesSheet(); });
 }
 
 std::vector<std::string> SeriesPlan::NumbersUsed() const {
@@ -86,13 +103,53 @@ bool SeriesPlan::FillNames(const RowValues& values, std::vector<std::string>* na
   return true;
 }
 
+void SeriesPlan::FillSamples(CutOptions* options) const {
+  size_t place = 0;
+  auto next = values_.begin();
+  options->ForEachText([&](const char* option, std::string* value) {
+    if (next != values_.end() && next->place == place) {
+      *value = SampleOf(option);
+      ++next;
+    }
+    ++place;
+  });
+}
+
+bool SeriesPlan::FacesVary() const {
+  constexpr std::string_view kOfFaces[] = {"--face",       "--style",    "--font-file",
+                                           "--variation",  "--features", "--fallback",
+                                           "--stroke-font"};
+  return std::ranges::any_of(values_, [&](const Value& value) {
+    return std::ranges::find(kOfFaces, value.option) != std::end(kOfFaces);
+  });
+}
+
+bool SeriesPlan::NamesDifferByNumber(uint64_t last) const {
+  SeriesRow row;
+  row.number = last;  // the longest
+  std::vector<std::u16string> extensions;
+  for (const RowTemplate& name : names_) {
+    std::string filled;
+    if (!(name.UsesNumber("row") || name.UsesNumber("n"))) return false;
+    if (!name.FillName({.row = &row}, &filled).ok()) return false;
+    // Levels that leave others, or that are shortened, may leave the number out.
+    if (filled.size() > kLongestName || filled.find("..") != filled.npos) return false;
+    std::u16string extension = AsciiLower(Extension(Utf8ToUtf16Lossy(filled)));
+    if (extension.empty() || std::ranges::find(extensions, extension) != extensions.end()) {
+      return names_.size() == 1;
+    }
+    extensions.push_back(std::move(extension));
+  }
+  return true;
+}
+
 bool SeriesPlan::FillOptions(const RowValues& values, CutOptions* options) const {
   size_t place = 0;
   auto next = values_.begin();
   bool is_filled = true;
   options->ForEachText([&](const char*, std::string* value) {
-    if (next != values_.end() && next->first == place) {
-      is_filled = is_filled && IsOk(next->second.Fill(values, value));
+    if (next != values_.end() && next->place == place) {
+      is_filled = is_filled && IsOk(next->text.Fill(values, value));
       ++next;
     }
     ++place;

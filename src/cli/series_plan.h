@@ -32,14 +32,29 @@ class SeriesPlan {
   bool FillNames(const RowValues& values, std::vector<std::string>* names) const;
   bool FillOptions(const RowValues& values, CutOptions* options) const;
 
+  // Puts values that are right for any drawing in place of those with fields, so that the others
+  // can be checked before any row.
+  void FillSamples(CutOptions* options) const;
+  // Whether rows choose their faces.
+  bool FacesVary() const;
+
+  // Whether names of files differ by the number of their row, so that no two rows of numbers alone
+  // write one file.
+  bool NamesDifferByNumber(uint64_t last) const;
+
  private:
   template <class Visit>
   bool Any(const Visit& visit) const;
 
   RowTemplate text_;
   std::vector<RowTemplate> names_;  // of each output
-  // Values with fields, by their places in CutOptions::ForEachText.
-  std::vector<std::pair<size_t, RowTemplate>> values_;
+  // A value with fields, by its place in CutOptions::ForEachText.
+  struct Value {
+    size_t place;
+    std::string option;
+    RowTemplate text;
+  };
+  std::vector<Value> values_;
 };
 
 }  // namespace kerno

@@ -1,6 +1,7 @@
 #include "cli/series_run.h"
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <new>
 #include <utility>
@@ -25,10 +26,28 @@ std::string RowText(uint64_t row) {
   return std::to_string(row);
 }
 
+std::string FirstError(const std::vector<Message>& messages) {
+  const auto error = std::ranges::find(messages, false, &Message::is_warning);
+  if (error == messages.end()) return {};
+  return error->what.empty() ? error->why : error->what + ": " + error->why;
+}
+
 void ReportKept(const std::string& first, uint64_t count) {
   ReportError(first, std::string("files that are there are kept") +
                          (count > 1 ? ", as in " + RowText(count - 1) + " more" : "") +
                          " (--replace writes them again, --resume takes them for done)");
+}
+
+// "12 sheets (3 done before, 1 failed)"
+std::string SheetsText(const SheetFiles::Counts& counts) {
+  std::string parts;
+  for (const auto& [count, what] :
+       {std::pair(counts.done, " done before"), std::pair(counts.kept, " kept"),
+        std::pair(counts.failed, " failed")}) {
+    if (count > 0) parts += (parts.empty() ? " (" : ", ") + RowText(count) + what;
+  }
+  return RowText(counts.sheets) + (counts.sheets == 1 ? " sheet" : " sheets") + parts +
+         (parts.empty() ? "" : ")");
 }
 
 void ReportClash(const NameClash& clash) {
@@ -56,9 +75,28 @@ bool SeriesRun::EachRow(const std::function<bool(const SeriesRow&)>& visit) {
   return status.ok();
 }
 
+// Leaves out rows of numbers alone that are not wanted, where they cannot matter: their files are
+// not those of other rows. False where they may be.
+bool SeriesRun::SkipCountedRows() {
+  RowList& list = settings_.list;
+  if (list.kind != RowList::Kind::kCount) return false;
+  const bool differ = sheets_ || plan_.NamesDifferByNumber(list.count);
+  if (!differ) return false;
+  list.first = settings_.first;
+  list.count = std::min(list.count, settings_.last);
+  return RowSource::Open(list, &rows_).ok();
+}
+
 // No two rows may write one file. All rows of the list are looked at, for those that are not wanted
 // now may be another machine's.
 bool SeriesRun::NamesAreGood() {
+  const bool differ = SkipCountedRows();
+  const bool cleans = !sheets_ && settings_.existing == ExistingFiles::kResume;
+  if (differ && !cleans && settings_.list.kind == RowList::Kind::kCount) {
+    const RowList& list = settings_.list;
+    counts_.rows = list.count < list.first ? 0 : list.count - list.first + 1;
+    return true;
+  }
   SeriesNames names;
   LeftoverRemover leftovers;
   std::vector<std::string> filled;
@@ -71,8 +109,8 @@ bool SeriesRun::NamesAreGood() {
     const HeldMessages held(&unshown);
     if (!row.fault.empty() || !plan_.FillNames({&row}, &filled)) return true;
     for (const std::string& name : filled) {
-      names.Note(PlainName(name));
-      if (is_wanted && settings_.existing == ExistingFiles::kResume) {
+      if (!differ) names.Note(PlainName(name));
+      if (is_wanted && cleans) {
         leftovers.CleanFor(PathArgument(name));
       }
     }
@@ -101,26 +139,61 @@ ExitStatus SeriesRun::Prepare(std::string_view text, Escapes escapes) {
   if (!plan_.Read(options_, text, escapes, rows_->columns())) return kWrongUsage;
   if (sheet_options_) {
     sheets_.emplace(*sheet_options_, options_.outputs(), plan_, settings_.existing);
+    const std::vector<std::string>& columns = rows_->columns();
+    if (plan_.NamesUseRows() && std::ranges::find(columns, "sheet") != columns.end()) {
+      ReportError("{sheet}", "is a column of the list, not the number of the sheet: rename it");
+      return kWrongUsage;
+    }
     if (!sheets_->Check()) return kWrongUsage;
+    const auto column = std::ranges::find(columns, "row");
+    if (column != columns.end()) mark_column_ = static_cast<size_t>(column - columns.begin());
   } else if (plan_.NamesUseSheet() || plan_.TextsUseSheet()) {
     ReportError("{sheet}", "is known only where rows go on sheets (--sheet)");
     return kWrongUsage;
   }
-  if (!plan_.OptionsVary()) {
-    if (!options_.ReadJob()) return kWrongUsage;
-    if (const Status opened = CutWorkshop().Open(options_.job()); !opened.ok()) {
-      ReportError(opened);
-      return opened.failure == Failure::kNotFound ? kFaceTrouble : kFailed;
-    }
-  }
+  if (const ExitStatus checked = CheckOptions(); checked != kDone) return checked;
   if (!NamesAreGood()) return kFailed;
   if (settings_.failed.empty()) return kDone;
-  failed_ = std::make_unique<FailedRows>(rows_.get(), plan_.NumbersUsed());
+  failed_ = std::make_unique<FailedRows>(rows_.get(), NumbersUsed());
   if (const Status opened = failed_->Open(PathArgument(settings_.failed)); !opened.ok()) {
     ReportError(opened);
     return kFailed;
   }
   return kDone;
+}
+
+// What rows have no part in is wrong once, not in every row.
+ExitStatus SeriesRun::CheckOptions() {
+  std::vector<Message> told;
+  CutOptions sample = options_;
+  CutOptions& checked = plan_.OptionsVary() ? sample : options_;
+  bool is_read = false;
+  {
+    const HeldMessages held(&told);
+    plan_.FillSamples(&sample);
+    is_read = checked.ReadJob();
+  }
+  for (const Message& message : told) {
+    if (!message.is_warning) {
+      ReportError(message.what, message.why);
+    } else if (!plan_.OptionsVary()) {
+      ReportWarning(message.what, message.why);
+    }
+  }
+  if (!is_read) return kWrongUsage;
+  if (plan_.FacesVary()) return kDone;
+  const Status opened = CutWorkshop().Open(checked.job());
+  if (opened.ok()) return kDone;
+  ReportError(opened);
+  return opened.failure == Failure::kNotFound ? kFaceTrouble : kFailed;
+}
+
+// The columns that tables of failed rows need beside those of the list.
+std::vector<std::string> SeriesRun::NumbersUsed() const {
+  std::vector<std::string> used = plan_.NumbersUsed();
+  const bool is_marked = sheets_ && sheets_->HasNumbers() && !mark_column_;
+  if (is_marked && std::ranges::find(used, "row") == used.end()) used.insert(used.begin(), "row");
+  return used;
 }
 
 bool SeriesRun::Take(Slot* slot) {
@@ -135,6 +208,8 @@ void SeriesRun::Work(Slot* slot, Worker* worker) {
   slot->files.clear();
   slot->messages.clear();
   slot->json.clear();
+  slot->why.clear();
+  slot->is_open = false;
   slot->outcome = Outcome::kNotTried;
   if (stops_) return;
   const HeldMessages held(&slot->messages);
@@ -155,13 +230,15 @@ SeriesRun::Outcome SeriesRun::MakeRow(Slot* slot, Worker* worker) {
   }
   if (sheets_) return MakeSign(slot, worker);
   if (!plan_.FillNames({&slot->row}, &slot->names)) return Outcome::kFailed;
-  const bool keeps = settings_.existing != ExistingFiles::kReplace;
-  const auto stays = [&](const std::string& name) {
-    return keeps && FactsOfPath(PathArgument(name)).kind != PathKind::kMissing;
-  };
   slot->wanted.clear();
   for (size_t i = 0; i < slot->names.size(); ++i) {
-    if (!stays(slot->names[i])) slot->wanted.push_back(i);
+    bool stays = false;
+    const Status found = FindStanding(PathArgument(slot->names[i]), settings_.existing, &stays);
+    if (!found.ok()) {
+      ReportError(found);
+      return Outcome::kFailed;
+    }
+    if (!stays) slot->wanted.push_back(i);
   }
   const bool is_whole = slot->wanted.size() == slot->names.size();
   const Outcome standing =
@@ -183,7 +260,7 @@ SeriesRun::Outcome SeriesRun::MakeSign(Slot* slot, Worker* worker) const {
   CutDrawing made;
   if (!MakeDrawing(slot->row, worker, &made)) return Outcome::kFailed;
   const CutOptions& options = worker->maker.options();
-  slot->style = {options.style(), options.job().tolerance};
+  slot->style = {options.style(), options.job().tolerance, options.job().curves};
   if (manner_.json) slot->json = JsonOf(made, {});
   slot->sign = std::move(made.drawing);
   return Outcome::kMade;
@@ -209,36 +286,108 @@ bool SeriesRun::WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker) {
   return true;
 }
 
+// The number that a sign bears: a list may have its own in a column "row", as tables of failed rows
+// do.
+int64_t SeriesRun::MarkOf(const SeriesRow& row) const {
+  const auto number = static_cast<int64_t>(row.number);
+  if (!mark_column_) return number;
+  const std::string& field = row.fields[*mark_column_];
+  int64_t mark = 0;
+  const auto read = std::from_chars(field.data(), field.data() + field.size(), mark);
+  const bool is_whole = read.ec == std::errc() && read.ptr == field.data() + field.size();
+  return is_whole && mark >= 0 ? mark : number;
+}
+
+// What it says depends on the rows before it alone, however many are at work.
 void SeriesRun::PutOnSheet(Slot* slot) {
-  if (slot->outcome != Outcome::kMade) return;
-  const HeldMessages held(&slot->messages);
-  if (!sheets_->Add(slot->sign, slot->style, slot->row.number)) slot->outcome = Outcome::kFailed;
-  if (sheets_->counts().failed) stops_ = true;
+  if (sheets_->HasEnded()) {
+    slot->outcome = Outcome::kMade;
+    slot->messages.clear();
+    slot->is_open = true;
+  } else if (slot->outcome == Outcome::kMade) {
+    const HeldMessages held(&slot->messages);
+    slot->is_open =
+        sheets_->Add(std::move(slot->sign), slot->style, slot->row.number, MarkOf(slot->row));
+    if (!slot->is_open) slot->outcome = Outcome::kFailed;
+  }
+  messages_->Show(sheets_->TakeMessages());
+  messages_->Show(slot->row.number, slot->messages);
+  if (slot->outcome == Outcome::kFailed) slot->why = FirstError(slot->messages);
+  slot->messages.clear();
+  slot->row.fields = {};
+  if (!failed_) slot->row.raw = {};
+  open_.push_back(std::move(static_cast<Result&>(*slot)));
+  CloseRows();
+  if (sheets_->HasEnded()) stops_ = true;
+}
+
+// Tells of the rows up to the first one whose sheets are not all finished.
+void SeriesRun::CloseRows() {
+  const std::vector<RowEnd> ends = sheets_->TakeEnds();
+  auto next = ends.begin();
+  for (; !open_.empty(); open_.pop_front()) {
+    Result& row = open_.front();
+    if (row.is_open && next != ends.end()) {
+      constexpr Outcome kOutcomes[] = {Outcome::kDone, Outcome::kMade, Outcome::kKept,
+                                       Outcome::kFailed};
+      row.outcome = kOutcomes[static_cast<size_t>(next->end)];
+      row.why = next++->why;
+    } else if (row.is_open && sheets_->HasEnded()) {
+      row.outcome = sheets_->IsOverfull() ? Outcome::kFailed : Outcome::kNotTried;
+      if (sheets_->IsOverfull()) row.why = SheetFiles::OverfullReason();
+    } else if (row.is_open) {
+      return;
+    }
+    Tell(row);
+  }
 }
 
 // Writes the last sheet. False when not all sheets stand as they were wanted.
 bool SeriesRun::FinishSheets() {
   if (!sheets_) return true;
   sheets_->Finish();
+  messages_->Show(sheets_->TakeMessages());
+  CloseRows();
   const SheetFiles::Counts& counts = sheets_->counts();
   counts_.files = counts.files;
   counts_.bytes = counts.bytes;
-  if (counts.kept > 0) ReportKept(counts.first_kept, counts.kept);
+  if (counts.kept_files > 0) ReportKept(counts.first_kept, counts.kept_files);
   if (manner_.json) all_printed_ &= Print(sheets_->TakeJson());
-  return !counts.failed && counts.kept == 0;
+  return counts.failed + counts.kept == 0;
 }
 
-// Counts and tells, in the order of the rows.
+// In the order of the rows.
 void SeriesRun::Give(Slot* slot) {
-  if (sheets_) PutOnSheet(slot);
+  ++counts_.given;
+  if (sheets_) {
+    PutOnSheet(slot);
+  } else {
+    messages_->Show(slot->row.number, slot->messages);
+    if (slot->outcome == Outcome::kFailed) slot->why = FirstError(slot->messages);
+    Tell(*slot);
+  }
+  messages_->ShowProgress(counts_.given - counts_.not_tried, counts_.failed);
+}
+
+bool SeriesRun::ListFailed(const SeriesRow& row) {
+  if (!failed_) return true;
+  const Status added = failed_->Add(row);
+  if (added.ok()) return true;
+  ReportError(added);
+  failed_.reset();
+  return false;
+}
+
+// Counts and prints what became of a row.
+void SeriesRun::Tell(const Result& result) {
   const char* outcome = "made";
-  switch (slot->outcome) {
+  switch (result.outcome) {
     case Outcome::kMade:
       ++counts_.made;
       break;
     case Outcome::kKept:
       outcome = "kept";
-      if (++counts_.kept == 1) counts_.first_kept = "row " + RowText(slot->row.number);
+      if (++counts_.kept == 1) counts_.first_kept = "row " + RowText(result.row.number);
       break;
     case Outcome::kDone:
       outcome = "done";
@@ -253,33 +402,27 @@ void SeriesRun::Give(Slot* slot) {
       ++counts_.not_tried;
       break;
   }
-  messages_->Show(slot->row.number, slot->messages);
-  const bool is_lost = slot->outcome == Outcome::kFailed || slot->outcome == Outcome::kNotTried;
-  if (is_lost && failed_) {
-    if (const Status added = failed_->Add(slot->row); !added.ok()) {
-      ReportError(added);
-      failed_.reset();
-      all_printed_ = false;
-    }
-  }
-  for (const WrittenFile& file : slot->files) {
+  const bool is_failed = result.outcome == Outcome::kFailed;
+  const bool is_lost = is_failed || result.outcome == Outcome::kNotTried;
+  if (is_lost) all_printed_ &= ListFailed(result.row);
+  for (const WrittenFile& file : result.files) {
     ++counts_.files;
     counts_.bytes += file.bytes;
   }
-  if (manner_.json) {
-    std::string line =
-        "{\"row\": " + RowText(slot->row.number) + ", \"outcome\": \"" + outcome + "\"";
-    line += slot->json.empty() ? "}\n" : ", " + slot->json.substr(1);
-    all_printed_ &= Print(line);
+  if (!manner_.json) return;
+  std::string line =
+      "{\"row\": " + RowText(result.row.number) + ", \"outcome\": \"" + outcome + "\"";
+  if (is_failed) {
+    line += ", \"error\": ";
+    AppendJsonString(&line, Utf8ToUtf16Lossy(result.why));
   }
-  messages_->ShowProgress(counts_.made + counts_.kept + counts_.done + counts_.failed,
-                          counts_.failed);
+  line += is_lost || result.json.empty() ? "}\n" : ", " + result.json.substr(1);
+  all_printed_ &= Print(line);
 }
 
 bool SeriesRun::FinishFailed() {
   if (!failed_) return true;
   Status status = failed_->Finish();
-  rows_.reset();  // the list may be the file itself
   if (status.ok()) status = failed_->Commit();
   if (!status.ok()) ReportError(status);
   if (const uint64_t lost = failed_->left_out(); lost > 0) {
@@ -298,7 +441,7 @@ bool SeriesRun::PrintSummary() const {
       RowText(counts_.rows) + (counts_.rows == 1 ? " row: " : " rows: ") + RowText(counts_.made) +
       " made" + part(counts_.done, " done before") + part(counts_.kept, " kept") +
       part(counts_.failed, " failed") + part(counts_.not_tried, " not tried") +
-      (sheets_ ? part(sheets_->counts().sheets, " sheets") : "") + ", " + RowText(counts_.files) +
+      (sheets_ ? ", " + SheetsText(sheets_->counts()) : "") + ", " + RowText(counts_.files) +
       (counts_.files == 1 ? " file, " : " files, ") + RowText(counts_.bytes) + " bytes");
 }
 
@@ -315,14 +458,14 @@ ExitStatus SeriesRun::Run(std::string_view text, Escapes escapes) {
        .work = [&](size_t slot, size_t worker) { Work(&slots[slot], workers[worker].get()); },
        .give = [&](size_t slot) { Give(&slots[slot]); }},
       settings_.jobs);
+  const bool sheets_stand = FinishSheets();
   messages_->Finish();
   if (!list_status_.ok()) ReportError(list_status_);
   if (counts_.not_tried > 0) {
     ReportError("series", "stops, for files cannot be written: " + RowText(counts_.not_tried) +
                               " rows are not tried (--resume goes on)");
   }
-  const bool sheets_stand = FinishSheets();
-  if (counts_.kept > 0) ReportKept(counts_.first_kept, counts_.kept);
+  if (counts_.kept > 0 && !sheets_) ReportKept(counts_.first_kept, counts_.kept);
   const bool is_told = FinishFailed() && PrintSummary();
   const bool is_flushed = FinishPrinting() && all_printed_;
   const bool all_made = counts_.failed + counts_.kept + counts_.not_tried == 0;

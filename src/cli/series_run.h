@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -46,16 +47,21 @@ class SeriesRun {
     kFailed,    // by what its messages say
     kNotTried,  // the disk was full before
   };
-  // A row on its way.
-  struct Slot {
+  // What is told of a row.
+  struct Result {
     SeriesRow row;
     Outcome outcome = Outcome::kMade;
-    std::vector<std::string> names;  // of its files, for each output
-    std::vector<size_t> wanted;      // the outputs that are to be written
     std::vector<WrittenFile> files;  // those written
     std::vector<Message> messages;
-    std::string json;
-    Drawing sign;  // for a sheet
+    std::string json;      // of what was made
+    std::string why;       // it failed
+    bool is_open = false;  // until its sheets are written
+  };
+  // A row on its way.
+  struct Slot : Result {
+    std::vector<std::string> names;  // of its files, for each output
+    std::vector<size_t> wanted;      // the outputs that are to be written
+    Drawing sign;                    // for a sheet
     SheetStyle style;
   };
   // What a thread keeps from row to row.
@@ -65,13 +71,16 @@ class SeriesRun {
     FolderMaker folders;
   };
   struct Counts {
-    uint64_t rows = 0, made = 0, kept = 0, done = 0, failed = 0, not_tried = 0;
+    uint64_t rows = 0, given = 0, made = 0, kept = 0, done = 0, failed = 0, not_tried = 0;
     uint64_t files = 0, bytes = 0;
     std::string first_kept;  // the first file of a kept row
   };
 
   ExitStatus Prepare(std::string_view text, Escapes escapes);
+  ExitStatus CheckOptions();
+  bool SkipCountedRows();
   bool NamesAreGood();
+  std::vector<std::string> NumbersUsed() const;
   bool EachRow(const std::function<bool(const SeriesRow&)>& visit);
 
   bool Take(Slot* slot);
@@ -82,7 +91,11 @@ class SeriesRun {
   bool WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker);
   void Give(Slot* slot);
   void PutOnSheet(Slot* slot);
+  int64_t MarkOf(const SeriesRow& row) const;
+  void CloseRows();
   bool FinishSheets();
+  void Tell(const Result& result);
+  bool ListFailed(const SeriesRow& row);
   bool FinishFailed();
   bool PrintSummary() const;
 
@@ -98,6 +111,8 @@ class SeriesRun {
   std::unique_ptr<FailedRows> failed_;
   SheetOptionGroup* sheet_options_ = nullptr;
   std::optional<SheetFiles> sheets_;
+  std::optional<size_t> mark_column_;  // whose numbers signs bear
+  std::deque<Result> open_;            // from the first row that is open
   std::atomic<bool> stops_ = false;
   bool all_printed_ = true;
   Counts counts_;

@@ -85,6 +85,19 @@ ExitStatus PrintAll(const std::string& text) {
   return Print(text) && FinishPrinting() ? kDone : kFailed;
 }
 
+// What the settings answer, which are those that could be read; the store told of others.
+ExitStatus PrintAnswer(const std::string& text, const IniStore& store) {
+  const ExitStatus printed = PrintAll(text);
+  return store.reading().ok() ? printed : kFailed;
+}
+
+// What was told when the settings were read is not told again.
+ExitStatus EndOfWriting(const Status& written) {
+  if (written.ok()) return kDone;
+  SettingsProcess::Current().TellOnce(written.what + u": " + written.why);
+  return kFailed;
+}
+
 }  // namespace
 
 void SettingsCommand::AddOptions(CLI::App& app) {
@@ -131,7 +144,7 @@ ExitStatus SettingsCommand::PrintPath() {
     return kFailed;
   }
   const bool missing = FactsOfPath(TextPath(store.profile_path())).kind == PathKind::kMissing;
-  std::string text = Utf16ToUtf8(store.profile_path()) + "\n";
+  std::string text = ShownAnswer(Utf16ToUtf8(store.profile_path())) + "\n";
   text += store.displaced()
               ? "the folder of the settings cannot be written; this is the temporary one"
               : ReasonText(SettingsProcess::Current().Base().reason);
@@ -146,10 +159,11 @@ ExitStatus SettingsCommand::List() {
     const SettingText known = Describe(row);
     text += Utf16ToUtf8(known.section) + "\t" + Utf16ToUtf8(known.key) + "\t";
     text.append(known.type).append("\t");
-    text += Utf16ToUtf8(known.default_value) + "\t" + Utf16ToUtf8(ValueText(row, store)) + "\t";
+    text += Utf16ToUtf8(known.default_value) + "\t";
+    text += ShownAnswer(Utf16ToUtf8(ValueText(row, store))) + "\t";
     text.append(known.meaning).append("\n");
   }
-  return PrintAll(text);
+  return PrintAnswer(text, store);
 }
 
 ExitStatus SettingsCommand::Get() {
@@ -157,14 +171,15 @@ ExitStatus SettingsCommand::Get() {
   if (!ReadNames(&section, &key)) return kWrongUsage;
   IniStore store(kStoreName);
   if (const Setting* const known = FindSetting(section, key)) {
-    return PrintAll(Utf16ToUtf8(ValueText(*known, store)) + "\n");
+    return PrintAnswer(ShownAnswer(Utf16ToUtf8(ValueText(*known, store))) + "\n", store);
   }
   const std::optional<std::u16string> value = store.FindStr(section, key);
+  if (!value && !store.reading().ok()) return kFailed;
   if (!value) {
     ReportError(section_ + "/" + key_, "it is not set, and Kerno knows no default");
     return kFailed;
   }
-  return PrintAll(Utf16ToUtf8(*value) + "\n");
+  return PrintAnswer(ShownAnswer(Utf16ToUtf8(*value)) + "\n", store);
 }
 
 ExitStatus SettingsCommand::Set() {
@@ -178,20 +193,14 @@ ExitStatus SettingsCommand::Set() {
     return kWrongUsage;
   }
   IniStore store(kStoreName);
-  const Status written = store.WriteStr(section, key, *value);
-  if (written.ok()) return kDone;
-  ReportError(written);
-  return kFailed;
+  return EndOfWriting(store.WriteStr(section, key, *value));
 }
 
 ExitStatus SettingsCommand::Unset() {
   std::u16string section, key;
   if (!ReadNames(&section, &key)) return kWrongUsage;
   IniStore store(kStoreName);
-  const Status removed = store.Remove(section, key);
-  if (removed.ok()) return kDone;
-  ReportError(removed);
-  return kFailed;
+  return EndOfWriting(store.Remove(section, key));
 }
 
 }  // namespace kerno

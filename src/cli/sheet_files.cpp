@@ -15,7 +15,9 @@ namespace kerno {
 
 bool SheetFiles::Check() {
   // The unit scales all lengths alike.
-  if (!group_.Read(LengthUnit::kMillimetre)) return false;
+  const auto options = group_.Read(LengthUnit::kMillimetre);
+  if (!options) return false;
+  has_numbers_ = options->number_height > 0;
   if (plan_.NamesUseRows()) {
     ReportError("-o", "a sheet holds many rows: names of files take {sheet} alone");
     return false;
@@ -36,10 +38,11 @@ bool SheetFiles::Check() {
   return true;
 }
 
-bool SheetFiles::Add(const Drawing& sign, const SheetStyle& style, uint64_t row) {
+bool SheetFiles::Add(Drawing sign, const SheetStyle& style, uint64_t row, int64_t mark) {
   if (!maker_) {
-    const auto options = group_.Read(sign.unit);
+    auto options = group_.Read(sign.unit);
     if (!options) return false;
+    if (style.curves == CurveForm::kLines) options->chords = style.tolerance;
     style_ = style;
     unit_ = sign.unit;
     maker_.emplace(*options, sign.unit,
@@ -49,13 +52,12 @@ bool SheetFiles::Add(const Drawing& sign, const SheetStyle& style, uint64_t row)
     ReportError("--unit", "is another than that of the sheet");
     return false;
   }
-  for (int32_t copy = 0; copy < group_.copies(); ++copy) {
-    if (const Status set = maker_->Add(sign, static_cast<int64_t>(row)); !set.ok()) {
-      ReportError(set);
-      return false;
-    }
-  }
-  return true;
+  open_.push_back({row, {}});
+  const Status set = maker_->Add(std::move(sign), mark, group_.copies());
+  if (set.ok()) return true;
+  open_.pop_back();  // no copy of it was set
+  ReportError(set);
+  return false;
 }
 
 void SheetFiles::Finish() {
@@ -66,63 +68,112 @@ void SheetFiles::Finish() {
                     std::to_string(meet) + " reach into the text of their sign (--number-height)");
     }
   }
-  if (first_) Write(*std::exchange(first_, std::nullopt), 1);
+  if (first_) Write(*std::exchange(first_, std::nullopt), 1, signs_on_first_);
+}
+
+const char* SheetFiles::OverfullReason() {
+  return "the rows fill more than one sheet: name files by {sheet}; nothing is written";
 }
 
 void SheetFiles::Take(const Drawing& sheet, size_t number) {
-  if (counts_.failed) return;
+  if (HasEnded()) return;
   if (plan_.NamesUseSheet()) {
-    Write(sheet, number);
+    Write(sheet, number, maker_->signs_set());
   } else if (number == 1) {
     first_ = sheet;
+    signs_on_first_ = maker_->signs_set();
   } else {
     first_.reset();
-    counts_.failed = true;
-    ReportError("-o",
-                "the rows fill more than one sheet: name files by {sheet}; nothing is written");
+    is_overfull_ = true;
+    messages_.push_back({false, "-o", OverfullReason()});
   }
 }
 
-void SheetFiles::Write(const Drawing& sheet, size_t number) {
-  std::vector<std::string> names;
-  if (!plan_.FillNames({.sheet = number}, &names)) {
-    counts_.failed = true;
-    return;
+// `signs` are those on this sheet and on the ones before it.
+void SheetFiles::Write(const Drawing& sheet, size_t number, uint64_t signs) {
+  Written written;
+  std::vector<Message> told;
+  {
+    const HeldMessages held(&told);
+    WriteFiles(sheet, number, &written);
   }
   ++counts_.sheets;
+  counts_.kept += written.kept ? 1 : 0;
+  counts_.failed += written.failed ? 1 : 0;
+  RowEnd end;
+  if (!written.names.empty()) end.end = SheetEnd::kMade;
+  if (written.kept) end.end = SheetEnd::kKept;
+  if (written.failed) end.end = SheetEnd::kFailed;
+  counts_.done += end.end == SheetEnd::kDone ? 1 : 0;
+  for (Message& message : told) {
+    message.what = "sheet " + std::to_string(number) + ": " + message.what;
+    if (!message.is_warning && end.why.empty()) end.why = message.what + ": " + message.why;
+    if (!message.is_warning) message.why += RowsUpTo(signs);
+    messages_.push_back(std::move(message));
+  }
+  EndRows(signs, end);
   json_ += "{\"sheet\": " + std::to_string(number) + ", \"files\": [";
-  bool is_first = true;
-  for (size_t i = 0; i < names.size(); ++i) {
-    if (!WriteFile(sheet, *outputs_.outputs()[i].format, names[i])) continue;
-    if (!is_first) json_ += ", ";
-    is_first = false;
-    AppendJsonString(&json_, Utf8ToUtf16Lossy(names[i]));
+  for (const std::string& name : written.names) {
+    if (&name != written.names.data()) json_ += ", ";
+    AppendJsonString(&json_, Utf8ToUtf16Lossy(name));
   }
   json_ += "]}\n";
 }
 
-// Whether the file was written now.
-bool SheetFiles::WriteFile(const Drawing& sheet, const Format& format, const std::string& name) {
-  const std::filesystem::path path = PathArgument(name);
-  if (existing_ != ExistingFiles::kReplace && FactsOfPath(path).kind != PathKind::kMissing) {
-    if (existing_ == ExistingFiles::kResume) {
-      ++counts_.done;
-    } else if (++counts_.kept == 1) {
-      counts_.first_kept = name;
-    }
-    return false;
+void SheetFiles::WriteFiles(const Drawing& sheet, size_t number, Written* written) {
+  std::vector<std::string> names;
+  written->failed = !plan_.FillNames({.sheet = number}, &names);
+  for (size_t i = 0; i < names.size() && !is_full_; ++i) {
+    WriteFile(sheet, *outputs_.outputs()[i].format, names[i], written);
   }
-  Status status = folders_.MakeFor(path);
+}
+
+void SheetFiles::WriteFile(const Drawing& sheet, const Format& format, const std::string& name,
+                           Written* written) {
+  const std::filesystem::path path = PathArgument(name);
+  if (existing_ == ExistingFiles::kResume) leftovers_.CleanFor(path);
+  bool stays = false;
+  Status status = FindStanding(path, existing_, &stays);
+  if (stays) {
+    if (existing_ == ExistingFiles::kResume) return;
+    written->kept = true;
+    if (++counts_.kept_files == 1) counts_.first_kept = name;
+    return;
+  }
+  if (status.ok()) status = folders_.MakeFor(path);
   if (status.ok()) status = WriteDrawing(sheet, style_.style, style_.tolerance, format, path);
   if (!status.ok()) {
     ReportError(status);
-    counts_.failed = true;
-    return false;
+    written->failed = true;
+    is_full_ |= status.failure == Failure::kNoSpace;
+    return;
   }
+  written->names.push_back(name);
   ++counts_.files;
   const PathFacts facts = FactsOfPath(path);
   counts_.bytes += facts.kind == PathKind::kFile ? facts.size : 0;
-  return true;
+}
+
+// " (rows 12 to 17)": the rows from the finished sheets on.
+std::string SheetFiles::RowsUpTo(uint64_t signs) const {
+  const auto copies = static_cast<uint64_t>(group_.copies());
+  const uint64_t first = open_[signs_done_ / copies - closed_].number;
+  const uint64_t last = open_[(signs - 1) / copies - closed_].number;
+  if (first == last) return " (row " + std::to_string(first) + ")";
+  return " (rows " + std::to_string(first) + " to " + std::to_string(last) + ")";
+}
+
+void SheetFiles::EndRows(uint64_t signs, const RowEnd& end) {
+  const auto copies = static_cast<uint64_t>(group_.copies());
+  for (uint64_t row = signs_done_ / copies; row <= (signs - 1) / copies; ++row) {
+    RowEnd& known = open_[row - closed_].end;
+    if (end.end > known.end) known = end;
+  }
+  signs_done_ = signs;
+  for (; closed_ < signs / copies; ++closed_) {
+    ends_.push_back(std::move(open_.front().end));
+    open_.pop_front();
+  }
 }
 
 }  // namespace kerno

@@ -67,6 +67,19 @@ std::optional<SheetSize> SheetOptionGroup::ReadSize(const char* option,
 }
 
 std::optional<SheetOptions> SheetOptionGroup::Read(LengthUnit unit) {
+  if (app_->count("--number-height") > 0 && !numbers_) {
+    ReportError("--number-height", "needs --numbers");
+    return std::nullopt;
+  }
+  if (pack_ && app_->count("--frame") > 0) {
+    ReportError("--pack", "goes not with --frame, whose places are alike");
+    return std::nullopt;
+  }
+  for (const char* option : {"--at", "--anchor"}) {
+    if (app_->count(option) == 0) continue;
+    ReportError(option, "goes not with --sheet, which places the signs");
+    return std::nullopt;
+  }
   const double per_unit = unit == LengthUnit::kInch ? kMillimetresPerInch : 1;
   SheetOptions options;
   const auto sheet = ReadSize("--sheet", sheet_);

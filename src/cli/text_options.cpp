@@ -158,7 +158,7 @@ ExitStatus TextOptions::ChooseFace(Job* job) const {
   if (choice.style) job->text.italic = choice.style->italic;
   if (choice.installed || (substitute_ && !choice.unreadable)) return kDone;
   ReportError(Utf16ToUtf8(choice.what), Utf16ToUtf8(choice.why));
-  return choice.unreadable ? kFailed : kFaceTrouble;
+  return choice.unreadable || choice.in_doubt ? kFailed : kFaceTrouble;
 }
 
 // A style by its name, and bold by its number where the family has none.

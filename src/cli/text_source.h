@@ -22,6 +22,7 @@ class TextSource {
   // Whether a text is given at all, and by a file.
   bool IsGiven() const;
   bool IsOfFile() const;
+  bool UsesStandardInput() const { return file_ == "-"; }
 
   // What --encoding tells, nothing where it does not. What is wrong is reported.
   bool ReadCoding(std::optional<TextCoding>* coding) const;

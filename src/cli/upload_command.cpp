@@ -24,7 +24,7 @@ ExitStatus UploadCommand::Run() {
   for (const std::string& file : files_) {
     const UploadResult result = UploadFile(PathArgument(file));
     if (result.ok()) {
-      if (!Print(Utf16ToUtf8(result.message) + "\n")) status = kFailed;
+      if (!Print(ShownAnswer(Utf16ToUtf8(result.message)) + "\n")) status = kFailed;
       continue;
     }
     status = kFailed;

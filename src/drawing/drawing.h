@@ -21,6 +21,8 @@ inline constexpr double kMillimetresPerInch = 25.4;
 struct ShapePath {
   Path path;
   uint32_t depth = 0;
+
+  bool operator==(const ShapePath&) const = default;
 };
 
 // Paths that are cut together, in their order: the outline of a glyph, or of glyphs that were

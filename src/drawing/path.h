@@ -24,6 +24,8 @@ struct Segment {
   // Of an arc: the tangent of a quarter of its angle, above 0 counter-clockwise where y points up;
   // 1 is half a circle.
   double bulge = 0;
+
+  bool operator==(const Segment&) const = default;
 };
 
 // A chain of segments. The last segment of a closed path ends at its start.
@@ -31,6 +33,8 @@ struct Path {
   P2 start;
   std::vector<Segment> segments;
   bool closed = true;
+
+  bool operator==(const Path&) const = default;
 };
 
 }  // namespace kerno

@@ -17,6 +17,7 @@ namespace kerno {
 namespace {
 
 constexpr double kPointsPerInch = 72;
+constexpr double kRounding = 1e-6;      // of lengths in points
 constexpr double kLargestSide = 14400;  // of a page, in its units
 constexpr size_t kBlock = 1 << 16;
 
@@ -53,14 +54,12 @@ std::string TextString(std::u16string_view text) {
 
 class DrawingPdf {
  public:
-  DrawingPdf(const Drawing& drawing, const DrawingStyle& style, double tolerance,
-             FileReplacement* out)
-      : drawing_(drawing),
-        layers_(drawing, style),
+  DrawingPdf(const LayerPaths& paths, double tolerance, FileReplacement* out)
+      : paths_(paths),
         tolerance_(tolerance),
-        decimals_(drawing.unit == LengthUnit::kInch ? 8 : 6),
-        box_(PictureOf(drawing)),
-        offsets_(kFirstLayer + layers_.all().size()),
+        decimals_(paths.unit == LengthUnit::kInch ? 8 : 6),
+        box_(paths.picture),
+        offsets_(kFirstLayer + paths.layers.size()),
         out_(*out) {
     if (!(box_.min.x <= box_.max.x)) box_ = {{0, 0}, {0, 0}};
   }
@@ -71,9 +70,9 @@ class DrawingPdf {
     Begin(kPages);
     Put("<< /Type /Pages /Count 1 /Kids [" + Reference(kPage) + "] >>");
     End();
-    for (size_t i = 0; i < layers_.all().size(); ++i) {
+    for (size_t i = 0; i < paths_.layers.size(); ++i) {
       Begin(kFirstLayer + i);
-      Put("<< /Type /OCG /Name " + TextString(layers_.all()[i].name) + " >>");
+      Put("<< /Type /OCG /Name " + TextString(paths_.layers[i].name) + " >>");
       End();
     }
     Page();
@@ -118,13 +117,14 @@ class DrawingPdf {
   // The path with lines and cubics alone.
   const std::vector<Segment>& Cubics(const Path& path);
 
-  const Drawing& drawing_;
-  DrawingLayers layers_;
+  const LayerPaths& paths_;
   double tolerance_;
   int decimals_;
   Box2 box_;
-  std::vector<size_t> offsets_;                         // of the objects
-  std::map<const Path*, std::vector<Segment>> cubics_;  // of paths, as they are needed
+  std::vector<size_t> offsets_;  // of the objects
+  std::map<const Path*, std::vector<Segment>>
+      cubics_;                       // of paths that are kept, as they are needed
+  std::vector<Segment> cubics_now_;  // of others
   FileReplacement& out_;
   std::string text_;
   size_t written_ = 0;
@@ -134,7 +134,7 @@ class DrawingPdf {
 
 std::string DrawingPdf::LayerReferences() const {
   std::string references = "[";
-  for (size_t i = 0; i < layers_.all().size(); ++i) {
+  for (size_t i = 0; i < paths_.layers.size(); ++i) {
     references += (i > 0 ? " " : "") + Reference(kFirstLayer + i);
   }
   return references + "]";
@@ -149,10 +149,10 @@ void DrawingPdf::Catalog() {
 }
 
 void DrawingPdf::Page() {
-  const bool inches = drawing_.unit == LengthUnit::kInch;
+  const bool inches = paths_.unit == LengthUnit::kInch;
   const double points = kPointsPerInch / (inches ? 1 : kMillimetresPerInch);
   // Readers refuse a page of no size.
-  const double least = HairlineOf(drawing_.unit);
+  const double least = HairlineOf(paths_.unit);
   const double width = std::max(box_.Width(), least) * points;
   const double height = std::max(box_.Height(), least) * points;
   // A page that is too large for its units has larger ones.
@@ -160,10 +160,11 @@ void DrawingPdf::Page() {
   Begin(kPage);
   // Whole units: readers that know sheets by whole points shrink others.
   Put("<< /Type /Page /Parent " + Reference(kPages) + " /MediaBox [0 0 " +
-      Fixed(std::ceil(width / unit), 0) + " " + Fixed(std::ceil(height / unit), 0) + "]");
+      Fixed(std::ceil(width / unit - kRounding), 0) + " " +
+      Fixed(std::ceil(height / unit - kRounding), 0) + "]");
   if (unit > 1) Put(" /UserUnit " + Fixed(unit, 0));
   Put("\n   /Contents " + Reference(kContent) + " /Resources << /Properties <<");
-  for (size_t i = 0; i < layers_.all().size(); ++i) {
+  for (size_t i = 0; i < paths_.layers.size(); ++i) {
     Put(" /L" + Integer(i) + " " + Reference(kFirstLayer + i));
   }
   Put(" >> >> >>");
@@ -176,16 +177,15 @@ void DrawingPdf::Content() {
   Put("<< /Length " + Reference(kContentLength) + " >>\nstream\n");
   const size_t first = Here();
   const std::string scale = Fixed(scale_, 8);
-  Put(scale + " 0 0 " + scale + " 0 0 cm\n" + Fixed(HairlineOf(drawing_.unit), 6) + " w 1 J 1 j\n");
-  for (size_t layer = 0; layer < layers_.all().size(); ++layer) {
+  Put(scale + " 0 0 " + scale + " 0 0 cm\n" + Fixed(HairlineOf(paths_.unit), 6) + " w 1 J 1 j\n");
+  for (size_t layer = 0; layer < paths_.layers.size(); ++layer) {
     Put("/OC /L" + Integer(layer) + " BDC\n");
-    const Color color = ColorOnPaper(layers_.all()[layer].color);
+    const Color color = ColorOnPaper(paths_.layers[layer].color);
     for (const int channel : {Red(color), Green(color), Blue(color)}) {
       Put(Fixed(channel / 255.0, 6) + " ");
     }
     Put("RG\n");
-    ForEachPathOn(layer, layers_, drawing_,
-                  [&](const Path& path, const P2& at) { Draw(path, at); });
+    paths_.walk(layer, [&](const Path& path, const P2& at) { Draw(path, at); });
     Put("EMC\n");
   }
   const size_t length = Here() - first;
@@ -197,7 +197,8 @@ void DrawingPdf::Content() {
 }
 
 const std::vector<Segment>& DrawingPdf::Cubics(const Path& path) {
-  std::vector<Segment>& cubics = cubics_[&path];
+  std::vector<Segment>& cubics = paths_.are_kept ? cubics_[&path] : cubics_now_;
+  if (!paths_.are_kept) cubics.clear();
   if (!cubics.empty()) return cubics;
   P2 from = path.start;
   for (const Segment& segment : path.segments) {
@@ -243,11 +244,14 @@ void DrawingPdf::Trailer() {
 
 }  // namespace
 
+Status WritePdf(const LayerPaths& paths, double tolerance, const std::filesystem::path& file) {
+  return ReplaceWhenFree(
+      file, [&](FileReplacement* out) { return DrawingPdf(paths, tolerance, out).Write(); });
+}
+
 Status WriteDrawingPdf(const Drawing& drawing, const DrawingStyle& style, double tolerance,
                        const std::filesystem::path& file) {
-  return ReplaceWhenFree(file, [&](FileReplacement* out) {
-    return DrawingPdf(drawing, style, tolerance, out).Write();
-  });
+  return WritePdf(PathsOf(drawing, style), tolerance, file);
 }
 
 }  // namespace kerno

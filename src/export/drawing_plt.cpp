@@ -21,24 +21,22 @@ constexpr size_t kBlock = 1 << 16;
 
 class DrawingPlt {
  public:
-  DrawingPlt(const Drawing& drawing, const DrawingStyle& style, double tolerance,
-             const std::filesystem::path& file, FileReplacement* out)
-      : drawing_(drawing),
-        layers_(drawing, style),
+  DrawingPlt(const LayerPaths& paths, double tolerance, const std::filesystem::path& file,
+             FileReplacement* out)
+      : paths_(paths),
         tolerance_(tolerance),
-        scale_(drawing.unit == LengthUnit::kInch ? kUnitsPerMillimetre * kMillimetresPerInch
-                                                 : kUnitsPerMillimetre),
+        scale_(paths.unit == LengthUnit::kInch ? kUnitsPerMillimetre * kMillimetresPerInch
+                                               : kUnitsPerMillimetre),
         file_(file),
         out_(*out) {}
 
   Status Write() {
     text_ = "IN;PA;\n";
-    for (size_t layer = 0; layer < layers_.all().size(); ++layer) {
+    for (size_t layer = 0; layer < paths_.layers.size(); ++layer) {
       text_ += "SP";
       AppendInteger(&text_, static_cast<int64_t>(layer % kPens + 1));
       text_ += ";\n";
-      ForEachPathOn(layer, layers_, drawing_,
-                    [&](const Path& path, const P2& at) { Draw(path, at); });
+      paths_.walk(layer, [&](const Path& path, const P2& at) { Draw(path, at); });
     }
     text_ += "SP0;\n";
     Flush();
@@ -60,13 +58,13 @@ class DrawingPlt {
   }
   void Tell() const;
 
-  const Drawing& drawing_;
-  DrawingLayers layers_;
+  const LayerPaths& paths_;
   double tolerance_;
   double scale_;
   const std::filesystem::path& file_;
   FileReplacement& out_;
-  std::map<const Path*, std::vector<P2>> corners_;  // of paths, as they are needed
+  std::map<const Path*, std::vector<P2>> corners_;  // of paths that are kept, as they are needed
+  std::vector<P2> corners_now_;                     // of others
   std::vector<Units> points_;                       // of the path that is drawn
   std::string text_;
   Status status_;
@@ -75,8 +73,8 @@ class DrawingPlt {
 };
 
 void DrawingPlt::Draw(const Path& path, const P2& at) {
-  std::vector<P2>& corners = corners_[&path];
-  if (corners.empty()) FlattenPath(path, tolerance_, &corners);
+  std::vector<P2>& corners = paths_.are_kept ? corners_[&path] : corners_now_;
+  if (corners.empty() || !paths_.are_kept) FlattenPath(path, tolerance_, &corners);
   points_.clear();
   for (const P2& corner : corners) {
     const Units point = {FixedUnits((at.x + corner.x) * scale_, 0),
@@ -127,11 +125,14 @@ void DrawingPlt::Tell() const {
 
 }  // namespace
 
+Status WritePlt(const LayerPaths& paths, double tolerance, const std::filesystem::path& file) {
+  return ReplaceWhenFree(
+      file, [&](FileReplacement* out) { return DrawingPlt(paths, tolerance, file, out).Write(); });
+}
+
 Status WriteDrawingPlt(const Drawing& drawing, const DrawingStyle& style, double tolerance,
                        const std::filesystem::path& file) {
-  return ReplaceWhenFree(file, [&](FileReplacement* out) {
-    return DrawingPlt(drawing, style, tolerance, file, out).Write();
-  });
+  return WritePlt(PathsOf(drawing, style), tolerance, file);
 }
 
 }  // namespace kerno

@@ -5,6 +5,7 @@
 
 #include "drawing/drawing.h"
 #include "export/drawing_style.h"
+#include "export/layer_paths.h"
 #include "platform/file_replacement.h"
 
 namespace kerno {
@@ -15,5 +16,7 @@ namespace kerno {
 // unit are left out; these and coordinates below 0 are told.
 [[nodiscard]] Status WriteDrawingPlt(const Drawing& drawing, const DrawingStyle& style,
                                      double tolerance, const std::filesystem::path& file);
+[[nodiscard]] Status WritePlt(const LayerPaths& paths, double tolerance,
+                              const std::filesystem::path& file);
 
 }  // namespace kerno

@@ -69,19 +69,6 @@ class DrawingLayers {
   std::vector<size_t> glyphs_;  // LayerRule::kGlyph: which text shape each placed one is
 };
 
-// Hands every path of a layer and its place to `visit`, in the drawing's order.
-template <class Visit>
-void ForEachPathOn(size_t layer, const DrawingLayers& layers, const Drawing& drawing, Visit visit) {
-  const auto [first, last] = layers.PlacedOn(layer);
-  for (size_t n = first; n < last; ++n) {
-    const PlacedShape& placed = drawing.placed[n];
-    for (const ShapePath& path : drawing.shapes[placed.shape]) {
-      if (path.path.segments.empty() || layers.Of(placed, n, path) != layer) continue;
-      visit(path.path, placed.at);
-    }
-  }
-}
-
 // A colour index on white paper: 7 is what stands out from the ground, white in CAD, black here.
 Color ColorOnPaper(int color);
 

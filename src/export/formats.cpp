@@ -4,7 +4,7 @@
 #include "export/drawing_pdf.h"
 #include "export/drawing_plt.h"
 #include "export/ipl_writer.h"
-#include "export/parts_drawing.h"
+#include "export/parts_paths.h"
 #include "export/x3d_writer.h"
 #include "parts/ipx.h"
 
@@ -61,14 +61,14 @@ constexpr Format kFormats[] = {
      0,
      {},
      [](const PartsA& m, const Path& f, const Options&) {
-       return WriteDrawingPlt(AtOrigin(DrawingOfParts(m, f)), {}, kPartsTolerance, f);
+       return WritePlt(PathsOfParts(m, PartsOrigin::kLowerLeft, f), kPartsTolerance, f);
      }},
     {{"pdf", "PDF page"},
      Format::Dispatch::kNever,
      0,
      {},
      [](const PartsA& m, const Path& f, const Options&) {
-       return WriteDrawingPdf(DrawingOfParts(m, f), {}, kPartsTolerance, f);
+       return WritePdf(PathsOfParts(m, PartsOrigin::kModel, f), kPartsTolerance, f);
      }},
 };
 

@@ -17,4 +17,7 @@ void PrepareStandardStreams();
 // Whether standard error is a terminal, where a line can be written over.
 bool IsErrorTerminal();
 
+// Whether standard output is a terminal, which control characters would steer.
+bool IsOutputTerminal();
+
 }  // namespace kerno

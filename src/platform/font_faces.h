@@ -55,4 +55,9 @@ Status AddFontFile(const std::filesystem::path& file, std::vector<std::u16string
 // units) is installed; "@" in front asks for its vertical form.
 bool IsFaceInstalled(std::u16string_view name);
 
+// Why a family of this name that is not found may be installed all the same: a font file that
+// cannot be read. Ok where there is none, or where the system does not tell. Looks through the
+// folders of fonts.
+Status FontTrouble(std::u16string_view name);
+
 }  // namespace kerno

@@ -215,6 +215,11 @@ class CommandLineTest(programs.FolderTest):
         self.assertEqual((0, [["good.ttf", ["DejaVu Sans"]]], ""),
                          (status, [[pathlib.Path(f["file"]).name, f["names"]] for f in json.loads(out)], err))
         self.assertIn("noise.otf", run("faces", "--skipped", env=env)[2])
+        (fonts / "zero.ttf").unlink()
+        for command in (["contours"], ["cut", "-o", self.folder / "a.dxf"]):
+            status, _, err = run(*command, "A", "--face", "Nosuch", env=env)
+            self.assertEqual(3, status, err)
+            self.assertIn('face: "Nosuch" is not installed', err)
         self.assertEqual(contours("AB", *SANS), contours("AB", "--face", "dejavu SANS", env=env))
 
         bold = pathlib.Path(subprocess.run(["fc-match", "-f", "%{file}", "DejaVu Sans:style=Bold"], check=True,
@@ -233,6 +238,46 @@ class CommandLineTest(programs.FolderTest):
         config.write_text("<fontconfig/>")
         for command in (["contours"], ["measure"], ["measure", "--height", "6000"]):
             self.assertEqual((3, "", "kerno: faces: the system has none installed\n"), run(*command, "A", env=env))
+
+    def test_a_font_that_may_not_be_read_is_named(self):
+        if ON_WINDOWS or os.geteuid() != 0:
+            self.skipTest("only a superuser of POSIX can be somebody else")
+        self.folder.chmod(0o755)
+        fonts = self.folder / "fonts"
+        fonts.mkdir()
+        good = subprocess.run(["fc-match", "-f", "%{file}", "DejaVu Sans:style=Book"], check=True,
+                              capture_output=True).stdout.decode()
+        shutil.copy(good, fonts / "closed.ttf")
+        (fonts / "closed.ttf").chmod(0o600)
+        config = self.folder / "fonts.conf"
+        config.write_text(f"<fontconfig><dir>{fonts}</dir><cachedir>{self.folder}/c</cachedir></fontconfig>")
+        (self.folder / "c").mkdir(mode=0o777)
+        (self.folder / "c").chmod(0o777)
+        program = shutil.copy(KERNO[0], self.folder / "kerno")
+        for command in ("contours", "cut"):
+            done = programs.run([program, command, "A", *SANS, *(["-o", "-", "--format", "svg"] * (command == "cut"))],
+                                env={"FONTCONFIG_FILE": str(config), "ASAN_OPTIONS": "detect_leaks=0"}, cwd="/",
+                                user=65534, group=65534, extra_groups=[])
+            self.assertEqual((1, "", 'kerno: face: "DejaVu Sans" is not installed; '
+                              f"{fonts}/closed.ttf cannot be read: no permission\n"), done)
+
+    def test_standard_output_is_named_and_terminals_get_codes(self):
+        if ON_WINDOWS:
+            self.skipTest("POSIX alone has these devices")
+        words = ["A", *SANS, "-o", "-", "--format", "svg"]
+        for command in ("convert", "cut"):
+            err = run(command, *words, env={"TMPDIR": "/nonexist"})[2]
+            self.assertRegex(err, r"standard output: .* temporary folder \(TMPDIR\), /nonexist/?: there is no such")
+        line = run("convert", *words[:3], "-o", f"{self.folder}/a\n\x1bb.svg")[1]
+        self.assertIn("a<0A><1B>b.svg: ", line)
+        end, terminal = os.openpty()
+        subprocess.run([*KERNO, "page", self.folder], stdout=terminal, check=True)
+        shown = os.read(end, 10000)
+        self.assertIn(b"a<0A><1B>b", shown)
+        with open("/dev/full", "wb") as full:
+            for command in (["page", self.folder], ["cut", *words[:3], "-o", self.folder / "c.svg", "--json"]):
+                done = subprocess.run([*KERNO, *command], stdout=full, stderr=subprocess.PIPE)
+                self.assertIn(b"whole; only", done.stderr)
 
     def test_sizes_at_their_ends(self):
         for height in (-32768, -1, 0, 1, 32767):

@@ -9,9 +9,11 @@ import csv
 import io
 import json
 import os
+import pathlib
 import pty
 import random
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -238,14 +240,57 @@ class SeriesTest(programs.FolderTest):
             failed = (self.folder / "failed.csv").read_bytes()
             self.assertEqual(start + "".join(row + end for row in left).encode(coding), failed)
             mended = failed.decode(coding).replace("wide", "8mm").replace("bad", "9mm")
-            self.series(*fields, "--failed", "list.csv", table=mended.encode(coding), status=1)  # over itself
+            self.series(*fields, "--failed", "again.csv", table=mended.encode(coding), status=1)
             self.assertTrue((self.folder / "t2/02.svg").exists() and (self.folder / "t4/04.svg").exists())
-            again = (self.folder / "list.csv").read_bytes().decode(coding).removeprefix("\ufeff").splitlines()
+            again = (self.folder / "again.csv").read_bytes().decode(coding).removeprefix("\ufeff").splitlines()
             self.assertEqual([left[0], left[3]], again)
             for path in self.folder.glob("t*/*"):
                 path.unlink()
         self.series("--count", "3", "--text", "{n}", "--em", "5", "-o", "c{n}.svg", "--failed", "failed.csv")
         self.assertEqual("n\n", (self.folder / "failed.csv").read_text())
+
+    def test_the_list_itself_takes_no_failed_rows(self):
+        (self.folder / "other.csv").symlink_to("list.csv")
+        for name in ("list.csv", "./other.csv"):
+            _, err = self.series("--text", "{a}", "-o", "{a}.svg", "--failed", name, table="a\nx\n", status=2)
+            self.assertEqual([f'kerno: --failed: "{name}" is the list itself'], err)
+        self.assertEqual(("a\nx\n", []), ((self.folder / "list.csv").read_text(), self.files()))
+
+    def test_what_no_stopped_run_leaves_is_not_done(self):
+        (self.folder / "a.svg").mkdir()
+        (self.folder / "b.svg").touch()
+        out, _ = self.series("--text", "{a}", "-o", "{a}.svg", "--resume", "--json", table="a\na\nb\nc\n", status=1)
+        self.assertEqual([("failed", "a.svg: is a folder, no file that is done"),
+                          ("failed", "b.svg: is empty: no earlier run wrote it"), ("made", None)],
+                         [(row["outcome"], row.get("error")) for row in map(json.loads, out.splitlines())])
+
+    @unittest.skipUnless(shutil.which("parallel"), "GNU Parallel is not installed")
+    def test_hosts_get_the_arguments_as_they_are(self):
+        ssh = self.folder / "ssh"
+        ssh.write_text('#!/bin/sh\nwhile [ "$1" != -- ]; do shift; done\nshift\nexec sh -c "$*"\n')
+        ssh.chmod(0o755)
+        (self.folder / "hosts").write_text("1/one\n1/two\n")
+        script = pathlib.Path(__file__).resolve().parents[2] / "examples/cluster/hosts.sh"
+        words = ["cut", *SANS, "--count", "90", "--text", "it's {n} {{1}} {{#}} {{.}} {{}} $HOME\nx"]
+
+        def hosts(*more, rows="90", shard="7"):
+            return subprocess.Popen(["sh", script, "hosts", rows, shard, *words, "-o", "t/{n} {{1}}.svg", *more],
+                                    cwd=self.folder, stderr=subprocess.PIPE, start_new_session=True,
+                                    env={**os.environ, "KERNO": os.path.abspath(KERNO[0]), "SSH": str(ssh)})
+        killed = hosts()
+        while killed.poll() is None and not list(self.folder.glob("t/*.svg")):
+            time.sleep(0.002)
+        os.killpg(killed.pid, signal.SIGKILL)
+        killed.communicate()
+        for refused in (hosts(shard="8"), hosts("--em", "5"), hosts(rows="0"), hosts("--failed=x"), hosts("--sheet", "1x1")):
+            self.assertRegex(refused.communicate()[1].decode(), "^hosts.sh: ")
+            self.assertEqual(2, refused.returncode)
+        again = hosts()
+        self.assertEqual((0, 0), (len(again.communicate()[1]), again.returncode))
+        self.series(*words[3:], "-o", "u/{n} {{1}}.svg")
+        self.assertEqual(90, len(list(self.folder.glob("t/*"))))
+        for path in self.folder.glob("u/*"):
+            self.assertEqual(path.read_bytes(), (self.folder / "t" / path.name).read_bytes())
 
     def test_one_bad_row_in_a_million(self):
         with open(self.folder / "million.csv", "w") as file:

@@ -173,6 +173,10 @@ class PosixSettingsTest(SettingsFixture):
             began = time.monotonic()
             status, _, err = self.run_kerno("set", "A", "k", "2")
             self.assertLess(time.monotonic() - began, 14)
+            fcntl.flock(held, fcntl.LOCK_UN)
+            began = time.monotonic()
+            self.ok("set", "A", "k", "3")  # the registry's note of the time is left out
+            self.assertLess(time.monotonic() - began, 3)
         self.assertEqual(status, 1)
         self.assertIn(f"{self.ini}: another process holds the file", err)
         # A file that has to be converted first; --quiet is known before it is waited for.
@@ -191,11 +195,19 @@ class PosixSettingsTest(SettingsFixture):
             file.symlink_to("/proc/self/mem")  # answers every reading with an error of the device
             trouble = f"{file}: Input/output error"
             status, out, err = self.run_kerno("get", "Dec", "SvgOut::Precision")
-            self.assertEqual((status, out, err.count(trouble)), (0, "15\n", 1), err)
+            self.assertEqual((status, out, err.count(trouble)), (1, "15\n", 1), err)
+            self.assertEqual(self.run_kerno("list")[0], 1)
+            self.assertEqual(self.convert("--quiet")[2].count(trouble), 1)
             self.assertNotIn("basic_", err)
             status, _, err = self.run_kerno("set", "A", "k", "2")
             self.assertEqual(status, 1)
             self.assertIn(trouble, err)
+            file.unlink()
+            os.mkfifo(file)
+            status, _, err = self.run_kerno("set", "A", "k", "2")
+            self.assertEqual(status, 1)
+            self.assertIn(f"kerno: {file}: is no file", err)
+            self.assertTrue(file.is_fifo())
             file.unlink()
 
 
@@ -228,10 +240,14 @@ class OtherUserTest(SettingsFixture):
             status, _, err = self.run_kerno(*change, **self.person)
             self.assertEqual((status, err), (1, f"kerno: {self.ini}: no permission\n"))
         self.assertEqual(list((self.folder / "tmp").iterdir()), [])
+        self.ini.write_text("[Dec]\nSvgOut::Precision=5\n")  # with no mark
+        told = f"kerno: {self.ini}: it is read, but not made UTF-16: no permission\n"
+        self.assertEqual(self.run_kerno("get", "Dec", "SvgOut::Precision", **self.person), (0, "5\n", told))
+        self.assertEqual(self.convert("--quiet", **self.person)[1:], (wanted, told))
         # Without a file there they are kept elsewhere, which each command tells once.
         self.ini.unlink()
         self.assertEqual(self.ok("get", "Dec", "SvgOut::Precision", **self.person), "15\n")
-        place = self.folder / "tmp/___/Quenkit.ini"
+        place = self.folder / "tmp/nobody/Quenkit.ini"
         told = f"kerno: {self.base}: no permission; the settings are in {place}\n"
         self.assertEqual(self.run_kerno("set", "A", "k", "7", **self.person), (0, "", told))
         self.assertEqual(self.run_kerno("get", "A", "k", **self.person), (0, "7\n", told))

@@ -124,7 +124,7 @@ class Sheets(programs.FolderTest):
         options = ["--data", rows, "--text", "{name}", *FACE, "--cap-height", "6mm", "--sheet", "100x60mm",
                    "--frame", "30x10mm", "--copies", "3", "-o", self.folder / "s-{sheet}.dxf"]
         done = self.cut(*options, status=1)
-        self.assertRegex(done.stderr, r"row 2: .*larger than the frame of 30 x 10 mm")
+        self.assertRegex(done.stderr, r"row 2: .*does not stand free in the frame of 30 x 10 mm")
         self.assertEqual(len(boxes(self.folder / "s-1.dxf")["Cut frame"]), 6)
         for wrong, why in ((["--sheet=8x8mm"], "leaves nothing of the sheet"),
                            (["--sheet=90x60mm", "--frame=20x10mm", "--corner=6mm"],
@@ -133,6 +133,35 @@ class Sheets(programs.FolderTest):
                            (["--sheet=90x60mm", "--frame=200x10mm"], "does not fit on the sheet")):
             self.assertIn(why, self.cut("A", "-o", self.folder / "x.dxf", *wrong, status=2).stderr)
         self.assertIn("needs --sheet", self.cut("A", "--pack", "-o", self.folder / "x.dxf", status=2).stderr)
+
+    def test_rows_of_a_sheet_that_cannot_be_written_are_failed(self):
+        (self.folder / "s-2.dxf").mkdir()
+        told = set()
+        for jobs in "127":
+            done = run(KERNO, "cut", *FACE, "--count", "12", "--text", "No.", "--cap-height", "5mm", "--sheet", "100x40mm",
+                       "--frame", "25x10mm", "--copies", "2", "--numbers", "--jobs", jobs, "--replace", "--json",
+                       "--failed", self.folder / "failed.csv", "-o", self.folder / "s-{sheet}.dxf")
+            self.assertRegex(done.stderr, r"^kerno: sheet 2: .*s-2.dxf: it is a folder \(rows 4 to 6\)\n$")
+            rows = [json.loads(line) for line in done.stdout.splitlines()]
+            self.assertEqual(["failed" if row in (4, 5, 6) else "made" for row in range(1, 13)],
+                             [row["outcome"] for row in rows if "row" in row])
+            self.assertRegex(rows[3]["error"], "^sheet 2: ")
+            self.assertEqual("row\n4\n5\n6\n", (self.folder / "failed.csv").read_text())
+            told.add((done.returncode, re.sub(r'"milliseconds": \d+', "", done.stdout)))
+        self.assertEqual(len(told), 1)
+        # The rows have their numbers again.
+        self.cut("--data", self.folder / "failed.csv", *FACE, "--text", "No.", "--cap-height", "5mm", "--sheet", "100x40mm",
+                 "--frame", "25x10mm", "--copies", "2", "--numbers", "-o", self.folder / "again.dxf")
+        (self.folder / "s-2.dxf").rmdir()
+        self.cut("--count", "12", *FACE, "--text", "No.", "--cap-height", "5mm", "--sheet", "100x40mm", "--frame",
+                 "25x10mm", "--copies", "2", "--numbers", "--resume", "-o", self.folder / "s-{sheet}.dxf")
+        self.assertEqual(boxes(self.folder / "s-2.dxf"), boxes(self.folder / "again.dxf"))
+        for frame in ([], ["--frame", "25x10mm"]):  # more sheets than one name
+            done = self.cut("--count", "60", *FACE, "--text", "No.", "--cap-height", "5mm", "--sheet", "100x40mm", *frame,
+                            "--failed", self.folder / "failed.csv", "-o", self.folder / "one.dxf", status=1)
+            self.assertRegex(done.stdout, "^60 rows: 0 made, 60 failed, 0 sheets, 0 files")
+            self.assertNotIn("--resume", done.stderr)
+            self.assertEqual(len((self.folder / "failed.csv").read_text().splitlines()), 61)
 
 
 if __name__ == "__main__":

@@ -26,4 +26,8 @@ bool IsErrorTerminal() {
   return isatty(STDERR_FILENO) != 0;
 }
 
+bool IsOutputTerminal() {
+  return isatty(STDOUT_FILENO) != 0;
+}
+
 }  // namespace kerno

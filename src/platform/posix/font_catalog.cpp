@@ -296,9 +296,10 @@ std::vector<const CatalogFace*> FontCatalog::FindSubstitutes(const std::u16strin
 
 const SfntFacts& FontCatalog::FactsOf(const CatalogFace& face) const {
   auto known = facts_.find(&face);
-  if (known == facts_.end()) {
+  const bool failed = known != facts_.end() && !known->second.reading.ok();
+  if (known == facts_.end() || failed) {  // a failure may pass
     const auto index = static_cast<uint32_t>(face.index) & 0xFFFF;
-    known = facts_.emplace(&face, ReadSfntFacts(face.path, index)).first;
+    known = facts_.insert_or_assign(&face, ReadSfntFacts(face.path, index)).first;
   }
   return known->second;
 }

@@ -105,28 +105,36 @@ bool LooksLikeFontFile(const fs::path& path) {
   return kExtensions.contains(extension);
 }
 
-// Font files that nothing can be had of: Fontconfig passes them over, or they end too early.
-std::vector<std::u16string> DamagedFiles(const FontCatalog& catalog) {
-  std::set<std::string> damaged;
+// Font files that Fontconfig passes over because nothing can be had of them, and why: a failure of
+// reading, or ok for a damaged file.
+std::map<std::string, Status> PassedOverFiles(const FontCatalog& catalog) {
+  std::map<std::string, Status> passed_over;
   std::set<std::string> listed;
-  for (const CatalogFace& face : catalog.faces()) {
-    listed.insert(face.path);
-    if (!catalog.FactsOf(face).whole) {
-      damaged.insert(face.path);
-    }
-  }
+  for (const CatalogFace& face : catalog.faces()) listed.insert(face.path);
   for (const std::string& folder : catalog.Folders()) {
     std::error_code error;
     for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
       const std::string path = at->path().string();
       std::error_code no_file;
-      Status reading;  // the list of names is all that is told
+      Status opened;  // FreeType's own reason may be an older one
       if (LooksLikeFontFile(at->path()) && !listed.contains(path) && at->is_regular_file(no_file) &&
-          !OpenFace(path, 0, &reading)) {
-        damaged.insert(path);
+          !OpenFace(path, 0, &opened)) {
+        passed_over.emplace(path, ReadSfntFacts(path, 0).reading);
       }
     }
   }
+  return passed_over;
+}
+
+// Those, and the ones that end too early.
+std::vector<std::u16string> DamagedFiles(const FontCatalog& catalog) {
+  std::set<std::string> damaged;
+  for (const CatalogFace& face : catalog.faces()) {
+    if (!catalog.FactsOf(face).whole) {
+      damaged.insert(face.path);
+    }
+  }
+  for (const auto& [path, why] : PassedOverFiles(catalog)) damaged.insert(path);
   std::vector<std::u16string> names;
   names.reserve(damaged.size());
   for (const std::string& path : damaged) {
@@ -252,6 +260,17 @@ bool IsFaceInstalled(std::u16string_view name) {
   }
   const FontCatalog& catalog = FontCatalog::Current();
   return FirstWhole(catalog, catalog.FindFamily(name, wish)) != nullptr;
+}
+
+Status FontTrouble(std::u16string_view name) {
+  const FontCatalog& catalog = FontCatalog::Current();
+  for (const CatalogFace* face : catalog.FindFamily(name, FaceWish{})) {
+    if (const Status& reading = catalog.FactsOf(*face).reading; !reading.ok()) return reading;
+  }
+  const std::map<std::string, Status> passed_over = PassedOverFiles(catalog);
+  const auto unread =
+      std::ranges::find_if(passed_over, [](const auto& file) { return !file.second.ok(); });
+  return unread == passed_over.end() ? Status::Ok() : unread->second;
 }
 
 }  // namespace kerno

@@ -1,5 +1,6 @@
 // The registry is one file in the user's configuration folder, in the text form that registry
 // editors export, so that it can be carried to and from other machines.
+#include "platform/folder_path.h"
 #include "platform/held_file.h"
 #include "platform/posix/registry_text.h"
 #include "platform/posix/system_error.h"
@@ -24,6 +25,16 @@ std::u16string FullKey(RegistryRoot root, std::u16string_view key) {
   return full.append(key);
 }
 
+// A folder, a device or a pipe holds no registry, and no file takes its place.
+Status CheckIsFile(const fs::path& file) {
+  const PathKind kind = FactsOfPath(file).kind;
+  if (kind == PathKind::kFolder) {
+    return Status::Error(Failure::kIsFolder, SystemText(file.native()), u"it is a folder");
+  }
+  if (kind != PathKind::kOther) return Status::Ok();
+  return Status::Error(Failure::kOther, SystemText(file.native()), u"is no file");
+}
+
 // Applies `edit` to the registry's text while the file is held.
 template <typename Edit>
 RegistryOutcome Change(IfMissing if_missing, Status* why, const Edit& edit) {
@@ -33,6 +44,7 @@ RegistryOutcome Change(IfMissing if_missing, Status* why, const Edit& edit) {
                          u"there is no home folder to keep it in");
     return RegistryOutcome::kFailed;
   }
+  if (*why = CheckIsFile(file); !why->ok()) return RegistryOutcome::kFailed;
   std::error_code ignored;
   if (if_missing == IfMissing::kCreate) fs::create_directories(file.parent_path(), ignored);
   RegistryOutcome outcome = RegistryOutcome::kNoKey;
@@ -69,7 +81,9 @@ RegistryOutcome QueryRegistry(RegistryRoot root, std::u16string_view key, std::u
   const fs::path file = RegistryFile();
   if (file.empty()) return RegistryOutcome::kNoKey;
   std::string bytes;
-  if (Status read = PeekFile(file, &bytes); !read.ok()) {
+  Status read = CheckIsFile(file);
+  if (read.ok()) read = PeekFile(file, &bytes);
+  if (!read.ok()) {
     if (read.failure == Failure::kNotFound) return RegistryOutcome::kNoKey;
     if (why) *why = std::move(read);
     return RegistryOutcome::kFailed;

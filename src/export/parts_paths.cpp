@@ -1,11 +1,15 @@
-#include "export/parts_drawing.h"
+#include "export/parts_paths.h"
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <utility>
 
 #include "base/notices.h"
 #include "base/text.h"
+#include "drawing/measures.h"
 #include "drawing/vector.h"
+#include "export/drawing_style.h"
 #include "export/picture_notes.h"
 #include "parts/shapes.h"
 
@@ -77,32 +81,40 @@ bool HasNoPaths(const PartsElement& part) {
   return counts.texts > 0 || counts.point_sets > 0;
 }
 
-}  // namespace
-
-Drawing DrawingOfParts(const PartsA& model, const std::filesystem::path& name) {
-  Drawing drawing;
+// Hands the paths of each part to `visit`; what was left out.
+size_t VisitPaths(const PartsA& model, const std::function<void(const Path& path)>& visit) {
   size_t left_out = 0;
-  bool lacks_paths = false;
   for (const PartsElement& part : PartsView(model)) {
-    lacks_paths |= HasNoPaths(part);
     Shape shape;
     PathSink sink(&shape);
     left_out += VisitShapes(part, ShapeOrder::kModel, kReachable, &sink);
-    drawing.placed.push_back({static_cast<uint32_t>(drawing.shapes.size()), {}, 0});
-    drawing.shapes.push_back(std::move(shape));
+    for (const ShapePath& path : shape) visit(path.path);
   }
+  return left_out;
+}
+
+}  // namespace
+
+LayerPaths PathsOfParts(const PartsA& model, PartsOrigin origin,
+                        const std::filesystem::path& name) {
+  LayerPaths paths;
+  Box2 ink;
+  const size_t left_out = VisitPaths(model, [&](const Path& path) { Include(&ink, BoxOf(path)); });
   TellLeftOut({.left_out = left_out}, kReachable, name);
-  if (lacks_paths) {
+  if (std::ranges::any_of(PartsView(model), HasNoPaths)) {
     CurrentNotices().Message(PathText(name) +
                              u": texts and point sets have no paths and are left out");
   }
-  return drawing;
-}
-
-Drawing AtOrigin(Drawing drawing) {
-  const P2 corner = InkOf(drawing).min;
-  for (PlacedShape& placed : drawing.placed) placed.at = placed.at - corner;
-  return drawing;
+  const bool moves = origin == PartsOrigin::kLowerLeft && ink.min.x <= ink.max.x;
+  const P2 at = moves ? ink.min * -1 : P2{};
+  paths.picture = {ink.min + at, ink.max + at};
+  paths.layers = {{}};
+  paths.layers[0].name = DrawingStyle().layer;
+  paths.walk = [&model, at](size_t, const LayerPaths::Visit& visit) {
+    VisitPaths(model, [&](const Path& path) { visit(path, at); });
+  };
+  paths.are_kept = false;
+  return paths;
 }
 
 }  // namespace kerno
