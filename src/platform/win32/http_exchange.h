@@ -61,6 +61,12 @@ class HttpExchange {
     for (size_t i = handles.size(); i-- > 0;) InternetCloseHandle(handles[i]);
   }
 
+  // Whether what fails now fails because of that.
+  bool IsClosed() {
+    const std::lock_guard lock(mutex_);
+    return closed_;
+  }
+
   // Shows the reply as far as it is known; the watching thread may take it at any moment.
   void Publish(const HttpReply& reply) {
     const std::lock_guard lock(mutex_);

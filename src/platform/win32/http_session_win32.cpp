@@ -262,12 +262,12 @@ class Request {
                             std::min(there, static_cast<DWORD>(piece.size())), &got)) {
         const DWORD error = GetLastError();
         reply_.why = Words(error);
-        reply_.broke_off = error != ERROR_INTERNET_TIMEOUT;
+        reply_.broke_off = error != ERROR_INTERNET_TIMEOUT && !exchange_.IsClosed();
         break;
       }
       if (got == 0) {
         // A connection that closes early ends an answer as its last byte does.
-        reply_.broke_off = promised && reply_.answer.size() < *promised;
+        reply_.broke_off = promised && reply_.answer.size() < *promised && !exchange_.IsClosed();
         if (reply_.broke_off) reply_.why = "it is shorter than it says";
         break;
       }
