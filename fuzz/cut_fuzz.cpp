@@ -133,15 +133,16 @@ void Convert(const std::u16string& text, FuzzedDataProvider* input) {
   const auto set = Make(job, typesetter);
   Require(set.has_value());
   size_t points = 0;
-  for (const uint32_t count : set->contours.counts) {
-    Require(count > 0 && points + count <= set->contours.points.size());
-    const P2 first = set->contours.points[points], last = set->contours.points[points + count - 1];
+  std::vector<P2> room;
+  for (size_t i = 0; i < set->contours.size(); ++i) {
+    const std::span<const P2> contour = set->contours.Contour(i, &room);
+    Require(!contour.empty());
+    const P2 first = contour.front(), last = contour.back();
     Require(std::isfinite(first.x + first.y) && first.x == last.x && first.y == last.y);
-    points += count;
+    points += contour.size();
   }
-  Require(points == set->contours.points.size());
-  PartsA model;
-  BuildParts(set->contours, job.parts, &model);
+  Require(points == set->contours.point_count());
+  const PartsA model = DrawingOf(std::make_shared<const TextContours>(set->contours), job.parts);
   test::MemoryFile written;
   Require(WriteDxf(model, {}, "fuzz", &written).ok());
   fuzz::CheckDxf(written.bytes);

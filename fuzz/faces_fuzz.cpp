@@ -35,9 +35,11 @@ void CheckPaths(const std::vector<Path>& paths) {
 
 void CheckContours(const TypesetText& set) {
   size_t points = 0;
-  for (const uint32_t count : set.contours.counts) points += count;
-  Require(points == set.contours.points.size());
-  for (const P2& p : set.contours.points) Require(std::isfinite(p.x) && std::isfinite(p.y));
+  set.contours.EachPoint([&points](const P2& p) {
+    Require(std::isfinite(p.x) && std::isfinite(p.y));
+    ++points;
+  });
+  Require(points == set.contours.point_count());
 }
 
 void UseFace(const CatalogFace& face, TextRequest request) {
