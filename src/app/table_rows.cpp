@@ -270,7 +270,9 @@ std::string TableRows::Line(std::string line, const std::vector<std::string>& ad
 }
 
 std::string TableRows::TableStart(const std::vector<std::string>& added) const {
-  const std::string told = told_.empty() ? "" : Line(told_, {});
+  // At the start of a file such a header would lose what looks like a mark; an empty line is none.
+  const bool is_misread = header_.starts_with("\xEF\xBB\xBF");
+  const std::string told = told_.empty() && !is_misread ? "" : Line(told_, {});
   return bytes_->Mark() + told + Line(is_table_ ? header_ : columns_[0], added);
 }
 
