@@ -258,7 +258,7 @@ class CommandLineTest(programs.FolderTest):
             done = programs.run([program, command, "A", *SANS, *(["-o", "-", "--format", "svg"] * (command == "cut"))],
                                 env={"FONTCONFIG_FILE": str(config), "ASAN_OPTIONS": "detect_leaks=0"}, cwd="/",
                                 user=65534, group=65534, extra_groups=[])
-            self.assertEqual((1, "", 'kerno: face: "DejaVu Sans" is not installed; '
+            self.assertEqual((1, "", 'kerno: face: "DejaVu Sans" is not installed (kerno faces lists those that are); '
                               f"{fonts}/closed.ttf cannot be read: no permission\n"), done)
 
     def test_standard_output_is_named_and_terminals_get_codes(self):
