@@ -8,6 +8,7 @@
 #include "base/dump_log.h"
 #include "base/profile_settings.h"
 #include "platform/console.h"
+#include "ui/qt/leaving.h"
 #include "ui/qt/main_window.h"
 
 namespace kerno {
@@ -39,6 +40,7 @@ int main(int argc, char** argv) {
   kerno::SystemServices services;
   kerno::MainWindow window(services);
   window.show();
+  kerno::KeepAtTheEnd(&window, [&window] { window.SaveNow(); });
   window.OpenFiles(QApplication::arguments().mid(1));
   return QApplication::exec();
 }

@@ -4,7 +4,6 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
-#include <QGridLayout>
 #include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
@@ -12,36 +11,49 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QUrl>
 #include <QVBoxLayout>
-#include <set>
 
 #include "app/scoped_flag.h"
+#include "app/window_place.h"
 #include "ui/qt/combos.h"
 #include "ui/qt/preview_frame.h"
 #include "ui/qt/qt_text.h"
+#include "ui/qt/shown_children.h"
 #include "ui/qt/text_box.h"
+#include "ui/qt/wrapping_line.h"
 
 namespace kerno {
 namespace {
 
-constexpr QSize kFirstSize(860, 680);
+constexpr QSize kSmallest(320, 240);
 
 QKeySequence ShortcutOf(const char16_t* portable) {
   return QKeySequence::fromString(ToQString(portable), QKeySequence::PortableText);
 }
 
 // Of the height that the lines leave free.
-int ShareOfHeight(WindowLine line) {
-  return line == WindowLine::kPreview ? 5 : line == WindowLine::kText ? 2 : 0;
+constexpr int kTextShare = 2;
+constexpr int kPreviewShare = 5;
+
+Place PlaceOf(const ControlRow& row) {
+  if (row.kind == ControlKind::kLabel) return Place::kWithNext;
+  if (row.at_end) return Place::kAtEnd;
+  return row.width == kRestOfLine ? Place::kTakesRest : Place::kUsual;
 }
 
 }  // namespace
 
 MainWindow::MainWindow(DialogServices& services) {
+  OfferShownChildrenOnly();
   setWindowTitle(ToQString(kWindowTitle));
   setAcceptDrops(true);
-  resize(kFirstSize);
+  setMinimumSize(kSmallest);
+  const QSize room = screen()->availableGeometry().size();
+  const ContentSize first = FirstSize(room.width(), room.height());
+  resize(first.width, first.height);
   MakeControls();
   LayOut();
   DialogView& view = *this;
@@ -63,7 +75,12 @@ void MainWindow::MakeControls() {
     if (row.line == WindowLine::kAboutBox) continue;
     QWidget* control = MakeControl(row);
     control->setObjectName(ObjectName(row.id));
-    control->setAccessibleName(ToQString(row.name));
+    // The status is read out as what it says.
+    if (row.kind == ControlKind::kStatus) {
+      control->setAccessibleDescription(ToQString(row.name));
+    } else {
+      control->setAccessibleName(ToQString(row.name));
+    }
     control->setToolTip(ToQString(row.hint));
     control->setVisible(!row.hidden);
     controls_[row.id] = control;
@@ -126,7 +143,7 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
 }
 
 QPushButton* MainWindow::MakeButton(const ControlRow& row) {
-  auto* button = new QPushButton(ToQString(row.caption), this);
+  auto* button = new QPushButton(ToQString(MarkedCaption(row.caption, row.shortcut)), this);
   if (*row.shortcut) button->setShortcut(ShortcutOf(row.shortcut));
   connect(button, &QPushButton::clicked, this, [this, id = row.id] { presenter_->Pressed(id); });
   return button;
@@ -150,25 +167,40 @@ QLabel* MainWindow::MakeStatus() {
   return status_;
 }
 
+// What does not fit into a small window scrolls; status and outputs stay in sight under it.
 void MainWindow::LayOut() {
   auto* outer = new QVBoxLayout(this);
   outer->setMenuBar(MakeMenu());
-  std::map<WindowLine, QHBoxLayout*> lines;
-  std::set<QHBoxLayout*> filled;
+  auto* content = new QWidget;
+  auto* lines = new QVBoxLayout(content);
+  lines->setContentsMargins(0, 0, 0, 0);
+  auto* scroller = new QScrollArea(this);
+  scroller->setFrameShape(QFrame::NoFrame);
+  scroller->setWidgetResizable(true);
+  scroller->setFocusPolicy(Qt::NoFocus);
+  scroller->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  outer->addWidget(scroller, 1);
+  std::map<WindowLine, WrappingLine*> wrapping;
+  QHBoxLayout* beside_text = nullptr;
   for (const ControlRow& row : Controls()) {
     QWidget* control = controls_[row.id];
     if (!control || control->parentWidget() != this) continue;  // the edit stands in its control
-    QHBoxLayout*& line = lines[row.line];
-    if (!line) outer->addLayout(line = new QHBoxLayout, ShareOfHeight(row.line));
-    if (row.at_end) line->addStretch(1);
-    const bool takes_rest = row.width == kRestOfLine;
-    const bool is_button = row.kind == ControlKind::kButton;
-    line->addWidget(control, takes_rest ? 1 : 0, is_button ? Qt::AlignTop : Qt::Alignment());
-    if (takes_rest || row.at_end) filled.insert(line);
+    if (row.line == WindowLine::kText) {
+      if (!beside_text) lines->addLayout(beside_text = new QHBoxLayout, kTextShare);
+      const bool is_button = row.kind == ControlKind::kButton;
+      beside_text->addWidget(control, 0, is_button ? Qt::AlignTop : Qt::Alignment());
+    } else if (row.line == WindowLine::kPreview) {
+      lines->addWidget(control, kPreviewShare);
+    } else if (row.line == WindowLine::kStatus) {
+      outer->addWidget(control);
+    } else {
+      WrappingLine*& line = wrapping[row.line];
+      const bool stays = row.line == WindowLine::kOutputs;
+      if (!line) (stays ? outer : lines)->addLayout(line = new WrappingLine);
+      line->Add(control, PlaceOf(row));
+    }
   }
-  for (const auto& [name, line] : lines) {
-    if (!filled.contains(line)) line->addStretch(1);
-  }
+  scroller->setWidget(content);
 }
 
 QMenuBar* MainWindow::MakeMenu() {
@@ -204,6 +236,10 @@ void MainWindow::OpenFiles(const QStringList& files) {
 }
 
 // Events
+
+void MainWindow::SaveNow() {
+  (void)presenter_->Close();  // what fails has nobody to be told
+}
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   event->setAccepted(presenter_->Close());

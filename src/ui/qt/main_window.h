@@ -33,6 +33,9 @@ class MainWindow final : public QWidget, private DialogView {
   // Takes files as if they had been dropped.
   void OpenFiles(const QStringList& files);
 
+  // Keeps settings and text for the next run: this one ends.
+  void SaveNow();
+
   DialogPresenter& presenter() { return *presenter_; }
 
  protected:

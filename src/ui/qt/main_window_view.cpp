@@ -78,6 +78,7 @@ void MainWindow::ShowMenuChecked(MenuCommand command, bool checked) {
 
 void MainWindow::ShowStatus(std::u16string_view text, StatusKind kind) {
   status_->setText(ToQString(text));
+  status_->setAccessibleName(status_->text());
   preview_->setAccessibleDescription(status_->text());
   QPalette colors = palette();
   const Color paper = FromQColor(colors.color(QPalette::Window));

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QWheelEvent>
 #include <algorithm>
+#include <cmath>
 
 #include "app/dialog_presenter.h"
 #include "ui/qt/qt_text.h"
@@ -30,12 +31,19 @@ char16_t NameOfKey(int key) {
   }
 }
 
+// The place moved onto a pixel of the device: between two the picture would be blurred.
+QPointF OnPixel(const QPainter& painter, QPointF place) {
+  const QTransform to_device = painter.deviceTransform();
+  const QPointF pixel = to_device.map(place);
+  return to_device.inverted().map(QPointF(std::round(pixel.x()), std::round(pixel.y())));
+}
+
 }  // namespace
 
 PreviewFrame::PreviewFrame(QWidget* parent) : QFrame(parent) {
   setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
   setFocusPolicy(Qt::StrongFocus);
-  setMinimumSize(200, 120);
+  setMinimumSize(160, 100);
   setCursor(Qt::OpenHandCursor);
   setAttribute(Qt::WA_OpaquePaintEvent);
 }
@@ -59,7 +67,7 @@ void PreviewFrame::PaintPicture() {
 void PreviewFrame::paintEvent(QPaintEvent*) {
   if (is_stale_ || picture_.devicePixelRatio() != devicePixelRatioF()) PaintPicture();
   QPainter painter(this);
-  painter.drawImage(contentsRect().topLeft(), picture_);
+  painter.drawImage(OnPixel(painter, contentsRect().topLeft()), picture_);
   drawFrame(&painter);
   if (hasFocus()) {
     painter.setPen(palette().color(QPalette::Highlight));

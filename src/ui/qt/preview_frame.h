@@ -21,7 +21,7 @@ class PreviewFrame final : public QFrame {
   // Paints the drawing again at the next paint event.
   void Repaint();
 
-  QSize sizeHint() const override { return {640, 320}; }
+  QSize sizeHint() const override { return minimumSize(); }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
