@@ -5,10 +5,10 @@
 #include <chrono>
 #include <fstream>
 
+#include "app/choice.h"
+#include "app/option_values.h"
 #include "base/folders.h"
 #include "base/text.h"
-#include "cli/arguments.h"
-#include "cli/choice.h"
 #include "cli/console.h"
 #include "cli/scratch_path.h"
 #include "export/export.h"

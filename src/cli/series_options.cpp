@@ -9,9 +9,9 @@
 #include <thread>
 #include <vector>
 
+#include "app/choice.h"
+#include "app/option_values.h"
 #include "base/text.h"
-#include "cli/arguments.h"
-#include "cli/choice.h"
 #include "cli/console.h"
 #include "platform/file_replacement.h"
 #include "platform/folder_path.h"

@@ -6,10 +6,10 @@
 #include <new>
 #include <utility>
 
+#include "app/option_values.h"
 #include "app/series_names.h"
 #include "base/ordered_work.h"
 #include "base/text.h"
-#include "cli/arguments.h"
 #include "cli/cut_report.h"
 #include "platform/folder_path.h"
 

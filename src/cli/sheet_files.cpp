@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
+#include "app/option_values.h"
 #include "app/series_names.h"
 #include "base/text.h"
-#include "cli/arguments.h"
 #include "cli/console.h"
 #include "export/drawing_formats.h"
 #include "platform/folder_path.h"

@@ -2,9 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/arguments.h"
+#include "app/lengths.h"
+#include "app/option_values.h"
 #include "cli/console.h"
-#include "cli/lengths.h"
 
 namespace kerno {
 namespace {

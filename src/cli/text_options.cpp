@@ -5,11 +5,11 @@
 #include <cmath>
 #include <limits>
 
+#include "app/choice.h"
 #include "app/face_choice.h"
+#include "app/option_values.h"
 #include "app/text_source.h"
 #include "base/text.h"
-#include "cli/arguments.h"
-#include "cli/choice.h"
 #include "cli/console.h"
 #include "outline/scripts.h"
 
@@ -56,7 +56,7 @@ void TextOptions::AddTo(CLI::App& app) {
                  "return to the margin)")
       ->type_name("crlf|keep")
       ->capture_default_str();
-  face_.AddTo(app, FaceOptions::Source::kSystem);
+  face_.AddTo(app);
   app.add_option("--height", height_, "above 0 cell height, below 0 em height, 0 the default")
       ->type_name("N")
       ->capture_default_str();

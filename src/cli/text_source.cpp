@@ -3,11 +3,11 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
+#include "app/option_values.h"
 #include "app/text_coding.h"
 #include "app/text_source.h"
 #include "base/text.h"
 #include "base/text_file.h"
-#include "cli/arguments.h"
 #include "cli/console.h"
 
 namespace kerno {

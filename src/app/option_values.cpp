@@ -1,10 +1,10 @@
-#include "cli/arguments.h"
+#include "app/option_values.h"
 
 #include <charconv>
 #include <cmath>
 
+#include "app/reports.h"
 #include "base/text.h"
-#include "cli/console.h"
 
 namespace kerno {
 namespace {

@@ -1,11 +1,11 @@
-#include "cli/lengths.h"
+#include "app/lengths.h"
 
 #include <charconv>
 #include <cmath>
 #include <string>
 #include <utility>
 
-#include "cli/console.h"
+#include "app/reports.h"
 #include "drawing/drawing.h"
 
 namespace kerno {
