@@ -4,7 +4,6 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
-#include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -30,10 +29,6 @@ namespace {
 
 constexpr QSize kSmallest(320, 240);
 
-QKeySequence ShortcutOf(const char16_t* portable) {
-  return QKeySequence::fromString(ToQString(portable), QKeySequence::PortableText);
-}
-
 // Of the height that the lines leave free.
 constexpr int kTextShare = 2;
 constexpr int kPreviewShare = 5;
@@ -58,7 +53,7 @@ MainWindow::MainWindow(DialogServices& services) {
   LayOut();
   DialogView& view = *this;
   presenter_ = std::make_unique<DialogPresenter>(view, services);
-  preview_->SetPresenter(presenter_.get());
+  preview_->SetEvents(ClassicPreviewEvents());
   due_.setSingleShot(true);
   connect(&due_, &QTimer::timeout, this, [this] { presenter_->Due(); });
   presenter_->Open();
@@ -105,7 +100,8 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
       return new QLabel(caption, this);
     case ControlKind::kTextBox:
       text_ = new TextBox(this);
-      text_->setAccessibleDescription(tr("The text to convert. Ctrl+Tab types a tab."));
+      text_->setAccessibleDescription(
+          ToQString(Say(u"The text to convert. Ctrl+Tab types a tab.")));
       connect(text_, &QTextEdit::textChanged, this,
               UnlessShown([this, id = row.id] { presenter_->TextChanged(id, text_->Text()); }));
       return text_;
@@ -144,7 +140,7 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
 
 QPushButton* MainWindow::MakeButton(const ControlRow& row) {
   auto* button = new QPushButton(ToQString(MarkedCaption(row.caption, row.shortcut)), this);
-  if (*row.shortcut) button->setShortcut(ShortcutOf(row.shortcut));
+  if (*row.shortcut) button->setShortcut(ToKeys(row.shortcut));
   connect(button, &QPushButton::clicked, this, [this, id = row.id] { presenter_->Pressed(id); });
   return button;
 }
@@ -203,6 +199,24 @@ void MainWindow::LayOut() {
   scroller->setWidget(content);
 }
 
+PreviewEvents MainWindow::ClassicPreviewEvents() {
+  DialogPresenter* user = presenter_.get();
+  return {
+      .picture = [user](double density,
+                        Color paper) { return user->PreviewPicture(density, paper); },
+      .resized = [user](double width, double height,
+                        double) { user->PreviewResized(width, height); },
+      .zoomed = [user](double x, double y, double steps) { user->PreviewZoomed(x, y, steps); },
+      .grabbed = [user](double x, double y) { user->PreviewGrabbed(x, y); },
+      .pointed_at = [user](double x, double y) { user->PreviewPointedAt(x, y); },
+      .released = [user] { user->PreviewReleased(); },
+      .double_clicked = [user] { user->PreviewDoubleClicked(); },
+      .key_pressed = [user](char16_t key) { return user->PreviewKeyPressed(key); },
+      .file_to_drag = {},
+      .copied = {},
+  };
+}
+
 QMenuBar* MainWindow::MakeMenu() {
   auto* bar = new QMenuBar(this);
   for (const MenuColumn& column : Menu()) {  // NOLINT: the window owns its groups
@@ -212,7 +226,7 @@ QMenuBar* MainWindow::MakeMenu() {
       if (row.separator_before) menu->addSeparator();
       if (row.separator_before || !group) group = new QActionGroup(this);
       QAction* action = menu->addAction(ToQString(row.caption));
-      action->setShortcut(ShortcutOf(row.shortcut));
+      action->setShortcut(ToKeys(row.shortcut));
       action->setCheckable(row.checkable);
       if (row.checkable) group->addAction(action);
       actions_[row.command] = action;

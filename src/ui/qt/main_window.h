@@ -22,6 +22,7 @@ namespace kerno {
 class FaceCombo;
 class HeightSpin;
 class PreviewFrame;
+struct PreviewEvents;
 class TextBox;
 
 class MainWindow final : public QWidget, private DialogView {
@@ -86,6 +87,7 @@ class MainWindow final : public QWidget, private DialogView {
   QComboBox* ConnectEdit(QComboBox* combo, ControlId id);
   QLabel* MakeStatus();
   void LayOut();
+  PreviewEvents ClassicPreviewEvents();
   QMenuBar* MakeMenu();
   void SizeDropDowns();
   void LearnFrame();

@@ -2,7 +2,10 @@
 #pragma once
 
 #include <QColor>
+#include <QKeySequence>
+#include <QPainter>
 #include <QString>
+#include <cmath>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -30,6 +33,18 @@ inline QColor ToQColor(Color color) {
 }
 inline Color FromQColor(const QColor& color) {
   return RgbColor(color.red(), color.green(), color.blue());
+}
+
+// The keys of a shortcut in the portable notation.
+inline QKeySequence ToKeys(const char16_t* portable) {
+  return QKeySequence::fromString(ToQString(portable), QKeySequence::PortableText);
+}
+
+// The place moved onto a pixel of the device: a picture painted between two would be blurred.
+inline QPointF OnPixel(const QPainter& painter, QPointF place) {
+  const QTransform to_device = painter.deviceTransform();
+  const QPointF pixel = to_device.map(place);
+  return to_device.inverted().map(QPointF(std::round(pixel.x()), std::round(pixel.y())));
 }
 
 // A control's object name is its number.

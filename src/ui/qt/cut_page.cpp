@@ -1,0 +1,478 @@
+#include "ui/qt/cut_page.h"
+
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QSplitter>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "app/captions.h"
+#include "app/scoped_flag.h"
+#include "ui/qt/axis_sliders.h"
+#include "ui/qt/combos.h"
+#include "ui/qt/face_list.h"
+#include "ui/qt/fields.h"
+#include "ui/qt/preview_frame.h"
+#include "ui/qt/qt_text.h"
+#include "ui/qt/text_box.h"
+#include "ui/qt/wrapping_line.h"
+
+namespace kerno {
+namespace {
+
+constexpr int kPanelWidth = 350;
+constexpr int kNarrow = 680;  // of a window: panel and preview stand one above the other
+constexpr int kGridColumns = 4;
+constexpr int kTextLines = 3;
+
+// The caption stands before a control that shows a value, and on all others.
+bool HasCaptionBefore(const CutControlRow& row) {
+  switch (row.kind) {
+    case ControlKind::kField:
+    case ControlKind::kChoice:
+    case ControlKind::kColorCombo:
+    case ControlKind::kFigure:
+      return *row.caption != u'\0';
+    default:
+      return false;
+  }
+}
+
+bool TakesWholeLine(const CutControlRow& row) {
+  return row.width == kRestOfLine && !HasCaptionBefore(row);
+}
+
+QString Said(const char16_t* english) {
+  return *english ? ToQString(Say(english)) : QString();
+}
+
+}  // namespace
+
+CutPage::CutPage(QWidget* parent) : QWidget(parent) {
+  MakeControls();
+  LayOut();
+  ShowCaptions();
+  due_.setSingleShot(true);
+  connect(&due_, &QTimer::timeout, this, [this] { presenter_->Due(); });
+}
+
+CutPage::~CutPage() = default;
+
+void CutPage::SetPresenter(CutPresenter* presenter) {
+  presenter_ = presenter;
+  preview_->SetEvents(CutPreviewEvents());
+}
+
+// Controls
+
+// The Tab key goes from one to the next in the order in which they are made.
+void CutPage::MakeControls() {
+  const ScopedFlag writing(shows_);
+  for (const CutControlRow& row : CutControls()) {
+    if (HasCaptionBefore(row)) captions_[row.id] = new QLabel(this);
+    QWidget* control = MakeControl(row);
+    control->setObjectName(ObjectName(row.id));
+    controls_[row.id] = control;
+    if (const auto caption = captions_.find(row.id); caption != captions_.end()) {
+      caption->second->setBuddy(control);
+    }
+  }
+}
+
+QWidget* CutPage::MakeControl(const CutControlRow& row) {
+  switch (row.kind) {
+    case ControlKind::kTextBox:
+      text_ = new TextBox(this);
+      connect(text_, &QTextEdit::textChanged, this,
+              UnlessShown([this, id = row.id] { presenter_->TextChanged(id, text_->Text()); }));
+      return text_;
+    case ControlKind::kCheckBox: {
+      auto* box = new QCheckBox(this);
+      connect(box, &QCheckBox::toggled, this,
+              UnlessShown([this, id = row.id](bool on) { presenter_->Checked(id, on); }));
+      return box;
+    }
+    case ControlKind::kField:
+    case ControlKind::kSearch:
+      return MakeField(row);
+    case ControlKind::kChoice:
+    case ControlKind::kColorCombo:
+      return MakeChoice(row);
+    case ControlKind::kFaceList:
+      return MakeFaceList(row);
+    case ControlKind::kAxes:
+      axes_ = new AxisSliders(this);
+      axes_->on_moved = [this](size_t axis, double place) { presenter_->AxisMoved(axis, place); };
+      return axes_;
+    case ControlKind::kPreview:
+      return preview_ = new PreviewFrame(this);
+    case ControlKind::kFigure:
+      return new Figure(this);
+    case ControlKind::kLinks:
+      status_ = new StatusLinks(this);
+      status_->on_followed = [this](int number) { presenter_->LinkFollowed(number); };
+      return status_;
+    default:
+      return MakeButton(row);
+  }
+}
+
+QAbstractButton* CutPage::MakeButton(const CutControlRow& row) {
+  QAbstractButton* button = nullptr;
+  if (row.section == CutSection::kZoomBar || row.id == ControlId::kSaveMenu) {
+    button = new QToolButton(this);
+    button->setFocusPolicy(Qt::TabFocus);
+  } else {
+    auto* wide = new QPushButton(this);
+    wide->setDefault(row.kind == ControlKind::kDefaultButton);
+    button = wide;
+  }
+  if (row.kind == ControlKind::kToggle) {
+    button->setCheckable(true);
+    connect(button, &QAbstractButton::toggled, this, UnlessShown([this, id = row.id](bool on) {
+              if (id == ControlId::kMeasure) {
+                preview_->SetPointer(on ? Qt::CrossCursor : Qt::OpenHandCursor);
+              }
+              presenter_->Checked(id, on);
+            }));
+  } else if (row.kind == ControlKind::kMenuButton) {
+    auto* menu = new QMenu(button);
+    connect(menu, &QMenu::triggered, this, [this, id = row.id](const QAction* action) {
+      presenter_->Picked(id, action->data().toUInt());
+    });
+    if (auto* tool = qobject_cast<QToolButton*>(button)) {
+      tool->setMenu(menu);
+      tool->setPopupMode(QToolButton::InstantPopup);
+    } else {
+      static_cast<QPushButton*>(button)->setMenu(menu);
+    }
+  } else {
+    connect(button, &QAbstractButton::clicked, this,
+            [this, id = row.id] { presenter_->Pressed(id); });
+  }
+  return button;
+}
+
+QWidget* CutPage::MakeField(const CutControlRow& row) {
+  auto* field = new Field(this);
+  field->SetWantedWidth(row.width == kRestOfLine ? kPanelWidth / 3 : row.width);
+  if (row.kind == ControlKind::kSearch) {
+    field->setClearButtonEnabled(true);
+    field->installEventFilter(this);
+  }
+  connect(field, &QLineEdit::textChanged, this,
+          UnlessShown([this, id = row.id](const QString& text) {
+            presenter_->TextChanged(id, FromQString(text));
+          }));
+  return field;
+}
+
+QWidget* CutPage::MakeChoice(const CutControlRow& row) {
+  QComboBox* combo = nullptr;
+  if (row.kind == ControlKind::kColorCombo) {
+    combo = new ColorCombo(this);
+    combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    combo->setMinimumContentsLength(6);
+  } else {
+    combo = new Choice(this);
+  }
+  // The wheel scrolls the panel; it changes no choice on its way.
+  combo->setFocusPolicy(Qt::StrongFocus);
+  combo->installEventFilter(this);
+  connect(combo, &QComboBox::currentIndexChanged, this, UnlessShown([this, id = row.id](int index) {
+            if (index >= 0) presenter_->Selected(id, static_cast<size_t>(index));
+          }));
+  return combo;
+}
+
+QWidget* CutPage::MakeFaceList(const CutControlRow& row) {
+  faces_ = new FaceList(this);
+  faces_->on_selected = [this, id = row.id](size_t face) { presenter_->Selected(id, face); };
+  faces_->on_favourite = [this](size_t face) { presenter_->FavouriteToggled(face); };
+  faces_->sample = [this](size_t face, int width, int height, Color ink, Color paper) {
+    return presenter_ ? presenter_->FaceSample(face, width, height, ink, paper) : nullptr;
+  };
+  return faces_;
+}
+
+PreviewEvents CutPage::CutPreviewEvents() {
+  CutPresenter* user = presenter_;
+  return {
+      .picture = [user](double, Color paper) { return user->PreviewPicture(paper); },
+      .resized = [user](double width, double height,
+                        double density) { user->PreviewResized(width, height, density); },
+      .zoomed = [user](double x, double y, double steps) { user->PreviewZoomed(x, y, steps); },
+      .grabbed = [user](double x, double y) { user->PreviewGrabbed(x, y); },
+      .pointed_at = [user](double x, double y) { user->PreviewPointedAt(x, y); },
+      .released = [user] { user->PreviewReleased(); },
+      .double_clicked = [user] { user->PreviewDoubleClicked(); },
+      .key_pressed = [user](char16_t key) { return user->PreviewKeyPressed(key); },
+      .file_to_drag = [user] { return user->FileToDrag(); },
+      .copied = [user] { user->Pressed(ControlId::kCopySvg); },
+  };
+}
+
+QAbstractButton* CutPage::ButtonOf(const QKeySequence& key) const {
+  for (const CutControlRow& row : CutControls()) {
+    auto* button = qobject_cast<QAbstractButton*>(controls_.at(row.id));
+    if (button && *row.shortcut && ToKeys(row.shortcut) == key && button->isVisible()) return button;
+  }
+  return nullptr;
+}
+
+// Captions
+
+void CutPage::ShowCaptions() {
+  for (const CutControlRow& row : CutControls()) ShowCaption(row);
+  for (auto& [section, panel] : panels_) panel.title->setText(Said(TitleOf(section)));
+  cancel_->setText(Said(u"Cancel"));
+}
+
+void CutPage::ShowCaption(const CutControlRow& row) {
+  QWidget* control = controls_.at(row.id);
+  const QString caption = Said(row.caption);
+  const QString hint = Said(row.hint);
+  const QString name = ToQString(WithoutMnemonic(FromQString(caption)));
+  const auto before = captions_.find(row.id);
+  if (before != captions_.end()) {
+    before->second->setText(caption);
+    before->second->setToolTip(hint);
+  }
+  if (auto* button = qobject_cast<QAbstractButton*>(control)) {
+    // The presenter names the main button's format.
+    if (row.kind != ControlKind::kDefaultButton || button->text().isEmpty()) {
+      button->setText(caption);
+    }
+    // A text takes the key of a button away.
+    if (*row.shortcut) button->setShortcut(ToKeys(row.shortcut));
+  }
+  QString told = hint;
+  if (*row.shortcut) {
+    told += QStringLiteral(" (%1)").arg(ToKeys(row.shortcut).toString(QKeySequence::NativeText));
+  }
+  control->setToolTip(told);
+  const bool is_sign = !name.isEmpty() && !name.front().isLetterOrNumber();
+  control->setAccessibleName(name.isEmpty() || is_sign ? hint : name);
+  if (!name.isEmpty() && !is_sign) control->setAccessibleDescription(hint);
+  if (row.kind == ControlKind::kSearch) static_cast<Field*>(control)->setPlaceholderText(hint);
+  if (row.kind == ControlKind::kTextBox) text_->setPlaceholderText(hint);
+  if (row.kind == ControlKind::kFigure && TakesWholeLine(row)) {
+    static_cast<Figure*>(control)->SetPlaceholder(hint);
+  }
+}
+
+// Layout
+
+void CutPage::LayOut() {
+  auto* page = new QVBoxLayout(this);
+  page->setContentsMargins(0, 0, 0, 0);
+  split_ = new QSplitter(this);
+  split_->setChildrenCollapsible(false);
+  split_->addWidget(MakePanel());
+  split_->addWidget(MakePreviewSide());
+  split_->setStretchFactor(0, 0);
+  split_->setStretchFactor(1, 1);
+  split_->setSizes({kPanelWidth, 2 * kPanelWidth});
+  page->addWidget(split_, 1);
+  AddProgress(page);
+  AddOutputs(page);
+}
+
+QWidget* CutPage::MakePanel() {
+  auto* content = new QWidget;
+  auto* sections = new QVBoxLayout(content);
+  sections->setContentsMargins(0, 0, 6, 0);
+  for (const CutControlRow& row : CutControls()) {
+    if (row.section >= CutSection::kPreview) continue;
+    Panel& panel = panels_[row.section];
+    if (!panel.grid) {
+      panel.title = new QLabel(content);
+      QFont bold = panel.title->font();
+      bold.setBold(true);
+      panel.title->setFont(bold);
+      panel.title->setContentsMargins(0, panels_.size() == 1 ? 0 : 8, 0, 0);
+      sections->addWidget(panel.title);
+      // The list of faces takes the height that is free.
+      const int stretch = row.section == CutSection::kFace ? 1 : 0;
+      sections->addLayout(panel.grid = new QGridLayout, stretch);
+      panel.grid->setColumnStretch(1, 1);
+      panel.grid->setColumnStretch(3, 1);
+    }
+    AddToPanel(row, &panel);
+  }
+  scroller_ = new QScrollArea(this);
+  scroller_->setFrameShape(QFrame::NoFrame);
+  scroller_->setWidgetResizable(true);
+  scroller_->setFocusPolicy(Qt::NoFocus);
+  scroller_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scroller_->setWidget(content);
+  return scroller_;
+}
+
+// Two captions with their controls stand side by side, all under one another; a third control has
+// the next line.
+void CutPage::AddToPanel(const CutControlRow& row, Panel* panel) {
+  QWidget* control = controls_[row.id];
+  panel->controls.push_back(row.id);
+  const bool is_beside =
+      row.same_line && !lines_.back().controls.empty() && lines_.back().controls.size() < 2;
+  QGridLayout* grid = panel->grid;
+  if (!is_beside) {
+    auto* fault = new QLabel(this);
+    fault->setTextFormat(Qt::PlainText);
+    fault->setWordWrap(true);
+    fault->hide();
+    const int line = grid->rowCount();
+    grid->addWidget(fault, line + 1, 0, 1, kGridColumns);
+    lines_.push_back({{}, fault});
+  }
+  lines_.back().controls.push_back(row.id);
+  const int line = grid->rowCount() - 2;
+  const bool has_caption = captions_.contains(row.id);
+  if (has_caption) grid->addWidget(captions_[row.id], line, is_beside ? 2 : 0);
+  if (is_beside) {
+    grid->addWidget(control, line, has_caption ? 3 : 2, 1, has_caption ? 1 : 2);
+    return;
+  }
+  const auto rows = CutControls();
+  const auto next = static_cast<size_t>(&row - rows.data()) + 1;
+  const bool stays_alone = next >= rows.size() || !rows[next].same_line;
+  const int from = has_caption ? 1 : 0;
+  const int until = stays_alone && (row.width == kRestOfLine) ? kGridColumns : 2;
+  grid->addWidget(control, line, from, 1, until - from);
+  if (row.kind == ControlKind::kFaceList) grid->setRowStretch(line, 1);
+}
+
+QWidget* CutPage::MakePreviewSide() {
+  preview_side_ = new QWidget(this);
+  auto* column = new QVBoxLayout(preview_side_);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->addWidget(preview_, 1);
+  auto* bar = new WrappingLine;
+  bar->setSpacing(4);
+  for (const CutControlRow& row : CutControls()) {
+    if (row.section != CutSection::kZoomBar) continue;
+    const bool takes_rest = row.width == kRestOfLine;
+    QWidget* control = controls_[row.id];
+    if (row.kind == ControlKind::kFigure) {
+      static_cast<QLabel*>(control)->setAlignment(takes_rest ? Qt::AlignRight | Qt::AlignVCenter
+                                                             : Qt::AlignCenter);
+      control->setMinimumWidth(row.width);
+    } else if (row.kind == ControlKind::kButton) {
+      control->setMinimumWidth(row.width);
+    }
+    bar->Add(control, takes_rest ? Place::kTakesRest : Place::kUsual);
+  }
+  column->addLayout(bar);
+  return preview_side_;
+}
+
+void CutPage::AddOutputs(QVBoxLayout* page) {
+  page->addWidget(status_);
+  auto* buttons = new WrappingLine;
+  // The main button and its menu are joined.
+  auto* saving = new QWidget(this);
+  auto* joined = new QHBoxLayout(saving);
+  joined->setContentsMargins(0, 0, 0, 0);
+  joined->setSpacing(0);
+  for (const CutControlRow& row : CutControls()) {
+    if (row.section != CutSection::kOutput || row.kind == ControlKind::kLinks) continue;
+    QWidget* control = controls_[row.id];
+    if (row.id == ControlId::kSave || row.id == ControlId::kSaveMenu) {
+      joined->addWidget(control);
+      control->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+      control->setMinimumHeight(control->sizeHint().height());
+    } else {
+      buttons->Add(control);
+    }
+  }
+  auto* save = controls_[ControlId::kSave];
+  save->setMinimumWidth(FindCutControl(ControlId::kSave)->width);
+  auto* menu = static_cast<QToolButton*>(controls_[ControlId::kSaveMenu]);
+  menu->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
+  menu->setMinimumHeight(save->sizeHint().height());
+  buttons->Add(saving, Place::kAtEnd);
+  page->addLayout(buttons);
+  // The other formats by a key.
+  auto* other = new QShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+S")), this);
+  connect(other, &QShortcut::activated, menu, &QToolButton::showMenu);
+}
+
+void CutPage::AddProgress(QVBoxLayout* page) {
+  progress_ = new QWidget(this);
+  auto* line = new QHBoxLayout(progress_);
+  line->setContentsMargins(0, 0, 0, 0);
+  line->addWidget(progress_text_ = new QLabel(progress_), 1);
+  line->addWidget(progress_bar_ = new QProgressBar(progress_), 2);
+  line->addWidget(cancel_ = new QPushButton(progress_));
+  connect(cancel_, &QAbstractButton::clicked, this, [this] { presenter_->Cancelled(); });
+  progress_->hide();
+  page->addWidget(progress_);
+}
+
+// In a narrow page the preview stands over the panel.
+void CutPage::ArrangeForWidth() {
+  const bool narrow = width() < kNarrow;
+  if (narrow == is_narrow_) return;
+  is_narrow_ = narrow;
+  split_->setOrientation(narrow ? Qt::Vertical : Qt::Horizontal);
+  split_->insertWidget(0, narrow ? preview_side_ : scroller_);
+  split_->setStretchFactor(split_->indexOf(scroller_), narrow ? 1 : 0);
+  split_->setStretchFactor(split_->indexOf(preview_side_), 1);
+  if (!narrow) split_->setSizes({kPanelWidth, width() - kPanelWidth});
+}
+
+// A section without controls has no title.
+void CutPage::ShowTitles() {
+  for (auto& [section, panel] : panels_) {
+    panel.title->setHidden(std::ranges::all_of(
+        panel.controls, [this](ControlId id) { return controls_[id]->isHidden(); }));
+  }
+}
+
+// Events
+
+void CutPage::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  ArrangeForWidth();
+}
+
+void CutPage::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange && presenter_) presenter_->ShowLooksAgain();
+}
+
+bool CutPage::eventFilter(QObject* object, QEvent* event) {
+  if (event->type() == QEvent::Wheel && qobject_cast<QComboBox*>(object)) {
+    if (static_cast<QWidget*>(object)->hasFocus()) return false;
+    event->ignore();
+    return true;
+  }
+  if (event->type() == QEvent::KeyPress && object == controls_[ControlId::kFaceSearch]) {
+    // From the words that are searched straight into what was found.
+    switch (static_cast<QKeyEvent*>(event)->key()) {
+      case Qt::Key_Up:
+      case Qt::Key_Down:
+      case Qt::Key_PageUp:
+      case Qt::Key_PageDown:
+        QCoreApplication::sendEvent(faces_, event);
+        return true;
+      default:
+        return false;
+    }
+  }
+  return QWidget::eventFilter(object, event);
+}
+
+}  // namespace kerno
