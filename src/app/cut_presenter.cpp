@@ -301,7 +301,7 @@ void CutPresenter::Rebuild() {
   try {
     if (!job.text.empty()) status = workshop_.Make(job, made.get());
   } catch (const std::bad_alloc&) {
-    status = Status::Error(Failure::kNoMemory, u"", u"there is not enough memory for this text");
+    status = Status::Error(Failure::kOther, u"", u"there is not enough memory for this text");
   }
   if (!status.ok()) {
     failure_ = SayStatus(status);

@@ -8,6 +8,7 @@
 #include "app/dialog_settings.h"
 #include "base/folders.h"
 #include "base/launch.h"
+#include "base/text.h"
 #include "base/text_file.h"
 #include "export/drawing_formats.h"
 #include "platform/folder_path.h"
