@@ -34,6 +34,21 @@ struct WindowPlace {
   bool operator==(const WindowPlace&) const = default;
 };
 
+// The two ways of working.
+enum class WindowMode { kClassic, kCut };
+
+// What the user is asked before a file is written. The view asks before another file is replaced.
+struct SaveQuestion {
+  std::u16string title;
+  std::filesystem::path folder;  // where the question begins
+  std::u16string name;           // proposed, with its extension
+  struct Kind {
+    std::u16string name;       // "DXF drawing"
+    std::u16string extension;  // "dxf"
+  };
+  std::vector<Kind> kinds;  // to choose from, the proposed one first
+};
+
 enum class TextChange {
   kFresh,     // nothing to undo
   kUndoable,  // a step that the user can undo
