@@ -34,7 +34,7 @@ namespace {
 constexpr int kPanelWidth = 350;
 constexpr int kNarrow = 680;  // of a window: panel and preview stand one above the other
 constexpr int kGridColumns = 4;
-constexpr int kTextLines = 3;
+constexpr int kLeastField = 72;
 
 // The caption stands before a control that shows a value, and on all others.
 bool HasCaptionBefore(const CutControlRow& row) {
@@ -51,6 +51,10 @@ bool HasCaptionBefore(const CutControlRow& row) {
 
 bool TakesWholeLine(const CutControlRow& row) {
   return row.width == kRestOfLine && !HasCaptionBefore(row);
+}
+
+int WidthOf(const QWidget& widget, std::u16string_view text) {
+  return widget.fontMetrics().horizontalAdvance(ToQString(text));
 }
 
 QString Said(const char16_t* english) {
@@ -226,7 +230,8 @@ PreviewEvents CutPage::CutPreviewEvents() {
 QAbstractButton* CutPage::ButtonOf(const QKeySequence& key) const {
   for (const CutControlRow& row : CutControls()) {
     auto* button = qobject_cast<QAbstractButton*>(controls_.at(row.id));
-    if (button && *row.shortcut && ToKeys(row.shortcut) == key && button->isVisible()) return button;
+    if (button && *row.shortcut && ToKeys(row.shortcut) == key && button->isVisible())
+      return button;
   }
   return nullptr;
 }
@@ -235,7 +240,7 @@ QAbstractButton* CutPage::ButtonOf(const QKeySequence& key) const {
 
 void CutPage::ShowCaptions() {
   for (const CutControlRow& row : CutControls()) ShowCaption(row);
-  for (auto& [section, panel] : panels_) panel.title->setText(Said(TitleOf(section)));
+  for (auto& [id, section] : sections_) section.title->setText(Said(TitleOf(id)));
   cancel_->setText(Said(u"Cancel"));
 }
 
@@ -290,68 +295,72 @@ void CutPage::LayOut() {
 }
 
 QWidget* CutPage::MakePanel() {
-  auto* content = new QWidget;
-  auto* sections = new QVBoxLayout(content);
-  sections->setContentsMargins(0, 0, 6, 0);
+  panel_ = new QWidget;
+  grid_ = new QGridLayout(panel_);
+  grid_->setContentsMargins(0, 0, 6, 0);
+  grid_->setColumnStretch(1, 1);
+  grid_->setColumnStretch(3, 1);
+  grid_->setColumnMinimumWidth(3, kLeastField);
   for (const CutControlRow& row : CutControls()) {
     if (row.section >= CutSection::kPreview) continue;
-    Panel& panel = panels_[row.section];
-    if (!panel.grid) {
-      panel.title = new QLabel(content);
-      QFont bold = panel.title->font();
+    Section& section = sections_[row.section];
+    if (!section.title) {
+      section.title = new QLabel(panel_);
+      QFont bold = section.title->font();
       bold.setBold(true);
-      panel.title->setFont(bold);
-      panel.title->setContentsMargins(0, panels_.size() == 1 ? 0 : 8, 0, 0);
-      sections->addWidget(panel.title);
-      // The list of faces takes the height that is free.
-      const int stretch = row.section == CutSection::kFace ? 1 : 0;
-      sections->addLayout(panel.grid = new QGridLayout, stretch);
-      panel.grid->setColumnStretch(1, 1);
-      panel.grid->setColumnStretch(3, 1);
+      section.title->setFont(bold);
+      section.title->setContentsMargins(0, sections_.size() == 1 ? 0 : 8, 0, 0);
+      grid_->addWidget(section.title, grid_->rowCount(), 0, 1, kGridColumns);
     }
-    AddToPanel(row, &panel);
+    section.controls.push_back(row.id);
+    AddToPanel(row);
   }
+  grid_->setRowStretch(grid_->rowCount(), 0);
   scroller_ = new QScrollArea(this);
   scroller_->setFrameShape(QFrame::NoFrame);
   scroller_->setWidgetResizable(true);
   scroller_->setFocusPolicy(Qt::NoFocus);
   scroller_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  scroller_->setWidget(content);
+  scroller_->setWidget(panel_);
+  panel_->installEventFilter(this);
   return scroller_;
 }
 
 // Two captions with their controls stand side by side, all under one another; a third control has
 // the next line.
-void CutPage::AddToPanel(const CutControlRow& row, Panel* panel) {
-  QWidget* control = controls_[row.id];
-  panel->controls.push_back(row.id);
-  const bool is_beside =
-      row.same_line && !lines_.back().controls.empty() && lines_.back().controls.size() < 2;
-  QGridLayout* grid = panel->grid;
-  if (!is_beside) {
-    auto* fault = new QLabel(this);
-    fault->setTextFormat(Qt::PlainText);
-    fault->setWordWrap(true);
-    fault->hide();
-    const int line = grid->rowCount();
-    grid->addWidget(fault, line + 1, 0, 1, kGridColumns);
-    lines_.push_back({{}, fault});
-  }
+void CutPage::AddToPanel(const CutControlRow& row) {
+  const bool is_beside = row.same_line && lines_.back().controls.size() < 2;
+  if (!is_beside) AddLine();
   lines_.back().controls.push_back(row.id);
-  const int line = grid->rowCount() - 2;
-  const bool has_caption = captions_.contains(row.id);
-  if (has_caption) grid->addWidget(captions_[row.id], line, is_beside ? 2 : 0);
-  if (is_beside) {
-    grid->addWidget(control, line, has_caption ? 3 : 2, 1, has_caption ? 1 : 2);
-    return;
+  const int line = grid_->rowCount() - 2;
+  QWidget* control = controls_[row.id];
+  const auto caption = captions_.find(row.id);
+  if (row.kind == ControlKind::kFigure && caption != captions_.end()) {
+    auto* together = new QHBoxLayout;
+    together->addWidget(caption->second);
+    together->addWidget(control, 1);
+    return grid_->addLayout(together, line, 0, 1, kGridColumns);
   }
+  int from = is_beside ? 2 : 0;
   const auto rows = CutControls();
   const auto next = static_cast<size_t>(&row - rows.data()) + 1;
-  const bool stays_alone = next >= rows.size() || !rows[next].same_line;
-  const int from = has_caption ? 1 : 0;
-  const int until = stays_alone && (row.width == kRestOfLine) ? kGridColumns : 2;
-  grid->addWidget(control, line, from, 1, until - from);
-  if (row.kind == ControlKind::kFaceList) grid->setRowStretch(line, 1);
+  const bool is_last = next >= rows.size() || !rows[next].same_line;
+  const int until =
+      is_beside || (is_last && row.width == kRestOfLine) ? kGridColumns : kGridColumns / 2;
+  if (caption != captions_.end()) grid_->addWidget(caption->second, line, from++);
+  grid_->addWidget(control, line, from, 1, until - from);
+  // The list of faces takes the height that is free.
+  if (row.kind == ControlKind::kFaceList) grid_->setRowStretch(line, 1);
+}
+
+// A line of the panel, and one for what is wrong in it.
+void CutPage::AddLine() {
+  auto* fault = new QLabel(this);
+  fault->setTextFormat(Qt::PlainText);
+  fault->setWordWrap(true);
+  fault->hide();
+  grid_->addWidget(fault, grid_->rowCount() + 1, 0, 1, kGridColumns);
+  lines_.push_back({{}, fault});
 }
 
 QWidget* CutPage::MakePreviewSide() {
@@ -369,8 +378,7 @@ QWidget* CutPage::MakePreviewSide() {
       static_cast<QLabel*>(control)->setAlignment(takes_rest ? Qt::AlignRight | Qt::AlignVCenter
                                                              : Qt::AlignCenter);
       control->setMinimumWidth(row.width);
-    } else if (row.kind == ControlKind::kButton) {
-      control->setMinimumWidth(row.width);
+      if (takes_rest) control->setMinimumWidth(WidthOf(*control, u"-1000.000, -1000.000 mm"));
     }
     bar->Add(control, takes_rest ? Place::kTakesRest : Place::kUsual);
   }
@@ -430,14 +438,15 @@ void CutPage::ArrangeForWidth() {
   split_->insertWidget(0, narrow ? preview_side_ : scroller_);
   split_->setStretchFactor(split_->indexOf(scroller_), narrow ? 1 : 0);
   split_->setStretchFactor(split_->indexOf(preview_side_), 1);
-  if (!narrow) split_->setSizes({kPanelWidth, width() - kPanelWidth});
+  split_->setSizes(narrow ? QList<int>{height(), height()}
+                          : QList<int>{kPanelWidth, width() - kPanelWidth});
 }
 
 // A section without controls has no title.
 void CutPage::ShowTitles() {
-  for (auto& [section, panel] : panels_) {
-    panel.title->setHidden(std::ranges::all_of(
-        panel.controls, [this](ControlId id) { return controls_[id]->isHidden(); }));
+  for (auto& [id, section] : sections_) {
+    section.title->setHidden(std::ranges::all_of(
+        section.controls, [this](ControlId control) { return controls_[control]->isHidden(); }));
   }
 }
 
@@ -454,6 +463,11 @@ void CutPage::changeEvent(QEvent* event) {
 }
 
 bool CutPage::eventFilter(QObject* object, QEvent* event) {
+  if (object == panel_ && event->type() == QEvent::LayoutRequest) {
+    // Nothing of the panel lies under its scroll bar.
+    scroller_->setMinimumWidth(panel_->minimumSizeHint().width() +
+                               scroller_->verticalScrollBar()->sizeHint().width());
+  }
   if (event->type() == QEvent::Wheel && qobject_cast<QComboBox*>(object)) {
     if (static_cast<QWidget*>(object)->hasFocus()) return false;
     event->ignore();

@@ -4,8 +4,6 @@
 #include <QTimer>
 #include <QWidget>
 #include <map>
-#include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -14,7 +12,6 @@
 #include "app/cut_view.h"
 
 class QAbstractButton;
-class QBoxLayout;
 class QGridLayout;
 class QLabel;
 class QProgressBar;
@@ -30,7 +27,6 @@ class PreviewFrame;
 struct PreviewEvents;
 class StatusLinks;
 class TextBox;
-class WrappingLine;
 
 class CutPage final : public QWidget, public CutView {
  public:
@@ -96,9 +92,8 @@ class CutPage final : public QWidget, public CutView {
     std::vector<ControlId> controls;
     QLabel* fault;
   };
-  struct Panel {
+  struct Section {
     QLabel* title = nullptr;
-    QGridLayout* grid = nullptr;
     std::vector<ControlId> controls;
   };
 
@@ -112,7 +107,8 @@ class CutPage final : public QWidget, public CutView {
   void ShowCaption(const CutControlRow& row);
   void LayOut();
   QWidget* MakePanel();
-  void AddToPanel(const CutControlRow& row, Panel* panel);
+  void AddToPanel(const CutControlRow& row);
+  void AddLine();
   QWidget* MakePreviewSide();
   void AddOutputs(QVBoxLayout* page);
   void AddProgress(QVBoxLayout* page);
@@ -126,7 +122,7 @@ class CutPage final : public QWidget, public CutView {
   CutPresenter* presenter_ = nullptr;
   std::map<ControlId, QWidget*> controls_;
   std::map<ControlId, QLabel*> captions_;  // before their controls
-  std::map<CutSection, Panel> panels_;
+  std::map<CutSection, Section> sections_;
   std::vector<PanelLine> lines_;
   std::map<ControlId, std::u16string> faults_;
   TextBox* text_ = nullptr;
@@ -135,6 +131,8 @@ class CutPage final : public QWidget, public CutView {
   PreviewFrame* preview_ = nullptr;
   StatusLinks* status_ = nullptr;
   QSplitter* split_ = nullptr;
+  QWidget* panel_ = nullptr;
+  QGridLayout* grid_ = nullptr;
   QScrollArea* scroller_ = nullptr;
   QWidget* preview_side_ = nullptr;
   QWidget* progress_ = nullptr;

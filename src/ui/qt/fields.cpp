@@ -13,6 +13,14 @@ namespace {
 
 const QColor kFaultFrame(0xD0, 0x30, 0x30);
 
+// The palettes of dark desktops often keep the link colour of light ones.
+QColor LinkColor(const QPalette& colors) {
+  const QColor paper = colors.color(QPalette::Window);
+  const QColor link = colors.color(QPalette::Link);
+  constexpr int kDark = 128;
+  return paper.lightness() < kDark && link.lightness() <= kDark ? QColor(0x78, 0xB8, 0xFF) : link;
+}
+
 }  // namespace
 
 void Field::SetFault(bool at_fault) {
@@ -91,11 +99,13 @@ void StatusLinks::Show(std::u16string_view text, const std::vector<StatusLink>& 
     const QString part = ToQString(text.substr(from, to - from)).toHtmlEscaped();
     return QString(part).replace(QLatin1Char('\n'), QStringLiteral("<br>"));
   };
+  const QString color = LinkColor(palette()).name();
   size_t at = 0;
   for (const StatusLink& link : links) {
     shown += plain(at, link.first);
     at = link.first + link.count;
-    shown += QStringLiteral("<a href=\"%1\">%2</a>").arg(link.number).arg(plain(link.first, at));
+    shown += QStringLiteral("<a href=\"%1\" style=\"color:%2\">%3</a>")
+                 .arg(QString::number(link.number), color, plain(link.first, at));
   }
   shown += plain(at, text.size());
   setText(shown);

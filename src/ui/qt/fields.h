@@ -19,7 +19,9 @@ class Field final : public QLineEdit {
 
   void SetFault(bool at_fault);
   bool at_fault() const { return at_fault_; }
-  QSize minimumSizeHint() const override { return {width_, QLineEdit::minimumSizeHint().height()}; }
+  QSize minimumSizeHint() const override {
+    return {2 * width_ / 3, QLineEdit::minimumSizeHint().height()};
+  }
   QSize sizeHint() const override { return {width_, QLineEdit::sizeHint().height()}; }
   void SetWantedWidth(int width) { width_ = width; }
 

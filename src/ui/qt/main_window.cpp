@@ -15,6 +15,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "app/captions.h"
 #include "app/scoped_flag.h"
 #include "app/window_place.h"
 #include "ui/qt/combos.h"
@@ -134,8 +135,9 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
       return preview_ = new PreviewFrame(this);
     case ControlKind::kStatus:
       return MakeStatus();
+    default:
+      return nullptr;  // of the other page
   }
-  return nullptr;
 }
 
 QPushButton* MainWindow::MakeButton(const ControlRow& row) {

@@ -138,10 +138,10 @@ void PreviewFrame::DragFile() {
   may_drag_ = false;
   const std::filesystem::path file = events_.file_to_drag();
   if (file.empty()) return;
-  auto* data = new QMimeData;
-  data->setUrls({QUrl::fromLocalFile(PathToQString(file))});
+  auto* dragged = new QMimeData;
+  dragged->setUrls({QUrl::fromLocalFile(PathToQString(file))});
   auto* drag = new QDrag(this);
-  drag->setMimeData(data);
+  drag->setMimeData(dragged);
   drag->setPixmap(QPixmap::fromImage(picture_.scaledToHeight(64, Qt::SmoothTransformation)));
   drag->exec(Qt::CopyAction);
 }
