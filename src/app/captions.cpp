@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <unordered_map>
+#include <vector>
 
 #include "base/text.h"
 
@@ -411,6 +412,49 @@ const CaptionRow* FindRow(std::u16string_view english) {
   return found == rows->end() ? nullptr : found->second;
 }
 
+constexpr size_t kLeastLiteral = 6;  // of a pattern that says what it is
+
+// Puts parts in the place of "{}" or "{2}".
+std::u16string Filled(std::u16string_view text, std::span<const std::u16string_view> parts) {
+  std::u16string out;
+  size_t next = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const bool numbered = i + 2 < text.size() && text[i + 1] >= u'1' && text[i + 1] <= u'9';
+    const size_t end = i + (numbered ? 2 : 1);
+    if (text[i] != u'{' || end >= text.size() || text[end] != u'}') {
+      out += text[i];
+      continue;
+    }
+    const size_t part = numbered ? static_cast<size_t>(text[i + 1] - u'1') : next++;
+    if (part < parts.size()) out += parts[part];
+    i = end;
+  }
+  return out;
+}
+
+// Whether a text is a pattern with something in the place of each "{}".
+bool Matches(std::u16string_view pattern, std::u16string_view text,
+             std::vector<std::u16string_view>* parts) {
+  parts->clear();
+  size_t hole = pattern.find(u"{}");
+  if (!text.starts_with(pattern.substr(0, hole))) return false;
+  text.remove_prefix(hole);
+  while (hole != pattern.npos) {
+    pattern.remove_prefix(hole + 2);
+    hole = pattern.find(u"{}");
+    const std::u16string_view literal = pattern.substr(0, hole);
+    const bool is_last = hole == pattern.npos;
+    const bool is_found = !is_last || text.ends_with(literal);
+    const size_t end = is_last ? text.size() - literal.size() : text.find(literal);
+    if (!is_found || end == text.npos) return false;
+    parts->push_back(text.substr(0, end));
+    text.remove_prefix(end + literal.size());
+    if (!is_last) pattern.remove_prefix(literal.size());
+    hole = pattern.find(u"{}");
+  }
+  return true;
+}
+
 }  // namespace
 
 Language CurrentLanguage() {
@@ -445,25 +489,29 @@ std::u16string Say(std::u16string_view english) {
 }
 
 std::u16string Say(std::u16string_view english, std::initializer_list<std::u16string_view> parts) {
-  const std::u16string text = Say(english);
-  std::u16string out;
-  size_t next = 0;
-  for (size_t i = 0; i < text.size(); ++i) {
-    const bool numbered = i + 2 < text.size() && text[i + 1] >= u'1' && text[i + 1] <= u'9';
-    const size_t end = i + (numbered ? 2 : 1);
-    if (text[i] != u'{' || end >= text.size() || text[end] != u'}') {
-      out += text[i];
-      continue;
-    }
-    const size_t part = numbered ? static_cast<size_t>(text[i + 1] - u'1') : next++;
-    if (part < parts.size()) out += parts.begin()[part];
-    i = end;
+  return Filled(Say(english), {parts.begin(), parts.size()});
+}
+
+std::u16string SayReason(std::u16string_view why) {
+  if (CurrentLanguage() == Language::kEnglish) return std::u16string(why);
+  if (FindRow(why)) return Say(why);
+  std::vector<std::u16string_view> parts, best_parts;
+  const CaptionRow* best = nullptr;
+  size_t most = kLeastLiteral;
+  for (const CaptionRow& row : kRows) {
+    const std::u16string_view pattern = row.english;
+    if (pattern.find(u"{}") == pattern.npos || pattern.size() < most) continue;
+    if (!Matches(pattern, why, &parts)) continue;
+    best = &row;
+    best_parts = parts;
+    most = pattern.size();
   }
-  return out;
+  return best ? Filled(Say(best->english), best_parts) : std::u16string(why);
 }
 
 std::u16string SayStatus(const Status& status) {
-  return status.why.empty() ? Say(status.what) : status.what + u": " + Say(status.why);
+  if (status.why.empty()) return SayReason(status.what);
+  return (status.what.empty() ? u"" : status.what + u": ") + SayReason(status.why);
 }
 
 std::u16string WithoutMnemonic(std::u16string_view caption) {
