@@ -25,11 +25,6 @@ std::u16string Folded(std::u16string_view text) {
   return folded;
 }
 
-bool IsStrokeFontName(const fs::path& file) {
-  const std::u16string ending = Folded(Extension(PathText(file.filename())));
-  return ending == u"jhf" || ending == u"lff" || ending == u"svg";
-}
-
 // The font files of one folder, by name; a folder that cannot be read has none.
 std::vector<fs::path> FilesIn(const fs::path& folder) {
   std::vector<fs::path> files;
@@ -76,6 +71,11 @@ Status FindByName(std::u16string_view wanted, fs::path* file) {
 }
 
 }  // namespace
+
+bool IsStrokeFontName(const fs::path& file) {
+  const std::u16string ending = Folded(Extension(PathText(file.filename())));
+  return ending == u"jhf" || ending == u"lff" || ending == u"svg";
+}
 
 std::vector<StrokeFontFile> InstalledStrokeFonts() {
   std::vector<StrokeFontFile> fonts;

@@ -20,6 +20,9 @@ struct StrokeFontFile {
 // All that lie in the system's folders for them, by name; what is in them is not looked at.
 std::vector<StrokeFontFile> InstalledStrokeFonts();
 
+// Whether a file can be a font of strokes by the ending of its name.
+bool IsStrokeFontName(const std::filesystem::path& file);
+
 struct ChosenStrokeFont {
   std::filesystem::path file;
   StrokeFont font;  // its family is the file's name where it has none of its own

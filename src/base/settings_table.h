@@ -110,6 +110,11 @@ inline constexpr IntegerSetting kDialogColorIndexRule{
 inline constexpr TextSetting kDialogOutputFolder{
     u"Dialog", u"OutputFolder", u"",
     "Folder of the outputs; empty: Kerno.tmp in the temporary folder"};
+inline constexpr TextSetting kCutFaceFavourites{
+    u"CutFace", u"Favourites", u"",
+    "Faces that the list of the Cut page shows first, bars between them"};
+inline constexpr TextSetting kCutFaceRecent{
+    u"CutFace", u"Recent", u"", "Faces that were used last, the latest first, bars between them"};
 inline constexpr SwitchSetting kWindowMinimised{u"Position\\MainFrame", u"Iconic", false,
                                                 "1: the main window was minimised"};
 inline constexpr SwitchSetting kWindowMaximised{u"Position\\MainFrame", u"Maximized", false,
@@ -156,6 +161,8 @@ inline constexpr Setting kKnownSettings[] = {
     kDialogVerticalPitch,
     kDialogColorIndexRule,
     kDialogOutputFolder,
+    kCutFaceFavourites,
+    kCutFaceRecent,
     kWindowMinimised,
     kWindowMaximised,
     kWindowPlace,
