@@ -103,17 +103,6 @@ std::u16string AxisName(const FontAxis& axis) {
   return axis.name.empty() ? Utf8ToUtf16Lossy(axis.tag) : axis.name;
 }
 
-CharacterSet CharactersOfStrokes(const fs::path& file) {
-  CharacterSet characters;
-  ChosenStrokeFont chosen;
-  if (!ChooseStrokeFont(PathText(file), &chosen).ok()) return characters;
-  std::vector<char32_t> all;
-  for (const auto& [ch, number] : chosen.font.numbers) all.push_back(ch);
-  std::ranges::sort(all);
-  for (const char32_t ch : all) Append({ch, ch}, &characters);
-  return characters;
-}
-
 }  // namespace
 
 void FaceCatalogue::Add(Item item) {
@@ -314,7 +303,7 @@ const CharacterSet& FaceCatalogue::CharactersOf(size_t entry) {
   Status read;
   switch (item.entry.kind) {
     case FaceKind::kStrokes:
-      characters = CharactersOfStrokes(item.entry.file);
+      read = ReadStrokeCharacters(item.entry.file, &characters);
       break;
     case FaceKind::kFile:
       read = FindFontData({.file = item.entry.file}, &data);

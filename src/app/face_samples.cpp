@@ -15,6 +15,7 @@ namespace kerno {
 namespace {
 
 constexpr double kEmOfHeight = 0.7;    // an em, of the picture's height
+constexpr double kCapsOfHeight = 0.5;  // capital letters, the same
 constexpr double kMargin = 2;          // pixels around the ink
 constexpr double kTolerance = 0.1;     // pixels, of curves
 constexpr double kPenOfHeight = 0.04;  // the width of a line of strokes
@@ -42,10 +43,11 @@ std::u16string Shortened(const std::u16string& text, double part) {
 // The letters of one face, of outlines or of strokes.
 class Letters {
  public:
-  Status Open(FaceCatalogue& catalogue, size_t entry) {
+  // For drawing this text alone.
+  Status Open(FaceCatalogue& catalogue, size_t entry, std::u16string_view text) {
     const FaceEntry& face = catalogue.entry(entry);
     strokes_ = face.kind == FaceKind::kStrokes;
-    if (strokes_) return ChooseStrokeFont(PathText(face.file), &chosen_);
+    if (strokes_) return ReadStrokesFor(text, face.file, &chosen_);
     FontData data;
     const FacePick pick = {entry, catalogue.RegularStyleOf(entry), {}};
     if (Status found = FindFontData(catalogue.RequestOf(pick), &data); !found.ok()) return found;
@@ -110,6 +112,10 @@ class SamplePainter {
   SamplePainter(const Letters& letters, const SampleLook& look, BitmapSurface* surface)
       : letters_(letters), look_(look), context_(surface->Context()) {
     scale_ = kEmOfHeight * look.height / letters.UnitsPerEm();
+    // An em of strokes is whatever their file takes for one.
+    if (letters.AreStrokes() && letters.CapHeight() > 0) {
+      scale_ = kCapsOfHeight * look.height / letters.CapHeight();
+    }
   }
 
   // False where the face has no ink for the text.
@@ -187,11 +193,13 @@ class SamplePainter {
 
 void PaintSample(FaceCatalogue& catalogue, size_t entry, const SampleLook& look,
                  BitmapSurface* surface) {
-  Letters letters;
-  if (!letters.Open(catalogue, entry).ok() || !(letters.UnitsPerEm() > 0)) return;
-  if (SamplePainter(letters, look, surface).Paint(look.text)) return;
-  const FaceScriptSet scripts = catalogue.ScriptsOf(entry);
-  SamplePainter(letters, look, surface).Paint(OwnSample(scripts, catalogue.CharactersOf(entry)));
+  for (const bool own : {false, true}) {
+    const std::u16string text =
+        own ? OwnSample(catalogue.ScriptsOf(entry), catalogue.CharactersOf(entry)) : look.text;
+    Letters letters;
+    if (!letters.Open(catalogue, entry, text).ok() || !(letters.UnitsPerEm() > 0)) return;
+    if (SamplePainter(letters, look, surface).Paint(text)) return;
+  }
 }
 
 }  // namespace

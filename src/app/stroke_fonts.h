@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "outline/stroke_font.h"
+#include "platform/font_families.h"
 #include "platform/status.h"
 
 namespace kerno {
@@ -32,5 +33,13 @@ struct ChosenStrokeFont {
 // that is there is one. Fails with kNotFound where there is none (the reason names near ones), and
 // for a file that cannot be read or is no font, with file and line. *chosen is set on success only.
 [[nodiscard]] Status ChooseStrokeFont(std::u16string_view wanted, ChosenStrokeFont* chosen);
+
+// The same for a file, of which at least the strokes of `text` are wanted: quick for large ones.
+[[nodiscard]] Status ReadStrokesFor(std::u16string_view text, const std::filesystem::path& file,
+                                    ChosenStrokeFont* chosen);
+
+// The characters that a file has strokes for.
+[[nodiscard]] Status ReadStrokeCharacters(const std::filesystem::path& file,
+                                          CharacterSet* characters);
 
 }  // namespace kerno
