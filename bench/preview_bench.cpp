@@ -36,8 +36,28 @@ std::u16string LinesOf(const SampleText& sample, size_t characters) {
   return text;
 }
 
+// No character twice.
+SampleText KanjiSample() {
+  SampleText sample = {"kanji", u"IPAMincho", u""};
+  for (char16_t ch = 0x4E00; sample.text.size() < 1000; ++ch) sample.text += ch;
+  return sample;
+}
+
+// Every letter overlaps the next one.
+SampleText JoinedSample() {
+  SampleText sample = LatinSample();
+  sample.name = "joined";
+  std::erase(sample.text, u' ');
+  return sample;
+}
+constexpr double kJoined = -0.25;  // of the height, between letters
+
 CutJob JobOf(const SampleText& sample, size_t characters, CutSize size) {
   CutJob job;
+  if (sample.name == std::string("joined")) {
+    const double height = size.by == CutSize::By::kFit ? size.width / 40 : size.height;
+    job.letter_spacing = kJoined * height;
+  }
   job.text = LinesOf(sample, characters);
   job.face.family = sample.face;
   job.size = size;
@@ -96,8 +116,8 @@ void MeasureKeys(const SampleText& sample, size_t characters, const char* size_n
     page.preview().SetLook(look.look);
     page.Set(text);
     std::vector<double> made, painted;
-    for (int i = 0; i < kRuns; ++i) {
-      const Page::Times times = page.Set(i % 2 == 0 ? text + u'a' : text);
+    for (size_t i = 1; i <= kRuns; ++i) {
+      const Page::Times times = page.Set(text + RepeatTo(u"engraved", i));
       made.push_back(times.made);
       painted.push_back(times.painted);
     }
@@ -193,6 +213,7 @@ void WritePictures(const std::filesystem::path& folder) {
 int main(int argc, char** argv) {
   using namespace kerno;
   if (argc > 1) {
+    std::filesystem::create_directories(argv[1]);
     WritePictures(argv[1]);
     return 0;
   }
@@ -201,6 +222,9 @@ int main(int argc, char** argv) {
     MeasureKeys(JapaneseSample(), 1000, name, size, 16);
     MeasureKeys(LatinSample(), 1000, name, size, 16);
     MeasureKeys(LatinSample(), 10000, name, size, 60);
+    MeasureKeys(KanjiSample(), 1000, name, size, 16);
+    MeasureKeys(JoinedSample(), 1000, name, size, 16);
+    MeasureKeys(JoinedSample(), 10000, name, size, 60);
   }
   MeasureMemory(by_cap, "cap");
   MeasureMemory(fitted, "fit");

@@ -107,7 +107,7 @@ class FigurePen {
         points.clear();
         const auto add = [&](const P2& p) {
           const double along = left + std::round(p.x);
-          points.push_back(turned ? DevicePoint{at.x + p.y, at.y - along}
+          points.push_back(turned ? DevicePoint{at.x - p.y, at.y - along}
                                   : DevicePoint{at.x + along, at.y - p.y});
         };
         add(stroke.path.start);
