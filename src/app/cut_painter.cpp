@@ -261,12 +261,6 @@ void CutPainter::MakeChords(uint32_t shape) {
   }
 }
 
-void CutPainter::Append(const Chords& path, const DevicePoint& at) {
-  for (const DevicePoint& p : std::span(points_).subspan(path.first, path.count)) {
-    out_.push_back({p.x + at.x, p.y + at.y});
-  }
-}
-
 void CutPainter::Paint(DrawingContext& dc, const View& view, PreviewLook look,
                        const PreviewInks& inks) {
   if (!drawing_) return;
@@ -283,26 +277,34 @@ void CutPainter::Paint(DrawingContext& dc, const View& view, PreviewLook look,
   if (look == PreviewLook::kNodes) DrawNodes(dc, view, inks);
 }
 
-// Outer contours run against their counters, so that the winding rule leaves holes open and fills
-// shapes that lie over each other once.
-void CutPainter::FillShapes(DrawingContext& dc, const PreviewInks& inks) {
+// The paths of a shape that is seen, on their way to the context. Shape by shape: a rasteriser
+// takes longer for all of them together.
+void CutPainter::Gather(const Seen& seen, bool closed) {
+  const uint32_t shape = drawing_->placed[seen.placed].shape;
   out_.clear();
   counts_.clear();
-  for (const Seen& seen : seen_) {
-    const PlacedShape& placed = drawing_->placed[seen.placed];
-    if (!IsFilled(placed)) continue;
-    const size_t first = shapes_[placed.shape].first;
-    for (size_t i = 0; i < drawing_->shapes[placed.shape].size(); ++i) {
-      Append(chords_[first + i], seen.at);
-      counts_.push_back(chords_[first + i].count);
+  for (size_t i = 0; i < drawing_->shapes[shape].size(); ++i) {
+    const Chords& path = chords_[shapes_[shape].first + i];
+    if (path.closed != closed) continue;
+    for (const DevicePoint& p : std::span(points_).subspan(path.first, path.count)) {
+      out_.push_back({p.x + seen.at.x, p.y + seen.at.y});
     }
+    counts_.push_back(path.count);
   }
+}
+
+// Outer contours run against their counters, so that the winding rule leaves holes open.
+void CutPainter::FillShapes(DrawingContext& dc, const PreviewInks& inks) {
   const auto pen = dc.CreatePenIndirect({.style = PenStyle::kNull});
   const auto brush = dc.CreateBrushIndirect({.color = InkOf(ShapeRole::kText, inks)});
   Pen* const pen_before = dc.SelectPen(pen.get());
   Brush* const brush_before = dc.SelectBrush(brush.get());
   const FillMode mode_before = dc.SetFillMode(FillMode::kWinding);
-  dc.DrawPolygons(out_, counts_);
+  for (const Seen& seen : seen_) {
+    if (!IsFilled(drawing_->placed[seen.placed])) continue;
+    Gather(seen, true);
+    dc.DrawPolygons(out_, counts_);
+  }
   dc.SetFillMode(mode_before);
   dc.SelectBrush(brush_before);
   dc.SelectPen(pen_before);
@@ -310,25 +312,17 @@ void CutPainter::FillShapes(DrawingContext& dc, const PreviewInks& inks) {
 
 // With the pen that is selected.
 void CutPainter::DrawLines(DrawingContext& dc, ShapeRole role) {
-  std::vector<DevicePoint> closed;
-  std::vector<uint32_t> counts;
   for (const Seen& seen : seen_) {
-    const PlacedShape& placed = drawing_->placed[seen.placed];
-    if (placed.role != role) continue;
-    const size_t first = shapes_[placed.shape].first;
-    for (size_t i = 0; i < drawing_->shapes[placed.shape].size(); ++i) {
-      const Chords& path = chords_[first + i];
-      out_.clear();
-      Append(path, seen.at);
-      if (!path.closed) {
-        dc.DrawPolyline(out_);
-        continue;
-      }
-      closed.insert(closed.end(), out_.begin(), out_.end());
-      counts.push_back(path.count);
+    if (drawing_->placed[seen.placed].role != role) continue;
+    Gather(seen, true);
+    if (!counts_.empty()) dc.DrawPolygons(out_, counts_);
+    Gather(seen, false);
+    std::span<const DevicePoint> rest = out_;
+    for (const uint32_t count : counts_) {
+      dc.DrawPolyline(rest.first(count));
+      rest = rest.subspan(count);
     }
   }
-  dc.DrawPolygons(closed, counts);
 }
 
 void CutPainter::DrawStarts(DrawingContext& dc, const View& view, const PreviewInks& inks) {

@@ -54,7 +54,7 @@ class CutPainter {
     return !drawing_->strokes && placed.role == ShapeRole::kText;
   }
   Color InkOf(ShapeRole role, const PreviewInks& inks) const;
-  void Append(const Chords& path, const DevicePoint& at);
+  void Gather(const Seen& seen, bool closed);
   void FillShapes(DrawingContext& dc, const PreviewInks& inks);
   void DrawLines(DrawingContext& dc, ShapeRole role);
   void DrawStarts(DrawingContext& dc, const View& view, const PreviewInks& inks);
