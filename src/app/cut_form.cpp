@@ -114,7 +114,7 @@ ControlId FieldOf(std::string_view option) {
 }
 
 std::u16string ReasonOf(const Message& message) {
-  return SayStatus(Status::Error(Failure::kOther, u"", Utf8ToUtf16Lossy(message.why)));
+  return SayReason(Utf8ToUtf16Lossy(message.why));
 }
 
 std::span<const ChoiceRow> ChoicesOf(ControlId list) {
