@@ -1,6 +1,7 @@
 #include "ui/qt/main_window.h"
 
 #include <QActionGroup>
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
@@ -12,6 +13,8 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QStackedWidget>
+#include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -19,6 +22,7 @@
 #include "app/scoped_flag.h"
 #include "app/window_place.h"
 #include "ui/qt/combos.h"
+#include "ui/qt/cut_page.h"
 #include "ui/qt/preview_frame.h"
 #include "ui/qt/qt_text.h"
 #include "ui/qt/shown_children.h"
@@ -42,7 +46,7 @@ Place PlaceOf(const ControlRow& row) {
 
 }  // namespace
 
-MainWindow::MainWindow(DialogServices& services) {
+MainWindow::MainWindow(DialogServices& services, CutServices& cut_services) {
   OfferShownChildrenOnly();
   setWindowTitle(ToQString(kWindowTitle));
   setAcceptDrops(true);
@@ -57,8 +61,11 @@ MainWindow::MainWindow(DialogServices& services) {
   preview_->SetEvents(ClassicPreviewEvents());
   due_.setSingleShot(true);
   connect(&due_, &QTimer::timeout, this, [this] { presenter_->Due(); });
+  cut_presenter_ = std::make_unique<CutPresenter>(*cut_page_, cut_services);
+  cut_page_->SetPresenter(cut_presenter_.get());
   presenter_->Open();
-  text_->setFocus();
+  cut_presenter_->Open();
+  ShowMode(mode_);
 }
 
 MainWindow::~MainWindow() = default;
@@ -165,14 +172,24 @@ QLabel* MainWindow::MakeStatus() {
   return status_;
 }
 
-// What does not fit into a small window scrolls; status and outputs stay in sight under it.
 void MainWindow::LayOut() {
   auto* outer = new QVBoxLayout(this);
-  outer->setMenuBar(MakeMenu());
+  outer->setMenuBar(MakeTopBar());
+  pages_ = new QStackedWidget(this);
+  pages_->addWidget(classic_page_ = MakeClassicPage());
+  pages_->addWidget(cut_page_ = new CutPage(this));
+  outer->addWidget(pages_);
+}
+
+// What does not fit into a small window scrolls; status and outputs stay in sight under it.
+QWidget* MainWindow::MakeClassicPage() {
+  auto* page = new QWidget(this);
+  auto* outer = new QVBoxLayout(page);
+  outer->setContentsMargins(0, 0, 0, 0);
   auto* content = new QWidget;
   auto* lines = new QVBoxLayout(content);
   lines->setContentsMargins(0, 0, 0, 0);
-  auto* scroller = new QScrollArea(this);
+  auto* scroller = new QScrollArea(page);
   scroller->setFrameShape(QFrame::NoFrame);
   scroller->setWidgetResizable(true);
   scroller->setFocusPolicy(Qt::NoFocus);
@@ -199,6 +216,63 @@ void MainWindow::LayOut() {
     }
   }
   scroller->setWidget(content);
+  return page;
+}
+
+QWidget* MainWindow::MakeTopBar() {
+  auto* bar = new QWidget(this);
+  auto* line = new QHBoxLayout(bar);
+  line->setContentsMargins(0, 0, 11, 0);
+  line->addWidget(MakeMenu(bar), 1);
+  line->addWidget(MakeModeSwitch());
+  return bar;
+}
+
+// Two buttons that are one switch: the arrow keys go from one to the other.
+QWidget* MainWindow::MakeModeSwitch() {
+  auto* joined = new QWidget(this);
+  auto* line = new QHBoxLayout(joined);
+  line->setContentsMargins(0, 2, 0, 2);
+  line->setSpacing(0);
+  auto* group = new QButtonGroup(this);
+  for (const auto& [id, mode] : {std::pair(ControlId::kModeClassic, WindowMode::kClassic),
+                                 std::pair(ControlId::kModeCut, WindowMode::kCut)}) {
+    auto* button = new QToolButton(joined);
+    button->setObjectName(ObjectName(id));
+    button->setCheckable(true);
+    button->setFocusPolicy(Qt::StrongFocus);
+    button->setText(ToQString(Say(id == ControlId::kModeCut ? u"Cut" : u"Classic")));
+    group->addButton(button);
+    line->addWidget(button);
+    controls_[id] = button;
+    connect(button, &QAbstractButton::toggled, this, UnlessShown([this, wanted = mode](bool on) {
+              if (on) ChooseMode(wanted);
+            }));
+  }
+  return joined;
+}
+
+// The text is that of both ways of working.
+void MainWindow::ChooseMode(WindowMode mode) {
+  if (mode == mode_) return;
+  mode_ = mode;
+  if (mode == WindowMode::kCut) {
+    cut_presenter_->TakeText(text_->Text());
+  } else {
+    const std::u16string text = cut_presenter_->text();
+    ShowText(text, TextChange::kUndoable);
+    presenter_->TextChanged(ControlId::kText, text);
+  }
+  ShowMode(mode);
+}
+
+void MainWindow::ShowMode(WindowMode mode) {
+  const ScopedFlag writing(shows_);
+  const bool is_cut = mode == WindowMode::kCut;
+  static_cast<QToolButton*>(controls_[is_cut ? ControlId::kModeCut : ControlId::kModeClassic])
+      ->setChecked(true);
+  pages_->setCurrentWidget(is_cut ? static_cast<QWidget*>(cut_page_) : classic_page_);
+  (is_cut ? cut_page_->text() : text_)->setFocus();
 }
 
 PreviewEvents MainWindow::ClassicPreviewEvents() {
@@ -219,8 +293,9 @@ PreviewEvents MainWindow::ClassicPreviewEvents() {
   };
 }
 
-QMenuBar* MainWindow::MakeMenu() {
-  auto* bar = new QMenuBar(this);
+QMenuBar* MainWindow::MakeMenu(QWidget* parent) {
+  auto* bar = new QMenuBar(parent);
+  bar->setNativeMenuBar(false);              // stands beside the switch
   for (const MenuColumn& column : Menu()) {  // NOLINT: the window owns its groups
     QMenu* menu = bar->addMenu(ToQString(column.caption));
     QActionGroup* group = nullptr;
@@ -232,11 +307,17 @@ QMenuBar* MainWindow::MakeMenu() {
       action->setCheckable(row.checkable);
       if (row.checkable) group->addAction(action);
       actions_[row.command] = action;
-      connect(action, &QAction::triggered, this,
-              [this, command = row.command] { presenter_->Chosen(command); });
+      connect(action, &QAction::triggered, this, [this, &row] { ChooseFromMenu(row); });
     }
   }
   return bar;
+}
+
+// A key that both the menu and a button of the Cut page have is the button's while that is shown.
+void MainWindow::ChooseFromMenu(const MenuRow& row) {
+  QAbstractButton* button = *row.shortcut ? cut_page_->ButtonOf(ToKeys(row.shortcut)) : nullptr;
+  if (button) return button->click();
+  presenter_->Chosen(row.command);
 }
 
 void MainWindow::SizeDropDowns() {
@@ -248,16 +329,19 @@ void MainWindow::SizeDropDowns() {
 void MainWindow::OpenFiles(const QStringList& files) {
   std::vector<std::filesystem::path> paths;
   for (const QString& file : files) paths.push_back(QStringToPath(file));
-  if (!paths.empty()) presenter_->Dropped(paths);
+  if (!paths.empty()) TakeFiles(paths);
 }
 
 // Events
 
 void MainWindow::SaveNow() {
-  (void)presenter_->Close();  // what fails has nobody to be told
+  // What fails has nobody to be told.
+  (void)cut_presenter_->Keep();
+  (void)presenter_->Close();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+  (void)cut_presenter_->Keep();
   event->setAccepted(presenter_->Close());
 }
 
@@ -268,6 +352,7 @@ void MainWindow::showEvent(QShowEvent* event) {
   // The window stands before the faces are listed.
   QTimer::singleShot(0, this, [this] {
     presenter_->FillFaces();
+    cut_presenter_->FillFaces();
     SizeDropDowns();
   });
 }
@@ -299,7 +384,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
   }
   event->acceptProposedAction();
   // The drag's source waits for the answer; a message may stand long.
-  QTimer::singleShot(0, this, [this, files] { presenter_->Dropped(files); });
+  QTimer::singleShot(0, this, [this, files] { TakeFiles(files); });
 }
 
 }  // namespace kerno

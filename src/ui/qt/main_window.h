@@ -16,9 +16,13 @@ class QComboBox;
 class QLabel;
 class QMenuBar;
 class QPushButton;
+class QStackedWidget;
 
 namespace kerno {
 
+class CutPage;
+class CutPresenter;
+class CutServices;
 class FaceCombo;
 class HeightSpin;
 class PreviewFrame;
@@ -27,8 +31,8 @@ class TextBox;
 
 class MainWindow final : public QWidget, private DialogView {
  public:
-  // `services` outlives the window.
-  explicit MainWindow(DialogServices& services);
+  // Both outlive the window.
+  MainWindow(DialogServices& services, CutServices& cut_services);
   ~MainWindow() override;
 
   // Takes files as if they had been dropped.
@@ -38,6 +42,7 @@ class MainWindow final : public QWidget, private DialogView {
   void SaveNow();
 
   DialogPresenter& presenter() { return *presenter_; }
+  CutPresenter& cut_presenter() { return *cut_presenter_; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -86,9 +91,16 @@ class MainWindow final : public QWidget, private DialogView {
   QPushButton* MakeButton(const ControlRow& row);
   QComboBox* ConnectEdit(QComboBox* combo, ControlId id);
   QLabel* MakeStatus();
+  QWidget* MakeClassicPage();
+  QWidget* MakeTopBar();
+  QWidget* MakeModeSwitch();
   void LayOut();
+  void ChooseMode(WindowMode mode);
+  void ShowMode(WindowMode mode);
   PreviewEvents ClassicPreviewEvents();
-  QMenuBar* MakeMenu();
+  QMenuBar* MakeMenu(QWidget* parent);
+  void ChooseFromMenu(const MenuRow& row);
+  void TakeFiles(const std::vector<std::filesystem::path>& files);
   void SizeDropDowns();
   void LearnFrame();
 
@@ -104,7 +116,12 @@ class MainWindow final : public QWidget, private DialogView {
   bool shows_ = false;  // controls are being written: nothing is an event
   bool was_shown_ = false;
   QPoint frame_;  // from the corner of the frame to that of its content, as the window last was
+  QStackedWidget* pages_ = nullptr;
+  QWidget* classic_page_ = nullptr;
+  CutPage* cut_page_ = nullptr;
+  WindowMode mode_ = WindowMode::kClassic;
   std::unique_ptr<DialogPresenter> presenter_;
+  std::unique_ptr<CutPresenter> cut_presenter_;
 };
 
 }  // namespace kerno
