@@ -7,8 +7,8 @@
 
 #include "app/choice.h"
 #include "app/face_choice.h"
-#include "app/shortcomings.h"
 #include "app/option_values.h"
+#include "app/shortcomings.h"
 #include "app/text_source.h"
 #include "base/text.h"
 #include "cli/console.h"
