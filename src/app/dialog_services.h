@@ -18,6 +18,9 @@
 
 namespace kerno {
 
+// The languages of the View menu, by their numbers in the settings.
+enum class LanguageChoice { kSystem, kJapanese, kEnglish, kGerman };
+
 // What persists between runs besides the text.
 struct DialogMemory {
   std::u16string face;  // empty: the one that the system gives
@@ -30,6 +33,7 @@ struct DialogMemory {
   VerticalPitch pitch = VerticalPitch::kClassic;
   AciRule aci = AciRule::kClassic;
   std::u16string output_folder;  // empty: "Kerno.tmp" in the temporary folder
+  LanguageChoice language = LanguageChoice::kSystem;
   WindowPlace window;
 };
 
@@ -74,6 +78,9 @@ class DialogServices {
   // One request each, until one fails; *answer receives what the server said last.
   virtual Status Upload(const std::vector<std::filesystem::path>& files,
                         std::u16string* answer) = 0;
+
+  // The name of the locale in which the user wants texts.
+  virtual std::u16string TextLocale() = 0;
 
   // The texts of the About box.
   virtual void AboutTexts(std::u16string* version, std::u16string* copyright) = 0;

@@ -73,6 +73,7 @@ DialogMemory LoadDialogMemory() {
   m.pitch = static_cast<VerticalPitch>(Get(kDialogVerticalPitch, store));
   m.aci = static_cast<AciRule>(Get(kDialogColorIndexRule, store));
   m.output_folder = Get(kDialogOutputFolder, store);
+  m.language = static_cast<LanguageChoice>(Get(kDialogLanguage, store));
   m.window = ReadWindow(store);
   return m;
 }
@@ -89,6 +90,7 @@ Status SaveDialogMemory(const DialogMemory& m, const DialogMemory& before) {
   out.Integer(kDialogVerticalPitch, m.pitch, before.pitch);
   out.Integer(kDialogColorIndexRule, m.aci, before.aci);
   out.Text(kDialogOutputFolder, m.output_folder, before.output_folder);
+  out.Integer(kDialogLanguage, m.language, before.language);
   out.Window(m.window, before.window);
   return out.status();
 }

@@ -110,6 +110,12 @@ inline constexpr IntegerSetting kDialogColorIndexRule{
 inline constexpr TextSetting kDialogOutputFolder{
     u"Dialog", u"OutputFolder", u"",
     "Folder of the outputs; empty: Kerno.tmp in the temporary folder"};
+inline constexpr IntegerSetting kDialogLanguage{
+    u"Dialog",
+    u"Language",
+    0,
+    "Language of the window: 0 as the system, 1 Japanese, 2 English, 3 German",
+    {0, 3, Outside::kDefault}};
 inline constexpr TextSetting kCutFaceFavourites{
     u"CutFace", u"Favourites", u"",
     "Faces that the list of the Cut page shows first, bars between them"};
@@ -161,6 +167,7 @@ inline constexpr Setting kKnownSettings[] = {
     kDialogVerticalPitch,
     kDialogColorIndexRule,
     kDialogOutputFolder,
+    kDialogLanguage,
     kCutFaceFavourites,
     kCutFaceRecent,
     kWindowMinimised,
