@@ -71,9 +71,9 @@ using FaceOption = std::pair<std::string_view, std::u16string>;
 
 // What the list shows.
 struct FaceFilter {
-  std::u16string search;       // words in any order, any case, any width, either kana
-  std::u16string_view script;  // the name of one of FaceScripts; empty: any
-  std::u16string has;          // only faces with all of these characters; empty: any
+  std::u16string search;  // words in any order, any case, any width, either kana
+  std::string script;     // the name of one of FaceScripts; empty: any
+  std::u16string has;     // only faces with all of these characters; empty: any
   bool favourites = false;
   bool strokes = false;
 };
@@ -125,7 +125,7 @@ class FaceCatalogue {
   // Faces whose characters are not known yet are looked at for a few milliseconds, then left out.
   FaceRows Rows(const FaceFilter& filter);
   // The scripts that the faces read so far cover: values of FaceFilter::script.
-  std::vector<std::u16string_view> Scripts() const;
+  std::vector<std::string> Scripts() const;
 
   bool IsFavourite(size_t entry) const;
   void ToggleFavourite(size_t entry);

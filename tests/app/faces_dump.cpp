@@ -64,7 +64,7 @@ json EntryJson(FaceCatalogue& catalogue, size_t entry) {
   }
   for (size_t i = 0; i < FaceScripts().size(); ++i) {
     const bool covered = (catalogue.ScriptsOf(entry) >> i & 1) != 0;
-    if (covered) made["scripts"].push_back(Text(FaceScripts()[i].name));
+    if (covered) made["scripts"].push_back(FaceScripts()[i].name);
   }
   for (const CharacterRange& range : catalogue.CharactersOf(entry).ranges) {
     made["characters"].push_back(
