@@ -118,11 +118,8 @@ constexpr MenuRow kHelpRows[] = {
     {MenuCommand::kAbout, false, false, u"&About Kerno...", u"F1"},
 };
 constexpr MenuColumn kMenu[] = {
-    {u"&File", kFileRows},
-    {u"&Edit", kEditRows},
-    {u"&View", kViewRows},
-    {u"&Options", kOptionRows},
-    {u"Hel&p", kHelpRows},
+    {u"&File", kFileRows},      {u"&Edit", kEditRows}, {u"&View", kViewRows},
+    {u"&Options", kOptionRows}, {u"Hel&p", kHelpRows},
 };
 
 constexpr const char16_t* kHeights[] = {

@@ -63,7 +63,8 @@ class DialogServices {
   virtual std::filesystem::path DefaultOutputFolder() = 0;
   virtual bool OpenFolder(const std::filesystem::path& folder) = 0;
 
-  // The writers. Each leaves no new file when it fails.
+  // The writers and Upload are called by a thread beside the window's. Each leaves no new file when
+  // it fails.
   virtual Status WriteBytes(const std::filesystem::path& file, std::string_view bytes) = 0;
   virtual Status Write(const Format& format, const PartsA& parts, const OutputOptions& options,
                        const std::filesystem::path& file) = 0;

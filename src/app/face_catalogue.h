@@ -4,16 +4,18 @@
 // One thread at a time.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "app/cut_texts.h"
 #include "app/face_names.h"
 #include "app/face_scripts.h"
 #include "outline/font_details.h"
@@ -64,11 +66,14 @@ struct FacePick {
   bool operator==(const FacePick&) const = default;
 };
 
+// An option of "kerno cut" and its value; empty: it is not given.
+using FaceOption = std::pair<std::string_view, std::u16string>;
+
 // What the list shows.
 struct FaceFilter {
-  std::u16string search;       // words in any order, any case, any width, either kana
-  std::u16string_view script;  // the name of one of FaceScripts; empty: any
-  std::u16string has;          // only faces with all of these characters; empty: any
+  std::u16string search;  // words in any order, any case, any width, either kana
+  std::string script;     // the name of one of FaceScripts; empty: any
+  std::u16string has;     // only faces with all of these characters; empty: any
   bool favourites = false;
   bool strokes = false;
 };
@@ -120,7 +125,7 @@ class FaceCatalogue {
   // Faces whose characters are not known yet are looked at for a few milliseconds, then left out.
   FaceRows Rows(const FaceFilter& filter);
   // The scripts that the faces read so far cover: values of FaceFilter::script.
-  std::vector<std::u16string_view> Scripts() const;
+  std::vector<std::string> Scripts() const;
 
   bool IsFavourite(size_t entry) const;
   void ToggleFavourite(size_t entry);
@@ -135,12 +140,11 @@ class FaceCatalogue {
   // How outlines of the face are asked for; not for fonts of strokes.
   FaceRequest RequestOf(const FacePick& pick);
 
-  // Gives --face, --style, --variation, --font-file and --stroke-font the values that stand for the
-  // face, or takes their values away.
-  void SetOn(const FacePick& pick, CutTexts* texts);
-  // The reverse, for whatever values a user may give them. Nothing for a face that is not there;
-  // a file is added.
-  std::optional<FacePick> PickOf(const CutTexts& texts);
+  // --face, --style, --variation, --font-file and --stroke-font, all five in this order.
+  std::array<FaceOption, 5> OptionsOf(const FacePick& pick);
+  // The reverse, for whatever values a user may give these options; others are passed over.
+  // Nothing for a face that is not there; a file is added.
+  std::optional<FacePick> PickOf(std::span<const FaceOption> options);
 
  private:
   // An entry and what is known of it.
@@ -172,9 +176,9 @@ class FaceCatalogue {
   std::string VariationsOf(const FacePick& pick);
   std::optional<size_t> FindFile(const std::filesystem::path& file) const;
   std::optional<size_t> FindFamily(std::u16string_view name) const;
-  std::optional<FacePick> PickFamily(const CutTexts& texts);
-  std::optional<FacePick> PickStrokes(const std::string& name);
-  std::optional<FacePick> PickFile(const CutTexts& texts);
+  std::optional<FacePick> PickFamily(const std::u16string& name, std::u16string style);
+  std::optional<FacePick> PickStrokes(std::u16string_view name);
+  std::optional<FacePick> PickFile(std::u16string_view file, std::u16string_view style);
   size_t FindStyle(size_t entry, std::optional<uint32_t> index, std::u16string_view style);
 
   std::string language_;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "app/face_catalogue.h"
+#include "app/face_texts.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "platform/fold_case.h"
@@ -79,26 +80,25 @@ std::string FaceCatalogue::VariationsOf(const FacePick& pick) {
   return variations;
 }
 
-void FaceCatalogue::SetOn(const FacePick& pick, CutTexts* texts) {
+std::array<FaceOption, 5> FaceCatalogue::OptionsOf(const FacePick& pick) {
+  std::array<FaceOption, 5> options = {{{"--face", u""},
+                                        {"--style", u""},
+                                        {"--variation", u""},
+                                        {"--font-file", u""},
+                                        {"--stroke-font", u""}}};
+  auto& [face, style, variation, file, strokes] = options;
   const FaceEntry& entry = items_[pick.entry].entry;
-  std::string face, style, variation, file, strokes;
   if (entry.kind == FaceKind::kStrokes) {
-    strokes = Utf16ToUtf8(entry.given);
-  } else {
-    const FaceRequest request = RequestOf(pick);
-    face = Utf16ToUtf8(request.family);
-    style = Utf16ToUtf8(request.style);
-    variation = request.variations;
-    file = Utf16ToUtf8(PathText(request.file));
-    if (request.index) file += "#" + std::to_string(*request.index);
+    strokes.second = entry.given;
+    return options;
   }
-  for (auto& [option, value] :
-       {std::pair("--face", &face), std::pair("--style", &style),
-        std::pair("--variation", &variation), std::pair("--font-file", &file),
-        std::pair("--stroke-font", &strokes)}) {
-    texts->Unset(option);
-    if (!value->empty()) texts->Set(option, *value);
-  }
+  const FaceRequest request = RequestOf(pick);
+  face.second = request.family;
+  style.second = request.style;
+  variation.second = Utf8ToUtf16Lossy(request.variations);
+  file.second = PathText(request.file);
+  if (request.index) file.second += u"#" + Utf8ToUtf16Lossy(std::to_string(*request.index));
+  return options;
 }
 
 std::optional<size_t> FaceCatalogue::FindFile(const std::filesystem::path& file) const {
@@ -153,30 +153,29 @@ size_t FaceCatalogue::FindStyle(size_t entry, std::optional<uint32_t> index,
   return likely[choice->face];
 }
 
-std::optional<FacePick> FaceCatalogue::PickStrokes(const std::string& name) {
-  const std::u16string wanted = Utf8ToUtf16Lossy(name);
+std::optional<FacePick> FaceCatalogue::PickStrokes(std::u16string_view name) {
   for (size_t i = 0; i < items_.size(); ++i) {
     const FaceEntry& entry = items_[i].entry;
     if (entry.kind != FaceKind::kStrokes) continue;
-    if (EqualWithoutCase(entry.given, wanted) || IsFileOf(entry, wanted)) return FacePick{i, 0, {}};
+    if (EqualWithoutCase(entry.given, name) || IsFileOf(entry, name)) return FacePick{i, 0, {}};
   }
   size_t entry = 0;
-  if (!AddFile(TextPath(wanted), &entry).ok()) return std::nullopt;
+  if (!AddFile(TextPath(name), &entry).ok()) return std::nullopt;
   return FacePick{entry, 0, {}};
 }
 
-std::optional<FacePick> FaceCatalogue::PickFile(const CutTexts& texts) {
+std::optional<FacePick> FaceCatalogue::PickFile(std::u16string_view file,
+                                                std::u16string_view style) {
   FaceRequest request;
   size_t entry = 0;
-  if (!ReadFontFile(texts.face.file, &request) || !AddFile(request.file, &entry).ok()) {
+  if (!ReadFontFile(Utf16ToUtf8(file), &request) || !AddFile(request.file, &entry).ok()) {
     return std::nullopt;
   }
-  return FacePick{entry, FindStyle(entry, request.index, Utf8ToUtf16Lossy(texts.face.style)), {}};
+  return FacePick{entry, FindStyle(entry, request.index, style), {}};
 }
 
-std::optional<FacePick> FaceCatalogue::PickFamily(const CutTexts& texts) {
-  const std::u16string name = Utf8ToUtf16Lossy(texts.face.face);
-  std::u16string style = Utf8ToUtf16Lossy(texts.face.style);
+std::optional<FacePick> FaceCatalogue::PickFamily(const std::u16string& name,
+                                                  std::u16string style) {
   auto entry = name.empty() ? std::nullopt : FindFamily(name);
   if (!entry) {  // the system's own choice, or the full name of a face
     FontData data;
@@ -188,12 +187,21 @@ std::optional<FacePick> FaceCatalogue::PickFamily(const CutTexts& texts) {
   return FacePick{*entry, FindStyle(*entry, std::nullopt, style), {}};
 }
 
-std::optional<FacePick> FaceCatalogue::PickOf(const CutTexts& texts) {
-  if (!texts.stroke_font.empty()) return PickStrokes(texts.stroke_font);
-  auto pick = texts.face.file.empty() ? PickFamily(texts) : PickFile(texts);
-  if (!pick || texts.face.variations.empty()) return pick;
+std::optional<FacePick> FaceCatalogue::PickOf(std::span<const FaceOption> options) {
+  const auto value = [&](std::string_view name) {
+    const auto option = std::ranges::find(options, name, &FaceOption::first);
+    return option != options.end() ? option->second : std::u16string();
+  };
+  if (const std::u16string strokes = value("--stroke-font"); !strokes.empty()) {
+    return PickStrokes(strokes);
+  }
+  const std::u16string file = value("--font-file");
+  auto pick = file.empty() ? PickFamily(value("--face"), value("--style"))
+                           : PickFile(file, value("--style"));
+  const std::string variations = Utf16ToUtf8(value("--variation"));
+  if (!pick || variations.empty()) return pick;
   for (const FaceAxis& axis : AxesOf(pick->entry, pick->style)) {
-    pick->places.push_back(PlaceIn(texts.face.variations, axis.axis.tag).value_or(axis.place));
+    pick->places.push_back(PlaceIn(variations, axis.axis.tag).value_or(axis.place));
   }
   return pick;
 }

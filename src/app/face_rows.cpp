@@ -205,12 +205,12 @@ FaceRows FaceCatalogue::Rows(const FaceFilter& filter) {
   return made;
 }
 
-std::vector<std::u16string_view> FaceCatalogue::Scripts() const {
+std::vector<std::string> FaceCatalogue::Scripts() const {
   FaceScriptSet all = 0;
   for (const Item& item : items_) all |= item.scripts;
-  std::vector<std::u16string_view> names;
+  std::vector<std::string> names;
   for (const FaceScript& script : FaceScripts()) {
-    if ((all & 1) != 0) names.push_back(script.name);
+    if ((all & 1) != 0) names.emplace_back(script.name);
     all >>= 1;
   }
   return names;

@@ -6,9 +6,10 @@
 #include <limits>
 
 #include "app/choice.h"
+#include "app/cut_warnings.h"
 #include "app/face_choice.h"
-#include "app/shortcomings.h"
 #include "app/option_values.h"
+#include "app/shortcomings.h"
 #include "app/text_source.h"
 #include "base/text.h"
 #include "cli/console.h"

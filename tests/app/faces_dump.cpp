@@ -30,18 +30,13 @@ json StyleJson(FaceCatalogue& catalogue, size_t entry, size_t number) {
         {axis.axis.tag, axis.axis.least, axis.axis.usual, axis.axis.most, axis.place});
     pick.places.push_back((axis.axis.most + axis.place) / 2);
   }
-  CutTexts texts;
-  texts.stroke_font = "another";
-  catalogue.SetOn(pick, &texts);
-  json options;
-  for (const std::string& option : texts.given) options[option] = "";
-  texts.ForEachText([&](const char* option, std::string* value) {
-    if (options.contains(option)) options[option] = *value;
-  });
-  made["options"] = options;
-  made["found_again"] = catalogue.PickOf(texts) == pick;
+  const auto options = catalogue.OptionsOf(pick);
+  made["found_again"] = catalogue.PickOf(options) == pick;
+  for (const auto& [option, value] : options) {
+    if (!value.empty()) made["options"][std::string(option)] = Text(value);
+  }
   FontData data;
-  if (texts.stroke_font.empty() &&
+  if (catalogue.entry(entry).kind != FaceKind::kStrokes &&
       FindFontData(catalogue.RequestOf({entry, number, {}}), &data).ok()) {
     made["file"] = data.path.string();
     made["index"] = data.index;
@@ -69,7 +64,7 @@ json EntryJson(FaceCatalogue& catalogue, size_t entry) {
   }
   for (size_t i = 0; i < FaceScripts().size(); ++i) {
     const bool covered = (catalogue.ScriptsOf(entry) >> i & 1) != 0;
-    if (covered) made["scripts"].push_back(Text(FaceScripts()[i].name));
+    if (covered) made["scripts"].push_back(FaceScripts()[i].name);
   }
   for (const CharacterRange& range : catalogue.CharactersOf(entry).ranges) {
     made["characters"].push_back(

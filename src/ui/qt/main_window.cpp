@@ -108,8 +108,6 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
       return new QLabel(caption, this);
     case ControlKind::kTextBox:
       text_ = new TextBox(this);
-      text_->setAccessibleDescription(
-          ToQString(Say(u"The text to convert. Ctrl+Tab types a tab.")));
       connect(text_, &QTextEdit::textChanged, this,
               UnlessShown([this, id = row.id] { presenter_->TextChanged(id, text_->Text()); }));
       return text_;
@@ -148,7 +146,7 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
 }
 
 QPushButton* MainWindow::MakeButton(const ControlRow& row) {
-  auto* button = new QPushButton(ToQString(MarkedCaption(row.caption, row.shortcut)), this);
+  auto* button = new QPushButton(ToQString(row.caption), this);
   if (*row.shortcut) button->setShortcut(ToKeys(row.shortcut));
   connect(button, &QPushButton::clicked, this, [this, id = row.id] { presenter_->Pressed(id); });
   return button;
@@ -241,7 +239,6 @@ QWidget* MainWindow::MakeModeSwitch() {
     button->setObjectName(ObjectName(id));
     button->setCheckable(true);
     button->setFocusPolicy(Qt::StrongFocus);
-    button->setText(ToQString(Say(id == ControlId::kModeCut ? u"Cut" : u"Classic")));
     group->addButton(button);
     line->addWidget(button);
     controls_[id] = button;
@@ -294,7 +291,7 @@ PreviewEvents MainWindow::ClassicPreviewEvents() {
 }
 
 QMenuBar* MainWindow::MakeMenu(QWidget* parent) {
-  auto* bar = new QMenuBar(parent);
+  auto* bar = menu_ = new QMenuBar(parent);
   bar->setNativeMenuBar(false);              // stands beside the switch
   for (const MenuColumn& column : Menu()) {  // NOLINT: the window owns its groups
     QMenu* menu = bar->addMenu(ToQString(column.caption));
@@ -332,12 +329,16 @@ void MainWindow::OpenFiles(const QStringList& files) {
   if (!paths.empty()) TakeFiles(paths);
 }
 
+void MainWindow::TakeFiles(const std::vector<std::filesystem::path>& files) {
+  if (mode_ == WindowMode::kCut) return cut_presenter_->Dropped(files);
+  presenter_->Dropped(files);
+}
+
 // Events
 
 void MainWindow::SaveNow() {
-  // What fails has nobody to be told.
-  (void)cut_presenter_->Keep();
-  (void)presenter_->Close();
+  (void)cut_presenter_->Keep();  // nobody is there to be told
+  presenter_->SaveNow();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
