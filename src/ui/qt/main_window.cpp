@@ -196,8 +196,9 @@ QWidget* MainWindow::MakeClassicPage() {
   std::map<WindowLine, WrappingLine*> wrapping;
   QHBoxLayout* beside_text = nullptr;
   for (const ControlRow& row : Controls()) {
-    QWidget* control = controls_[row.id];
-    if (!control || control->parentWidget() != this) continue;  // the edit stands in its control
+    if (row.line == WindowLine::kAboutBox) continue;
+    QWidget* control = controls_.at(row.id);
+    if (control->parentWidget() != this) continue;  // the edit stands in its control
     if (row.line == WindowLine::kText) {
       if (!beside_text) lines->addLayout(beside_text = new QHBoxLayout, kTextShare);
       const bool is_button = row.kind == ControlKind::kButton;
