@@ -17,12 +17,15 @@
 #include "app/outputs.h"
 #include "app/preview_model.h"
 #include "base/notices.h"
+#include "export/draw_parts.h"
 #include "outline/glyph_contours.h"
 #include "outline/typesetter.h"
 #include "parts/parts.h"
 #include "platform/drawing.h"
 
 namespace kerno {
+
+class CutPresenter;
 
 // The text with every line end (CR LF, CR, LF, NEL, U+2028, U+2029) as U+000A and without NULs,
 // which would end it early: what is pasted or dropped.
@@ -38,6 +41,10 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   DialogPresenter(const DialogPresenter&) = delete;
   DialogPresenter& operator=(const DialogPresenter&) = delete;
 
+  // The Cut page, which lives as long as the dialog; before Open. It is filled when it is first
+  // chosen.
+  void UseCut(CutPresenter* cut) { cut_ = cut; }
+
   // Fills the controls with what the last run left. Before the window is shown; FillFaces may
   // follow later.
   void Open();
@@ -50,6 +57,10 @@ class DialogPresenter final : private OutputNotifier, private Notices {
 
   // Keeps the same at once and in silence: the session or the process is about to end.
   void SaveNow();
+
+  // The user changes between the two ways of working; the text goes along.
+  void ChooseMode(WindowMode mode);
+  WindowMode mode() const { return memory_.mode; }
 
   // Events of the controls. What a control has, it has by typing or by selection.
   void TextChanged(ControlId control, std::u16string_view text);
@@ -102,6 +113,8 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   Continue KeepWaiting(std::u16string_view path, int attempts) override;
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;
 
+  void ShowMode();
+  void TakeCutText();
   void LinesChanged(std::u16string_view text);
   void FaceChanged(std::u16string_view face);
   void HeightChanged(std::u16string_view text, ControlId shown_too);
@@ -121,6 +134,8 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void ShowStatusAgain();
   Extent3 DrawingBox();
   bool DrawsContours() const;
+  const std::shared_ptr<const TextContours>& SeenContours(const Affine& fit);
+  PictureNotes PaintParts(DrawingContext& dc, const Affine& fit);
   void PaintFigure(DrawingContext& dc, const Affine& fit);
   Color FirstColor() const;
   FaceForm Face() const;
@@ -146,6 +161,8 @@ class DialogPresenter final : private OutputNotifier, private Notices {
 
   DialogView& view_;
   DialogServices& services_;
+  CutPresenter* cut_ = nullptr;
+  bool cut_is_filled_ = false;
   Notices* notices_before_;
   std::unique_ptr<DeviceContext> measuring_;
   Typesetter typesetter_;
@@ -169,6 +186,9 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   // The drawing.
   std::shared_ptr<const TextContours> contours_ = NoContours();  // y up
   Extent3 contours_box_;
+  std::shared_ptr<const TextContours> seen_;  // contours_ without what cannot be seen
+  std::shared_ptr<const TextContours> seen_of_;
+  double seen_scale_ = 0;
   PartsA parts_;
   bool parts_are_stale_ = false;  // made of contours_ when they are asked for
   size_t item_count_ = 0;
