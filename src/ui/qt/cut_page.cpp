@@ -35,6 +35,8 @@ constexpr int kPanelWidth = 350;
 constexpr int kNarrow = 680;  // of a window: panel and preview stand one above the other
 constexpr int kGridColumns = 4;
 constexpr int kLeastField = 72;
+constexpr int kTextLines = 3;
+constexpr int kTextRim = 12;
 
 // The caption stands before a control that shows a value, and on all others.
 bool HasCaptionBefore(const CutControlRow& row) {
@@ -98,6 +100,7 @@ QWidget* CutPage::MakeControl(const CutControlRow& row) {
   switch (row.kind) {
     case ControlKind::kTextBox:
       text_ = new TextBox(this);
+      text_->setMinimumHeight(kTextLines * text_->fontMetrics().lineSpacing() + kTextRim);
       connect(text_, &QTextEdit::textChanged, this,
               UnlessShown([this, id = row.id] { presenter_->TextChanged(id, text_->Text()); }));
       return text_;
@@ -455,11 +458,6 @@ void CutPage::ShowTitles() {
 void CutPage::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   ArrangeForWidth();
-}
-
-void CutPage::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange && presenter_) presenter_->ShowLooksAgain();
 }
 
 bool CutPage::eventFilter(QObject* object, QEvent* event) {

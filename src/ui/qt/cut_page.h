@@ -44,7 +44,6 @@ class CutPage final : public QWidget, public CutView {
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
-  void changeEvent(QEvent* event) override;
   bool eventFilter(QObject* object, QEvent* event) override;
 
  private:

@@ -152,7 +152,7 @@ void FaceList::ShowRows(const std::vector<FaceListRow>& rows, std::optional<size
   const QModelIndex index = selected ? rows_->index(static_cast<int>(*selected)) : QModelIndex();
   if (index == currentIndex()) return;
   setCurrentIndex(index);
-  if (index.isValid()) scrollTo(index);
+  if (index.isValid()) scrollTo(index, QAbstractItemView::PositionAtCenter);
 }
 
 void FaceList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {

@@ -63,9 +63,8 @@ MainWindow::MainWindow(DialogServices& services, CutServices& cut_services) {
   connect(&due_, &QTimer::timeout, this, [this] { presenter_->Due(); });
   cut_presenter_ = std::make_unique<CutPresenter>(*cut_page_, cut_services);
   cut_page_->SetPresenter(cut_presenter_.get());
+  presenter_->UseCut(cut_presenter_.get());
   presenter_->Open();
-  cut_presenter_->Open();
-  ShowMode(mode_);
 }
 
 MainWindow::~MainWindow() = default;
@@ -244,24 +243,10 @@ QWidget* MainWindow::MakeModeSwitch() {
     line->addWidget(button);
     controls_[id] = button;
     connect(button, &QAbstractButton::toggled, this, UnlessShown([this, wanted = mode](bool on) {
-              if (on) ChooseMode(wanted);
+              if (on) presenter_->ChooseMode(wanted);
             }));
   }
   return joined;
-}
-
-// The text is that of both ways of working.
-void MainWindow::ChooseMode(WindowMode mode) {
-  if (mode == mode_) return;
-  mode_ = mode;
-  if (mode == WindowMode::kCut) {
-    cut_presenter_->TakeText(text_->Text());
-  } else {
-    const std::u16string text = cut_presenter_->text();
-    ShowText(text, TextChange::kUndoable);
-    presenter_->TextChanged(ControlId::kText, text);
-  }
-  ShowMode(mode);
 }
 
 void MainWindow::ShowMode(WindowMode mode) {
@@ -327,23 +312,16 @@ void MainWindow::SizeDropDowns() {
 void MainWindow::OpenFiles(const QStringList& files) {
   std::vector<std::filesystem::path> paths;
   for (const QString& file : files) paths.push_back(QStringToPath(file));
-  if (!paths.empty()) TakeFiles(paths);
-}
-
-void MainWindow::TakeFiles(const std::vector<std::filesystem::path>& files) {
-  if (mode_ == WindowMode::kCut) return cut_presenter_->Dropped(files);
-  presenter_->Dropped(files);
+  if (!paths.empty()) presenter_->Dropped(paths);
 }
 
 // Events
 
 void MainWindow::SaveNow() {
-  (void)cut_presenter_->Keep();  // nobody is there to be told
   presenter_->SaveNow();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  (void)cut_presenter_->Keep();
   event->setAccepted(presenter_->Close());
 }
 
@@ -354,7 +332,6 @@ void MainWindow::showEvent(QShowEvent* event) {
   // The window stands before the faces are listed.
   QTimer::singleShot(0, this, [this] {
     presenter_->FillFaces();
-    cut_presenter_->FillFaces();
     SizeDropDowns();
   });
 }
@@ -386,7 +363,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
   }
   event->acceptProposedAction();
   // The drag's source waits for the answer; a message may stand long.
-  QTimer::singleShot(0, this, [this, files] { TakeFiles(files); });
+  QTimer::singleShot(0, this, [this, files] { presenter_->Dropped(files); });
 }
 
 }  // namespace kerno

@@ -62,6 +62,7 @@ class MainWindow final : public QWidget, private DialogView {
   void ShowChecked(ControlId id, bool checked) override;
   void ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) override;
   void ShowFault(ControlId id, std::u16string_view why) override;
+  void ShowMode(WindowMode mode) override;
   void ShowCaptions() override;
   void Enable(ControlId id, bool enabled) override;
   void ShowControl(ControlId id, bool visible) override;
@@ -103,12 +104,9 @@ class MainWindow final : public QWidget, private DialogView {
   QWidget* MakeTopBar();
   QWidget* MakeModeSwitch();
   void LayOut();
-  void ChooseMode(WindowMode mode);
-  void ShowMode(WindowMode mode);
   PreviewEvents ClassicPreviewEvents();
   QMenuBar* MakeMenu(QWidget* parent);
   void ChooseFromMenu(const MenuRow& row);
-  void TakeFiles(const std::vector<std::filesystem::path>& files);
   void SizeDropDowns();
   void LearnFrame();
   void MakeProgress(Qt::WindowModality modality, int delay);
@@ -130,7 +128,6 @@ class MainWindow final : public QWidget, private DialogView {
   QStackedWidget* pages_ = nullptr;
   QWidget* classic_page_ = nullptr;
   CutPage* cut_page_ = nullptr;
-  WindowMode mode_ = WindowMode::kClassic;
   std::unique_ptr<DialogPresenter> presenter_;
   std::unique_ptr<CutPresenter> cut_presenter_;
 };
