@@ -146,7 +146,6 @@ void CutPresenter::TextChanged(ControlId field, std::u16string_view text) {
     if (lines == text_) return;
     text_ = std::move(lines);
     has_sample_ = false;
-    samples_wait_ = true;
     view_.RepaintFaceRows();
     return Changed();
   }

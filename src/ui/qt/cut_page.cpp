@@ -207,8 +207,9 @@ QWidget* CutPage::MakeFaceList(const CutControlRow& row) {
   faces_ = new FaceList(this);
   faces_->on_selected = [this, id = row.id](size_t face) { presenter_->Selected(id, face); };
   faces_->on_favourite = [this](size_t face) { presenter_->FavouriteToggled(face); };
-  faces_->sample = [this](size_t face, int width, int height, Color ink, Color paper) {
-    return presenter_ ? presenter_->FaceSample(face, width, height, ink, paper) : nullptr;
+  faces_->sample = [this](size_t face, int width, int height) {
+    constexpr Color kBlack = RgbColor(0, 0, 0), kWhite = RgbColor(255, 255, 255);
+    return presenter_->FaceSample(face, width, height, kBlack, kWhite);
   };
   return faces_;
 }

@@ -22,6 +22,22 @@ int RowHeight(const QFontMetrics& metrics) {
   return metrics.height() + kSampleHeight + 2 * kRim;
 }
 
+// All samples are black on white, whatever the colours of their rows: what is black becomes ink,
+// what is white shows what lies under it.
+QImage Inked(const BitmapSurface& sample, const QColor& ink) {
+  QImage mask =
+      QImage(sample.Pixels().data(), sample.Width(), sample.Height(), QImage::Format_RGB32)
+          .convertToFormat(QImage::Format_Grayscale8);
+  mask.invertPixels();
+  mask.reinterpretAsFormat(QImage::Format_Alpha8);
+  QImage inked(mask.size(), QImage::Format_ARGB32_Premultiplied);
+  inked.fill(ink);
+  QPainter painter(&inked);
+  painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+  painter.drawImage(0, 0, mask);
+  return inked;
+}
+
 QRect StarPlace(const QRect& row, int side) {
   return {row.right() - kRim - side, row.top() + kRim, side, side};
 }
@@ -81,7 +97,7 @@ class FaceList::RowPainter final : public QStyledItemDelegate {
     painter->save();
     painter->fillRect(option.rect, paper);
     PaintName(painter, option, row, ink);
-    PaintSample(painter, option.rect, index.row(), ink, paper);
+    PaintSample(painter, option.rect, index.row(), ink);
     painter->setPen(colors.color(QPalette::Midlight));
     if (!is_selected) painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
     painter->restore();
@@ -109,8 +125,7 @@ class FaceList::RowPainter final : public QStyledItemDelegate {
                       metrics.elidedText(ToQString(row.note), Qt::ElideRight, line.width()));
   }
 
-  void PaintSample(QPainter* painter, const QRect& row_place, int row, const QColor& ink,
-                   const QColor& paper) const {
+  void PaintSample(QPainter* painter, const QRect& row_place, int row, const QColor& ink) const {
     if (!list_->sample) return;
     const QRect place(row_place.left() + kRim, row_place.bottom() - kRim - kSampleHeight + 1,
                       row_place.width() - 2 * kRim, kSampleHeight);
@@ -119,11 +134,9 @@ class FaceList::RowPainter final : public QStyledItemDelegate {
       return static_cast<int>(std::lround(length * ratio));
     };
     const BitmapSurface* picture =
-        list_->sample(static_cast<size_t>(row), pixels(place.width()), pixels(place.height()),
-                      FromQColor(ink), FromQColor(paper));
+        list_->sample(static_cast<size_t>(row), pixels(place.width()), pixels(place.height()));
     if (!picture) return;
-    QImage image(picture->Pixels().data(), picture->Width(), picture->Height(),
-                 QImage::Format_RGB32);
+    QImage image = Inked(*picture, ink);
     image.setDevicePixelRatio(ratio);
     painter->drawImage(OnPixel(*painter, place.topLeft()), image);
   }

@@ -19,9 +19,8 @@ class FaceList final : public QListView {
   ~FaceList() override;
 
   std::function<void(size_t row)> on_selected, on_favourite;
-  // In pixels of the device; null while there is no sample yet.
-  std::function<const BitmapSurface*(size_t row, int width, int height, Color ink, Color paper)>
-      sample;
+  // Black on white, in pixels of the device; null while there is no sample yet.
+  std::function<const BitmapSurface*(size_t row, int width, int height)> sample;
 
   void ShowRows(const std::vector<FaceListRow>& rows, std::optional<size_t> selected);
 
