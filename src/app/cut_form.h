@@ -14,7 +14,6 @@
 #include "app/controls.h"
 #include "app/cut_memory.h"
 #include "app/cut_texts.h"
-#include "app/face_catalogue.h"
 #include "app/reports.h"
 #include "app/sheet_texts.h"
 
@@ -59,8 +58,7 @@ class CutForm {
   void ChangeUnit(size_t index);
 
   // The face as options of `kerno cut`.
-  void SetFace(std::span<const FaceOption> options);
-  std::vector<FaceOption> Face() const;
+  void SetFace(CutTexts face);
   bool IsOfStrokes() const;
 
   // Which fields the size is given by.

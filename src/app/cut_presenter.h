@@ -110,6 +110,7 @@ class CutPresenter {
 
   void ShowRows();
   void ShowPick();
+  void TakePick();
   void PickFace(FacePick pick);
   void PickRow(size_t row);
   void PickFilter(size_t index);

@@ -70,6 +70,7 @@ class CutPreview {
   P2 InDrawing(double x, double y) const;
   P2 SnappedAt(double x, double y) const;
   double UnitsPerMillimetre() const;
+  void PaintMeasure(DrawingContext& dc, const Affine& fit, const PreviewInks& inks) const;
 
   PreviewModel model_;  // of the frame less the rulers
   CutPainter painter_;

@@ -1,9 +1,8 @@
 // The series of the Cut page: a list whose rows fill the text and the fields, shown row by row and
 // written as `kerno cut --data` writes it, without a toolkit.
 //
-// A list may be larger than memory. Its rows are counted beside the window, in a thread of its own,
-// and reached through places that are remembered, some hundred rows apart. The file is held while
-// it is read alone, so that other programs can write it; a list that has changed is read again.
+// A list may be larger than memory. It is held while it is read alone, so that other programs can
+// write it; a list that has changed is read again.
 #pragma once
 
 #include <cstdint>
@@ -22,6 +21,8 @@
 #include "app/sheet_texts.h"
 
 namespace kerno {
+
+class SeriesList;
 
 // What is to be written of all rows.
 struct SeriesOrder {
@@ -74,10 +75,9 @@ class CutSeries {
   [[nodiscard]] Status Open(const std::filesystem::path& file, SeriesWake wake);
   void Close();
 
-  bool is_open() const;
+  bool is_open() const { return list_ != nullptr; }
   const std::filesystem::path& file() const;
   const std::vector<std::string>& columns() const;
-  const char* coding_name() const;  // "UTF-8", "Shift_JIS"
   // The rows that are known so far, and whether these are all.
   uint64_t rows() const;
   bool all_counted() const;
@@ -102,9 +102,8 @@ class CutSeries {
   SeriesProgress progress() const;
 
  private:
-  class List;
   class Run;
-  std::unique_ptr<List> list_;
+  std::unique_ptr<SeriesList> list_;
   std::unique_ptr<Run> run_;
 };
 

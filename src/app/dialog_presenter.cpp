@@ -18,6 +18,7 @@ namespace {
 
 constexpr uint32_t kSlowRebuild = 60;  // milliseconds from which changes are gathered
 constexpr DrawOptions kPreviewOptions = {.detail = 0.5};
+constexpr double kUnseenDetail = 0.25;  // pixels: less than what drawing leaves out
 constexpr double kFlat = 2;          // pixels
 constexpr int kGatherFor = 250;      // milliseconds without a change until they are set
 constexpr int kProgressPause = 100;  // milliseconds between two looks at work beside the window
@@ -447,11 +448,30 @@ void DialogPresenter::PaintPreview(DrawingContext& dc, double density) {
   if (DrawsContours()) {
     PaintFigure(dc, fit);
   } else {
-    unseen = DescribeUnseen(DrawParts(dc, is_pending_ ? parts_ : parts(), fit, kPreviewOptions));
+    unseen = DescribeUnseen(PaintParts(dc, fit));
   }
   if (unseen == unseen_) return;
   unseen_ = std::move(unseen);
   ShowStatusAgain();
+}
+
+// The contours without the points that no picture of this scale shows, so that no later step has
+// to look at them.
+const std::shared_ptr<const TextContours>& DialogPresenter::SeenContours(const Affine& fit) {
+  const double scale = PixelsPerUnit(fit);
+  if (seen_of_ != contours_ || seen_scale_ != scale) {
+    seen_ = std::make_shared<const TextContours>(contours_->Reduced(kUnseenDetail / scale));
+    seen_of_ = contours_;
+    seen_scale_ = scale;
+  }
+  return seen_;
+}
+
+PictureNotes DialogPresenter::PaintParts(DrawingContext& dc, const Affine& fit) {
+  const bool of_text = !contours_->empty();
+  return DrawParts(dc,
+                   of_text ? DrawingOf(SeenContours(fit), {.elements = memory_.elements}) : parts_,
+                   fit, kPreviewOptions);
 }
 
 void DialogPresenter::PaintFigure(DrawingContext& dc, const Affine& fit) {
@@ -466,7 +486,7 @@ void DialogPresenter::PaintFigure(DrawingContext& dc, const Affine& fit) {
   const auto brush = dc.CreateBrushIndirect({.color = FirstColor()});
   Pen* const pen_before = dc.SelectPen(pen.get());
   Brush* const brush_before = dc.SelectBrush(brush.get());
-  DrawContours(dc, *contours_, fit, kPreviewOptions);
+  DrawContours(dc, *SeenContours(fit), fit, kPreviewOptions);
   dc.SelectPen(pen_before);
   dc.SelectBrush(brush_before);
 }

@@ -17,6 +17,7 @@
 #include "app/outputs.h"
 #include "app/preview_model.h"
 #include "base/notices.h"
+#include "export/draw_parts.h"
 #include "outline/glyph_contours.h"
 #include "outline/typesetter.h"
 #include "parts/parts.h"
@@ -121,6 +122,8 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void ShowStatusAgain();
   Extent3 DrawingBox();
   bool DrawsContours() const;
+  const std::shared_ptr<const TextContours>& SeenContours(const Affine& fit);
+  PictureNotes PaintParts(DrawingContext& dc, const Affine& fit);
   void PaintFigure(DrawingContext& dc, const Affine& fit);
   Color FirstColor() const;
   FaceForm Face() const;
@@ -169,6 +172,9 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   // The drawing.
   std::shared_ptr<const TextContours> contours_ = NoContours();  // y up
   Extent3 contours_box_;
+  std::shared_ptr<const TextContours> seen_;  // contours_ without what cannot be seen
+  std::shared_ptr<const TextContours> seen_of_;
+  double seen_scale_ = 0;
   PartsA parts_;
   bool parts_are_stale_ = false;  // made of contours_ when they are asked for
   size_t item_count_ = 0;

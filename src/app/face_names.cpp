@@ -10,7 +10,8 @@ namespace {
 
 // Hiragana of the half-width katakana U+FF66 to U+FF9D; "ー" has no hiragana.
 constexpr std::u16string_view kNarrowKana =
-    u"をぁぃぅぇぉゃゅょっーあいうえおかきくけこさしすせそたちつてとなにぬねのはひふへほまみむめもやゆよ"
+    u"をぁぃぅぇぉゃゅょっーあいうえおかきくけこさしすせそたちつてとなにぬねのはひふへほまみむめも"
+    u"やゆよ"
     u"らりるれろわん";
 constexpr char16_t kNarrowVoiced = 0xFF9E, kNarrowHalfVoiced = 0xFF9F;
 

@@ -11,7 +11,7 @@
 namespace kerno {
 
 struct FaceScript {
-  std::u16string_view name;     // in English: a key of the captions
+  std::string_view name;        // in English, ASCII: a key of the captions
   std::u16string_view letters;  // a face that has all of them writes the script
   std::u16string_view sample;   // what shows a face of the script at its best
 };

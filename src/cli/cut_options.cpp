@@ -121,19 +121,21 @@ void CutOptions::AddFileOptions(CLI::App& app) {
       ->capture_default_str();
 }
 
-void CutOptions::LearnGiven() {
-  const auto learn = [this](const char* option) {
-    if (app_->count(option) > 0) texts_.given.emplace(option);
+CutTexts CutOptions::Texts() const {
+  CutTexts texts = texts_;
+  const auto learn = [&](const char* option) {
+    if (app_->count(option) > 0) texts.given.emplace(option);
   };
-  texts_.ForEachFlag([&](const char* option, const bool*) { learn(option); });
-  texts_.ForEachText([&](const char* option, const std::string*) { learn(option); });
+  texts.ForEachFlag([&](const char* option, const bool*) { learn(option); });
+  texts.ForEachText([&](const char* option, const std::string*) { learn(option); });
+  return texts;
 }
 
 bool CutOptions::ReadJob() {
-  LearnGiven();
-  return ReadCut(
-      texts_, [this](std::string_view extension) { return outputs_.Has(extension); }, &job_,
-      &style_);
+  const auto wants = [this](std::string_view extension) {
+    return HasFormat(outputs_.outputs(), extension);
+  };
+  return ReadCut(Texts(), wants, &job_, &style_);
 }
 
 }  // namespace kerno

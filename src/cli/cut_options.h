@@ -1,9 +1,6 @@
 // What a cut is told beside its text, as options of a command, and the files that it writes.
 #pragma once
 
-#include <functional>
-#include <string>
-
 #include "app/cut_texts.h"
 #include "cli/command.h"
 #include "cli/output_files.h"
@@ -14,19 +11,15 @@ class CutOptions {
  public:
   void AddTo(CLI::App& app);
 
-  // Calls `visit` with every value beside names of files to write and its option, always in the
-  // same order.
-  void ForEachText(const std::function<void(const char* option, std::string* value)>& visit) {
-    texts_.ForEachText(visit);
-  }
-
   // Checks the names of files and the format; what is wrong is reported.
   bool ReadOutputs() { return outputs_.Read(); }
-  // Checks all other values, once for each object, and that they go with the files. The job then
+  // Checks all other values, and that they go with the files. The job then
   // lacks its text.
   bool ReadJob();
 
   const OutputFiles& outputs() const { return outputs_; }
+  // The values, with those that are given.
+  CutTexts Texts() const;
   const CutJob& job() const { return job_; }
   const DrawingStyle& style() const { return style_; }
   // Whether the face is left to the system.
@@ -43,7 +36,6 @@ class CutOptions {
   void AddSizeOptions(CLI::App& app);
   void AddPathOptions(CLI::App& app);
   void AddFileOptions(CLI::App& app);
-  void LearnGiven();
 
   CLI::App* app_ = nullptr;
   CutTexts texts_;

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "app/choice.h"
+#include "app/cut_warnings.h"
 #include "app/face_choice.h"
 #include "app/option_values.h"
 #include "app/shortcomings.h"
