@@ -29,6 +29,9 @@ std::u16string Say(std::u16string_view english, std::initializer_list<std::u16st
 // The same in a given language.
 std::u16string SayIn(Language language, std::u16string_view english);
 
+// A reason in the current language, where the table has it, with anything in the place of "{}".
+std::u16string SayReason(std::u16string_view why);
+
 // What a Status says, "what: why", with the reason in the current language where the table has it.
 std::u16string SayStatus(const Status& status);
 

@@ -1,4 +1,5 @@
-// The controls of the main window and the commands of its menu, for every view alike.
+// The controls of the main window and the commands of its menu, for every view alike. Captions,
+// names and hints are keys of the table of texts: views show Say(caption) (app/captions.h).
 #pragma once
 
 #include <span>
@@ -177,7 +178,21 @@ enum class MenuCommand : int {
   kPitchCell,
   kAciClassic,
   kAciNearest,
+  kSaveCopy,
+  kUndo,
+  kRedo,
+  kCut,
+  kCopy,
+  kPaste,
+  kSelectAll,
+  kLanguageSystem,
+  kLanguageJapanese,
+  kLanguageEnglish,
+  kLanguageGerman,
 };
+
+// Whether it does something to the text in the text box, which knows the shortcut by itself.
+bool IsEditCommand(MenuCommand command);
 
 struct MenuRow {
   MenuCommand command;

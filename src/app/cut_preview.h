@@ -1,7 +1,8 @@
 // The picture of a drawing for a machine: what is seen is what is cut.
 //
 // Drawing coordinates are those of the drawing, in its unit, y up. Frame coordinates are pixels, y
-// down, from the frame's upper left corner; the rulers, where they are shown, are part of the frame.
+// down, from the frame's upper left corner; the rulers, where they are shown, are part of the
+// frame.
 #pragma once
 
 #include <memory>
@@ -23,8 +24,8 @@ class CutPreview {
   // The frame's size in its pixels, and the device's pixels for each of them.
   void SetFrame(double width, double height, double density);
 
-  // Paints this drawing from now on, in the colours of the style. Null: none. What the user chose to
-  // see stays, as PreviewModel says.
+  // Paints this drawing from now on, in the colours of the style. Null: none. What the user chose
+  // to see stays, as PreviewModel says.
   void SetDrawing(std::shared_ptr<const CutDrawing> drawing, const DrawingStyle& style = {});
 
   void SetLook(PreviewLook look) { look_ = look; }
@@ -69,6 +70,7 @@ class CutPreview {
   P2 InDrawing(double x, double y) const;
   P2 SnappedAt(double x, double y) const;
   double UnitsPerMillimetre() const;
+  void PaintMeasure(DrawingContext& dc, const Affine& fit, const PreviewInks& inks) const;
 
   PreviewModel model_;  // of the frame less the rulers
   CutPainter painter_;

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "app/face_catalogue.h"
@@ -44,7 +45,13 @@ class FaceSamples {
   void Forget();
 
  private:
+  using Picture = std::unique_ptr<BitmapSurface>;
+
   FaceCatalogue& catalogue_;
+  SampleLook look_;
+  std::list<std::pair<size_t, Picture>> pictures_;  // the one asked for last comes first
+  std::unordered_map<size_t, std::list<std::pair<size_t, Picture>>::iterator> places_;
+  std::vector<size_t> waiting_;  // the one asked for last stands last
 };
 
 }  // namespace kerno

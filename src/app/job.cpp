@@ -1,5 +1,6 @@
 #include "app/job.h"
 
+#include <array>
 #include <span>
 #include <utility>
 #include <vector>
@@ -14,10 +15,25 @@ constexpr int kHueStep = 30;
 constexpr int kLightness = 128;
 constexpr int kSaturation = 128;
 
+constexpr size_t kHues = 360 / kHueStep;
+
+// The colours of a pen and of the brush opposite to it, for each hue.
+std::array<std::pair<int32_t, int32_t>, kHues> HueColours() {
+  std::array<std::pair<int32_t, int32_t>, kHues> colours;
+  int hue = 0;
+  for (auto& [pen, brush] : colours) {
+    pen = static_cast<int32_t>(HlsColor(hue, kLightness, kSaturation));
+    brush = static_cast<int32_t>(HlsColor(hue + 180, kLightness, kSaturation));
+    hue += kHueStep;
+  }
+  return colours;
+}
+
 void ColourByIndex(size_t index, PartsElement* part) {
-  const int hue = static_cast<int>(index % 12) * kHueStep;
-  part->pen.color = static_cast<int32_t>(HlsColor(hue, kLightness, kSaturation));
-  part->brush.color = static_cast<int32_t>(HlsColor(hue + 180, kLightness, kSaturation));
+  static const auto colours = HueColours();
+  const auto& [pen, brush] = colours[index % kHues];
+  part->pen.color = pen;
+  part->brush.color = brush;
 }
 
 // The contour without points that repeat the one before, and without its closing point: the first

@@ -33,10 +33,44 @@ constexpr Corner kEight[] = {{0, 0}, {kWide, 0},       {kWide, kHigh}, {0, kHigh
                              {0, 0}, {0, kHalf, true}, {kWide, kHalf}};
 constexpr Corner kNine[] = {{0, 0},     {kWide, 0}, {kWide, kHigh},
                             {0, kHigh}, {0, kHalf}, {kWide, kHalf}};
+constexpr Corner kMinus[] = {{0, kHalf}, {kHalf, kHalf}};
+constexpr Corner kPoint[] = {{0.1, 0}, {0.1, 0.1}};
+constexpr double kPointAdvance = 0.4;
 constexpr std::span<const Corner> kDigits[] = {kZero, kOne, kTwo,   kThree, kFour,
                                                kFive, kSix, kSeven, kEight, kNine};
 
+std::span<const Corner> CornersOf(char figure) {
+  if (figure == '-') return kMinus;
+  if (figure == '.') return kPoint;
+  if (figure < '0' || figure > '9') return {};
+  return kDigits[figure - '0'];
+}
+
+void AddStrokes(char figure, double left, double height, Shape* shape) {
+  const std::span<const Corner> corners = CornersOf(figure);
+  for (const Corner& corner : corners) {
+    const P2 p = P2{left + corner.x, corner.y} * height;
+    if (&corner == corners.data() || corner.lifted) {
+      Path& path = shape->emplace_back().path;
+      path.start = p;
+      path.closed = false;
+    } else {
+      shape->back().path.segments.push_back({SegmentKind::kLine, p});
+    }
+  }
+}
+
 }  // namespace
+
+Shape FigureStrokes(char figure, double height) {
+  Shape shape;
+  AddStrokes(figure, 0, height, &shape);
+  return shape;
+}
+
+double FigureAdvance(char figure, double height) {
+  return (figure == '.' ? kPointAdvance : kAdvance) * height;
+}
 
 Shape NumberStrokes(int64_t number, double height) {
   std::string digits;
@@ -45,17 +79,7 @@ Shape NumberStrokes(int64_t number, double height) {
   double left = 0;
   for (const char digit : digits) {
     if (digit < '0' || digit > '9') continue;
-    const std::span<const Corner> corners = kDigits[digit - '0'];
-    for (const Corner& corner : corners) {
-      const P2 p = P2{left + corner.x, corner.y} * height;
-      if (&corner == corners.data() || corner.lifted) {
-        Path& path = shape.emplace_back().path;
-        path.start = p;
-        path.closed = false;
-      } else {
-        shape.back().path.segments.push_back({SegmentKind::kLine, p});
-      }
-    }
+    AddStrokes(digit, left, height, &shape);
     left += kAdvance;
   }
   return shape;

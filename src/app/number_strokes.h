@@ -7,6 +7,12 @@
 
 namespace kerno {
 
+// A digit, "-" or "." as open paths of straight lines, `height` high; y up, the lower left corner
+// at 0, 0. Any other character has none.
+Shape FigureStrokes(char figure, double height);
+// How far after it the next one begins.
+double FigureAdvance(char figure, double height);
+
 // The digits of a number of at least 0 as open and closed paths of straight lines, `height` high; y
 // up, the lower left corner at 0, 0.
 Shape NumberStrokes(int64_t number, double height);

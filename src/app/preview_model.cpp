@@ -37,7 +37,10 @@ void PreviewModel::ShowAll() {
 void PreviewModel::ZoomAt(double x, double y, double steps) {
   const double whole = PixelsPerUnit(WholeFit());
   const double wanted = PixelsPerUnit(fit_) * std::pow(kWheelFactor, steps);
-  const double scale = std::clamp(wanted, whole * kShallowest, whole * kDeepest);
+  ShowScale(std::clamp(wanted, whole * kShallowest, whole * kDeepest), x, y);
+}
+
+void PreviewModel::ShowScale(double scale, double x, double y) {
   const double factor = scale / PixelsPerUnit(fit_);
   if (!std::isfinite(factor) || factor <= 0) return;
   fit_ = FlippedY(scale, {x - (x - fit_.to.x) * factor, y - (y - fit_.to.y) * factor});

@@ -25,6 +25,8 @@ class PreviewModel {
   void ShowAll();
   // Scales by kWheelFactor to the power of `steps`, what lies under the point staying there.
   void ZoomAt(double x, double y, double steps);
+  // Takes a scale as it is, however large the drawing is by it.
+  void ShowScale(double pixels_per_unit, double x, double y);
   void Pan(double dx, double dy);
 
   double width() const { return width_; }

@@ -65,6 +65,11 @@ Extent3 PictureBox(const PartsA& model, DeviceContext* dc) {
 }
 
 Extent3 ContoursBox(const TextContours& contours) {
+  if (contours.empty()) return {};
+  if (const std::optional<Box2> quick = contours.QuickBox()) {
+    const Extent3 box = {{quick->min.x, quick->min.y, 0}, {quick->max.x, quick->max.y, 0}};
+    if (kPicturedXY.Takes(box.min) && kPicturedXY.Takes(box.max)) return box;
+  }
   Extent3 box;
   bool first = true;
   contours.EachPoint([&](const P2& p) {

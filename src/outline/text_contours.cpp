@@ -1,5 +1,7 @@
 #include "outline/text_contours.h"
 
+#include <algorithm>
+#include <cmath>
 #include <unordered_map>
 
 namespace kerno {
@@ -49,6 +51,58 @@ std::span<const P2> TextContours::Contour(size_t i, std::vector<P2>* room) const
     for (size_t k = 0; k < count; ++k) to[k] = map.Apply(to[k]);
   }
   return {to, count};
+}
+
+// Without a turn, the box of a moved glyph is the moved box of the glyph: rounding keeps the order
+// of numbers.
+std::optional<Box2> TextContours::QuickBox() const {
+  for (const Affine& map : maps_) {
+    if (map.xy != 0 || map.yx != 0) return std::nullopt;
+  }
+  std::vector<std::optional<Box2>> boxes(starts_.size());  // of glyphs, by their first outline
+  Box2 all;
+  for (size_t i = 0; i < places_.size(); ++i) {
+    const Place& place = places_[i];
+    std::optional<Box2>& box = boxes[place.outline];
+    if (!box) {
+      box.emplace();
+      const size_t end = starts_[place.outline + ContoursAt(i)];
+      for (size_t k = starts_[place.outline]; k < end; ++k) Include(&*box, points_[k]);
+    }
+    if (!(box->min.x <= box->max.x)) continue;
+    for (P2 corner : {box->min, box->max}) {
+      corner = corner + place.origin;
+      for (const Affine& map : maps_) corner = map.Apply(corner);
+      Include(&all, corner);
+    }
+  }
+  return all;
+}
+
+TextContours TextContours::Reduced(double detail) const {
+  TextContours reduced;
+  reduced.places_ = places_;
+  reduced.place_of_ = place_of_;
+  reduced.maps_ = maps_;
+  reduced.starts_.reserve(starts_.size());
+  std::vector<P2>& kept = reduced.points_;
+  for (size_t i = 0; i + 1 < starts_.size(); ++i) {
+    const size_t first = kept.size();
+    bool dropped = false;
+    for (size_t k = starts_[i]; k < starts_[i + 1]; ++k) {
+      const P2& p = points_[k];
+      dropped = kept.size() > first && std::fabs(p.x - kept.back().x) < detail &&
+                std::fabs(p.y - kept.back().y) < detail;
+      if (!dropped) kept.push_back(p);
+    }
+    if (dropped) {
+      if (kept.size() == first + 1) kept.emplace_back();
+      kept.back() = points_[starts_[i + 1] - 1];
+    }
+    reduced.starts_.push_back(kept.size());
+  }
+  for (size_t i = 0; i < size(); ++i) reduced.point_count_ += reduced.PointsOf(i);
+  return reduced;
 }
 
 }  // namespace kerno

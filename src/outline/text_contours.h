@@ -4,10 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "drawing/affine.h"
+#include "drawing/vector.h"
 #include "outline/glyph_contours.h"
 #include "outline/text_layout.h"
 
@@ -35,6 +37,17 @@ class TextContours {
   // The points of a contour: the first of `room`, which grows where it is too short.
   std::span<const P2> Contour(size_t i, std::vector<P2>* room) const;
 
+  // The number of the glyph, in the text's order, that a contour is part of.
+  size_t GlyphOf(size_t i) const { return place_of_[i]; }
+
+  // The box of all points, empty where there are none. Nothing where maps turn or lean, so that it
+  // would take a look at every point.
+  std::optional<Box2> QuickBox() const;
+
+  // The same contours with fewer points: those are dropped that are nearer than `detail` to the
+  // last one kept, both ways, in the units of the glyphs. A contour keeps its last point.
+  TextContours Reduced(double detail) const;
+
   // Calls `visit` with every point, contour by contour.
   template <class Visit>
   void EachPoint(const Visit& visit) const {
@@ -57,6 +70,10 @@ class TextContours {
     return place.outline + (i - place.first);
   }
   uint32_t AddOutlines(const GlyphContours& contours);
+  size_t ContoursAt(size_t place) const {
+    const size_t next = place + 1 < places_.size() ? places_[place + 1].first : place_of_.size();
+    return next - places_[place].first;
+  }
   void AddPlace(uint32_t outline, const GlyphContours& contours, const P2& origin);
 
   std::vector<P2> points_;            // of the outlines, one after the other

@@ -20,18 +20,22 @@ struct FamilyName {
 };
 
 struct ListedFamily {
-  std::u16string name;            // the one by which the system is asked, and which finds its data
-  std::vector<FamilyName> names;  // every one that is known so far, those of single faces included
+  std::u16string name;  // the one by which the system is asked, and which finds its data
+  std::vector<FamilyName>
+      names;  // in every language, those of parts of the family ("... Condensed")
+              // included; the one to show where no other is wanted comes first
+  std::vector<std::u16string> full_names;  // of its faces
   bool fixed_pitch = false;
-  bool symbols = false;  // its characters are pictures
+  bool symbols = false;   // its characters are pictures
+  bool all_names = true;  // otherwise the system told but one; ReadFamilyNames tells the others
 };
 
-// The families with outlines that can be read, in no order. On Windows they have one name each;
-// ReadFamilyNames tells the others.
+// The families with outlines that can be read, in no order.
 std::vector<ListedFamily> ListOutlineFamilies();
 
-// A look into one file: all names of a family of ListOutlineFamilies.
-std::vector<FamilyName> ReadFamilyNames(std::u16string_view family);
+// Completes a family of which the system told but one name, by a look into a file. Its names stay
+// as they are where the file cannot be read.
+void ReadFamilyNames(ListedFamily* family);
 
 // The styles of such a family, in the order of their likeness to a normal face; each name once.
 struct ListedStyle {
@@ -50,6 +54,9 @@ struct CharacterSet {
 
   bool Has(char32_t ch) const;
 };
+
+// What is added grows the set at its end: in ascending order.
+void Append(CharacterRange range, CharacterSet* characters);
 
 // Those that the family's normal face has glyphs for. Fails with kNotFound for a family that is not
 // installed.

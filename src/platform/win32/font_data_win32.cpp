@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstring>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "platform/big_endian.h"
@@ -9,6 +10,7 @@
 #include "platform/folder_path.h"
 #include "platform/font_data.h"
 #include "platform/font_faces.h"
+#include "platform/font_families.h"
 #include "platform/font_file.h"
 #include "platform/held_file.h"
 #include "platform/win32/long_path.h"
@@ -22,6 +24,7 @@ namespace {
 // Tags as GetFontData takes them: the first letter in the lowest byte.
 constexpr DWORD kCollectionTag = 0x66637474;  // "ttcf"
 constexpr DWORD kNamingTag = 0x656D616E;      // "name"
+constexpr DWORD kVariationsTag = 0x72617666;  // "fvar"
 
 class MemoryDevice {
  public:
@@ -298,6 +301,101 @@ std::vector<ListedFace> ListFaces() {
         !MembersOf(device.get(), (u"@" + face.families.front()).substr(0, kMaxFaceName)).empty();
   }
   return faces;
+}
+
+// Each family stands there once for each of its character sets.
+std::vector<ListedFamily> ListOutlineFamilies() {
+  const MemoryDevice device;
+  std::vector<ListedFamily> families;
+  std::unordered_map<std::u16string, size_t> places;
+  for (const Member& member : MembersOf(device.get(), u"")) {
+    const std::u16string name = FamilyOf(member);
+    if (!member.outlines || name.starts_with(u'@')) continue;
+    const auto [place, is_new] = places.try_emplace(name, families.size());
+    if (is_new) {
+      ListedFamily& family = families.emplace_back();
+      family.name = name;
+      family.names = {{name, {}}};
+      family.fixed_pitch = (member.font.lfPitchAndFamily & 3) == FIXED_PITCH;
+      family.all_names = false;
+    }
+    if (member.font.lfCharSet == SYMBOL_CHARSET) families[place->second].symbols = true;
+  }
+  return families;
+}
+
+void ReadFamilyNames(ListedFamily* family) {
+  family->all_names = true;
+  const MemoryDevice device;
+  for (const Member& member : MembersOf(device.get(), family->name)) {
+    const SelectedFont selected(device.get(), member.font);
+    const FontFileFace names = NamesIn(Bytes(device.get(), kNamingTag));
+    for (const FamilyName& name : names.family_names) {
+      const auto known = std::ranges::find(family->names, name.text, &FamilyName::text);
+      if (known == family->names.end()) {
+        family->names.push_back(name);
+      } else if (known->language.empty()) {
+        known->language = name.language;
+      }
+    }
+    family->full_names.insert(family->full_names.end(), names.full_names.begin(),
+                              names.full_names.end());
+    return;
+  }
+}
+
+std::vector<ListedStyle> ListStyles(std::u16string_view family) {
+  const MemoryDevice device;
+  std::vector<ListedStyle> styles;
+  const auto add = [&](const StyledFace& face, bool variable) {
+    if (face.styles.empty()) return;
+    const bool known = std::ranges::any_of(styles, [&](const ListedStyle& other) {
+      return other.face.styles.front() == face.styles.front();
+    });
+    if (!known) styles.push_back({face, variable});
+  };
+  std::vector<Member> members = MembersOf(device.get(), family);
+  std::erase_if(members, [](const Member& member) { return !member.outlines; });
+  const std::vector<StyledFace> faces = StylesOf(members);
+  for (size_t i = 0; i < members.size(); ++i) {
+    const bool known = std::ranges::any_of(styles, [&](const ListedStyle& other) {
+      return other.face.styles.front() == faces[i].styles.front();
+    });
+    if (known) continue;
+    FontData data;
+    const SelectedFont selected(device.get(), members[i].font);
+    const bool variable = !Bytes(device.get(), kVariationsTag).empty();
+    add(faces[i], variable);
+    if (!variable || !ReadFile(device, members[i], &data).ok()) continue;
+    for (const FontFileFace& face : FacesIn(data.file->bytes())) {
+      if (face.index == data.index && face.instance > 0) add(face.style, true);
+    }
+  }
+  return styles;
+}
+
+// The system tells of characters up to U+FFFF alone.
+Status ReadCharacters(std::u16string_view family, CharacterSet* characters) {
+  const MemoryDevice device;
+  std::vector<Member> members = MembersOf(device.get(), family);
+  std::erase_if(members, [](const Member& member) { return !member.outlines; });
+  if (members.empty()) {
+    return Status::Error(Failure::kNotFound, u"face",
+                         u"\"" + std::u16string(family) + u"\" is not installed");
+  }
+  const SelectedFont selected(device.get(), members.front().font);
+  const DWORD size = GetFontUnicodeRanges(device.get(), nullptr);
+  std::vector<DWORD> memory(size / sizeof(DWORD) + 1);
+  auto* set = reinterpret_cast<GLYPHSET*>(memory.data());
+  *characters = {{}, false};
+  if (size == 0 || GetFontUnicodeRanges(device.get(), set) == 0) return Status::Ok();
+  for (DWORD i = 0; i < set->cRanges; ++i) {
+    const WCRANGE& range = set->ranges[i];
+    if (range.cGlyphs == 0) continue;
+    const char32_t first = range.wcLow;
+    Append({first, first + range.cGlyphs - 1}, characters);
+  }
+  return Status::Ok();
 }
 
 }  // namespace kerno

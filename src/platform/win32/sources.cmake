@@ -2,6 +2,7 @@ kerno_room(platform
   SOURCES
     drawing.cpp
     file_replacement.cpp
+    font_families.cpp
     font_file.cpp
     private_profile.cpp
     services.cpp

@@ -1,4 +1,4 @@
-#include "app/overlaps.h"
+#include "drawing/overlaps.h"
 
 #include <algorithm>
 #include <cmath>
