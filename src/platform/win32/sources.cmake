@@ -1,8 +1,10 @@
 kerno_room(platform
   SOURCES
+    coverage_mask.cpp
     drawing.cpp
     file_replacement.cpp
     font_file.cpp
+    preview_surface.cpp
     private_profile.cpp
     services.cpp
     style_choice.cpp
