@@ -37,7 +37,8 @@ void CoverageMask::LineTo(const DevicePoint& to) {
 // Cuts the edge to the mask. What is left of it counts as lying on its left side, what is right of
 // it changes nothing.
 void CoverageMask::Edge(DevicePoint from, DevicePoint to) {
-  if (from.y == to.y) return;
+  constexpr double kLevel = 1e-9;  // pixels; a lower edge covers nothing that can be seen
+  if (std::fabs(from.y - to.y) < kLevel) return;
   float sign = 1;
   if (from.y > to.y) {
     std::swap(from, to);
