@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "app/scoped_flag.h"
+#include "ui/qt/fields.h"
 #include "ui/qt/qt_text.h"
 
 namespace kerno {
@@ -56,11 +57,11 @@ void AxisSliders::Make(const std::vector<AxisRow>& axes) {
     line.slider->setRange(0, kSteps);
     line.slider->setPageStep(kSteps / 10);
     line.slider->setAccessibleName(name);
-    line.slider->setFocusPolicy(Qt::StrongFocus);
+    LeaveWheelAlone(line.slider);
     line.figure->setRange(axis.least, axis.most);
     line.figure->setDecimals(axis.most - axis.least < kNarrow ? 2 : 0);
     line.figure->setAccessibleName(name);
-    line.figure->setFocusPolicy(Qt::StrongFocus);
+    LeaveWheelAlone(line.figure);
     line.name->setBuddy(line.figure);
     connect(line.slider, &QSlider::valueChanged, this, [this, i](int step) {
       Move(i, axes_[i].least + (axes_[i].most - axes_[i].least) * step / kSteps);

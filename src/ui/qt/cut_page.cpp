@@ -11,7 +11,6 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QShortcut>
 #include <QSplitter>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -55,12 +54,17 @@ bool TakesWholeLine(const CutControlRow& row) {
   return row.width == kRestOfLine && !HasCaptionBefore(row);
 }
 
-int WidthOf(const QWidget& widget, std::u16string_view text) {
-  return widget.fontMetrics().horizontalAdvance(ToQString(text));
+// Two that have the same key would lose it both: the menu's entry presses the button then.
+bool IsKeyOfMenu(std::u16string_view key) {
+  for (const MenuColumn& column : Menu()) {
+    const auto has_key = [key](const MenuRow& row) { return key == row.shortcut; };
+    if (std::ranges::any_of(column.rows, has_key)) return true;
+  }
+  return false;
 }
 
-QString Said(const char16_t* english) {
-  return *english ? ToQString(Say(english)) : QString();
+int WidthOf(const QWidget& widget, std::u16string_view text) {
+  return widget.fontMetrics().horizontalAdvance(ToQString(text));
 }
 
 }  // namespace
@@ -194,9 +198,7 @@ QWidget* CutPage::MakeChoice(const CutControlRow& row) {
   } else {
     combo = new Choice(this);
   }
-  // The wheel scrolls the panel; it changes no choice on its way.
-  combo->setFocusPolicy(Qt::StrongFocus);
-  combo->installEventFilter(this);
+  LeaveWheelAlone(combo);
   connect(combo, &QComboBox::currentIndexChanged, this, UnlessShown([this, id = row.id](int index) {
             if (index >= 0) presenter_->Selected(id, static_cast<size_t>(index));
           }));
@@ -231,13 +233,19 @@ PreviewEvents CutPage::CutPreviewEvents() {
   };
 }
 
-QAbstractButton* CutPage::ButtonOf(const QKeySequence& key) const {
+bool CutPage::TakesKey(const QKeySequence& key) const {
   for (const CutControlRow& row : CutControls()) {
     auto* button = qobject_cast<QAbstractButton*>(controls_.at(row.id));
-    if (button && *row.shortcut && ToKeys(row.shortcut) == key && button->isVisible())
-      return button;
+    if (!button || !button->isVisible() || !*row.shortcut || ToKeys(row.shortcut) != key) continue;
+    auto* tool = qobject_cast<QToolButton*>(button);
+    if (tool && tool->menu()) {
+      tool->showMenu();
+    } else {
+      button->click();
+    }
+    return true;
   }
-  return nullptr;
+  return false;
 }
 
 // Captions
@@ -246,6 +254,11 @@ void CutPage::ShowCaptions() {
   for (const CutControlRow& row : CutControls()) ShowCaption(row);
   for (auto& [id, section] : sections_) section.title->setText(Said(TitleOf(id)));
   cancel_->setText(Said(u"Cancel"));
+}
+
+// After each change of the button's text, which takes its key away.
+void CutPage::SetKey(QAbstractButton* button, const CutControlRow& row) {
+  if (*row.shortcut && !IsKeyOfMenu(row.shortcut)) button->setShortcut(ToKeys(row.shortcut));
 }
 
 void CutPage::ShowCaption(const CutControlRow& row) {
@@ -263,8 +276,7 @@ void CutPage::ShowCaption(const CutControlRow& row) {
     if (row.kind != ControlKind::kDefaultButton || button->text().isEmpty()) {
       button->setText(caption);
     }
-    // A text takes the key of a button away.
-    if (*row.shortcut) button->setShortcut(ToKeys(row.shortcut));
+    SetKey(button, row);
   }
   QString told = hint;
   if (*row.shortcut) {
@@ -416,9 +428,6 @@ void CutPage::AddOutputs(QVBoxLayout* page) {
   menu->setMinimumHeight(save->sizeHint().height());
   buttons->Add(saving, Place::kAtEnd);
   page->addLayout(buttons);
-  // The other formats by a key.
-  auto* other = new QShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+S")), this);
-  connect(other, &QShortcut::activated, menu, &QToolButton::showMenu);
 }
 
 void CutPage::AddProgress(QVBoxLayout* page) {
@@ -466,11 +475,6 @@ bool CutPage::eventFilter(QObject* object, QEvent* event) {
     // Nothing of the panel lies under its scroll bar.
     scroller_->setMinimumWidth(panel_->minimumSizeHint().width() +
                                scroller_->verticalScrollBar()->sizeHint().width());
-  }
-  if (event->type() == QEvent::Wheel && qobject_cast<QComboBox*>(object)) {
-    if (static_cast<QWidget*>(object)->hasFocus()) return false;
-    event->ignore();
-    return true;
   }
   if (event->type() == QEvent::KeyPress && object == controls_[ControlId::kFaceSearch]) {
     // From the words that are searched straight into what was found.

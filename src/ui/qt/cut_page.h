@@ -38,8 +38,8 @@ class CutPage final : public QWidget, public CutView {
 
   // The captions in the current language.
   void ShowCaptions();
-  // The button that a key presses; null where none is shown.
-  QAbstractButton* ButtonOf(const QKeySequence& key) const;
+  // Presses the button that a key belongs to; false where none is shown.
+  bool TakesKey(const QKeySequence& key) const;
   TextBox* text() const { return text_; }
 
  protected:
@@ -103,6 +103,7 @@ class CutPage final : public QWidget, public CutView {
   QWidget* MakeChoice(const CutControlRow& row);
   QWidget* MakeFaceList(const CutControlRow& row);
   PreviewEvents CutPreviewEvents();
+  static void SetKey(QAbstractButton* button, const CutControlRow& row);
   void ShowCaption(const CutControlRow& row);
   void LayOut();
   QWidget* MakePanel();

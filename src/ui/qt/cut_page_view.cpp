@@ -27,6 +27,7 @@
 #include "ui/qt/preview_frame.h"
 #include "ui/qt/printing.h"
 #include "ui/qt/qt_text.h"
+#include "ui/qt/save_question.h"
 #include "ui/qt/text_box.h"
 
 namespace kerno {
@@ -59,8 +60,7 @@ void CutPage::ShowControlText(ControlId id, std::u16string_view text) {
   } else if (auto* button = qobject_cast<QAbstractButton*>(control)) {
     button->setText(shown);
     button->setAccessibleName(ToQString(WithoutMnemonic(text)));
-    const CutControlRow* row = FindCutControl(id);
-    if (*row->shortcut) button->setShortcut(ToKeys(row->shortcut));
+    SetKey(button, *FindCutControl(id));
   } else {
     static_cast<Figure*>(control)->ShowText(shown);
   }
@@ -108,7 +108,7 @@ void CutPage::ShowFault(ControlId id, std::u16string_view why) {
   const CutControlRow* row = FindCutControl(id);
   if (auto* edit = qobject_cast<QLineEdit*>(controls_.at(id))) {
     static_cast<Field*>(edit)->SetFault(!why.empty());
-    edit->setAccessibleDescription(why.empty() ? ToQString(Say(row->hint)) : ToQString(why));
+    edit->setAccessibleDescription(why.empty() ? Said(row->hint) : ToQString(why));
   }
   for (const PanelLine& line : lines_) {
     if (std::ranges::find(line.controls, id) == line.controls.end()) continue;
@@ -172,28 +172,7 @@ void CutPage::ShowStatus(std::u16string_view text, StatusKind kind,
 }
 
 std::optional<fs::path> CutPage::AskSave(const SaveQuestion& question) {
-  QFileDialog dialog(this, ToQString(question.title), PathToQString(question.folder));
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
-  QStringList filters;
-  for (const SaveQuestion::Kind& kind : question.kinds) {
-    filters.append(QStringLiteral("%1 (%2)").arg(ToQString(kind.name), PatternOf(kind.extension)));
-  }
-  dialog.setNameFilters(filters);
-  const auto extension_of = [&](const QString& filter) {
-    const qsizetype at = std::max<qsizetype>(filters.indexOf(filter), 0);
-    return ToQString(question.kinds[static_cast<size_t>(at)].extension);
-  };
-  if (!question.kinds.empty()) dialog.setDefaultSuffix(extension_of({}));
-  connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
-    dialog.setDefaultSuffix(extension_of(filter));
-    const QStringList chosen = dialog.selectedFiles();
-    if (chosen.isEmpty()) return;
-    const QFileInfo file(chosen.front());
-    dialog.selectFile(file.completeBaseName() + QLatin1Char('.') + extension_of(filter));
-  });
-  dialog.selectFile(ToQString(question.name));
-  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
-  return PathOr(dialog.selectedFiles().value(0));
+  return AskForFile(this, question);
 }
 
 std::optional<fs::path> CutPage::AskOpen(const OpenQuestion& question) {
@@ -211,8 +190,8 @@ std::optional<fs::path> CutPage::AskOpen(const OpenQuestion& question) {
 }
 
 std::optional<fs::path> CutPage::AskFolder(const fs::path& start) {
-  return PathOr(QFileDialog::getExistingDirectory(this, ToQString(Say(u"Folder of the files")),
-                                                  PathToQString(start)));
+  return PathOr(
+      QFileDialog::getExistingDirectory(this, Said(u"Folder of the files"), PathToQString(start)));
 }
 
 std::optional<std::u16string> CutPage::AskName(std::u16string_view title,
@@ -229,7 +208,7 @@ bool CutPage::AskWhether(std::u16string_view text, std::u16string_view button) {
                   QMessageBox::NoButton, this);
   box.setTextFormat(Qt::PlainText);
   const QPushButton* yes = box.addButton(ToQString(button), QMessageBox::AcceptRole);
-  box.setDefaultButton(box.addButton(ToQString(Say(u"Cancel")), QMessageBox::RejectRole));
+  box.setDefaultButton(box.addButton(Said(u"Cancel"), QMessageBox::RejectRole));
   box.exec();
   return box.clickedButton() == yes;
 }

@@ -21,7 +21,22 @@ QColor LinkColor(const QPalette& colors) {
   return paper.lightness() < kDark && link.lightness() <= kDark ? QColor(0x78, 0xB8, 0xFF) : link;
 }
 
+class WheelGuard final : public QObject {
+ public:
+  using QObject::QObject;
+  bool eventFilter(QObject* object, QEvent* event) override {
+    if (event->type() != QEvent::Wheel || static_cast<QWidget*>(object)->hasFocus()) return false;
+    event->ignore();
+    return true;
+  }
+};
+
 }  // namespace
+
+void LeaveWheelAlone(QWidget* control) {
+  control->setFocusPolicy(Qt::StrongFocus);
+  control->installEventFilter(new WheelGuard(control));
+}
 
 void Field::SetFault(bool at_fault) {
   at_fault_ = at_fault;

@@ -12,6 +12,9 @@
 
 namespace kerno {
 
+// The wheel scrolls what the control stands in; it changes a control only that has the keyboard.
+void LeaveWheelAlone(QWidget* control);
+
 // An edit of one line, with a red frame while its text cannot be used.
 class Field final : public QLineEdit {
  public:

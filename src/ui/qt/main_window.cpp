@@ -298,8 +298,7 @@ QMenuBar* MainWindow::MakeMenu(QWidget* parent) {
 
 // A key that both the menu and a button of the Cut page have is the button's while that is shown.
 void MainWindow::ChooseFromMenu(const MenuRow& row) {
-  QAbstractButton* button = *row.shortcut ? cut_page_->ButtonOf(ToKeys(row.shortcut)) : nullptr;
-  if (button) return button->click();
+  if (*row.shortcut && cut_page_->TakesKey(ToKeys(row.shortcut))) return;
   presenter_->Chosen(row.command);
 }
 

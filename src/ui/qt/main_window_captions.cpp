@@ -59,10 +59,6 @@ void TranslateToolkit() {
   QCoreApplication::installTranslator(&captions);
 }
 
-QString Said(const char16_t* english) {
-  return ToQString(Say(english));
-}
-
 }  // namespace
 
 void MainWindow::ShowCaptions() {

@@ -61,7 +61,7 @@ bool AskWhetherToCutOff(QWidget* parent, const QSizeF& drawing, const QSizeF& pa
                     u"cut off.",
                     {size(drawing), size(page)})),
       QMessageBox::Cancel, parent);
-  const QPushButton* print = box.addButton(ToQString(Say(u"Print")), QMessageBox::AcceptRole);
+  const QPushButton* print = box.addButton(Said(u"Print"), QMessageBox::AcceptRole);
   box.exec();
   return box.clickedButton() == print;
 }
@@ -94,7 +94,7 @@ void PrintDrawing(QWidget* parent, const Drawing& drawing, std::u16string_view t
   QPainter painter;
   if (!painter.begin(&printer)) {
     QMessageBox::warning(parent, parent->window()->windowTitle(),
-                         ToQString(Say(u"The printer cannot be used.")));
+                         Said(u"The printer cannot be used."));
     return;
   }
   painter.setRenderHint(QPainter::Antialiasing);

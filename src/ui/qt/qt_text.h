@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/captions.h"
 #include "app/controls.h"
 #include "base/text.h"
 #include "parts/color.h"
@@ -18,6 +19,10 @@ namespace kerno {
 
 inline QString ToQString(std::u16string_view text) {
   return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+// An English text of the window in its language.
+inline QString Said(std::u16string_view english) {
+  return english.empty() ? QString() : ToQString(Say(english));
 }
 inline std::u16string FromQString(const QString& text) {
   return text.toStdU16String();
