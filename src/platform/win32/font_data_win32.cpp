@@ -127,6 +127,12 @@ uint32_t IndexIn(std::string_view collection, std::string_view font) {
   return 0;
 }
 
+std::vector<Member> OutlineMembersOf(const MemoryDevice& device, std::u16string_view family) {
+  std::vector<Member> members = MembersOf(device.get(), family);
+  std::erase_if(members, [](const Member& member) { return !member.outlines; });
+  return members;
+}
+
 // What the system gives of the file of a face.
 Status ReadFile(const MemoryDevice& device, const Member& member, FontData* data) {
   const SelectedFont selected(device.get(), member.font);
@@ -327,48 +333,43 @@ std::vector<ListedFamily> ListOutlineFamilies() {
 void ReadFamilyNames(ListedFamily* family) {
   family->all_names = true;
   const MemoryDevice device;
-  for (const Member& member : MembersOf(device.get(), family->name)) {
-    const SelectedFont selected(device.get(), member.font);
-    const FontFileFace names = NamesIn(Bytes(device.get(), kNamingTag));
-    for (const FamilyName& name : names.family_names) {
-      const auto known = std::ranges::find(family->names, name.text, &FamilyName::text);
-      if (known == family->names.end()) {
-        family->names.push_back(name);
-      } else if (known->language.empty()) {
-        known->language = name.language;
-      }
+  const std::vector<Member> members = OutlineMembersOf(device, family->name);
+  if (members.empty()) return;
+  const SelectedFont selected(device.get(), members.front().font);
+  const FontFileFace told = NamesIn(Bytes(device.get(), kNamingTag));
+  for (const FamilyName& name : told.family_names) {
+    const auto known = std::ranges::find(family->names, name.text, &FamilyName::text);
+    if (known == family->names.end()) {
+      family->names.push_back(name);
+    } else if (known->language.empty()) {
+      known->language = name.language;
     }
-    family->full_names.insert(family->full_names.end(), names.full_names.begin(),
-                              names.full_names.end());
-    return;
   }
+  family->full_names = told.full_names;
 }
 
+// The system lists a variable font as one face, or each of its instances.
 std::vector<ListedStyle> ListStyles(std::u16string_view family) {
   const MemoryDevice device;
   std::vector<ListedStyle> styles;
-  const auto add = [&](const StyledFace& face, bool variable) {
-    if (face.styles.empty()) return;
-    const bool known = std::ranges::any_of(styles, [&](const ListedStyle& other) {
+  const auto is_listed = [&](const StyledFace& face) {
+    return std::ranges::any_of(styles, [&](const ListedStyle& other) {
       return other.face.styles.front() == face.styles.front();
     });
-    if (!known) styles.push_back({face, variable});
   };
-  std::vector<Member> members = MembersOf(device.get(), family);
-  std::erase_if(members, [](const Member& member) { return !member.outlines; });
+  const std::vector<Member> members = OutlineMembersOf(device, family);
   const std::vector<StyledFace> faces = StylesOf(members);
   for (size_t i = 0; i < members.size(); ++i) {
-    const bool known = std::ranges::any_of(styles, [&](const ListedStyle& other) {
-      return other.face.styles.front() == faces[i].styles.front();
-    });
-    if (known) continue;
-    FontData data;
+    if (is_listed(faces[i])) continue;
     const SelectedFont selected(device.get(), members[i].font);
     const bool variable = !Bytes(device.get(), kVariationsTag).empty();
-    add(faces[i], variable);
+    styles.push_back({faces[i], variable});
+    FontData data;
     if (!variable || !ReadFile(device, members[i], &data).ok()) continue;
-    for (const FontFileFace& face : FacesIn(data.file->bytes())) {
-      if (face.index == data.index && face.instance > 0) add(face.style, true);
+    for (FontFileFace& face : FacesIn(data.file->bytes())) {
+      const bool instance = face.index == data.index && face.instance > 0;
+      if (!instance || face.style.styles.empty() || is_listed(face.style)) continue;
+      styles.push_back({std::move(face.style), true});
     }
   }
   return styles;
@@ -377,8 +378,7 @@ std::vector<ListedStyle> ListStyles(std::u16string_view family) {
 // The system tells of characters up to U+FFFF alone.
 Status ReadCharacters(std::u16string_view family, CharacterSet* characters) {
   const MemoryDevice device;
-  std::vector<Member> members = MembersOf(device.get(), family);
-  std::erase_if(members, [](const Member& member) { return !member.outlines; });
+  const std::vector<Member> members = OutlineMembersOf(device, family);
   if (members.empty()) {
     return Status::Error(Failure::kNotFound, u"face",
                          u"\"" + std::u16string(family) + u"\" is not installed");
