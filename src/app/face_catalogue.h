@@ -89,7 +89,7 @@ struct FaceRow {
 
 struct FaceRows {
   std::vector<FaceRow> rows;
-  bool complete = true;  // otherwise faces were not looked at yet: again after ReadNext
+  bool complete = true;  // otherwise not all faces were read yet: again when ReadNext has ended
 };
 
 class FaceCatalogue {
