@@ -69,8 +69,9 @@ TEST_F(CutPresenterTest, SizesAreWhatIsTyped) {
     page->TextChanged(kSizeWidth, row.width);
     page->TextChanged(kSizeHeight, row.height);
     EXPECT_TRUE(view.faults.empty()) << row.by;
-    if (row.expected_width > 0) EXPECT_NEAR(row.expected_width, Width(), 1e-9) << row.by;
-    if (row.expected_height > 0) EXPECT_NEAR(row.expected_height, Height(), 1e-9) << row.by;
+    const bool by_width = row.expected_width > 0;
+    EXPECT_NEAR(by_width ? row.expected_width : Width(), Width(), 1e-9) << row.by;
+    EXPECT_NEAR(row.expected_height > 0 ? row.expected_height : Height(), Height(), 1e-9);
   }
 }
 
