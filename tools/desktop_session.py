@@ -117,7 +117,7 @@ class DesktopSession:
 
     def choose_cut(self):
         """Goes from the text box of the classic page to the Cut page, by the switch over both."""
-        self.key("shift+Tab", "Right")
+        self.key("shift+Tab", "Right", "space")
 
     def outputs(self):
         return sorted(self.output_folder().glob("*"))

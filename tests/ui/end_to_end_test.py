@@ -75,10 +75,10 @@ def first_run(session, picture):
 
 def cut_run(session):
     """The Cut page by keys alone writes what the command line writes."""
-    session.key("shift+Tab", "Right")  # the switch between the two ways of working
-    session.wait_for(lambda: session.tool("search", "--name", "^Kerno$"))
+    session.choose_cut()
     session.key("ctrl+s")
-    session.wait_for(lambda: session.tool("search", "--onlyvisible", "--name", "DXF"))
+    dialog = session.wait_for(lambda: session.tool("search", "--onlyvisible", "--name", "^Save"))
+    session.tool("windowfocus", "--sync", dialog)
     plate, same = session.home / "plate.dxf", session.home / "same.dxf"
     session.type(str(plate))
     session.key("Return")
@@ -92,7 +92,7 @@ def cut_run(session):
     session.process.terminate()
     assert session.process.wait(20) == 0
     session.start()
-    session.key("shift+Tab", "Left")
+    session.key("shift+Tab", "Left", "space")
     assert press(session, "alt+d", ".dxf")[0].stem.endswith(TEXT + "!")
 
 
