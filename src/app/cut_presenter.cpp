@@ -354,7 +354,7 @@ void CutPresenter::ShowStatus() {
     if (text.empty()) text = Say(u"Type the text to cut");
     return view_.ShowStatus(text, kind, links);
   }
-  if (text.empty()) text = DescribeCut(*made_);
+  if (text.empty()) text = SizeOf(*made_) + u"  ·  " + DescribeCut(*made_);
   for (const std::u16string& warning : WarningsOf(*made_)) {
     text += u"  ·  " + warning;
     if (kind == StatusKind::kNormal) kind = StatusKind::kWarning;
