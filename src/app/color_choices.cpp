@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "app/captions.h"
 #include "base/text.h"
 
 namespace kerno {
@@ -77,7 +78,7 @@ std::vector<ColorChoice> FollowingColors(const ColorChoice& first) {
   for (int i = 0; i < kHueSteps; ++i) {
     const int hue = (hls.hue + kFirstHue + i * (360 / kHueSteps)) % 360;
     const bool is_own = hue == hls.hue && hls.has_hue;
-    colors.push_back({u"Hue " + Utf8ToUtf16Lossy(std::to_string(hue)) + u"°",
+    colors.push_back({Say(u"Hue {}°", {Utf8ToUtf16Lossy(std::to_string(hue))}),
                       is_own ? first.color : HlsColor(hue, hls.lightness, hls.saturation)});
   }
   return colors;

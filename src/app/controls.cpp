@@ -7,7 +7,7 @@ namespace kerno {
 namespace {
 
 constexpr int kButtonWidth = 80;
-constexpr int kLabelWidth = 36;
+constexpr int kLabelWidth = 44;
 constexpr int kNumberWidth = 90;
 constexpr int kColorWidth = 170;
 
@@ -41,7 +41,7 @@ constexpr ControlRow AboutText(Id id, const char16_t* name) {
 
 constexpr ControlRow kControls[] = {
     Shown(Id::kText, Kind::kTextBox, Line::kText, kRestOfLine, u"", u"Text", u""),
-    Shown(Id::kPaste, Kind::kButton, Line::kText, kButtonWidth, u"貼り付け", u"Paste",
+    Shown(Id::kPaste, Kind::kButton, Line::kText, kButtonWidth, u"Paste", u"Paste",
           u"Paste the clipboard into the text"),
 
     Label(Id::kFaceLabel, u"F&ace"),
@@ -71,12 +71,12 @@ constexpr ControlRow kControls[] = {
     Output(Id::kSvg, u"&SVG", u"Write SVG",
            u"Write an SVG drawing, a metafile and the page of the outputs"),
     Output(Id::kIpx, u"&IPX", u"Write IPX", u"Write an IPX parts file and its sizes (IPL)"),
-    Output(Id::kDib, u"&DIB", u"Write a bitmap", u"Write a bitmap (Alt+B)", u"Alt+B"),
+    Output(Id::kDib, u"DI&B", u"Write a bitmap", u"Write a bitmap (Alt+B)", u"Alt+B"),
     Hidden(Output(Id::kUpload, u"&Upload", u"Upload",
                   u"Build the page of the outputs and send the files to the server")),
     Hidden(Output(Id::kEmf, u"EMF", u"Write a metafile", u"Write a metafile")),
     Hidden(Output(Id::kIpl, u"ipl", u"Write IPL", u"Write the sizes of the parts")),
-    AtEnd(Output(Id::kQuit, u"終了", u"Quit", u"Close the window")),
+    AtEnd(Output(Id::kQuit, u"Quit", u"Quit", u"Close the window")),
     Hidden(Shown(Id::kOk, Kind::kDefaultButton, Line::kOutputs, kButtonWidth, u"OK", u"OK", u"")),
 
     AboutText(Id::kAboutVersion, u"Version"),
@@ -87,10 +87,23 @@ constexpr MenuRow kFileRows[] = {
     {MenuCommand::kOpenFolder, false, false, u"&Open the folder of the outputs", u"Ctrl+O"},
     {MenuCommand::kChooseFolder, false, false, u"&Choose the folder of the outputs...", u""},
     {MenuCommand::kDefaultFolder, false, false, u"Use the &temporary folder", u""},
+    {MenuCommand::kSaveCopy, false, true, u"Save a copy &as...", u"Ctrl+Shift+S"},
     {MenuCommand::kQuit, false, true, u"&Quit", u"Ctrl+Q"},
+};
+constexpr MenuRow kEditRows[] = {
+    {MenuCommand::kUndo, false, false, u"&Undo", u"Ctrl+Z"},
+    {MenuCommand::kRedo, false, false, u"&Redo", u"Ctrl+Y"},
+    {MenuCommand::kCut, false, true, u"Cu&t", u"Ctrl+X"},
+    {MenuCommand::kCopy, false, false, u"&Copy", u"Ctrl+C"},
+    {MenuCommand::kPaste, false, false, u"&Paste", u"Ctrl+V"},
+    {MenuCommand::kSelectAll, false, true, u"Select &all", u"Ctrl+A"},
 };
 constexpr MenuRow kViewRows[] = {
     {MenuCommand::kFitPreview, false, false, u"Show the &whole drawing", u"Ctrl+0"},
+    {MenuCommand::kLanguageSystem, true, true, u"As the s&ystem", u""},
+    {MenuCommand::kLanguageJapanese, true, false, u"日本語", u""},
+    {MenuCommand::kLanguageEnglish, true, false, u"English", u""},
+    {MenuCommand::kLanguageGerman, true, false, u"Deutsch", u""},
 };
 constexpr MenuRow kOptionRows[] = {
     {MenuCommand::kLines, true, false, u"Contours as &lines", u""},
@@ -102,13 +115,11 @@ constexpr MenuRow kOptionRows[] = {
     {MenuCommand::kAciNearest, true, false, u"Colour index (DXF): &nearest colour", u""},
 };
 constexpr MenuRow kHelpRows[] = {
-    {MenuCommand::kAbout, false, false, u"ﾊﾞｰｼﾞｮﾝ情報(&A)...", u"F1"},
+    {MenuCommand::kAbout, false, false, u"&About Kerno...", u"F1"},
 };
 constexpr MenuColumn kMenu[] = {
-    {u"&File", kFileRows},
-    {u"&View", kViewRows},
-    {u"&Options", kOptionRows},
-    {u"Hel&p", kHelpRows},
+    {u"&File", kFileRows},      {u"&Edit", kEditRows}, {u"&View", kViewRows},
+    {u"&Options", kOptionRows}, {u"Hel&p", kHelpRows},
 };
 
 constexpr const char16_t* kHeights[] = {
@@ -161,6 +172,10 @@ const MenuRow* FindMenuRow(int command) {
     }
   }
   return nullptr;
+}
+
+bool IsEditCommand(MenuCommand command) {
+  return command >= MenuCommand::kUndo && command <= MenuCommand::kSelectAll;
 }
 
 std::span<const char16_t* const> HeightChoices() {

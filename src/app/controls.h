@@ -1,4 +1,5 @@
-// The controls of the main window and the commands of its menu, for every view alike.
+// The controls of the main window and the commands of its menu, for every view alike. Captions,
+// names and hints are keys of the table of texts: views show Say(caption) (app/captions.h).
 #pragma once
 
 #include <span>
@@ -33,6 +34,73 @@ enum class ControlId : int {
   kDib = 32088,
   kEmf = 32089,
   kUpload = 32201,
+
+  // The switch between the two ways of working.
+  kModeClassic = 3000,
+  kModeCut = 3001,
+
+  // The Cut page (cut_controls.h).
+  kCutText = 3010,
+  kRecentTexts,
+  kAlign,
+  kDirection,
+  kCutVertical,
+  kLineSpacing,
+  kLetterSpacing,
+  kFaceSearch = 3020,
+  kFaceFilter,
+  kFaceList,
+  kFavourite,
+  kStyle,
+  kAxes,
+  kOpenFont,
+  kSizeBy = 3030,
+  kSizeUnit,
+  kSizeWidth,
+  kSizeHeight,
+  kTrueSize,
+  kAngle,
+  kSlant,
+  kMirror,
+  kWeld = 3040,
+  kOffset,
+  kCurves,
+  kTolerance,
+  kOrder,
+  kCutColor,
+  kLayerRule,
+  kLayerName,
+  kSeriesFile = 3050,
+  kOpenSeries,
+  kCloseSeries,
+  kSeriesBack,
+  kSeriesRow,
+  kSeriesForward,
+  kSeriesNames,
+  kSheets,
+  kSheetSize,
+  kSheetGap,
+  kSheetMargin,
+  kSheetFrame,
+  kSheetPack,
+  kSheetNumbers,
+  kSeriesWrite,
+  kCutPreview = 3070,
+  kLook,
+  kZoomOut,
+  kZoomFigure,
+  kZoomIn,
+  kZoomFit,
+  kZoomTrue,
+  kGrid,
+  kMeasure,
+  kPointer,
+  kCutStatus = 3080,
+  kSave,
+  kSaveMenu,
+  kCopySvg,
+  kPrint,
+  kPresets,
 };
 
 enum class ControlKind {
@@ -48,6 +116,16 @@ enum class ControlKind {
   kUpDown,  // touches the edit before it
   kPreview,
   kStatus,
+  // Of the Cut page only:
+  kChoice,      // a drop-down list of texts without an edit
+  kField,       // an edit of one line, which can be at fault
+  kSearch,      // an edit of one line with a mark to empty it
+  kFaceList,    // families with samples; the arrow keys select
+  kAxes,        // a slider with a figure for each axis of a variable font
+  kMenuButton,  // opens a menu whose entries the presenter gives
+  kToggle,      // a button that stays down
+  kFigure,      // a text that is not edited, of one line
+  kLinks,       // a status with words that do something
 };
 
 // The lines of the window from top to bottom; text and preview share the height that is free.
@@ -100,7 +178,21 @@ enum class MenuCommand : int {
   kPitchCell,
   kAciClassic,
   kAciNearest,
+  kSaveCopy,
+  kUndo,
+  kRedo,
+  kCut,
+  kCopy,
+  kPaste,
+  kSelectAll,
+  kLanguageSystem,
+  kLanguageJapanese,
+  kLanguageEnglish,
+  kLanguageGerman,
 };
+
+// Whether it does something to the text in the text box, which knows the shortcut by itself.
+bool IsEditCommand(MenuCommand command);
 
 struct MenuRow {
   MenuCommand command;

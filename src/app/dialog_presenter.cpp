@@ -4,6 +4,8 @@
 #include <cmath>
 #include <new>
 
+#include "app/captions.h"
+#include "app/cut_presenter.h"
 #include "app/height_text.h"
 #include "app/status_text.h"
 #include "app/text_source.h"
@@ -20,6 +22,25 @@ constexpr DrawOptions kPreviewOptions = {.detail = 0.5};
 constexpr double kUnseenDetail = 0.25;  // pixels: less than what drawing leaves out
 constexpr double kFlat = 2;             // pixels
 constexpr int kGatherFor = 250;         // milliseconds without a change until they are set
+constexpr int kProgressPause = 100;     // milliseconds between two looks at work beside the window
+
+std::vector<ColorChoice> Said(std::vector<ColorChoice> colors) {
+  for (ColorChoice& choice : colors) choice.name = Say(choice.name);
+  return colors;
+}
+
+Language LanguageOf(LanguageChoice choice, std::u16string_view locale) {
+  switch (choice) {
+    case LanguageChoice::kJapanese:
+      return Language::kJapanese;
+    case LanguageChoice::kEnglish:
+      return Language::kEnglish;
+    case LanguageChoice::kGerman:
+      return Language::kGerman;
+    default:
+      return LanguageOfLocale(locale);
+  }
+}
 
 size_t IndexOf(Color color) {
   const auto& colors = NamedColors();
@@ -66,12 +87,15 @@ DialogPresenter::~DialogPresenter() {
 
 void DialogPresenter::Open() {
   memory_ = services_.Load();
+  SetLanguage(LanguageOf(memory_.language, services_.TextLocale()));
+  view_.ShowCaptions();
   text_ = LinesOf(services_.LoadSavedText());
   first_color_ = IndexOf(memory_.first_color);
   second_colors_ = FollowingColors(NamedColors()[first_color_]);
   memory_.second_color = std::min(memory_.second_color, second_colors_.size() - 1);
-  outputs_.SetFolder(memory_.output_folder.empty() ? services_.DefaultOutputFolder()
-                                                   : TextPath(memory_.output_folder));
+  folder_ = memory_.output_folder.empty() ? services_.DefaultOutputFolder()
+                                          : TextPath(memory_.output_folder);
+  outputs_.SetFolder(folder_);
   view_.ShowText(text_, TextChange::kFresh);
   view_.ShowControlText(ControlId::kFace, memory_.face);
   view_.ShowChecked(ControlId::kVertical, memory_.vertical);
@@ -83,10 +107,38 @@ void DialogPresenter::Open() {
   view_.ShowControl(ControlId::kUpload, services_.CanUpload());
   ShowColors();
   ShowMenu();
+  ShowHeightFault();
   WindowPlace place = memory_.window;
   place.normal = KeepInSight(place.normal, view_.Screens());
   view_.PlaceWindow(place);
   Rebuild();
+  if (!cut_) memory_.mode = WindowMode::kClassic;
+  ShowMode();
+}
+
+void DialogPresenter::ChooseMode(WindowMode mode) {
+  if (mode == memory_.mode || !cut_) return;
+  TakeCutText();
+  memory_.mode = mode;
+  ShowMode();
+}
+
+// What was typed on the Cut page is the text of both.
+void DialogPresenter::TakeCutText() {
+  if (memory_.mode != WindowMode::kCut || !cut_is_filled_ || cut_->text() == text_) return;
+  view_.ShowText(cut_->text(), TextChange::kUndoable);
+  LinesChanged(cut_->text());
+}
+
+void DialogPresenter::ShowMode() {
+  view_.ShowMode(memory_.mode);
+  if (memory_.mode != WindowMode::kCut) return;
+  if (!cut_is_filled_) {
+    cut_is_filled_ = true;
+    cut_->Open();
+    cut_->FillFaces();
+  }
+  cut_->TakeText(text_);
 }
 
 void DialogPresenter::FillFaces() {
@@ -96,21 +148,41 @@ void DialogPresenter::FillFaces() {
   view_.ShowControlText(ControlId::kFace, memory_.face);
 }
 
-bool DialogPresenter::Close() {
-  const bool last = told_unsaved_;
-  if (last) ReplaceNotices(nullptr);  // told once
+void DialogPresenter::Remember() {
+  TakeCutText();
   const WindowPlace place = view_.PlaceOfWindow();
   memory_.window.show = place.show;
   if (place.show != WindowShow::kMinimised) memory_.window.normal = place.normal;
-  const Status saved = services_.Save(memory_);
+}
+
+bool DialogPresenter::Close() {
+  if (IsWriting()) {
+    closes_ = true;
+    ShowStatus(Say(u"Still writing. The window closes when that is done."), StatusKind::kWarning);
+    return false;
+  }
+  const bool last = told_unsaved_;
+  Remember();
+  is_quiet_ = last;
+  Status saved = services_.Save(memory_);
+  if (saved.ok() && cut_is_filled_) saved = cut_->Keep();
   const bool text_saved = services_.SaveText(text_).ok();  // tells its failure itself
-  if (last) ReplaceNotices(this);
+  is_quiet_ = false;
   if (last || (saved.ok() && text_saved)) return true;
   told_unsaved_ = true;
-  if (!saved.ok()) view_.ShowMessage(saved.what + u": " + saved.why);
-  ShowStatus(u"Not saved. The window stays open; close it once more to leave all the same.",
+  if (!saved.ok()) view_.ShowMessage(SayStatus(saved));
+  ShowStatus(Say(u"Not saved. The window stays open; close it once more to leave all the same."),
              StatusKind::kFailure);
   return false;
+}
+
+void DialogPresenter::SaveNow() {
+  is_quiet_ = true;
+  Remember();
+  (void)services_.Save(memory_);  // nobody is there to be told
+  if (cut_is_filled_) (void)cut_->Keep();
+  (void)services_.SaveText(text_);
+  is_quiet_ = false;
 }
 
 void DialogPresenter::TextChanged(ControlId control, std::u16string_view text) {
@@ -156,6 +228,7 @@ void DialogPresenter::ShowLooksAgain() {
   ShowTextFormat();
   ShowStatusAgain();
   view_.RepaintPreview();
+  if (cut_is_filled_) cut_->ShowLooksAgain();
 }
 
 void DialogPresenter::LinesChanged(std::u16string_view text) {
@@ -175,7 +248,20 @@ void DialogPresenter::HeightChanged(std::u16string_view text, ControlId shown_to
   if (memory_.height == text) return;
   memory_.height = text;
   view_.ShowControlText(shown_too, text);
+  ShowHeightFault();
   Changed();
+}
+
+// Whatever is no number is still read as one: drawings stay what they were.
+void DialogPresenter::ShowHeightFault() {
+  std::u16string why;
+  if (!IsHeightNumber(memory_.height)) {
+    const std::string read = std::to_string(HeightNumber(memory_.height));
+    why = Say(u"This is not a whole number; it is read as {}.", {Utf8ToUtf16Lossy(read)});
+  }
+  for (const ControlId field : {ControlId::kHeightList, ControlId::kHeightEdit}) {
+    view_.ShowFault(field, why);
+  }
 }
 
 void DialogPresenter::PolyPolygonClicked(bool use) {
@@ -190,7 +276,7 @@ void DialogPresenter::FirstColorSelected(size_t index) {
   memory_.first_color = FirstColor();
   memory_.second_color = 0;
   second_colors_ = FollowingColors(NamedColors()[first_color_]);
-  view_.ShowColors(ControlId::kSecondColor, second_colors_, memory_.second_color);
+  view_.ShowColors(ControlId::kSecondColor, Said(second_colors_), memory_.second_color);
   ShowTextFormat();
   view_.RepaintPreview();
 }
@@ -208,12 +294,22 @@ void DialogPresenter::Changed() {
 }
 
 void DialogPresenter::Due() {
-  if (is_pending_ && !collects_) Rebuild();
+  if (is_pending_) Rebuild();
+  if (!IsWriting()) return;
+  const WorkShown work = background_.Look();
+  const std::u16string text = work.progress.empty() ? Say(u"Writing the outputs") : work.progress;
+  if (!asks_again_) {
+    shows_progress_ = true;
+    if (view_.ShowWork(text, work.part) == Continue::kNo) background_.Cancel();
+  }
+  view_.CallWhenDue(kProgressPause);
 }
 
 void DialogPresenter::Rebuild() {
   is_pending_ = false;
   unseen_.clear();
+  warnings_.clear();
+  dropped_.clear();
   const uint32_t start = CurrentClock().Ticks();
   ShowTextFormat();
   contours_ = NoContours();
@@ -224,7 +320,7 @@ void DialogPresenter::Rebuild() {
     MakeContours();
   } catch (const std::bad_alloc&) {
     contours_ = NoContours();
-    ShowStatus(u"There is not enough memory for this text.", StatusKind::kFailure);
+    ShowStatus(Say(u"There is not enough memory for this text."), StatusKind::kFailure);
   }
   item_count_ = contours_->size();
   ShowDrawing();
@@ -240,14 +336,14 @@ void DialogPresenter::MakeContours() {
   if (job.text.face.vertical) SetVertical(&job.text);
   std::optional<TypesetText> set = Make(job, typesetter_);
   if (!set) {
-    ShowStatus(u"No font is installed, so nothing can be outlined.", StatusKind::kFailure);
+    ShowStatus(Say(u"No font is installed, so nothing can be outlined."), StatusKind::kFailure);
     return;
   }
   used_face_ = set->face;
   contours_box_ = ContoursBox(set->contours);
-  const bool warns = HasWarning(*set, job.text.face);
-  ShowStatus(DescribeText(*set, job.text.face, contours_box_),
-             warns ? StatusKind::kWarning : StatusKind::kNormal);
+  warnings_ = DescribeWarnings(*set, job.text.face) + DescribeUnshaped(text_);
+  if (!text_.empty()) warnings_ += DescribeHeight(memory_.height);
+  ShowStatus(DescribeText(*set, job.text.face, contours_box_), StatusKind::kNormal);
   contours_ = std::make_shared<const TextContours>(std::move(set->contours));
 }
 
@@ -276,8 +372,8 @@ Color DialogPresenter::FirstColor() const {
 }
 
 void DialogPresenter::ShowColors() {
-  view_.ShowColors(ControlId::kFirstColor, NamedColors(), first_color_);
-  view_.ShowColors(ControlId::kSecondColor, second_colors_, memory_.second_color);
+  view_.ShowColors(ControlId::kFirstColor, Said(NamedColors()), first_color_);
+  view_.ShowColors(ControlId::kSecondColor, Said(second_colors_), memory_.second_color);
 }
 
 void DialogPresenter::ShowStatus(std::u16string text, StatusKind kind) {
@@ -287,8 +383,23 @@ void DialogPresenter::ShowStatus(std::u16string text, StatusKind kind) {
 }
 
 void DialogPresenter::ShowStatusAgain() {
-  const bool warns = shown_status_kind_ == StatusKind::kNormal && !unseen_.empty();
-  view_.ShowStatus(shown_status_ + unseen_, warns ? StatusKind::kWarning : shown_status_kind_);
+  const std::u16string warnings = warnings_ + unseen_;
+  const bool warns = shown_status_kind_ == StatusKind::kNormal && !warnings.empty();
+  view_.ShowStatus(shown_status_ + warnings, warns ? StatusKind::kWarning : shown_status_kind_);
+}
+
+void DialogPresenter::ShowLanguage() {
+  SetLanguage(LanguageOf(memory_.language, services_.TextLocale()));
+  view_.ShowCaptions();
+  second_colors_ = FollowingColors(NamedColors()[first_color_]);
+  ShowColors();
+  ShowHeightFault();
+  ShowMenu();
+  if (dropped_.empty()) return Rebuild();
+  unseen_.clear();
+  ShowStatus(DescribeParts(parts_, dropped_, DrawingBox()), StatusKind::kNormal);
+  view_.RepaintPreview();
+  if (cut_is_filled_) cut_->ShowLooksAgain();
 }
 
 // The preview

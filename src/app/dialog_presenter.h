@@ -2,6 +2,7 @@
 // forwards what the user does and shows what it is told.
 #pragma once
 
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -10,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/background.h"
 #include "app/dialog_services.h"
 #include "app/dialog_view.h"
 #include "app/outputs.h"
@@ -22,6 +24,8 @@
 #include "platform/drawing.h"
 
 namespace kerno {
+
+class CutPresenter;
 
 // The text with every line end (CR LF, CR, LF, NEL, U+2028, U+2029) as U+000A and without NULs,
 // which would end it early: what is pasted or dropped.
@@ -37,6 +41,10 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   DialogPresenter(const DialogPresenter&) = delete;
   DialogPresenter& operator=(const DialogPresenter&) = delete;
 
+  // The Cut page, which lives as long as the dialog; before Open. It is filled when it is first
+  // chosen.
+  void UseCut(CutPresenter* cut) { cut_ = cut; }
+
   // Fills the controls with what the last run left. Before the window is shown; FillFaces may
   // follow later.
   void Open();
@@ -44,7 +52,15 @@ class DialogPresenter final : private OutputNotifier, private Notices {
 
   // Keeps what the next run wants to know. False when that failed and was told: the window stays,
   // so that nothing typed is lost. The next call lets it go, unless something was changed.
+  // While outputs are written it is false, too: the window closes when they are done.
   bool Close();
+
+  // Keeps the same at once and in silence: the session or the process is about to end.
+  void SaveNow();
+
+  // The user changes between the two ways of working; the text goes along.
+  void ChooseMode(WindowMode mode);
+  WindowMode mode() const { return memory_.mode; }
 
   // Events of the controls. What a control has, it has by typing or by selection.
   void TextChanged(ControlId control, std::u16string_view text);
@@ -57,6 +73,10 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void Chosen(MenuCommand command);
   void Dropped(const std::vector<std::filesystem::path>& files);
   void Due();
+  void Awake();
+
+  // Whether outputs are being written beside the window.
+  bool IsWriting() const { return background_.IsBusy(); }
 
   // The preview: its frame in pixels, what the user does in it, and painting.
   void PreviewResized(double width, double height);
@@ -90,8 +110,11 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void Ask(std::u16string_view text, const std::function<void(int button)>& answered) override;
   void ShowWait(std::u16string_view text) override;
   void ClearWait() override;
+  Continue KeepWaiting(std::u16string_view path, int attempts) override;
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;
 
+  void ShowMode();
+  void TakeCutText();
   void LinesChanged(std::u16string_view text);
   void FaceChanged(std::u16string_view face);
   void HeightChanged(std::u16string_view text, ControlId shown_too);
@@ -104,6 +127,9 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void ShowTextFormat();
   void ShowColors();
   void ShowMenu();
+  void ShowLanguage();
+  void ShowHeightFault();
+  void Remember();
   void ShowStatus(std::u16string text, StatusKind kind);
   void ShowStatusAgain();
   Extent3 DrawingBox();
@@ -114,8 +140,17 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   Color FirstColor() const;
   FaceForm Face() const;
   OutputSubject Subject() const;
+  std::shared_ptr<const PartsA> Snapshot();
+  OutputOptions Options() const;
+  void RunBeside(std::function<void()> work, std::function<void()> done);
+  void WriteDrawing(const std::function<void(const PartsA& drawing)>& write,
+                    std::function<void()> done);
+  void WaitForWriting();
   void WriteOutput(const Format& format);
+  void SaveCopy();
+  void CopySaved(const std::filesystem::path& file);
   void Upload();
+  bool ReportFailures();
   void ReportOutputs();
   void EndProgress();
   void SetOutputFolder(const std::filesystem::path& folder);
@@ -126,6 +161,8 @@ class DialogPresenter final : private OutputNotifier, private Notices {
 
   DialogView& view_;
   DialogServices& services_;
+  CutPresenter* cut_ = nullptr;
+  bool cut_is_filled_ = false;
   Notices* notices_before_;
   std::unique_ptr<DeviceContext> measuring_;
   Typesetter typesetter_;
@@ -136,7 +173,9 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   // The controls' contents; the persisting ones in `memory_`.
   DialogMemory memory_;
   bool told_unsaved_ = false;
-  std::u16string text_;  // lines by U+000A
+  bool is_quiet_ = false;  // what is told was told before
+  bool closes_ = false;    // once nothing is written any more
+  std::u16string text_;    // lines by U+000A
   size_t first_color_ = 0;
   std::vector<ColorChoice> second_colors_;
 
@@ -155,19 +194,26 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   size_t item_count_ = 0;
   bool is_pending_ = false;  // changes wait for Due
   uint32_t last_cost_ = 0;   // milliseconds of the last rebuild
+  std::u16string dropped_;   // the name of the parts file that is shown instead of the text
   std::u16string used_face_;
 
   std::u16string shown_status_;
   StatusKind shown_status_kind_ = StatusKind::kNormal;
-  std::u16string unseen_;  // what the preview cannot show of the drawing, for the status
-
-  // What the outputs under way came to.
-  bool collects_ = false;
+  std::u16string warnings_;  // of the drawing: they stand after every status
+  std::u16string unseen_;    // what the preview cannot show of it, the same
   bool shows_progress_ = false;
+  std::atomic<bool> window_waits_ = false;  // for the work: nobody can be asked
+  bool asks_again_ = false;                 // the user is asked whether to try a file again
+  std::filesystem::path folder_;            // of the outputs
+  std::filesystem::path copy_folder_;       // of the last copy
+
+  // What the outputs under way came to. The worker's until they are done, like outputs_.
   std::vector<std::filesystem::path> reported_;
   std::u16string failures_;                               // a line each
   std::u16string messages_;                               // a line each
   std::vector<std::function<void(int button)>> answers_;  // to the messages that are asked
+
+  Background background_{[this] { view_.WakeUp(); }};  // ends before what its work uses
 };
 
 }  // namespace kerno

@@ -1,9 +1,15 @@
 // The main window's buttons, menu and drops, and what it says of their results.
 
+#include <algorithm>
+#include <chrono>
+#include <thread>
 #include <utility>
 
+#include "app/captions.h"
+#include "app/cut_presenter.h"
 #include "app/dialog_presenter.h"
 #include "app/dropped_file.h"
+#include "app/output_name.h"
 #include "app/status_text.h"
 #include "app/text_source.h"
 #include "base/folders.h"
@@ -17,8 +23,25 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::u16string LineOf(const Status& status) {
-  return status.why.empty() ? status.what : status.what + u": " + status.why;
+// Attempts, 100 ms apart, after which the user is asked about a file that another program holds.
+constexpr int kAttemptsUnasked = 3;
+
+// The formats of drawings, `first` at the head.
+std::vector<SaveQuestion::Kind> CopyKinds(std::string_view first) {
+  std::vector<SaveQuestion::Kind> kinds;
+  for (const Format& format : Formats()) {
+    SaveQuestion::Kind kind = {Say(Utf8ToUtf16Lossy(format.name)),
+                               Utf8ToUtf16Lossy(format.extension)};
+    kinds.insert(format.extension == first ? kinds.begin() : kinds.end(), std::move(kind));
+  }
+  return kinds;
+}
+
+// Whether fonts are needed to write it, which are for one thread at a time.
+bool HasTexts(const PartsA& parts) {
+  return std::ranges::any_of(parts.parts, [](const PartsElement& part) {
+    return !part.horizontal_texts.items.empty() || !part.vertical_texts.items.empty();
+  });
 }
 
 }  // namespace
@@ -29,7 +52,7 @@ void DialogPresenter::Pressed(ControlId button) {
     case ControlId::kUpload:
       return Upload();
     case ControlId::kPaste:
-      return view_.PasteIntoText();
+      return view_.EditText(MenuCommand::kPaste);
     case ControlId::kQuit:
       return view_.CloseWindow();
     default:
@@ -38,6 +61,7 @@ void DialogPresenter::Pressed(ControlId button) {
 }
 
 void DialogPresenter::Chosen(MenuCommand command) {
+  if (IsEditCommand(command)) return view_.EditText(command);
   switch (command) {
     case MenuCommand::kAbout: {
       std::u16string version, copyright;
@@ -45,14 +69,14 @@ void DialogPresenter::Chosen(MenuCommand command) {
       return view_.ShowAbout(version, copyright);
     }
     case MenuCommand::kOpenFolder: {
-      (void)MakeFolders(outputs_.folder());  // opening it tells
-      if (!services_.OpenFolder(outputs_.folder())) {
-        ShowStatus(PathText(outputs_.folder()) + u": cannot be opened", StatusKind::kFailure);
+      (void)MakeFolders(folder_);  // opening it tells
+      if (!services_.OpenFolder(folder_)) {
+        ShowStatus(Say(u"{}: cannot be opened", {PathText(folder_)}), StatusKind::kFailure);
       }
       return;
     }
     case MenuCommand::kChooseFolder: {
-      if (const auto folder = view_.AskFolder(outputs_.folder())) {
+      if (const auto folder = view_.AskFolder(folder_)) {
         memory_.output_folder = PathText(*folder);
         SetOutputFolder(*folder);
       }
@@ -86,6 +110,22 @@ void DialogPresenter::Chosen(MenuCommand command) {
     case MenuCommand::kAciNearest:
       memory_.aci = AciRule::kNearest;
       return ShowMenu();
+    case MenuCommand::kSaveCopy:
+      return SaveCopy();
+    case MenuCommand::kLanguageSystem:
+      memory_.language = LanguageChoice::kSystem;
+      return ShowLanguage();
+    case MenuCommand::kLanguageJapanese:
+      memory_.language = LanguageChoice::kJapanese;
+      return ShowLanguage();
+    case MenuCommand::kLanguageEnglish:
+      memory_.language = LanguageChoice::kEnglish;
+      return ShowLanguage();
+    case MenuCommand::kLanguageGerman:
+      memory_.language = LanguageChoice::kGerman;
+      return ShowLanguage();
+    default:
+      return;
   }
   ShowMenu();
   Rebuild();
@@ -100,11 +140,21 @@ void DialogPresenter::ShowMenu() {
   view_.ShowMenuChecked(kPitchCell, memory_.pitch == VerticalPitch::kCell);
   view_.ShowMenuChecked(kAciClassic, memory_.aci == AciRule::kClassic);
   view_.ShowMenuChecked(kAciNearest, memory_.aci == AciRule::kNearest);
+  view_.ShowMenuChecked(kLanguageSystem, memory_.language == LanguageChoice::kSystem);
+  view_.ShowMenuChecked(kLanguageJapanese, memory_.language == LanguageChoice::kJapanese);
+  view_.ShowMenuChecked(kLanguageEnglish, memory_.language == LanguageChoice::kEnglish);
+  view_.ShowMenuChecked(kLanguageGerman, memory_.language == LanguageChoice::kGerman);
 }
 
+// What is being written goes on where it began.
 void DialogPresenter::SetOutputFolder(const fs::path& folder) {
-  outputs_.SetFolder(folder);
-  ShowStatus(u"Outputs go to " + PathText(folder), StatusKind::kNormal);
+  folder_ = folder;
+  if (IsWriting()) {
+    RunBeside([this, folder] { outputs_.SetFolder(folder); }, [] {});
+  } else {
+    outputs_.SetFolder(folder);
+  }
+  ShowStatus(Say(u"Outputs go to {}", {PathText(folder)}), StatusKind::kNormal);
 }
 
 // Outputs
@@ -113,63 +163,160 @@ OutputSubject DialogPresenter::Subject() const {
   return {.face = SystemFaceName(Face()),
           .height = memory_.height,
           .text = text_,
+          .made_of = dropped_.empty() ? text_ : dropped_,
           .color = FirstColor()};
 }
 
-void DialogPresenter::WriteOutput(const Format& format) {
-  const PartsA& drawing = parts();
-  collects_ = true;
+OutputOptions DialogPresenter::Options() const {
   OutputOptions options;
   options.dxf.aci = memory_.aci;
-  outputs_.Write(format, drawing, options, Subject());
-  ReportOutputs();
+  return options;
+}
+
+// The drawing as it is now, which the window goes on changing. Parts that are made when they are
+// looked at are looked at by one thread alone.
+std::shared_ptr<const PartsA> DialogPresenter::Snapshot() {
+  const PartsA& now = parts();
+  return std::make_shared<const PartsA>(
+      now.made ? DrawingOf(contours_, {.elements = memory_.elements}) : PartsA(now));
+}
+
+void DialogPresenter::RunBeside(std::function<void()> work, std::function<void()> done) {
+  background_.Run(std::move(work), std::move(done));
+  if (!is_pending_) view_.CallWhenDue(kProgressDelay);
+}
+
+void DialogPresenter::WriteDrawing(const std::function<void(const PartsA& drawing)>& write,
+                                   std::function<void()> done) {
+  auto drawing = Snapshot();
+  const bool has_texts = HasTexts(*drawing);
+  if (has_texts && IsWriting()) {
+    return ShowStatus(Say(u"Still writing. Press again when that is done."), StatusKind::kWarning);
+  }
+  RunBeside([write, drawing] { write(*drawing); }, std::move(done));
+  if (has_texts) WaitForWriting();
+}
+
+void DialogPresenter::WaitForWriting() {
+  window_waits_ = true;
+  while (IsWriting()) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    Awake();
+  }
+  window_waits_ = false;
+}
+
+void DialogPresenter::WriteOutput(const Format& format) {
+  const auto write = [this, &format, options = Options(),
+                      subject = Subject()](const PartsA& drawing) {
+    outputs_.Write(format, drawing, options, subject);
+  };
+  WriteDrawing(write, [this] { ReportOutputs(); });
+}
+
+void DialogPresenter::SaveCopy() {
+  const OutputSubject subject = Subject();
+  SaveQuestion question = {.title = WithoutMnemonic(Say(u"Save a copy &as...")),
+                           .folder = copy_folder_.empty() ? folder_ : copy_folder_,
+                           .name = OutputBaseName(subject.face, subject.height, subject.text),
+                           .kinds = CopyKinds("dxf")};
+  question.name += u"." + question.kinds.front().extension;
+  const std::optional<fs::path> file = view_.AskSave(question);
+  if (!file) return;
+  const Format* const format = FindFormat(Extension(PathText(file->filename())));
+  if (!format) {
+    const std::u16string told = Say(u"{}: no format has this extension", {PathText(*file)});
+    ShowStatus(told, StatusKind::kFailure);
+    return view_.ShowMessage(told);
+  }
+  copy_folder_ = file->parent_path();
+  const auto write = [this, format, file = *file, options = Options()](const PartsA& drawing) {
+    FileWritten(file, services_.Write(*format, drawing, options, file));
+  };
+  WriteDrawing(write, [this, file = *file] { CopySaved(file); });
+}
+
+void DialogPresenter::CopySaved(const fs::path& file) {
+  EndProgress();
+  reported_.clear();
+  if (ReportFailures()) return;
+  ShowStatus(Say(u"Wrote {} in {}", {PathText(file.filename()), PathText(file.parent_path())}),
+             StatusKind::kNormal);
 }
 
 void DialogPresenter::Upload() {
   if (is_pending_) Rebuild();
-  collects_ = true;
-  std::u16string answer;
-  if (outputs_.WritePage(Subject())) {
-    const Status sent = services_.Upload(outputs_.written(), &answer);
-    if (!sent.ok()) failures_ += LineOf(sent) + u"\n";
-  }
-  const bool failed = !failures_.empty();
-  ReportOutputs();
-  if (!failed) ShowStatus(u"Sent. " + answer, StatusKind::kNormal);
+  const auto answer = std::make_shared<std::u16string>();
+  const auto send = [this, answer, subject = Subject()] {
+    if (!outputs_.WritePage(subject)) return;
+    const Status sent = services_.Upload(outputs_.written(), answer.get());
+    if (!sent.ok()) failures_ += SayStatus(sent) + u"\n";
+  };
+  RunBeside(send, [this, answer] {
+    const bool failed = !failures_.empty();
+    ReportOutputs();
+    if (!failed) ShowStatus(Say(u"Sent. {}", {*answer}), StatusKind::kNormal);
+  });
 }
 
-void DialogPresenter::ReportOutputs() {
-  collects_ = false;
-  EndProgress();
-  std::u16string names;
-  for (const fs::path& file : reported_) {
-    if (!names.empty()) names += u", ";
-    names += PathText(file.extension());
-  }
+// Tells what went wrong and what the user is to answer. Whether something went wrong.
+bool DialogPresenter::ReportFailures() {
   const std::u16string failures = std::exchange(failures_, {});
-  const std::u16string messages = std::exchange(messages_, {});
-  const bool wrote = !reported_.empty();
-  reported_.clear();
-  std::u16string told = failures + messages;
+  std::u16string told = failures + messages_;
   if (!told.empty()) told.pop_back();
   const auto closed = [answers = std::exchange(answers_, {})] {
     for (const auto& answered : answers) answered(kOkButton);
   };
-  if (!failures.empty() || (outputs_.folder_refused() && !told.empty())) {
+  if (!failures.empty()) {
     view_.ShowMessage(told, closed);
+    ShowStatus(failures.substr(0, failures.find(u'\n')), StatusKind::kFailure);
   } else {
     closed();
   }
-  if (!failures.empty()) {
-    return ShowStatus(failures.substr(0, failures.find(u'\n')), StatusKind::kFailure);
+  if (!failures.empty()) messages_.clear();
+  return !failures.empty();
+}
+
+void DialogPresenter::ReportOutputs() {
+  EndProgress();
+  outputs_.OpenFolderOnce();
+  const std::vector<fs::path> written = std::exchange(reported_, {});
+  if (ReportFailures()) return;
+  const std::u16string messages = std::exchange(messages_, {});
+  if (written.empty()) return;
+  std::u16string names;
+  for (const fs::path& file : written) {
+    if (!names.empty()) names += u", ";
+    names += PathText(file.extension());
   }
-  if (!wrote) return;
-  std::u16string status = u"Wrote " + names + u" of " + PathText(outputs_.base_path().stem()) +
-                          u" in " + PathText(outputs_.folder());
-  if (PartsView(parts()).empty()) status = u"The drawing is empty. " + status;
+  std::u16string status =
+      Say(u"Wrote {} of {} in {}",
+          {names, PathText(outputs_.base_path().stem()), PathText(outputs_.folder())});
+  const bool is_empty = PartsView(parts()).empty();
+  if (is_empty) status = Say(u"The drawing is empty. {}", {status});
+  if (outputs_.replaced_another()) {
+    status += u"  ·  " + Say(u"it replaces that of another text; the File menu saves copies");
+  }
   if (!messages.empty()) status += u"  ·  " + messages.substr(0, messages.find(u'\n'));
-  const bool warns = !messages.empty() || PartsView(parts()).empty();
+  const bool warns = !messages.empty() || is_empty || outputs_.replaced_another();
   ShowStatus(std::move(status), warns ? StatusKind::kWarning : StatusKind::kNormal);
+}
+
+void DialogPresenter::Awake() {
+  const WorkShown work = background_.Look();
+  if (!work.question.empty() && !asks_again_) {
+    asks_again_ = true;
+    view_.AskAgain(work.question, [this](bool again) {
+      asks_again_ = false;
+      background_.Answer(again);
+    });
+  }
+  if (!work.wait.empty()) view_.ShowStatus(work.wait, StatusKind::kWarning);
+  background_.Finish();
+  if (closes_ && !IsWriting()) {
+    closes_ = false;
+    view_.CloseWindow();
+  }
 }
 
 void DialogPresenter::MetafileWritten(const fs::path& metafile, const Status& result) {
@@ -180,37 +327,50 @@ void DialogPresenter::FileWritten(const fs::path& file, const Status& result) {
   if (result.ok()) {
     reported_.push_back(file);
   } else {
-    failures_ += LineOf(result) + u"\n";
+    failures_ += SayStatus(result) + u"\n";
   }
 }
 
 // Notices
 
 void DialogPresenter::Message(std::u16string_view text) {
-  if (!collects_) return view_.ShowMessage(text);
-  messages_ += text;
-  messages_ += u"\n";
+  if (background_.IsWorker()) {
+    messages_ += text;
+    messages_ += u"\n";
+  } else if (!is_quiet_) {
+    view_.ShowMessage(text);
+  }
 }
 
 void DialogPresenter::Ask(std::u16string_view text,
                           const std::function<void(int button)>& answered) {
-  if (!collects_) return view_.ShowMessage(text, [answered] { answered(kOkButton); });
+  if (!background_.IsWorker()) return view_.ShowMessage(text, [answered] { answered(kOkButton); });
   Message(text);
   answers_.push_back(answered);
 }
 
 void DialogPresenter::ShowWait(std::u16string_view text) {
+  if (background_.IsWorker()) return background_.ShowWait(text);
   view_.ShowStatus(text, StatusKind::kWarning);
 }
 
 void DialogPresenter::ClearWait() {
+  if (background_.IsWorker()) return background_.ShowWait({});
   ShowStatusAgain();
 }
 
+Continue DialogPresenter::KeepWaiting(std::u16string_view path, int attempts) {
+  const bool can_ask = background_.IsWorker() && !window_waits_;
+  if (!can_ask || attempts % kAttemptsUnasked != 0) return Continue::kYes;
+  const bool again = background_.Ask(Say(u"{}: another program holds this file.", {path}));
+  return again ? Continue::kYes : Continue::kNo;
+}
+
 Continue DialogPresenter::Progress(std::u16string_view text, int64_t done, int64_t total) {
+  const double part = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
+  if (background_.IsWorker()) return background_.Progress(text, part);
   shows_progress_ = true;
-  return view_.ShowProgress(text,
-                            total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0);
+  return view_.ShowProgress(text, part);
 }
 
 void DialogPresenter::EndProgress() {
@@ -221,14 +381,15 @@ void DialogPresenter::EndProgress() {
 // Drops
 
 void DialogPresenter::Dropped(const std::vector<fs::path>& files) {
+  if (memory_.mode == WindowMode::kCut) return cut_->Dropped(files);
   for (const fs::path& file : files) {
     const bool taken = DropOne(file);
     EndProgress();
     if (taken) continue;
     const std::u16string text =
-        PathText(file) + (PathExists(file)
-                              ? u": Kerno takes text files, parts files (.ipx) and font files."
-                              : u": there is no such file.");
+        PathExists(file) ? Say(u"{}: Kerno takes text files, parts files (.ipx) and font files.",
+                               {PathText(file)})
+                         : Say(u"{}: there is no such file.", {PathText(file)});
     ShowStatus(text, StatusKind::kWarning);
     view_.ShowMessage(text);
   }
@@ -252,7 +413,7 @@ bool DialogPresenter::DropOne(const fs::path& file) {
 
 void DialogPresenter::DropText(const fs::path& file) {
   if (FactsOfPath(file).size > kLargestDroppedText) {
-    view_.ShowMessage(PathText(file) + u": is larger than 4 MiB, too much for one drawing");
+    view_.ShowMessage(Say(u"{}: is larger than 4 MiB, too much for one drawing", {PathText(file)}));
     return;
   }
   std::u16string text;
@@ -260,7 +421,7 @@ void DialogPresenter::DropText(const fs::path& file) {
   if (!LoadText(file, &text).ok()) {
     std::string bytes;
     const Status read = ReadFileBytes(file, &bytes);
-    if (!read.ok()) return view_.ShowMessage(LineOf(read));
+    if (!read.ok()) return view_.ShowMessage(SayStatus(read));
     text = DecodeText(bytes);
   }
   text = LinesOf(text);
@@ -272,17 +433,19 @@ void DialogPresenter::DropParts(const fs::path& file) {
   PartsA read;
   const Status status = services_.ReadParts(file, &read);
   if (!status.ok()) {
-    ShowStatus(LineOf(status), StatusKind::kFailure);
-    view_.ShowMessage(LineOf(status));
+    ShowStatus(SayStatus(status), StatusKind::kFailure);
+    view_.ShowMessage(SayStatus(status));
     return;
   }
   is_pending_ = false;
   unseen_.clear();
+  warnings_.clear();
+  dropped_ = PathText(file.filename());
   contours_ = NoContours();
   parts_ = std::move(read);
   parts_are_stale_ = false;
   item_count_ = PartsView(parts_).size();
-  ShowStatus(DescribeParts(parts_, PathText(file.filename()), DrawingBox()), StatusKind::kNormal);
+  ShowStatus(DescribeParts(parts_, dropped_, DrawingBox()), StatusKind::kNormal);
   preview_.ShowAll();
   ShowDrawing();
 }
@@ -291,8 +454,9 @@ void DialogPresenter::DropFont(const fs::path& file) {
   std::vector<std::u16string> faces;
   const Status status = services_.LoadFontFile(file, &faces);
   if (!status.ok() || faces.empty()) {
-    const std::u16string why =
-        status.ok() ? PathText(file) + u": holds no face that can be used" : LineOf(status);
+    const std::u16string why = status.ok()
+                                   ? Say(u"{}: holds no face that can be used", {PathText(file)})
+                                   : SayStatus(status);
     ShowStatus(why, StatusKind::kFailure);
     view_.ShowMessage(why);
     return;

@@ -18,6 +18,9 @@
 
 namespace kerno {
 
+// The languages of the View menu, by their numbers in the settings.
+enum class LanguageChoice { kSystem, kJapanese, kEnglish, kGerman };
+
 // What persists between runs besides the text.
 struct DialogMemory {
   std::u16string face;  // empty: the one that the system gives
@@ -30,6 +33,8 @@ struct DialogMemory {
   VerticalPitch pitch = VerticalPitch::kClassic;
   AciRule aci = AciRule::kClassic;
   std::u16string output_folder;  // empty: "Kerno.tmp" in the temporary folder
+  LanguageChoice language = LanguageChoice::kSystem;
+  WindowMode mode = WindowMode::kClassic;
   WindowPlace window;
 };
 
@@ -56,7 +61,8 @@ class DialogServices {
   virtual std::filesystem::path DefaultOutputFolder() = 0;
   virtual bool OpenFolder(const std::filesystem::path& folder) = 0;
 
-  // The writers. Each leaves no new file when it fails.
+  // The writers and Upload are called by a thread beside the window's. Each leaves no new file when
+  // it fails.
   virtual Status WriteBytes(const std::filesystem::path& file, std::string_view bytes) = 0;
   virtual Status Write(const Format& format, const PartsA& parts, const OutputOptions& options,
                        const std::filesystem::path& file) = 0;
@@ -74,6 +80,9 @@ class DialogServices {
   // One request each, until one fails; *answer receives what the server said last.
   virtual Status Upload(const std::vector<std::filesystem::path>& files,
                         std::u16string* answer) = 0;
+
+  // The name of the locale in which the user wants texts.
+  virtual std::u16string TextLocale() = 0;
 
   // The texts of the About box.
   virtual void AboutTexts(std::u16string* version, std::u16string* copyright) = 0;

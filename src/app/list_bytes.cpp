@@ -33,13 +33,15 @@ void AppendLoneHalf(std::string* out, char16_t unit) {
 }  // namespace
 
 Status ListBytes::Open(const std::filesystem::path& path, const std::u16string& name,
-                       std::optional<TextCoding> coding, std::unique_ptr<ListBytes>* list) {
+                       std::optional<TextCoding> coding, IfHeld if_held,
+                       std::unique_ptr<ListBytes>* list) {
   std::unique_ptr<HeldFile> file;
-  Status opened = WaitForFile(path, FileWait::kRead, [&] {
+  const auto open = [&] {
     Status status;
     file = HeldFile::Open(path, Deny::kWrite, &status);
     return status;
-  });
+  };
+  Status opened = if_held == IfHeld::kWait ? WaitForFile(path, FileWait::kRead, open) : open();
   if (!opened.ok()) return opened;
   std::unique_ptr<ListBytes> made(
       new ListBytes(std::move(file), name.empty() ? PathText(path) : name));
@@ -63,6 +65,18 @@ Status ListBytes::Read(std::string* bytes) {
   Status read = file_->ReadPiece(offset_, kPiece, bytes);
   offset_ += bytes->size();
   return read;
+}
+
+std::optional<PiecePlace> ListBytes::Place() const {
+  if (!first_.empty()) return std::nullopt;
+  return PiecePlace{offset_, left_, high_half_};
+}
+
+void ListBytes::GoTo(const PiecePlace& place) {
+  first_.clear();
+  offset_ = place.offset;
+  left_ = place.left;
+  high_half_ = place.high_half;
 }
 
 Status ListBytes::Next(std::string* piece) {

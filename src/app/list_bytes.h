@@ -18,17 +18,32 @@
 
 namespace kerno {
 
+// Where a piece of a list begins.
+struct PiecePlace {
+  uint64_t offset = 0;  // in the file
+  std::string left;     // what the piece before has left over
+  char16_t high_half = 0;
+};
+
+enum class IfHeld { kWait, kFail };
+
 class ListBytes {
  public:
   // Without a coding the list is UTF-8, or UTF-16 by the mark at its start. Marks are left out.
   // *list is set on success only.
-  // `name` is that of failures, where it is not the file's.
+  // `name` is that of failures, where it is not the file's. A file that another process holds is
+  // waited for, or kSharingViolation.
   [[nodiscard]] static Status Open(const std::filesystem::path& path, const std::u16string& name,
-                                   std::optional<TextCoding> coding,
+                                   std::optional<TextCoding> coding, IfHeld if_held,
                                    std::unique_ptr<ListBytes>* list);
 
   // Replaces *piece by the next one; it is empty at the end.
   [[nodiscard]] Status Next(std::string* piece);
+
+  // Where the piece begins that Next gives; nothing before the second one. Next goes on at a place
+  // of the same list.
+  std::optional<PiecePlace> Place() const;
+  void GoTo(const PiecePlace& place);
 
   // Makes UTF-8 of bytes of the list; false, with *text untouched, where they stand for no
   // characters.

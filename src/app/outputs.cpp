@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
+#include "app/captions.h"
 #include "app/output_name.h"
 #include "app/rtf_writer.h"
 #include "base/folders.h"
@@ -21,7 +22,7 @@ Status MakeOutputFolder(const fs::path& folder) {
   Status made = MakeFolders(folder);
   if (made.ok()) return made;
   return Status::Error(Failure::kOther, PathText(folder),
-                       u"the folder of the outputs cannot be made: " + made.why);
+                       Say(u"the folder of the outputs cannot be made: {}", {Say(made.why)}));
 }
 
 }  // namespace
@@ -33,10 +34,11 @@ void Outputs::SetFolder(fs::path folder) {
   folder_ = std::move(folder);
   base_path_.clear();
   written_.clear();
+  made_of_.clear();
 }
 
 bool Outputs::MakeBasePath(const OutputSubject& subject) {
-  folder_refused_ = false;
+  replaced_another_ = false;
   if (!base_path_.empty()) {
     // Scratch folders are emptied behind a long run's back.
     const Status made = MakeOutputFolder(folder_);
@@ -53,26 +55,26 @@ bool Outputs::MakeBasePath(const OutputSubject& subject) {
   if (result.ok()) base_path_ = path;
   notifier_.FileWritten(path, result);
   if (!result.ok()) return false;
-  if (open_folder_on_first_save) {
-    open_folder_on_first_save = false;
-    folder_refused_ = !services_.OpenFolder(folder_);
-  }
   return true;
+}
+
+void Outputs::OpenFolderOnce() {
+  if (!open_folder_on_first_save || base_path_.empty()) return;
+  open_folder_on_first_save = false;
+  (void)services_.OpenFolder(folder_);
 }
 
 bool Outputs::Write(const Format& format, const PartsA& parts, const OutputOptions& options,
                     const OutputSubject& subject) {
-  // The view may handle events while progress is shown, and the drawing change with them.
-  const PartsA copy = parts;  // NOLINT(performance-unnecessary-copy-initialization)
   if (!MakeBasePath(subject)) return false;
-  WriteOne(format, copy, options);
+  WriteOne(format, parts, options, subject);
   bool page_is_new = false;
   for (const std::string_view next : format.followed_by) {
     page_is_new = next == kPageExtension;
     if (page_is_new) {
       BuildPage(subject);
     } else if (const Format* follower = FindFormat(Utf8ToUtf16Lossy(next))) {
-      WriteOne(*follower, copy, options);
+      WriteOne(*follower, parts, options, subject);
     }
   }
   if (!page_is_new) {
@@ -90,9 +92,19 @@ bool Outputs::WritePage(const OutputSubject& subject) {
   return true;
 }
 
-void Outputs::WriteOne(const Format& format, const PartsA& parts, const OutputOptions& options) {
+void Outputs::WriteOne(const Format& format, const PartsA& parts, const OutputOptions& options,
+                       const OutputSubject& subject) {
   const fs::path file = OutputPath(base_path_, Utf8ToUtf16Lossy(format.extension));
-  Keep(file, services_.Write(format, parts, options, file));
+  const Status result = services_.Write(format, parts, options, file);
+  if (result.ok()) LearnSource(file, subject);
+  Keep(file, result);
+}
+
+void Outputs::LearnSource(const fs::path& file, const OutputSubject& subject) {
+  const auto [entry, is_new] = made_of_.try_emplace(file, subject.made_of);
+  if (is_new || entry->second == subject.made_of) return;
+  entry->second = subject.made_of;
+  replaced_another_ = true;
 }
 
 void Outputs::BuildPage(const OutputSubject& subject) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,7 @@ struct OutputSubject {
   std::u16string face;  // "@" in front for vertical writing
   std::u16string height;
   std::u16string text;
+  std::u16string made_of;  // what the drawing shows: the text, or the name of a parts file
   Color color = 0;
 };
 
@@ -50,24 +52,30 @@ class Outputs {
 
   const std::filesystem::path& base_path() const { return base_path_; }
 
-  // Whether the shell refused to open the folder at the last Write.
-  bool folder_refused() const { return folder_refused_; }
+  // Whether the last Write replaced a file of this run that was made of something else.
+  bool replaced_another() const { return replaced_another_; }
+
+  // Opens the folder after the first output of the process; a refusal is told.
+  void OpenFolderOnce();
 
   // The files of this run that were written, in order, each once.
   const std::vector<std::filesystem::path>& written() const { return written_; }
 
  private:
   bool MakeBasePath(const OutputSubject& subject);
-  void WriteOne(const Format& format, const PartsA& parts, const OutputOptions& options);
+  void WriteOne(const Format& format, const PartsA& parts, const OutputOptions& options,
+                const OutputSubject& subject);
   void BuildPage(const OutputSubject& subject);
   void Keep(const std::filesystem::path& file, const Status& result);
+  void LearnSource(const std::filesystem::path& file, const OutputSubject& subject);
 
   DialogServices& services_;
   OutputNotifier& notifier_;
   std::filesystem::path folder_;
   std::filesystem::path base_path_;
   std::vector<std::filesystem::path> written_;
-  bool folder_refused_ = false;
+  std::map<std::filesystem::path, std::u16string> made_of_;  // of the files of this run
+  bool replaced_another_ = false;
 };
 
 }  // namespace kerno

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "app/list_bytes.h"
 #include "app/text_coding.h"
 #include "platform/status.h"
 
@@ -28,6 +29,7 @@ struct RowList {
   std::filesystem::path file = {};
   std::u16string name = {};               // in messages; empty: the file's
   std::optional<TextCoding> coding = {};  // nothing: UTF-8, or UTF-16 by its mark
+  IfHeld if_held = IfHeld::kWait;         // by another process
   char separator = 0;                     // of a table: ',', ';' or tab; 0: as its header has it
   uint64_t count = 0;
   uint64_t first = 1;  // of rows that are counted, the first that comes
@@ -39,6 +41,14 @@ struct SeriesRow {
   std::string raw;       // the row as pieces of its list have it, without the line end; empty where
                          // it is too long
   std::u16string fault;  // why it cannot be made; the fields then hold anything
+};
+
+// Between two rows of a list. Another source of it can go on from there.
+struct RowPlace {
+  uint64_t row = 0;  // the number of the row before
+  PiecePlace piece;  // that the next row begins in
+  size_t at = 0;     // of its bytes
+  bool after_return = false;
 };
 
 class RowSource {
@@ -54,6 +64,11 @@ class RowSource {
 
   // The next row; false at the end, and when the list cannot be read on: *status.
   virtual bool Next(SeriesRow* row, Status* status) = 0;
+
+  // Where it stands; nothing where that cannot be told, such as in the first piece of a list.
+  virtual std::optional<RowPlace> Place() const { return std::nullopt; }
+  // Goes to a place of the same list.
+  [[nodiscard]] virtual Status GoTo(const RowPlace& /*place*/) { return Status::Ok(); }
 
   // A table of some of the rows, as a file that can be read as a list again: what it begins with,
   // and a row. `added` are columns that come after the list's own. Encoded as the list is.

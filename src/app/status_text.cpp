@@ -2,23 +2,25 @@
 
 #include <cmath>
 
+#include "app/captions.h"
 #include "app/face_choice.h"
+#include "app/height_text.h"
+#include "app/shortcomings.h"
 #include "base/number_text.h"
 #include "base/text.h"
 
 namespace kerno {
 namespace {
 
-constexpr std::u16string_view kGap = u"  ·  ";
+const std::u16string kGap = u"  ·  ";
+constexpr int32_t kBentBelow = 20;  // units of height
 constexpr size_t kNamedCharacters =
     5;  // characters without a glyph that are named; the rest is counted
 
-void AppendCount(std::u16string* out, size_t count, const char16_t* one, const char16_t* many) {
+std::u16string Counted(const char16_t* one, const char16_t* many, size_t count) {
   std::string digits;
   AppendInteger(&digits, static_cast<int64_t>(count));
-  *out += Utf8ToUtf16Lossy(digits);
-  *out += u' ';
-  *out += count == 1 ? one : many;
+  return Say(count == 1 ? one : many, {Utf8ToUtf16Lossy(digits)});
 }
 
 // One decimal where the number is small.
@@ -29,28 +31,26 @@ std::u16string Length(double units) {
   return Utf8ToUtf16Lossy(text);
 }
 
-void AppendSize(std::u16string* out, const Extent3& box) {
-  *out += Length(box.max.x - box.min.x) + u" × " + Length(box.max.y - box.min.y) + u" units";
+std::u16string SizeText(const Extent3& box) {
+  return Say(u"{} × {} units", {Length(box.max.x - box.min.x), Length(box.max.y - box.min.y)});
 }
 
-// What the drawing lacks of some characters, with a gap before it; nothing when there are none.
-void AppendLost(std::u16string* out, std::u16string_view what,
-                const std::vector<char32_t>& characters) {
-  if (characters.empty()) return;
-  *out += kGap;
-  *out += what;
+// The first characters by name, the rest by number.
+std::u16string Named(const std::vector<char32_t>& characters) {
+  std::u16string names;
   for (size_t i = 0; i < characters.size() && i < kNamedCharacters; ++i) {
-    *out += u' ';
+    if (i > 0) names += u' ';
     if (IsUnseen(characters[i])) {
-      *out += Utf8ToUtf16Lossy(CodeOf(characters[i]));
+      names += Utf8ToUtf16Lossy(CodeOf(characters[i]));
     } else {
-      AppendCharacter(out, characters[i]);
+      AppendCharacter(&names, characters[i]);
     }
   }
   if (characters.size() > kNamedCharacters) {
-    *out += u" and ";
-    AppendCount(out, characters.size() - kNamedCharacters, u"other", u"others");
+    names += u' ';
+    names += Counted(u"and {} other", u"and {} others", characters.size() - kNamedCharacters);
   }
+  return names;
 }
 
 bool IsSubstitute(const TypesetText& set, const FaceForm& wanted) {
@@ -60,55 +60,70 @@ bool IsSubstitute(const TypesetText& set, const FaceForm& wanted) {
 }  // namespace
 
 std::u16string DescribeText(const TypesetText& set, const FaceForm& wanted, const Extent3& box) {
-  std::u16string text;
-  AppendCount(&text, set.characters, u"character", u"characters");
-  text += kGap;
-  AppendCount(&text, set.contours.size(), u"contour", u"contours");
-  text += kGap;
-  AppendCount(&text, set.contours.point_count(), u"point", u"points");
-  text += kGap;
-  AppendSize(&text, box);
-  text += kGap;
-  text += set.face;
-  if (IsSubstitute(set, wanted)) {
-    text += u" in place of ";
-    text += SystemFaceName(wanted);
-    text += u", which is not installed";
-  }
-  AppendLost(&text, u"no glyph for", set.missing);
-  AppendLost(&text, u"no outline of this size for", set.notes.refused);
-  if (set.ended_by_nul) text += u"  ·  the text ends at a NUL character";
+  std::u16string text = Counted(u"{} character", u"{} characters", set.characters);
+  text += kGap + Counted(u"{} contour", u"{} contours", set.contours.size());
+  text += kGap + Counted(u"{} point", u"{} points", set.contours.point_count());
+  text += kGap + SizeText(box);
+  if (!IsSubstitute(set, wanted)) text += kGap + set.face;
   return text;
+}
+
+std::u16string DescribeWarnings(const TypesetText& set, const FaceForm& wanted) {
+  std::u16string text;
+  const auto add = [&text](const std::u16string& warning) { text += kGap + warning; };
+  if (IsSubstitute(set, wanted)) {
+    add(Say(u"{} in place of {}, which is not installed", {set.face, SystemFaceName(wanted)}));
+  }
+  if (!set.missing.empty()) add(Say(u"no glyph for {}", {Named(set.missing)}));
+  if (!set.notes.refused.empty()) {
+    add(Say(u"no outline of this size for {}", {Named(set.notes.refused)}));
+  }
+  if (set.ended_by_nul) add(Say(u"the text ends at a NUL character"));
+  return text;
+}
+
+std::u16string DescribeUnshaped(std::u16string_view text) {
+  std::u16string told;
+  for (const ScriptNeeds& needs : NeedsOf(text)) {
+    std::u16string lacks;
+    for (const std::u16string_view lack : ShortcomingsFor(needs)) {
+      if (!lacks.empty()) lacks += Say(u", ");
+      lacks += Say(lack);
+    }
+    const std::u16string name = Say(Utf8ToUtf16Lossy(needs.name));
+    told += kGap;
+    told += name.empty() ? Say(u"text: {} (Cut shapes it)", {lacks})
+                         : Say(u"{} text: {} (Cut shapes it)", {name, lacks});
+  }
+  return told;
+}
+
+std::u16string DescribeHeight(std::u16string_view height) {
+  const int32_t number = HeightNumber(height);
+  if (number == 0 || number >= kBentBelow || number <= -kBentBelow) return {};
+  return kGap + Say(u"letters as low as this are bent to whole units; Cut keeps their shape");
 }
 
 std::u16string DescribeParts(const PartsA& parts, std::u16string_view file, const Extent3& box) {
   std::u16string text(file);
-  text += u"  ·  ";
-  AppendCount(&text, PartsView(parts).size(), u"part", u"parts");
-  text += u"  ·  ";
-  AppendSize(&text, box);
-  text += u"  ·  typing shows the text again";
+  text += kGap + Counted(u"{} part", u"{} parts", PartsView(parts).size());
+  text += kGap + SizeText(box);
+  text += kGap + Say(u"typing shows the text again");
   return text;
-}
-
-bool HasWarning(const TypesetText& set, const FaceForm& wanted) {
-  return !set.missing.empty() || !set.notes.refused.empty() || set.ended_by_nul ||
-         IsSubstitute(set, wanted);
 }
 
 std::u16string DescribeUnseen(const PictureNotes& notes) {
   std::u16string text;
   const auto add = [&](size_t count, const char16_t* one, const char16_t* many) {
-    if (count == 0) return;
-    text += kGap;
-    AppendCount(&text, count, one, many);
+    if (count > 0) text += kGap + Counted(one, many, count);
   };
-  add(notes.left_out, u"element not shown: a coordinate is missing or no number that can be drawn",
-      u"elements not shown: coordinates are missing or no numbers that can be drawn");
-  add(notes.texts_too_large, u"text not shown: it has too many points",
-      u"texts not shown: they have too many points");
-  add(notes.texts_no_size, u"text not shown: it is too small or too large here",
-      u"texts not shown: they are too small or too large here");
+  add(notes.left_out,
+      u"{} element not shown: a coordinate is missing or no number that can be drawn",
+      u"{} elements not shown: coordinates are missing or no numbers that can be drawn");
+  add(notes.texts_too_large, u"{} text not shown: it has too many points",
+      u"{} texts not shown: they have too many points");
+  add(notes.texts_no_size, u"{} text not shown: it is too small or too large here",
+      u"{} texts not shown: they are too small or too large here");
   return text;
 }
 

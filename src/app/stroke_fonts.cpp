@@ -7,6 +7,8 @@
 #include "base/nearest_names.h"
 #include "base/text.h"
 #include "base/text_file.h"
+#include "outline/lff_part.h"
+#include "outline/scripts.h"
 #include "platform/fold_case.h"
 #include "platform/folder_path.h"
 #include "platform/stroke_font_folders.h"
@@ -23,11 +25,6 @@ std::u16string Folded(std::u16string_view text) {
   std::u16string folded(text);
   for (char16_t& unit : folded) unit = FoldCase(unit);
   return folded;
-}
-
-bool IsStrokeFontName(const fs::path& file) {
-  const std::u16string ending = Folded(Extension(PathText(file.filename())));
-  return ending == u"jhf" || ending == u"lff" || ending == u"svg";
 }
 
 // The font files of one folder, by name; a folder that cannot be read has none.
@@ -75,7 +72,36 @@ Status FindByName(std::u16string_view wanted, fs::path* file) {
   return Status::Error(Failure::kNotFound, std::u16string(wanted), std::move(why));
 }
 
+bool IsLff(const fs::path& file) {
+  return Folded(Extension(PathText(file.filename()))) == u"lff";
+}
+
+Status ReadBytes(const fs::path& file, std::string* bytes) {
+  if (Status read = ReadFileBytes(file, bytes, kMostBytes + 1); !read.ok()) {
+    return Status::Error(read.failure, PathText(file), read.why);
+  }
+  if (bytes->size() <= kMostBytes) return Status::Ok();
+  return Status::Error(Failure::kOther, PathText(file),
+                       u"is larger than the 64 MB that a stroke font may have");
+}
+
+// Reads the font of a file's bytes; chosen->file is set.
+Status Parse(std::string_view bytes, ChosenStrokeFont* chosen) {
+  const std::u16string name = PathText(chosen->file.stem());
+  if (Status status = ReadStrokeFont(bytes, name, &chosen->font); !status.ok()) {
+    const std::u16string where = status.what.empty() ? u"" : u", " + status.what;
+    return Status::Error(status.failure, PathText(chosen->file) + where, status.why);
+  }
+  if (chosen->font.family.empty()) chosen->font.family = name;
+  return Status::Ok();
+}
+
 }  // namespace
+
+bool IsStrokeFontName(const fs::path& file) {
+  const std::u16string ending = Folded(Extension(PathText(file.filename())));
+  return ending == u"jhf" || ending == u"lff" || ending == u"svg";
+}
 
 std::vector<StrokeFontFile> InstalledStrokeFonts() {
   std::vector<StrokeFontFile> fonts;
@@ -104,20 +130,40 @@ Status ChooseStrokeFont(std::u16string_view wanted, ChosenStrokeFont* chosen) {
     return found;
   }
   std::string bytes;
-  if (Status read = ReadFileBytes(made.file, &bytes, kMostBytes + 1); !read.ok()) {
-    return Status::Error(read.failure, PathText(made.file), read.why);
-  }
-  if (bytes.size() > kMostBytes) {
-    return Status::Error(Failure::kOther, PathText(made.file),
-                         u"is larger than the 64 MB that a stroke font may have");
-  }
-  const std::u16string name = PathText(made.file.stem());
-  if (Status status = ReadStrokeFont(bytes, name, &made.font); !status.ok()) {
-    const std::u16string where = status.what.empty() ? u"" : u", " + status.what;
-    return Status::Error(status.failure, PathText(made.file) + where, status.why);
-  }
-  if (made.font.family.empty()) made.font.family = name;
+  if (Status read = ReadBytes(made.file, &bytes); !read.ok()) return read;
+  if (Status parsed = Parse(bytes, &made); !parsed.ok()) return parsed;
   *chosen = std::move(made);
+  return Status::Ok();
+}
+
+Status ReadStrokesFor(std::u16string_view text, const fs::path& file, ChosenStrokeFont* chosen) {
+  ChosenStrokeFont made = {.file = file, .font = {}};
+  std::string bytes;
+  if (Status read = ReadBytes(file, &bytes); !read.ok()) return read;
+  if (IsLff(file)) {
+    std::u32string wanted = U"H ";  // the reader measures by them
+    for (const ComposedCharacter& character : ComposedCharacters(text)) wanted += character.ch;
+    bytes = PartOfLff(bytes, wanted);
+  }
+  if (Status parsed = Parse(bytes, &made); !parsed.ok()) return parsed;
+  *chosen = std::move(made);
+  return Status::Ok();
+}
+
+Status ReadStrokeCharacters(const fs::path& file, CharacterSet* characters) {
+  std::vector<char32_t> all;
+  ChosenStrokeFont whole = {.file = file, .font = {}};
+  std::string bytes;
+  if (Status read = ReadBytes(file, &bytes); !read.ok()) return read;
+  if (IsLff(file)) {
+    all = CharactersOfLff(bytes);
+  } else {
+    if (Status parsed = Parse(bytes, &whole); !parsed.ok()) return parsed;
+    for (const auto& [ch, number] : whole.font.numbers) all.push_back(ch);
+    std::ranges::sort(all);
+  }
+  *characters = {};
+  for (const char32_t ch : all) Append({ch, ch}, characters);
   return Status::Ok();
 }
 

@@ -10,6 +10,7 @@
 #include "parts/ipx.h"
 #include "platform/font_faces.h"
 #include "platform/system.h"
+#include "platform/system_facts.h"
 #include "web/output_run.h"
 #include "web/upload_profile.h"
 
@@ -52,7 +53,9 @@ DialogMemory SystemServices::Load() {
 }
 
 Status SystemServices::Save(const DialogMemory& memory) {
-  return SaveDialogMemory(memory, loaded_);
+  Status saved = SaveDialogMemory(memory, loaded_);
+  if (saved.ok()) loaded_ = memory;
+  return saved;
 }
 
 std::u16string SystemServices::LoadSavedText() {
@@ -118,6 +121,10 @@ Status SystemServices::Upload(const std::vector<fs::path>& files, std::u16string
     if (!result.ok()) return Status::Error(Failure::kOther, result.message, u"");
   }
   return Status::Ok();
+}
+
+std::u16string SystemServices::TextLocale() {
+  return kerno::TextLocale();
 }
 
 void SystemServices::AboutTexts(std::u16string* version, std::u16string* copyright) {

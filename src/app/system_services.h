@@ -29,6 +29,7 @@ class SystemServices : public DialogServices {
   Status RefreshPage(const std::filesystem::path& base_path) override;
   bool CanUpload() override;
   Status Upload(const std::vector<std::filesystem::path>& files, std::u16string* answer) override;
+  std::u16string TextLocale() override;
   void AboutTexts(std::u16string* version, std::u16string* copyright) override;
 
  private:

@@ -88,6 +88,8 @@ class TableRows final : public RowSource {
 
   Status ReadHeader();
   bool Next(SeriesRow* row, Status* status) override;
+  std::optional<RowPlace> Place() const override;
+  Status GoTo(const RowPlace& place) override;
   std::string TableStart(const std::vector<std::string>& added) const override;
   std::string TableRow(const SeriesRow& row, const std::vector<std::string>& added) const override;
 
@@ -113,8 +115,9 @@ class TableRows final : public RowSource {
   uint64_t number_ = 0;
 
   std::string piece_;
-  size_t at_ = 0;              // in it
-  bool after_return_ = false;  // a line feed next belongs to the line end before
+  std::optional<PiecePlace> place_;  // of the piece
+  size_t at_ = 0;                    // in it
+  bool after_return_ = false;        // a line feed next belongs to the line end before
   // Of the record at hand.
   In in_ = In::kStart;
   size_t field_ = 0;  // the field that characters go to
@@ -123,6 +126,7 @@ class TableRows final : public RowSource {
 };
 
 bool TableRows::Refill(Status* status) {
+  place_ = bytes_->Place();
   *status = bytes_->Next(&piece_);
   at_ = 0;
   return status->ok() && !piece_.empty();
@@ -264,6 +268,21 @@ bool TableRows::Next(SeriesRow* row, Status* status) {
   return true;
 }
 
+std::optional<RowPlace> TableRows::Place() const {
+  if (!place_) return std::nullopt;
+  return RowPlace{number_, *place_, at_, after_return_};
+}
+
+Status TableRows::GoTo(const RowPlace& place) {
+  bytes_->GoTo(place.piece);
+  Status status;
+  Refill(&status);
+  number_ = place.row;
+  at_ = std::min(place.at, piece_.size());
+  after_return_ = place.after_return;
+  return status;
+}
+
 std::string TableRows::Line(std::string line, const std::vector<std::string>& added) const {
   for (const std::string& field : added) line += (is_table_ ? separator_ : ',') + field;
   return bytes_->AsInFile(line + (line_end_.empty() ? "\n" : line_end_));
@@ -284,7 +303,8 @@ std::string TableRows::TableRow(const SeriesRow& row, const std::vector<std::str
 
 Status OpenTable(const RowList& list, std::unique_ptr<RowSource>* source) {
   std::unique_ptr<ListBytes> bytes;
-  if (Status opened = ListBytes::Open(list.file, list.name, list.coding, &bytes); !opened.ok())
+  if (Status opened = ListBytes::Open(list.file, list.name, list.coding, list.if_held, &bytes);
+      !opened.ok())
     return opened;
   auto rows = std::make_unique<TableRows>(std::move(bytes), list);
   if (Status read = rows->ReadHeader(); !read.ok()) return read;

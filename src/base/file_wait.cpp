@@ -37,31 +37,41 @@ Status WaitForFile(const std::filesystem::path& path, FileWait wait,
   if (!patience) patience = &own;
   bool shown = false;
   Status status;
-  for (bool again = true; again; again = patience->Pause()) {
+  int attempts = 0;
+  do {
     status = attempt();
+    ++attempts;
     if (!MayPass(status, what)) break;
-    if (!shown && wait != FileWait::kNothing) {
+    if (wait == FileWait::kNothing) continue;
+    if (!shown) {
       CurrentNotices().ShowWait(
           (wait == FileWait::kRead ? u"FileWait OpenRead  " : u"FileWait OpenWrite ") +
           PathText(path));
       shown = true;
     }
-  }
+    if (what == WaitOut::kAskedHolder &&
+        CurrentNotices().KeepWaiting(PathText(path), attempts) == Continue::kNo) {
+      break;
+    }
+  } while (patience->Pause());
   if (shown) CurrentNotices().ClearWait();
   return status;
 }
 
 Status ReplaceWhenFree(const std::filesystem::path& target, const FileFiller& fill) {
   std::unique_ptr<FileReplacement> file;
-  Status status = WaitForFile(target, FileWait::kWrite, [&] {
-    Status opened;
-    if (FactsOfPath(target).kind == PathKind::kFile) {
-      HeldFile::Open(target, Deny::kAll, &opened);
-      if (opened.failure == Failure::kSharingViolation) return opened;
-    }
-    file = FileReplacement::Create(target, &opened);
-    return file ? Status::Ok() : opened;
-  });
+  Status status = WaitForFile(
+      target, FileWait::kWrite,
+      [&] {
+        Status opened;
+        if (FactsOfPath(target).kind == PathKind::kFile) {
+          HeldFile::Open(target, Deny::kAll, &opened);
+          if (opened.failure == Failure::kSharingViolation) return opened;
+        }
+        file = FileReplacement::Create(target, &opened);
+        return file ? Status::Ok() : opened;
+      },
+      WaitOut::kAskedHolder);
   if (file) status = fill(file.get());
   return status.ok() ? file->Commit() : status;
 }

@@ -16,8 +16,9 @@ enum class FileWait { kRead, kWrite, kNothing };
 
 // Which failures may pass with time.
 enum class WaitOut {
-  kHolder,      // another process holds the file
-  kAnyFailure,  // whatever keeps it from being opened; a full disk does not
+  kHolder,       // another process holds the file
+  kAskedHolder,  // the same, while Notices::KeepWaiting says so
+  kAnyFailure,   // whatever keeps it from being opened; a full disk does not
 };
 
 // How long is waited in all: 100 pauses of 100 ms. Shared by several files, it lasts for them

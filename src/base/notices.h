@@ -36,6 +36,11 @@ class Notices {
   virtual void ShowWait(std::u16string_view text) = 0;
   virtual void ClearWait() = 0;
 
+  // Whether a wait for a file that another program holds goes on after so many attempts.
+  virtual Continue KeepWaiting(std::u16string_view /*path*/, int /*attempts*/) {
+    return Continue::kYes;
+  }
+
   // Progress of a long operation: `done` of `total` steps. kNo asks the operation to stop.
   virtual Continue Progress(std::u16string_view text, int64_t done, int64_t total) = 0;
 };

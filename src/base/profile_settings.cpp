@@ -43,6 +43,7 @@ IniStore& ProfileSettings::Store() {
 
 int32_t ProfileSettings::GetInt(std::u16string_view section, std::u16string_view key,
                                 int32_t default_value) {
+  const std::lock_guard lock(mutex_);
   IniStore& store = Store();
   if (!settled_) return store.GetInt(section, key, default_value);
   const auto [entry, is_new] = numbers_.try_emplace(Name(section, key));
@@ -52,6 +53,7 @@ int32_t ProfileSettings::GetInt(std::u16string_view section, std::u16string_view
 
 std::u16string ProfileSettings::GetStr(std::u16string_view section, std::u16string_view key,
                                        std::u16string_view default_value) {
+  const std::lock_guard lock(mutex_);
   IniStore& store = Store();
   if (!settled_) return store.GetStr(section, key, default_value);
   const auto [entry, is_new] = texts_.try_emplace(Name(section, key));

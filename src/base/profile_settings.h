@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -16,7 +17,7 @@ namespace kerno {
 
 // Reads from the INI-only store "Quenkit". A change of the file takes effect at the next read: what
 // was read is kept only while the file's size and time stay what they were, and not at all while
-// "Debug"/"Log" or "Debug\2009_09"/"UseProfileCache" ask for every read.
+// "Debug"/"Log" or "Debug\2009_09"/"UseProfileCache" ask for every read. Any thread may read.
 class ProfileSettings final : public SettingsReader {
  public:
   int32_t GetInt(std::u16string_view section, std::u16string_view key,
@@ -38,6 +39,7 @@ class ProfileSettings final : public SettingsReader {
   // The store to read from, newly opened when the file has changed or might have.
   IniStore& Store();
 
+  std::recursive_mutex mutex_;  // what is told while a file is read may read a setting
   std::unique_ptr<IniStore> store_;
   std::filesystem::path file_;
   Look look_;

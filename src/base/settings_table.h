@@ -110,6 +110,14 @@ inline constexpr IntegerSetting kDialogColorIndexRule{
 inline constexpr TextSetting kDialogOutputFolder{
     u"Dialog", u"OutputFolder", u"",
     "Folder of the outputs; empty: Kerno.tmp in the temporary folder"};
+inline constexpr IntegerSetting kDialogLanguage{
+    u"Dialog",
+    u"Language",
+    0,
+    "Language of the window: 0 as the system, 1 Japanese, 2 English, 3 German",
+    {0, 3, Outside::kDefault}};
+inline constexpr IntegerSetting kDialogMode{
+    u"Dialog", u"Mode", 0, "Way of working: 0 Classic, 1 Cut", {0, 1, Outside::kDefault}};
 inline constexpr SwitchSetting kWindowMinimised{u"Position\\MainFrame", u"Iconic", false,
                                                 "1: the main window was minimised"};
 inline constexpr SwitchSetting kWindowMaximised{u"Position\\MainFrame", u"Maximized", false,
@@ -156,6 +164,8 @@ inline constexpr Setting kKnownSettings[] = {
     kDialogVerticalPitch,
     kDialogColorIndexRule,
     kDialogOutputFolder,
+    kDialogLanguage,
+    kDialogMode,
     kWindowMinimised,
     kWindowMaximised,
     kWindowPlace,

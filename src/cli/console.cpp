@@ -14,7 +14,6 @@ namespace {
 
 bool warnings_silenced = false;
 bool print_failed = false;
-thread_local std::vector<Message>* held_messages = nullptr;
 
 // Controls of direction stand as their codes, so that none puts the rest of a line into another
 // order. What is not UTF-8 stays as it is.
@@ -62,11 +61,12 @@ void WriteLine(std::string_view text) {
   if (!line.ends_with('\n')) std::fputc('\n', stderr);
 }
 
-void Report(std::string_view kind, std::string_view what, std::string_view why) {
-  std::string line = "kerno: ";
-  line.append(kind).append(Shown(what, LineEnds::kCoded));
-  if (!what.empty() && !why.empty()) line += ": ";
-  line += Shown(why, LineEnds::kCoded);
+void ShowReport(const Message& message) {
+  if (message.is_warning && warnings_silenced) return;
+  std::string line = message.is_warning ? "kerno: warning: " : "kerno: ";
+  line += Shown(message.what, LineEnds::kCoded);
+  if (!message.what.empty() && !message.why.empty()) line += ": ";
+  line += Shown(message.why, LineEnds::kCoded);
   WriteLine(line);
 }
 
@@ -78,31 +78,8 @@ bool PrintingFailed() {
 
 }  // namespace
 
-HeldMessages::HeldMessages(std::vector<Message>* messages)
-    : before_(std::exchange(held_messages, messages)) {}
-
-HeldMessages::~HeldMessages() {
-  held_messages = before_;
-}
-
-void ReportError(std::string_view what, std::string_view why) {
-  if (held_messages) {
-    held_messages->push_back({false, std::string(what), std::string(why)});
-  } else {
-    Report("", what, why);
-  }
-}
-
-void ReportError(const Status& status) {
-  ReportError(Utf16ToUtf8(status.what), Utf16ToUtf8(status.why));
-}
-
-void ReportWarning(std::string_view what, std::string_view why) {
-  if (held_messages) {
-    held_messages->push_back({true, std::string(what), std::string(why)});
-  } else if (!warnings_silenced) {
-    Report("warning: ", what, why);
-  }
+void ShowReports() {
+  SetReporter(ShowReport);
 }
 
 void SilenceWarnings() {

@@ -3,37 +3,15 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "app/reports.h"
 #include "base/notices.h"
-#include "platform/status.h"
 
 namespace kerno {
 
-// "kerno: what: why" on standard error.
-void ReportError(std::string_view what, std::string_view why);
-void ReportError(const Status& status);
-
-// "kerno: warning: what: why".
-void ReportWarning(std::string_view what, std::string_view why);
-
-// What would have been reported.
-struct Message {
-  bool is_warning = false;
-  std::string what, why;
-};
-
-// While it lives, what this thread reports is kept instead of shown.
-class HeldMessages {
- public:
-  explicit HeldMessages(std::vector<Message>* messages);
-  ~HeldMessages();
-  HeldMessages(const HeldMessages&) = delete;
-  HeldMessages& operator=(const HeldMessages&) = delete;
-
- private:
-  std::vector<Message>* before_;
-};
+// From now on what is reported is a line on standard error: "kerno: what: why", or "kerno: warning:
+// what: why".
+void ShowReports();
 
 // Lines of warnings are dropped from now on; errors are still reported.
 void SilenceWarnings();

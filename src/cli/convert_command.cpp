@@ -5,9 +5,9 @@
 #include <memory>
 #include <utility>
 
+#include "app/choice.h"
+#include "app/option_values.h"
 #include "base/text.h"
-#include "cli/arguments.h"
-#include "cli/choice.h"
 #include "cli/console.h"
 #include "parts/ipx.h"
 #include "parts/shapes.h"

@@ -3,10 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
 
+#include "app/cut_warnings.h"
+#include "app/series_run.h"
 #include "base/text.h"
 #include "cli/console.h"
 #include "cli/cut_report.h"
-#include "cli/series_run.h"
+#include "cli/series_printer.h"
 
 namespace kerno {
 namespace {
@@ -83,12 +85,33 @@ ExitStatus CutCommand::RunSeries() {
     // One text on sheets is no template.
     if (!series_.IsWanted()) text = AsTemplate(text);
   }
-  const auto settings = series_.Read(source_, &status);
-  if (!settings) return status;
-  SeriesRun run(options_, *settings, {strict_, quiet_, json_});
-  if (sheets_.IsGiven()) run.PutOnSheets(&sheets_);
+  auto job = series_.Read(source_, &status);
+  if (!job) return status;
   const bool is_plain = source_.IsOfFile() || !series_.IsWanted();
-  return run.Run(text, is_plain ? Escapes::kNone : Escapes::kBackslash);
+  job->text = std::move(text);
+  job->escapes = is_plain ? Escapes::kNone : Escapes::kBackslash;
+  job->strict = strict_;
+  job->texts = options_.Texts();
+  job->outputs = options_.outputs().outputs();
+  if (sheets_.IsGiven()) job->sheets = sheets_.Texts();
+  return RunJob(std::move(*job));
+}
+
+ExitStatus CutCommand::RunJob(SeriesJob job) const {
+  SeriesPrinter printer(quiet_, json_);
+  SeriesRun run(std::move(job), printer);
+  const SeriesEnd end = run.Run();
+  const bool is_told = printer.PrintSummary(run.counts());
+  switch (end) {
+    case SeriesEnd::kDone:
+      return is_told ? kDone : kFailed;
+    case SeriesEnd::kWrongUsage:
+      return kWrongUsage;
+    case SeriesEnd::kFaceTrouble:
+      return kFaceTrouble;
+    default:
+      return kFailed;
+  }
 }
 
 }  // namespace kerno

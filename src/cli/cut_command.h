@@ -20,6 +20,7 @@ class CutCommand final : public Command {
  private:
   ExitStatus RunOnce();
   ExitStatus RunSeries();
+  ExitStatus RunJob(SeriesJob job) const;
 
   TextSource source_;
   CutOptions options_;

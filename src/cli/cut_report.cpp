@@ -2,10 +2,10 @@
 
 #include <string_view>
 
+#include "app/cut_warnings.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "cli/console.h"
-#include "cli/text_source.h"
 #include "export/fixed_number.h"
 #include "platform/folder_path.h"
 
@@ -18,26 +18,8 @@ std::string Fixed(double value, int decimals) {
   return text;
 }
 
-std::string Counted(size_t count, const char* one, const char* many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
 const char* UnitName(LengthUnit unit) {
   return unit == LengthUnit::kInch ? "in" : "mm";
-}
-
-// "DejaVu Sans Book"
-std::string NameOf(const CutFace& face) {
-  return Utf16ToUtf8(face.style.empty() ? face.family : face.family + u" " + face.style);
-}
-
-// "DejaVu Sans, IPAMincho"
-std::string FaceNames(const std::vector<CutFace>& faces) {
-  std::string names;
-  for (const CutFace& face : faces) {
-    names += (names.empty() ? "" : ", ") + Utf16ToUtf8(face.family);
-  }
-  return names;
 }
 
 void AppendField(std::string* out, std::string_view name, double value) {
@@ -71,58 +53,12 @@ void AppendFallbacks(std::string* out, const std::vector<CutFace>& faces) {
   *out += "]";
 }
 
-// Tells of a fallback in another style than asked for; false when that ends the command.
-bool ReportLackedStyle(const CutFace& face, bool strict) {
-  if (face.lacked_style.empty()) return true;
-  const std::string why =
-      "\"" + Utf16ToUtf8(face.family) + "\" has no \"" + Utf16ToUtf8(face.lacked_style) + "\"";
-  if (strict) {
-    ReportError("--fallback", why);
-    return false;
-  }
-  const std::string given = Counted(face.characters, "character is", "characters are");
-  ReportWarning("--fallback", why + ": " + given + " of \"" + Utf16ToUtf8(face.style) + "\"");
-  return true;
-}
-
-// Tells how the faces differ from what was asked for; false when that ends the command.
-bool ReportFaces(const CutDrawing& made, bool strict) {
-  for (const CutFace& face : made.faces) {
-    const bool is_first = &face == made.faces.data();
-    // The first face has given a glyph when any is not of another one.
-    const bool gives = is_first
-                           ? std::ranges::any_of(
-                                 made.glyphs, [](const CutGlyph& glyph) { return glyph.face == 0; })
-                           : face.characters > 0;
-    if (!gives) continue;
-    for (const std::string& feature : face.no_features) {
-      ReportWarning("--features", NameOf(face) + " has no \"" + feature + "\"");
-    }
-    if (!ReportLackedStyle(face, strict)) return false;
-    if (!face.made_bold && !face.made_slanted) continue;
-    const bool both = face.made_bold && face.made_slanted;
-    const char* letters = both             ? "bold and slanted letters"
-                          : face.made_bold ? "bold letters"
-                                           : "slanted letters";
-    const char* how = both             ? "moved outwards and leaned"
-                      : face.made_bold ? "moved outwards"
-                                       : "leaned";
-    const std::string why = "\"" + Utf16ToUtf8(face.family) + "\" has no " + letters;
-    if (strict) {
-      ReportError("--style", why);
-      return false;
-    }
-    ReportWarning("--style", why + ": those of \"" + Utf16ToUtf8(face.style) + "\" are " + how);
-  }
-  return true;
-}
-
 }  // namespace
 
 std::string NameWithPlaces(const CutFace& face) {
-  if (face.variations.empty()) return NameOf(face);
+  if (face.variations.empty()) return FaceName(face);
   const std::string file = Utf16ToUtf8(PathText(face.file.filename()));
-  return NameOf(face) + " (" + file + (file.empty() ? "" : ", ") + face.variations + ")";
+  return FaceName(face) + " (" + file + (file.empty() ? "" : ", ") + face.variations + ")";
 }
 
 std::string SummaryOf(const CutDrawing& made) {
@@ -131,17 +67,17 @@ std::string SummaryOf(const CutDrawing& made) {
   const int decimals = made.drawing.unit == LengthUnit::kInch ? 4 : 3;
   std::string text;
   if (facts.closed > 0 || facts.open == 0) {
-    text = Counted(facts.closed, "closed path", "closed paths") + ", ";
+    text = CountedText(facts.closed, "closed path", "closed paths") + ", ";
   }
-  if (facts.open > 0) text += Counted(facts.open, "open path", "open paths") + ", ";
-  if (facts.arcs > 0) text += Counted(facts.arcs, "arc", "arcs") + ", ";
-  if (facts.curves > 0) text += Counted(facts.curves, "curve", "curves") + ", ";
-  text += Counted(facts.lines, "line", "lines");
+  if (facts.open > 0) text += CountedText(facts.open, "open path", "open paths") + ", ";
+  if (facts.arcs > 0) text += CountedText(facts.arcs, "arc", "arcs") + ", ";
+  if (facts.curves > 0) text += CountedText(facts.curves, "curve", "curves") + ", ";
+  text += CountedText(facts.lines, "line", "lines");
   text += ", " + Fixed(made.ink.Width(), decimals) + " x " + Fixed(made.ink.Height(), decimals) +
           " " + unit;
   for (const CutFace& face : made.faces) {
     if (face.characters == 0) continue;
-    text += ", " + Counted(face.characters, "character", "characters") + " from " +
+    text += ", " + CountedText(face.characters, "character", "characters") + " from " +
             Utf16ToUtf8(face.family);
   }
   return text + ", " + Fixed(facts.length, 1) + " " + unit + " to cut";
@@ -196,28 +132,6 @@ std::string JsonOf(const CutDrawing& made, const std::vector<WrittenFile>& files
     out += "}";
   }
   return out + "]}\n";
-}
-
-bool ReportOnCut(const CutDrawing& made, bool strict) {
-  if (!ReportFaces(made, strict)) return false;
-  if (!ReportLost("no glyph in " + FaceNames(made.faces), made.missing, strict)) return false;
-  if (made.drawing.placed.empty() && made.vanished == 0) ReportWarning("text", "has no outlines");
-  if (made.vanished > 0) {
-    ReportWarning("--offset",
-                  Counted(made.vanished, "path", "paths") + " vanished: thinner than it");
-  }
-  if (made.crossing > 0) {
-    ReportWarning("drawing", Counted(made.crossing, "path crosses itself or another one",
-                                     "paths cross themselves or each other"));
-  }
-  if (made.touching > 0) {
-    ReportWarning("drawing", Counted(made.touching, "path touches itself or another one",
-                                     "paths touch or run along themselves or each other"));
-  }
-  if (made.facts.open > 0 && !made.drawing.strokes) {
-    ReportWarning("drawing", Counted(made.facts.open, "path is", "paths are") + " open");
-  }
-  return true;
 }
 
 }  // namespace kerno

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "app/cut.h"
-#include "cli/output_files.h"
+#include "app/output_list.h"
 
 namespace kerno {
 
@@ -17,9 +17,5 @@ std::string NameWithPlaces(const CutFace& face);
 
 // One object on a line of its own.
 std::string JsonOf(const CutDrawing& made, const std::vector<WrittenFile>& files);
-
-// Tells what the user should know before the files are written; false when that ends the command,
-// as `strict` asks for where letters are missing or made up.
-[[nodiscard]] bool ReportOnCut(const CutDrawing& made, bool strict);
 
 }  // namespace kerno

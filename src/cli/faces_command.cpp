@@ -6,11 +6,11 @@
 #include <tuple>
 #include <utility>
 
+#include "app/option_values.h"
 #include "app/specimen.h"
 #include "app/stroke_fonts.h"
 #include "base/number_text.h"
 #include "base/text.h"
-#include "cli/arguments.h"
 #include "cli/console.h"
 #include "cli/face_options.h"
 #include "export/drawing_formats.h"

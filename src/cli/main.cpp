@@ -301,6 +301,7 @@ void OnNoMemory() {
 
 int main(int argc, char** argv) {
   kerno::PrepareStandardStreams();
+  kerno::ShowReports();
   std::set_new_handler(kerno::OnNoMemory);
   std::set_terminate(kerno::OnTerminate);
   try {

@@ -5,10 +5,10 @@
 #include <chrono>
 #include <fstream>
 
+#include "app/choice.h"
+#include "app/option_values.h"
 #include "base/folders.h"
 #include "base/text.h"
-#include "cli/arguments.h"
-#include "cli/choice.h"
 #include "cli/console.h"
 #include "cli/scratch_path.h"
 #include "export/export.h"
@@ -19,14 +19,6 @@ namespace kerno {
 namespace {
 
 constexpr char kStandardOutput[] = "-";
-
-std::string FormatNames() {
-  std::string names;
-  for (const Format& format : Formats()) {
-    names.append(names.empty() ? "" : ", ").append(format.extension);
-  }
-  return names;
-}
 
 // The failure of a scratch file, in words about standard output, which it is for.
 Status ForStandardOutput(const Status& status, const ScratchPath& scratch) {
@@ -89,36 +81,17 @@ bool OutputFiles::Read() {
 }
 
 bool OutputFiles::AddOutput(const std::string& file) {
-  if (!IsFileName("-o", file)) return false;
-  if (!format_.empty()) {
-    const Format* format = FindFormat(Utf8ToUtf16Lossy(format_));
-    if (!format) {
-      ReportChoice("--format", format_, FormatNames());
-      return false;
-    }
-    outputs_.push_back({file, format});
-    return true;
-  }
-  const std::u16string extension = AsciiLower(Extension(Utf8ToUtf16Lossy(file)));
-  const std::string shown = Utf16ToUtf8(extension);
-  if (const Format* format = FindFormat(extension)) {
-    outputs_.push_back({file, format});
-    return true;
-  }
-  if (file == kStandardOutput) {
+  if (file == kStandardOutput && format_.empty()) {
     ReportError("-o -", "needs --format");
-  } else if (extension.empty()) {
-    ReportError(file, "has no extension to choose the format by");
-  } else if (IsKnownUnwritten(extension)) {
-    ReportError(file, "the format \"" + shown + "\" is known but not written");
-  } else {
-    ReportError(file, "the format \"" + shown + "\" is unknown (" + FormatNames() + ")");
+    return false;
   }
-  return false;
+  auto output = ReadOutput(file, format_);
+  if (output) outputs_.push_back(std::move(*output));
+  return output.has_value();
 }
 
-bool OutputFiles::Write(const Output& output, const WriteFormat& write, const WriteSummary& summary,
-                        WrittenFile* file) {
+bool OutputFiles::Write(const OutputFile& output, const WriteFormat& write,
+                        const WriteSummary& summary, WrittenFile* file) {
   using Clock = std::chrono::steady_clock;
   const auto start = summary.began.value_or(Clock::now());
   const std::filesystem::path path = PathArgument(output.name);
@@ -135,21 +108,16 @@ bool OutputFiles::Write(const Output& output, const WriteFormat& write, const Wr
   return true;
 }
 
-bool OutputFiles::Has(std::string_view extension) const {
-  return std::ranges::any_of(
-      outputs_, [&](const Output& output) { return output.format->extension == extension; });
-}
-
 bool OutputFiles::UsesStandardOutput() const {
-  return std::ranges::any_of(outputs_,
-                             [](const Output& output) { return output.name == kStandardOutput; });
+  return std::ranges::any_of(
+      outputs_, [](const OutputFile& output) { return output.name == kStandardOutput; });
 }
 
 bool OutputFiles::WriteAll(const WriteFormat& write, const WriteSummary& summary,
                            std::vector<WrittenFile>* written) const {
   bool all_written = true, all_told = true;
   const bool quiet = summary.quiet || UsesStandardOutput();  // the lines would stand in the output
-  for (const Output& output : outputs_) {
+  for (const OutputFile& output : outputs_) {
     if (output.name == kStandardOutput) {
       all_written &= WriteToStandardOutput(*output.format, write);
       continue;

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/output_list.h"
 #include "cli/command.h"
 #include "export/formats.h"
 #include "parts/parts.h"
@@ -18,12 +19,6 @@ namespace kerno {
 
 // Writes what a command made in a format to a file.
 using WriteFormat = std::function<Status(const Format& format, const std::filesystem::path& file)>;
-
-struct WrittenFile {
-  std::string name;
-  uint64_t bytes = 0;        // of a regular file
-  int64_t milliseconds = 0;  // that it took
-};
 
 // What is told of each file.
 struct WriteSummary {
@@ -35,11 +30,6 @@ struct WriteSummary {
 
 class OutputFiles {
  public:
-  struct Output {
-    std::string name;  // as given; "-" is standard output
-    const Format* format;
-  };
-
   void AddTo(CLI::App& app);
 
   // Whether an option, by its name, is one of these.
@@ -54,22 +44,20 @@ class OutputFiles {
   bool WriteAll(const WriteFormat& write, const WriteSummary& summary,
                 std::vector<WrittenFile>* written = nullptr) const;
 
-  // Whether one of the outputs is of this format, by its extension.
-  bool Has(std::string_view extension) const;
   // Whether one of the outputs is standard output, so that nothing else may be printed there.
   bool UsesStandardOutput() const;
 
-  // What Read has found.
-  const std::vector<Output>& outputs() const { return outputs_; }
+  // What Read has found; "-" is standard output.
+  const OutputList& outputs() const { return outputs_; }
 
  private:
   bool AddOutput(const std::string& file);
-  static bool Write(const Output& output, const WriteFormat& write, const WriteSummary& summary,
+  static bool Write(const OutputFile& output, const WriteFormat& write, const WriteSummary& summary,
                     WrittenFile* file);
 
   std::vector<std::string> files_;
   std::string format_;
-  std::vector<Output> outputs_;
+  OutputList outputs_;
 };
 
 // What the writers of the parts model are told.

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/arguments.h"
+#include "app/option_values.h"
 #include "cli/console.h"
 #include "platform/folder_path.h"
 #include "web/output_run.h"

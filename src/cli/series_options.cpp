@@ -9,9 +9,9 @@
 #include <thread>
 #include <vector>
 
+#include "app/choice.h"
+#include "app/option_values.h"
 #include "base/text.h"
-#include "cli/arguments.h"
-#include "cli/choice.h"
 #include "cli/console.h"
 #include "platform/file_replacement.h"
 #include "platform/folder_path.h"
@@ -144,7 +144,7 @@ bool SeriesOptions::ReadList(const TextSource& text, RowList* list) const {
 }
 
 // "7", "7-12", "7-" or "-12".
-bool SeriesOptions::ReadRange(SeriesSettings* settings) const {
+bool SeriesOptions::ReadRange(SeriesJob* job) const {
   if (app_->count("--rows") == 0) return true;
   const size_t dash = rows_.find('-');
   const std::string first = rows_.substr(0, dash);
@@ -159,21 +159,21 @@ bool SeriesOptions::ReadRange(SeriesSettings* settings) const {
     if (value) *number = static_cast<uint64_t>(*value);
     return value.has_value();
   };
-  if (!read(first, &settings->first) || !read(last, &settings->last)) return false;
-  if (settings->first <= settings->last) return true;
+  if (!read(first, &job->first) || !read(last, &job->last)) return false;
+  if (job->first <= job->last) return true;
   ReportError("--rows", "\"" + rows_ + "\" ends before it begins");
   return false;
 }
 
 // A table of failed rows in place of the list would lose all other rows.
-bool SeriesOptions::ReadFailed(SeriesSettings* settings) const {
+bool SeriesOptions::ReadFailed(SeriesJob* job) const {
   if (app_->count("--failed") == 0) return true;
   if (!IsFileName("--failed", failed_)) return false;
-  settings->failed = failed_;
-  if (settings->list.kind == RowList::Kind::kCount) return true;
+  job->failed = failed_;
+  if (job->list.kind == RowList::Kind::kCount) return true;
   std::error_code error;
   const bool is_list = std::filesystem::equivalent(PathToOpen(PathArgument(failed_)),
-                                                   PathToOpen(settings->list.file), error);
+                                                   PathToOpen(job->list.file), error);
   if (is_list) ReportError("--failed", "\"" + failed_ + "\" is the list itself");
   return !is_list;
 }
@@ -195,33 +195,33 @@ bool SeriesOptions::KeepInput(RowList* list) {
   return kept.ok();
 }
 
-std::optional<SeriesSettings> SeriesOptions::Read(const TextSource& text, ExitStatus* status) {
+std::optional<SeriesJob> SeriesOptions::Read(const TextSource& text, ExitStatus* status) {
   *status = kWrongUsage;
-  SeriesSettings settings;
+  SeriesJob job;
   if (!IsWanted()) {
-    settings.list = {.kind = RowList::Kind::kCount, .count = 1};
-    settings.existing = ExistingFiles::kReplace;
-    return settings;
+    job.list = {.kind = RowList::Kind::kCount, .count = 1};
+    job.existing = ExistingFiles::kReplace;
+    return job;
   }
-  if (!ReadList(text, &settings.list) || !ReadRange(&settings)) return std::nullopt;
-  settings.jobs = std::max(1U, std::thread::hardware_concurrency());
+  if (!ReadList(text, &job.list) || !ReadRange(&job)) return std::nullopt;
+  job.jobs = std::max(1U, std::thread::hardware_concurrency());
   if (app_->count("--jobs") > 0) {
     const auto jobs = WholeNumber("--jobs", jobs_, 1, kMostJobs);
     if (!jobs) return std::nullopt;
-    settings.jobs = static_cast<size_t>(*jobs);
+    job.jobs = static_cast<size_t>(*jobs);
   }
   if (replace_ && resume_) {
     ReportError("--resume", "goes not with --replace");
     return std::nullopt;
   }
-  settings.existing = replace_  ? ExistingFiles::kReplace
-                      : resume_ ? ExistingFiles::kResume
-                                : ExistingFiles::kKeep;
-  if (!ReadFailed(&settings)) return std::nullopt;
+  job.existing = replace_  ? ExistingFiles::kReplace
+                 : resume_ ? ExistingFiles::kResume
+                           : ExistingFiles::kKeep;
+  if (!ReadFailed(&job)) return std::nullopt;
   *status = kFailed;
-  if (!KeepInput(&settings.list)) return std::nullopt;
+  if (!KeepInput(&job.list)) return std::nullopt;
   *status = kDone;
-  return settings;
+  return job;
 }
 
 }  // namespace kerno

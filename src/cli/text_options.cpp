@@ -5,13 +5,14 @@
 #include <cmath>
 #include <limits>
 
+#include "app/choice.h"
+#include "app/cut_warnings.h"
 #include "app/face_choice.h"
+#include "app/option_values.h"
+#include "app/shortcomings.h"
 #include "app/text_source.h"
 #include "base/text.h"
-#include "cli/arguments.h"
-#include "cli/choice.h"
 #include "cli/console.h"
-#include "outline/scripts.h"
 
 namespace kerno {
 namespace {
@@ -22,13 +23,9 @@ constexpr int32_t kHighestHeight = 32767;
 // "is set from left to right, its letters are not joined"
 std::string Shortcomings(const ScriptNeeds& needs) {
   std::string text;
-  const auto add = [&](bool is_needed, const char* what) {
-    if (is_needed) text += (text.empty() ? "" : ", ") + std::string(what);
-  };
-  add(needs.right_to_left, "is set from left to right");
-  add(needs.joins, "its letters are not joined");
-  add(needs.reorders, "its letters are neither reordered nor combined");
-  add(needs.marks && !needs.reorders, "its marks are not placed");
+  for (const std::u16string_view lack : ShortcomingsFor(needs)) {
+    text += (text.empty() ? "" : ", ") + Utf16ToUtf8(lack);
+  }
   return text;
 }
 
@@ -56,7 +53,7 @@ void TextOptions::AddTo(CLI::App& app) {
                  "return to the margin)")
       ->type_name("crlf|keep")
       ->capture_default_str();
-  face_.AddTo(app, FaceOptions::Source::kSystem);
+  face_.AddTo(app);
   app.add_option("--height", height_, "above 0 cell height, below 0 em height, 0 the default")
       ->type_name("N")
       ->capture_default_str();

@@ -3,42 +3,21 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
+#include "app/option_values.h"
 #include "app/text_coding.h"
 #include "app/text_source.h"
 #include "base/text.h"
 #include "base/text_file.h"
-#include "cli/arguments.h"
 #include "cli/console.h"
 
 namespace kerno {
 namespace {
-
-constexpr size_t kMostListed = 40;  // characters in one message
 
 bool ReadStandardInput(std::string* bytes) {
   char chunk[65536];
   size_t count = 0;
   while ((count = std::fread(chunk, 1, sizeof chunk, stdin)) > 0) bytes->append(chunk, count);
   return std::ferror(stdin) == 0;
-}
-
-std::string CharacterName(char32_t ch) {
-  if (IsUnseen(ch)) return CodeOf(ch);
-  std::u16string text;
-  AppendCharacter(&text, ch);
-  return Utf16ToUtf8(text) + " (" + CodeOf(ch) + ")";
-}
-
-std::string CharacterNames(const std::vector<char32_t>& characters) {
-  std::string names;
-  for (size_t i = 0; i < characters.size() && i < kMostListed; ++i) {
-    if (i > 0) names += ", ";
-    names += CharacterName(characters[i]);
-  }
-  if (characters.size() > kMostListed) {
-    names += " and " + std::to_string(characters.size() - kMostListed) + " more";
-  }
-  return names;
 }
 
 }  // namespace
@@ -141,16 +120,6 @@ std::optional<std::u16string> TextSource::Read(ExitStatus* status) const {
     return std::nullopt;
   }
   return text;
-}
-
-bool ReportLost(std::string_view what, const std::vector<char32_t>& characters, bool strict) {
-  if (characters.empty()) return true;
-  if (strict) {
-    ReportError(what, CharacterNames(characters));
-    return false;
-  }
-  ReportWarning(what, CharacterNames(characters));
-  return true;
 }
 
 }  // namespace kerno

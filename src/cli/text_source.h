@@ -40,8 +40,4 @@ class TextSource {
   CLI::App* app_ = nullptr;
 };
 
-// Tells of characters that are not in a drawing as they should be; false when that ends the
-// command, as it does when `strict`.
-bool ReportLost(std::string_view what, const std::vector<char32_t>& characters, bool strict);
-
 }  // namespace kerno

@@ -2,9 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include "app/option_values.h"
 #include "base/notices.h"
 #include "base/text.h"
-#include "cli/arguments.h"
 #include "cli/console.h"
 #include "web/upload_profile.h"
 

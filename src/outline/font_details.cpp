@@ -42,7 +42,8 @@ std::vector<FontAxis> AxesOf(hb_face_t* face) {
   axes.reserve(count);
   for (const hb_ot_var_axis_info_t& info : infos) {
     axes.push_back({TagText(info.tag), NameOf(face, info.name_id), info.min_value,
-                    info.default_value, info.max_value});
+                    info.default_value, info.max_value,
+                    (info.flags & HB_OT_VAR_AXIS_FLAG_HIDDEN) != 0});
   }
   return axes;
 }
@@ -89,18 +90,68 @@ Embedding EmbeddingOf(hb_face_t* face) {
   return (low & 2) != 0 ? Embedding::kRestricted : Embedding::kInstallable;
 }
 
-}  // namespace
-
-Status ReadFontDetails(const FontData& data, FontDetails* details) {
+// The face refers to the bytes of the data.
+Status OpenFace(const FontData& data, Owned<hb_face_t>* face) {
   const std::string_view bytes = data.file->bytes();
   const Owned<hb_blob_t> blob(hb_blob_create(bytes.data(), static_cast<unsigned>(bytes.size()),
                                              HB_MEMORY_MODE_READONLY, nullptr, nullptr));
-  const Owned<hb_face_t> face(hb_face_create(blob.get(), data.index));
-  if (hb_face_get_glyph_count(face.get()) == 0) {
+  face->reset(hb_face_create(blob.get(), data.index));
+  if (hb_face_get_glyph_count(face->get()) == 0) {
     return Status::Error(Failure::kOther, data.family, u"its file holds no font that can be read");
   }
+  return Status::Ok();
+}
+
+void PlaceInstance(hb_face_t* face, uint32_t instance, std::vector<double>* places) {
+  auto count = static_cast<unsigned>(places->size());
+  std::vector<float> coordinates(count);
+  hb_ot_var_named_instance_get_design_coords(face, instance - 1, &count, coordinates.data());
+  std::copy_n(coordinates.begin(), std::min<size_t>(count, coordinates.size()), places->begin());
+}
+
+// "wght=650,slnt=-8"; what cannot be read changes nothing.
+void PlaceByText(std::string_view variations, const std::vector<FontAxis>& axes,
+                 std::vector<double>* places) {
+  while (!variations.empty()) {
+    const size_t end = std::min(variations.find(','), variations.size());
+    hb_variation_t one;
+    if (hb_variation_from_string(variations.data(), static_cast<int>(end), &one)) {
+      const auto axis = std::ranges::find(axes, TagText(one.tag), &FontAxis::tag);
+      if (axis != axes.end()) (*places)[static_cast<size_t>(axis - axes.begin())] = one.value;
+    }
+    variations.remove_prefix(std::min(end + 1, variations.size()));
+  }
+}
+
+}  // namespace
+
+Status ReadFontDetails(const FontData& data, FontDetails* details) {
+  Owned<hb_face_t> face;
+  if (Status opened = OpenFace(data, &face); !opened.ok()) return opened;
   *details = {AxesOf(face.get()), ScriptsOf(face.get()), FeaturesOf(face.get()),
               EmbeddingOf(face.get())};
+  return Status::Ok();
+}
+
+Status ReadAxes(const FontData& data, std::vector<FontAxis>* axes, std::vector<double>* places) {
+  Owned<hb_face_t> face;
+  if (Status opened = OpenFace(data, &face); !opened.ok()) return opened;
+  *axes = AxesOf(face.get());
+  places->clear();
+  for (const FontAxis& axis : *axes) places->push_back(axis.usual);
+  if (data.instance > 0) PlaceInstance(face.get(), data.instance, places);
+  PlaceByText(data.variations, *axes, places);
+  return Status::Ok();
+}
+
+Status ReadCharacters(const FontData& data, CharacterSet* characters) {
+  Owned<hb_face_t> face;
+  if (Status opened = OpenFace(data, &face); !opened.ok()) return opened;
+  const Owned<hb_set_t> set(hb_set_create());
+  hb_face_collect_unicodes(face.get(), set.get());
+  *characters = {};
+  hb_codepoint_t first = HB_SET_VALUE_INVALID, last = HB_SET_VALUE_INVALID;
+  while (hb_set_next_range(set.get(), &first, &last)) Append({first, last}, characters);
   return Status::Ok();
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/font_data.h"
+#include "platform/font_families.h"
 #include "platform/status.h"
 
 namespace kerno {
@@ -14,6 +15,7 @@ struct FontAxis {
   std::string tag;      // "wght"
   std::u16string name;  // "Weight"
   double least = 0, usual = 0, most = 0;
+  bool hidden = false;  // not for users, says the font
 };
 
 // What the font's maker lets a document do with it (fsType of the table "OS/2").
@@ -37,5 +39,12 @@ inline constexpr uint32_t kScriptLeast = 16;
 
 // Fails for bytes that hold no font.
 [[nodiscard]] Status ReadFontDetails(const FontData& data, FontDetails* details);
+
+// The axes alone, and where the face lies on each: its instance, and the variations of its data.
+[[nodiscard]] Status ReadAxes(const FontData& data, std::vector<FontAxis>* axes,
+                              std::vector<double>* places);
+
+// The characters that the font has glyphs for.
+[[nodiscard]] Status ReadCharacters(const FontData& data, CharacterSet* characters);
 
 }  // namespace kerno

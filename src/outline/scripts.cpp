@@ -161,6 +161,14 @@ std::vector<ComposedCharacter> ComposedCharacters(std::u16string_view text) {
   return characters;
 }
 
+bool Decompose(char32_t ch, char32_t* first, char32_t* second) {
+  hb_codepoint_t one = 0, two = 0;
+  if (!hb_unicode_decompose(hb_unicode_funcs_get_default(), ch, &one, &two)) return false;
+  *first = one;
+  *second = two;
+  return true;
+}
+
 std::vector<ScriptNeeds> NeedsOf(std::u16string_view text) {
   std::vector<ScriptNeeds> all;  // of every script of the text
   size_t current = 0;

@@ -43,6 +43,9 @@ struct ComposedCharacter {
 // text in NFD).
 std::vector<ComposedCharacter> ComposedCharacters(std::u16string_view text);
 
+// The two characters that a composed one stands for; false where it stands for itself alone.
+bool Decompose(char32_t ch, char32_t* first, char32_t* second);
+
 // What a script's text asks for beyond one glyph after the other.
 struct ScriptNeeds {
   Script script = kCommonScript;

@@ -92,14 +92,27 @@ class Names {
   void Append(uint32_t number, std::vector<std::u16string>* texts) const {
     const auto [begin, end] = texts_.equal_range(number);
     for (auto at = begin; at != end; ++at) {
-      const bool known = std::find(texts->begin(), texts->end(), at->second) != texts->end();
-      if (!known && !at->second.empty()) texts->push_back(at->second);
+      const std::u16string& text = at->second.text;
+      const bool known = std::find(texts->begin(), texts->end(), text) != texts->end();
+      if (!known && !text.empty()) texts->push_back(text);
     }
   }
   std::vector<std::u16string> Of(std::initializer_list<uint32_t> numbers) const {
     std::vector<std::u16string> texts;
     for (const uint32_t number : numbers) Append(number, &texts);
     return texts;
+  }
+  std::vector<FamilyName> WithLanguages(std::initializer_list<uint32_t> numbers) const {
+    std::vector<FamilyName> names;
+    for (const uint32_t number : numbers) {
+      const auto [begin, end] = texts_.equal_range(number);
+      for (auto at = begin; at != end; ++at) {
+        const bool known =
+            std::ranges::find(names, at->second.text, &FamilyName::text) != names.end();
+        if (!known && !at->second.text.empty()) names.push_back(at->second);
+      }
+    }
+    return names;
   }
 
  private:
@@ -124,11 +137,22 @@ class Names {
                std::ranges::all_of(bytes, [](char c) { return c >= ' ' && c <= '~'; })) {
       text.assign(bytes.begin(), bytes.end());
     }
-    texts_.emplace(Big(table_, record + 6, 2), std::move(text));
+    std::string tag = is_english                     ? "en"
+                      : platform == kWindowsPlatform ? LanguageTag(language & kPrimaryLanguage)
+                                                     : "";
+    texts_.emplace(Big(table_, record + 6, 2), FamilyName{std::move(text), std::move(tag)});
+  }
+
+  // Of the primary languages of Windows, those in which faces have names of their own.
+  static std::string LanguageTag(uint32_t primary) {
+    constexpr std::array<std::pair<uint32_t, const char*>, 6> kTags = {
+        {{0x04, "zh"}, {0x07, "de"}, {0x0C, "fr"}, {0x11, "ja"}, {0x12, "ko"}, {0x19, "ru"}}};
+    const auto* tag = std::ranges::find(kTags, primary, &std::pair<uint32_t, const char*>::first);
+    return tag != kTags.end() ? tag->second : "";
   }
 
   std::string_view table_;
-  std::multimap<uint32_t, std::u16string> texts_;
+  std::multimap<uint32_t, FamilyName> texts_;
 };
 
 // Of the nine widths that the table "OS/2" knows, in percent.
@@ -209,6 +233,7 @@ void AppendInstances(std::string_view fvar, const Names& names, const FontFileFa
 FontFileFace NamesOf(const Names& names) {
   FontFileFace face;
   face.families = names.Of({16, 1});
+  face.family_names = names.WithLanguages({16, 1});
   face.full_names = names.Of({4, 6});
   return face;
 }

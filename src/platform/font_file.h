@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/font_data.h"
+#include "platform/font_families.h"
 #include "platform/style_choice.h"
 
 namespace kerno {
@@ -17,6 +18,7 @@ struct FontFileFace {
   uint32_t index = 0;
   uint32_t instance = 0;                   // above 0: the instance, counted from 1
   std::vector<std::u16string> families;    // in every language, the English ones first
+  std::vector<FamilyName> family_names;    // the same with their languages
   std::vector<std::u16string> full_names;  // "DejaVu Sans Oblique", "DejaVuSans-Oblique"
   StyledFace style;
 };

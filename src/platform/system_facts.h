@@ -19,6 +19,10 @@ struct SystemFacts {
 
 SystemFacts ReadSystemFacts();
 
+// The name of the locale in which the user wants texts ("ja_JP.UTF-8", "de-DE"); empty where the
+// system does not tell.
+std::u16string TextLocale();
+
 // The version strings of the running program where its file holds no version resource, by their
 // keys ("FileVersion"); empty where it does.
 std::vector<std::pair<std::u16string, std::u16string>> OwnVersionStrings();

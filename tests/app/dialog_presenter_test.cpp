@@ -81,6 +81,7 @@ TEST_F(DialogTest, SlowRebuildsWaitForAPauseAndOutputsDoNot) {
   EXPECT_EQ(3u, presenter->item_count());
   presenter->TextChanged(ControlId::kText, u"ABCD");
   presenter->Pressed(ControlId::kDxf);
+  test::Settle(*presenter);
   EXPECT_EQ(4u, PartsView(services.exported).size());
 }
 
@@ -181,6 +182,7 @@ TEST_F(DialogTest, DroppedFilesAreTextPartsFontsOrRefused) {
   EXPECT_TRUE(view.closed_progress);
   EXPECT_TRUE(view.status.starts_with(u"drawing.IPX  ·  3 parts"));
   presenter->Pressed(ControlId::kSvg);
+  test::Settle(*presenter);
   EXPECT_EQ(3u, services.exported.parts.size());
   presenter->TextChanged(ControlId::kText, u"A");
   EXPECT_EQ(1u, PartsView(presenter->parts()).size()) << "typing shows the text again";

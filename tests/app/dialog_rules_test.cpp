@@ -42,13 +42,12 @@ TEST(DialogRules, HeightsReadAsPlainDecimals) {
 TEST(DialogRules, CharactersWithoutAGlyphAreNamedVisibly) {
   TypesetText set;
   set.missing = {u'\v', 0x202E, u'あ', 0x3000, 0xD800};
-  const std::u16string status = DescribeText(set, {}, {});
+  const std::u16string status = DescribeWarnings(set, {});
   EXPECT_TRUE(status.ends_with(u"no glyph for U+000B U+202E あ U+3000 U+D800"))
       << Utf16ToUtf8(status);
   set = {};
   set.notes.refused = {u'W'};
-  EXPECT_TRUE(DescribeText(set, {}, {}).ends_with(u"no outline of this size for W"));
-  EXPECT_TRUE(HasWarning(set, {}));
+  EXPECT_TRUE(DescribeWarnings(set, {}).ends_with(u"no outline of this size for W"));
 }
 
 TEST(DialogRules, TheWindowStaysInSight) {

@@ -30,6 +30,7 @@ class OutputsTest : public testing::Test {
   std::vector<std::string> Press(ControlId button) {
     services.log.clear();
     presenter->Pressed(button);
+    test::Settle(*presenter);
     return services.log;
   }
 

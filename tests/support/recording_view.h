@@ -1,13 +1,16 @@
 // A view that keeps what it was told, and services that record and fail on demand.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "app/dialog_presenter.h"
 #include "app/dialog_services.h"
 #include "app/dialog_view.h"
 #include "base/text.h"
@@ -26,8 +29,16 @@ class RecordingView final : public DialogView {
   std::map<MenuCommand, bool> menu;
   int due_calls = 0, progress_calls = 0;
   bool closed_progress = false;
-  std::optional<std::filesystem::path> folder_answer;
+  std::optional<std::filesystem::path> folder_answer, save_answer;
+  SaveQuestion asked;
+  int again_answers = 0;  // how often trying again is chosen
+  std::function<void()> on_ask;
+  Continue work_answer = Continue::kYes;
+  bool closed = false;
+  std::vector<MenuCommand> edits;
+  std::map<ControlId, std::u16string> faults;
   std::vector<std::filesystem::path> font_files;
+  WindowMode mode = WindowMode::kClassic;
   WindowPlace place;  // where the window is
   std::vector<WindowRect> screens = {{0, 0, 1920, 1080}};
   WindowPlace placed;  // where it was put
@@ -41,12 +52,15 @@ class RecordingView final : public DialogView {
     colors[id] = {shown, selected};
   }
   void Enable(ControlId id, bool on) override { enabled[id] = on; }
+  void ShowFault(ControlId id, std::u16string_view why) override { faults[id] = why; }
+  void ShowCaptions() override {}
   void ShowControl(ControlId, bool) override {}
   void ShowMenuChecked(MenuCommand command, bool on) override { menu[command] = on; }
   void ShowStatus(std::u16string_view shown, StatusKind kind) override {
     status = shown;
     status_kind = kind;
   }
+  void ShowMode(WindowMode now) override { mode = now; }
   void RepaintPreview() override {}
   void ShowMessage(std::u16string_view shown, std::function<void()>) override {
     messages.emplace_back(shown);
@@ -55,12 +69,28 @@ class RecordingView final : public DialogView {
     ++progress_calls;
     return Continue::kYes;
   }
+  Continue ShowWork(std::u16string_view, double) override {
+    ++progress_calls;
+    return work_answer;
+  }
+  void AskAgain(std::u16string_view asked, std::function<void(bool)> answered) override {
+    messages.emplace_back(asked);
+    if (on_ask) on_ask();
+    const bool again = again_answers > 0;
+    --again_answers;
+    answered(again);
+  }
+  void WakeUp() override {}
   void EndProgress() override { closed_progress = true; }
   void ShowAbout(std::u16string_view, std::u16string_view) override {}
   std::optional<std::filesystem::path> AskFolder(const std::filesystem::path&) override {
     return folder_answer;
   }
-  void PasteIntoText() override {}
+  std::optional<std::filesystem::path> AskSave(const SaveQuestion& question) override {
+    asked = question;
+    return save_answer;
+  }
+  void EditText(MenuCommand command) override { edits.push_back(command); }
   bool LoadFontFile(const std::filesystem::path& file) override {
     font_files.push_back(file);
     return true;
@@ -69,8 +99,16 @@ class RecordingView final : public DialogView {
   WindowPlace PlaceOfWindow() const override { return place; }
   std::vector<WindowRect> Screens() const override { return screens; }
   void PlaceWindow(const WindowPlace& wanted) override { placed = wanted; }
-  void CloseWindow() override {}
+  void CloseWindow() override { closed = true; }
 };
+
+// Waits until nothing is written beside the window any more.
+inline void Settle(DialogPresenter& presenter) {
+  while (presenter.IsWriting()) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    presenter.Awake();
+  }
+}
 
 class FakeDialogServices : public DialogServices {
  public:
@@ -83,6 +121,7 @@ class FakeDialogServices : public DialogServices {
   std::string rtf;               // the last bytes written
   std::string failing;           // the kind of output that fails, as the log names it
   bool uploads = false;
+  std::u16string locale = u"en_US.UTF-8";
   int refreshed_pages = 0;
   PartsA parts_to_read;
   PartsA exported;
@@ -152,6 +191,7 @@ class FakeDialogServices : public DialogServices {
     sent = files;
     return Log("upload", files.empty() ? std::filesystem::path() : files.front());
   }
+  std::u16string TextLocale() override { return locale; }
   void AboutTexts(std::u16string* version, std::u16string*) override {
     *version = u"Kerno   Version 1";
   }

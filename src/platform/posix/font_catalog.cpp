@@ -62,6 +62,12 @@ int32_t WeightOf(FcPattern* pattern) {
   return open_type > 0 ? static_cast<int32_t>(std::lround(open_type)) : 400;
 }
 
+const FcCharSet* CharactersOf(FcPattern* pattern) {
+  FcCharSet* characters = nullptr;
+  FcPatternGetCharSet(pattern, FC_CHARSET, 0, &characters);
+  return characters;
+}
+
 // Fontconfig gives the named instances of a variable face its full name.
 std::vector<std::u16string> NamesOfInstance(const CatalogFace& face) {
   std::vector<std::u16string> names;
@@ -95,6 +101,8 @@ CatalogFace FaceOf(FcPattern* pattern) {
   const std::string format = StringAt(pattern, FC_FONTFORMAT, 0);
   face.is_sfnt = format == "TrueType" || format == "CFF";
   face.covers_wide = face.has_outlines && CoversWide(pattern);
+  face.symbols = IsTrue(pattern, FC_SYMBOL);
+  face.characters = CharactersOf(pattern);
   return face;
 }
 
@@ -136,6 +144,7 @@ std::vector<CatalogFace::Name> FamiliesOf(FcPattern* pattern) {
     }
     CatalogFace::Name name;
     name.text = FromFontconfigText(text);
+    name.language = StringAt(pattern, FC_FAMILYLANG, i);
     names.push_back(std::move(name));
     languages.push_back(StringAt(pattern, FC_FAMILYLANG, i));
   }

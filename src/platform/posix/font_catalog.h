@@ -25,6 +25,7 @@ struct CatalogFace {
     std::u16string text;    // as the file spells it
     std::u16string system;  // the name of the same family that the system shows: the English one,
                             // cut to kMaxFaceName units
+    std::string language;   // a BCP 47 tag, "ja"; empty where the file does not say
     bool own = true;        // the family of regular, bold and italic faces that the face is in; not
                             // a wider one of more weights and widths
   };
@@ -37,11 +38,14 @@ struct CatalogFace {
   int32_t weight = 400;                    // 100 to 1000
   int32_t width = 100;                     // percent of the normal width
   bool slanted = false;                    // italic or oblique
+  bool symbols = false;                    // its characters are pictures
   bool fixed_pitch = false;   // every character as wide as the next, or half as wide (dual)
   bool has_outlines = false;  // TrueType, CFF or Type 1
   bool is_sfnt = false;       // TrueType or CFF
   bool has_axes = false;      // is a variable font, or an instance of one
   bool covers_wide = false;   // covers East Asian full-width characters
+  // Of the normal place on its axes; lives as long as the catalogue. Null where nothing is known.
+  const FcCharSet* characters = nullptr;
 };
 
 // The family names of a face and whether it covers full-width characters, from what Fontconfig

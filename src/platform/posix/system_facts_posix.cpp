@@ -1,5 +1,6 @@
 #include <sys/utsname.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <string>
 
@@ -38,6 +39,15 @@ SystemFacts ReadSystemFacts() {
   }
   facts.description = SystemText(text.empty() ? "POSIX" : text);
   return facts;
+}
+
+// The variables' order is that of POSIX; one that is empty counts as none.
+std::u16string TextLocale() {
+  for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* const value = std::getenv(variable);
+    if (value && *value) return SystemText(value);
+  }
+  return {};
 }
 
 std::vector<std::pair<std::u16string, std::u16string>> OwnVersionStrings() {

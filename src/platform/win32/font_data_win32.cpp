@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstring>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "platform/big_endian.h"
@@ -9,6 +10,7 @@
 #include "platform/folder_path.h"
 #include "platform/font_data.h"
 #include "platform/font_faces.h"
+#include "platform/font_families.h"
 #include "platform/font_file.h"
 #include "platform/held_file.h"
 #include "platform/win32/long_path.h"
@@ -22,6 +24,7 @@ namespace {
 // Tags as GetFontData takes them: the first letter in the lowest byte.
 constexpr DWORD kCollectionTag = 0x66637474;  // "ttcf"
 constexpr DWORD kNamingTag = 0x656D616E;      // "name"
+constexpr DWORD kVariationsTag = 0x72617666;  // "fvar"
 
 class MemoryDevice {
  public:
@@ -122,6 +125,12 @@ uint32_t IndexIn(std::string_view collection, std::string_view font) {
     if (offset < collection.size() && collection.substr(offset).starts_with(start)) return i;
   }
   return 0;
+}
+
+std::vector<Member> OutlineMembersOf(const MemoryDevice& device, std::u16string_view family) {
+  std::vector<Member> members = MembersOf(device.get(), family);
+  std::erase_if(members, [](const Member& member) { return !member.outlines; });
+  return members;
 }
 
 // What the system gives of the file of a face.
@@ -298,6 +307,95 @@ std::vector<ListedFace> ListFaces() {
         !MembersOf(device.get(), (u"@" + face.families.front()).substr(0, kMaxFaceName)).empty();
   }
   return faces;
+}
+
+// Each family stands there once for each of its character sets.
+std::vector<ListedFamily> ListOutlineFamilies() {
+  const MemoryDevice device;
+  std::vector<ListedFamily> families;
+  std::unordered_map<std::u16string, size_t> places;
+  for (const Member& member : MembersOf(device.get(), u"")) {
+    const std::u16string name = FamilyOf(member);
+    if (!member.outlines || name.starts_with(u'@')) continue;
+    const auto [place, is_new] = places.try_emplace(name, families.size());
+    if (is_new) {
+      ListedFamily& family = families.emplace_back();
+      family.name = name;
+      family.names = {{name, {}}};
+      family.fixed_pitch = (member.font.lfPitchAndFamily & 3) == FIXED_PITCH;
+      family.all_names = false;
+    }
+    if (member.font.lfCharSet == SYMBOL_CHARSET) families[place->second].symbols = true;
+  }
+  return families;
+}
+
+void ReadFamilyNames(ListedFamily* family) {
+  family->all_names = true;
+  const MemoryDevice device;
+  const std::vector<Member> members = OutlineMembersOf(device, family->name);
+  if (members.empty()) return;
+  const SelectedFont selected(device.get(), members.front().font);
+  const FontFileFace told = NamesIn(Bytes(device.get(), kNamingTag));
+  for (const FamilyName& name : told.family_names) {
+    const auto known = std::ranges::find(family->names, name.text, &FamilyName::text);
+    if (known == family->names.end()) {
+      family->names.push_back(name);
+    } else if (known->language.empty()) {
+      known->language = name.language;
+    }
+  }
+  family->full_names = told.full_names;
+}
+
+// The system lists a variable font as one face, or each of its instances.
+std::vector<ListedStyle> ListStyles(std::u16string_view family) {
+  const MemoryDevice device;
+  std::vector<ListedStyle> styles;
+  const auto is_listed = [&](const StyledFace& face) {
+    return std::ranges::any_of(styles, [&](const ListedStyle& other) {
+      return other.face.styles.front() == face.styles.front();
+    });
+  };
+  const std::vector<Member> members = OutlineMembersOf(device, family);
+  const std::vector<StyledFace> faces = StylesOf(members);
+  for (size_t i = 0; i < members.size(); ++i) {
+    if (is_listed(faces[i])) continue;
+    const SelectedFont selected(device.get(), members[i].font);
+    const bool variable = !Bytes(device.get(), kVariationsTag).empty();
+    styles.push_back({faces[i], variable});
+    FontData data;
+    if (!variable || !ReadFile(device, members[i], &data).ok()) continue;
+    for (FontFileFace& face : FacesIn(data.file->bytes())) {
+      const bool instance = face.index == data.index && face.instance > 0;
+      if (!instance || face.style.styles.empty() || is_listed(face.style)) continue;
+      styles.push_back({std::move(face.style), true});
+    }
+  }
+  return styles;
+}
+
+// The system tells of characters up to U+FFFF alone.
+Status ReadCharacters(std::u16string_view family, CharacterSet* characters) {
+  const MemoryDevice device;
+  const std::vector<Member> members = OutlineMembersOf(device, family);
+  if (members.empty()) {
+    return Status::Error(Failure::kNotFound, u"face",
+                         u"\"" + std::u16string(family) + u"\" is not installed");
+  }
+  const SelectedFont selected(device.get(), members.front().font);
+  const DWORD size = GetFontUnicodeRanges(device.get(), nullptr);
+  std::vector<DWORD> memory(size / sizeof(DWORD) + 1);
+  auto* set = reinterpret_cast<GLYPHSET*>(memory.data());
+  *characters = {{}, false};
+  if (size == 0 || GetFontUnicodeRanges(device.get(), set) == 0) return Status::Ok();
+  for (DWORD i = 0; i < set->cRanges; ++i) {
+    const WCRANGE& range = set->ranges[i];
+    if (range.cGlyphs == 0) continue;
+    const char32_t first = range.wcLow;
+    Append({first, first + range.cGlyphs - 1}, characters);
+  }
+  return Status::Ok();
 }
 
 }  // namespace kerno

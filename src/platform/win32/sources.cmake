@@ -3,6 +3,7 @@ kerno_room(platform
     coverage_mask.cpp
     drawing.cpp
     file_replacement.cpp
+    font_families.cpp
     font_file.cpp
     preview_surface.cpp
     private_profile.cpp

@@ -19,6 +19,13 @@ SystemFacts ReadSystemFacts() {
   return facts;
 }
 
+std::u16string TextLocale() {
+  wchar_t name[LOCALE_NAME_MAX_LENGTH] = {};
+  const LCID language = MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT);
+  const int length = LCIDToLocaleName(language, name, static_cast<int>(std::size(name)), 0);
+  return length > 0 ? FromWideBuffer(name, std::size(name)) : std::u16string();
+}
+
 // The program's file holds them.
 std::vector<std::pair<std::u16string, std::u16string>> OwnVersionStrings() {
   return {};

@@ -27,10 +27,6 @@ namespace {
 
 constexpr QSize kFirstSize(860, 680);
 
-QKeySequence ShortcutOf(const char16_t* portable) {
-  return QKeySequence::fromString(ToQString(portable), QKeySequence::PortableText);
-}
-
 // Of the height that the lines leave free.
 int ShareOfHeight(WindowLine line) {
   return line == WindowLine::kPreview ? 5 : line == WindowLine::kText ? 2 : 0;
@@ -88,7 +84,6 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
       return new QLabel(caption, this);
     case ControlKind::kTextBox:
       text_ = new TextBox(this);
-      text_->setAccessibleDescription(tr("The text to convert. Ctrl+Tab types a tab."));
       connect(text_, &QTextEdit::textChanged, this,
               UnlessShown([this, id = row.id] { presenter_->TextChanged(id, text_->Text()); }));
       return text_;
@@ -127,7 +122,7 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
 
 QPushButton* MainWindow::MakeButton(const ControlRow& row) {
   auto* button = new QPushButton(ToQString(row.caption), this);
-  if (*row.shortcut) button->setShortcut(ShortcutOf(row.shortcut));
+  if (*row.shortcut) button->setShortcut(ToKeys(row.shortcut));
   connect(button, &QPushButton::clicked, this, [this, id = row.id] { presenter_->Pressed(id); });
   return button;
 }
@@ -180,7 +175,7 @@ QMenuBar* MainWindow::MakeMenu() {
       if (row.separator_before) menu->addSeparator();
       if (row.separator_before || !group) group = new QActionGroup(this);
       QAction* action = menu->addAction(ToQString(row.caption));
-      action->setShortcut(ShortcutOf(row.shortcut));
+      action->setShortcut(ToKeys(row.shortcut));
       action->setCheckable(row.checkable);
       if (row.checkable) group->addAction(action);
       actions_[row.command] = action;

@@ -52,6 +52,8 @@ class MainWindow final : public QWidget, private DialogView {
   void ShowControlText(ControlId id, std::u16string_view text) override;
   void ShowChecked(ControlId id, bool checked) override;
   void ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) override;
+  void ShowFault(ControlId id, std::u16string_view why) override;
+  void ShowCaptions() override;
   void Enable(ControlId id, bool enabled) override;
   void ShowControl(ControlId id, bool visible) override;
   void ShowMenuChecked(MenuCommand command, bool checked) override;
@@ -59,16 +61,22 @@ class MainWindow final : public QWidget, private DialogView {
   void RepaintPreview() override;
   void ShowMessage(std::u16string_view text, std::function<void()> closed) override;
   Continue ShowProgress(std::u16string_view text, double part) override;
+  Continue ShowWork(std::u16string_view text, double part) override;
   void EndProgress() override;
+  void AskAgain(std::u16string_view text, std::function<void(bool again)> answered) override;
+  void WakeUp() override;
   void ShowAbout(std::u16string_view version, std::u16string_view copyright) override;
   std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) override;
-  void PasteIntoText() override;
+  std::optional<std::filesystem::path> AskSave(const SaveQuestion& question) override;
+  void EditText(MenuCommand command) override;
   bool LoadFontFile(const std::filesystem::path& file) override;
   void CallWhenDue(int milliseconds) override;
   WindowPlace PlaceOfWindow() const override;
   void PlaceWindow(const WindowPlace& place) override;
   std::vector<WindowRect> Screens() const override;
   void CloseWindow() override;
+
+  static constexpr int kProgressSteps = 1000;
 
   // A control's event for the presenter, unless the view's own writing has caused it.
   template <class Event>
@@ -86,6 +94,8 @@ class MainWindow final : public QWidget, private DialogView {
   QMenuBar* MakeMenu();
   void SizeDropDowns();
   void LearnFrame();
+  void MakeProgress(Qt::WindowModality modality, int delay);
+  Continue Progressed(std::u16string_view text, double part);
 
   std::map<ControlId, QWidget*> controls_;
   std::map<MenuCommand, QAction*> actions_;

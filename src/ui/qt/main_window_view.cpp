@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "app/captions.h"
 #include "app/scoped_flag.h"
 #include "app/status_text.h"
 #include "ui/qt/combos.h"
@@ -99,31 +100,10 @@ void MainWindow::ShowMessage(std::u16string_view text, std::function<void()> clo
   box->open();
 }
 
-Continue MainWindow::ShowProgress(std::u16string_view text, double part) {
-  constexpr int kSteps = 1000;
-  if (!progress_) {
-    progress_ = new QProgressDialog(this);
-    progress_->setWindowTitle(windowTitle());
-    progress_->setWindowModality(Qt::WindowModal);
-    progress_->setMinimumDuration(kProgressDelay);
-    progress_->setAutoReset(false);
-    progress_->setAutoClose(false);
-    progress_->setMaximum(kSteps);
-    progress_->setValue(0);
-  }
-  progress_->setLabelText(ToQString(text));
-  progress_->setValue(static_cast<int>(part * (kSteps - 1)));
-  return progress_->wasCanceled() ? Continue::kNo : Continue::kYes;
-}
-
-void MainWindow::EndProgress() {
-  delete progress_;
-}
-
 void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copyright) {
   auto* box = new QDialog(this);
   box->setAttribute(Qt::WA_DeleteOnClose);
-  box->setWindowTitle(tr("About %1").arg(windowTitle()));
+  box->setWindowTitle(ToQString(Say(u"About Kerno")));
   auto* layout = new QVBoxLayout(box);
   layout->setContentsMargins(24, 20, 24, 16);
   layout->setSpacing(10);
@@ -135,7 +115,7 @@ void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copy
                                  std::pair(ControlId::kAboutCopyright, copyright)}) {
     auto* label = new QLabel(ToQString(text), box);
     label->setObjectName(ObjectName(id));
-    label->setAccessibleName(ToQString(kerno::Control(id).name));
+    label->setAccessibleName(ToQString(Say(kerno::Control(id).name)));
     label->setTextFormat(Qt::PlainText);
     label->setAlignment(Qt::AlignCenter);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -148,15 +128,10 @@ void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copy
 }
 
 std::optional<std::filesystem::path> MainWindow::AskFolder(const std::filesystem::path& start) {
-  const QString folder =
-      QFileDialog::getExistingDirectory(this, tr("Folder of the outputs"), PathToQString(start));
+  const QString folder = QFileDialog::getExistingDirectory(
+      this, ToQString(Say(u"Folder of the outputs")), PathToQString(start));
   if (folder.isEmpty()) return std::nullopt;
   return QStringToPath(folder);
-}
-
-void MainWindow::PasteIntoText() {
-  text_->paste();
-  text_->setFocus();
 }
 
 bool MainWindow::LoadFontFile(const std::filesystem::path& file) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QColor>
+#include <QKeySequence>
 #include <QString>
 #include <filesystem>
 #include <string>
@@ -30,6 +31,11 @@ inline QColor ToQColor(Color color) {
 }
 inline Color FromQColor(const QColor& color) {
   return RgbColor(color.red(), color.green(), color.blue());
+}
+
+// The keys of a shortcut in the portable notation.
+inline QKeySequence ToKeys(const char16_t* portable) {
+  return QKeySequence::fromString(ToQString(portable), QKeySequence::PortableText);
 }
 
 // A control's object name is its number.

@@ -2,7 +2,9 @@
 
 #include <oleacc.h>
 
+#include "app/captions.h"
 #include "app/controls.h"
+#include "platform/win32/wide_text.h"
 #include "ui/win32/interface.h"
 #include "ui/win32/windows_controls.h"
 
@@ -54,8 +56,11 @@ HWND AddControlHints(HINSTANCE instance, HWND dialog) {
 }
 
 void ChangeHint(HWND hints, HWND dialog, HWND control, std::wstring text) {
-  const TOOLINFOW tool = ToolOf(dialog, control, text.data());
-  SendMessageW(hints, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+  for (const HWND part : {control, EditOf(control)}) {
+    if (part == nullptr) continue;
+    const TOOLINFOW tool = ToolOf(dialog, part, text.data());
+    SendMessageW(hints, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+  }
 }
 
 void AddControlNames(HWND dialog) {
@@ -68,7 +73,7 @@ void AddControlNames(HWND dialog) {
     if (control == nullptr || *row.caption != u'\0' || *row.name == u'\0') continue;
     if (row.id == ControlId::kStatus) continue;  // its text is what it says
     services->SetHwndPropStr(control, static_cast<DWORD>(OBJID_CLIENT), CHILDID_SELF,
-                             PROPID_ACC_NAME, Wide(row.name));
+                             PROPID_ACC_NAME, ToWide(Say(row.name)).c_str());
   }
 }
 

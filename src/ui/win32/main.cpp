@@ -3,9 +3,11 @@
 #include <filesystem>
 #include <vector>
 
+#include "app/captions.h"
 #include "app/system_services.h"
 #include "base/dump_log.h"
 #include "base/profile_settings.h"
+#include "platform/win32/wide_text.h"
 #include "platform/win32/windows_api.h"
 #include "ui/win32/main_window.h"
 #include "ui/win32/windows_controls.h"
@@ -27,8 +29,8 @@ int RunProgram(HINSTANCE instance, int show) {
                                    ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS | ICC_PROGRESS_CLASS};
   InitCommonControlsEx(&controls);
   if (LoadLibraryW(L"Msftedit.dll") == nullptr) {
-    MessageBoxW(nullptr, L"Msftedit.dll: the rich edit control is not there", L"Kerno",
-                MB_OK | MB_ICONERROR);
+    const std::u16string told = Say(u"Msftedit.dll: the rich edit control is not there");
+    MessageBoxW(nullptr, ToWide(told).c_str(), L"Kerno", MB_OK | MB_ICONERROR);
     return 1;
   }
   InstallProfileSettings();

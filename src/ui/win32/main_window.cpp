@@ -6,7 +6,9 @@
 #include <string_view>
 #include <utility>
 
+#include "app/captions.h"
 #include "app/controls.h"
+#include "platform/win32/wide_text.h"
 #include "ui/win32/control_hints.h"
 #include "ui/win32/resource.h"
 #include "ui/win32/windows_controls.h"
@@ -108,7 +110,8 @@ void MainWindow::Show(int show) {
 
 int MainWindow::Run(int show, const std::vector<std::filesystem::path>& files) {
   if (window_ == nullptr) {
-    MessageBoxW(nullptr, L"The window cannot be created.", L"Kerno", MB_OK | MB_ICONERROR);
+    MessageBoxW(nullptr, ToWide(Say(u"The window cannot be created.")).c_str(), L"Kerno",
+                MB_OK | MB_ICONERROR);
     return 1;
   }
   Show(show);
@@ -231,7 +234,8 @@ void MainWindow::AddSystemMenuEntry() {
   const HMENU menu = GetSystemMenu(window_, FALSE);
   const MenuRow& about = *FindMenuRow(static_cast<int>(MenuCommand::kAbout));
   AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-  AppendMenuW(menu, MF_STRING, static_cast<UINT_PTR>(about.command), Wide(about.caption));
+  AppendMenuW(menu, MF_STRING, static_cast<UINT_PTR>(about.command),
+              ToWide(Say(about.caption)).c_str());
 }
 
 void MainWindow::MakeMenu() {
@@ -240,11 +244,12 @@ void MainWindow::MakeMenu() {
     const HMENU popup = CreatePopupMenu();
     for (const MenuRow& row : column.rows) {
       if (row.separator_before) AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
-      std::wstring caption = Wide(row.caption);
+      std::wstring caption = ToWide(Say(row.caption));
       if (*row.shortcut != u'\0') caption += std::wstring(L"\t") + Wide(row.shortcut);
       AppendMenuW(popup, MF_STRING, static_cast<UINT_PTR>(row.command), caption.c_str());
     }
-    AppendMenuW(menu_, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), Wide(column.caption));
+    AppendMenuW(menu_, MF_POPUP, reinterpret_cast<UINT_PTR>(popup),
+                ToWide(Say(column.caption)).c_str());
   }
   SetMenu(window_, menu_);
 }
@@ -253,7 +258,7 @@ void MainWindow::MakeAccelerators() {
   std::vector<ACCEL> keys;
   for (const MenuColumn& column : Menu()) {
     for (const MenuRow& row : column.rows) {
-      if (*row.shortcut == u'\0') continue;
+      if (*row.shortcut == u'\0' || IsEditCommand(row.command)) continue;
       keys.push_back(ParseShortcut(row.shortcut, static_cast<int>(row.command)));
     }
   }

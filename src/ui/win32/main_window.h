@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,8 @@ class MainWindow final : private DialogView {
   void ShowControlText(ControlId id, std::u16string_view text) override;
   void ShowChecked(ControlId id, bool checked) override;
   void ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) override;
+  void ShowFault(ControlId id, std::u16string_view why) override;
+  void ShowCaptions() override;
   void Enable(ControlId id, bool enabled) override;
   void ShowControl(ControlId id, bool visible) override;
   void ShowMenuChecked(MenuCommand command, bool checked) override;
@@ -54,10 +57,14 @@ class MainWindow final : private DialogView {
   void RepaintPreview() override;
   void ShowMessage(std::u16string_view text, std::function<void()> closed) override;
   Continue ShowProgress(std::u16string_view text, double part) override;
+  Continue ShowWork(std::u16string_view text, double part) override;
   void EndProgress() override;
+  void AskAgain(std::u16string_view text, std::function<void(bool again)> answered) override;
+  void WakeUp() override;
   void ShowAbout(std::u16string_view version, std::u16string_view copyright) override;
   std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) override;
-  void PasteIntoText() override;
+  std::optional<std::filesystem::path> AskSave(const SaveQuestion& question) override;
+  void EditText(MenuCommand command) override;
   bool LoadFontFile(const std::filesystem::path& file) override;
   void CallWhenDue(int milliseconds) override;
   WindowPlace PlaceOfWindow() const override;
@@ -69,8 +76,16 @@ class MainWindow final : private DialogView {
   static constexpr UINT kFillFaces = WM_APP + 2;     // the window stands
   static constexpr UINT kDropped = WM_APP + 3;       // the drag's source has its answer
   static constexpr UINT kReadCombo = WM_APP + 4;     // a list has opened or closed
+  static constexpr UINT kAwake = WM_APP + 5;         // work beside the window has news
   static constexpr UINT_PTR kDueTimer = 1;
   static constexpr int kListRow = 20;  // of the lists with pictures, in pixels of the first density
+
+  // A message box that waits; `closed` gets the button that was pressed.
+  struct WaitingMessage {
+    std::wstring text;
+    UINT buttons = MB_OK;
+    std::function<void(int button)> closed;
+  };
 
   // Messages
   static INT_PTR CALLBACK DialogProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
@@ -99,7 +114,9 @@ class MainWindow final : private DialogView {
   void DensityChanged(int dpi, const RECT& place);
   void PaintIcon();
   void PaintPreview(HDC dc);
+  void QueueMessage(WaitingMessage message);
   void ShowWaitingMessages();
+  HBRUSH FaultBrush(HDC dc, HWND edit) const;
   bool EndsShortcut(const MSG& message);
   bool SwallowsEscape(const MSG& message) const;
 
@@ -133,11 +150,8 @@ class MainWindow final : private DialogView {
   bool alt_was_used_ = false;   // with another key, since it went down
   bool ready_ = false;          // the controls are there
   bool opens_maximised_ = false;
+  std::set<ControlId> faults_;  // the fields whose texts cannot be used
   StatusKind status_kind_ = StatusKind::kNormal;
-  struct WaitingMessage {
-    std::wstring text;
-    std::function<void()> closed;
-  };
   std::vector<WaitingMessage> messages_;  // to be shown when the event under way is over
 };
 

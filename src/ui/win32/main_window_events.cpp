@@ -50,6 +50,9 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_CTLCOLORSTATIC:
       if (reinterpret_cast<HWND>(lparam) != Item(ControlId::kStatus)) return FALSE;
       return reinterpret_cast<INT_PTR>(StatusBrush(reinterpret_cast<HDC>(wparam), status_kind_));
+    case WM_CTLCOLOREDIT:
+      return reinterpret_cast<INT_PTR>(
+          FaultBrush(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam)));
     case WM_TIMER:
       if (wparam != kDueTimer) return FALSE;
       KillTimer(window_, kDueTimer);
@@ -78,6 +81,9 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       return TRUE;
     case kReadCombo:
       ReadCombo(Control(static_cast<ControlId>(wparam)), CBN_EDITCHANGE);
+      return TRUE;
+    case kAwake:
+      presenter_->Awake();
       return TRUE;
     case kShowMessages:
       ShowWaitingMessages();

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "app/captions.h"
 #include "app/controls.h"
 #include "app/scoped_flag.h"
 #include "platform/win32/wide_text.h"
@@ -22,6 +23,7 @@ struct AboutTexts {
 INT_PTR CALLBACK AboutProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
   if (message == WM_INITDIALOG) {
     const auto& texts = *reinterpret_cast<const AboutTexts*>(lparam);
+    SetWindowTextW(window, ToWide(Say(u"About Kerno")).c_str());
     SetDlgItemTextW(window, static_cast<int>(ControlId::kAboutVersion), texts.version.c_str());
     SetDlgItemTextW(window, static_cast<int>(ControlId::kAboutCopyright), texts.copyright.c_str());
     return TRUE;
@@ -121,33 +123,6 @@ void MainWindow::RepaintPreview() {
   InvalidateRect(Item(ControlId::kPreview), nullptr, FALSE);
 }
 
-// A message box handles events while it stands: it waits until the one under way is over.
-void MainWindow::ShowMessage(std::u16string_view text, std::function<void()> closed) {
-  messages_.push_back({ToWide(text), std::move(closed)});
-  if (messages_.size() == 1 && !shows_message_) {
-    PostMessageW(window_, kShowMessages, 0, 0);
-  }
-}
-
-void MainWindow::ShowWaitingMessages() {
-  const ScopedFlag writing(shows_message_);
-  while (!messages_.empty()) {
-    const WaitingMessage message = std::move(messages_.front());
-    messages_.erase(messages_.begin());
-    MessageBoxW(window_, message.text.c_str(), L"Kerno", MB_OK | MB_ICONWARNING);
-    message.closed();
-  }
-}
-
-Continue MainWindow::ShowProgress(std::u16string_view text, double part) {
-  if (!progress_) progress_.emplace(instance_, window_);
-  return progress_->Show(text, part);
-}
-
-void MainWindow::EndProgress() {
-  progress_.reset();
-}
-
 void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copyright) {
   const AboutTexts texts = {ToWide(version), ToWide(copyright)};
   DialogBoxParamW(instance_, MAKEINTRESOURCEW(KERNO_ABOUT_DIALOG), window_, AboutProc,
@@ -175,11 +150,6 @@ std::optional<std::filesystem::path> MainWindow::AskFolder(const std::filesystem
   std::filesystem::path path(name);
   CoTaskMemFree(name);
   return path;
-}
-
-void MainWindow::PasteIntoText() {
-  SendMessageW(text_->control(), WM_PASTE, 0, 0);
-  SetFocus(text_->control());
 }
 
 // The system's own fonts are the toolkit's.

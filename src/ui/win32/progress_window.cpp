@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "app/captions.h"
 #include "app/controls.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/resource.h"
@@ -14,8 +15,8 @@ constexpr int kSteps = 1000;
 
 }  // namespace
 
-ProgressWindow::ProgressWindow(HINSTANCE instance, HWND owner)
-    : instance_(instance), owner_(owner), since_(GetTickCount()) {}
+ProgressWindow::ProgressWindow(HINSTANCE instance, HWND owner, Owner state)
+    : instance_(instance), owner_(owner), state_(state), since_(GetTickCount()) {}
 
 ProgressWindow::~ProgressWindow() {
   if (window_ == nullptr) return;
@@ -39,12 +40,14 @@ INT_PTR CALLBACK ProgressWindow::DialogProc(HWND window, UINT message, WPARAM wp
 
 Continue ProgressWindow::Show(std::u16string_view text, double part) {
   if (window_ == nullptr) {
-    if (GetTickCount() - since_ < DWORD{kProgressDelay}) return Continue::kYes;
+    if (state_ == Owner::kBlocked && GetTickCount() - since_ < DWORD{kProgressDelay})
+      return Continue::kYes;
     window_ = CreateDialogParamW(instance_, MAKEINTRESOURCEW(KERNO_PROGRESS_DIALOG), owner_,
                                  DialogProc, reinterpret_cast<LPARAM>(this));
     if (window_ == nullptr) return Continue::kYes;
-    EnableWindow(owner_, FALSE);
-    ShowWindow(window_, SW_SHOW);
+    SetDlgItemTextW(window_, IDCANCEL, ToWide(Say(u"Cancel")).c_str());
+    if (state_ == Owner::kBlocked) EnableWindow(owner_, FALSE);
+    ShowWindow(window_, state_ == Owner::kBlocked ? SW_SHOW : SW_SHOWNOACTIVATE);
   }
   SetDlgItemTextW(window_, KERNO_PROGRESS_TEXT, ToWide(text).c_str());
   SendDlgItemMessageW(window_, KERNO_PROGRESS_BAR, PBM_SETPOS,

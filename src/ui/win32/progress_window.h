@@ -10,8 +10,10 @@ namespace kerno {
 
 class ProgressWindow {
  public:
-  // Keeps `owner` from taking input while it lives.
-  ProgressWindow(HINSTANCE instance, HWND owner);
+  // Whether the owner takes no input while the progress is shown, or goes on without losing the
+  // keyboard. It appears after kProgressDelay, or at once.
+  enum class Owner { kBlocked, kFree };
+  ProgressWindow(HINSTANCE instance, HWND owner, Owner state);
   ~ProgressWindow();
   ProgressWindow(const ProgressWindow&) = delete;
   ProgressWindow& operator=(const ProgressWindow&) = delete;
@@ -24,6 +26,7 @@ class ProgressWindow {
 
   HINSTANCE instance_;
   HWND owner_;
+  Owner state_;
   HWND window_ = nullptr;
   DWORD since_;
   bool cancelled_ = false;

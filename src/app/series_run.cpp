@@ -1,4 +1,4 @@
-#include "cli/series_run.h"
+#include "app/series_run.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,11 +6,11 @@
 #include <new>
 #include <utility>
 
+#include "app/cut_warnings.h"
+#include "app/option_values.h"
 #include "app/series_names.h"
 #include "base/ordered_work.h"
 #include "base/text.h"
-#include "cli/arguments.h"
-#include "cli/cut_report.h"
 #include "platform/folder_path.h"
 
 namespace kerno {
@@ -32,24 +32,6 @@ std::string FirstError(const std::vector<Message>& messages) {
   return error->what.empty() ? error->why : error->what + ": " + error->why;
 }
 
-void ReportKept(const std::string& first, uint64_t count) {
-  ReportError(first, std::string("files that are there are kept") +
-                         (count > 1 ? ", as in " + RowText(count - 1) + " more" : "") +
-                         " (--replace writes them again, --resume takes them for done)");
-}
-
-// "12 sheets (3 done before, 1 failed)"
-std::string SheetsText(const SheetFiles::Counts& counts) {
-  std::string parts;
-  for (const auto& [count, what] :
-       {std::pair(counts.done, " done before"), std::pair(counts.kept, " kept"),
-        std::pair(counts.failed, " failed")}) {
-    if (count > 0) parts += (parts.empty() ? " (" : ", ") + RowText(count) + what;
-  }
-  return RowText(counts.sheets) + (counts.sheets == 1 ? " sheet" : " sheets") + parts +
-         (parts.empty() ? "" : ")");
-}
-
 void ReportClash(const NameClash& clash) {
   const std::string rows = clash.first == clash.second
                                ? "row " + RowText(clash.first) + " would write it twice"
@@ -66,9 +48,9 @@ void ReportClash(const NameClash& clash) {
 // Calls `visit` for each row of the list that can be read, until it answers false.
 bool SeriesRun::EachRow(const std::function<bool(const SeriesRow&)>& visit) {
   std::unique_ptr<RowSource> rows;
-  Status status = RowSource::Open(settings_.list, &rows);
+  Status status = RowSource::Open(job_.list, &rows);
   SeriesRow row;
-  while (status.ok() && rows->Next(&row, &status)) {
+  while (status.ok() && !is_stopped_ && rows->Next(&row, &status)) {
     if (!visit(row)) return true;
   }
   if (!status.ok()) ReportError(status);
@@ -78,12 +60,12 @@ bool SeriesRun::EachRow(const std::function<bool(const SeriesRow&)>& visit) {
 // Leaves out rows of numbers alone that are not wanted, where they cannot matter: their files are
 // not those of other rows. False where they may be.
 bool SeriesRun::SkipCountedRows() {
-  RowList& list = settings_.list;
+  RowList& list = job_.list;
   if (list.kind != RowList::Kind::kCount) return false;
   const bool differ = sheets_ || plan_.NamesDifferByNumber(list.count);
   if (!differ) return false;
-  list.first = settings_.first;
-  list.count = std::min(list.count, settings_.last);
+  list.first = job_.first;
+  list.count = std::min(list.count, job_.last);
   return RowSource::Open(list, &rows_).ok();
 }
 
@@ -91,9 +73,9 @@ bool SeriesRun::SkipCountedRows() {
 // now may be another machine's.
 bool SeriesRun::NamesAreGood() {
   const bool differ = SkipCountedRows();
-  const bool cleans = !sheets_ && settings_.existing == ExistingFiles::kResume;
-  if (differ && !cleans && settings_.list.kind == RowList::Kind::kCount) {
-    const RowList& list = settings_.list;
+  const bool cleans = !sheets_ && job_.existing == ExistingFiles::kResume;
+  if (differ && !cleans && !job_.asks_first && job_.list.kind == RowList::Kind::kCount) {
+    const RowList& list = job_.list;
     counts_.rows = list.count < list.first ? 0 : list.count - list.first + 1;
     return true;
   }
@@ -110,12 +92,14 @@ bool SeriesRun::NamesAreGood() {
     if (!row.fault.empty() || !plan_.FillNames({&row}, &filled)) return true;
     for (const std::string& name : filled) {
       if (!differ) names.Note(PlainName(name));
-      if (is_wanted && cleans) {
-        leftovers.CleanFor(PathArgument(name));
-      }
+      if (!is_wanted) continue;
+      const std::filesystem::path path = PathArgument(name);
+      if (cleans) leftovers.CleanFor(path);
+      if (job_.asks_first && PathExists(path)) ++counts_.standing;
     }
     return true;
   });
+  if (sheets_ && job_.asks_first) counts_.standing = sheets_->CountStanding(counts_.rows);
   if (!is_read || !names.HasRepeats()) return is_read;
   std::optional<NameClash> clash;
   is_read = EachRow([&](const SeriesRow& row) {
@@ -131,47 +115,55 @@ bool SeriesRun::NamesAreGood() {
   return is_read && !clash;
 }
 
-ExitStatus SeriesRun::Prepare(std::string_view text, Escapes escapes) {
-  if (const Status opened = RowSource::Open(settings_.list, &rows_); !opened.ok()) {
-    ReportError(opened);
-    return kFailed;
+bool SeriesRun::PrepareSheets() {
+  sheets_.emplace(job_, plan_, is_stopped_,
+                  [this](const SheetResult& sheet) { observer_.SheetEnds(sheet); });
+  const std::vector<std::string>& columns = rows_->columns();
+  if (plan_.NamesUseRows() && std::ranges::find(columns, "sheet") != columns.end()) {
+    ReportError("{sheet}", "is a column of the list, not the number of the sheet: rename it");
+    return false;
   }
-  if (!plan_.Read(options_, text, escapes, rows_->columns())) return kWrongUsage;
-  if (sheet_options_) {
-    sheets_.emplace(*sheet_options_, options_.outputs(), plan_, settings_.existing);
-    const std::vector<std::string>& columns = rows_->columns();
-    if (plan_.NamesUseRows() && std::ranges::find(columns, "sheet") != columns.end()) {
-      ReportError("{sheet}", "is a column of the list, not the number of the sheet: rename it");
-      return kWrongUsage;
-    }
-    if (!sheets_->Check()) return kWrongUsage;
-    const auto column = std::ranges::find(columns, "row");
-    if (column != columns.end()) mark_column_ = static_cast<size_t>(column - columns.begin());
+  if (!sheets_->Check()) return false;
+  const auto column = std::ranges::find(columns, "row");
+  if (column != columns.end()) mark_column_ = static_cast<size_t>(column - columns.begin());
+  return true;
+}
+
+SeriesEnd SeriesRun::Prepare() {
+  if (const Status opened = RowSource::Open(job_.list, &rows_); !opened.ok()) {
+    ReportError(opened);
+    return SeriesEnd::kFailed;
+  }
+  if (!plan_.Read(job_.texts, job_.outputs, job_.text, job_.escapes, rows_->columns())) {
+    return SeriesEnd::kWrongUsage;
+  }
+  if (job_.sheets) {
+    if (!PrepareSheets()) return SeriesEnd::kWrongUsage;
   } else if (plan_.NamesUseSheet() || plan_.TextsUseSheet()) {
     ReportError("{sheet}", "is known only where rows go on sheets (--sheet)");
-    return kWrongUsage;
+    return SeriesEnd::kWrongUsage;
   }
-  if (const ExitStatus checked = CheckOptions(); checked != kDone) return checked;
-  if (!NamesAreGood()) return kFailed;
-  if (settings_.failed.empty()) return kDone;
+  if (const SeriesEnd checked = CheckOptions(); checked != SeriesEnd::kDone) return checked;
+  if (!NamesAreGood()) return SeriesEnd::kFailed;
+  if (counts_.standing > 0) return SeriesEnd::kFilesStand;
+  if (job_.failed.empty()) return SeriesEnd::kDone;
   failed_ = std::make_unique<FailedRows>(rows_.get(), NumbersUsed());
-  if (const Status opened = failed_->Open(PathArgument(settings_.failed)); !opened.ok()) {
+  if (const Status opened = failed_->Open(PathArgument(job_.failed)); !opened.ok()) {
     ReportError(opened);
-    return kFailed;
+    return SeriesEnd::kFailed;
   }
-  return kDone;
+  return SeriesEnd::kDone;
 }
 
 // What rows have no part in is wrong once, not in every row.
-ExitStatus SeriesRun::CheckOptions() {
+SeriesEnd SeriesRun::CheckOptions() {
   std::vector<Message> told;
-  CutOptions sample = options_;
-  CutOptions& checked = plan_.OptionsVary() ? sample : options_;
+  CutTexts sample = job_.texts;
   bool is_read = false;
   {
     const HeldMessages held(&told);
     plan_.FillSamples(&sample);
-    is_read = checked.ReadJob();
+    is_read = ReadSetting(sample, job_.outputs, &shared_);
   }
   for (const Message& message : told) {
     if (!message.is_warning) {
@@ -180,12 +172,12 @@ ExitStatus SeriesRun::CheckOptions() {
       ReportWarning(message.what, message.why);
     }
   }
-  if (!is_read) return kWrongUsage;
-  if (plan_.FacesVary()) return kDone;
-  const Status opened = CutWorkshop().Open(checked.job());
-  if (opened.ok()) return kDone;
+  if (!is_read) return SeriesEnd::kWrongUsage;
+  if (plan_.FacesVary()) return SeriesEnd::kDone;
+  const Status opened = CutWorkshop().Open(shared_.job);
+  if (opened.ok()) return SeriesEnd::kDone;
   ReportError(opened);
-  return opened.failure == Failure::kNotFound ? kFaceTrouble : kFailed;
+  return opened.failure == Failure::kNotFound ? SeriesEnd::kFaceTrouble : SeriesEnd::kFailed;
 }
 
 // The columns that tables of failed rows need beside those of the list.
@@ -197,8 +189,8 @@ std::vector<std::string> SeriesRun::NumbersUsed() const {
 }
 
 bool SeriesRun::Take(Slot* slot) {
-  while (rows_->Next(&slot->row, &list_status_)) {
-    if (slot->row.number > settings_.last) return false;
+  while (!is_stopped_ && rows_->Next(&slot->row, &list_status_)) {
+    if (slot->row.number > job_.last) return false;
     if (IsInRange(slot->row.number)) return true;
   }
   return false;
@@ -207,13 +199,13 @@ bool SeriesRun::Take(Slot* slot) {
 void SeriesRun::Work(Slot* slot, Worker* worker) {
   slot->files.clear();
   slot->messages.clear();
-  slot->json.clear();
+  slot->description.clear();
   slot->why.clear();
   slot->is_open = false;
-  slot->outcome = Outcome::kNotTried;
+  slot->outcome = RowOutcome::kNotTried;
   if (stops_) return;
   const HeldMessages held(&slot->messages);
-  slot->outcome = Outcome::kFailed;
+  slot->outcome = RowOutcome::kFailed;
   try {
     slot->outcome = MakeRow(slot, worker);
   } catch (const std::bad_alloc&) {
@@ -223,57 +215,57 @@ void SeriesRun::Work(Slot* slot, Worker* worker) {
   }
 }
 
-SeriesRun::Outcome SeriesRun::MakeRow(Slot* slot, Worker* worker) {
+RowOutcome SeriesRun::MakeRow(Slot* slot, Worker* worker) {
   if (!slot->row.fault.empty()) {
     ReportError("", Utf16ToUtf8(slot->row.fault));
-    return Outcome::kFailed;
+    return RowOutcome::kFailed;
   }
   if (sheets_) return MakeSign(slot, worker);
-  if (!plan_.FillNames({&slot->row}, &slot->names)) return Outcome::kFailed;
+  if (!plan_.FillNames({&slot->row}, &slot->names)) return RowOutcome::kFailed;
   slot->wanted.clear();
   for (size_t i = 0; i < slot->names.size(); ++i) {
     bool stays = false;
-    const Status found = FindStanding(PathArgument(slot->names[i]), settings_.existing, &stays);
+    const Status found = FindStanding(PathArgument(slot->names[i]), job_.existing, &stays);
     if (!found.ok()) {
       ReportError(found);
-      return Outcome::kFailed;
+      return RowOutcome::kFailed;
     }
     if (!stays) slot->wanted.push_back(i);
   }
   const bool is_whole = slot->wanted.size() == slot->names.size();
-  const Outcome standing =
-      settings_.existing == ExistingFiles::kResume ? Outcome::kDone : Outcome::kKept;
+  const RowOutcome standing =
+      job_.existing == ExistingFiles::kResume ? RowOutcome::kDone : RowOutcome::kKept;
   if (slot->wanted.empty()) return standing;
   CutDrawing made;
   if (!MakeDrawing(slot->row, worker, &made) || !WriteFiles(made, slot, worker)) {
-    return Outcome::kFailed;
+    return RowOutcome::kFailed;
   }
-  if (manner_.json) slot->json = JsonOf(made, slot->files);
-  return is_whole || standing == Outcome::kDone ? Outcome::kMade : standing;
+  slot->description = observer_.Describe(made, slot->files);
+  return is_whole || standing == RowOutcome::kDone ? RowOutcome::kMade : standing;
 }
 
 bool SeriesRun::MakeDrawing(const SeriesRow& row, Worker* worker, CutDrawing* made) const {
-  return worker->maker.Make({&row}, made) && ReportOnCut(*made, manner_.strict);
+  return worker->maker.Make({&row}, made) && ReportOnCut(*made, job_.strict);
 }
 
-SeriesRun::Outcome SeriesRun::MakeSign(Slot* slot, Worker* worker) const {
+RowOutcome SeriesRun::MakeSign(Slot* slot, Worker* worker) const {
   CutDrawing made;
-  if (!MakeDrawing(slot->row, worker, &made)) return Outcome::kFailed;
-  const CutOptions& options = worker->maker.options();
-  slot->style = {options.style(), options.job().tolerance, options.job().curves};
-  if (manner_.json) slot->json = JsonOf(made, {});
+  if (!MakeDrawing(slot->row, worker, &made)) return RowOutcome::kFailed;
+  const auto& [job, style] = worker->maker.setting();
+  slot->style = {style, job.tolerance, job.curves};
+  slot->description = observer_.Describe(made, {});
   slot->sign = std::move(made.drawing);
-  return Outcome::kMade;
+  return RowOutcome::kMade;
 }
 
 bool SeriesRun::WriteFiles(const CutDrawing& made, Slot* slot, Worker* worker) {
-  const CutOptions& options = worker->maker.options();
+  const auto& [job, style] = worker->maker.setting();
   for (const size_t i : slot->wanted) {
     const auto start = Clock::now();
     const std::string& name = slot->names[i];
     const std::filesystem::path path = PathArgument(name);
     Status status = worker->folders.MakeFor(path);
-    if (status.ok()) status = options.Write(made, *options.outputs().outputs()[i].format, path);
+    if (status.ok()) status = WriteCut(job, made, style, *job_.outputs[i].format, path);
     if (!status.ok()) {
       if (status.failure == Failure::kNoSpace) stops_ = true;
       ReportError(status);
@@ -301,22 +293,22 @@ int64_t SeriesRun::MarkOf(const SeriesRow& row) const {
 // What it says depends on the rows before it alone, however many are at work.
 void SeriesRun::PutOnSheet(Slot* slot) {
   if (sheets_->HasEnded()) {
-    slot->outcome = Outcome::kMade;
+    slot->outcome = RowOutcome::kMade;
     slot->messages.clear();
     slot->is_open = true;
-  } else if (slot->outcome == Outcome::kMade) {
+  } else if (slot->outcome == RowOutcome::kMade) {
     const HeldMessages held(&slot->messages);
     slot->is_open =
         sheets_->Add(std::move(slot->sign), slot->style, slot->row.number, MarkOf(slot->row));
-    if (!slot->is_open) slot->outcome = Outcome::kFailed;
+    if (!slot->is_open) slot->outcome = RowOutcome::kFailed;
   }
-  messages_->Show(sheets_->TakeMessages());
-  messages_->Show(slot->row.number, slot->messages);
-  if (slot->outcome == Outcome::kFailed) slot->why = FirstError(slot->messages);
+  observer_.SheetsSay(sheets_->TakeMessages());
+  observer_.RowSays(slot->row.number, slot->messages);
+  if (slot->outcome == RowOutcome::kFailed) slot->why = FirstError(slot->messages);
   slot->messages.clear();
   slot->row.fields = {};
   if (!failed_) slot->row.raw = {};
-  open_.push_back(std::move(static_cast<Result&>(*slot)));
+  open_.push_back(std::move(static_cast<RowResult&>(*slot)));
   CloseRows();
   if (sheets_->HasEnded()) stops_ = true;
 }
@@ -326,14 +318,14 @@ void SeriesRun::CloseRows() {
   const std::vector<RowEnd> ends = sheets_->TakeEnds();
   auto next = ends.begin();
   for (; !open_.empty(); open_.pop_front()) {
-    Result& row = open_.front();
+    RowResult& row = open_.front();
     if (row.is_open && next != ends.end()) {
-      constexpr Outcome kOutcomes[] = {Outcome::kDone, Outcome::kMade, Outcome::kKept,
-                                       Outcome::kFailed};
+      constexpr RowOutcome kOutcomes[] = {RowOutcome::kDone, RowOutcome::kMade, RowOutcome::kKept,
+                                          RowOutcome::kFailed};
       row.outcome = kOutcomes[static_cast<size_t>(next->end)];
       row.why = next++->why;
     } else if (row.is_open && sheets_->HasEnded()) {
-      row.outcome = sheets_->IsOverfull() ? Outcome::kFailed : Outcome::kNotTried;
+      row.outcome = sheets_->IsOverfull() ? RowOutcome::kFailed : RowOutcome::kNotTried;
       if (sheets_->IsOverfull()) row.why = SheetFiles::OverfullReason();
     } else if (row.is_open) {
       return;
@@ -342,18 +334,14 @@ void SeriesRun::CloseRows() {
   }
 }
 
-// Writes the last sheet. False when not all sheets stand as they were wanted.
-bool SeriesRun::FinishSheets() {
-  if (!sheets_) return true;
-  sheets_->Finish();
-  messages_->Show(sheets_->TakeMessages());
+// Writes the last sheet.
+void SeriesRun::FinishSheets() {
+  if (!is_stopped_) sheets_->Finish();
+  observer_.SheetsSay(sheets_->TakeMessages());
   CloseRows();
-  const SheetFiles::Counts& counts = sheets_->counts();
-  counts_.files = counts.files;
-  counts_.bytes = counts.bytes;
-  if (counts.kept_files > 0) ReportKept(counts.first_kept, counts.kept_files);
-  if (manner_.json) all_printed_ &= Print(sheets_->TakeJson());
-  return counts.failed + counts.kept == 0;
+  counts_.sheets = sheets_->counts();
+  counts_.files = counts_.sheets->files;
+  counts_.bytes = counts_.sheets->bytes;
 }
 
 // In the order of the rows.
@@ -362,62 +350,49 @@ void SeriesRun::Give(Slot* slot) {
   if (sheets_) {
     PutOnSheet(slot);
   } else {
-    messages_->Show(slot->row.number, slot->messages);
-    if (slot->outcome == Outcome::kFailed) slot->why = FirstError(slot->messages);
+    observer_.RowSays(slot->row.number, slot->messages);
+    if (slot->outcome == RowOutcome::kFailed) slot->why = FirstError(slot->messages);
     Tell(*slot);
   }
-  messages_->ShowProgress(counts_.given - counts_.not_tried, counts_.failed);
+  observer_.Came(counts_);
 }
 
-bool SeriesRun::ListFailed(const SeriesRow& row) {
-  if (!failed_) return true;
+void SeriesRun::ListFailed(const SeriesRow& row) {
+  if (!failed_) return;
   const Status added = failed_->Add(row);
-  if (added.ok()) return true;
+  if (added.ok()) return;
   ReportError(added);
   failed_.reset();
-  return false;
+  failed_are_listed_ = false;
 }
 
-// Counts and prints what became of a row.
-void SeriesRun::Tell(const Result& result) {
-  const char* outcome = "made";
+// Counts and tells what became of a row.
+void SeriesRun::Tell(const RowResult& result) {
   switch (result.outcome) {
-    case Outcome::kMade:
+    case RowOutcome::kMade:
       ++counts_.made;
       break;
-    case Outcome::kKept:
-      outcome = "kept";
+    case RowOutcome::kKept:
       if (++counts_.kept == 1) counts_.first_kept = "row " + RowText(result.row.number);
       break;
-    case Outcome::kDone:
-      outcome = "done";
+    case RowOutcome::kDone:
       ++counts_.done;
       break;
-    case Outcome::kFailed:
-      outcome = "failed";
+    case RowOutcome::kFailed:
       ++counts_.failed;
       break;
-    case Outcome::kNotTried:
-      outcome = "not tried";
+    case RowOutcome::kNotTried:
       ++counts_.not_tried;
       break;
   }
-  const bool is_failed = result.outcome == Outcome::kFailed;
-  const bool is_lost = is_failed || result.outcome == Outcome::kNotTried;
-  if (is_lost) all_printed_ &= ListFailed(result.row);
+  if (result.outcome == RowOutcome::kFailed || result.outcome == RowOutcome::kNotTried) {
+    ListFailed(result.row);
+  }
   for (const WrittenFile& file : result.files) {
     ++counts_.files;
     counts_.bytes += file.bytes;
   }
-  if (!manner_.json) return;
-  std::string line =
-      "{\"row\": " + RowText(result.row.number) + ", \"outcome\": \"" + outcome + "\"";
-  if (is_failed) {
-    line += ", \"error\": ";
-    AppendJsonString(&line, Utf8ToUtf16Lossy(result.why));
-  }
-  line += is_lost || result.json.empty() ? "}\n" : ", " + result.json.substr(1);
-  all_printed_ &= Print(line);
+  observer_.RowEnds(result);
 }
 
 bool SeriesRun::FinishFailed() {
@@ -426,50 +401,44 @@ bool SeriesRun::FinishFailed() {
   if (status.ok()) status = failed_->Commit();
   if (!status.ok()) ReportError(status);
   if (const uint64_t lost = failed_->left_out(); lost > 0) {
-    ReportWarning(settings_.failed,
+    ReportWarning(job_.failed,
                   RowText(lost) + (lost == 1 ? " row is" : " rows are") + " too long to be in it");
   }
   return status.ok();
 }
 
-bool SeriesRun::PrintSummary() const {
-  if (manner_.quiet || manner_.json) return true;
-  const auto part = [](uint64_t count, const char* what) {
-    return count == 0 ? std::string() : ", " + RowText(count) + what;
-  };
-  return PrintLine(
-      RowText(counts_.rows) + (counts_.rows == 1 ? " row: " : " rows: ") + RowText(counts_.made) +
-      " made" + part(counts_.done, " done before") + part(counts_.kept, " kept") +
-      part(counts_.failed, " failed") + part(counts_.not_tried, " not tried") +
-      (sheets_ ? ", " + SheetsText(sheets_->counts()) : "") + ", " + RowText(counts_.files) +
-      (counts_.files == 1 ? " file, " : " files, ") + RowText(counts_.bytes) + " bytes");
-}
-
-ExitStatus SeriesRun::Run(std::string_view text, Escapes escapes) {
-  if (const ExitStatus prepared = Prepare(text, escapes); prepared != kDone) return prepared;
-  messages_.emplace(manner_.quiet, counts_.rows);
-  std::vector<Slot> slots(SlotsFor(settings_.jobs));
+void SeriesRun::MakeRows() {
+  std::vector<Slot> slots(SlotsFor(job_.jobs));
   std::vector<std::unique_ptr<Worker>> workers;
-  for (size_t i = 0; i < settings_.jobs; ++i) {
-    workers.push_back(std::make_unique<Worker>(options_, plan_));
+  for (size_t i = 0; i < job_.jobs; ++i) {
+    workers.push_back(std::make_unique<Worker>(job_, plan_, shared_));
   }
   RunInOrder(
       {.take = [&](size_t slot) { return Take(&slots[slot]); },
        .work = [&](size_t slot, size_t worker) { Work(&slots[slot], workers[worker].get()); },
        .give = [&](size_t slot) { Give(&slots[slot]); }},
-      settings_.jobs);
-  const bool sheets_stand = FinishSheets();
-  messages_->Finish();
-  if (!list_status_.ok()) ReportError(list_status_);
-  if (counts_.not_tried > 0) {
-    ReportError("series", "stops, for files cannot be written: " + RowText(counts_.not_tried) +
-                              " rows are not tried (--resume goes on)");
-  }
-  if (counts_.kept > 0 && !sheets_) ReportKept(counts_.first_kept, counts_.kept);
-  const bool is_told = FinishFailed() && PrintSummary();
-  const bool is_flushed = FinishPrinting() && all_printed_;
-  const bool all_made = counts_.failed + counts_.kept + counts_.not_tried == 0;
-  return is_told && is_flushed && all_made && sheets_stand && list_status_.ok() ? kDone : kFailed;
+      job_.jobs);
+}
+
+SeriesEnd SeriesRun::End() {
+  const bool failed_stand = FinishFailed() && failed_are_listed_;
+  if (is_stopped_) return SeriesEnd::kStopped;
+  const SheetCounts sheets = counts_.sheets.value_or(SheetCounts());
+  const uint64_t lost =
+      counts_.failed + counts_.kept + counts_.not_tried + sheets.failed + sheets.kept;
+  const bool is_done = failed_stand && lost == 0 && list_status_.ok();
+  return is_done ? SeriesEnd::kDone : SeriesEnd::kFailed;
+}
+
+SeriesEnd SeriesRun::Run() {
+  const SeriesEnd prepared = Prepare();
+  if (is_stopped_) return SeriesEnd::kStopped;
+  if (prepared != SeriesEnd::kDone) return prepared;
+  observer_.Begin(counts_.rows);
+  MakeRows();
+  if (sheets_) FinishSheets();
+  observer_.End(counts_, list_status_);
+  return End();
 }
 
 }  // namespace kerno

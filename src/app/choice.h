@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "cli/arguments.h"
+#include "app/option_values.h"
 
 namespace kerno {
 

@@ -1,10 +1,11 @@
-#include "cli/arguments.h"
+#include "app/option_values.h"
 
 #include <charconv>
 #include <cmath>
 
+#include "app/arithmetic.h"
+#include "app/reports.h"
 #include "base/text.h"
-#include "cli/console.h"
 
 namespace kerno {
 namespace {
@@ -47,11 +48,10 @@ std::optional<double> Number(std::string_view option, std::string_view text) {
     ReportError(option, Quoted(text) + " is too large or too small a number");
     return std::nullopt;
   }
-  if (error != std::errc() || !std::isfinite(value)) {
-    ReportError(option, Quoted(text) + " is not a number");
-    return std::nullopt;
-  }
-  return value;
+  if (error == std::errc() && std::isfinite(value)) return value;
+  const auto sum = Calculate(text);
+  if (!sum) ReportError(option, Quoted(text) + " is not a number");
+  return sum;
 }
 
 std::optional<P2> Point(std::string_view option, std::string_view text) {

@@ -1,11 +1,11 @@
-#include "cli/series_plan.h"
+#include "app/series_plan.h"
 
 #include <algorithm>
 
 #include "app/output_name.h"
+#include "app/reports.h"
 #include "app/series_names.h"
 #include "base/text.h"
-#include "cli/console.h"
 
 namespace kerno {
 namespace {
@@ -25,7 +25,7 @@ std::string SampleOf(std::string_view option) {
     if (name == option) return sample;
   }
   std::string sample;
-  CutOptions().ForEachText([&](const char* name, std::string* value) {
+  CutTexts().ForEachText([&](const char* name, std::string* value) {
     if (name == option) sample = *value;
   });
   return sample;
@@ -33,10 +33,10 @@ std::string SampleOf(std::string_view option) {
 
 }  // namespace
 
-bool SeriesPlan::Read(const CutOptions& options, std::string_view text, Escapes escapes,
-                      const std::vector<std::string>& columns) {
+bool SeriesPlan::Read(const CutTexts& texts, const OutputList& outputs, std::string_view text,
+                      Escapes escapes, const std::vector<std::string>& columns) {
   if (!IsOk(RowTemplate::Read(text, columns, escapes, u"text", &text_))) return false;
-  for (const OutputFiles::Output& output : options.outputs().outputs()) {
+  for (const OutputFile& output : outputs) {
     if (output.name == "-") {
       ReportError("-o -", "takes one drawing; a series writes a file for each row");
       return false;
@@ -44,7 +44,7 @@ bool SeriesPlan::Read(const CutOptions& options, std::string_view text, Escapes 
     RowTemplate& name = names_.emplace_back();
     if (!IsOk(RowTemplate::Read(output.name, columns, Escapes::kNone, u"-o", &name))) return false;
   }
-  CutOptions copy = options;
+  CutTexts copy = texts;
   size_t place = 0;
   bool is_read = true;
   copy.ForEachText([&](const char* option, std::string* value) {
@@ -103,10 +103,10 @@ bool SeriesPlan::FillNames(const RowValues& values, std::vector<std::string>* na
   return true;
 }
 
-void SeriesPlan::FillSamples(CutOptions* options) const {
+void SeriesPlan::FillSamples(CutTexts* texts) const {
   size_t place = 0;
   auto next = values_.begin();
-  options->ForEachText([&](const char* option, std::string* value) {
+  texts->ForEachText([&](const char* option, std::string* value) {
     if (next != values_.end() && next->place == place) {
       *value = SampleOf(option);
       ++next;
@@ -143,11 +143,11 @@ bool SeriesPlan::NamesDifferByNumber(uint64_t last) const {
   return true;
 }
 
-bool SeriesPlan::FillOptions(const RowValues& values, CutOptions* options) const {
+bool SeriesPlan::FillOptions(const RowValues& values, CutTexts* texts) const {
   size_t place = 0;
   auto next = values_.begin();
   bool is_filled = true;
-  options->ForEachText([&](const char*, std::string* value) {
+  texts->ForEachText([&](const char*, std::string* value) {
     if (next != values_.end() && next->place == place) {
       is_filled = is_filled && IsOk(next->text.Fill(values, value));
       ++next;

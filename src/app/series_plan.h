@@ -6,17 +6,18 @@
 #include <utility>
 #include <vector>
 
+#include "app/cut_texts.h"
+#include "app/output_list.h"
 #include "app/row_template.h"
-#include "cli/cut_options.h"
 
 namespace kerno {
 
 class SeriesPlan {
  public:
-  // Takes the templates from the text and from options whose outputs are read. What is wrong is
+  // Takes the templates from the text, the options and the names of files. What is wrong is
   // reported.
-  bool Read(const CutOptions& options, std::string_view text, Escapes escapes,
-            const std::vector<std::string>& columns);
+  bool Read(const CutTexts& texts, const OutputList& outputs, std::string_view text,
+            Escapes escapes, const std::vector<std::string>& columns);
 
   // Whether rows have options of their own.
   bool OptionsVary() const { return !values_.empty(); }
@@ -30,11 +31,11 @@ class SeriesPlan {
   // Each fills what it says for a row; what cannot be filled is reported.
   bool FillText(const RowValues& values, std::u16string* text) const;
   bool FillNames(const RowValues& values, std::vector<std::string>* names) const;
-  bool FillOptions(const RowValues& values, CutOptions* options) const;
+  bool FillOptions(const RowValues& values, CutTexts* texts) const;
 
   // Puts values that are right for any drawing in place of those with fields, so that the others
   // can be checked before any row.
-  void FillSamples(CutOptions* options) const;
+  void FillSamples(CutTexts* texts) const;
   // Whether rows choose their faces.
   bool FacesVary() const;
 
@@ -48,7 +49,7 @@ class SeriesPlan {
 
   RowTemplate text_;
   std::vector<RowTemplate> names_;  // of each output
-  // A value with fields, by its place in CutOptions::ForEachText.
+  // A value with fields, by its place in CutTexts::ForEachText.
   struct Value {
     size_t place;
     std::string option;

@@ -1,23 +1,26 @@
-#include "cli/sheet_files.h"
+#include "app/sheet_files.h"
 
 #include <filesystem>
 #include <utility>
 #include <vector>
 
+#include "app/option_values.h"
+#include "app/reports.h"
 #include "app/series_names.h"
-#include "base/text.h"
-#include "cli/arguments.h"
-#include "cli/console.h"
 #include "export/drawing_formats.h"
 #include "platform/folder_path.h"
 
 namespace kerno {
 
+bool SheetFiles::ReadOptions(LengthUnit unit, SheetOptions* options) {
+  return ReadSheets(*job_.sheets, job_.texts.given, unit, options, &copies_);
+}
+
 bool SheetFiles::Check() {
   // The unit scales all lengths alike.
-  const auto options = group_.Read(LengthUnit::kMillimetre);
-  if (!options) return false;
-  has_numbers_ = options->number_height > 0;
+  SheetOptions options;
+  if (!ReadOptions(LengthUnit::kMillimetre, &options)) return false;
+  has_numbers_ = options.number_height > 0;
   if (plan_.NamesUseRows()) {
     ReportError("-o", "a sheet holds many rows: names of files take {sheet} alone");
     return false;
@@ -40,12 +43,12 @@ bool SheetFiles::Check() {
 
 bool SheetFiles::Add(Drawing sign, const SheetStyle& style, uint64_t row, int64_t mark) {
   if (!maker_) {
-    auto options = group_.Read(sign.unit);
-    if (!options) return false;
-    if (style.curves == CurveForm::kLines) options->chords = style.tolerance;
+    SheetOptions options;
+    if (!ReadOptions(sign.unit, &options)) return false;
+    if (style.curves == CurveForm::kLines) options.chords = style.tolerance;
     style_ = style;
     unit_ = sign.unit;
-    maker_.emplace(*options, sign.unit,
+    maker_.emplace(options, sign.unit,
                    [this](const Drawing& sheet, size_t number) { Take(sheet, number); });
   }
   if (sign.unit != unit_) {
@@ -53,7 +56,7 @@ bool SheetFiles::Add(Drawing sign, const SheetStyle& style, uint64_t row, int64_
     return false;
   }
   open_.push_back({row, {}});
-  const Status set = maker_->Add(std::move(sign), mark, group_.copies());
+  const Status set = maker_->Add(std::move(sign), mark, copies_);
   if (set.ok()) return true;
   open_.pop_back();  // no copy of it was set
   ReportError(set);
@@ -68,7 +71,7 @@ void SheetFiles::Finish() {
                     std::to_string(meet) + " reach into the text of their sign (--number-height)");
     }
   }
-  if (first_) Write(*std::exchange(first_, std::nullopt), 1, signs_on_first_);
+  if (first_ && !HasEnded()) Write(*std::exchange(first_, std::nullopt), 1, signs_on_first_);
 }
 
 const char* SheetFiles::OverfullReason() {
@@ -112,30 +115,25 @@ void SheetFiles::Write(const Drawing& sheet, size_t number, uint64_t signs) {
     messages_.push_back(std::move(message));
   }
   EndRows(signs, end);
-  json_ += "{\"sheet\": " + std::to_string(number) + ", \"files\": [";
-  for (const std::string& name : written.names) {
-    if (&name != written.names.data()) json_ += ", ";
-    AppendJsonString(&json_, Utf8ToUtf16Lossy(name));
-  }
-  json_ += "]}\n";
+  told_({number, std::move(written.names)});
 }
 
 void SheetFiles::WriteFiles(const Drawing& sheet, size_t number, Written* written) {
   std::vector<std::string> names;
   written->failed = !plan_.FillNames({.sheet = number}, &names);
   for (size_t i = 0; i < names.size() && !is_full_; ++i) {
-    WriteFile(sheet, *outputs_.outputs()[i].format, names[i], written);
+    WriteFile(sheet, *job_.outputs[i].format, names[i], written);
   }
 }
 
 void SheetFiles::WriteFile(const Drawing& sheet, const Format& format, const std::string& name,
                            Written* written) {
   const std::filesystem::path path = PathArgument(name);
-  if (existing_ == ExistingFiles::kResume) leftovers_.CleanFor(path);
+  if (job_.existing == ExistingFiles::kResume) leftovers_.CleanFor(path);
   bool stays = false;
-  Status status = FindStanding(path, existing_, &stays);
+  Status status = FindStanding(path, job_.existing, &stays);
   if (stays) {
-    if (existing_ == ExistingFiles::kResume) return;
+    if (job_.existing == ExistingFiles::kResume) return;
     written->kept = true;
     if (++counts_.kept_files == 1) counts_.first_kept = name;
     return;
@@ -154,9 +152,22 @@ void SheetFiles::WriteFile(const Drawing& sheet, const Format& format, const std
   counts_.bytes += facts.kind == PathKind::kFile ? facts.size : 0;
 }
 
+uint64_t SheetFiles::CountStanding(uint64_t rows) const {
+  uint64_t standing = 0;
+  const uint64_t most = plan_.NamesUseSheet() ? rows * static_cast<uint64_t>(copies_) : 1;
+  std::vector<std::string> names;
+  for (uint64_t sheet = 1; sheet <= most; ++sheet) {
+    const uint64_t before = standing;
+    if (!plan_.FillNames({.sheet = sheet}, &names)) return standing;
+    for (const std::string& name : names) standing += PathExists(PathArgument(name)) ? 1 : 0;
+    if (standing == before) return standing;
+  }
+  return standing;
+}
+
 // " (rows 12 to 17)": the rows from the finished sheets on.
 std::string SheetFiles::RowsUpTo(uint64_t signs) const {
-  const auto copies = static_cast<uint64_t>(group_.copies());
+  const auto copies = static_cast<uint64_t>(copies_);
   const uint64_t first = open_[signs_done_ / copies - closed_].number;
   const uint64_t last = open_[(signs - 1) / copies - closed_].number;
   if (first == last) return " (row " + std::to_string(first) + ")";
@@ -164,7 +175,7 @@ std::string SheetFiles::RowsUpTo(uint64_t signs) const {
 }
 
 void SheetFiles::EndRows(uint64_t signs, const RowEnd& end) {
-  const auto copies = static_cast<uint64_t>(group_.copies());
+  const auto copies = static_cast<uint64_t>(copies_);
   for (uint64_t row = signs_done_ / copies; row <= (signs - 1) / copies; ++row) {
     RowEnd& known = open_[row - closed_].end;
     if (end.end > known.end) known = end;

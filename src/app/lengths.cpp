@@ -1,11 +1,12 @@
-#include "cli/lengths.h"
+#include "app/lengths.h"
 
 #include <charconv>
 #include <cmath>
 #include <string>
 #include <utility>
 
-#include "cli/console.h"
+#include "app/arithmetic.h"
+#include "app/reports.h"
 #include "drawing/drawing.h"
 
 namespace kerno {
@@ -45,13 +46,17 @@ std::optional<double> Read(std::string_view option, std::string_view text, Lengt
   if (digits.starts_with('+')) digits.remove_prefix(1);
   double value = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (digits.empty() || error == std::errc::invalid_argument ||
-      end != digits.data() + digits.size() || std::isnan(value)) {
+  const bool is_number = !digits.empty() && error != std::errc::invalid_argument &&
+                         end == digits.data() + digits.size() && !std::isnan(value);
+  const auto sum = is_number ? std::optional(value) : Calculate(digits);
+  if (sum) {
+    value = *sum;
+  } else {
     ReportError(option, Quoted(text) + " is not a length (20, 20mm, 2cm, 0.8in, 56pt)");
     return std::nullopt;
   }
   value *= unit;
-  if (error != std::errc() || !(std::fabs(value) <= kLongest)) {
+  if ((is_number && error != std::errc()) || !(std::fabs(value) <= kLongest)) {
     ReportError(option, Quoted(text) + " is too long: a kilometre at most");
     return std::nullopt;
   }

@@ -1,19 +1,20 @@
 // The files of sheets: rows of a series go onto sheets, and each sheet into files.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "app/series_files.h"
+#include "app/cut.h"
+#include "app/reports.h"
+#include "app/series_job.h"
+#include "app/series_plan.h"
 #include "app/sheets.h"
-#include "cli/console.h"
-#include "cli/cut_options.h"
-#include "cli/series_plan.h"
-#include "cli/sheet_options.h"
 
 namespace kerno {
 
@@ -36,18 +37,25 @@ struct RowEnd {
   std::string why;  // of kFailed
 };
 
+struct SheetCounts {
+  uint64_t sheets = 0, kept = 0, done = 0, failed = 0;
+  uint64_t files = 0, bytes = 0, kept_files = 0;
+  std::string first_kept;
+};
+
+// A sheet that is finished, and the files of it that were written now.
+struct SheetResult {
+  uint64_t number = 0;
+  std::vector<std::string> files;
+};
+
 class SheetFiles {
  public:
-  struct Counts {
-    uint64_t sheets = 0, kept = 0, done = 0, failed = 0;
-    uint64_t files = 0, bytes = 0, kept_files = 0;
-    std::string first_kept;
-  };
-
-  // All three live as long as this object.
-  SheetFiles(SheetOptionGroup& sheets, const OutputFiles& outputs, const SeriesPlan& plan,
-             ExistingFiles existing)
-      : group_(sheets), outputs_(outputs), plan_(plan), existing_(existing) {}
+  // The job has sheets. It and the plan live as long as this object; no sheet is written any more
+  // once `stops` is true. `told` gets each sheet.
+  SheetFiles(const SeriesJob& job, const SeriesPlan& plan, const std::atomic<bool>& stops,
+             std::function<void(const SheetResult&)> told)
+      : job_(job), plan_(plan), stops_(stops), told_(std::move(told)) {}
 
   // Before any row: what is wrong with options and names is reported.
   bool Check();
@@ -65,8 +73,9 @@ class SheetFiles {
   std::vector<Message> TakeMessages() { return std::exchange(messages_, {}); }
 
   // Whether no more sheets are written. Rows that have no end yet then get none: they all fail
-  // where they were to stand on one sheet and need more, and are not tried where the disk is full.
-  bool HasEnded() const { return is_overfull_ || is_full_; }
+  // where they were to stand on one sheet and need more, and are not tried where the disk is full
+  // or all was stopped.
+  bool HasEnded() const { return is_overfull_ || is_full_ || stops_; }
   bool IsOverfull() const { return is_overfull_; }
   // Why such rows fail.
   static const char* OverfullReason();
@@ -74,10 +83,11 @@ class SheetFiles {
   // Writes the last sheet.
   void Finish();
 
-  const Counts& counts() const { return counts_; }
+  // How many files of sheets are there already, where so many rows go on them; sheets are looked at
+  // up to the first that has none.
+  uint64_t CountStanding(uint64_t rows) const;
 
-  // A line of JSON for each sheet that is finished; taken once.
-  std::string TakeJson() { return std::exchange(json_, {}); }
+  const SheetCounts& counts() const { return counts_; }
 
  private:
   struct Row {
@@ -89,6 +99,7 @@ class SheetFiles {
     std::vector<std::string> names;  // of those written now
     bool kept = false, failed = false;
   };
+  bool ReadOptions(LengthUnit unit, SheetOptions* options);
   void Take(const Drawing& sheet, size_t number);
   void Write(const Drawing& sheet, size_t number, uint64_t signs);
   void WriteFiles(const Drawing& sheet, size_t number, Written* written);
@@ -97,10 +108,11 @@ class SheetFiles {
   std::string RowsUpTo(uint64_t signs) const;
   void EndRows(uint64_t signs, const RowEnd& end);
 
-  SheetOptionGroup& group_;
-  const OutputFiles& outputs_;
+  const SeriesJob& job_;
   const SeriesPlan& plan_;
-  ExistingFiles existing_;
+  const std::atomic<bool>& stops_;
+  std::function<void(const SheetResult&)> told_;
+  int32_t copies_ = 1;
   std::optional<SheetMaker> maker_;
   SheetStyle style_;
   LengthUnit unit_ = LengthUnit::kMillimetre;
@@ -115,8 +127,7 @@ class SheetFiles {
   bool has_numbers_ = false, is_overfull_ = false, is_full_ = false;
   FolderMaker folders_;
   LeftoverRemover leftovers_;
-  Counts counts_;
-  std::string json_;
+  SheetCounts counts_;
 };
 
 }  // namespace kerno

@@ -1,0 +1,180 @@
+// The Cut page without a toolkit: its state and its rules. A view forwards what the user does and
+// shows what it is told.
+//
+// The fields hold the texts of the options of `kerno cut`; what is made of them is what that
+// command makes. After every change the drawing is made again and painted; a field that cannot be
+// read is marked, and the last drawing stays.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/background.h"
+#include "app/cut_controls.h"
+#include "app/cut_form.h"
+#include "app/cut_memory.h"
+#include "app/cut_preview.h"
+#include "app/cut_series.h"
+#include "app/cut_view.h"
+#include "app/face_catalogue.h"
+#include "app/face_samples.h"
+
+namespace kerno {
+
+class CutServices;
+
+class CutPresenter {
+ public:
+  // Both outlive the presenter.
+  CutPresenter(CutView& view, CutServices& services);
+  ~CutPresenter();
+  CutPresenter(const CutPresenter&) = delete;
+  CutPresenter& operator=(const CutPresenter&) = delete;
+
+  // Fills the controls with what the last run left. Before the page is shown.
+  void Open();
+  // Lists the faces; once the page stands.
+  void FillFaces();
+  // Keeps what the next run wants to know.
+  [[nodiscard]] Status Keep();
+
+  // The text that both ways of working share; lines end in U+000A.
+  std::u16string text() const;
+  void TakeText(std::u16string_view text);
+
+  // Events of the controls.
+  void TextChanged(ControlId field, std::u16string_view text);
+  void Checked(ControlId box, bool checked);    // check boxes and toggles
+  void Selected(ControlId list, size_t index);  // choices, colours, rows of faces
+  void Picked(ControlId menu, size_t index);    // entries of a menu button
+  void Pressed(ControlId button);
+  void AxisMoved(size_t axis, double place);
+  void FavouriteToggled(size_t row);
+  void LinkFollowed(int number);
+  void Dropped(const std::vector<std::filesystem::path>& files);
+  void Cancelled();
+  void Due();
+  void Awake();
+  // The language, the colours or the density of the screen are others.
+  void ShowLooksAgain();
+
+  // The preview: its frame in pixels, and what the user does in it.
+  void PreviewResized(double width, double height, double density);
+  void PreviewZoomed(double x, double y, double steps);
+  void PreviewGrabbed(double x, double y);
+  void PreviewPointedAt(double x, double y);
+  void PreviewReleased();
+  void PreviewDoubleClicked();
+  bool PreviewKeyPressed(char16_t key);
+  std::unique_ptr<BitmapSurface> PreviewPicture(Color paper);
+  // The drawing in a file that another program may take: written into a folder of this run. Empty
+  // where there is nothing to drag; the reason is in the status.
+  std::filesystem::path FileToDrag();
+
+  // The sample of a row of faces, null while it is not made yet (RepaintFaceRows follows). Pixels
+  // of the device.
+  const BitmapSurface* FaceSample(size_t row, int width, int height, Color ink, Color paper);
+
+  // State, for tests and for writing it out.
+  const CutForm& form() const { return form_; }
+  const CutPreview& preview() const { return preview_; }
+  const CutDrawing* drawing() const { return made_.get(); }
+
+ private:
+  // What the status says of the drawing, and what was last done with it.
+  struct Done {
+    std::u16string text;
+    StatusKind kind = StatusKind::kNormal;
+    std::filesystem::path file;  // that was written: the links are about it
+  };
+
+  void ShowForm();
+  void ShowField(ControlId field);
+  void ShowSizeFields();
+  void ShowFormatOfSave();
+  void ShowMenus();
+  void ShowMark(std::vector<FieldFault> faults);
+  void Changed();
+  void Rebuild();
+  void Settle();
+  bool ReadForm(CutJob* job, DrawingStyle* style);
+  void TakeDrawing(std::shared_ptr<const CutDrawing> made);
+  void ShowStatus();
+  void Tell(std::u16string text, StatusKind kind);
+  void SayWritten(const std::filesystem::path& file);
+
+  void ShowRows();
+  void ShowPick();
+  void PickFace(FacePick pick);
+  void PickRow(size_t row);
+  void PickFilter(size_t index);
+  void OpenFont(const std::filesystem::path& file);
+  bool WorkBetweenEvents();
+
+  void OpenSeries(const std::filesystem::path& file);
+  void CloseSeries();
+  void StepTo(uint64_t row);
+  void ShowSeries();
+  bool FillRow(std::u16string* text, CutTexts* filled);
+  void WriteSeries(std::optional<ExistingFiles> existing);
+  void ShowSeriesProgress();
+  void EndSeries();
+
+  void ShowZoom();
+  void ShowPointer(double x, double y);
+
+  const Format& FormatOfSave() const;
+  bool HasDrawing();
+  std::u16string NameOfFile() const;
+  void Save(const Format& format);
+  void Write(const Format& format, const std::filesystem::path& file);
+  void Written(const Status& status, const Format& format, const std::filesystem::path& file);
+  void CopySvg();
+  void NoteText();
+  void PickPreset(size_t index);
+  void SavePreset();
+  void PickRecentText(size_t index);
+
+  CutView& view_;
+  CutServices& services_;
+  CutMemory memory_;
+  CutForm form_;
+  std::u16string text_;
+  bool has_sample_ = false;  // the text is the first start's
+  std::vector<FieldFault> faults_;
+
+  FaceCatalogue catalogue_;
+  FaceSamples samples_{catalogue_};
+  FaceFilter filter_;
+  FaceRows rows_;
+  std::optional<FacePick> pick_;
+  bool samples_wait_ = false;
+
+  CutWorkshop workshop_;
+  CutJob job_;  // of the drawing
+  DrawingStyle style_;
+  std::shared_ptr<const CutDrawing> made_;
+  std::u16string failure_;  // why there is no drawing of what stands in the fields
+  Done done_;
+  CutPreview preview_;
+  std::optional<P2> grabbed_at_;
+  bool measures_ = false;
+
+  CutSeries series_;
+  uint64_t row_ = 1;  // in the preview
+  bool writes_series_ = false;
+  std::filesystem::path series_folder_;
+
+  bool is_pending_ = false;  // changes wait to be made into a drawing
+  uint32_t changed_at_ = 0;  // by the clock's ticks
+  uint32_t last_cost_ = 0;   // milliseconds of the last rebuild
+  std::u16string preset_;    // the one chosen last
+  Background background_;    // ends first: its work uses the rest
+};
+
+}  // namespace kerno

@@ -1,0 +1,438 @@
+// What the Cut page's buttons, menus, links and drops do.
+
+#include <algorithm>
+#include <utility>
+
+#include "app/captions.h"
+#include "app/cut_presenter.h"
+#include "app/cut_services.h"
+#include "app/dialog_presenter.h"
+#include "app/dropped_file.h"
+#include "app/output_name.h"
+#include "app/text_coding.h"
+#include "app/text_source.h"
+#include "base/text.h"
+#include "base/text_file.h"
+#include "platform/folder_path.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+using Id = ControlId;
+
+constexpr size_t kLongestProposal = 40;  // characters of the text in the name of a file
+constexpr size_t kLongestMenuText = 40;  // of a recent text
+constexpr size_t kLongestRecent = 2000;  // UTF-16 units; longer texts are not kept
+
+std::u16string Upper(std::string_view extension) {
+  std::u16string upper;
+  for (const char c : extension) {
+    upper += static_cast<char16_t>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
+  }
+  return upper;
+}
+
+// The first line, shortened between characters.
+std::u16string Shortened(std::u16string_view text, size_t most) {
+  std::u16string shortened;
+  size_t count = 0;
+  for (size_t at = 0; at < text.size() && text[at] != u'\n'; ++count) {
+    if (count == most) return shortened + u"…";
+    AppendCharacter(&shortened, NextCharacter(text, &at));
+  }
+  return text.find(u'\n') == text.npos ? shortened : shortened + u" …";
+}
+
+bool IsTable(const fs::path& file) {
+  const std::u16string extension = AsciiLower(Extension(PathText(file)));
+  return extension == u"csv" || extension == u"tsv";
+}
+
+}  // namespace
+
+void CutPresenter::Pressed(ControlId button) {
+  switch (button) {
+    case Id::kSave:
+      return Save(FormatOfSave());
+    case Id::kCopySvg:
+      return CopySvg();
+    case Id::kPrint:
+      if (HasDrawing()) view_.Print(made_->drawing, NameOfFile());
+      return;
+    case Id::kOpenFont: {
+      const auto file =
+          view_.AskOpen({Say(u"Open a font file"),
+                         services_.Documents(),
+                         {{Say(u"Fonts"), {u"ttf", u"otf", u"ttc", u"otc", u"jhf", u"lff", u"svg"}},
+                          {Say(u"All files"), {}}}});
+      if (file) OpenFont(*file);
+      return;
+    }
+    case Id::kOpenSeries: {
+      const auto file = view_.AskOpen(
+          {Say(u"Open a list"),
+           memory_.folder.empty() ? services_.Documents() : TextPath(memory_.folder),
+           {{Say(u"Tables and lists"), {u"csv", u"tsv", u"txt"}}, {Say(u"All files"), {}}}});
+      if (file) OpenSeries(*file);
+      return;
+    }
+    case Id::kCloseSeries:
+      return CloseSeries();
+    case Id::kSeriesBack:
+      return StepTo(row_ > 1 ? row_ - 1 : 1);
+    case Id::kSeriesForward:
+      return StepTo(row_ + 1);
+    case Id::kSeriesWrite:
+      return WriteSeries(std::nullopt);
+    case Id::kZoomOut:
+      preview_.ZoomBy(-1);
+      break;
+    case Id::kZoomIn:
+      preview_.ZoomBy(1);
+      break;
+    case Id::kZoomFit:
+      preview_.ShowAll();
+      break;
+    case Id::kZoomTrue:
+      preview_.ShowTrueSize(view_.PixelsPerMillimetre());
+      break;
+    default:
+      return;
+  }
+  ShowZoom();
+  view_.RepaintPreview();
+}
+
+// Menus
+
+void CutPresenter::ShowMenus() {
+  std::vector<MenuItem> formats;
+  for (const Format& format : Formats()) {
+    formats.push_back({.text = Say(u"Save {}...", {Upper(format.extension)}),
+                       .checked = &format == &FormatOfSave()});
+  }
+  view_.ShowMenuItems(Id::kSaveMenu, formats);
+
+  std::vector<MenuItem> presets;
+  for (const CutPreset& preset : memory_.presets) {
+    presets.push_back({.text = preset.name, .checked = preset.name == preset_});
+  }
+  presets.push_back(
+      {.text = Say(u"Keep these settings as..."), .separator_before = !presets.empty()});
+  if (!preset_.empty()) presets.push_back({.text = Say(u"Remove \"{}\"", {preset_})});
+  presets.push_back({.text = Say(u"Standard settings"), .separator_before = true});
+  view_.ShowMenuItems(Id::kPresets, presets);
+
+  std::vector<MenuItem> texts;
+  for (const std::u16string& text : memory_.recent_texts) {
+    texts.push_back({.text = Shortened(text, kLongestMenuText)});
+  }
+  view_.ShowMenuItems(Id::kRecentTexts, texts);
+  view_.Enable(Id::kRecentTexts, !texts.empty());
+
+  std::vector<MenuItem> filters = {
+      {.text = Say(u"Has all my characters"), .checked = !filter_.has.empty()},
+      {.text = Say(u"Favourites only"), .checked = filter_.favourites},
+      {.text = Say(u"Fonts of strokes only"), .checked = filter_.strokes},
+      {.text = Say(u"All scripts"), .checked = filter_.script.empty(), .separator_before = true}};
+  for (const std::string& script : catalogue_.Scripts()) {
+    const std::u16string name(script.begin(), script.end());
+    filters.push_back({.text = Say(name), .checked = script == filter_.script});
+  }
+  view_.ShowMenuItems(Id::kFaceFilter, filters);
+}
+
+void CutPresenter::Picked(ControlId menu, size_t index) {
+  switch (menu) {
+    case Id::kSaveMenu: {
+      if (index >= Formats().size()) return;
+      const Format& format = Formats()[index];
+      memory_.format = std::u16string(format.extension.begin(), format.extension.end());
+      ShowFormatOfSave();
+      ShowMenus();
+      return Save(format);
+    }
+    case Id::kPresets:
+      return PickPreset(index);
+    case Id::kRecentTexts:
+      return PickRecentText(index);
+    case Id::kFaceFilter:
+      return PickFilter(index);
+    default:
+      return;
+  }
+}
+
+void CutPresenter::PickFilter(size_t index) {
+  const auto scripts = catalogue_.Scripts();
+  if (index == 0) {
+    filter_.has = filter_.has.empty() ? text_ : std::u16string();
+    std::erase(filter_.has, u'\n');
+  } else if (index == 1) {
+    filter_.favourites = !filter_.favourites;
+  } else if (index == 2) {
+    filter_.strokes = !filter_.strokes;
+  } else if (index == 3) {
+    filter_.script.clear();
+  } else if (index - 4 < scripts.size()) {
+    filter_.script = scripts[index - 4];
+  }
+  ShowMenus();
+  ShowRows();
+}
+
+void CutPresenter::PickPreset(size_t index) {
+  const size_t count = memory_.presets.size();
+  if (index < count) {
+    preset_ = memory_.presets[index].name;
+    form_.Restore(memory_.presets[index].texts);
+  } else if (index == count) {
+    return SavePreset();
+  } else if (index == count + 1 && !preset_.empty()) {
+    std::erase_if(memory_.presets, [&](const CutPreset& p) { return p.name == preset_; });
+    preset_.clear();
+    return ShowMenus();
+  } else {
+    preset_.clear();
+    const std::vector<FaceOption> face = form_.Face();
+    form_.Restore({});
+    form_.SetFace(face);
+  }
+  pick_ = catalogue_.PickOf(form_.Face());
+  ShowForm();
+  ShowRows();
+  ShowPick();
+  view_.RepaintPreview();
+  Changed();
+}
+
+void CutPresenter::SavePreset() {
+  const auto name = view_.AskName(Say(u"Keep these settings as"), preset_);
+  if (!name || name->empty()) return;
+  const auto found = std::ranges::find(memory_.presets, *name, &CutPreset::name);
+  if (found != memory_.presets.end()) {
+    if (*name != preset_ &&
+        !view_.AskWhether(Say(u"There are settings of this name already."), Say(u"Replace"))) {
+      return;
+    }
+    found->texts = form_.Stored();
+  } else {
+    memory_.presets.push_back({*name, form_.Stored()});
+    std::ranges::sort(memory_.presets, {}, &CutPreset::name);
+  }
+  preset_ = *name;
+  ShowMenus();
+}
+
+void CutPresenter::PickRecentText(size_t index) {
+  if (index >= memory_.recent_texts.size()) return;
+  text_ = memory_.recent_texts[index];
+  has_sample_ = false;
+  view_.ShowText(text_, TextChange::kUndoable);
+  Changed();
+}
+
+// The text was written: it is the latest one.
+void CutPresenter::NoteText() {
+  if (text_.empty() || has_sample_ || text_.size() > kLongestRecent) return;
+  std::erase(memory_.recent_texts, text_);
+  memory_.recent_texts.insert(memory_.recent_texts.begin(), text_);
+  if (memory_.recent_texts.size() > CutMemory::kMostRecentTexts) memory_.recent_texts.pop_back();
+  ShowMenus();
+}
+
+// Files
+
+const Format& CutPresenter::FormatOfSave() const {
+  const Format* const format = FindFormat(memory_.format);
+  return format ? *format : Formats().front();
+}
+
+void CutPresenter::ShowFormatOfSave() {
+  view_.ShowControlText(Id::kSave, Say(u"Save {}...", {Upper(FormatOfSave().extension)}));
+}
+
+// Whether there is a drawing of what stands in the fields; the status says why not.
+bool CutPresenter::HasDrawing() {
+  Settle();
+  if (!failure_.empty()) {
+    ShowStatus();
+    return false;
+  }
+  if (made_ && !made_->drawing.placed.empty()) return true;
+  Tell(Say(u"There is nothing to write: the drawing is empty"), StatusKind::kWarning);
+  return false;
+}
+
+std::u16string CutPresenter::NameOfFile() const {
+  std::u16string first =
+      Shortened(text_.substr(0, std::min(text_.find(u'\n'), text_.size())), kLongestProposal);
+  while (first.ends_with(u'…')) first.pop_back();
+  return CleanFileName(first);
+}
+
+void CutPresenter::Save(const Format& format) {
+  if (!HasDrawing()) return;
+  const auto kind_of = [](const Format& each) {
+    return SaveQuestion::Kind{Upper(each.extension),
+                              {each.extension.begin(), each.extension.end()}};
+  };
+  SaveQuestion question;
+  question.title = Say(u"Save the drawing");
+  question.folder = memory_.folder.empty() ? services_.Documents() : TextPath(memory_.folder);
+  question.kinds.push_back(kind_of(format));
+  question.name = NameOfFile() + u"." + question.kinds.front().extension;
+  for (const Format& each : Formats()) {
+    if (&each != &format) question.kinds.push_back(kind_of(each));
+  }
+  const auto chosen = view_.AskSave(question);
+  if (!chosen) return;
+  fs::path file = *chosen;
+  const Format* named = FindFormat(AsciiLower(Extension(PathText(file))));
+  if (!named) {
+    // The question was about the name without the extension.
+    named = &format;
+    file += "." + std::string(format.extension);
+    if (PathExists(file) &&
+        !view_.AskWhether(Say(u"{} is there already.", {PathText(file)}), Say(u"Replace"))) {
+      return;
+    }
+  }
+  memory_.folder = PathText(file.parent_path());
+  Write(*named, file);
+}
+
+// What is written is the drawing of this moment; the user may type on.
+void CutPresenter::Write(const Format& format, const fs::path& file) {
+  auto status = std::make_shared<Status>(Status::Ok());
+  Tell(Say(u"Writing {}", {PathText(file.filename())}), StatusKind::kNormal);
+  background_.Run([this, status, made = made_, job = job_, style = style_, &format,
+                   file] { *status = services_.WriteDrawing(*made, job, style, format, file); },
+                  [this, status, &format, file] { Written(*status, format, file); });
+}
+
+void CutPresenter::Written(const Status& status, const Format& format, const fs::path& file) {
+  view_.ShowProgress(u"", -1);
+  if (status.ok()) {
+    if (pick_) catalogue_.NoteUse(pick_->entry);
+    NoteText();
+    return SayWritten(file);
+  }
+  Tell(SayStatus(status), StatusKind::kFailure);
+  const bool is_held = status.failure == Failure::kSharingViolation;
+  if (is_held && view_.AskWhether(SayStatus(status), Say(u"Try again"))) Write(format, file);
+}
+
+void CutPresenter::SayWritten(const fs::path& file) {
+  done_ = {Say(u"Wrote {}", {PathText(file.filename())}), StatusKind::kNormal, file};
+  ShowStatus();
+}
+
+void CutPresenter::LinkFollowed(int number) {
+  const fs::path file = done_.file;
+  if (file.empty()) return;
+  enum { kOpenFile, kShowFolder, kCopyPath };
+  if (number == kCopyPath) return view_.CopyText(PathText(file));
+  const fs::path what = number == kShowFolder ? file.parent_path() / "" : file;
+  if (!services_.OpenPath(what)) {
+    Tell(Say(u"{} cannot be opened", {PathText(what)}), StatusKind::kFailure);
+  }
+}
+
+void CutPresenter::CopySvg() {
+  if (!HasDrawing()) return;
+  const fs::path folder = services_.ScratchFolder();
+  const fs::path file = folder / "copy.svg";
+  std::string svg;
+  Status status = folder.empty()
+                      ? Status::Error(Failure::kOther, u"", u"there is no temporary folder")
+                      : services_.WriteDrawing(*made_, job_, style_, *FindFormat(u"svg"), file);
+  if (status.ok()) status = ReadFileBytes(file, &svg);
+  if (!status.ok()) return Tell(SayStatus(status), StatusKind::kFailure);
+  view_.CopySvg(svg);
+  Tell(Say(u"Copied as SVG"), StatusKind::kNormal);
+}
+
+fs::path CutPresenter::FileToDrag() {
+  if (!HasDrawing()) return {};
+  const fs::path folder = services_.ScratchFolder();
+  if (folder.empty()) return {};
+  const Format& format = FormatOfSave();
+  fs::path file = folder / TextPath(NameOfFile());
+  file += "." + std::string(format.extension);
+  const Status status = services_.WriteDrawing(*made_, job_, style_, format, file);
+  if (status.ok()) return file;
+  Tell(SayStatus(status), StatusKind::kFailure);
+  return {};
+}
+
+// Drops
+
+void CutPresenter::Dropped(const std::vector<fs::path>& files) {
+  for (const fs::path& file : files) {
+    if (IsTable(file)) {
+      OpenSeries(file);
+      continue;
+    }
+    switch (KindOfDropped(file)) {
+      case DroppedKind::kFont:
+        OpenFont(file);
+        break;
+      case DroppedKind::kText: {
+        std::string bytes;
+        const Status read = FactsOfPath(file).size > kLargestDroppedText
+                                ? Status::Error(Failure::kOther, PathText(file),
+                                                u"is larger than 4 MiB, too much for one drawing")
+                                : ReadFileBytes(file, &bytes);
+        if (!read.ok()) {
+          Tell(SayStatus(read), StatusKind::kFailure);
+          break;
+        }
+        std::u16string text;
+        if (!LoadText(file, &text).ok()) text = DecodeText(bytes);
+        text_ = LinesOf(text);
+        has_sample_ = false;
+        view_.ShowText(text_, TextChange::kUndoable);
+        Changed();
+        break;
+      }
+      default:
+        Tell(PathExists(file) ? Say(u"{}: the page takes tables, text files and font files",
+                                    {PathText(file.filename())})
+                              : Say(u"{}: there is no such file", {PathText(file)}),
+             StatusKind::kWarning);
+    }
+  }
+}
+
+void CutPresenter::OpenFont(const fs::path& file) {
+  size_t entry = 0;
+  const Status added = catalogue_.AddFile(file, &entry);
+  if (!added.ok()) return Tell(SayStatus(added), StatusKind::kFailure);
+  filter_ = {};
+  PickFace({entry, catalogue_.RegularStyleOf(entry), {}});
+  ShowMenus();
+  ShowRows();
+}
+
+// Beside the window
+
+void CutPresenter::Cancelled() {
+  background_.Cancel();
+  series_.Cancel();
+}
+
+void CutPresenter::Awake() {
+  background_.Finish();
+  const WorkShown shown = background_.Look();
+  if (!shown.question.empty())
+    background_.Answer(view_.AskWhether(shown.question, Say(u"Try again")));
+  if (background_.IsBusy() && !shown.progress.empty()) {
+    view_.ShowProgress(shown.progress, shown.part);
+  }
+  if (writes_series_) ShowSeriesProgress();
+  if (series_.is_open()) ShowSeries();
+}
+
+}  // namespace kerno

@@ -1,0 +1,128 @@
+// The series of the Cut page: rows in the preview, and all of them in files.
+
+#include "app/captions.h"
+#include "app/cut_presenter.h"
+#include "app/cut_services.h"
+#include "base/text.h"
+#include "platform/folder_path.h"
+
+namespace kerno {
+namespace {
+
+namespace fs = std::filesystem;
+using Id = ControlId;
+
+std::u16string Count(uint64_t count) {
+  return Utf8ToUtf16Lossy(std::to_string(count));
+}
+
+}  // namespace
+
+void CutPresenter::OpenSeries(const fs::path& file) {
+  const Status opened = series_.Open(file, [this] { view_.WakeUp(); });
+  if (!opened.ok()) return Tell(SayStatus(opened), StatusKind::kFailure);
+  row_ = 1;
+  // A text without fields would make every sign the same: the columns take its place.
+  if (text_.find(u'{') == text_.npos) {
+    text_.clear();
+    for (const std::string& column : series_.columns()) {
+      text_ += (text_.empty() ? u"{" : u"\n{") + Utf8ToUtf16Lossy(column) + u"}";
+    }
+    has_sample_ = false;
+    view_.ShowText(text_, TextChange::kUndoable);
+  }
+  form_.Set(Id::kSeriesNames, Utf8ToUtf16Lossy(series_.ProposedNames(form_.IsOn(Id::kSheets))));
+  ShowField(Id::kSeriesNames);
+  ShowSeries();
+  Changed();
+}
+
+void CutPresenter::CloseSeries() {
+  series_.Cancel();
+  series_.Close();
+  ShowSeries();
+  Changed();
+}
+
+void CutPresenter::StepTo(uint64_t row) {
+  if (!series_.is_open() || row < 1 || row > series_.rows() || row == row_) return;
+  row_ = row;
+  ShowSeries();
+  Changed();
+}
+
+void CutPresenter::ShowSeries() {
+  const bool is_open = series_.is_open();
+  std::u16string text;
+  if (is_open) {
+    text = Say(u"{}: {} rows", {PathText(series_.file().filename()),
+                                Count(series_.rows()) + (series_.all_counted() ? u"" : u"…")});
+    view_.ShowControlText(Id::kSeriesRow, Count(row_));
+  }
+  view_.ShowControlText(Id::kSeriesFile, text);
+  for (const CutControlRow& row : CutControls()) {
+    const bool always = row.id == Id::kSeriesFile || row.id == Id::kOpenSeries;
+    if (row.section != CutSection::kSeries || always) continue;
+    const bool of_sheets = row.id >= Id::kSheetSize && row.id <= Id::kSheetNumbers;
+    view_.ShowControl(row.id, is_open && (!of_sheets || form_.IsOn(Id::kSheets)));
+  }
+  view_.Enable(Id::kSeriesBack, is_open && row_ > 1);
+  view_.Enable(Id::kSeriesForward, is_open && row_ < series_.rows());
+  view_.Enable(Id::kSeriesWrite, is_open && !writes_series_);
+}
+
+// Files that are there already are counted first; then the user is asked about them.
+void CutPresenter::WriteSeries(std::optional<ExistingFiles> existing) {
+  Settle();
+  if (!existing) {
+    const auto folder =
+        view_.AskFolder(memory_.folder.empty() ? services_.Documents() : TextPath(memory_.folder));
+    if (!folder) return;
+    series_folder_ = *folder;
+    memory_.folder = PathText(*folder);
+  }
+  SeriesOrder order;
+  order.text = text_;
+  order.texts = form_.Texts();
+  order.names = Utf16ToUtf8(form_.Text(Id::kSeriesNames));
+  order.folder = series_folder_;
+  order.formats = {std::string(FormatOfSave().extension)};
+  order.sheets = form_.Sheets();
+  order.existing = existing;
+  writes_series_ = series_.Start(std::move(order), [this] { view_.WakeUp(); });
+  ShowSeries();
+}
+
+void CutPresenter::ShowSeriesProgress() {
+  const SeriesProgress now = series_.progress();
+  if (!now.is_running) return EndSeries();
+  const double part =
+      now.rows > 0 ? static_cast<double>(now.done) / static_cast<double>(now.rows) : 0;
+  view_.ShowProgress(Say(u"Row {} of {}", {Count(now.done), Count(now.rows)}), part);
+}
+
+void CutPresenter::EndSeries() {
+  writes_series_ = false;
+  view_.ShowProgress(u"", -1);
+  ShowSeries();
+  const SeriesProgress end = series_.progress();
+  if (end.end == SeriesEnd::kFilesStand) {
+    const std::u16string question =
+        Say(u"{} of the files are there already.", {Count(end.standing)});
+    if (view_.AskWhether(question, Say(u"Replace"))) WriteSeries(ExistingFiles::kReplace);
+    return;
+  }
+  std::u16string text = Say(u"Wrote {} files of {} rows", {Count(end.files), Count(end.done)});
+  if (end.failed > 0) text += u"  ·  " + Say(u"{} rows failed", {Count(end.failed)});
+  for (const SeriesTrouble& trouble : end.failures) {
+    const std::u16string row = trouble.row > 0 ? Say(u"row {}", {Count(trouble.row)}) + u": " : u"";
+    text += u"  ·  " + row + ReasonOf(trouble.message);
+  }
+  if (end.end == SeriesEnd::kStopped) text = Say(u"Cancelled.") + u" " + text;
+  const bool is_good = end.failed == 0 && end.failures.empty();
+  done_ = {std::move(text), is_good ? StatusKind::kNormal : StatusKind::kFailure,
+           end.files > 0 ? series_folder_ / "" : fs::path()};
+  ShowStatus();
+}
+
+}  // namespace kerno

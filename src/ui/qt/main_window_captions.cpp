@@ -1,0 +1,104 @@
+// The texts of the main window, set again when their language changes.
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLayout>
+#include <QLibraryInfo>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QTranslator>
+
+#include "app/captions.h"
+#include "ui/qt/main_window.h"
+#include "ui/qt/qt_text.h"
+#include "ui/qt/text_box.h"
+
+namespace kerno {
+namespace {
+
+// What the toolkit itself shows (buttons of messages, menus of fields), by the same table where it
+// has the text.
+class CaptionTranslator final : public QTranslator {
+ public:
+  using QTranslator::QTranslator;
+  bool isEmpty() const override { return false; }
+  QString translate(const char* /*context*/, const char* source, const char* /*meaning*/,
+                    int /*count*/) const override {
+    const std::u16string english = QString::fromUtf8(source).toStdU16String();
+    const std::u16string said = Say(english);
+    return said == english ? QString() : ToQString(said);
+  }
+};
+
+QString ToolkitTexts(Language language) {
+  switch (language) {
+    case Language::kJapanese:
+      return QStringLiteral("qtbase_ja");
+    case Language::kGerman:
+      return QStringLiteral("qtbase_de");
+    default:
+      return {};
+  }
+}
+
+// The table's texts come before the toolkit's own translations.
+void TranslateToolkit() {
+  static QTranslator toolkit;
+  static CaptionTranslator captions;
+  QCoreApplication::removeTranslator(&captions);
+  QCoreApplication::removeTranslator(&toolkit);
+  const QString name = ToolkitTexts(CurrentLanguage());
+  if (name.isEmpty()) return;
+  if (toolkit.load(name, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    QCoreApplication::installTranslator(&toolkit);
+  }
+  QCoreApplication::installTranslator(&captions);
+}
+
+QString Said(const char16_t* english) {
+  return ToQString(Say(english));
+}
+
+}  // namespace
+
+void MainWindow::ShowCaptions() {
+  TranslateToolkit();
+  for (const ControlRow& row : Controls()) {
+    const auto found = controls_.find(row.id);
+    if (found == controls_.end()) continue;
+    QWidget* const control = found->second;
+    if (auto* button = qobject_cast<QAbstractButton*>(control)) {
+      button->setText(Said(row.caption));  // takes the shortcut from the caption
+      if (*row.shortcut) button->setShortcut(ToKeys(row.shortcut));
+    } else if (row.kind == ControlKind::kLabel) {
+      static_cast<QLabel*>(control)->setText(Said(row.caption));
+    }
+    if (row.kind != ControlKind::kStatus) control->setAccessibleName(Said(row.name));
+    control->setToolTip(Said(row.hint));
+  }
+  text_->setAccessibleDescription(Said(u"The text to convert. Ctrl+Tab types a tab."));
+  const QList<QAction*> columns = static_cast<QMenuBar*>(layout()->menuBar())->actions();
+  qsizetype column = 0;
+  for (const MenuColumn& menu : Menu()) {
+    columns.at(column++)->setText(Said(menu.caption));
+    for (const MenuRow& row : menu.rows) actions_.at(row.command)->setText(Said(row.caption));
+  }
+}
+
+void MainWindow::ShowFault(ControlId id, std::u16string_view why) {
+  QWidget* const control = controls_.at(id);
+  auto* combo = qobject_cast<QComboBox*>(control);
+  QWidget* const field = combo ? combo->lineEdit() : control;
+  field->setStyleSheet(why.empty() ? QString()
+                                   : QStringLiteral("QLineEdit { border: 2px solid #C00000 }"));
+  const QString hint = why.empty() ? Said(kerno::Control(id).hint) : ToQString(why);
+  for (QWidget* const part : {control, field}) {
+    part->setToolTip(hint);
+    part->setAccessibleDescription(ToQString(why));
+  }
+}
+
+}  // namespace kerno

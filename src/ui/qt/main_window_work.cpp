@@ -1,0 +1,111 @@
+// What the main window shows and asks of work that runs beside it, and the text box's commands.
+
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include "app/captions.h"
+#include "ui/qt/main_window.h"
+#include "ui/qt/qt_text.h"
+#include "ui/qt/text_box.h"
+
+namespace kerno {
+
+// From 0 to 1 in steps that a progress window counts.
+Continue MainWindow::Progressed(std::u16string_view text, double part) {
+  progress_->setLabelText(ToQString(text));
+  progress_->setValue(static_cast<int>(part * (kProgressSteps - 1)));
+  return progress_->wasCanceled() ? Continue::kNo : Continue::kYes;
+}
+
+void MainWindow::MakeProgress(Qt::WindowModality modality, int delay) {
+  progress_ = new QProgressDialog(this);
+  progress_->setWindowTitle(windowTitle());
+  progress_->setCancelButtonText(ToQString(Say(u"Cancel")));
+  progress_->setWindowModality(modality);
+  progress_->setAttribute(Qt::WA_ShowWithoutActivating, modality == Qt::NonModal);
+  progress_->setMinimumDuration(delay);
+  progress_->setAutoReset(false);
+  progress_->setAutoClose(false);
+  progress_->setMaximum(kProgressSteps);
+  progress_->setValue(0);
+}
+
+Continue MainWindow::ShowProgress(std::u16string_view text, double part) {
+  if (!progress_) MakeProgress(Qt::WindowModal, kProgressDelay);
+  return Progressed(text, part);
+}
+
+Continue MainWindow::ShowWork(std::u16string_view text, double part) {
+  if (!progress_) MakeProgress(Qt::NonModal, 0);
+  return Progressed(text, part);
+}
+
+void MainWindow::EndProgress() {
+  delete progress_;
+}
+
+void MainWindow::AskAgain(std::u16string_view text, std::function<void(bool again)> answered) {
+  auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(), ToQString(text),
+                              QMessageBox::Cancel, this);
+  QPushButton* const again = box->addButton(ToQString(Say(u"Try again")), QMessageBox::AcceptRole);
+  box->setDefaultButton(again);
+  box->setTextFormat(Qt::PlainText);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  connect(box, &QMessageBox::finished, this, [box, again, answered = std::move(answered)] {
+    answered(box->clickedButton() == again);
+  });
+  box->open();
+}
+
+void MainWindow::WakeUp() {
+  QMetaObject::invokeMethod(
+      this,
+      [this] {
+        if (presenter_) presenter_->Awake();
+      },
+      Qt::QueuedConnection);
+}
+
+std::optional<std::filesystem::path> MainWindow::AskSave(const SaveQuestion& question) {
+  QStringList filters;
+  for (const SaveQuestion::Kind& kind : question.kinds) {
+    filters.append(ToQString(kind.name + u" (*." + kind.extension + u")"));
+  }
+  QString chosen;
+  QString file = QFileDialog::getSaveFileName(
+      this, ToQString(question.title), PathToQString(question.folder / TextPath(question.name)),
+      filters.join(QStringLiteral(";;")), &chosen);
+  if (file.isEmpty()) return std::nullopt;
+  if (QFileInfo(file).suffix().isEmpty()) {
+    const qsizetype kind = std::max<qsizetype>(filters.indexOf(chosen), 0);
+    file += u'.' + ToQString(question.kinds[static_cast<size_t>(kind)].extension);
+  }
+  return QStringToPath(file);
+}
+
+void MainWindow::EditText(MenuCommand command) {
+  switch (command) {
+    case MenuCommand::kUndo:
+      text_->undo();
+      break;
+    case MenuCommand::kRedo:
+      text_->redo();
+      break;
+    case MenuCommand::kCut:
+      text_->cut();
+      break;
+    case MenuCommand::kCopy:
+      text_->copy();
+      break;
+    case MenuCommand::kPaste:
+      text_->paste();
+      break;
+    default:
+      text_->selectAll();
+      break;
+  }
+  text_->setFocus();
+}
+
+}  // namespace kerno

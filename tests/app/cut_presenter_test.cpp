@@ -1,0 +1,229 @@
+// The rules of the Cut page, with a view that records.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/arithmetic.h"
+#include "app/captions.h"
+#include "app/cut_store.h"
+#include "base/text.h"
+#include "support/recording_cut_view.h"
+#include "support/temporary_folder.h"
+
+namespace kerno::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using enum ControlId;
+
+class CutPresenterTest : public testing::Test {
+ protected:
+  CutPresenterTest() {
+    services.folder = folder.path();
+    services.memory.was_used = true;
+    services.memory.form = {{"--face", u"DejaVu Sans"}};
+  }
+  void Open(std::u16string_view text = u"Ho") {
+    page = std::make_unique<CutPresenter>(view, services);
+    page->Open();
+    page->PreviewResized(400, 300, 1);
+    page->FillFaces();
+    page->TakeText(text);
+  }
+  void Choose(ControlId list, std::string_view word) {
+    const auto rows = ChoicesOf(list);
+    for (size_t i = 0; i < rows.size(); ++i) {
+      if (rows[i].word == word) return page->Selected(list, i);
+    }
+    FAIL() << word;
+  }
+  double Width() { return page->drawing()->ink.Width(); }
+  double Height() { return page->drawing()->ink.Height(); }
+  std::string StatusText() { return Utf16ToUtf8(view.status); }
+  // Waits for what runs beside the page.
+  void Settle(std::string_view begin) {
+    for (int i = 0; i < 2000 && !StatusText().starts_with(begin); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      page->Awake();
+    }
+    EXPECT_THAT(StatusText(), testing::StartsWith(std::string(begin)));
+  }
+
+  TemporaryFolder folder;
+  RecordingCutView view;
+  FakeCutServices services;
+  std::unique_ptr<CutPresenter> page;
+};
+
+TEST_F(CutPresenterTest, SizesAreWhatIsTyped) {
+  Open(u"HE");
+  const struct {
+    const char* by;
+    const char16_t *width, *height;
+    double expected_width, expected_height;  // 0: whatever follows
+  } rows[] = {{"cap-height", u"", u"20*2", 0, 40},  {"height", u"", u"1in", 0, 25.4},
+              {"width", u"(100+20)/2", u"", 60, 0}, {"stretch", u"30", u"12,5", 30, 12.5},
+              {"box", u"1000", u"7mm", 0, 7},       {"box", u"5cm", u"1000", 50, 0}};
+  for (const auto& row : rows) {
+    Choose(kSizeBy, row.by);
+    page->TextChanged(kSizeWidth, row.width);
+    page->TextChanged(kSizeHeight, row.height);
+    EXPECT_TRUE(view.faults.empty()) << row.by;
+    if (row.expected_width > 0) EXPECT_NEAR(row.expected_width, Width(), 1e-9) << row.by;
+    if (row.expected_height > 0) EXPECT_NEAR(row.expected_height, Height(), 1e-9) << row.by;
+  }
+}
+
+TEST_F(CutPresenterTest, WhatCannotBeReadIsMarkedAndTheDrawingStays) {
+  Open();
+  const double before = Height();
+  for (const char16_t* bad : {u"", u"abc", u"2**3", u"1/0", u"-3", u"0", u"1e9", u"20mmm", u"("}) {
+    page->TextChanged(kSizeHeight, bad);
+    EXPECT_EQ(1u, view.faults.count(kSizeHeight)) << Utf16ToUtf8(bad);
+    EXPECT_EQ(StatusKind::kFailure, view.status_kind);
+    EXPECT_EQ(before, Height());
+    page->Pressed(kSave);
+    EXPECT_TRUE(view.save_questions.empty()) << "nothing wrong is written";
+  }
+  page->TextChanged(kSizeHeight, u"20");
+  page->TextChanged(kSlant, u"89");
+  page->TextChanged(kOffset, u"x");
+  EXPECT_EQ(1u, view.faults.size()) << "the first that stands in the way";
+  page->TextChanged(kSlant, u"0");
+  page->TextChanged(kOffset, u"0");
+  EXPECT_TRUE(view.faults.empty());
+  EXPECT_EQ(StatusKind::kNormal, view.status_kind) << StatusText();
+}
+
+TEST_F(CutPresenterTest, AnotherUnitLeavesTheDrawingAsItIs) {
+  Open();
+  const double before = Height();
+  Choose(kSizeUnit, "in");
+  EXPECT_EQ(u"0.7874", view.texts[kSizeHeight]);
+  EXPECT_NEAR(before / 25.4, Height(), 1e-4);
+  EXPECT_THAT(Utf16ToUtf8(view.texts[kTrueSize]), HasSubstr(" in"));
+  Choose(kSizeUnit, "pt");
+  EXPECT_NEAR(before, Height(), 1e-3);
+  EXPECT_THAT(Utf16ToUtf8(view.texts[kTrueSize]), HasSubstr(" mm"));
+}
+
+TEST_F(CutPresenterTest, FilesAreNamedByTheTextAndNothingIsReplacedUnasked) {
+  Open(u"Öffnungs/zeiten\nMo 9–17");
+  view.save_answer = folder / "plate";
+  page->Pressed(kSave);
+  ASSERT_EQ(1u, view.save_questions.size());
+  EXPECT_EQ(u"Öffnungs_zeiten.dxf", view.save_questions[0].name);
+  EXPECT_EQ(folder.path(), view.save_questions[0].folder);
+  Settle("Wrote plate.dxf");
+  ASSERT_EQ(3u, view.links.size());
+  for (const StatusLink& link : view.links) page->LinkFollowed(link.number);
+  EXPECT_THAT(services.opened, ElementsAre(folder / "plate.dxf", folder.path() / ""));
+  EXPECT_EQ(PathText(folder / "plate.dxf"), view.copied);
+  page->Pressed(kSave);
+  EXPECT_EQ(1u, view.questions.size()) << "the question of the dialog was about another name";
+  EXPECT_THAT(folder.Names(), ElementsAre("plate.dxf"));
+  EXPECT_EQ(u"Öffnungs/zeiten\nMo 9–17", (void(page->Keep()), services.memory.recent_texts[0]));
+}
+
+TEST_F(CutPresenterTest, AHeldFileIsTriedAgainAndFailuresAreTold) {
+  Open(u"H☃\U000F0000");  // warnings stay beside what was done
+  view.save_answer = folder / "a.svg";
+  const Status held =
+      Status::Error(Failure::kSharingViolation, u"a.svg", u"another program holds it");
+  services.failures = {held, held};
+  view.yes = {true, true};
+  page->Pressed(kSave);
+  Settle("Wrote a.svg");
+  EXPECT_EQ(2u, view.questions.size());
+  EXPECT_THAT(StatusText(), HasSubstr("No glyph for: U+F0000"));
+  EXPECT_EQ(StatusKind::kWarning, view.status_kind);
+  services.failures = {Status::Error(Failure::kNoSpace, u"a.svg", u"the disk is full")};
+  page->Pressed(kSave);
+  Settle("a.svg: the disk is full");
+  EXPECT_EQ(StatusKind::kFailure, view.status_kind);
+}
+
+TEST_F(CutPresenterTest, RowsOfAListAreSeenAndWrittenAsTheyAreSeen) {
+  Open();
+  WriteBytes(folder / "guests.csv", "name,width\nAnn,30\nBob,x\nCid,50\n");
+  page->Dropped({folder / "guests.csv"});
+  EXPECT_EQ(u"{name}\n{width}", view.text);
+  page->TextChanged(kCutText, u"{name}");
+  Choose(kSizeBy, "width");
+  page->TextChanged(kSizeWidth, u"{width}");
+  EXPECT_NEAR(30, Width(), 1e-9);
+  page->Pressed(kSeriesForward);
+  EXPECT_EQ(1u, view.faults.size()) << "the row's own width is none";
+  page->TextChanged(kSeriesRow, u"3");
+  EXPECT_TRUE(view.faults.empty());
+  EXPECT_NEAR(50, Width(), 1e-9);
+  page->TextChanged(kSeriesNames, u"{row}-{name}");
+  view.folder_answer = folder / "out";
+  page->Pressed(kSeriesWrite);
+  Settle("Wrote 2 files of 3 rows");
+  EXPECT_THAT(StatusText(), HasSubstr("row 2: "));
+  view.save_answer = folder / "one.dxf";
+  page->Pressed(kSave);
+  Settle("Wrote one.dxf");
+  EXPECT_EQ(ReadBytes(folder / "one.dxf"), ReadBytes(folder / "out" / "3-Cid.dxf"));
+  page->Pressed(kSeriesWrite);
+  Settle("Wrote 2 files of 3 rows");
+  page->Awake();
+  EXPECT_EQ(1u, view.questions.size()) << "files that are there already";
+}
+
+TEST_F(CutPresenterTest, SettingsByANameComeBack) {
+  Open();
+  page->TextChanged(kOffset, u"0.1");
+  Choose(kCurves, "lines");
+  view.name_answer = u"Vinyl\t\\ 1";
+  page->Picked(kPresets, 0);  // keep
+  page->Picked(kPresets, 3);  // the standard ones
+  EXPECT_EQ(u"0", view.texts[kOffset]);
+  EXPECT_TRUE(page->Keep().ok());
+  services.memory.recent_texts = {u"a\nb\\n\t"};
+  const CutMemory read = ReadStored(StoredText(services.memory));
+  EXPECT_EQ(services.memory.recent_texts, read.recent_texts);
+  services.memory = read;
+  Open();
+  page->Picked(kPresets, 0);
+  EXPECT_EQ(u"0.1", view.texts[kOffset]);
+  EXPECT_EQ(u"lines", page->form().Text(kCurves));
+}
+
+TEST_F(CutPresenterTest, TheSampleOfTheFirstStartIsNobodysText) {
+  services.memory = {};
+  Open(u"");
+  EXPECT_FALSE(view.text.empty());
+  EXPECT_NE(nullptr, page->drawing());
+  EXPECT_EQ(u"", page->text());
+  page->TextChanged(kCutText, view.text + u"!");
+  EXPECT_EQ(view.text + u"!", page->text());
+}
+
+TEST_F(CutPresenterTest, FacesAreFoundAndDrawLive) {
+  Open();
+  const auto before = page->drawing()->faces[0].family;
+  page->TextChanged(kFaceSearch, u"ipa 明朝");
+  ASSERT_FALSE(view.faces.empty());
+  page->Selected(kFaceList, 0);
+  EXPECT_NE(before, page->drawing()->faces[0].family);
+  page->FavouriteToggled(0);
+  page->TextChanged(kFaceSearch, u"");
+  EXPECT_TRUE(view.faces[0].favourite);
+  page->TextChanged(kFaceSearch, u"no face is called so");
+  EXPECT_TRUE(view.faces.empty());
+  WriteBytes(folder / "bad.ttf", std::string("\0\1\0\0 no font", 12));
+  page->Dropped({folder / "bad.ttf"});
+  EXPECT_EQ(StatusKind::kFailure, view.status_kind);
+}
+
+TEST(Captions, ReasonsWithNamesInThemAreSaid) {
+  SetLanguage(Language::kGerman);
+  EXPECT_EQ(u"\"x\" ist keine Zahl", SayReason(u"\"x\" is not a number"));
+  EXPECT_EQ(u"nobody wrote this", SayReason(u"nobody wrote this"));
+  SetLanguage(Language::kEnglish);
+}
+
+}  // namespace
+}  // namespace kerno::test
