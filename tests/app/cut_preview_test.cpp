@@ -176,7 +176,7 @@ TEST(CutPreviewTest, ShowsTrueSize) {
     EXPECT_FALSE(preview.shows_all());
     EXPECT_DOUBLE_EQ(preview.Percent(kPerMm), 100);
     const auto picture = preview.Paint(InksOn(kLight));
-    const double y = preview.InFrame({0, 5}).y;
+    const double y = preview.InFrame({0, 8}).y;
     int ink = 0;
     for (int x = 0; x < picture->Width(); ++x) ink += At(*picture, {x + 0.0, y}) != kLight;
     EXPECT_NEAR(ink, c.width, 1);
