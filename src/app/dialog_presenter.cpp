@@ -82,6 +82,7 @@ DialogPresenter::DialogPresenter(DialogView& view, DialogServices& services)
       outputs_(services, *this) {}
 
 DialogPresenter::~DialogPresenter() {
+  background_.Stop();
   ReplaceNotices(notices_before_);
 }
 

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <future>
 
+#include "app/captions.h"
 #include "app/dialog_presenter.h"
 #include "base/file_wait.h"
 #include "support/file_holder.h"

@@ -73,8 +73,8 @@ class RecordingView final : public DialogView {
     ++progress_calls;
     return work_answer;
   }
-  void AskAgain(std::u16string_view asked, std::function<void(bool)> answered) override {
-    messages.emplace_back(asked);
+  void AskAgain(std::u16string_view question, std::function<void(bool)> answered) override {
+    messages.emplace_back(question);
     if (on_ask) on_ask();
     const bool again = again_answers > 0;
     --again_answers;

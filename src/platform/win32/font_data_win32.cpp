@@ -78,15 +78,19 @@ std::u16string FamilyOf(const Member& member) {
   return FromWideBuffer(member.font.lfFaceName, LF_FACESIZE);
 }
 
+// TrueType, or CFF in OpenType.
+bool HasOutlines(const TEXTMETRICW* metrics, DWORD type) {
+  const auto* facts = reinterpret_cast<const NEWTEXTMETRICEXW*>(metrics);
+  const bool cff = (type & RASTER_FONTTYPE) == 0 && (facts->ntmTm.ntmFlags & NTM_PS_OPENTYPE) != 0;
+  return (type & TRUETYPE_FONTTYPE) != 0 || cff;
+}
+
 int CALLBACK Collect(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD type, LPARAM target) {
   const auto* described = reinterpret_cast<const ENUMLOGFONTEXW*>(font);
   auto* members = reinterpret_cast<std::vector<Member>*>(target);
-  const auto* facts = reinterpret_cast<const NEWTEXTMETRICEXW*>(metrics);
-  const bool cff = (type & TRUETYPE_FONTTYPE) == 0 && (type & RASTER_FONTTYPE) == 0 &&
-                   (facts->ntmTm.ntmFlags & NTM_PS_OPENTYPE) != 0;
   members->push_back({*font, FromWideBuffer(described->elfStyle, LF_FACESIZE),
                       FromWideBuffer(described->elfFullName, LF_FULLFACESIZE),
-                      (type & TRUETYPE_FONTTYPE) != 0 || cff});
+                      HasOutlines(metrics, type)});
   return 1;
 }
 
@@ -131,6 +135,29 @@ std::vector<Member> OutlineMembersOf(const MemoryDevice& device, std::u16string_
   std::vector<Member> members = MembersOf(device.get(), family);
   std::erase_if(members, [](const Member& member) { return !member.outlines; });
   return members;
+}
+
+struct FamilyList {
+  std::vector<ListedFamily> families;
+  std::unordered_map<std::u16string, size_t> places;
+};
+
+// Each family comes once for each of its character sets.
+int CALLBACK CollectFamily(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD type,
+                           LPARAM target) {
+  auto* list = reinterpret_cast<FamilyList*>(target);
+  std::u16string name = FromWideBuffer(font->lfFaceName, LF_FACESIZE);
+  if (name.starts_with(u'@') || !HasOutlines(metrics, type)) return 1;
+  const auto [place, is_new] = list->places.try_emplace(name, list->families.size());
+  if (is_new) {
+    ListedFamily& family = list->families.emplace_back();
+    family.names = {{name, {}}};
+    family.name = std::move(name);
+    family.fixed_pitch = (font->lfPitchAndFamily & 3) == FIXED_PITCH;
+    family.all_names = false;
+  }
+  if (font->lfCharSet == SYMBOL_CHARSET) list->families[place->second].symbols = true;
+  return 1;
 }
 
 // What the system gives of the file of a face.
@@ -309,25 +336,13 @@ std::vector<ListedFace> ListFaces() {
   return faces;
 }
 
-// Each family stands there once for each of its character sets.
 std::vector<ListedFamily> ListOutlineFamilies() {
   const MemoryDevice device;
-  std::vector<ListedFamily> families;
-  std::unordered_map<std::u16string, size_t> places;
-  for (const Member& member : MembersOf(device.get(), u"")) {
-    const std::u16string name = FamilyOf(member);
-    if (!member.outlines || name.starts_with(u'@')) continue;
-    const auto [place, is_new] = places.try_emplace(name, families.size());
-    if (is_new) {
-      ListedFamily& family = families.emplace_back();
-      family.name = name;
-      family.names = {{name, {}}};
-      family.fixed_pitch = (member.font.lfPitchAndFamily & 3) == FIXED_PITCH;
-      family.all_names = false;
-    }
-    if (member.font.lfCharSet == SYMBOL_CHARSET) families[place->second].symbols = true;
-  }
-  return families;
+  LOGFONTW wanted{};
+  wanted.lfCharSet = DEFAULT_CHARSET;
+  FamilyList list;
+  EnumFontFamiliesExW(device.get(), &wanted, CollectFamily, reinterpret_cast<LPARAM>(&list), 0);
+  return std::move(list.families);
 }
 
 void ReadFamilyNames(ListedFamily* family) {
