@@ -93,7 +93,10 @@ def cut_run(session):
     assert session.process.wait(20) == 0
     session.start()
     session.key("shift+Tab", "Left", "space")
-    assert press(session, "alt+d", ".dxf")[0].stem.endswith(TEXT + "!")
+    for file in session.outputs():
+        file.unlink()
+    [written] = press(session, "alt+d", ".dxf")
+    assert written.stem.endswith(TEXT + "!"), written
 
 
 def main():

@@ -255,7 +255,11 @@ void MainWindow::ShowMode(WindowMode mode) {
   static_cast<QToolButton*>(controls_[is_cut ? ControlId::kModeCut : ControlId::kModeClassic])
       ->setChecked(true);
   pages_->setCurrentWidget(is_cut ? static_cast<QWidget*>(cut_page_) : classic_page_);
-  (is_cut ? cut_page_->text() : text_)->setFocus();
+  TextOfPage()->setFocus();
+}
+
+TextBox* MainWindow::TextOfPage() const {
+  return pages_->currentWidget() == cut_page_ ? cut_page_->text() : text_;
 }
 
 PreviewEvents MainWindow::ClassicPreviewEvents() {
@@ -328,6 +332,7 @@ void MainWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   if (was_shown_) return;
   was_shown_ = true;
+  TextOfPage()->setFocus();
   // The window stands before the faces are listed.
   QTimer::singleShot(0, this, [this] {
     presenter_->FillFaces();

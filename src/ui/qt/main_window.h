@@ -100,6 +100,7 @@ class MainWindow final : public QWidget, private DialogView {
   QPushButton* MakeButton(const ControlRow& row);
   QComboBox* ConnectEdit(QComboBox* combo, ControlId id);
   QLabel* MakeStatus();
+  TextBox* TextOfPage() const;
   QWidget* MakeClassicPage();
   QWidget* MakeTopBar();
   QWidget* MakeModeSwitch();

@@ -4,7 +4,6 @@
 #include <QPushButton>
 
 #include "app/captions.h"
-#include "ui/qt/cut_page.h"
 #include "ui/qt/main_window.h"
 #include "ui/qt/qt_text.h"
 #include "ui/qt/save_question.h"
@@ -74,7 +73,7 @@ std::optional<std::filesystem::path> MainWindow::AskSave(const SaveQuestion& que
 
 // In the text box of the page that is shown.
 void MainWindow::EditText(MenuCommand command) {
-  TextBox* const box = presenter_->mode() == WindowMode::kCut ? cut_page_->text() : text_;
+  TextBox* const box = TextOfPage();
   switch (command) {
     case MenuCommand::kUndo:
       box->undo();
