@@ -4,6 +4,15 @@
 #include <utility>
 
 namespace kerno {
+namespace {
+
+thread_local Background* of_this_thread = nullptr;
+
+}  // namespace
+
+Background* Background::OfThisThread() {
+  return of_this_thread;
+}
 
 void Background::Stop() {
   {
@@ -32,6 +41,7 @@ void Background::Run(std::function<void()> work, std::function<void()> done) {
 }
 
 void Background::WorkOn() {
+  of_this_thread = this;
   for (;;) {
     Piece piece;
     {

@@ -48,7 +48,9 @@ class Background {
 
   // For the worker.
 
-  bool IsWorker() const { return std::this_thread::get_id() == worker_.get_id(); }
+  // The one whose piece runs on this thread; null elsewhere.
+  static Background* OfThisThread();
+  bool IsWorker() const { return OfThisThread() == this; }
   Continue Progress(std::u16string_view text, double part);
   void ShowWait(std::u16string_view text);
   // Waits until the user has answered; false where the work is to stop.

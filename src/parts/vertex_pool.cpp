@@ -14,8 +14,7 @@ constexpr size_t kScanned = 12;        // pools up to this size are scanned: fas
 constexpr size_t kLimitApplies = 101;  // pools from this size on obey MaxSearch
 constexpr uint32_t kReadLimitEvery = 1000;
 
-// Shared by all searches of a thread: what is written beside the window hangs on nothing that the
-// window does meanwhile.
+// Shared by all searches of a thread: a window draws while another thread writes.
 // Classic: the direction outlives the pool; which of two equal points is found, and so the indices
 // in files, hangs on it.
 struct SearchState {
@@ -232,22 +231,21 @@ void P3A::Append(const P3& point) {
 int32_t P3A::Search(const P3& point) const {
   const size_t count = points_.size();
   const size_t lowest = LowestSearched(count);
-  bool& backward = state.backward;
   int64_t found = -1;
-  if (lowest < count && backward && points_.back() == point) {
+  if (lowest < count && state.backward && points_.back() == point) {
     found = static_cast<int64_t>(count) - 1;  // what a chain of lines asks for
   } else if (count <= kScanned || HasNan(point)) {
-    found = backward ? ScanBackward(points_.data(), lowest, count, point)
-                     : ScanForward(points_.data(), lowest, count, point);
+    found = state.backward ? ScanBackward(points_.data(), lowest, count, point)
+                           : ScanForward(points_.data(), lowest, count, point);
   } else {
     if (!index_) index_ = std::make_unique<Index>();
     index_->CatchUp(points_);
-    found = backward ? index_->FindLast(points_, lowest, point)
-                     : index_->FindFirst(points_, lowest, point);
+    found = state.backward ? index_->FindLast(points_, lowest, point)
+                           : index_->FindFirst(points_, lowest, point);
   }
   if (found < 0) return -1;
   const auto middle = static_cast<int64_t>(count / 2);
-  if (backward ? found < middle : found > middle) backward = !backward;
+  if (state.backward ? found < middle : found > middle) state.backward = !state.backward;
   return static_cast<int32_t>(found);
 }
 

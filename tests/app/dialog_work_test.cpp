@@ -209,6 +209,19 @@ TEST_F(DialogWork, EndingInTheMidstOfAQuestionStopsTheWork) {
   EXPECT_FALSE(std::filesystem::exists(folder / "Plain_100_.svg"));
 }
 
+TEST_F(DialogWork, OtherThreadsTellThroughTheWindowsOwn) {
+  std::thread([] {
+    CurrentNotices().Message(u"told elsewhere");
+    CurrentNotices().ShowWait(u"waits elsewhere");
+    EXPECT_EQ(Continue::kYes, CurrentNotices().Progress(u"goes on elsewhere", 1, 2));
+  }).join();
+  EXPECT_TRUE(view.messages.empty());
+  EXPECT_EQ(0, view.progress_calls);
+  EXPECT_THAT(Status(), Not(HasSubstr("elsewhere")));
+  presenter->Awake();
+  EXPECT_THAT(view.messages, testing::ElementsAre(u"told elsewhere"));
+}
+
 TEST_F(DialogWork, TheLastMomentIsSilent) {
   services.failing = "text";
   presenter->SaveNow();

@@ -146,6 +146,22 @@ TEST_F(ViewTest, KeysMoveThePreview) {
   EXPECT_TRUE(model.shows_all());
 }
 
+TEST_F(ViewTest, CaptionsFollowTheLanguageAtOnce) {
+  Show(services);
+  const struct {
+    MenuCommand language;
+    const char16_t *paste, *quit, *height;
+  } cases[] = {{MenuCommand::kLanguageJapanese, u"貼り付け", u"終了", u"高さ(&H)"},
+               {MenuCommand::kLanguageGerman, u"Einfügen", u"Beenden", u"&Höhe"},
+               {MenuCommand::kLanguageEnglish, u"Paste", u"Quit", u"&Height"}};
+  for (const auto& c : cases) {
+    view->presenter().Chosen(c.language);
+    EXPECT_EQ(c.paste, view->TextOf(kPaste));
+    EXPECT_EQ(c.quit, view->TextOf(kQuit));
+    EXPECT_EQ(c.height, view->TextOf(kHeightLabel));
+  }
+}
+
 TEST_F(ViewTest, LongOutputsAreCancelled) {
   SlowServices slow;
   slow.folder = folder.path();

@@ -47,6 +47,7 @@ class WindowsViewTest : public testing::Test {
 };
 
 TEST_F(WindowsViewTest, TheSystemMenuTellsTheVersion) {
+  services.locale = u"ja-JP";
   Show();
   wchar_t entry[64] = {};
   GetMenuStringW(GetSystemMenu(view->window, FALSE), 16, entry, 64, MF_BYCOMMAND);
