@@ -631,9 +631,17 @@ constexpr CaptionRow kRows[] = {
     // The Cut page: series.
 
     // What the views alone show.
+    {u"Classic", u"クラシック", u"Klassisch"},
+    {u"Folder of the files", u"ファイルのフォルダー", u"Ordner der Dateien"},
     {u"Msftedit.dll: the rich edit control is not there",
      u"Msftedit.dll: リッチエディットコントロールがありません",
      u"Msftedit.dll: das Rich-Edit-Steuerelement fehlt"},
+    {u"Print", u"印刷", u"Drucken"},
+    {u"The drawing is {}, the page has room for {}. What does not fit is cut off.",
+     u"図面は {}、用紙に入るのは {} です。入らない部分は印刷されません。",
+     u"Die Zeichnung ist {}, auf die Seite passen {}. Was nicht passt, wird abgeschnitten."},
+    {u"The printer cannot be used.", u"プリンターを使用できません。",
+     u"Der Drucker lässt sich nicht benutzen."},
     {u"The window cannot be created.", u"ウィンドウを作成できません。",
      u"Das Fenster lässt sich nicht erzeugen."},
 };
