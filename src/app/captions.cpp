@@ -96,7 +96,7 @@ constexpr CaptionRow kRows[] = {
     {u"As the s&ystem", u"システムに合わせる(&Y)", u"Wie das S&ystem"},
     {u"Colour index (DXF): &nearest colour", u"色番号 (DXF): 最も近い色(&N)",
      u"Farbnummer (DXF): &nächste Farbe"},
-    {u"Colour index (DXF): c&lassic rule", u"色番号 (DXF): 従来の規則(&L)",
+    {u"Colour index (DXF): classic &rule", u"色番号 (DXF): 従来の規則(&R)",
      u"Farbnummer (DXF): &klassische Regel"},
     {u"Contours as &faces", u"輪郭を面にする(&F)", u"Konturen als &Flächen"},
     {u"Contours as &lines", u"輪郭を線にする(&L)", u"Konturen als &Linien"},
@@ -631,9 +631,17 @@ constexpr CaptionRow kRows[] = {
     // The Cut page: series.
 
     // What the views alone show.
+    {u"Classic", u"クラシック", u"Klassisch"},
+    {u"Folder of the files", u"ファイルのフォルダー", u"Ordner der Dateien"},
     {u"Msftedit.dll: the rich edit control is not there",
      u"Msftedit.dll: リッチエディットコントロールがありません",
      u"Msftedit.dll: das Rich-Edit-Steuerelement fehlt"},
+    {u"Print", u"印刷", u"Drucken"},
+    {u"The drawing is {}, the page has room for {}. What does not fit is cut off.",
+     u"図面は {}、用紙に入るのは {} です。入らない部分は印刷されません。",
+     u"Die Zeichnung ist {}, auf die Seite passen {}. Was nicht passt, wird abgeschnitten."},
+    {u"The printer cannot be used.", u"プリンターを使用できません。",
+     u"Der Drucker lässt sich nicht benutzen."},
     {u"The window cannot be created.", u"ウィンドウを作成できません。",
      u"Das Fenster lässt sich nicht erzeugen."},
 };

@@ -111,7 +111,7 @@ constexpr MenuRow kOptionRows[] = {
     {MenuCommand::kLinesAndFaces, true, false, u"Contours as lines &and faces", u""},
     {MenuCommand::kPitchClassic, true, true, u"Vertical pitch: by the &ink", u""},
     {MenuCommand::kPitchCell, true, false, u"Vertical pitch: by the &cell", u""},
-    {MenuCommand::kAciClassic, true, true, u"Colour index (DXF): c&lassic rule", u""},
+    {MenuCommand::kAciClassic, true, true, u"Colour index (DXF): classic &rule", u""},
     {MenuCommand::kAciNearest, true, false, u"Colour index (DXF): &nearest colour", u""},
 };
 constexpr MenuRow kHelpRows[] = {
@@ -154,6 +154,16 @@ const ControlRow* FindControl(ControlId id) {
 
 const ControlRow& Control(ControlId id) {
   return *FindControl(id);
+}
+
+std::u16string MarkedCaption(std::u16string_view caption, std::u16string_view shortcut) {
+  std::u16string marked(caption);
+  constexpr std::u16string_view kAlt = u"Alt+";
+  if (!shortcut.starts_with(kAlt)) return marked;
+  std::erase(marked, u'&');
+  const size_t letter = marked.find(shortcut.substr(kAlt.size()));
+  if (letter != std::u16string::npos) marked.insert(letter, 1, u'&');
+  return marked;
 }
 
 bool HasDropDown(ControlKind kind) {
