@@ -51,13 +51,13 @@ void Background::WorkOn() {
       piece = std::move(waiting_.front());
       waiting_.pop_front();
       runs_ = true;
-      cancelled_ = false;
       shown_ = {};
     }
     piece.work();
     {
       const std::lock_guard lock(mutex_);
       runs_ = false;
+      cancelled_ = stops_;
       shown_ = {};
       ended_.push_back(std::move(piece.done));
     }

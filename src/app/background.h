@@ -40,7 +40,7 @@ class Background {
   // Whether a piece runs, waits, or has ended and Finish was not called since.
   bool IsBusy() const;
   WorkShown Look() const;
-  // Asks the piece under way to stop.
+  // Asks the piece under way, or else the next one, to stop.
   void Cancel();
   void Answer(bool yes);
   // Asks the piece under way to stop, waits for it, and drops those after it; for good.

@@ -96,7 +96,7 @@ constexpr CaptionRow kRows[] = {
     {u"As the s&ystem", u"システムに合わせる(&Y)", u"Wie das S&ystem"},
     {u"Colour index (DXF): &nearest colour", u"色番号 (DXF): 最も近い色(&N)",
      u"Farbnummer (DXF): &nächste Farbe"},
-    {u"Colour index (DXF): c&lassic rule", u"色番号 (DXF): 従来の規則(&L)",
+    {u"Colour index (DXF): classic &rule", u"色番号 (DXF): 従来の規則(&R)",
      u"Farbnummer (DXF): &klassische Regel"},
     {u"Contours as &faces", u"輪郭を面にする(&F)", u"Konturen als &Flächen"},
     {u"Contours as &lines", u"輪郭を線にする(&L)", u"Konturen als &Linien"},
