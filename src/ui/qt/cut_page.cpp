@@ -311,7 +311,7 @@ void CutPage::LayOut() {
 }
 
 QWidget* CutPage::MakePanel() {
-  panel_ = new QWidget;
+  panel_ = new QWidget(this);  // the order of the Tab key is the window's
   grid_ = new QGridLayout(panel_);
   grid_->setContentsMargins(0, 0, 6, 0);
   grid_->setColumnStretch(1, 1);

@@ -183,7 +183,7 @@ QWidget* MainWindow::MakeClassicPage() {
   auto* page = new QWidget(this);
   auto* outer = new QVBoxLayout(page);
   outer->setContentsMargins(0, 0, 0, 0);
-  auto* content = new QWidget;
+  auto* content = new QWidget(page);
   auto* lines = new QVBoxLayout(content);
   lines->setContentsMargins(0, 0, 0, 0);
   auto* scroller = new QScrollArea(page);
