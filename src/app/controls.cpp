@@ -156,6 +156,16 @@ const ControlRow& Control(ControlId id) {
   return *FindControl(id);
 }
 
+std::u16string MarkedCaption(std::u16string_view caption, std::u16string_view shortcut) {
+  std::u16string marked(caption);
+  constexpr std::u16string_view kAlt = u"Alt+";
+  if (!shortcut.starts_with(kAlt)) return marked;
+  std::erase(marked, u'&');
+  const size_t letter = marked.find(shortcut.substr(kAlt.size()));
+  if (letter != std::u16string::npos) marked.insert(letter, 1, u'&');
+  return marked;
+}
+
 bool HasDropDown(ControlKind kind) {
   return kind == ControlKind::kFaceCombo || kind == ControlKind::kTextCombo ||
          kind == ControlKind::kColorCombo;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace kerno {
@@ -159,6 +160,10 @@ struct ControlRow {
 std::span<const ControlRow> Controls();
 const ControlRow* FindControl(ControlId id);  // null where there is none
 const ControlRow& Control(ControlId id);      // there is one
+
+// The caption with "&" before the letter that presses the control: that of its own shortcut where
+// it has one (captions may share a letter), else the one that the caption marks.
+std::u16string MarkedCaption(std::u16string_view caption, std::u16string_view shortcut);
 
 // Whether the control has a list that drops down.
 bool HasDropDown(ControlKind kind);

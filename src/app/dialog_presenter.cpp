@@ -108,7 +108,7 @@ void DialogPresenter::Open() {
   ShowMenu();
   ShowHeightFault();
   WindowPlace place = memory_.window;
-  place.normal = KeepInSight(place.normal, view_.Screens());
+  place.normal = KeepInSight(StepAside(place.normal, services_.WindowsBefore()), view_.Screens());
   view_.PlaceWindow(place);
   Rebuild();
 }

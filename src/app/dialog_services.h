@@ -56,6 +56,9 @@ class DialogServices {
   // A failure is also reported as a message.
   virtual Status SaveText(std::u16string_view text) = 0;
 
+  // How many windows of the program stand already, in other runs; the same answer throughout a run.
+  virtual int WindowsBefore() { return 0; }
+
   // The default folder of the outputs, and opening a folder in the shell.
   virtual std::filesystem::path DefaultOutputFolder() = 0;
   virtual bool OpenFolder(const std::filesystem::path& folder) = 0;

@@ -1,5 +1,7 @@
 #include "app/system_services.h"
 
+#include <string>
+
 #include "app/dialog_settings.h"
 #include "app/font_face_list.h"
 #include "base/file_wait.h"
@@ -18,6 +20,8 @@ namespace kerno {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr int kMostMarks = 16;
 
 // Faces that can be outlined; the "@" check box puts the "@" in front.
 class OutlineFaces final : public FontFaceList {
@@ -64,6 +68,23 @@ std::u16string SystemServices::LoadSavedText() {
 
 Status SystemServices::SaveText(std::u16string_view text) {
   return SaveDialogText(text);
+}
+
+// Each run holds the first mark that is free, a file of its own.
+int SystemServices::WindowsBefore() {
+  if (windows_before_) return *windows_before_;
+  const fs::path folder = OwnTempFolder();
+  windows_before_ = 0;
+  if (folder.empty()) return 0;
+  for (int number = 0; number < kMostMarks; ++number) {
+    const fs::path mark = folder / ("Kerno-window-" + std::to_string(number));
+    (void)CreateNewFile(mark, "");  // it may stand there from an earlier run
+    Status status = Status::Ok();
+    window_mark_ = HeldFile::Open(mark, Deny::kAll, &status);
+    if (window_mark_) windows_before_ = number;
+    if (window_mark_ || status.failure != Failure::kSharingViolation) break;
+  }
+  return *windows_before_;
 }
 
 fs::path SystemServices::DefaultOutputFolder() {

@@ -1,9 +1,13 @@
 // The main window's services as the real program has them.
 #pragma once
 
+#include <memory>
+#include <optional>
+
 #include "app/dialog_services.h"
 #include "base/folders.h"
 #include "parts/ipx_cache.h"
+#include "platform/held_file.h"
 
 namespace kerno {
 
@@ -19,6 +23,7 @@ class SystemServices : public DialogServices {
   Status Save(const DialogMemory& memory) override;
   std::u16string LoadSavedText() override;
   Status SaveText(std::u16string_view text) override;
+  int WindowsBefore() override;
   std::filesystem::path DefaultOutputFolder() override;
   bool OpenFolder(const std::filesystem::path& folder) override;
   Status WriteBytes(const std::filesystem::path& file, std::string_view bytes) override;
@@ -35,6 +40,8 @@ class SystemServices : public DialogServices {
  private:
   IpxCache cache_;
   DialogMemory loaded_;  // as the settings had it
+  std::unique_ptr<HeldFile> window_mark_;
+  std::optional<int> windows_before_;
 };
 
 }  // namespace kerno

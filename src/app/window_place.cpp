@@ -7,6 +7,9 @@ namespace {
 
 constexpr int32_t kGripWidth = 120;  // of the title bar, enough to drag the window by
 constexpr int32_t kGripHeight = 24;
+constexpr int32_t kAside = 32;
+constexpr ContentSize kFirstSize = {860, 680};
+constexpr ContentSize kFrameRoom = {16, 44};  // what frames need at most
 
 int64_t Width(const WindowRect& r) {
   return static_cast<int64_t>(r.right) - r.left;
@@ -40,6 +43,17 @@ WindowRect KeepInSight(const WindowRect& wanted, std::span<const WindowRect> scr
   const int64_t height = std::min(Height(wanted), Height(first));
   return Sized(static_cast<int32_t>(first.left + (Width(first) - width) / 2),
                static_cast<int32_t>(first.top + (Height(first) - height) / 2), width, height);
+}
+
+WindowRect StepAside(const WindowRect& wanted, int windows_before) {
+  if (wanted == WindowRect{}) return wanted;
+  const int32_t by = kAside * windows_before;
+  return {wanted.left + by, wanted.top + by, wanted.right + by, wanted.bottom + by};
+}
+
+ContentSize FirstSize(int room_width, int room_height) {
+  return {std::min(kFirstSize.width, room_width - kFrameRoom.width),
+          std::min(kFirstSize.height, room_height - kFrameRoom.height)};
 }
 
 }  // namespace kerno

@@ -11,4 +11,14 @@ namespace kerno {
 // otherwise moved onto the first screen. An empty rectangle, or no screen, stays as it is.
 WindowRect KeepInSight(const WindowRect& wanted, std::span<const WindowRect> screens);
 
+// The rectangle moved down and to the right by a title bar for each window that stands already, so
+// that a new one covers none of their title bars. An empty rectangle stays as it is.
+WindowRect StepAside(const WindowRect& wanted, int windows_before);
+
+// The size of a first window's content on a screen with this room, which its frame needs, too.
+struct ContentSize {
+  int width, height;
+};
+ContentSize FirstSize(int room_width, int room_height);
+
 }  // namespace kerno

@@ -10,7 +10,10 @@
 #include "app/controls.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_hints.h"
+#include "ui/win32/key_table.h"
+#include "ui/win32/looks.h"
 #include "ui/win32/resource.h"
+#include "ui/win32/window_menu.h"
 #include "ui/win32/windows_controls.h"
 
 namespace kerno {
@@ -48,39 +51,6 @@ constexpr KindOfWindow kKinds[] = {
     {ControlKind::kPreview, L"STATIC", SS_NOTIFY | WS_TABSTOP, WS_EX_CLIENTEDGE},
     {ControlKind::kStatus, L"STATIC", SS_LEFT | SS_NOPREFIX | SS_NOTIFY | WS_GROUP},
 };
-
-const wchar_t* Wide(const char16_t* text) {
-  return reinterpret_cast<const wchar_t*>(text);
-}
-
-// The key and modifiers of "Ctrl+O", "Alt+B", "F1".
-ACCEL ParseShortcut(std::u16string_view shortcut, int command) {
-  ACCEL accelerator{};
-  accelerator.fVirt = FVIRTKEY;
-  accelerator.cmd = static_cast<WORD>(command);
-  const auto take = [&shortcut](std::u16string_view prefix) {
-    if (!shortcut.starts_with(prefix)) return false;
-    shortcut.remove_prefix(prefix.size());
-    return true;
-  };
-  for (;;) {
-    if (take(u"Ctrl+")) {
-      accelerator.fVirt |= FCONTROL;
-    } else if (take(u"Alt+")) {
-      accelerator.fVirt |= FALT;
-    } else if (take(u"Shift+")) {
-      accelerator.fVirt |= FSHIFT;
-    } else {
-      break;
-    }
-  }
-  if (shortcut.size() == 1) {
-    accelerator.key = shortcut[0];
-  } else if (shortcut.size() == 2 && shortcut[0] == u'F') {
-    accelerator.key = static_cast<WORD>(VK_F1 + (shortcut[1] - u'1'));
-  }
-  return accelerator;
-}
 
 }  // namespace
 
@@ -172,9 +142,7 @@ void MainWindow::LearnDensity() {
   const auto set_behavior = reinterpret_cast<SetBehavior>(reinterpret_cast<void*>(
       GetProcAddress(GetModuleHandleW(L"user32.dll"), "SetDialogDpiChangeBehavior")));
   if (set_behavior != nullptr) set_behavior(window_, DDC_DISABLE_ALL, DDC_DISABLE_ALL);
-  first_dpi_ = dpi_ = static_cast<int>(GetDpiForWindow(window_));
-  GetObjectW(reinterpret_cast<HFONT>(SendMessageW(window_, WM_GETFONT, 0, 0)), sizeof first_font_,
-             &first_font_);
+  dpi_ = static_cast<int>(GetDpiForWindow(window_));
 }
 
 void MainWindow::InitDialog() {
@@ -188,7 +156,8 @@ void MainWindow::InitDialog() {
   SendMessageW(window_, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon_));
   SendMessageW(window_, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(small_icon_));
   AddSystemMenuEntry();
-  MakeMenu();
+  menu_ = MakeWindowMenu();
+  SetMenu(window_, menu_);
   MakeAccelerators();
   MakeControls();
   text_.emplace(Item(ControlId::kText));
@@ -205,29 +174,38 @@ void MainWindow::InitDialog() {
     ShowControlText(ControlId::kFace, face);
     presenter_->TextChanged(ControlId::kFace, face);
   };
-  hints_ = AddControlHints(instance_, window_);
-  AddControlNames(window_);
+  hints_ = MakeHints(instance_, window_);
+  ShowHints();
   DragAcceptFiles(window_, TRUE);
   ready_ = true;
-  SizeItems();
+  ShowFont();
+  LearnLooks();
+  ShowLooks();
 }
 
 // The Tab key goes from one to the next in the order in which they are made.
 void MainWindow::MakeControls() {
-  const auto font = static_cast<WPARAM>(SendMessageW(window_, WM_GETFONT, 0, 0));
   for (const ControlRow& row : Controls()) {
     if (row.line == WindowLine::kAboutBox) continue;
     const auto* const kind =
         std::find_if(std::begin(kKinds), std::end(kKinds),
                      [&](const KindOfWindow& candidate) { return candidate.kind == row.kind; });
     const DWORD shown = row.hidden ? 0 : WS_VISIBLE;
-    const HWND control =
-        CreateWindowExW(kind->more_style | WS_EX_NOPARENTNOTIFY, kind->class_name,
-                        Wide(row.caption), kind->style | WS_CHILD | shown, 0, 0, 0, 0, window_,
-                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)), instance_, nullptr);
-    SendMessageW(control, WM_SETFONT, font, FALSE);
+    CreateWindowExW(kind->more_style | WS_EX_NOPARENTNOTIFY, kind->class_name,
+                    ToWide(MarkedCaption(Say(row.caption), row.shortcut)).c_str(),
+                    kind->style | WS_CHILD | shown, 0, 0, 0, 0, window_,
+                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)), instance_, nullptr);
   }
   SendMessageW(window_, DM_SETDEFID, static_cast<WPARAM>(ControlId::kOk), 0);
+}
+
+void MainWindow::ShowHints() {
+  for (const ControlRow& row : Controls()) {
+    const HWND control = Item(row.id);
+    if (control == nullptr || row.id == ControlId::kStatus) continue;  // its text says all
+    ShowHint(hints_, window_, control, Say(row.hint));
+    if (*row.caption == u'\0' && *row.name != u'\0') NameControl(control, Say(row.name));
+  }
 }
 
 void MainWindow::AddSystemMenuEntry() {
@@ -238,33 +216,16 @@ void MainWindow::AddSystemMenuEntry() {
               ToWide(Say(about.caption)).c_str());
 }
 
-void MainWindow::MakeMenu() {
-  menu_ = CreateMenu();
-  for (const MenuColumn& column : Menu()) {
-    const HMENU popup = CreatePopupMenu();
-    for (const MenuRow& row : column.rows) {
-      if (row.separator_before) AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
-      std::wstring caption = ToWide(Say(row.caption));
-      if (*row.shortcut != u'\0') caption += std::wstring(L"\t") + Wide(row.shortcut);
-      AppendMenuW(popup, MF_STRING, static_cast<UINT_PTR>(row.command), caption.c_str());
-    }
-    AppendMenuW(menu_, MF_POPUP, reinterpret_cast<UINT_PTR>(popup),
-                ToWide(Say(column.caption)).c_str());
-  }
-  SetMenu(window_, menu_);
-}
-
 void MainWindow::MakeAccelerators() {
   std::vector<ACCEL> keys;
   for (const MenuColumn& column : Menu()) {
     for (const MenuRow& row : column.rows) {
-      if (*row.shortcut == u'\0' || IsEditCommand(row.command)) continue;
-      keys.push_back(ParseShortcut(row.shortcut, static_cast<int>(row.command)));
+      // The text box knows those of the edit commands by itself.
+      if (!IsEditCommand(row.command)) AppendKeys(row.shortcut, static_cast<int>(row.command), &keys);
     }
   }
   for (const ControlRow& row : Controls()) {
-    if (*row.shortcut != u'\0')
-      keys.push_back(ParseShortcut(row.shortcut, static_cast<int>(row.id)));
+    AppendKeys(row.shortcut, static_cast<int>(row.id), &keys);
   }
   accelerators_ = CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size()));
 }

@@ -97,7 +97,6 @@ class MainWindow final : private DialogView {
   void LearnDensity();
   void MakeControls();
   void AddSystemMenuEntry();
-  void MakeMenu();
   void MakeAccelerators();
   bool Command(int id, int notification);
   void ComboCommand(const ControlRow& row, int notification);
@@ -106,16 +105,34 @@ class MainWindow final : private DialogView {
   void DrawItem(const DRAWITEMSTRUCT& item);
   void Dropped(HDROP drop);
   void OfferFaces(int notification);
+  struct Group;
+  struct Heights {
+    int field = 0;    // of one control
+    int fields = 0;   // of the lines between text and preview, gaps included
+    int outputs = 0;  // of the buttons, gaps included
+    int rest = 0;     // of all but text and preview
+  };
+  int LeastWidth(const ControlRow& row) const;
+  std::vector<std::vector<Group>> Wrapped(WindowLine line, int width) const;
+  Heights HeightsFor(int width) const;
+  int LeastHeight(int width) const;
   void LayOut();
-  void LayOutLine(WindowLine line, int top, int height);
+  int LayOutLine(WindowLine line, int top, int height, int between);
+  void BoundSize(MINMAXINFO& bounds) const;
+  void ShowFont();
+  void ShowHints();
+  void ShowLooks();
+  void ShowCurrentFace();
   void SizeItems();
   void SizeDropDowns();
   int RowsBelow(ControlId combo) const;
   void DensityChanged(int dpi, const RECT& place);
+  HBRUSH GroundOf(UINT message, HDC dc, HWND control) const;
   void PaintIcon();
   void PaintPreview(HDC dc);
   void QueueMessage(WaitingMessage message);
   void ShowWaitingMessages();
+  WindowRect FirstPlace() const;
   HBRUSH FaultBrush(HDC dc, HWND edit) const;
   bool EndsShortcut(const MSG& message);
   bool SwallowsEscape(const MSG& message) const;
@@ -136,9 +153,7 @@ class MainWindow final : private DialogView {
   HICON icon_ = nullptr;
   HICON small_icon_ = nullptr;
   int dpi_ = USER_DEFAULT_SCREEN_DPI;
-  int first_dpi_ = USER_DEFAULT_SCREEN_DPI;  // for which the dialog's own font was made
-  LOGFONTW first_font_{};
-  HFONT font_ = nullptr;  // in its place since the density changed
+  HFONT font_ = nullptr;  // of the captions
   std::optional<TextBox> text_;
   std::optional<FaceSuggestions> suggestions_;
   std::optional<ProgressWindow> progress_;
