@@ -84,8 +84,8 @@ constexpr FieldRow kFields[] = {
     {Id::kGrid, "grid", u"off"},
 };
 
-constexpr std::string_view kFaceOptions[] = {"--face", "--style", "--variation", "--font-file",
-                                             "--stroke-font"};
+constexpr const char* kFaceOptions[] = {"--face", "--style", "--variation", "--font-file",
+                                        "--stroke-font"};
 
 double MillimetresOf(std::u16string_view unit) {
   return unit == u"in" ? kMillimetresPerInch : unit == u"pt" ? kMillimetresPerInch / 72 : 1;
@@ -176,13 +176,20 @@ void CutForm::ChangeUnit(size_t index) {
   Set(Id::kSizeUnit, unit);
 }
 
-void CutForm::SetFace(CutTexts face) {
+void CutForm::SetFace(std::span<const FaceOption> options) {
   face_.clear();
-  face.ForEachText([&](const char* option, const std::string* value) {
-    const bool is_of_face =
-        std::ranges::find(kFaceOptions, std::string_view(option)) != std::end(kFaceOptions);
-    if (is_of_face && !value->empty()) face_[option] = Utf8ToUtf16Lossy(*value);
-  });
+  for (const auto& [option, value] : options) {
+    if (!value.empty()) face_.emplace(option, value);
+  }
+}
+
+std::vector<FaceOption> CutForm::Face() const {
+  std::vector<FaceOption> options;
+  for (const char* option : kFaceOptions) {
+    const auto found = face_.find(option);
+    options.emplace_back(option, found == face_.end() ? u"" : found->second);
+  }
+  return options;
 }
 
 bool CutForm::IsOfStrokes() const {

@@ -14,6 +14,7 @@
 #include "app/controls.h"
 #include "app/cut_memory.h"
 #include "app/cut_texts.h"
+#include "app/face_catalogue.h"
 #include "app/reports.h"
 #include "app/sheet_texts.h"
 
@@ -58,7 +59,8 @@ class CutForm {
   void ChangeUnit(size_t index);
 
   // The face as options of `kerno cut`.
-  void SetFace(CutTexts face);
+  void SetFace(std::span<const FaceOption> options);
+  std::vector<FaceOption> Face() const;
   bool IsOfStrokes() const;
 
   // Which fields the size is given by.

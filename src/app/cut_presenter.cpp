@@ -53,7 +53,7 @@ void CutPresenter::Open() {
 void CutPresenter::FillFaces() {
   catalogue_.Read(LanguageTag());
   samples_.Forget();
-  pick_ = catalogue_.PickOf(form_.Texts());
+  pick_ = catalogue_.PickOf(form_.Face());
   ShowRows();
   ShowPick();
   Rebuild();
@@ -224,7 +224,7 @@ void CutPresenter::AxisMoved(size_t axis, double place) {
     for (const FaceAxis& each : axes) pick_->places.push_back(each.place);
   }
   pick_->places[axis] = place;
-  TakePick();
+  form_.SetFace(catalogue_.OptionsOf(*pick_));
   Changed();
 }
 
@@ -323,9 +323,8 @@ void CutPresenter::TakeDrawing(std::shared_ptr<const CutDrawing> made) {
   view_.RepaintPreview();
   // A face that was left to the system is the one that it gave.
   if (!pick_ && !made_->faces.empty() && catalogue_.size() > 0 && !form_.IsOfStrokes()) {
-    CutTexts given;
-    given.Set("--face", Utf16ToUtf8(made_->faces.front().family));
-    pick_ = catalogue_.PickOf(given);
+    const FaceOption option = {"--face", made_->faces.front().family};
+    pick_ = catalogue_.PickOf({&option, 1});
     if (pick_) ShowPick();
   }
 }
@@ -399,15 +398,9 @@ void CutPresenter::ShowPick() {
   view_.ShowAxes(axes);
 }
 
-void CutPresenter::TakePick() {
-  CutTexts face;
-  catalogue_.SetOn(*pick_, &face);
-  form_.SetFace(std::move(face));
-}
-
 void CutPresenter::PickFace(FacePick pick) {
   pick_ = std::move(pick);
-  TakePick();
+  form_.SetFace(catalogue_.OptionsOf(*pick_));
   ShowPick();
   ShowSizeFields();
   Changed();

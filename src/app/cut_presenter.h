@@ -110,7 +110,6 @@ class CutPresenter {
 
   void ShowRows();
   void ShowPick();
-  void TakePick();
   void PickFace(FacePick pick);
   void PickRow(size_t row);
   void PickFilter(size_t index);

@@ -136,8 +136,9 @@ void CutPresenter::ShowMenus() {
       {.text = Say(u"Favourites only"), .checked = filter_.favourites},
       {.text = Say(u"Fonts of strokes only"), .checked = filter_.strokes},
       {.text = Say(u"All scripts"), .checked = filter_.script.empty(), .separator_before = true}};
-  for (const std::u16string_view script : catalogue_.Scripts()) {
-    filters.push_back({.text = Say(script), .checked = script == filter_.script});
+  for (const std::string& script : catalogue_.Scripts()) {
+    const std::u16string name(script.begin(), script.end());
+    filters.push_back({.text = Say(name), .checked = script == filter_.script});
   }
   view_.ShowMenuItems(Id::kFaceFilter, filters);
 }
@@ -173,7 +174,7 @@ void CutPresenter::PickFilter(size_t index) {
   } else if (index == 2) {
     filter_.strokes = !filter_.strokes;
   } else if (index == 3) {
-    filter_.script = {};
+    filter_.script.clear();
   } else if (index - 4 < scripts.size()) {
     filter_.script = scripts[index - 4];
   }
@@ -194,11 +195,11 @@ void CutPresenter::PickPreset(size_t index) {
     return ShowMenus();
   } else {
     preset_.clear();
-    CutTexts face = form_.Texts();
+    const std::vector<FaceOption> face = form_.Face();
     form_.Restore({});
-    form_.SetFace(std::move(face));
+    form_.SetFace(face);
   }
-  pick_ = catalogue_.PickOf(form_.Texts());
+  pick_ = catalogue_.PickOf(form_.Face());
   ShowForm();
   ShowRows();
   ShowPick();

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "app/captions.h"
+#include "app/cut_presenter.h"
 #include "app/height_text.h"
 #include "app/status_text.h"
 #include "app/text_source.h"
@@ -19,9 +20,9 @@ namespace {
 constexpr uint32_t kSlowRebuild = 60;  // milliseconds from which changes are gathered
 constexpr DrawOptions kPreviewOptions = {.detail = 0.5};
 constexpr double kUnseenDetail = 0.25;  // pixels: less than what drawing leaves out
-constexpr double kFlat = 2;          // pixels
-constexpr int kGatherFor = 250;      // milliseconds without a change until they are set
-constexpr int kProgressPause = 100;  // milliseconds between two looks at work beside the window
+constexpr double kFlat = 2;             // pixels
+constexpr int kGatherFor = 250;         // milliseconds without a change until they are set
+constexpr int kProgressPause = 100;     // milliseconds between two looks at work beside the window
 
 std::vector<ColorChoice> Said(std::vector<ColorChoice> colors) {
   for (ColorChoice& choice : colors) choice.name = Say(choice.name);
@@ -111,6 +112,33 @@ void DialogPresenter::Open() {
   place.normal = KeepInSight(StepAside(place.normal, services_.WindowsBefore()), view_.Screens());
   view_.PlaceWindow(place);
   Rebuild();
+  if (!cut_) memory_.mode = WindowMode::kClassic;
+  ShowMode();
+}
+
+void DialogPresenter::ChooseMode(WindowMode mode) {
+  if (mode == memory_.mode || !cut_) return;
+  TakeCutText();
+  memory_.mode = mode;
+  ShowMode();
+}
+
+// What was typed on the Cut page is the text of both.
+void DialogPresenter::TakeCutText() {
+  if (memory_.mode != WindowMode::kCut || !cut_is_filled_ || cut_->text() == text_) return;
+  view_.ShowText(cut_->text(), TextChange::kUndoable);
+  LinesChanged(cut_->text());
+}
+
+void DialogPresenter::ShowMode() {
+  view_.ShowMode(memory_.mode);
+  if (memory_.mode != WindowMode::kCut) return;
+  if (!cut_is_filled_) {
+    cut_is_filled_ = true;
+    cut_->Open();
+    cut_->FillFaces();
+  }
+  cut_->TakeText(text_);
 }
 
 void DialogPresenter::FillFaces() {
@@ -121,6 +149,7 @@ void DialogPresenter::FillFaces() {
 }
 
 void DialogPresenter::Remember() {
+  TakeCutText();
   const WindowPlace place = view_.PlaceOfWindow();
   memory_.window.show = place.show;
   if (place.show != WindowShow::kMinimised) memory_.window.normal = place.normal;
@@ -135,7 +164,8 @@ bool DialogPresenter::Close() {
   const bool last = told_unsaved_;
   Remember();
   is_quiet_ = last;
-  const Status saved = services_.Save(memory_);
+  Status saved = services_.Save(memory_);
+  if (saved.ok() && cut_is_filled_) saved = cut_->Keep();
   const bool text_saved = services_.SaveText(text_).ok();  // tells its failure itself
   is_quiet_ = false;
   if (last || (saved.ok() && text_saved)) return true;
@@ -150,6 +180,7 @@ void DialogPresenter::SaveNow() {
   is_quiet_ = true;
   Remember();
   (void)services_.Save(memory_);  // nobody is there to be told
+  if (cut_is_filled_) (void)cut_->Keep();
   (void)services_.SaveText(text_);
   is_quiet_ = false;
 }
@@ -197,6 +228,7 @@ void DialogPresenter::ShowLooksAgain() {
   ShowTextFormat();
   ShowStatusAgain();
   view_.RepaintPreview();
+  if (cut_is_filled_) cut_->ShowLooksAgain();
 }
 
 void DialogPresenter::LinesChanged(std::u16string_view text) {
@@ -367,6 +399,7 @@ void DialogPresenter::ShowLanguage() {
   unseen_.clear();
   ShowStatus(DescribeParts(parts_, dropped_, DrawingBox()), StatusKind::kNormal);
   view_.RepaintPreview();
+  if (cut_is_filled_) cut_->ShowLooksAgain();
 }
 
 // The preview

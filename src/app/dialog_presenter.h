@@ -25,6 +25,8 @@
 
 namespace kerno {
 
+class CutPresenter;
+
 // The text with every line end (CR LF, CR, LF, NEL, U+2028, U+2029) as U+000A and without NULs,
 // which would end it early: what is pasted or dropped.
 std::u16string LinesOf(std::u16string_view text);
@@ -39,6 +41,10 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   DialogPresenter(const DialogPresenter&) = delete;
   DialogPresenter& operator=(const DialogPresenter&) = delete;
 
+  // The Cut page, which lives as long as the dialog; before Open. It is filled when it is first
+  // chosen.
+  void UseCut(CutPresenter* cut) { cut_ = cut; }
+
   // Fills the controls with what the last run left. Before the window is shown; FillFaces may
   // follow later.
   void Open();
@@ -51,6 +57,10 @@ class DialogPresenter final : private OutputNotifier, private Notices {
 
   // Keeps the same at once and in silence: the session or the process is about to end.
   void SaveNow();
+
+  // The user changes between the two ways of working; the text goes along.
+  void ChooseMode(WindowMode mode);
+  WindowMode mode() const { return memory_.mode; }
 
   // Events of the controls. What a control has, it has by typing or by selection.
   void TextChanged(ControlId control, std::u16string_view text);
@@ -103,6 +113,8 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   Continue KeepWaiting(std::u16string_view path, int attempts) override;
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;
 
+  void ShowMode();
+  void TakeCutText();
   void LinesChanged(std::u16string_view text);
   void FaceChanged(std::u16string_view face);
   void HeightChanged(std::u16string_view text, ControlId shown_too);
@@ -149,6 +161,8 @@ class DialogPresenter final : private OutputNotifier, private Notices {
 
   DialogView& view_;
   DialogServices& services_;
+  CutPresenter* cut_ = nullptr;
+  bool cut_is_filled_ = false;
   Notices* notices_before_;
   std::unique_ptr<DeviceContext> measuring_;
   Typesetter typesetter_;

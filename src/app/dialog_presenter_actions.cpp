@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "app/captions.h"
+#include "app/cut_presenter.h"
 #include "app/dialog_presenter.h"
 #include "app/dropped_file.h"
 #include "app/output_name.h"
@@ -380,6 +381,7 @@ void DialogPresenter::EndProgress() {
 // Drops
 
 void DialogPresenter::Dropped(const std::vector<fs::path>& files) {
+  if (memory_.mode == WindowMode::kCut) return cut_->Dropped(files);
   for (const fs::path& file : files) {
     const bool taken = DropOne(file);
     EndProgress();

@@ -34,6 +34,7 @@ struct DialogMemory {
   AciRule aci = AciRule::kClassic;
   std::u16string output_folder;  // empty: "Kerno.tmp" in the temporary folder
   LanguageChoice language = LanguageChoice::kSystem;
+  WindowMode mode = WindowMode::kClassic;
   WindowPlace window;
 };
 

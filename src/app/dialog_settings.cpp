@@ -74,6 +74,7 @@ DialogMemory LoadDialogMemory() {
   m.aci = static_cast<AciRule>(Get(kDialogColorIndexRule, store));
   m.output_folder = Get(kDialogOutputFolder, store);
   m.language = static_cast<LanguageChoice>(Get(kDialogLanguage, store));
+  m.mode = static_cast<WindowMode>(Get(kDialogMode, store));
   m.window = ReadWindow(store);
   return m;
 }
@@ -91,6 +92,7 @@ Status SaveDialogMemory(const DialogMemory& m, const DialogMemory& before) {
   out.Integer(kDialogColorIndexRule, m.aci, before.aci);
   out.Text(kDialogOutputFolder, m.output_folder, before.output_folder);
   out.Integer(kDialogLanguage, m.language, before.language);
+  out.Integer(kDialogMode, m.mode, before.mode);
   out.Window(m.window, before.window);
   return out.status();
 }

@@ -81,6 +81,9 @@ class DialogView {
   virtual void ShowMenuChecked(MenuCommand command, bool checked) = 0;
   virtual void ShowStatus(std::u16string_view text, StatusKind kind) = 0;
 
+  // Which of the two ways of working is there.
+  virtual void ShowMode(WindowMode mode) = 0;
+
   // The language has changed: all captions, names and hints are set again (app/captions.h).
   virtual void ShowCaptions() = 0;
 

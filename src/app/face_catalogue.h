@@ -131,7 +131,7 @@ class FaceCatalogue {
   void ToggleFavourite(size_t entry);
   // Makes it the latest of the recent ones. The rows change their order by it.
   void NoteUse(size_t entry);
-  // Both lists as texts for the settings (kCutFaceFavourites, kCutFaceRecent). Names of faces that
+  // Both lists as texts that can be kept. Names of faces that
   // are not there stay in them.
   std::u16string StoredFavourites() const;
   std::u16string StoredRecent() const;

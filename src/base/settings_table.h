@@ -116,11 +116,8 @@ inline constexpr IntegerSetting kDialogLanguage{
     0,
     "Language of the window: 0 as the system, 1 Japanese, 2 English, 3 German",
     {0, 3, Outside::kDefault}};
-inline constexpr TextSetting kCutFaceFavourites{
-    u"CutFace", u"Favourites", u"",
-    "Faces that the list of the Cut page shows first, bars between them"};
-inline constexpr TextSetting kCutFaceRecent{
-    u"CutFace", u"Recent", u"", "Faces that were used last, the latest first, bars between them"};
+inline constexpr IntegerSetting kDialogMode{
+    u"Dialog", u"Mode", 0, "Way of working: 0 Classic, 1 Cut", {0, 1, Outside::kDefault}};
 inline constexpr SwitchSetting kWindowMinimised{u"Position\\MainFrame", u"Iconic", false,
                                                 "1: the main window was minimised"};
 inline constexpr SwitchSetting kWindowMaximised{u"Position\\MainFrame", u"Maximized", false,
@@ -168,8 +165,7 @@ inline constexpr Setting kKnownSettings[] = {
     kDialogColorIndexRule,
     kDialogOutputFolder,
     kDialogLanguage,
-    kCutFaceFavourites,
-    kCutFaceRecent,
+    kDialogMode,
     kWindowMinimised,
     kWindowMaximised,
     kWindowPlace,

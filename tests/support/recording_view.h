@@ -35,6 +35,7 @@ class RecordingView final : public DialogView {
   std::vector<MenuCommand> edits;
   std::map<ControlId, std::u16string> faults;
   std::vector<std::filesystem::path> font_files;
+  WindowMode mode = WindowMode::kClassic;
   WindowPlace place;  // where the window is
   std::vector<WindowRect> screens = {{0, 0, 1920, 1080}};
   WindowPlace placed;  // where it was put
@@ -56,6 +57,7 @@ class RecordingView final : public DialogView {
     status = shown;
     status_kind = kind;
   }
+  void ShowMode(WindowMode now) override { mode = now; }
   void RepaintPreview() override {}
   void ShowMessage(std::u16string_view shown, std::function<void()>) override {
     messages.emplace_back(shown);
