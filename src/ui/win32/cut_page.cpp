@@ -197,6 +197,12 @@ void CutPage::Show(bool shown) {
   ShowWindow(window_, shown ? SW_SHOW : SW_HIDE);
 }
 
+void CutPage::Place(const RECT& place) {
+  SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
+               place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+  LayOut();
+}
+
 void CutPage::ShowCaptions() {
   const ScopedFlag writing(shows_);
   for (const auto& [section, title] : titles_) SetText(title, Say(TitleOf(section)));

@@ -41,6 +41,8 @@ class CutPage final : public CutView {
   // The keys of the page's controls, and what they press.
   HACCEL accelerators() const { return accelerators_; }
   bool Command(int id, int notification);
+  // Escape empties the search. Whether the message was that.
+  bool TakesKey(const MSG& message);
 
  private:
   // CutView

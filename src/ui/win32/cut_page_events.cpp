@@ -141,6 +141,13 @@ bool CutPage::Command(int number, int notification) {
   }
 }
 
+bool CutPage::TakesKey(const MSG& message) {
+  if (message.message != WM_KEYDOWN || message.wParam != VK_ESCAPE) return false;
+  const HWND search = Of(ControlId::kFaceSearch).window;
+  if (message.hwnd != search || GetWindowTextLengthW(search) == 0) return false;
+  return Command(kEmptySearch, BN_CLICKED);
+}
+
 LRESULT CutPage::Notify(const NMHDR& header) {
   if (header.code == NM_CUSTOMDRAW)
     return DrawDarkButton(header) ? CDRF_SKIPDEFAULT : CDRF_DODEFAULT;

@@ -54,19 +54,24 @@ constexpr KindOfWindow kKinds[] = {
 
 }  // namespace
 
-MainWindow::MainWindow(HINSTANCE instance, DialogServices& services) : instance_(instance) {
+MainWindow::MainWindow(HINSTANCE instance, DialogServices& services, CutServices& cut_services)
+    : instance_(instance) {
   CreateDialogParamW(instance_, MAKEINTRESOURCEW(KERNO_MAIN_DIALOG), nullptr, DialogProc,
                      reinterpret_cast<LPARAM>(this));
   if (window_ == nullptr) return;
   DialogView& view = *this;
   presenter_ = std::make_unique<DialogPresenter>(view, services);
+  cut_page_ = std::make_unique<CutPage>(instance_, window_, cut_services);
+  ShowFont();
+  ShowLooks();
   LayOut();
+  presenter_->UseCut(&cut_page_->presenter());
   presenter_->Open();
-  SizeDropDowns();
 }
 
 MainWindow::~MainWindow() {
   presenter_.reset();
+  cut_page_.reset();
   suggestions_.reset();
   if (window_ != nullptr) DestroyWindow(window_);
   if (accelerators_ != nullptr) DestroyAcceleratorTable(accelerators_);
@@ -85,7 +90,7 @@ int MainWindow::Run(int show, const std::vector<std::filesystem::path>& files) {
     return 1;
   }
   Show(show);
-  SetFocus(text_->control());
+  FocusText();
   PostMessageW(window_, kFillFaces, 0, 0);
   if (!files.empty()) presenter_->Dropped(files);
   MSG message{};
@@ -94,8 +99,11 @@ int MainWindow::Run(int show, const std::vector<std::filesystem::path>& files) {
 }
 
 void MainWindow::Dispatch(MSG& message) {
-  if (suggestions_->TakesKey(message) || SwallowsEscape(message)) return;
-  if (EndsShortcut(message)) return;
+  if (suggestions_->TakesKey(message) || EndsShortcut(message)) return;
+  const bool is_cut = mode_ == WindowMode::kCut;
+  if (is_cut && cut_page_->TakesKey(message)) return;
+  if (is_cut && TranslateAcceleratorW(window_, cut_page_->accelerators(), &message) != 0) return;
+  if (SwallowsEscape(message)) return;
   if (TranslateAcceleratorW(window_, accelerators_, &message) != 0) return;
   if (IsDialogMessageW(window_, &message)) return;
   TranslateMessage(&message);
@@ -114,8 +122,8 @@ bool MainWindow::EndsShortcut(const MSG& message) {
 bool MainWindow::SwallowsEscape(const MSG& message) const {
   if (message.message != WM_KEYDOWN || message.wParam != VK_ESCAPE) return false;
   if (message.hwnd != window_ && !IsChild(window_, message.hwnd)) return false;
-  for (const ControlRow& row : Controls()) {
-    if (HasDropDown(row.kind) && Send(row.id, CB_GETDROPPEDSTATE) != 0) return false;  // closes it
+  for (HWND part = message.hwnd; part != nullptr && part != window_; part = GetParent(part)) {
+    if (SendMessageW(part, CB_GETDROPPEDSTATE, 0, 0) != 0) return false;  // closes the list
   }
   return true;
 }
@@ -159,6 +167,7 @@ void MainWindow::InitDialog() {
   menu_ = MakeWindowMenu();
   SetMenu(window_, menu_);
   MakeAccelerators();
+  MakeModeSwitch();
   MakeControls();
   text_.emplace(Item(ControlId::kText));
   for (const char16_t* height : HeightChoices()) {
@@ -191,6 +200,7 @@ void MainWindow::MakeControls() {
         std::find_if(std::begin(kKinds), std::end(kKinds),
                      [&](const KindOfWindow& candidate) { return candidate.kind == row.kind; });
     const DWORD shown = row.hidden ? 0 : WS_VISIBLE;
+    if (row.hidden) hidden_.insert(row.id);
     CreateWindowExW(kind->more_style | WS_EX_NOPARENTNOTIFY, kind->class_name,
                     ToWide(MarkedCaption(Say(row.caption), row.shortcut)).c_str(),
                     kind->style | WS_CHILD | shown, 0, 0, 0, 0, window_,
@@ -221,7 +231,8 @@ void MainWindow::MakeAccelerators() {
   for (const MenuColumn& column : Menu()) {
     for (const MenuRow& row : column.rows) {
       // The text box knows those of the edit commands by itself.
-      if (!IsEditCommand(row.command)) AppendKeys(row.shortcut, static_cast<int>(row.command), &keys);
+      if (!IsEditCommand(row.command))
+        AppendKeys(row.shortcut, static_cast<int>(row.command), &keys);
     }
   }
   for (const ControlRow& row : Controls()) {

@@ -13,6 +13,7 @@
 #include "app/dialog_presenter.h"
 #include "platform/drawing.h"
 #include "platform/win32/windows_api.h"
+#include "ui/win32/cut_page.h"
 #include "ui/win32/face_suggestions.h"
 #include "ui/win32/progress_window.h"
 #include "ui/win32/text_box.h"
@@ -22,8 +23,8 @@ namespace kerno {
 
 class MainWindow final : private DialogView {
  public:
-  // Makes the window, hidden. `services` outlives it.
-  MainWindow(HINSTANCE instance, DialogServices& services);
+  // Makes the window, hidden. Both services outlive it.
+  MainWindow(HINSTANCE instance, DialogServices& services, CutServices& cut_services);
   ~MainWindow() override;
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
@@ -39,6 +40,7 @@ class MainWindow final : private DialogView {
 
   HWND window() const { return window_; }
   DialogPresenter& presenter() { return *presenter_; }
+  CutPage& cut_page() { return *cut_page_; }
 
  private:
   // DialogView
@@ -49,6 +51,7 @@ class MainWindow final : private DialogView {
   void ShowChecked(ControlId id, bool checked) override;
   void ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) override;
   void ShowFault(ControlId id, std::u16string_view why) override;
+  void ShowMode(WindowMode mode) override;
   void ShowCaptions() override;
   void Enable(ControlId id, bool enabled) override;
   void ShowControl(ControlId id, bool visible) override;
@@ -123,6 +126,12 @@ class MainWindow final : private DialogView {
   void ShowHints();
   void ShowLooks();
   void ShowCurrentFace();
+  void MakeModeSwitch();
+  void ShowModeCaptions() const;
+  int LayOutModeSwitch() const;
+  void FocusText() const;
+  bool IsOffered(ControlId id) const;
+  bool ChooseFromMenu(const MenuRow& row);
   void SizeItems();
   void SizeDropDowns();
   int RowsBelow(ControlId combo) const;
@@ -157,6 +166,7 @@ class MainWindow final : private DialogView {
   std::optional<TextBox> text_;
   std::optional<FaceSuggestions> suggestions_;
   std::optional<ProgressWindow> progress_;
+  std::unique_ptr<CutPage> cut_page_;
   std::unique_ptr<DialogPresenter> presenter_;
   std::unique_ptr<BitmapSurface> picture_;  // of the preview
   bool picture_is_stale_ = true;
@@ -165,6 +175,8 @@ class MainWindow final : private DialogView {
   bool alt_was_used_ = false;   // with another key, since it went down
   bool ready_ = false;          // the controls are there
   bool opens_maximised_ = false;
+  std::set<ControlId> hidden_;  // controls of Classic that are not offered
+  WindowMode mode_ = WindowMode::kClassic;
   std::set<ControlId> faults_;  // the fields whose texts cannot be used
   StatusKind status_kind_ = StatusKind::kNormal;
   std::vector<WaitingMessage> messages_;  // to be shown when the event under way is over

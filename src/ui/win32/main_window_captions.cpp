@@ -23,6 +23,8 @@ void MainWindow::ShowCaptions() {
   const MenuRow& about = *FindMenuRow(static_cast<int>(MenuCommand::kAbout));
   ModifyMenuW(GetSystemMenu(window_, FALSE), static_cast<UINT>(about.command), MF_BYCOMMAND,
               static_cast<UINT_PTR>(about.command), ToWide(Say(about.caption)).c_str());
+  ShowModeCaptions();
+  if (cut_page_) cut_page_->ShowCaptions();
   ShowFont();
   LayOut();
 }

@@ -84,7 +84,7 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       return TRUE;
     case WM_ENDSESSION:
       if (wparam == FALSE) return FALSE;
-      (void)presenter_->Close();  // what was typed since the question
+      presenter_->SaveNow();  // what was typed since the question
       PostQuitMessage(0);
       return TRUE;
     case kFillFaces:
@@ -121,6 +121,7 @@ void MainWindow::ShowLooks() {
   ApplyLooks(window_);
   DrawMenuBar(window_);
   if (presenter_) presenter_->ShowLooksAgain();
+  if (cut_page_) cut_page_->ShowLooks();
 }
 
 void MainWindow::PaintIcon() {
@@ -162,10 +163,16 @@ void MainWindow::ComboCommand(const ControlRow& row, int notification) {
 }
 
 bool MainWindow::Command(int number, int notification) {
-  if (const MenuRow* command = FindMenuRow(number)) {
-    presenter_->Chosen(command->command);
+  if (const MenuRow* command = FindMenuRow(number)) return ChooseFromMenu(*command);
+  if (number == static_cast<int>(ControlId::kModeClassic)) {
+    presenter_->ChooseMode(WindowMode::kClassic);
     return true;
   }
+  if (number == static_cast<int>(ControlId::kModeCut)) {
+    presenter_->ChooseMode(WindowMode::kCut);
+    return true;
+  }
+  if (mode_ == WindowMode::kCut) return cut_page_->Command(number, notification);
   const ControlRow* row = FindControl(static_cast<ControlId>(number));
   if (row == nullptr) return false;
   switch (row->kind) {

@@ -26,10 +26,6 @@ constexpr int kLeastFace = 160;
 constexpr int kBoxRoom = 22;  // of a check box beside its caption
 constexpr int kButtonRoom = 18;
 
-bool IsShown(HWND control) {
-  return (GetWindowLongPtrW(control, GWL_STYLE) & WS_VISIBLE) != 0;
-}
-
 void Place(HWND control, int left, int top, int width, int height) {
   SetWindowPos(control, nullptr, left, top, std::max(width, 0), std::max(height, 0),
                SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
@@ -73,7 +69,7 @@ std::vector<std::vector<MainWindow::Group>> MainWindow::Wrapped(WindowLine line,
   std::vector<Group> groups;
   bool joins = false;
   for (const ControlRow& row : Controls()) {
-    if (row.line != line || !IsShown(Item(row.id))) continue;
+    if (row.line != line || !IsOffered(row.id)) continue;
     const bool arrows = row.kind == ControlKind::kUpDown;
     if (groups.empty() || !(joins || arrows)) groups.emplace_back();
     groups.back().rows.push_back(&row);
@@ -100,8 +96,8 @@ MainWindow::Heights MainWindow::HeightsFor(int width) const {
   heights.field = HeightOf(Item(ControlId::kFace));  // a combo box keeps the height of its field
   heights.fields = (rows(WindowLine::kFace) + rows(WindowLine::kColors)) * (heights.field + gap);
   heights.outputs = rows(WindowLine::kOutputs) * (Scaled(kButtonHeight) + gap / 2) - gap / 2;
-  heights.rest =
-      2 * gap + heights.fields + heights.outputs + Scaled(kStatusHeight) + 3 * (gap / 2) + gap;
+  heights.rest = LayOutModeSwitch() + 2 * gap + heights.fields + heights.outputs +
+                 Scaled(kStatusHeight) + 3 * (gap / 2) + gap;
   return heights;
 }
 
@@ -121,7 +117,10 @@ void MainWindow::LayOut() {
       std::clamp(static_cast<int>(client.bottom) / 5, Scaled(kLowestText),
                  std::max(Scaled(kLowestText),
                           static_cast<int>(client.bottom) - heights.rest - Scaled(kLowestPreview)));
-  int top = gap;
+  int top = LayOutModeSwitch() + gap;
+  if (cut_page_) {
+    cut_page_->Place({0, top - gap / 2, client.right, client.bottom});
+  }
   LayOutLine(WindowLine::kText, top, text, text);
   top += text + gap;
   for (const WindowLine line : {WindowLine::kFace, WindowLine::kColors}) {
@@ -208,8 +207,10 @@ void MainWindow::ShowFont() {
   for (HWND control = GetWindow(window_, GW_CHILD); control != nullptr;
        control = GetWindow(control, GW_HWNDNEXT)) {
     if (control == text_->control()) continue;  // it shows the chosen face
+    if (cut_page_ && control == cut_page_->window()) continue;
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   }
+  if (cut_page_) cut_page_->ShowFont(description, dpi_);
   if (font_ != nullptr) DeleteObject(font_);
   font_ = font;
   SizeItems();
@@ -235,9 +236,11 @@ void MainWindow::BoundSize(MINMAXINFO& bounds) const {
   GetClientRect(window_, &client);
   const int wide = (frame.right - frame.left) - client.right;
   const int high = (frame.bottom - frame.top) - client.bottom;
-  const int least = Scaled(kLeastWidth);
-  bounds.ptMinTrackSize = {least + wide,
-                           LeastHeight(std::max(least, static_cast<int>(client.right))) + high};
+  const bool is_cut = mode_ == WindowMode::kCut;
+  const int least = Scaled(is_cut ? CutPage::kLeast.cx : kLeastWidth);
+  const int lowest = is_cut ? LayOutModeSwitch() + Scaled(CutPage::kLeast.cy)
+                            : LeastHeight(std::max(least, static_cast<int>(client.right)));
+  bounds.ptMinTrackSize = {least + wide, lowest + high};
   MONITORINFO screen{};
   screen.cbSize = sizeof screen;
   if (!GetMonitorInfoW(MonitorFromWindow(window_, MONITOR_DEFAULTTONEAREST), &screen)) return;

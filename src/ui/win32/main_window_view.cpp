@@ -102,7 +102,12 @@ void MainWindow::Enable(ControlId id, bool enabled) {
 }
 
 void MainWindow::ShowControl(ControlId id, bool visible) {
-  ShowWindow(Item(id), visible ? SW_SHOWNA : SW_HIDE);
+  if (visible) {
+    hidden_.erase(id);
+  } else {
+    hidden_.insert(id);
+  }
+  ShowWindow(Item(id), visible && mode_ == WindowMode::kClassic ? SW_SHOWNA : SW_HIDE);
   LayOut();
 }
 

@@ -59,7 +59,8 @@ std::optional<std::filesystem::path> MainWindow::AskSave(const SaveQuestion& que
 }
 
 void MainWindow::EditText(MenuCommand command) {
-  const HWND text = text_->control();
+  const HWND text =
+      mode_ == WindowMode::kCut ? cut_page_->control(ControlId::kCutText) : text_->control();
   CHARRANGE all = {0, -1};
   switch (command) {
     case MenuCommand::kUndo:
