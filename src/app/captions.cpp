@@ -678,6 +678,13 @@ constexpr CaptionRow kRows[] = {
 
     // The Cut page: series.
 
+    // What the window of one system alone says.
+    {u"Another program holds the clipboard.",
+     u"ほかのプログラムがクリップボードを使用中です。",
+     u"Ein anderes Programm hält die Zwischenablage fest."},
+    {u"The file cannot be dragged.", u"ファイルをドラッグできません。",
+     u"Die Datei lässt sich nicht ziehen."},
+
     // What the views alone show.
     {u"Msftedit.dll: the rich edit control is not there",
      u"Msftedit.dll: リッチエディットコントロールがありません",

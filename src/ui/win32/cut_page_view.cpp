@@ -209,17 +209,21 @@ void CutPage::CopySvg(std::string_view svg) {
 }
 
 void CutPage::Print(const Drawing& drawing, std::u16string_view title) {
+  const PaperSize size = SizeOnPaper(drawing);
   bool failed = false;
-  const HDC printer = AskForPrinter(parent_, &failed);
-  if (failed) ShowStatus(Say(u"There is no printer."), StatusKind::kFailure, {});
-  if (printer == nullptr) return;
-  if (FitsOn(PageOf(printer), drawing) ||
-      AskWhether(Say(u"The drawing is larger than the page."), Say(u"Print all the same"))) {
-    if (!PrintPage(printer, drawing, title)) {
-      ShowStatus(Say(u"The drawing was not printed."), StatusKind::kFailure, {});
-    }
+  const HDC printer = AskForPrinter(parent_, size.width > size.height, &failed);
+  if (printer != nullptr) {
+    const PaperSize page = PageOf(printer);
+    const bool fits = size.width <= page.width && size.height <= page.height;
+    const auto question = [&] {
+      return Say(u"The drawing is {}, the page has room for {}. What does not fit is cut off.",
+                 {DescribeSize(size), DescribeSize(page)});
+    };
+    const bool goes = fits || AskWhether(question(), Say(u"Print"));
+    failed = goes && !PrintPage(printer, drawing, title);
+    DeleteDC(printer);
   }
-  DeleteDC(printer);
+  if (failed) ShowStatus(Say(u"The printer cannot be used."), StatusKind::kFailure, {});
 }
 
 void CutPage::ShowProgress(std::u16string_view text, double part) {
@@ -249,7 +253,6 @@ void CutPage::ShowLooks() {
   const ScopedFlag writing(shows_);
   const std::u16string face = FromWide(description_.lfFaceName);
   text_->ShowFormat(face, LookColor(COLOR_WINDOWTEXT), dpi_);
-  if (presenter_) presenter_->ShowLooksAgain();
 }
 
 }  // namespace kerno

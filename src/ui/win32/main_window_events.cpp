@@ -71,7 +71,7 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       presenter_->Due();
       return TRUE;
     case WM_SYSCOLORCHANGE:
-      presenter_->ShowLooksAgain();
+      ShowLooks();
       return FALSE;
     case WM_SETTINGCHANGE:
       if (LearnLooks()) ShowLooks();
@@ -120,8 +120,8 @@ void MainWindow::ShowLooks() {
   ApplyLooksToMenu(menu_);
   ApplyLooks(window_);
   DrawMenuBar(window_);
-  if (presenter_) presenter_->ShowLooksAgain();
   if (cut_page_) cut_page_->ShowLooks();
+  if (presenter_) presenter_->ShowLooksAgain();
 }
 
 void MainWindow::PaintIcon() {

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <iterator>
 #include <vector>
 
 #include "drawing/flatten.h"
@@ -14,7 +16,7 @@ namespace kerno {
 namespace {
 
 constexpr double kChordError = 0.01;  // millimetres, less than a printer's dot
-constexpr double kHairline = 0.1;     // millimetres
+constexpr double kThinnest = 0.1;     // millimetres, of a line
 
 double MillimetresPerUnit(const Drawing& drawing) {
   return drawing.unit == LengthUnit::kInch ? kMillimetresPerInch : 1;
@@ -29,16 +31,21 @@ void AddPath(HDC printer, const Path& path, const std::vector<POINT>& points) {
 
 }  // namespace
 
-PageSize PageOf(HDC printer) {
+PaperSize PageOf(HDC printer) {
   return {static_cast<double>(GetDeviceCaps(printer, HORZSIZE)),
           static_cast<double>(GetDeviceCaps(printer, VERTSIZE))};
 }
 
-bool FitsOn(const PageSize& page, const Drawing& drawing) {
+PaperSize SizeOnPaper(const Drawing& drawing) {
   const Box2 picture = PictureOf(drawing);
   const double scale = MillimetresPerUnit(drawing);
-  return (picture.max.x - picture.min.x) * scale <= page.width &&
-         (picture.max.y - picture.min.y) * scale <= page.height;
+  return {(picture.max.x - picture.min.x) * scale, (picture.max.y - picture.min.y) * scale};
+}
+
+std::u16string DescribeSize(const PaperSize& size) {
+  wchar_t text[64];
+  std::swprintf(text, std::size(text), L"%.1f × %.1f mm", size.width, size.height);
+  return FromWide(text);
 }
 
 void DrawInTrueSize(HDC printer, const Drawing& drawing) {
@@ -46,10 +53,7 @@ void DrawInTrueSize(HDC printer, const Drawing& drawing) {
   const double across = GetDeviceCaps(printer, LOGPIXELSX);
   const double up = GetDeviceCaps(printer, LOGPIXELSY);
   const Box2 picture = PictureOf(drawing);
-  const P2 middle = {(picture.min.x + picture.max.x) / 2, (picture.min.y + picture.max.y) / 2};
-  const double left = GetDeviceCaps(printer, HORZRES) / 2.0;
-  const double top = GetDeviceCaps(printer, VERTRES) / 2.0;
-  const int width = std::max(1, static_cast<int>(kHairline / kMillimetresPerInch * across));
+  const int width = std::max(1, static_cast<int>(kThinnest / kMillimetresPerInch * across));
   const HPEN pen = CreatePen(PS_SOLID, width, RGB(0, 0, 0));
   const HGDIOBJ before = SelectObject(printer, pen);
   const double tolerance = kChordError / MillimetresPerUnit(drawing);
@@ -61,8 +65,8 @@ void DrawInTrueSize(HDC printer, const Drawing& drawing) {
       FlattenPath(part.path, tolerance, &chords);
       points.clear();
       for (const P2& p : chords) {
-        points.push_back({std::lround(left + (p.x + placed.at.x - middle.x) * scale * across),
-                          std::lround(top - (p.y + placed.at.y - middle.y) * scale * up)});
+        points.push_back({std::lround((p.x + placed.at.x - picture.min.x) * scale * across),
+                          std::lround((picture.max.y - p.y - placed.at.y) * scale * up)});
       }
       AddPath(printer, part.path, points);
     }
@@ -73,15 +77,25 @@ void DrawInTrueSize(HDC printer, const Drawing& drawing) {
   DeleteObject(pen);
 }
 
-HDC AskForPrinter(HWND owner, bool* failed) {
+HDC AskForPrinter(HWND owner, bool wide, bool* failed) {
   PRINTDLGW question{};
   question.lStructSize = sizeof question;
+  question.Flags = PD_RETURNDEFAULT;
+  *failed = PrintDlgW(&question) == FALSE;
+  if (*failed) return nullptr;
+  auto* const mode = static_cast<DEVMODEW*>(GlobalLock(question.hDevMode));
+  if (mode != nullptr && wide) {
+    mode->dmFields |= DM_ORIENTATION;
+    mode->dmOrientation = DMORIENT_LANDSCAPE;
+  }
+  GlobalUnlock(question.hDevMode);
   question.hwndOwner = owner;
   question.Flags = PD_RETURNDC | PD_NOSELECTION | PD_NOPAGENUMS | PD_USEDEVMODECOPIESANDCOLLATE;
   const BOOL chosen = PrintDlgW(&question);
   *failed = !chosen && CommDlgExtendedError() != 0;
-  if (question.hDevMode != nullptr) GlobalFree(question.hDevMode);
-  if (question.hDevNames != nullptr) GlobalFree(question.hDevNames);
+  for (const HGLOBAL memory : {question.hDevMode, question.hDevNames}) {
+    if (memory != nullptr) GlobalFree(memory);
+  }
   return chosen ? question.hDC : nullptr;
 }
 

@@ -9,19 +9,22 @@
 
 namespace kerno {
 
-// Draws the paths as hairlines in true size, in the middle of what can be printed on the page.
+// Draws the paths as thin lines in true size, from the upper left corner of what can be printed on.
 void DrawInTrueSize(HDC printer, const Drawing& drawing);
 
-// The size of what can be printed on the page, in millimetres.
-struct PageSize {
+// In millimetres.
+struct PaperSize {
   double width = 0, height = 0;
 };
-PageSize PageOf(HDC printer);
-bool FitsOn(const PageSize& page, const Drawing& drawing);
+PaperSize SizeOnPaper(const Drawing& drawing);
+// Of what can be printed on.
+PaperSize PageOf(HDC printer);
+// "210.0 × 297.0 mm"
+std::u16string DescribeSize(const PaperSize& size);
 
-// Asks for a printer; its context is the caller's. Null where none was chosen; *failed says
-// whether that was the system's fault.
-HDC AskForPrinter(HWND owner, bool* failed);
+// Asks for a printer, a wide page being proposed where it says so; its context is the caller's.
+// Null where none was chosen; *failed says whether that was the system's fault.
+HDC AskForPrinter(HWND owner, bool wide, bool* failed);
 
 // Whether the page was printed.
 bool PrintPage(HDC printer, const Drawing& drawing, std::u16string_view title);
