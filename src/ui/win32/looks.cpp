@@ -176,6 +176,28 @@ void PaintEdge(HWND control) {
   DeleteObject(red);
 }
 
+// What no item of the menu bar covers, and the light line under the bar.
+void PaintBarRest(HWND window) {
+  const HMENU menu = GetMenu(window);
+  MENUBARINFO bar{};
+  bar.cbSize = sizeof bar;
+  MENUBARINFO last = bar;
+  if (menu == nullptr || !GetMenuBarInfo(window, OBJID_MENU, 0, &bar) ||
+      !GetMenuBarInfo(window, OBJID_MENU, GetMenuItemCount(menu), &last)) {
+    return;
+  }
+  RECT frame{};
+  GetWindowRect(window, &frame);
+  OffsetRect(&bar.rcBar, -frame.left, -frame.top);
+  OffsetRect(&last.rcBar, -frame.left, -frame.top);
+  const RECT rest = {last.rcBar.right, bar.rcBar.top, bar.rcBar.right, bar.rcBar.bottom};
+  const RECT line = {bar.rcBar.left, bar.rcBar.bottom, bar.rcBar.right, bar.rcBar.bottom + 1};
+  const HDC dc = GetWindowDC(window);
+  FillRect(dc, &rest, LookBrush(COLOR_BTNFACE));
+  FillRect(dc, &line, LookBrush(COLOR_BTNFACE));
+  ReleaseDC(window, dc);
+}
+
 LRESULT CALLBACK DarkProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
                           DWORD_PTR /*data*/) {
   if (message == WM_NCDESTROY) {
@@ -192,6 +214,8 @@ LRESULT CALLBACK DarkProc(HWND window, UINT message, WPARAM wparam, LPARAM lpara
   if (message == WM_NCPAINT && (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0) {
     PaintEdge(window);
   }
+  const bool is_frame = message == WM_NCPAINT || message == WM_NCACTIVATE;
+  if (is_frame && (GetWindowLongPtrW(window, GWL_STYLE) & WS_CHILD) == 0) PaintBarRest(window);
   return result;
 }
 
@@ -277,6 +301,7 @@ void ApplyLooks(HWND window) {
   const BOOL dark = IsDark();
   (void)DwmSetWindowAttribute(window, kDarkTitle, &dark,
                               sizeof dark);  // before Windows 10 2004: none
+  SetWindowSubclass(window, DarkProc, kSubclass, 0);
   EnumChildWindows(window, ApplyToChild, 0);
   RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }

@@ -8,6 +8,7 @@
 
 #include "platform/win32/wide_text.h"
 #include "shown.h"
+#include "support/recording_cut_view.h"
 #include "ui/win32/main_window.h"
 #include "ui/win32/resource.h"
 #include "ui/win32/windows_controls.h"
@@ -27,7 +28,8 @@ enum class UserKey {
 // Shows the window as the program does.
 class ViewDriver {
  public:
-  explicit ViewDriver(DialogServices& services) : main(GetModuleHandleW(nullptr), services) {
+  explicit ViewDriver(DialogServices& services)
+      : main(GetModuleHandleW(nullptr), services, cut_services) {
     window = main.window();
     EXPECT_NE(nullptr, window);
     shown = this;
@@ -178,6 +180,7 @@ class ViewDriver {
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) main.Dispatch(message);
   }
 
+  FakeCutServices cut_services;
   MainWindow main;
   HWND window = nullptr;
 
