@@ -33,6 +33,7 @@ bench: release
 	@build/release/bench/kerno_bench --benchmark_filter='^(append|layout|text_to_parts)/'
 	@build/release/bench/kerno_bench --benchmark_filter='-^(append|layout|text_to_parts)/'
 	@build/release/bench/kerno_desktop_bench 2>/dev/null
+	@build/release/bench/kerno_preview_bench 2>/dev/null
 	@$(PYTHON) bench/process_bench.py build/release/src/cli/kerno
 	@$(PYTHON) bench/cut_process_bench.py build/release/src/cli/kerno
 	@$(PYTHON) bench/series_bench.py build/release/src/cli/kerno

@@ -5,7 +5,7 @@
 
 namespace kerno {
 
-Background::~Background() {
+void Background::Stop() {
   {
     const std::lock_guard lock(mutex_);
     stops_ = cancelled_ = true;

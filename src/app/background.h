@@ -26,8 +26,7 @@ class Background {
  public:
   // `wake` is called by the worker when Finish or Look have something new.
   explicit Background(std::function<void()> wake) : wake_(std::move(wake)) {}
-  // Asks the piece under way to stop, waits for it, and drops those after it.
-  ~Background();
+  ~Background() { Stop(); }
   Background(const Background&) = delete;
   Background& operator=(const Background&) = delete;
 
@@ -44,6 +43,8 @@ class Background {
   // Asks the piece under way to stop.
   void Cancel();
   void Answer(bool yes);
+  // Asks the piece under way to stop, waits for it, and drops those after it; for good.
+  void Stop();
 
   // For the worker.
 

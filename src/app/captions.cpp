@@ -142,7 +142,6 @@ constexpr CaptionRow kRows[] = {
      u"Der Speicher reicht für diesen Text nicht."},
     {u"This is not a whole number; it is read as {}.", u"整数ではありません。{} とみなします。",
      u"Das ist keine ganze Zahl; gelesen wird {}."},
-    {u"Try again", u"再試行", u"Erneut versuchen"},
     {u"Writing the outputs", u"出力を書き込んでいます", u"Die Ausgaben werden geschrieben"},
     {u"Wrote {} in {}", u"{2} に {1} を保存しました", u"{} in {} geschrieben"},
     {u"Wrote {} of {} in {}", u"{3} に {2} の {1} を出力しました", u"{} von {} in {} geschrieben"},
@@ -218,12 +217,9 @@ constexpr CaptionRow kRows[] = {
 
     // Colours.
     {u"Aqua", u"水色", u"Aqua"},
-    {u"Black", u"黒", u"Schwarz"},
-    {u"Blue", u"青", u"Blau"},
     {u"Brown", u"茶", u"Braun"},
     {u"Dark grey", u"濃い灰色", u"Dunkelgrau"},
     {u"Fuchsia", u"赤紫", u"Fuchsia"},
-    {u"Green", u"緑", u"Grün"},
     {u"Grey", u"灰色", u"Grau"},
     {u"Lime", u"黄緑", u"Limone"},
     {u"Maroon", u"栗色", u"Kastanie"},
@@ -232,11 +228,9 @@ constexpr CaptionRow kRows[] = {
     {u"Orange", u"オレンジ", u"Orange"},
     {u"Pink", u"ピンク", u"Rosa"},
     {u"Purple", u"紫", u"Violett"},
-    {u"Red", u"赤", u"Rot"},
     {u"Silver", u"銀", u"Silber"},
     {u"Teal", u"青緑", u"Blaugrün"},
     {u"White", u"白", u"Weiß"},
-    {u"Yellow", u"黄", u"Gelb"},
 
     // Formats.
     {u"Bitmap", u"ビットマップ", u"Pixelbild"},

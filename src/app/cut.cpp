@@ -107,10 +107,11 @@ void CutMaker::Use(const Linear& map) {
   inks_ = &warm_.InksUnder(map);
 }
 
-// A text that is fitted has a scale that hardly another one has.
+// A text that is fitted has a scale that hardly another one has, unless it is typed: most changes
+// leave its longest line alone.
 bool CutMaker::KeepsShapes() const {
   const CutSize::By by = job_.size.by;
-  return later_ && (by == CutSize::By::kCapHeight || by == CutSize::By::kEm);
+  return later_ && (by == CutSize::By::kCapHeight || by == CutSize::By::kEm || warm_.Knows(map_));
 }
 
 Box2 CutMaker::InkOfBlock(const Linear& map) {
@@ -335,8 +336,8 @@ void CutMaker::Settle() {
 
 Status CutMaker::Make(CutDrawing* made) {
   if (Status sized = Size(); !sized.ok()) return sized;
-  Place();
   if (KeepsShapes()) store_ = &warm_.ShapesFor(job_, map_);
+  Place();
   std::vector<Box2> inks;
   inks.reserve(placed_.size());
   // What comes closer than the tolerance may meet when it is fitted.

@@ -25,7 +25,7 @@ constexpr double kArrowFrom = 5, kArrowTo = 11, kArrowHalf = 3;
 constexpr double kLeastMarked = 16;  // a smaller path shows no start
 constexpr double kNode = 2.2;        // half a square
 constexpr double kControl = 1.8;
-constexpr double kApart = 4;         // no two nodes are nearer
+constexpr double kApart = 2;         // no two nodes are nearer
 constexpr double kMostMarks = 4000;  // in a picture
 
 // How far an arc or curve may reach past the box of its ends and control points.
@@ -330,7 +330,7 @@ void CutPainter::DrawStarts(DrawingContext& dc, const View& view, const PreviewI
   size_t paths = 0;
   for (const Seen& seen : seen_)
     paths += drawing_->shapes[drawing_->placed[seen.placed].shape].size();
-  Taken taken(view.width, view.height, kLeastMarked * density / 2, paths);
+  Taken taken(view.width, view.height, 1, paths);
   Marks marks(inks.start);
   for (const Seen& seen : seen_) {
     const Shape& shape = drawing_->shapes[drawing_->placed[seen.placed].shape];

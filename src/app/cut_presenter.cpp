@@ -456,7 +456,10 @@ bool CutPresenter::WorkBetweenEvents() {
   }
   if (!has_more) samples_wait_ = false;
   if (made_samples) view_.RepaintFaceRows();
-  if (!rows_.complete && !has_more) ShowRows();
+  if (!rows_.complete && !has_more) {
+    ShowRows();
+    ShowMenus();  // scripts are known
+  }
   return has_more;
 }
 

@@ -128,7 +128,7 @@ std::unique_ptr<BitmapSurface> CutPreview::Paint(const PreviewInks& inks) {
   const auto pixels = [&](double length) {
     return static_cast<int>(std::lround(length * density_));
   };
-  auto surface = CreateBitmapSurface(pixels(width_), pixels(height_), inks.paper);
+  auto surface = CreatePreviewSurface(pixels(width_), pixels(height_), inks.paper);
   if (!surface) return nullptr;
   DrawingContext& dc = surface->Context();
   const double scale = PixelsPerUnit(model_.fit()) * density_;

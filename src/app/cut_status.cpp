@@ -33,13 +33,13 @@ constexpr size_t kMostNamed = 8;  // characters
 std::u16string Named(const std::vector<char32_t>& characters) {
   std::u16string names;
   for (size_t i = 0; i < std::min(characters.size(), kMostNamed); ++i) {
-    if (!names.empty()) names += u' ';
-    const std::string code = CodeOf(characters[i]);
+    if (!names.empty()) names += u", ";
+    // Where the face has no glyph, the window's own font may have none either.
     if (characters[i] > 0x20 && !IsDirectionControl(characters[i])) {
       AppendCharacter(&names, characters[i]);
-    } else {
-      names += Utf8ToUtf16Lossy(code);
+      names += u' ';
     }
+    names += Utf8ToUtf16Lossy(CodeOf(characters[i]));
   }
   if (characters.size() > kMostNamed) names += u" …";
   return names;

@@ -82,6 +82,7 @@ DialogPresenter::DialogPresenter(DialogView& view, DialogServices& services)
       outputs_(services, *this) {}
 
 DialogPresenter::~DialogPresenter() {
+  background_.Stop();
   ReplaceNotices(notices_before_);
 }
 
@@ -467,8 +468,8 @@ std::unique_ptr<BitmapSurface> DialogPresenter::PreviewPicture(double density, C
   const auto pixels = [density](double length) {
     return static_cast<int>(std::lround(length * density));
   };
-  auto picture = CreateBitmapSurface(pixels(preview_.width()), pixels(preview_.height()),
-                                     PaperFor(FirstColor(), paper));
+  auto picture = CreatePreviewSurface(pixels(preview_.width()), pixels(preview_.height()),
+                                      PaperFor(FirstColor(), paper));
   if (picture) PaintPreview(picture->Context(), density);
   return picture;
 }

@@ -191,9 +191,11 @@ Status FaceCatalogue::AddOutlineFile(const fs::path& file, Item* item) {
   }
   const bool one_font = std::ranges::all_of(
       faces, [&](const FontFileFace& face) { return face.index == faces.front().index; });
-  // A collection goes by the name of its file.
-  entry.names.insert(one_font ? entry.names.begin() : entry.names.end(), families.begin(),
-                     families.end());
+  // A collection goes by the name of its file, and is found by the beginnings of the others.
+  for (FamilyName& name : families) {
+    if (!one_font) item->family.full_names.push_back(std::move(name.text));
+  }
+  if (one_font) entry.names.insert(entry.names.begin(), families.begin(), families.end());
   std::vector<FaceStyle> styles = StylesIn(faces);
   const auto first_choice = [&](const FaceStyle& style) {
     return !style.made && style.index == first.index && style.own_name == first.style;

@@ -71,9 +71,9 @@ using FaceOption = std::pair<std::string_view, std::u16string>;
 
 // What the list shows.
 struct FaceFilter {
-  std::u16string search;  // words in any order, any case, any width, either kana
-  std::string script;     // the name of one of FaceScripts; empty: any
-  std::u16string has;     // only faces with all of these characters; empty: any
+  std::u16string search = {};  // words in any order, any case, any width, either kana
+  std::string script = {};     // the name of one of FaceScripts; empty: any
+  std::u16string has = {};     // only faces with all of these characters; empty: any
   bool favourites = false;
   bool strokes = false;
 };
@@ -89,7 +89,7 @@ struct FaceRow {
 
 struct FaceRows {
   std::vector<FaceRow> rows;
-  bool complete = true;  // otherwise faces were not looked at yet: again after ReadNext
+  bool complete = true;  // otherwise not all faces were read yet: again when ReadNext has ended
 };
 
 class FaceCatalogue {

@@ -174,6 +174,7 @@ FaceRows FaceCatalogue::Rows(const FaceFilter& filter) {
   };
   std::vector<Find> finds;
   FaceRows made;
+  made.complete = next_ == items_.size();
   for (const size_t entry : order_) {
     Item& item = items_[entry];
     const std::u16string key = KeyOf(item);
@@ -184,7 +185,6 @@ FaceRows FaceCatalogue::Rows(const FaceFilter& filter) {
     if (!found) continue;
     if (!filter.script.empty() || !filter.has.empty()) {
       if (!item.characters && Time::now() < end) CharactersOf(entry);
-      if (!item.characters) made.complete = false;
       if (!item.characters || !Passes(filter, &item)) continue;
     }
     finds.push_back({found->rank, PlaceOf(recent_, key), !favourite, entry, found->name});

@@ -191,11 +191,14 @@ class SamplePainter {
   double base_ = 0, left_ = 0;
 };
 
+// The user's text; where the face lacks most of that, a sample of its script; where it lacks most
+// of that, too (a font of capitals), its first characters.
 void PaintSample(FaceCatalogue& catalogue, size_t entry, const SampleLook& look,
                  BitmapSurface* surface) {
-  for (const bool own : {false, true}) {
+  for (int choice = 0; choice < 3; ++choice) {
+    const FaceScriptSet scripts = choice == 1 ? catalogue.ScriptsOf(entry) : 0;
     const std::u16string text =
-        own ? OwnSample(catalogue.ScriptsOf(entry), catalogue.CharactersOf(entry)) : look.text;
+        choice == 0 ? look.text : OwnSample(scripts, catalogue.CharactersOf(entry));
     Letters letters;
     if (!letters.Open(catalogue, entry, text).ok() || !(letters.UnitsPerEm() > 0)) return;
     if (SamplePainter(letters, look, surface).Paint(text)) return;

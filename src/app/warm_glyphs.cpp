@@ -59,6 +59,10 @@ WarmGlyphs::Inks& WarmGlyphs::InksUnder(const Linear& map) {
   return inks_.emplace_front(KnownInks{map, {}}).inks;
 }
 
+bool WarmGlyphs::Knows(const Linear& map) const {
+  return std::ranges::any_of(inks_, [&](const KnownInks& known) { return known.map == map; });
+}
+
 ShapeStore& WarmGlyphs::ShapesFor(const CutJob& job, const Linear& map) {
   const auto is_alike = [&](const KnownShapes& known) {
     return known.map == map && MakeSameShapes(known.job, job);

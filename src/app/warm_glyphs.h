@@ -52,6 +52,8 @@ class WarmGlyphs {
   // is asked for.
   using Inks = std::unordered_map<uint64_t, Box2>;
   Inks& InksUnder(const Linear& map);
+  // Whether boxes under the map were asked for not long ago.
+  bool Knows(const Linear& map) const;
   static uint64_t KeyOf(uint32_t form_id, uint32_t glyph) {
     return uint64_t{form_id} << 32 | glyph;
   }

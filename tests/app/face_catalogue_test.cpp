@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <map>
+
 #include "app/face_samples.h"
 
 namespace kerno {
@@ -81,14 +84,16 @@ TEST(FaceCatalogue, KeepsFavouritesAndRecentFacesThroughTheSettings) {
   catalogue.ToggleFavourite(EntryOf(catalogue, u"DejaVu Serif"));
   catalogue.ToggleFavourite(EntryOf(catalogue, u"IPAGothic"));
   catalogue.ToggleFavourite(EntryOf(catalogue, u"IPAGothic"));
-  for (const char16_t* name : {u"Tlwg Mono", u"Khmer OS", u"rowmans", u"Tlwg Mono"}) {
+  for (const char16_t* name :
+       {u"Lohit Devanagari", u"Khmer OS", u"DejaVu Sans Mono", u"Lohit Devanagari"}) {
     catalogue.NoteUse(EntryOf(catalogue, name));
   }
   const std::u16string odd = u"Gone|100%22|%7C|A%2c%";  // by hand, and of faces that are gone
   FaceCatalogue next;
   next.Read("ja");
   next.SetStored(catalogue.StoredFavourites() + u"|" + odd, catalogue.StoredRecent());
-  EXPECT_EQ((std::vector<std::u16string>{u"Tlwg Mono", u"rowmans", u"Khmer OS", u"DejaVu Serif"}),
+  EXPECT_EQ((std::vector<std::u16string>{u"Lohit Devanagari", u"DejaVu Sans Mono", u"Khmer OS",
+                                         u"DejaVu Serif"}),
             Names(next.Rows({}), 4));
   EXPECT_EQ(catalogue.StoredRecent(), next.StoredRecent());
   FaceCatalogue third;
@@ -108,7 +113,8 @@ TEST(FaceSamples, KeepsAFewPicturesAndDropsThemForAnotherLook) {
   catalogue.Read("en");
   FaceSamples samples(catalogue);
   SampleLook look = {u"Kerno\nsecond", 120, 24, 0x2040FF, 0x101010};
-  const size_t first = EntryOf(catalogue, u"DejaVu Sans"), second = EntryOf(catalogue, u"rowmans");
+  const size_t first = EntryOf(catalogue, u"DejaVu Sans"),
+               second = EntryOf(catalogue, u"VL Gothic");
   EXPECT_EQ(nullptr, samples.PictureOf(first, look));
   EXPECT_EQ(nullptr, samples.PictureOf(second, look));
   EXPECT_EQ(nullptr, samples.PictureOf(first, look));

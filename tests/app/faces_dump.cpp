@@ -28,7 +28,7 @@ json StyleJson(FaceCatalogue& catalogue, size_t entry, size_t number) {
   for (const FaceAxis& axis : catalogue.AxesOf(entry, number)) {
     made["axes"].push_back(
         {axis.axis.tag, axis.axis.least, axis.axis.usual, axis.axis.most, axis.place});
-    pick.places.push_back((axis.axis.most + axis.place) / 2);
+    pick.places.push_back((axis.axis.least + axis.axis.most + axis.place) / 3);
   }
   const auto options = catalogue.OptionsOf(pick);
   made["found_again"] = catalogue.PickOf(options) == pick;

@@ -16,11 +16,14 @@ constexpr double kInf = std::numeric_limits<double>::infinity();
 const PenData kNoPen{.style = PenStyle::kNull};
 const BrushData kRedBrush{.style = BrushStyle::kSolid, .color = kRed};
 
-// A surface with a pen and a brush, white at first.
-class SurfaceTest : public testing::Test {
+using CreateSurface = std::unique_ptr<BitmapSurface> (*)(int width, int height,
+                                                         uint32_t background);
+
+// A surface of either kind with a pen and a brush, white at first.
+class SurfaceTest : public testing::TestWithParam<CreateSurface> {
  protected:
   void Make(int width, int height, const PenData& pen, const BrushData& brush) {
-    surface_ = CreateBitmapSurface(width, height, kWhite);
+    surface_ = GetParam()(width, height, kWhite);
     pen_ = Context().CreatePenIndirect(pen);
     brush_ = Context().CreateBrushIndirect(brush);
     EXPECT_EQ(Context().SelectPen(pen_.get()), nullptr);
@@ -50,7 +53,7 @@ class SurfaceTest : public testing::Test {
   std::unique_ptr<Brush> brush_;
 };
 
-TEST_F(SurfaceTest, WholePolygonsCountInLogicalUnits) {
+TEST_P(SurfaceTest, WholePolygonsCountInLogicalUnits) {
   Make(10, 10, kNoPen, kRedBrush);
   EXPECT_EQ(Context().SetLogicalUnits(0), 1);
   EXPECT_EQ(Context().SetLogicalUnits(16), 1);
@@ -65,7 +68,7 @@ TEST_F(SurfaceTest, WholePolygonsCountInLogicalUnits) {
   EXPECT_EQ(At(3, 3), kRed);
 }
 
-TEST_F(SurfaceTest, AbsurdCoordinatesNeitherCrashNorSpill) {
+TEST_P(SurfaceTest, AbsurdCoordinatesNeitherCrashNorSpill) {
   Make(16, 16, {.style = PenStyle::kDash, .width = 1e9, .pattern_length = 1e-300}, kRedBrush);
   const DevicePoint wild[] = {{kNan, 1}, {1, kInf}, {-1e300, -1e300}, {1e300, 4}, {4, 1e300}};
   const uint32_t counts[] = {0, 3, 2};
@@ -82,9 +85,12 @@ TEST_F(SurfaceTest, AbsurdCoordinatesNeitherCrashNorSpill) {
     }
   }
   for (const auto& [width, height] : {std::pair{0, 1}, {1, 0}, {-5, 5}, {32768, 1}, {1, 1 << 30}}) {
-    EXPECT_EQ(CreateBitmapSurface(width, height, kWhite), nullptr);
+    EXPECT_EQ(GetParam()(width, height, kWhite), nullptr);
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Surfaces, SurfaceTest,
+                         testing::Values(&CreateBitmapSurface, &CreatePreviewSurface));
 
 }  // namespace
 }  // namespace kerno

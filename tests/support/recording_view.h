@@ -32,6 +32,9 @@ class RecordingView final : public DialogView {
   std::optional<std::filesystem::path> folder_answer, save_answer;
   SaveQuestion asked;
   int again_answers = 0;  // how often trying again is chosen
+  std::function<void()> on_ask;
+  Continue work_answer = Continue::kYes;
+  bool closed = false;
   std::vector<MenuCommand> edits;
   std::map<ControlId, std::u16string> faults;
   std::vector<std::filesystem::path> font_files;
@@ -68,10 +71,11 @@ class RecordingView final : public DialogView {
   }
   Continue ShowWork(std::u16string_view, double) override {
     ++progress_calls;
-    return Continue::kYes;
+    return work_answer;
   }
-  void AskAgain(std::u16string_view asked, std::function<void(bool)> answered) override {
-    messages.emplace_back(asked);
+  void AskAgain(std::u16string_view question, std::function<void(bool)> answered) override {
+    messages.emplace_back(question);
+    if (on_ask) on_ask();
     const bool again = again_answers > 0;
     --again_answers;
     answered(again);
@@ -95,7 +99,7 @@ class RecordingView final : public DialogView {
   WindowPlace PlaceOfWindow() const override { return place; }
   std::vector<WindowRect> Screens() const override { return screens; }
   void PlaceWindow(const WindowPlace& wanted) override { placed = wanted; }
-  void CloseWindow() override {}
+  void CloseWindow() override { closed = true; }
 };
 
 // Waits until nothing is written beside the window any more.

@@ -28,6 +28,10 @@ class ViewTest : public testing::Test {
     view = std::make_unique<ViewDriver>(used);
   }
   size_t Contours() { return view->presenter().item_count(); }
+  void Write(ControlId button) {
+    view->Click(button);
+    while (view->presenter().IsWriting()) view->Wait();
+  }
   std::string TakeMessage() { return Utf16ToUtf8(view->TakeMessage()); }
 
   TemporaryFolder folder;
@@ -38,14 +42,11 @@ class ViewTest : public testing::Test {
 // Goes on until it is cancelled.
 class SlowServices final : public FakeDialogServices {
  public:
-  std::unique_ptr<ViewDriver>* view = nullptr;
-  bool was_shown = false;
   int steps = 0;
 
   Status Write(const Format&, const PartsA&, const OutputOptions&,
                const std::filesystem::path& file) override {
     for (; steps < 400; ++steps) {
-      was_shown = was_shown || (*view)->CancelProgress();
       if (CurrentNotices().Progress(u"Writing", steps, 400) == Continue::kNo) break;
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
@@ -78,7 +79,7 @@ TEST_F(ViewTest, PastedLinesAndDroppedFilesArriveAsLines) {
   view->Copy(u"A\r\nB\rC\u00A0");
   view->Click(kPaste);
   EXPECT_EQ(4u, Contours()) << "at the end of the text, where the keyboard is";
-  view->Click(kDxf);
+  Write(kDxf);
   EXPECT_THAT(services.rtf, HasSubstr("D\\par\r\nA\\par\r\nB\\par\r\nC\\u160"));
   WriteBytes(folder / "a.txt", "AB\nC");
   view->DropOnText(folder / "a.txt");
@@ -113,7 +114,7 @@ TEST_F(ViewTest, ColoursAreThereForTheFigureAloneAndLegible) {
     view->Click(kPolyPolygon);
   }
   services.failing = "dxf";
-  view->Click(kDxf);
+  Write(kDxf);
   for (const std::string& told : {TakeMessage(), Utf16ToUtf8(view->TextOf(kStatus))}) {
     EXPECT_THAT(told, HasSubstr(".dxf: the disk is full"));
   }
@@ -147,12 +148,18 @@ TEST_F(ViewTest, KeysMoveThePreview) {
 
 TEST_F(ViewTest, LongOutputsAreCancelled) {
   SlowServices slow;
-  slow.view = &view;
   slow.folder = folder.path();
   Show(slow);
   view->Click(kDxf);
-  EXPECT_TRUE(slow.was_shown);
+  bool was_shown = false;
+  while (view->presenter().IsWriting()) {
+    view->Wait();
+    if (!was_shown) view->Type(kText, u"A");
+    was_shown = view->CancelProgress() || was_shown;
+  }
+  EXPECT_TRUE(was_shown);
   EXPECT_LT(slow.steps, 300);
+  EXPECT_LT(10u, Contours()) << "typing went on";
   EXPECT_THAT(TakeMessage(), HasSubstr("cancelled"));
   EXPECT_FALSE(view->CancelProgress());
 }

@@ -18,8 +18,8 @@
 #include <new>
 
 #include "platform/posix/agg_sources.h"
-#include "platform/posix/thin_stroke.h"
 #include "platform/surface_context.h"
+#include "platform/thin_stroke.h"
 
 namespace kerno {
 namespace {
@@ -27,6 +27,18 @@ namespace {
 using PixelFormat = agg::pixfmt_bgra32;
 using BaseRenderer = agg::renderer_base<PixelFormat>;
 using Rasterizer = agg::rasterizer_scanline_aa<agg::rasterizer_sl_clip_dbl>;
+
+// The library's rasteriser as ThinStroke wants it.
+class Figures {
+ public:
+  explicit Figures(Rasterizer& rasterizer) : rasterizer_(rasterizer) {}
+  void MoveTo(const DevicePoint& to) { rasterizer_.move_to_d(to.x, to.y); }
+  void LineTo(const DevicePoint& to) { rasterizer_.line_to_d(to.x, to.y); }
+  void Close() { rasterizer_.close_polygon(); }
+
+ private:
+  Rasterizer& rasterizer_;
+};
 
 constexpr unsigned kCellBlocks = 16384;  // of 4,096 cells: the rasteriser drops what lies beyond
 constexpr double kThin = 1.5;            // pixels: joins and ends of thinner lines do not show
@@ -47,7 +59,8 @@ class AggContext final : public SurfaceContext {
         format_(buffer_),
         renderer_(format_),
         rasterizer_(kCellBlocks),
-        thin_(rasterizer_) {
+        figures_(rasterizer_),
+        thin_(figures_) {
     rasterizer_.clip_box(0, 0, width, height);
   }
 
@@ -77,7 +90,8 @@ class AggContext final : public SurfaceContext {
   PixelFormat format_;
   BaseRenderer renderer_;
   Rasterizer rasterizer_;
-  ThinStroke<Rasterizer> thin_;
+  Figures figures_;
+  ThinStroke<Figures> thin_;
   agg::scanline_u8 scanline_;
   agg::span_allocator<agg::rgba8> spans_;
   agg::path_storage path_;

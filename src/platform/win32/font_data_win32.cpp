@@ -78,15 +78,19 @@ std::u16string FamilyOf(const Member& member) {
   return FromWideBuffer(member.font.lfFaceName, LF_FACESIZE);
 }
 
+// TrueType, or CFF in OpenType.
+bool HasOutlines(const TEXTMETRICW* metrics, DWORD type) {
+  const auto* facts = reinterpret_cast<const NEWTEXTMETRICEXW*>(metrics);
+  const bool cff = (type & RASTER_FONTTYPE) == 0 && (facts->ntmTm.ntmFlags & NTM_PS_OPENTYPE) != 0;
+  return (type & TRUETYPE_FONTTYPE) != 0 || cff;
+}
+
 int CALLBACK Collect(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD type, LPARAM target) {
   const auto* described = reinterpret_cast<const ENUMLOGFONTEXW*>(font);
   auto* members = reinterpret_cast<std::vector<Member>*>(target);
-  const auto* facts = reinterpret_cast<const NEWTEXTMETRICEXW*>(metrics);
-  const bool cff = (type & TRUETYPE_FONTTYPE) == 0 && (type & RASTER_FONTTYPE) == 0 &&
-                   (facts->ntmTm.ntmFlags & NTM_PS_OPENTYPE) != 0;
   members->push_back({*font, FromWideBuffer(described->elfStyle, LF_FACESIZE),
                       FromWideBuffer(described->elfFullName, LF_FULLFACESIZE),
-                      (type & TRUETYPE_FONTTYPE) != 0 || cff});
+                      HasOutlines(metrics, type)});
   return 1;
 }
 
@@ -125,6 +129,35 @@ uint32_t IndexIn(std::string_view collection, std::string_view font) {
     if (offset < collection.size() && collection.substr(offset).starts_with(start)) return i;
   }
   return 0;
+}
+
+std::vector<Member> OutlineMembersOf(const MemoryDevice& device, std::u16string_view family) {
+  std::vector<Member> members = MembersOf(device.get(), family);
+  std::erase_if(members, [](const Member& member) { return !member.outlines; });
+  return members;
+}
+
+struct FamilyList {
+  std::vector<ListedFamily> families;
+  std::unordered_map<std::u16string, size_t> places;
+};
+
+// Each family comes once for each of its character sets.
+int CALLBACK CollectFamily(const LOGFONTW* font, const TEXTMETRICW* metrics, DWORD type,
+                           LPARAM target) {
+  auto* list = reinterpret_cast<FamilyList*>(target);
+  std::u16string name = FromWideBuffer(font->lfFaceName, LF_FACESIZE);
+  if (name.starts_with(u'@') || !HasOutlines(metrics, type)) return 1;
+  const auto [place, is_new] = list->places.try_emplace(name, list->families.size());
+  if (is_new) {
+    ListedFamily& family = list->families.emplace_back();
+    family.names = {{name, {}}};
+    family.name = std::move(name);
+    family.fixed_pitch = (font->lfPitchAndFamily & 3) == FIXED_PITCH;
+    family.all_names = false;
+  }
+  if (font->lfCharSet == SYMBOL_CHARSET) list->families[place->second].symbols = true;
+  return 1;
 }
 
 // What the system gives of the file of a face.
@@ -303,72 +336,55 @@ std::vector<ListedFace> ListFaces() {
   return faces;
 }
 
-// Each family stands there once for each of its character sets.
 std::vector<ListedFamily> ListOutlineFamilies() {
   const MemoryDevice device;
-  std::vector<ListedFamily> families;
-  std::unordered_map<std::u16string, size_t> places;
-  for (const Member& member : MembersOf(device.get(), u"")) {
-    const std::u16string name = FamilyOf(member);
-    if (!member.outlines || name.starts_with(u'@')) continue;
-    const auto [place, is_new] = places.try_emplace(name, families.size());
-    if (is_new) {
-      ListedFamily& family = families.emplace_back();
-      family.name = name;
-      family.names = {{name, {}}};
-      family.fixed_pitch = (member.font.lfPitchAndFamily & 3) == FIXED_PITCH;
-      family.all_names = false;
-    }
-    if (member.font.lfCharSet == SYMBOL_CHARSET) families[place->second].symbols = true;
-  }
-  return families;
+  LOGFONTW wanted{};
+  wanted.lfCharSet = DEFAULT_CHARSET;
+  FamilyList list;
+  EnumFontFamiliesExW(device.get(), &wanted, CollectFamily, reinterpret_cast<LPARAM>(&list), 0);
+  return std::move(list.families);
 }
 
 void ReadFamilyNames(ListedFamily* family) {
   family->all_names = true;
   const MemoryDevice device;
-  for (const Member& member : MembersOf(device.get(), family->name)) {
-    const SelectedFont selected(device.get(), member.font);
-    const FontFileFace names = NamesIn(Bytes(device.get(), kNamingTag));
-    for (const FamilyName& name : names.family_names) {
-      const auto known = std::ranges::find(family->names, name.text, &FamilyName::text);
-      if (known == family->names.end()) {
-        family->names.push_back(name);
-      } else if (known->language.empty()) {
-        known->language = name.language;
-      }
+  const std::vector<Member> members = OutlineMembersOf(device, family->name);
+  if (members.empty()) return;
+  const SelectedFont selected(device.get(), members.front().font);
+  const FontFileFace told = NamesIn(Bytes(device.get(), kNamingTag));
+  for (const FamilyName& name : told.family_names) {
+    const auto known = std::ranges::find(family->names, name.text, &FamilyName::text);
+    if (known == family->names.end()) {
+      family->names.push_back(name);
+    } else if (known->language.empty()) {
+      known->language = name.language;
     }
-    family->full_names.insert(family->full_names.end(), names.full_names.begin(),
-                              names.full_names.end());
-    return;
   }
+  family->full_names = told.full_names;
 }
 
+// The system lists a variable font as one face, or each of its instances.
 std::vector<ListedStyle> ListStyles(std::u16string_view family) {
   const MemoryDevice device;
   std::vector<ListedStyle> styles;
-  const auto add = [&](const StyledFace& face, bool variable) {
-    if (face.styles.empty()) return;
-    const bool known = std::ranges::any_of(styles, [&](const ListedStyle& other) {
+  const auto is_listed = [&](const StyledFace& face) {
+    return std::ranges::any_of(styles, [&](const ListedStyle& other) {
       return other.face.styles.front() == face.styles.front();
     });
-    if (!known) styles.push_back({face, variable});
   };
-  std::vector<Member> members = MembersOf(device.get(), family);
-  std::erase_if(members, [](const Member& member) { return !member.outlines; });
+  const std::vector<Member> members = OutlineMembersOf(device, family);
   const std::vector<StyledFace> faces = StylesOf(members);
   for (size_t i = 0; i < members.size(); ++i) {
-    const bool known = std::ranges::any_of(styles, [&](const ListedStyle& other) {
-      return other.face.styles.front() == faces[i].styles.front();
-    });
-    if (known) continue;
-    FontData data;
+    if (is_listed(faces[i])) continue;
     const SelectedFont selected(device.get(), members[i].font);
     const bool variable = !Bytes(device.get(), kVariationsTag).empty();
-    add(faces[i], variable);
+    styles.push_back({faces[i], variable});
+    FontData data;
     if (!variable || !ReadFile(device, members[i], &data).ok()) continue;
-    for (const FontFileFace& face : FacesIn(data.file->bytes())) {
-      if (face.index == data.index && face.instance > 0) add(face.style, true);
+    for (FontFileFace& face : FacesIn(data.file->bytes())) {
+      const bool instance = face.index == data.index && face.instance > 0;
+      if (!instance || face.style.styles.empty() || is_listed(face.style)) continue;
+      styles.push_back({std::move(face.style), true});
     }
   }
   return styles;
@@ -377,8 +393,7 @@ std::vector<ListedStyle> ListStyles(std::u16string_view family) {
 // The system tells of characters up to U+FFFF alone.
 Status ReadCharacters(std::u16string_view family, CharacterSet* characters) {
   const MemoryDevice device;
-  std::vector<Member> members = MembersOf(device.get(), family);
-  std::erase_if(members, [](const Member& member) { return !member.outlines; });
+  const std::vector<Member> members = OutlineMembersOf(device, family);
   if (members.empty()) {
     return Status::Error(Failure::kNotFound, u"face",
                          u"\"" + std::u16string(family) + u"\" is not installed");

@@ -1,9 +1,11 @@
 kerno_room(platform
   SOURCES
+    coverage_mask.cpp
     drawing.cpp
     file_replacement.cpp
     font_families.cpp
     font_file.cpp
+    preview_surface.cpp
     private_profile.cpp
     services.cpp
     style_choice.cpp

@@ -134,6 +134,7 @@ class ViewDriver {
     auto* combo = Find<QComboBox>(id);
     return combo ? combo->lineEdit() : Find<QWidget>(id);
   }
+  static void Wait() { QTest::qWait(10); }
   static void Settle() { QTest::qWait(1); }
 
   MainWindow window;

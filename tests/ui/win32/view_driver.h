@@ -133,11 +133,14 @@ class ViewDriver {
     return std::exchange(message_, {});
   }
   bool CancelProgress() {
-    const HWND popup = GetLastActivePopup(window);
-    if (popup == window || GetDlgItem(popup, KERNO_PROGRESS_BAR) == nullptr) return false;
-    EXPECT_FALSE(IsWindowEnabled(window));
-    PostMessageW(GetDlgItem(popup, IDCANCEL), BM_CLICK, 0, 0);
-    return true;
+    HWND dialog = nullptr;
+    while ((dialog = FindWindowExW(nullptr, dialog, WC_DIALOG, nullptr)) != nullptr) {
+      if (GetDlgItem(dialog, KERNO_PROGRESS_BAR) == nullptr || !IsWindowVisible(dialog)) continue;
+      EXPECT_TRUE(IsWindowEnabled(window)) << "typing goes on";
+      PostMessageW(GetDlgItem(dialog, IDCANCEL), BM_CLICK, 0, 0);
+      return true;
+    }
+    return false;
   }
 
   void Place(const WindowRect& rect) {
@@ -173,6 +176,10 @@ class ViewDriver {
   }
   void ShowAs(int show) {
     ShowWindow(window, show);
+    Pump();
+  }
+  void Wait() {
+    Sleep(10);
     Pump();
   }
   void Pump() {

@@ -31,9 +31,9 @@ class ThinStroke {
     }
     // One ring there and back for an open line, two rings for a closed one.
     Trace(left_.begin(), left_.end(), true);
-    if (closed) rasterizer_.close_polygon();
+    if (closed) rasterizer_.Close();
     Trace(right_.rbegin(), right_.rend(), closed);
-    rasterizer_.close_polygon();
+    rasterizer_.Close();
   }
 
  private:
@@ -77,9 +77,9 @@ class ThinStroke {
   void Trace(Iterator from, Iterator to, bool begin) {
     for (; from != to; ++from, begin = false) {
       if (begin) {
-        rasterizer_.move_to_d(from->x, from->y);
+        rasterizer_.MoveTo(*from);
       } else {
-        rasterizer_.line_to_d(from->x, from->y);
+        rasterizer_.LineTo(*from);
       }
     }
   }
