@@ -46,7 +46,7 @@ constexpr KindOfWindow kKinds[] = {
     {ControlKind::kAxes, kPageClass, WS_CLIPCHILDREN, WS_EX_CONTROLPARENT},
     {ControlKind::kPreview, L"STATIC", SS_NOTIFY | WS_TABSTOP, WS_EX_CLIENTEDGE},
     {ControlKind::kFigure, L"STATIC", SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS},
-    {ControlKind::kLinks, WC_LINK, WS_TABSTOP | LWS_TRANSPARENT | LWS_NOPREFIX},
+    {ControlKind::kLinks, L"STATIC", SS_LEFT | SS_NOPREFIX | SS_NOTIFY},
 };
 
 const KindOfWindow& KindOf(ControlKind kind) {
@@ -76,6 +76,8 @@ void SetText(HWND window, std::u16string_view text) {
 CutPage::CutPage(HINSTANCE instance, HWND parent, CutServices& services)
     : instance_(instance), parent_(parent) {
   MakeWindows();
+  SetWindowLongPtrW(Of(ControlId::kZoomFigure).window, GWL_STYLE,
+                    GetWindowLongPtrW(Of(ControlId::kZoomFigure).window, GWL_STYLE) | SS_CENTER);
   MakeAccelerators();
   ShowCaptions();
   CutView& view = *this;
@@ -245,6 +247,7 @@ void CutPage::ShowFont(const LOGFONTW& font, int dpi) {
     }
   }
   for (const HWND window : {progress_text_, cancel_, empty_search_}) set(window, font_);
+  for (const LinkButton& link : links_) set(link.window, font_);
   axes_->SetFont(font_, dpi_);
   faces_->SetDensity(dpi_);
   for (const HFONT old : before) {

@@ -81,6 +81,7 @@ class CutPage final : public CutView {
   static constexpr UINT_PTR kDueTimer = 1;
   static constexpr int kCancel = 3900;       // the button beside the progress
   static constexpr int kEmptySearch = 3901;  // the mark that empties the search
+  static constexpr int kFirstLink = 3910;
 
   // A control of the table with what belongs to it.
   struct Made {
@@ -119,6 +120,7 @@ class CutPage final : public CutView {
   LRESULT Receive(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
   LRESULT ReceiveInPreview(UINT message, WPARAM wparam, LPARAM lparam);
   void GrabPreview(POINT at, WPARAM keys);
+  bool FollowLink(int id);
   LRESULT Notify(const NMHDR& header);
   void DrawItem(const DRAWITEMSTRUCT& item);
   HBRUSH GroundOf(UINT message, HDC dc, HWND control) const;
@@ -136,6 +138,7 @@ class CutPage final : public CutView {
                  Pass pass) const;
   int LayOutReasons(const std::vector<Cell>& line, int left, int top, int width, Pass pass) const;
   void PlaceCell(const Cell& cell, int left, int top, int width, int height) const;
+  void LayOutLinks(int left, int top, int width, int height) const;
   void LayOutProgress(int left, int top, int width) const;
   Cell CellOf(const Made& made) const;
   int HeightOf(const Made& made) const;
@@ -170,8 +173,12 @@ class CutPage final : public CutView {
   bool picture_is_stale_ = true;
   HMENU popup_ = nullptr;  // while a menu is open
   StatusKind status_kind_ = StatusKind::kNormal;
-  std::vector<int> link_numbers_;
-  bool shows_ = false;  // what comes from the controls meanwhile is an echo
+  struct LinkButton {
+    HWND window;
+    int number;
+  };
+  std::vector<LinkButton> links_;  // words of the status that do something
+  bool shows_ = false;             // what comes from the controls meanwhile is an echo
   bool layout_waits_ = false;
   bool shows_progress_ = false;
   std::unique_ptr<CutPresenter> presenter_;

@@ -97,6 +97,7 @@ bool CutPage::Command(int number, int notification) {
     SetFocus(Of(ControlId::kFaceSearch).window);
     return true;
   }
+  if (FollowLink(number)) return true;
   const auto id = static_cast<ControlId>(number);
   const CutControlRow* const row = FindCutControl(id);
   if (row == nullptr) return false;
@@ -141,6 +142,13 @@ bool CutPage::Command(int number, int notification) {
   }
 }
 
+bool CutPage::FollowLink(int id) {
+  const auto index = static_cast<size_t>(id - kFirstLink);
+  if (id < kFirstLink || index >= links_.size()) return false;
+  presenter_->LinkFollowed(links_[index].number);
+  return true;
+}
+
 bool CutPage::TakesKey(const MSG& message) {
   if (message.message != WM_KEYDOWN || message.wParam != VK_ESCAPE) return false;
   const HWND search = Of(ControlId::kFaceSearch).window;
@@ -149,16 +157,10 @@ bool CutPage::TakesKey(const MSG& message) {
 }
 
 LRESULT CutPage::Notify(const NMHDR& header) {
-  if (header.code == NM_CUSTOMDRAW)
-    return DrawDarkButton(header) ? CDRF_SKIPDEFAULT : CDRF_DODEFAULT;
-  const bool followed = header.code == NM_CLICK || header.code == NM_RETURN;
-  if (followed && header.hwndFrom == Of(ControlId::kCutStatus).window) {
-    const int link = reinterpret_cast<const NMLINK&>(header).item.iLink;
-    if (link >= 0 && static_cast<size_t>(link) < link_numbers_.size()) {
-      presenter_->LinkFollowed(link_numbers_[static_cast<size_t>(link)]);
-    }
-  }
-  return 0;
+  if (header.code != NM_CUSTOMDRAW) return 0;
+  const bool is_link = static_cast<int>(header.idFrom) >= kFirstLink;
+  const bool drawn = is_link ? DrawLinkButton(header) : DrawDarkButton(header);
+  return drawn ? CDRF_SKIPDEFAULT : CDRF_DODEFAULT;
 }
 
 void CutPage::DrawItem(const DRAWITEMSTRUCT& item) {

@@ -117,10 +117,11 @@ int CutPage::LayOutSection(CutSection section, int left, int top, int width, Pas
     if (row.section != section || !made.shown) continue;
     if (row.kind == ControlKind::kAxes && axes_->IsEmpty()) continue;
     const Cell cell = CellOf(made);
-    const int caption = line.empty() && cell.caption != 0 ? captions : cell.caption;
-    const int needed = caption + cell.width + (line.empty() ? 0 : gap);
+    const int needed = cell.caption + cell.width + gap;
     if (!row.same_line || taken + needed > width) flush();
-    taken += line.empty() && cell.caption != 0 ? captions + cell.width : needed;
+    taken += line.empty() && cell.caption != 0 ? std::max(captions, cell.caption) + cell.width
+             : line.empty()                    ? cell.width
+                                               : needed;
     line.push_back(cell);
   }
   flush();
@@ -134,14 +135,15 @@ int CutPage::LayOutLine(const std::vector<Cell>& line, int left, int top, int wi
   int height = 0;
   for (const Cell& cell : line) {
     const bool in_column = &cell == &line.front() && cell.caption != 0;
-    rest -= (in_column ? captions : cell.caption) + cell.width;
+    rest -= (in_column ? std::max(captions, cell.caption) : cell.caption) + cell.width;
     height = std::max(height, HeightOf(*cell.made));
   }
   if (pass == Pass::kPlace) {
     int x = left;
     for (const Cell& cell : line) {
       if (cell.caption != 0) {
-        const int caption = &cell == &line.front() ? captions : cell.caption;
+        const int caption =
+            &cell == &line.front() ? std::max(captions, cell.caption) : cell.caption;
         PlaceWindow(cell.made->caption, x, top, caption, height);
         x += caption;
       }
@@ -160,6 +162,10 @@ void CutPage::PlaceCell(const Cell& cell, int left, int top, int width, int heig
   if (made.row->kind == ControlKind::kSearch && IsWindowVisible(empty_search_)) {
     width -= own;
     PlaceWindow(empty_search_, left + width, at, own, own);
+  }
+  if (made.row->kind == ControlKind::kLinks && !links_.empty()) {
+    LayOutLinks(left, at + own / 2, width, own / 2);
+    return PlaceWindow(made.window, left, at, width, own / 2);
   }
   // The height of a combo box is that of its open list.
   PlaceWindow(made.window, left, at, width, IsCombo(made.row->kind) ? Scaled(300) : own);
@@ -182,6 +188,17 @@ int CutPage::LayOutReasons(const std::vector<Cell>& line, int left, int top, int
     top += place.bottom + Scaled(kSmallGap);
   }
   return top;
+}
+
+// Links stand in the second line of the status.
+void CutPage::LayOutLinks(int left, int top, int width, int height) const {
+  const int right = left + width;
+  for (const LinkButton& link : links_) {
+    const int wide =
+        std::min(TextWidth(TextOfWindow(link.window)) + Scaled(kSmallGap), right - left);
+    PlaceWindow(link.window, left, top, wide, height);
+    left += wide + Scaled(kGap);
+  }
 }
 
 void CutPage::LayOutProgress(int left, int top, int width) const {

@@ -24,23 +24,16 @@ namespace {
 constexpr double kMillimetres = 25.4;  // of an inch
 constexpr int kProgressSteps = 1000;
 
-// A status in the notation of the control with links.
-std::wstring WithLinks(std::u16string_view text, const std::vector<StatusLink>& links) {
-  std::wstring marked;
+// The text without the links and the marks before them.
+std::u16string WithoutLinks(std::u16string_view text, const std::vector<StatusLink>& links) {
+  std::u16string rest;
   size_t done = 0;
-  const auto append = [&](size_t end) {
-    // Nothing in a name may be taken for a link.
-    for (; done < end; ++done)
-      marked += text[done] == u'<' ? L'‹' : static_cast<wchar_t>(text[done]);
-  };
   for (const StatusLink& link : links) {
-    append(std::min(link.first, text.size()));
-    marked += L"<a>";
-    append(std::min(link.first + link.count, text.size()));
-    marked += L"</a>";
+    rest += text.substr(done, link.first - done);
+    rest.erase(rest.find_last_not_of(u" ·") + 1);
+    done = link.first + link.count;
   }
-  append(text.size());
-  return marked;
+  return rest += text.substr(done);
 }
 
 void FillList(HWND combo, const std::vector<std::u16string>& items, size_t selected) {
@@ -168,13 +161,25 @@ double CutPage::PixelsPerMillimetre() const {
 void CutPage::ShowStatus(std::u16string_view text, StatusKind kind,
                          const std::vector<StatusLink>& links) {
   status_kind_ = kind;
-  link_numbers_.clear();
-  for (const StatusLink& link : links) link_numbers_.push_back(link.number);
   const HWND status = Of(ControlId::kCutStatus).window;
-  SetWindowTextW(status, WithLinks(text, links).c_str());
-  NameControl(status, text);
+  SetWindowTextW(status, ToWide(WithoutLinks(text, links)).c_str());
   ShowHint(hints_, window_, status, text);  // whole, where two lines do not hold it
   InvalidateRect(status, nullptr, TRUE);
+  if (links.empty() && links_.empty()) return;
+  for (const LinkButton& link : std::exchange(links_, {})) DestroyWindow(link.window);
+  HWND before = status;
+  for (const StatusLink& link : links) {
+    const int id = kFirstLink + static_cast<int>(links_.size());
+    const HWND button =
+        CreateWindowExW(0, L"BUTTON", ToWide(text.substr(link.first, link.count)).c_str(),
+                        WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, 0, 0, 0, 0, window_,
+                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance_, nullptr);
+    SendMessageW(button, WM_SETFONT, reinterpret_cast<WPARAM>(font_), FALSE);
+    SetWindowPos(button, before, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    before = button;  // the Tab key goes on to the next one
+    links_.push_back({button, link.number});
+  }
+  LayOutSoon();
 }
 
 std::optional<std::filesystem::path> CutPage::AskSave(const SaveQuestion& question) {

@@ -94,7 +94,6 @@ void FaceRowList::Draw(const DRAWITEMSTRUCT& item) const {
   const HDC dc = canvas.dc();
   const bool selected = (item.itemState & ODS_SELECTED) != 0;
   const COLORREF ink = LookColor(selected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT);
-  const COLORREF paper = LookColor(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW);
   const RECT all = {0, 0, canvas.Width(), canvas.Height()};
   FillRect(dc, &all, LookBrush(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
   const int name_height = MulDiv(kNameHeight, dpi_, USER_DEFAULT_SCREEN_DPI);
@@ -113,10 +112,13 @@ void FaceRowList::Draw(const DRAWITEMSTRUCT& item) const {
   }
   const int width = canvas.Width() - left - 4;
   const int height = canvas.Height() - name_height - 2;
+  // All samples have the same colours: others would drop those that are made.
+  const RECT under = {left, name_height, canvas.Width() - 2, canvas.Height() - 2};
+  FillRect(dc, &under, LookBrush(COLOR_WINDOW));
   if (sample && width > 0 && height > 0) {
-    if (const BitmapSurface* picture = sample(item.itemID, width, height, ink, paper)) {
-      Blit(dc, left, name_height, *picture);
-    }
+    const BitmapSurface* const picture =
+        sample(item.itemID, width, height, LookColor(COLOR_WINDOWTEXT), LookColor(COLOR_WINDOW));
+    if (picture != nullptr) Blit(dc, left, name_height, *picture);
   }
   if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0) {
     DrawFocusRect(dc, &all);

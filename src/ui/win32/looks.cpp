@@ -19,6 +19,7 @@ namespace {
 constexpr UINT_PTR kSubclass = 0x4C6F;
 constexpr wchar_t kFault[] = L"KernoFault";
 constexpr COLORREF kRed = RGB(200, 30, 30);
+constexpr COLORREF kLinkOnDark = RGB(110, 175, 255);
 constexpr COLORREF kRedOnDark = RGB(255, 110, 110);
 constexpr DWORD kDarkTitle = 20;  // DWMWA_USE_IMMERSIVE_DARK_MODE
 
@@ -353,6 +354,28 @@ bool DrawDarkButton(const NMHDR& header) {
     if (!boxed) InflateRect(&place, -3, -3);
     DrawFocusRect(draw.hdc, &place);
   }
+  return true;
+}
+
+bool DrawLinkButton(const NMHDR& header) {
+  const auto& draw = reinterpret_cast<const NMCUSTOMDRAW&>(header);
+  if (draw.dwDrawStage != CDDS_PREERASE && draw.dwDrawStage != CDDS_PREPAINT) return false;
+  const HWND button = header.hwndFrom;
+  RECT place{};
+  GetClientRect(button, &place);
+  FillRect(draw.hdc, &place, LookBrush(COLOR_BTNFACE));
+  LOGFONTW font{};
+  GetObjectW(reinterpret_cast<HFONT>(SendMessageW(button, WM_GETFONT, 0, 0)), sizeof font, &font);
+  font.lfUnderline = TRUE;
+  const HFONT underlined = CreateFontIndirectW(&font);
+  const HGDIOBJ before = SelectObject(draw.hdc, underlined);
+  SetBkMode(draw.hdc, TRANSPARENT);
+  SetTextColor(draw.hdc, IsDark() ? kLinkOnDark : GetSysColor(COLOR_HOTLIGHT));
+  const std::wstring caption = ToWide(TextOfWindow(button));
+  DrawTextW(draw.hdc, caption.c_str(), -1, &place, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+  SelectObject(draw.hdc, before);
+  DeleteObject(underlined);
+  if (GetFocus() == button) DrawFocusRect(draw.hdc, &place);
   return true;
 }
 

@@ -23,6 +23,9 @@ void MarkFault(HWND field, bool at_fault);
 // Draws a button in dark colours, for the notification NM_CUSTOMDRAW; whether it was drawn.
 bool DrawDarkButton(const NMHDR& header);
 
+// Draws a button as a word that can be followed, the same way.
+bool DrawLinkButton(const NMHDR& header);
+
 // The answer to WM_CTLCOLOR*: the colours of a control, and the brush of its ground.
 HBRUSH ControlBrush(UINT message, HDC dc);
 
