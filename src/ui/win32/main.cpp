@@ -27,8 +27,7 @@ std::vector<std::filesystem::path> FilesToOpen() {
 
 int RunProgram(HINSTANCE instance, int show) {
   INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS |
-                                                        ICC_PROGRESS_CLASS | ICC_BAR_CLASSES |
-                                                        ICC_LINK_CLASS};
+                                                        ICC_PROGRESS_CLASS | ICC_BAR_CLASSES};
   InitCommonControlsEx(&controls);
   if (LoadLibraryW(L"Msftedit.dll") == nullptr) {
     const std::u16string told = Say(u"Msftedit.dll: the rich edit control is not there");
