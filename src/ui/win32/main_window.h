@@ -122,6 +122,8 @@ class MainWindow final : private DialogView {
   void LayOut();
   int LayOutLine(WindowLine line, int top, int height, int between);
   void BoundSize(MINMAXINFO& bounds) const;
+  void KeepRoom(WINDOWPOS& place) const;
+  SIZE LeastSize(int width) const;
   void ShowFont();
   void ShowHints();
   void ShowLooks();

@@ -42,6 +42,9 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_DPICHANGED:
       DensityChanged(LOWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
       return TRUE;
+    case WM_WINDOWPOSCHANGING:
+      KeepRoom(*reinterpret_cast<WINDOWPOS*>(lparam));
+      return FALSE;
     case WM_GETMINMAXINFO:
       BoundSize(*reinterpret_cast<MINMAXINFO*>(lparam));
       return TRUE;

@@ -227,9 +227,9 @@ void MainWindow::DensityChanged(int dpi, const RECT& place) {
   SizeDropDowns();
 }
 
-// No smaller than everything in it, no larger than its screen.
-void MainWindow::BoundSize(MINMAXINFO& bounds) const {
-  if (!ready_) return;
+// The least size of the window in which everything has room at that width, no larger than its
+// screen. Narrower windows want more lines.
+SIZE MainWindow::LeastSize(int width) const {
   RECT frame{};
   RECT client{};
   GetWindowRect(window_, &frame);
@@ -239,14 +239,28 @@ void MainWindow::BoundSize(MINMAXINFO& bounds) const {
   const bool is_cut = mode_ == WindowMode::kCut;
   const int least = Scaled(is_cut ? CutPage::kLeast.cx : kLeastWidth);
   const int lowest = is_cut ? LayOutModeSwitch() + Scaled(CutPage::kLeast.cy)
-                            : LeastHeight(std::max(least, static_cast<int>(client.right)));
-  bounds.ptMinTrackSize = {least + wide, lowest + high};
+                            : LeastHeight(std::max(least, width - wide));
   MONITORINFO screen{};
   screen.cbSize = sizeof screen;
-  if (!GetMonitorInfoW(MonitorFromWindow(window_, MONITOR_DEFAULTTONEAREST), &screen)) return;
+  GetMonitorInfoW(MonitorFromWindow(window_, MONITOR_DEFAULTTONEAREST), &screen);
   const RECT& work = screen.rcWork;
-  bounds.ptMinTrackSize.x = std::min(bounds.ptMinTrackSize.x, work.right - work.left);
-  bounds.ptMinTrackSize.y = std::min(bounds.ptMinTrackSize.y, work.bottom - work.top);
+  return {std::min<LONG>(least + wide, work.right - work.left),
+          std::min<LONG>(lowest + high, work.bottom - work.top)};
+}
+
+void MainWindow::BoundSize(MINMAXINFO& bounds) const {
+  if (!ready_ || IsIconic(window_)) return;
+  const SIZE least = LeastSize(0);
+  bounds.ptMinTrackSize.x = least.cx;
+  RECT frame{};
+  GetWindowRect(window_, &frame);
+  bounds.ptMinTrackSize.y = LeastSize(frame.right - frame.left).cy;
+}
+
+void MainWindow::KeepRoom(WINDOWPOS& place) const {
+  if (!ready_ || (place.flags & SWP_NOSIZE) != 0 || IsIconic(window_)) return;
+  place.cx = std::max(place.cx, static_cast<int>(LeastSize(0).cx));
+  place.cy = std::max(place.cy, static_cast<int>(LeastSize(place.cx).cy));
 }
 
 }  // namespace kerno

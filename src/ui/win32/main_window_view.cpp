@@ -153,9 +153,7 @@ WindowPlace MainWindow::PlaceOfWindow() const {
   placement.length = sizeof placement;
   GetWindowPlacement(window_, &placement);
   RECT place = placement.rcNormalPosition;
-  const bool was_maximised = (placement.flags & WPF_RESTORETOMAXIMIZED) != 0;
-  const WindowShow show = IsIconic(window_)
-                              ? was_maximised ? WindowShow::kMaximised : WindowShow::kMinimised
+  const WindowShow show = IsIconic(window_)   ? WindowShow::kMinimised
                           : IsZoomed(window_) ? WindowShow::kMaximised
                                               : WindowShow::kNormal;
   if (show == WindowShow::kNormal) {

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "support/recording_view.h"
+#include "support/temporary_folder.h"
 #include "view_driver.h"
 
 namespace kerno::test {
@@ -47,6 +48,7 @@ class WindowsViewTest : public testing::Test {
 };
 
 TEST_F(WindowsViewTest, TheSystemMenuTellsTheVersion) {
+  services.locale = u"ja_JP";
   Show();
   wchar_t entry[64] = {};
   GetMenuStringW(GetSystemMenu(view->window, FALSE), 16, entry, 64, MF_BYCOMMAND);
@@ -149,6 +151,8 @@ TEST_F(WindowsViewTest, TheCutPageMarksAFieldAndFollowsItsKeys) {
   const std::u16string before = TextOfWindow(page.control(ControlId::kZoomFigure));
   page.Command(static_cast<int>(ControlId::kZoomIn), BN_CLICKED);  // as its key does
   EXPECT_NE(before, TextOfWindow(page.control(ControlId::kZoomFigure)));
+  const TemporaryFolder folder;
+  view->cut_services.folder = folder.path();
   page.Command(static_cast<int>(ControlId::kCopySvg), BN_CLICKED);
   EXPECT_TRUE(IsClipboardFormatAvailable(RegisterClipboardFormatW(L"image/svg+xml")));
   view->Click(ControlId::kModeClassic);
