@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "app/cut_services.h"
 #include "app/system_services.h"
 #include "base/profile_settings.h"
 #include "sample_texts.h"
@@ -128,7 +129,8 @@ int Run(int argc, char** argv) {
   QApplication app(argc, argv);
   InstallProfileSettings();
   ManyFaces services;
-  MainWindow window(services);
+  SystemCutServices cut_services;
+  MainWindow window(services, cut_services);
   PaintWatch shown(&window);
   window.show();
   while (!shown.painted) QApplication::processEvents();

@@ -15,7 +15,7 @@ import windows_run
 class DesktopSession:
     """Use in a "with" statement; the program ends with it."""
 
-    def __init__(self, program, size="1280x900", scale=1, arguments=()):
+    def __init__(self, program, size="1280x900", scale=1, arguments=(), environment=None):
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="kerno-session-"))
         self.size = size
         self.opened = self.home / "opened"
@@ -29,6 +29,7 @@ class DesktopSession:
             "PATH": f"{tools}:{os.environ['PATH']}",
             "QT_SCALE_FACTOR": str(scale),
             "QT_QPA_PLATFORM": "xcb",
+            **(environment or {}),
         }
         for variable, folder in (("HOME", "home"), ("XDG_CONFIG_HOME", "config"),
                                  ("XDG_CACHE_HOME", "cache"), ("TMPDIR", "tmp"),
@@ -113,6 +114,10 @@ class DesktopSession:
     def click(self, place):
         """Presses the mouse at a place within the window."""
         self.tool("mousemove", "--window", self.window, *map(str, place), "click", "1")
+
+    def choose_cut(self):
+        """Goes from the text box of the classic page to the Cut page, by the switch over both."""
+        self.key("shift+Tab", "Right", "space")
 
     def outputs(self):
         return sorted(self.output_folder().glob("*"))

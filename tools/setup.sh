@@ -4,7 +4,7 @@
 # the font packages alone: tests/fonts.conf names them.
 set -e
 packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
- qt6-base-dev qt6-translations-l10n xvfb xdotool unrtf
+ qt6-base-dev qt6-gtk-platformtheme qt6-translations-l10n xvfb xdotool unrtf
  libfreetype-dev libfontconfig-dev libharfbuzz-dev libharfbuzz-bin libfribidi-dev libfribidi-bin
  libcli11-dev libagg-dev libpolyclipping-dev
  fonts-dejavu-core fonts-dejavu-extra fonts-ipafont fonts-vlgothic fonts-tlwg-mono-otf fonts-liberation

@@ -4,6 +4,15 @@
 #include <utility>
 
 namespace kerno {
+namespace {
+
+thread_local Background* of_this_thread = nullptr;
+
+}  // namespace
+
+Background* Background::OfThisThread() {
+  return of_this_thread;
+}
 
 void Background::Stop() {
   {
@@ -32,6 +41,7 @@ void Background::Run(std::function<void()> work, std::function<void()> done) {
 }
 
 void Background::WorkOn() {
+  of_this_thread = this;
   for (;;) {
     Piece piece;
     {
@@ -41,13 +51,13 @@ void Background::WorkOn() {
       piece = std::move(waiting_.front());
       waiting_.pop_front();
       runs_ = true;
-      cancelled_ = false;
       shown_ = {};
     }
     piece.work();
     {
       const std::lock_guard lock(mutex_);
       runs_ = false;
+      cancelled_ = stops_;
       shown_ = {};
       ended_.push_back(std::move(piece.done));
     }

@@ -40,7 +40,7 @@ class Background {
   // Whether a piece runs, waits, or has ended and Finish was not called since.
   bool IsBusy() const;
   WorkShown Look() const;
-  // Asks the piece under way to stop.
+  // Asks the piece under way, or else the next one, to stop.
   void Cancel();
   void Answer(bool yes);
   // Asks the piece under way to stop, waits for it, and drops those after it; for good.
@@ -48,7 +48,9 @@ class Background {
 
   // For the worker.
 
-  bool IsWorker() const { return std::this_thread::get_id() == worker_.get_id(); }
+  // The one whose piece runs on this thread; null elsewhere.
+  static Background* OfThisThread();
+  bool IsWorker() const { return OfThisThread() == this; }
   Continue Progress(std::u16string_view text, double part);
   void ShowWait(std::u16string_view text);
   // Waits until the user has answered; false where the work is to stop.

@@ -111,7 +111,7 @@ constexpr MenuRow kOptionRows[] = {
     {MenuCommand::kLinesAndFaces, true, false, u"Contours as lines &and faces", u""},
     {MenuCommand::kPitchClassic, true, true, u"Vertical pitch: by the &ink", u""},
     {MenuCommand::kPitchCell, true, false, u"Vertical pitch: by the &cell", u""},
-    {MenuCommand::kAciClassic, true, true, u"Colour index (DXF): c&lassic rule", u""},
+    {MenuCommand::kAciClassic, true, true, u"Colour index (DXF): classic &rule", u""},
     {MenuCommand::kAciNearest, true, false, u"Colour index (DXF): &nearest colour", u""},
 };
 constexpr MenuRow kHelpRows[] = {

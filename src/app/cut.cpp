@@ -8,12 +8,12 @@
 #include <utility>
 
 #include "app/glyph_source.h"
+#include "app/overlaps.h"
 #include "app/shape_maker.h"
 #include "app/warm_glyphs.h"
 #include "base/parallel.h"
 #include "drawing/affine.h"
 #include "drawing/measures.h"
-#include "drawing/overlaps.h"
 
 namespace kerno {
 namespace {

@@ -136,7 +136,8 @@ constexpr CutControlRow kRows[] = {
     WithKey(Beside(Row(Id::kSave, Kind::kDefaultButton, In::kOutput, 110, u"Save DXF...",
                        u"Writes the drawing to a file")),
             u"Ctrl+S"),
-    Beside(Row(Id::kSaveMenu, Kind::kMenuButton, In::kOutput, 24, u"▾", u"Other formats")),
+    WithKey(Beside(Row(Id::kSaveMenu, Kind::kMenuButton, In::kOutput, 24, u"▾", u"Other formats")),
+            u"Ctrl+Shift+S"),
 };
 
 }  // namespace

@@ -146,7 +146,6 @@ void CutPresenter::TextChanged(ControlId field, std::u16string_view text) {
     if (lines == text_) return;
     text_ = std::move(lines);
     has_sample_ = false;
-    samples_wait_ = true;
     view_.RepaintFaceRows();
     return Changed();
   }
@@ -354,7 +353,7 @@ void CutPresenter::ShowStatus() {
     if (text.empty()) text = Say(u"Type the text to cut");
     return view_.ShowStatus(text, kind, links);
   }
-  if (text.empty()) text = DescribeCut(*made_);
+  if (text.empty()) text = SizeOf(*made_) + u"  ·  " + DescribeCut(*made_);
   for (const std::u16string& warning : WarningsOf(*made_)) {
     text += u"  ·  " + warning;
     if (kind == StatusKind::kNormal) kind = StatusKind::kWarning;
@@ -438,10 +437,7 @@ const BitmapSurface* CutPresenter::FaceSample(size_t row, int width, int height,
   const std::u16string first = text_.substr(0, std::min(text_.find(u'\n'), text_.size()));
   const BitmapSurface* picture =
       samples_.PictureOf(rows_.rows[row].entry, {first, width, height, ink, paper});
-  if (!picture && !samples_wait_) {
-    samples_wait_ = true;
-    view_.CallWhenDue(1);
-  }
+  if (!picture) view_.CallWhenDue(1);
   return picture;
 }
 
@@ -454,7 +450,6 @@ bool CutPresenter::WorkBetweenEvents() {
     made_samples |= made;
     has_more = made || (!rows_.complete && catalogue_.ReadNext());
   }
-  if (!has_more) samples_wait_ = false;
   if (made_samples) view_.RepaintFaceRows();
   if (!rows_.complete && !has_more) {
     ShowRows();

@@ -153,7 +153,6 @@ class CutPresenter {
   FaceFilter filter_;
   FaceRows rows_;
   std::optional<FacePick> pick_;
-  bool samples_wait_ = false;
 
   CutWorkshop workshop_;
   CutJob job_;  // of the drawing

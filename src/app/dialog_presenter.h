@@ -6,9 +6,11 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "app/background.h"
@@ -142,16 +144,25 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   OutputSubject Subject() const;
   std::shared_ptr<const PartsA> Snapshot();
   OutputOptions Options() const;
-  void RunBeside(std::function<void()> work, std::function<void()> done);
-  void WriteDrawing(const std::function<void(const PartsA& drawing)>& write,
-                    std::function<void()> done);
+  // What a piece of work came to, once it is done.
+  struct WorkReport {
+    std::vector<std::filesystem::path> written;
+    std::u16string failures, messages;                     // a line each
+    std::vector<std::function<void(int button)>> answers;  // to the messages that are asked
+    std::filesystem::path base_path, folder;               // of the outputs
+    bool replaced_another = false;
+    bool is_empty = false;  // the drawing
+  };
+  using WorkDone = std::function<void(const WorkReport& report)>;
+  void RunBeside(std::function<void()> work, WorkDone done);
+  void WriteDrawing(const std::function<void(const PartsA& drawing)>& write, WorkDone done);
   void WaitForWriting();
   void WriteOutput(const Format& format);
   void SaveCopy();
-  void CopySaved(const std::filesystem::path& file);
+  void CopySaved(const std::filesystem::path& file, const WorkReport& report);
   void Upload();
-  bool ReportFailures();
-  void ReportOutputs();
+  bool ReportFailures(const WorkReport& report);
+  void ReportOutputs(const WorkReport& report);
   void EndProgress();
   void SetOutputFolder(const std::filesystem::path& folder);
   bool DropOne(const std::filesystem::path& file);
@@ -207,11 +218,13 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   std::filesystem::path folder_;            // of the outputs
   std::filesystem::path copy_folder_;       // of the last copy
 
-  // What the outputs under way came to. The worker's until they are done, like outputs_.
-  std::vector<std::filesystem::path> reported_;
-  std::u16string failures_;                               // a line each
-  std::u16string messages_;                               // a line each
-  std::vector<std::function<void(int button)>> answers_;  // to the messages that are asked
+  WorkReport* report_ = nullptr;  // of the piece under way: the worker's, like outputs_
+
+  // What threads that write for others have told.
+  bool IsWindowThread() const { return std::this_thread::get_id() == window_thread_; }
+  const std::thread::id window_thread_ = std::this_thread::get_id();
+  std::mutex strangers_;
+  std::vector<std::u16string> told_by_strangers_;
 
   Background background_{[this] { view_.WakeUp(); }};  // ends before what its work uses
 };

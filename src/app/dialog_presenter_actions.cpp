@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <mutex>
 #include <thread>
 #include <utility>
 
@@ -150,7 +151,7 @@ void DialogPresenter::ShowMenu() {
 void DialogPresenter::SetOutputFolder(const fs::path& folder) {
   folder_ = folder;
   if (IsWriting()) {
-    RunBeside([this, folder] { outputs_.SetFolder(folder); }, [] {});
+    RunBeside([this, folder] { outputs_.SetFolder(folder); }, [](const WorkReport&) {});
   } else {
     outputs_.SetFolder(folder);
   }
@@ -181,19 +182,34 @@ std::shared_ptr<const PartsA> DialogPresenter::Snapshot() {
       now.made ? DrawingOf(contours_, {.elements = memory_.elements}) : PartsA(now));
 }
 
-void DialogPresenter::RunBeside(std::function<void()> work, std::function<void()> done) {
-  background_.Run(std::move(work), std::move(done));
+// The piece after it may run before `done` does, so each has a report of its own.
+void DialogPresenter::RunBeside(std::function<void()> work, WorkDone done) {
+  const auto report = std::make_shared<WorkReport>();
+  const auto piece = [this, report, work = std::move(work)] {
+    report_ = report.get();
+    work();
+    report_ = nullptr;
+    report->base_path = outputs_.base_path();
+    report->folder = outputs_.folder();
+    report->replaced_another = outputs_.replaced_another();
+  };
+  background_.Run(piece, [report, done = std::move(done)] { done(*report); });
   if (!is_pending_) view_.CallWhenDue(kProgressDelay);
 }
 
 void DialogPresenter::WriteDrawing(const std::function<void(const PartsA& drawing)>& write,
-                                   std::function<void()> done) {
+                                   WorkDone done) {
   auto drawing = Snapshot();
   const bool has_texts = HasTexts(*drawing);
   if (has_texts && IsWriting()) {
     return ShowStatus(Say(u"Still writing. Press again when that is done."), StatusKind::kWarning);
   }
-  RunBeside([write, drawing] { write(*drawing); }, std::move(done));
+  const bool is_empty = PartsView(*drawing).empty();
+  const auto work = [this, write, drawing, is_empty] {
+    report_->is_empty = is_empty;
+    write(*drawing);
+  };
+  RunBeside(work, std::move(done));
   if (has_texts) WaitForWriting();
 }
 
@@ -211,12 +227,14 @@ void DialogPresenter::WriteOutput(const Format& format) {
                       subject = Subject()](const PartsA& drawing) {
     outputs_.Write(format, drawing, options, subject);
   };
-  WriteDrawing(write, [this] { ReportOutputs(); });
+  WriteDrawing(write, [this](const WorkReport& report) { ReportOutputs(report); });
 }
 
 void DialogPresenter::SaveCopy() {
   const OutputSubject subject = Subject();
-  SaveQuestion question = {.title = WithoutMnemonic(Say(u"Save a copy &as...")),
+  std::u16string title = WithoutMnemonic(Say(u"Save a copy &as..."));
+  title.erase(title.find_last_not_of(u'.') + 1);
+  SaveQuestion question = {.title = std::move(title),
                            .folder = copy_folder_.empty() ? folder_ : copy_folder_,
                            .name = OutputBaseName(subject.face, subject.height, subject.text),
                            .kinds = CopyKinds("dxf")};
@@ -233,13 +251,12 @@ void DialogPresenter::SaveCopy() {
   const auto write = [this, format, file = *file, options = Options()](const PartsA& drawing) {
     FileWritten(file, services_.Write(*format, drawing, options, file));
   };
-  WriteDrawing(write, [this, file = *file] { CopySaved(file); });
+  WriteDrawing(write, [this, file = *file](const WorkReport& report) { CopySaved(file, report); });
 }
 
-void DialogPresenter::CopySaved(const fs::path& file) {
+void DialogPresenter::CopySaved(const fs::path& file, const WorkReport& report) {
   EndProgress();
-  reported_.clear();
-  if (ReportFailures()) return;
+  if (ReportFailures(report)) return;
   ShowStatus(Say(u"Wrote {} in {}", {PathText(file.filename()), PathText(file.parent_path())}),
              StatusKind::kNormal);
 }
@@ -250,59 +267,61 @@ void DialogPresenter::Upload() {
   const auto send = [this, answer, subject = Subject()] {
     if (!outputs_.WritePage(subject)) return;
     const Status sent = services_.Upload(outputs_.written(), answer.get());
-    if (!sent.ok()) failures_ += SayStatus(sent) + u"\n";
+    if (!sent.ok()) report_->failures += SayStatus(sent) + u"\n";
   };
-  RunBeside(send, [this, answer] {
-    const bool failed = !failures_.empty();
-    ReportOutputs();
-    if (!failed) ShowStatus(Say(u"Sent. {}", {*answer}), StatusKind::kNormal);
+  RunBeside(send, [this, answer](const WorkReport& report) {
+    ReportOutputs(report);
+    if (report.failures.empty()) ShowStatus(Say(u"Sent. {}", {*answer}), StatusKind::kNormal);
   });
 }
 
 // Tells what went wrong and what the user is to answer. Whether something went wrong.
-bool DialogPresenter::ReportFailures() {
-  const std::u16string failures = std::exchange(failures_, {});
-  std::u16string told = failures + messages_;
-  if (!told.empty()) told.pop_back();
-  const auto closed = [answers = std::exchange(answers_, {})] {
+bool DialogPresenter::ReportFailures(const WorkReport& report) {
+  const auto closed = [answers = report.answers] {
     for (const auto& answered : answers) answered(kOkButton);
   };
-  if (!failures.empty()) {
-    view_.ShowMessage(told, closed);
-    ShowStatus(failures.substr(0, failures.find(u'\n')), StatusKind::kFailure);
-  } else {
+  if (report.failures.empty()) {
     closed();
+    return false;
   }
-  if (!failures.empty()) messages_.clear();
-  return !failures.empty();
+  std::u16string told = report.failures + report.messages;
+  told.pop_back();
+  view_.ShowMessage(told, closed);
+  ShowStatus(report.failures.substr(0, report.failures.find(u'\n')), StatusKind::kFailure);
+  return true;
 }
 
-void DialogPresenter::ReportOutputs() {
+void DialogPresenter::ReportOutputs(const WorkReport& report) {
   EndProgress();
-  outputs_.OpenFolderOnce();
-  const std::vector<fs::path> written = std::exchange(reported_, {});
-  if (ReportFailures()) return;
-  const std::u16string messages = std::exchange(messages_, {});
-  if (written.empty()) return;
+  if (open_folder_on_first_save && !report.base_path.empty()) {
+    open_folder_on_first_save = false;
+    (void)services_.OpenFolder(report.folder);  // a refusal is told
+  }
+  if (ReportFailures(report) || report.written.empty()) return;
   std::u16string names;
-  for (const fs::path& file : written) {
+  for (const fs::path& file : report.written) {
     if (!names.empty()) names += u", ";
     names += PathText(file.extension());
   }
-  std::u16string status =
-      Say(u"Wrote {} of {} in {}",
-          {names, PathText(outputs_.base_path().stem()), PathText(outputs_.folder())});
-  const bool is_empty = PartsView(parts()).empty();
-  if (is_empty) status = Say(u"The drawing is empty. {}", {status});
-  if (outputs_.replaced_another()) {
+  std::u16string status = Say(u"Wrote {} of {} in {}",
+                              {names, PathText(report.base_path.stem()), PathText(report.folder)});
+  if (report.is_empty) status = Say(u"The drawing is empty. {}", {status});
+  if (report.replaced_another) {
     status += u"  ·  " + Say(u"it replaces that of another text; the File menu saves copies");
   }
+  const std::u16string& messages = report.messages;
   if (!messages.empty()) status += u"  ·  " + messages.substr(0, messages.find(u'\n'));
-  const bool warns = !messages.empty() || is_empty || outputs_.replaced_another();
+  const bool warns = !messages.empty() || report.is_empty || report.replaced_another;
   ShowStatus(std::move(status), warns ? StatusKind::kWarning : StatusKind::kNormal);
 }
 
 void DialogPresenter::Awake() {
+  std::vector<std::u16string> told;
+  {
+    const std::lock_guard lock(strangers_);
+    told.swap(told_by_strangers_);
+  }
+  for (const std::u16string& text : told) view_.ShowMessage(text);
   const WorkShown work = background_.Look();
   if (!work.question.empty() && !asks_again_) {
     asks_again_ = true;
@@ -325,18 +344,24 @@ void DialogPresenter::MetafileWritten(const fs::path& metafile, const Status& re
 
 void DialogPresenter::FileWritten(const fs::path& file, const Status& result) {
   if (result.ok()) {
-    reported_.push_back(file);
+    report_->written.push_back(file);
   } else {
-    failures_ += SayStatus(result) + u"\n";
+    report_->failures += SayStatus(result) + u"\n";
   }
 }
 
 // Notices
 
+// They come from the window's thread, from its worker, and from threads of others who write.
+
 void DialogPresenter::Message(std::u16string_view text) {
   if (background_.IsWorker()) {
-    messages_ += text;
-    messages_ += u"\n";
+    report_->messages += text;
+    report_->messages += u"\n";
+  } else if (!IsWindowThread()) {
+    const std::lock_guard lock(strangers_);
+    told_by_strangers_.emplace_back(text);
+    view_.WakeUp();
   } else if (!is_quiet_) {
     view_.ShowMessage(text);
   }
@@ -344,31 +369,36 @@ void DialogPresenter::Message(std::u16string_view text) {
 
 void DialogPresenter::Ask(std::u16string_view text,
                           const std::function<void(int button)>& answered) {
-  if (!background_.IsWorker()) return view_.ShowMessage(text, [answered] { answered(kOkButton); });
+  if (IsWindowThread()) return view_.ShowMessage(text, [answered] { answered(kOkButton); });
   Message(text);
-  answers_.push_back(answered);
+  if (background_.IsWorker()) {
+    report_->answers.push_back(answered);
+  } else {
+    answered(kOkButton);
+  }
 }
 
 void DialogPresenter::ShowWait(std::u16string_view text) {
-  if (background_.IsWorker()) return background_.ShowWait(text);
-  view_.ShowStatus(text, StatusKind::kWarning);
+  if (Background* const work = Background::OfThisThread()) return work->ShowWait(text);
+  if (IsWindowThread()) view_.ShowStatus(text, StatusKind::kWarning);
 }
 
 void DialogPresenter::ClearWait() {
-  if (background_.IsWorker()) return background_.ShowWait({});
-  ShowStatusAgain();
+  if (Background* const work = Background::OfThisThread()) return work->ShowWait({});
+  if (IsWindowThread()) ShowStatusAgain();
 }
 
 Continue DialogPresenter::KeepWaiting(std::u16string_view path, int attempts) {
-  const bool can_ask = background_.IsWorker() && !window_waits_;
-  if (!can_ask || attempts % kAttemptsUnasked != 0) return Continue::kYes;
-  const bool again = background_.Ask(Say(u"{}: another program holds this file.", {path}));
+  Background* const work = Background::OfThisThread();
+  if (!work || window_waits_ || attempts % kAttemptsUnasked != 0) return Continue::kYes;
+  const bool again = work->Ask(Say(u"{}: another program holds this file.", {path}));
   return again ? Continue::kYes : Continue::kNo;
 }
 
 Continue DialogPresenter::Progress(std::u16string_view text, int64_t done, int64_t total) {
   const double part = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
-  if (background_.IsWorker()) return background_.Progress(text, part);
+  if (Background* const work = Background::OfThisThread()) return work->Progress(text, part);
+  if (!IsWindowThread()) return Continue::kYes;
   shows_progress_ = true;
   return view_.ShowProgress(text, part);
 }

@@ -58,12 +58,6 @@ bool Outputs::MakeBasePath(const OutputSubject& subject) {
   return true;
 }
 
-void Outputs::OpenFolderOnce() {
-  if (!open_folder_on_first_save || base_path_.empty()) return;
-  open_folder_on_first_save = false;
-  (void)services_.OpenFolder(folder_);
-}
-
 bool Outputs::Write(const Format& format, const PartsA& parts, const OutputOptions& options,
                     const OutputSubject& subject) {
   if (!MakeBasePath(subject)) return false;

@@ -55,9 +55,6 @@ class Outputs {
   // Whether the last Write replaced a file of this run that was made of something else.
   bool replaced_another() const { return replaced_another_; }
 
-  // Opens the folder after the first output of the process; a refusal is told.
-  void OpenFolderOnce();
-
   // The files of this run that were written, in order, each once.
   const std::vector<std::filesystem::path>& written() const { return written_; }
 

@@ -8,7 +8,7 @@ namespace {
 constexpr int32_t kGripWidth = 120;  // of the title bar, enough to drag the window by
 constexpr int32_t kGripHeight = 24;
 constexpr int32_t kAside = 32;
-constexpr ContentSize kFirstSize = {860, 680};
+constexpr ContentSize kFirstSize = {980, 740};
 constexpr ContentSize kFrameRoom = {16, 44};  // what frames need at most
 
 int64_t Width(const WindowRect& r) {

@@ -1,5 +1,7 @@
 #include "base/notices.h"
 
+#include <utility>
+
 namespace kerno {
 namespace {
 
@@ -13,11 +15,18 @@ class SilentNotices final : public Notices {
 
 SilentNotices silent;
 Notices* current = &silent;
+thread_local bool is_silent_here = false;
 
 }  // namespace
 
 Notices& CurrentNotices() {
-  return *current;
+  return is_silent_here ? silent : *current;
+}
+
+SilentHere::SilentHere() : before_(std::exchange(is_silent_here, true)) {}
+
+SilentHere::~SilentHere() {
+  is_silent_here = before_;
 }
 
 Notices* ReplaceNotices(Notices* notices) {

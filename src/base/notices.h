@@ -50,4 +50,16 @@ class Notices {
 Notices& CurrentNotices();
 Notices* ReplaceNotices(Notices* notices);
 
+// While it lives, this thread's notices are the silent ones.
+class SilentHere {
+ public:
+  SilentHere();
+  ~SilentHere();
+  SilentHere(const SilentHere&) = delete;
+  SilentHere& operator=(const SilentHere&) = delete;
+
+ private:
+  bool before_;
+};
+
 }  // namespace kerno

@@ -37,9 +37,6 @@ class TextContours {
   // The points of a contour: the first of `room`, which grows where it is too short.
   std::span<const P2> Contour(size_t i, std::vector<P2>* room) const;
 
-  // The number of the glyph, in the text's order, that a contour is part of.
-  size_t GlyphOf(size_t i) const { return place_of_[i]; }
-
   // The box of all points, empty where there are none. Nothing where maps turn or lean, so that it
   // would take a look at every point.
   std::optional<Box2> QuickBox() const;

@@ -23,18 +23,6 @@ namespace fs = std::filesystem;
 constexpr SwitchSetting kUseCacheIpx{u"PartsAry\\Convert3D", u"UseCacheIPX", false,
                                      "1: keep an IPX copy of converted models"};
 
-// Nobody asked for the copies, so nobody hears of them.
-class WithoutNotices {
- public:
-  WithoutNotices() : before_(ReplaceNotices(nullptr)) {}
-  ~WithoutNotices() { ReplaceNotices(before_); }
-  WithoutNotices(const WithoutNotices&) = delete;
-  WithoutNotices& operator=(const WithoutNotices&) = delete;
-
- private:
-  Notices* before_;
-};
-
 bool IsSameFile(const fs::path& a, const fs::path& b) {
   std::error_code error;
   if (fs::equivalent(a, b, error)) return true;
@@ -102,7 +90,7 @@ std::optional<fs::path> IpxCache::PathOfConverted(const fs::path& source) {
 }
 
 void IpxCache::KeepCopy(const PartsA& parts, const fs::path& written) {
-  const WithoutNotices quiet;
+  const SilentHere quiet;  // nobody asked for the copies, so nobody hears of them
   fs::path path = folder_ / written.stem();
   path += ".ipx";
   if (IsSameFile(path, written) || !MakeFolder()) return;

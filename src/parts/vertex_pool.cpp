@@ -14,7 +14,7 @@ constexpr size_t kScanned = 12;        // pools up to this size are scanned: fas
 constexpr size_t kLimitApplies = 101;  // pools from this size on obey MaxSearch
 constexpr uint32_t kReadLimitEvery = 1000;
 
-// Shared by all searches of the process.
+// Shared by all searches of a thread: a window draws while another thread writes.
 // Classic: the direction outlives the pool; which of two equal points is found, and so the indices
 // in files, hangs on it.
 struct SearchState {
@@ -22,7 +22,7 @@ struct SearchState {
   uint32_t limited_calls = 0;
   int32_t max_search = kMaxSearch.default_value;
 };
-SearchState state;
+thread_local SearchState state;
 
 size_t LowestSearched(size_t count) {
   if (count < kLimitApplies) return 0;
@@ -94,7 +94,7 @@ class DistinctTest {
   uint32_t loop_ = 0;
 };
 
-DistinctTest distinct_test;
+thread_local DistinctTest distinct_test;
 
 int64_t ScanBackward(const P3* points, size_t lowest, size_t count, const P3& wanted) {
   for (size_t i = count; i-- > lowest;) {

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <numbers>
 
 #include "platform/coverage_mask.h"
 #include "platform/surface_context.h"
@@ -44,6 +45,7 @@ class PreviewContext final : public SurfaceContext {
   void AddStroke(std::span<const DevicePoint> points, bool closed);
   void AddDashes(std::span<const DevicePoint> points, std::span<const double> dashes);
   void AddLine(std::span<const DevicePoint> points, bool closed);
+  void AddDisc(const DevicePoint& centre, double radius);
   void AddWideSegment(const DevicePoint& a, const DevicePoint& b, double half);
   void Fill(FillMode mode, const BrushData& brush);
 
@@ -95,9 +97,23 @@ void PreviewContext::Fill(FillMode mode, const BrushData& brush) {
   });
 }
 
+// Runs the way that the sides of AddWideSegment run.
+void PreviewContext::AddDisc(const DevicePoint& centre, double radius) {
+  constexpr double kFewest = 8, kMost = 64;
+  const double turn = std::acos(std::max(0.0, 1 - kTolerance / radius));  // half of a side's
+  const double sides = std::clamp(std::ceil(std::numbers::pi / turn), kFewest, kMost);
+  for (double i = 0; i < sides; ++i) {
+    const double angle = -2 * std::numbers::pi * i / sides;
+    const DevicePoint p = {centre.x + radius * std::cos(angle),
+                           centre.y + radius * std::sin(angle)};
+    i == 0 ? MoveTo(p) : LineTo(p);
+  }
+  mask_.Close();
+}
+
 // Round ends and joins, as the system's geometric pens have.
 void PreviewContext::AddWideSegment(const DevicePoint& a, const DevicePoint& b, double half) {
-  AddPolygon(ArcPoints(a, half, 0, 360));
+  AddDisc(a, half);
   const double dx = b.x - a.x, dy = b.y - a.y, length = std::hypot(dx, dy);
   if (!(length > 0)) return;
   const DevicePoint side = {dy / length * half, -dx / length * half};

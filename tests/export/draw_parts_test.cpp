@@ -120,37 +120,30 @@ TEST_F(DrawPartsTest, ContoursAreOneSetWithoutLimit) {
   EXPECT_EQ(dc_.calls[0].points.size(), 14999u);
 }
 
-// The alternate rule leaves open what two glyphs share; apart, each is drawn for itself.
-TEST_F(DrawPartsTest, GlyphsThatOverlapAreOneFigure) {
+TEST_F(DrawPartsTest, ContoursOfAGlyphAreMeasuredAndThinnedOutOnce) {
   CachedGlyph glyph;
   for (int i = 0; i < 100; ++i) {
     const double angle = i * 2 * std::numbers::pi / 100;
     glyph.contours.points.push_back({50 * std::cos(angle), 30 * std::sin(angle)});
   }
   glyph.contours.counts = {100};
-  for (const auto& [apart, calls] : {std::pair{99.0, 1u}, {101.0, 2u}}) {
-    TextContours contours(GlyphRun{{&glyph, {0, 0}, 0}, {&glyph, {apart, 7}, 1}});
-    contours.Apply(FlippedY(1.1, {3, 0.1}));
-    dc_.calls.clear();
-    DrawContours(dc_, contours, FlippedY(1, {}), {.detail = 0.5});
-    EXPECT_EQ(dc_.calls.size(), calls) << apart;
-    Extent3 box = kEmptyExtent;
-    contours.EachPoint([&](const P2& p) { Include(&box, {p.x, p.y, 0}); });
-    const Extent3 quick = ContoursBox(contours);
-    EXPECT_EQ(quick.min, box.min);
-    EXPECT_EQ(quick.max, box.max);
+  TextContours contours(GlyphRun{{&glyph, {0, 0}, 0}, {&glyph, {99, 7}, 1}});
+  contours.Apply(FlippedY(1.1, {3, 0.1}));
+  Extent3 box = kEmptyExtent;
+  contours.EachPoint([&](const P2& p) { Include(&box, {p.x, p.y, 0}); });
+  EXPECT_EQ(ContoursBox(contours).min, box.min);
+  EXPECT_EQ(ContoursBox(contours).max, box.max);
 
-    const TextContours reduced = contours.Reduced(10);
-    EXPECT_LT(reduced.point_count(), contours.point_count() / 3);
-    std::vector<P2> room, reduced_room;
-    for (size_t i = 0; i < 2; ++i) {
-      const auto kept = reduced.Contour(i, &reduced_room);
-      for (const P2& p : contours.Contour(i, &room)) {
-        EXPECT_TRUE(std::ranges::any_of(
-            kept,
-            [&](const P2& k) { return std::fabs(k.x - p.x) <= 11 && std::fabs(k.y - p.y) <= 11; }))
-            << "none near " << p.x << ", " << p.y;
-      }
+  const TextContours reduced = contours.Reduced(10);
+  EXPECT_LT(reduced.point_count(), contours.point_count() / 3);
+  std::vector<P2> room, reduced_room;
+  for (size_t i = 0; i < 2; ++i) {
+    const auto kept = reduced.Contour(i, &reduced_room);
+    for (const P2& p : contours.Contour(i, &room)) {
+      EXPECT_TRUE(std::ranges::any_of(
+          kept,
+          [&](const P2& k) { return std::fabs(k.x - p.x) <= 11 && std::fabs(k.y - p.y) <= 11; }))
+          << "none near " << p.x << ", " << p.y;
     }
   }
 }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -197,7 +198,10 @@ class FakeDialogServices : public DialogServices {
   }
 
  private:
+  std::mutex logging_;
+
   Status Log(const std::string& kind, const std::filesystem::path& file) {
+    const std::lock_guard lock(logging_);  // outputs are written by a thread of their own
     log.push_back(kind + " " + file.extension().string());
     if (kind != failing) return Status::Ok();
     return Status::Error(Failure::kNoSpace, PathText(file), u"the disk is full");

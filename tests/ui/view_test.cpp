@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "app/system_services.h"
+#include "support/recording_cut_view.h"
 #include "support/recording_view.h"
 #include "support/temporary_folder.h"
 #include "view_driver.h"
@@ -21,11 +22,13 @@ class ViewTest : public testing::Test {
   ViewTest() {
     services.folder = folder.path();
     services.memory.face = u"Plain";
+    cut_services.folder = folder.path();
+    cut_services.memory.form = {{"--face", u"DejaVu Sans"}};
     open_folder_on_first_save = false;
   }
   void Show(DialogServices& used) {
     view.reset();
-    view = std::make_unique<ViewDriver>(used);
+    view = std::make_unique<ViewDriver>(used, cut_services);
   }
   size_t Contours() { return view->presenter().item_count(); }
   void Write(ControlId button) {
@@ -35,7 +38,23 @@ class ViewTest : public testing::Test {
   std::string TakeMessage() { return Utf16ToUtf8(view->TakeMessage()); }
 
   TemporaryFolder folder;
+  // Waits for what is made between events and beside the window.
+  template <class Question>
+  void WaitFor(Question question, const char* what) {
+    for (int i = 0; i < 1000 && !question(); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      view->cut_presenter().Due();
+      view->cut_presenter().Awake();
+    }
+    EXPECT_TRUE(question()) << what;
+  }
+  double CutWidth() {
+    const CutDrawing* drawing = view->cut_presenter().drawing();
+    return drawing ? drawing->ink.Width() : 0;
+  }
+
   FakeDialogServices services;
+  FakeCutServices cut_services;
   std::unique_ptr<ViewDriver> view;
 };
 
@@ -146,6 +165,22 @@ TEST_F(ViewTest, KeysMoveThePreview) {
   EXPECT_TRUE(model.shows_all());
 }
 
+TEST_F(ViewTest, CaptionsFollowTheLanguageAtOnce) {
+  Show(services);
+  const struct {
+    MenuCommand language;
+    const char16_t *paste, *quit, *height;
+  } cases[] = {{MenuCommand::kLanguageJapanese, u"貼り付け", u"終了", u"高さ(&H)"},
+               {MenuCommand::kLanguageGerman, u"Einfügen", u"Beenden", u"&Höhe"},
+               {MenuCommand::kLanguageEnglish, u"Paste", u"Quit", u"&Height"}};
+  for (const auto& c : cases) {
+    view->presenter().Chosen(c.language);
+    EXPECT_EQ(c.paste, view->TextOf(kPaste));
+    EXPECT_EQ(c.quit, view->TextOf(kQuit));
+    EXPECT_EQ(c.height, view->TextOf(kHeightLabel));
+  }
+}
+
 TEST_F(ViewTest, LongOutputsAreCancelled) {
   SlowServices slow;
   slow.folder = folder.path();
@@ -193,6 +228,34 @@ TEST_F(ViewTest, TheWindowComesBackAsItWas) {
   }
   EXPECT_TRUE(view->Close());
   EXPECT_EQ((WindowPlace{kPlace, WindowShow::kNormal}), services.saved.window);
+}
+
+TEST_F(ViewTest, TheCutPageShowsAndWritesWhatItsControlsSay) {
+  services.saved_text = u"H";
+  Show(services);
+  view->Click(kModeCut);
+  EXPECT_EQ(u"H", view->TextOf(kCutText)) << "both ways of working have the same text";
+  EXPECT_TRUE(view->IsShown(kSave) && !view->IsShown(kDxf));
+  view->TypeOver(kSizeHeight, u"20");
+  WaitFor([&] { return CutWidth() > 0; }, "a drawing");
+  const double width = CutWidth();
+  view->TypeOver(kSizeHeight, u"20*2");
+  WaitFor([&] { return std::abs(CutWidth() - 2 * width) < 1e-9; }, "sums are taken");
+  view->TypeOver(kSizeHeight, u"20*x");
+  WaitFor([&] { return !view->FaultOf(kSizeHeight).empty(); }, "what cannot be read is marked");
+  EXPECT_NEAR(width, CutWidth(), 1e-9) << "that of \"20\", the last that could be read";
+  view->TypeOver(kSizeHeight, u"20");
+  WaitFor([&] { return view->FaultOf(kSizeHeight).empty(); }, "mended");
+  view->Press(kFaceList, UserKey::kDown);
+  WaitFor([&] { return CutWidth() > 0 && std::abs(CutWidth() - width) > 1e-3; }, "the next face");
+  view->AnswerSave(folder / "sign.dxf");
+  view->Click(kSave);
+  WaitFor([&] { return std::filesystem::exists(folder / "sign.dxf"); }, "a file");
+  view->Type(kCutText, u"o");
+  view->Click(kModeClassic);
+  EXPECT_EQ(u"Ho", view->TextOf(kText));
+  EXPECT_TRUE(view->Close());
+  EXPECT_EQ(u"Ho", services.saved_text);
 }
 
 TEST_F(ViewTest, NothingTypedBreaksIt) {

@@ -1,80 +1,17 @@
 #include "ui/qt/combos.h"
 
 #include <QAbstractItemView>
-#include <QCompleter>
 #include <QLineEdit>
-#include <QListView>
 #include <QPainter>
-#include <QSet>
 #include <QStringListModel>
-#include <QStyledItemDelegate>
-#include <QTimer>
 
 #include "app/controls.h"
 #include "app/height_text.h"
+#include "ui/qt/face_suggestions.h"
 #include "ui/qt/qt_text.h"
 
 namespace kerno {
 namespace {
-
-constexpr int kFaceRowPadding = 6;
-
-// Paints names in their own faces. Loading a font may take long, so a face that was not painted
-// before is first painted in the window's font and loaded between two events.
-class FaceDelegate final : public QStyledItemDelegate {
- public:
-  explicit FaceDelegate(QAbstractItemView* list) : QStyledItemDelegate(list), list_(list) {
-    timer_.setSingleShot(true);
-    timer_.setInterval(0);
-    connect(&timer_, &QTimer::timeout, this, [this] { LoadOne(); });
-  }
-
-  // Forgets what was painted: the faces have changed.
-  void Forget() { loaded_.clear(); }
-
-  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override {
-    return {1, option.fontMetrics.height() + kFaceRowPadding};
-  }
-
- protected:
-  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-    QStyledItemDelegate::initStyleOption(option, index);
-    const QString face = option->text;
-    if (loaded_.contains(face)) {
-      option->font.setFamilies({face});
-      option->fontMetrics = QFontMetrics(option->font);
-    } else if (!waiting_.contains(face)) {
-      waiting_.append(face);
-      timer_.start();
-    }
-  }
-
- private:
-  void LoadOne() {
-    if (waiting_.isEmpty()) return;
-    const QString face = waiting_.takeFirst();
-    QFont font = list_->font();
-    font.setFamilies({face});
-    (void)QFontMetrics(font).horizontalAdvance(face);
-    loaded_.insert(face);
-    list_->viewport()->update();
-    if (!waiting_.isEmpty()) timer_.start();
-  }
-
-  QAbstractItemView* list_;
-  mutable QTimer timer_;
-  mutable QStringList waiting_;
-  QSet<QString> loaded_;
-};
-
-QListView* MakeFaceList(QWidget* parent) {
-  auto* list = new QListView(parent);
-  list->setUniformItemSizes(true);
-  list->setLayoutMode(QListView::Batched);
-  list->setTextElideMode(Qt::ElideRight);
-  list->setItemDelegate(new FaceDelegate(list));
-  return list;
-}
 
 QIcon Swatch(const QColor& color, const QWidget& widget) {
   constexpr int kSide = 16;
@@ -94,8 +31,8 @@ QIcon Swatch(const QColor& color, const QWidget& widget) {
 void SizeDropDown(QComboBox* combo) {
   const QWidget* window = combo->window();
   const int top = combo->mapTo(window, QPoint(0, 0)).y();
-  const int item = combo->count() > 0 ? combo->view()->sizeHintForRow(0)
-                                      : combo->fontMetrics().height() + kFaceRowPadding;
+  const int item =
+      combo->count() > 0 ? combo->view()->sizeHintForRow(0) : combo->fontMetrics().height();
   combo->setMaxVisibleItems(DropDownRows(window->height(), top, item));
 }
 
@@ -114,12 +51,8 @@ FaceCombo::FaceCombo(QWidget* parent) : TextCombo(parent) {
   setMinimumContentsLength(18);
   setModel(new QStringListModel(this));
   setView(MakeFaceList(this));
-  auto* completer = new QCompleter(model(), this);
-  completer->setCaseSensitivity(Qt::CaseInsensitive);
-  completer->setFilterMode(Qt::MatchContains);
-  completer->setCompletionMode(QCompleter::PopupCompletion);
-  completer->setPopup(MakeFaceList(nullptr));
-  setCompleter(completer);
+  suggestions_ = new FaceSuggestions(lineEdit(), this);
+  suggestions_->on_chosen = [this](const QString& face) { setEditText(face); };
 }
 
 void FaceCombo::ShowFaces(const std::vector<std::u16string>& faces) {
@@ -128,14 +61,14 @@ void FaceCombo::ShowFaces(const std::vector<std::u16string>& faces) {
   for (const std::u16string& face : faces) names.append(ToQString(face));
   const QString text = currentText();
   static_cast<QStringListModel*>(model())->setStringList(names);
-  for (QAbstractItemView* list : {view(), completer()->popup()}) {
-    if (auto* delegate = dynamic_cast<FaceDelegate*>(list->itemDelegate())) delegate->Forget();
-  }
+  ForgetFaces(view());
+  suggestions_->SetFaces(names);
   setEditText(text);
   SizeDropDown(this);
 }
 
 void FaceCombo::showPopup() {
+  suggestions_->Hide();
   // The list opens at the face in the edit, which may have been typed.
   const int index = findText(currentText(), Qt::MatchFixedString);
   if (index >= 0 && index != currentIndex()) {
@@ -143,6 +76,7 @@ void FaceCombo::showPopup() {
     setCurrentIndex(index);
   }
   QComboBox::showPopup();
+  view()->scrollTo(view()->currentIndex(), QAbstractItemView::PositionAtCenter);
 }
 
 ColorCombo::ColorCombo(QWidget* parent) : QComboBox(parent) {

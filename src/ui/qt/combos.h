@@ -11,6 +11,8 @@
 
 namespace kerno {
 
+class FaceSuggestions;
+
 // Sizes the drop-down list by the room below the combo box in its window.
 void SizeDropDown(QComboBox* combo);
 
@@ -28,6 +30,10 @@ class FaceCombo final : public TextCombo {
   explicit FaceCombo(QWidget* parent = nullptr);
   void ShowFaces(const std::vector<std::u16string>& faces);
   void showPopup() override;
+  FaceSuggestions* suggestions() const { return suggestions_; }
+
+ private:
+  FaceSuggestions* suggestions_ = nullptr;
 };
 
 // Colours with swatches.

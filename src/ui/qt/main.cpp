@@ -4,10 +4,12 @@
 #include <QIcon>
 #include <QProxyStyle>
 
+#include "app/cut_services.h"
 #include "app/system_services.h"
 #include "base/dump_log.h"
 #include "base/profile_settings.h"
 #include "platform/console.h"
+#include "ui/qt/leaving.h"
 #include "ui/qt/main_window.h"
 
 namespace kerno {
@@ -37,8 +39,10 @@ int main(int argc, char** argv) {
   kerno::InstallProfileSettings();
   const kerno::RunDump dump(u"kerno-desktop");
   kerno::SystemServices services;
-  kerno::MainWindow window(services);
+  kerno::SystemCutServices cut_services;
+  kerno::MainWindow window(services, cut_services);
   window.show();
+  kerno::KeepAtTheEnd(&window, [&window] { window.SaveNow(); });
   window.OpenFiles(QApplication::arguments().mid(1));
   return QApplication::exec();
 }

@@ -1,52 +1,70 @@
 #include "ui/qt/main_window.h"
 
 #include <QActionGroup>
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
-#include <QGridLayout>
-#include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStackedWidget>
+#include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
-#include <set>
 
+#include "app/captions.h"
 #include "app/scoped_flag.h"
+#include "app/window_place.h"
 #include "ui/qt/combos.h"
+#include "ui/qt/cut_page.h"
 #include "ui/qt/preview_frame.h"
 #include "ui/qt/qt_text.h"
+#include "ui/qt/shown_children.h"
 #include "ui/qt/text_box.h"
+#include "ui/qt/wrapping_line.h"
 
 namespace kerno {
 namespace {
 
-constexpr QSize kFirstSize(860, 680);
+constexpr QSize kSmallest(320, 240);
 
 // Of the height that the lines leave free.
-int ShareOfHeight(WindowLine line) {
-  return line == WindowLine::kPreview ? 5 : line == WindowLine::kText ? 2 : 0;
+constexpr int kTextShare = 2;
+constexpr int kPreviewShare = 5;
+
+Place PlaceOf(const ControlRow& row) {
+  if (row.kind == ControlKind::kLabel) return Place::kWithNext;
+  if (row.at_end) return Place::kAtEnd;
+  return row.width == kRestOfLine ? Place::kTakesRest : Place::kUsual;
 }
 
 }  // namespace
 
-MainWindow::MainWindow(DialogServices& services) {
+MainWindow::MainWindow(DialogServices& services, CutServices& cut_services) {
+  OfferShownChildrenOnly();
   setWindowTitle(ToQString(kWindowTitle));
   setAcceptDrops(true);
-  resize(kFirstSize);
+  setMinimumSize(kSmallest);
+  const QSize room = screen()->availableGeometry().size();
+  const ContentSize first = FirstSize(room.width(), room.height());
+  resize(first.width, first.height);
   MakeControls();
   LayOut();
   DialogView& view = *this;
   presenter_ = std::make_unique<DialogPresenter>(view, services);
-  preview_->SetPresenter(presenter_.get());
+  preview_->SetEvents(ClassicPreviewEvents());
   due_.setSingleShot(true);
   connect(&due_, &QTimer::timeout, this, [this] { presenter_->Due(); });
+  cut_presenter_ = std::make_unique<CutPresenter>(*cut_page_, cut_services);
+  cut_page_->SetPresenter(cut_presenter_.get());
+  presenter_->UseCut(cut_presenter_.get());
   presenter_->Open();
-  text_->setFocus();
 }
 
 MainWindow::~MainWindow() = default;
@@ -59,7 +77,12 @@ void MainWindow::MakeControls() {
     if (row.line == WindowLine::kAboutBox) continue;
     QWidget* control = MakeControl(row);
     control->setObjectName(ObjectName(row.id));
-    control->setAccessibleName(ToQString(row.name));
+    // The status is read out as what it says.
+    if (row.kind == ControlKind::kStatus) {
+      control->setAccessibleDescription(ToQString(row.name));
+    } else {
+      control->setAccessibleName(ToQString(row.name));
+    }
     control->setToolTip(ToQString(row.hint));
     control->setVisible(!row.hidden);
     controls_[row.id] = control;
@@ -116,8 +139,9 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
       return preview_ = new PreviewFrame(this);
     case ControlKind::kStatus:
       return MakeStatus();
+    default:
+      return nullptr;  // of the other page
   }
-  return nullptr;
 }
 
 QPushButton* MainWindow::MakeButton(const ControlRow& row) {
@@ -147,27 +171,114 @@ QLabel* MainWindow::MakeStatus() {
 
 void MainWindow::LayOut() {
   auto* outer = new QVBoxLayout(this);
-  outer->setMenuBar(MakeMenu());
-  std::map<WindowLine, QHBoxLayout*> lines;
-  std::set<QHBoxLayout*> filled;
-  for (const ControlRow& row : Controls()) {
-    QWidget* control = controls_[row.id];
-    if (!control || control->parentWidget() != this) continue;  // the edit stands in its control
-    QHBoxLayout*& line = lines[row.line];
-    if (!line) outer->addLayout(line = new QHBoxLayout, ShareOfHeight(row.line));
-    if (row.at_end) line->addStretch(1);
-    const bool takes_rest = row.width == kRestOfLine;
-    const bool is_button = row.kind == ControlKind::kButton;
-    line->addWidget(control, takes_rest ? 1 : 0, is_button ? Qt::AlignTop : Qt::Alignment());
-    if (takes_rest || row.at_end) filled.insert(line);
-  }
-  for (const auto& [name, line] : lines) {
-    if (!filled.contains(line)) line->addStretch(1);
-  }
+  outer->setMenuBar(MakeTopBar());
+  pages_ = new QStackedWidget(this);
+  pages_->addWidget(classic_page_ = MakeClassicPage());
+  pages_->addWidget(cut_page_ = new CutPage(this));
+  outer->addWidget(pages_);
 }
 
-QMenuBar* MainWindow::MakeMenu() {
-  auto* bar = new QMenuBar(this);
+// What does not fit into a small window scrolls; status and outputs stay in sight under it.
+QWidget* MainWindow::MakeClassicPage() {
+  auto* page = new QWidget(this);
+  auto* outer = new QVBoxLayout(page);
+  outer->setContentsMargins(0, 0, 0, 0);
+  auto* content = new QWidget;
+  auto* lines = new QVBoxLayout(content);
+  lines->setContentsMargins(0, 0, 0, 0);
+  auto* scroller = new QScrollArea(page);
+  scroller->setFrameShape(QFrame::NoFrame);
+  scroller->setWidgetResizable(true);
+  scroller->setFocusPolicy(Qt::NoFocus);
+  scroller->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  outer->addWidget(scroller, 1);
+  std::map<WindowLine, WrappingLine*> wrapping;
+  QHBoxLayout* beside_text = nullptr;
+  for (const ControlRow& row : Controls()) {
+    if (row.line == WindowLine::kAboutBox) continue;
+    QWidget* control = controls_.at(row.id);
+    if (control->parentWidget() != this) continue;  // the edit stands in its control
+    if (row.line == WindowLine::kText) {
+      if (!beside_text) lines->addLayout(beside_text = new QHBoxLayout, kTextShare);
+      const bool is_button = row.kind == ControlKind::kButton;
+      beside_text->addWidget(control, 0, is_button ? Qt::AlignTop : Qt::Alignment());
+    } else if (row.line == WindowLine::kPreview) {
+      lines->addWidget(control, kPreviewShare);
+    } else if (row.line == WindowLine::kStatus) {
+      outer->addWidget(control);
+    } else {
+      WrappingLine*& line = wrapping[row.line];
+      const bool stays = row.line == WindowLine::kOutputs;
+      if (!line) (stays ? outer : lines)->addLayout(line = new WrappingLine);
+      line->Add(control, PlaceOf(row));
+    }
+  }
+  scroller->setWidget(content);
+  return page;
+}
+
+QWidget* MainWindow::MakeTopBar() {
+  auto* bar = new QWidget(this);
+  auto* line = new QHBoxLayout(bar);
+  line->setContentsMargins(0, 0, 11, 0);
+  line->addWidget(MakeMenu(bar), 1);
+  line->addWidget(MakeModeSwitch());
+  return bar;
+}
+
+// Two buttons that are one switch: the arrow keys go from one to the other.
+QWidget* MainWindow::MakeModeSwitch() {
+  auto* joined = new QWidget(this);
+  auto* line = new QHBoxLayout(joined);
+  line->setContentsMargins(0, 2, 0, 2);
+  line->setSpacing(0);
+  auto* group = new QButtonGroup(this);
+  for (const auto& [id, mode] : {std::pair(ControlId::kModeClassic, WindowMode::kClassic),
+                                 std::pair(ControlId::kModeCut, WindowMode::kCut)}) {
+    auto* button = new QToolButton(joined);
+    button->setObjectName(ObjectName(id));
+    button->setCheckable(true);
+    button->setFocusPolicy(Qt::StrongFocus);
+    group->addButton(button);
+    line->addWidget(button);
+    controls_[id] = button;
+    connect(button, &QAbstractButton::toggled, this, UnlessShown([this, wanted = mode](bool on) {
+              if (on) presenter_->ChooseMode(wanted);
+            }));
+  }
+  return joined;
+}
+
+void MainWindow::ShowMode(WindowMode mode) {
+  const ScopedFlag writing(shows_);
+  const bool is_cut = mode == WindowMode::kCut;
+  static_cast<QToolButton*>(controls_[is_cut ? ControlId::kModeCut : ControlId::kModeClassic])
+      ->setChecked(true);
+  pages_->setCurrentWidget(is_cut ? static_cast<QWidget*>(cut_page_) : classic_page_);
+  (is_cut ? cut_page_->text() : text_)->setFocus();
+}
+
+PreviewEvents MainWindow::ClassicPreviewEvents() {
+  DialogPresenter* user = presenter_.get();
+  return {
+      .picture = [user](double density,
+                        Color paper) { return user->PreviewPicture(density, paper); },
+      .resized = [user](double width, double height,
+                        double) { user->PreviewResized(width, height); },
+      .zoomed = [user](double x, double y, double steps) { user->PreviewZoomed(x, y, steps); },
+      .grabbed = [user](double x, double y) { user->PreviewGrabbed(x, y); },
+      .pointed_at = [user](double x, double y) { user->PreviewPointedAt(x, y); },
+      .released = [user] { user->PreviewReleased(); },
+      .double_clicked = [user] { user->PreviewDoubleClicked(); },
+      .key_pressed = [user](char16_t key) { return user->PreviewKeyPressed(key); },
+      .file_to_drag = {},
+      .copied = {},
+  };
+}
+
+QMenuBar* MainWindow::MakeMenu(QWidget* parent) {
+  auto* bar = menu_ = new QMenuBar(parent);
+  bar->setNativeMenuBar(false);              // stands beside the switch
   for (const MenuColumn& column : Menu()) {  // NOLINT: the window owns its groups
     QMenu* menu = bar->addMenu(ToQString(column.caption));
     QActionGroup* group = nullptr;
@@ -179,11 +290,16 @@ QMenuBar* MainWindow::MakeMenu() {
       action->setCheckable(row.checkable);
       if (row.checkable) group->addAction(action);
       actions_[row.command] = action;
-      connect(action, &QAction::triggered, this,
-              [this, command = row.command] { presenter_->Chosen(command); });
+      connect(action, &QAction::triggered, this, [this, &row] { ChooseFromMenu(row); });
     }
   }
   return bar;
+}
+
+// A key that both the menu and a button of the Cut page have is the button's while that is shown.
+void MainWindow::ChooseFromMenu(const MenuRow& row) {
+  if (*row.shortcut && cut_page_->TakesKey(ToKeys(row.shortcut))) return;
+  presenter_->Chosen(row.command);
 }
 
 void MainWindow::SizeDropDowns() {
@@ -199,6 +315,10 @@ void MainWindow::OpenFiles(const QStringList& files) {
 }
 
 // Events
+
+void MainWindow::SaveNow() {
+  presenter_->SaveNow();
+}
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   event->setAccepted(presenter_->Close());

@@ -16,24 +16,33 @@ class QComboBox;
 class QLabel;
 class QMenuBar;
 class QPushButton;
+class QStackedWidget;
 
 namespace kerno {
 
+class CutPage;
+class CutPresenter;
+class CutServices;
 class FaceCombo;
 class HeightSpin;
 class PreviewFrame;
+struct PreviewEvents;
 class TextBox;
 
 class MainWindow final : public QWidget, private DialogView {
  public:
-  // `services` outlives the window.
-  explicit MainWindow(DialogServices& services);
+  // Both outlive the window.
+  MainWindow(DialogServices& services, CutServices& cut_services);
   ~MainWindow() override;
 
   // Takes files as if they had been dropped.
   void OpenFiles(const QStringList& files);
 
+  // Keeps settings and text for the next run: this one ends.
+  void SaveNow();
+
   DialogPresenter& presenter() { return *presenter_; }
+  CutPresenter& cut_presenter() { return *cut_presenter_; }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -53,6 +62,7 @@ class MainWindow final : public QWidget, private DialogView {
   void ShowChecked(ControlId id, bool checked) override;
   void ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) override;
   void ShowFault(ControlId id, std::u16string_view why) override;
+  void ShowMode(WindowMode mode) override;
   void ShowCaptions() override;
   void Enable(ControlId id, bool enabled) override;
   void ShowControl(ControlId id, bool visible) override;
@@ -90,8 +100,13 @@ class MainWindow final : public QWidget, private DialogView {
   QPushButton* MakeButton(const ControlRow& row);
   QComboBox* ConnectEdit(QComboBox* combo, ControlId id);
   QLabel* MakeStatus();
+  QWidget* MakeClassicPage();
+  QWidget* MakeTopBar();
+  QWidget* MakeModeSwitch();
   void LayOut();
-  QMenuBar* MakeMenu();
+  PreviewEvents ClassicPreviewEvents();
+  QMenuBar* MakeMenu(QWidget* parent);
+  void ChooseFromMenu(const MenuRow& row);
   void SizeDropDowns();
   void LearnFrame();
   void MakeProgress(Qt::WindowModality modality, int delay);
@@ -109,7 +124,12 @@ class MainWindow final : public QWidget, private DialogView {
   bool shows_ = false;  // controls are being written: nothing is an event
   bool was_shown_ = false;
   QPoint frame_;  // from the corner of the frame to that of its content, as the window last was
+  QMenuBar* menu_ = nullptr;
+  QStackedWidget* pages_ = nullptr;
+  QWidget* classic_page_ = nullptr;
+  CutPage* cut_page_ = nullptr;
   std::unique_ptr<DialogPresenter> presenter_;
+  std::unique_ptr<CutPresenter> cut_presenter_;
 };
 
 }  // namespace kerno

@@ -12,6 +12,7 @@
 #include <QTranslator>
 
 #include "app/captions.h"
+#include "ui/qt/cut_page.h"
 #include "ui/qt/main_window.h"
 #include "ui/qt/qt_text.h"
 #include "ui/qt/text_box.h"
@@ -58,10 +59,6 @@ void TranslateToolkit() {
   QCoreApplication::installTranslator(&captions);
 }
 
-QString Said(const char16_t* english) {
-  return ToQString(Say(english));
-}
-
 }  // namespace
 
 void MainWindow::ShowCaptions() {
@@ -80,7 +77,12 @@ void MainWindow::ShowCaptions() {
     control->setToolTip(Said(row.hint));
   }
   text_->setAccessibleDescription(Said(u"The text to convert. Ctrl+Tab types a tab."));
-  const QList<QAction*> columns = static_cast<QMenuBar*>(layout()->menuBar())->actions();
+  for (const auto& [id, caption] :
+       {std::pair(ControlId::kModeClassic, u"Classic"), std::pair(ControlId::kModeCut, u"Cut")}) {
+    static_cast<QAbstractButton*>(controls_.at(id))->setText(Said(caption));
+  }
+  cut_page_->ShowCaptions();
+  const QList<QAction*> columns = menu_->actions();
   qsizetype column = 0;
   for (const MenuColumn& menu : Menu()) {
     columns.at(column++)->setText(Said(menu.caption));

@@ -79,6 +79,7 @@ void MainWindow::ShowMenuChecked(MenuCommand command, bool checked) {
 
 void MainWindow::ShowStatus(std::u16string_view text, StatusKind kind) {
   status_->setText(ToQString(text));
+  status_->setAccessibleName(status_->text());
   preview_->setAccessibleDescription(status_->text());
   QPalette colors = palette();
   const Color paper = FromQColor(colors.color(QPalette::Window));
@@ -103,7 +104,7 @@ void MainWindow::ShowMessage(std::u16string_view text, std::function<void()> clo
 void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copyright) {
   auto* box = new QDialog(this);
   box->setAttribute(Qt::WA_DeleteOnClose);
-  box->setWindowTitle(ToQString(Say(u"About Kerno")));
+  box->setWindowTitle(Said(u"About Kerno"));
   auto* layout = new QVBoxLayout(box);
   layout->setContentsMargins(24, 20, 24, 16);
   layout->setSpacing(10);
@@ -128,8 +129,8 @@ void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copy
 }
 
 std::optional<std::filesystem::path> MainWindow::AskFolder(const std::filesystem::path& start) {
-  const QString folder = QFileDialog::getExistingDirectory(
-      this, ToQString(Say(u"Folder of the outputs")), PathToQString(start));
+  const QString folder =
+      QFileDialog::getExistingDirectory(this, Said(u"Folder of the outputs"), PathToQString(start));
   if (folder.isEmpty()) return std::nullopt;
   return QStringToPath(folder);
 }

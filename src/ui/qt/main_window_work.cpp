@@ -1,12 +1,13 @@
 // What the main window shows and asks of work that runs beside it, and the text box's commands.
 
-#include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
 
 #include "app/captions.h"
+#include "ui/qt/cut_page.h"
 #include "ui/qt/main_window.h"
 #include "ui/qt/qt_text.h"
+#include "ui/qt/save_question.h"
 #include "ui/qt/text_box.h"
 
 namespace kerno {
@@ -21,7 +22,7 @@ Continue MainWindow::Progressed(std::u16string_view text, double part) {
 void MainWindow::MakeProgress(Qt::WindowModality modality, int delay) {
   progress_ = new QProgressDialog(this);
   progress_->setWindowTitle(windowTitle());
-  progress_->setCancelButtonText(ToQString(Say(u"Cancel")));
+  progress_->setCancelButtonText(Said(u"Cancel"));
   progress_->setWindowModality(modality);
   progress_->setAttribute(Qt::WA_ShowWithoutActivating, modality == Qt::NonModal);
   progress_->setMinimumDuration(delay);
@@ -48,7 +49,7 @@ void MainWindow::EndProgress() {
 void MainWindow::AskAgain(std::u16string_view text, std::function<void(bool again)> answered) {
   auto* box = new QMessageBox(QMessageBox::Warning, windowTitle(), ToQString(text),
                               QMessageBox::Cancel, this);
-  QPushButton* const again = box->addButton(ToQString(Say(u"Try again")), QMessageBox::AcceptRole);
+  QPushButton* const again = box->addButton(Said(u"Try again"), QMessageBox::AcceptRole);
   box->setDefaultButton(again);
   box->setTextFormat(Qt::PlainText);
   box->setAttribute(Qt::WA_DeleteOnClose);
@@ -68,44 +69,33 @@ void MainWindow::WakeUp() {
 }
 
 std::optional<std::filesystem::path> MainWindow::AskSave(const SaveQuestion& question) {
-  QStringList filters;
-  for (const SaveQuestion::Kind& kind : question.kinds) {
-    filters.append(ToQString(kind.name + u" (*." + kind.extension + u")"));
-  }
-  QString chosen;
-  QString file = QFileDialog::getSaveFileName(
-      this, ToQString(question.title), PathToQString(question.folder / TextPath(question.name)),
-      filters.join(QStringLiteral(";;")), &chosen);
-  if (file.isEmpty()) return std::nullopt;
-  if (QFileInfo(file).suffix().isEmpty()) {
-    const qsizetype kind = std::max<qsizetype>(filters.indexOf(chosen), 0);
-    file += u'.' + ToQString(question.kinds[static_cast<size_t>(kind)].extension);
-  }
-  return QStringToPath(file);
+  return AskForFile(this, question);
 }
 
+// In the text box of the page that is shown.
 void MainWindow::EditText(MenuCommand command) {
+  TextBox* const box = presenter_->mode() == WindowMode::kCut ? cut_page_->text() : text_;
   switch (command) {
     case MenuCommand::kUndo:
-      text_->undo();
+      box->undo();
       break;
     case MenuCommand::kRedo:
-      text_->redo();
+      box->redo();
       break;
     case MenuCommand::kCut:
-      text_->cut();
+      box->cut();
       break;
     case MenuCommand::kCopy:
-      text_->copy();
+      box->copy();
       break;
     case MenuCommand::kPaste:
-      text_->paste();
+      box->paste();
       break;
     default:
-      text_->selectAll();
+      box->selectAll();
       break;
   }
-  text_->setFocus();
+  box->setFocus();
 }
 
 }  // namespace kerno

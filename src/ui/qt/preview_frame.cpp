@@ -1,12 +1,15 @@
 #include "ui/qt/preview_frame.h"
 
+#include <QApplication>
+#include <QDrag>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QUrl>
 #include <QWheelEvent>
 #include <algorithm>
 
-#include "app/dialog_presenter.h"
 #include "ui/qt/qt_text.h"
 
 namespace kerno {
@@ -35,9 +38,18 @@ char16_t NameOfKey(int key) {
 PreviewFrame::PreviewFrame(QWidget* parent) : QFrame(parent) {
   setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
   setFocusPolicy(Qt::StrongFocus);
-  setMinimumSize(200, 120);
-  setCursor(Qt::OpenHandCursor);
+  setMinimumSize(160, 100);
+  setCursor(pointer_);
   setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void PreviewFrame::SetEvents(PreviewEvents events) {
+  events_ = std::move(events);
+}
+
+void PreviewFrame::SetPointer(Qt::CursorShape shape) {
+  pointer_ = shape;
+  setCursor(shape);
 }
 
 void PreviewFrame::Repaint() {
@@ -45,21 +57,30 @@ void PreviewFrame::Repaint() {
   update();
 }
 
+void PreviewFrame::TellSize() {
+  told_density_ = devicePixelRatioF();
+  if (events_.resized) {
+    events_.resized(contentsRect().width(), contentsRect().height(), told_density_);
+  }
+}
+
 void PreviewFrame::PaintPicture() {
+  if (told_density_ != devicePixelRatioF()) TellSize();
   is_stale_ = false;
-  const double ratio = devicePixelRatioF();
   picture_ = {};
-  surface_ = presenter_->PreviewPicture(ratio, FromQColor(palette().color(QPalette::Base)));
+  if (!events_.picture) return;
+  surface_ = events_.picture(told_density_, FromQColor(palette().color(QPalette::Base)));
   if (!surface_) return;
   picture_ = QImage(surface_->Pixels().data(), surface_->Width(), surface_->Height(),
                     QImage::Format_RGB32);
-  picture_.setDevicePixelRatio(ratio);
+  picture_.setDevicePixelRatio(told_density_);
 }
 
 void PreviewFrame::paintEvent(QPaintEvent*) {
-  if (is_stale_ || picture_.devicePixelRatio() != devicePixelRatioF()) PaintPicture();
+  if (is_stale_ || told_density_ != devicePixelRatioF()) PaintPicture();
   QPainter painter(this);
-  painter.drawImage(contentsRect().topLeft(), picture_);
+  if (picture_.isNull()) painter.fillRect(rect(), palette().color(QPalette::Base));
+  painter.drawImage(OnPixel(painter, contentsRect().topLeft()), picture_);
   drawFrame(&painter);
   if (hasFocus()) {
     painter.setPen(palette().color(QPalette::Highlight));
@@ -69,7 +90,7 @@ void PreviewFrame::paintEvent(QPaintEvent*) {
 
 void PreviewFrame::resizeEvent(QResizeEvent* event) {
   QFrame::resizeEvent(event);
-  if (presenter_) presenter_->PreviewResized(contentsRect().width(), contentsRect().height());
+  TellSize();
 }
 
 void PreviewFrame::changeEvent(QEvent* event) {
@@ -78,32 +99,68 @@ void PreviewFrame::changeEvent(QEvent* event) {
 }
 
 void PreviewFrame::wheelEvent(QWheelEvent* event) {
-  const QPointF at = event->position() - contentsRect().topLeft();
-  presenter_->PreviewZoomed(at.x(), at.y(), event->angleDelta().y() / kWheelStep);
+  const QPointF at = Inside(event->position());
+  events_.zoomed(at.x(), at.y(), event->angleDelta().y() / kWheelStep);
   event->accept();
 }
 
 void PreviewFrame::mousePressEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton) return;
-  presenter_->PreviewGrabbed(event->position().x(), event->position().y());
-  setCursor(Qt::ClosedHandCursor);
+  pressed_at_ = event->pos();
+  may_drag_ = events_.file_to_drag && event->modifiers() == Qt::ControlModifier;
+  if (may_drag_) return;
+  const QPointF at = Inside(event->position());
+  events_.grabbed(at.x(), at.y());
+  if (pointer_ == Qt::OpenHandCursor) setCursor(Qt::ClosedHandCursor);
 }
 
 void PreviewFrame::mouseMoveEvent(QMouseEvent* event) {
-  presenter_->PreviewPointedAt(event->position().x(), event->position().y());
+  if (may_drag_) {
+    const int way = (event->pos() - pressed_at_).manhattanLength();
+    if (way >= QApplication::startDragDistance()) DragFile();
+    return;
+  }
+  const QPointF at = Inside(event->position());
+  events_.pointed_at(at.x(), at.y());
 }
 
 void PreviewFrame::mouseReleaseEvent(QMouseEvent*) {
-  presenter_->PreviewReleased();
-  setCursor(Qt::OpenHandCursor);
+  may_drag_ = false;
+  events_.released();
+  setCursor(pointer_);
 }
 
 void PreviewFrame::mouseDoubleClickEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) presenter_->PreviewDoubleClicked();
+  if (event->button() == Qt::LeftButton) events_.double_clicked();
+}
+
+void PreviewFrame::DragFile() {
+  may_drag_ = false;
+  const std::filesystem::path file = events_.file_to_drag();
+  if (file.empty()) return;
+  auto* dragged = new QMimeData;
+  dragged->setUrls({QUrl::fromLocalFile(PathToQString(file))});
+  auto* drag = new QDrag(this);
+  drag->setMimeData(dragged);
+  drag->setPixmap(QPixmap::fromImage(picture_.scaledToHeight(64, Qt::SmoothTransformation)));
+  drag->exec(Qt::CopyAction);
+}
+
+bool PreviewFrame::event(QEvent* event) {
+  // The key copies the drawing here, whatever else it does elsewhere.
+  if (event->type() == QEvent::ShortcutOverride && events_.copied &&
+      static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy)) {
+    event->accept();
+    return true;
+  }
+  return QFrame::event(event);
 }
 
 void PreviewFrame::keyPressEvent(QKeyEvent* event) {
-  if (!presenter_->PreviewKeyPressed(NameOfKey(event->key()))) QFrame::keyPressEvent(event);
+  if (events_.copied && event->matches(QKeySequence::Copy)) return events_.copied();
+  const bool is_plain = (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == 0;
+  if (is_plain && events_.key_pressed(NameOfKey(event->key()))) return;
+  QFrame::keyPressEvent(event);
 }
 
 }  // namespace kerno

@@ -3,11 +3,14 @@
 
 #include <QColor>
 #include <QKeySequence>
+#include <QPainter>
 #include <QString>
+#include <cmath>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
+#include "app/captions.h"
 #include "app/controls.h"
 #include "base/text.h"
 #include "parts/color.h"
@@ -16,6 +19,10 @@ namespace kerno {
 
 inline QString ToQString(std::u16string_view text) {
   return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+// An English text of the window in its language.
+inline QString Said(std::u16string_view english) {
+  return english.empty() ? QString() : ToQString(Say(english));
 }
 inline std::u16string FromQString(const QString& text) {
   return text.toStdU16String();
@@ -36,6 +43,13 @@ inline Color FromQColor(const QColor& color) {
 // The keys of a shortcut in the portable notation.
 inline QKeySequence ToKeys(const char16_t* portable) {
   return QKeySequence::fromString(ToQString(portable), QKeySequence::PortableText);
+}
+
+// The place moved onto a pixel of the device: a picture painted between two would be blurred.
+inline QPointF OnPixel(const QPainter& painter, QPointF place) {
+  const QTransform to_device = painter.deviceTransform();
+  const QPointF pixel = to_device.map(place);
+  return to_device.inverted().map(QPointF(std::round(pixel.x()), std::round(pixel.y())));
 }
 
 // A control's object name is its number.

@@ -22,6 +22,11 @@ TextBox::TextBox(QWidget* parent) : QTextEdit(parent) {
   setTabChangesFocus(true);
 }
 
+// Two lines; the window gives more where it has it.
+QSize TextBox::minimumSizeHint() const {
+  return {120, 2 * QFontMetrics(font()).height() + 2 * frameWidth() + 8};
+}
+
 std::u16string TextBox::Text() const {
   // Not the toolkit's plain text, which turns no-break spaces into blanks.
   return LinesOf(FromQString(document()->toRawText()));

@@ -17,6 +17,8 @@ class TextBox final : public QTextEdit {
 
   // The text without what an input method composes; lines end in U+000A.
   std::u16string Text() const;
+  QSize minimumSizeHint() const override;
+  QSize sizeHint() const override { return minimumSizeHint(); }
   void ShowText(std::u16string_view text, TextChange change);
   void ShowFormat(std::u16string_view face, Color ink, Color paper);
 

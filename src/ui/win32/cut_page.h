@@ -28,6 +28,8 @@ class CutPage final : public CutView {
   HWND window() const { return window_; }
   HWND control(ControlId id) const;
   CutPresenter& presenter() { return *presenter_; }
+  // Why a field is marked; empty where it is not.
+  std::u16string ReasonOf(ControlId id) const;
 
   void Show(bool shown);
   void Place(const RECT& place);

@@ -112,6 +112,11 @@ void CutPage::ShowFault(ControlId id, std::u16string_view why) {
   LayOutSoon();
 }
 
+std::u16string CutPage::ReasonOf(ControlId id) const {
+  const HWND reason = Of(id).reason;
+  return reason != nullptr ? TextOfWindow(reason) : std::u16string();
+}
+
 void CutPage::Enable(ControlId id, bool enabled) {
   const Made& made = Of(id);
   EnableWindow(made.window, enabled);

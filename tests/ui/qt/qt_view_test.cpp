@@ -1,6 +1,11 @@
 // What the Qt window alone does.
+#include <set>
+
+#include "support/recording_cut_view.h"
 #include "support/recording_view.h"
 #include "support/temporary_folder.h"
+#include "ui/qt/combos.h"
+#include "ui/qt/face_suggestions.h"
 #include "view_driver.h"
 
 namespace kerno::test {
@@ -13,8 +18,22 @@ class QtViewTest : public testing::Test {
     event.setCommitString(ToQString(commit));
     QApplication::sendEvent(view->Text(), &event);
   }
+  void Show() {
+    view.reset();
+    view = std::make_unique<ViewDriver>(services, cut_services);
+  }
+  // All that assistive technology meets, the window itself left out.
+  static void Collect(QAccessibleInterface* parent, std::vector<QAccessibleInterface*>* all) {
+    for (int i = 0; i < parent->childCount(); ++i) {
+      QAccessibleInterface* child = parent->child(i);
+      all->push_back(child);
+      if (child) Collect(child, all);
+    }
+  }
+
   FakeDialogServices services;
-  std::unique_ptr<ViewDriver> view = std::make_unique<ViewDriver>(services);
+  FakeCutServices cut_services;
+  std::unique_ptr<ViewDriver> view = std::make_unique<ViewDriver>(services, cut_services);
 };
 
 TEST_F(QtViewTest, AnInputMethodComposesUndisturbed) {
@@ -27,6 +46,73 @@ TEST_F(QtViewTest, AnInputMethodComposesUndisturbed) {
   EXPECT_EQ(rebuilds + 1, services.context->created.size());
   Compose(u"", u"BC");
   EXPECT_EQ(3u, view->presenter().item_count()) << "rebuilt on commit";
+}
+
+TEST_F(QtViewTest, OutputsStayInSightInSmallWindows) {
+  const struct {
+    ControlId mode;
+    std::vector<ControlId> outputs;
+  } pages[] = {{ControlId::kModeClassic, {ControlId::kDxf, ControlId::kDib, ControlId::kQuit}},
+               {ControlId::kModeCut, {ControlId::kSave, ControlId::kSaveMenu, ControlId::kPrint}}};
+  for (const QSize size : {QSize(784, 436), QSize(440, 300), QSize(1097, 580)}) {
+    for (const auto& page : pages) {
+      view->Click(page.mode);
+      view->window.resize(size);
+      ViewDriver::Settle();
+      EXPECT_EQ(size, view->window.size());
+      for (const ControlId id : page.outputs) {
+        const auto* button = view->Find<QWidget>(id);
+        const QPoint middle = button->mapTo(&view->window, button->rect().center());
+        EXPECT_EQ(button, view->window.childAt(middle)) << static_cast<int>(id);
+      }
+    }
+  }
+}
+
+TEST_F(QtViewTest, AssistiveTechnologyMeetsWhatIsShown) {
+  view->Type(ControlId::kText, u"A");
+  for (const ControlId mode : {ControlId::kModeClassic, ControlId::kModeCut}) {
+    view->Click(mode);
+    std::vector<QAccessibleInterface*> all;
+    Collect(QAccessible::queryAccessibleInterface(&view->window), &all);
+    std::set<QString> names;
+    for (QAccessibleInterface* one : all) {
+      ASSERT_TRUE(one && one->isValid());
+      names.insert(one->text(QAccessible::Name));
+      const auto* widget = qobject_cast<QWidget*>(one->object());
+      const bool is_ours = widget && widget->objectName().toInt() > 0;
+      EXPECT_TRUE(!is_ours || widget->isVisible()) << widget->objectName().toStdString();
+    }
+    const bool is_classic = mode == ControlId::kModeClassic;
+    EXPECT_EQ(is_classic, names.contains(QStringLiteral("Write DXF")));
+    EXPECT_EQ(!is_classic, names.contains(QStringLiteral("Search faces")));
+    EXPECT_FALSE(names.contains(QStringLiteral("Write IPL"))) << "never shown";
+    EXPECT_EQ(is_classic, names.contains(ToQString(view->TextOf(ControlId::kStatus))));
+  }
+}
+
+TEST_F(QtViewTest, SuggestionsEatNoClickAndTheListOpensAtItsFace) {
+  services.faces.clear();
+  for (int i = 0; i < 1000; ++i)
+    services.faces.push_back(FromQString(QStringLiteral("Face %1").arg(i)));
+  Show();
+  auto* combo = static_cast<FaceCombo*>(view->Find<QComboBox>(ControlId::kFace));
+  QListView* offered = combo->suggestions()->list();
+  view->TypeOver(ControlId::kFace, u"e 9");
+  EXPECT_TRUE(offered->isVisible());
+  view->Press(ControlId::kFace, UserKey::kDown);
+  EXPECT_EQ(u"Face 9", view->TextOf(ControlId::kFace));
+  const auto* vertical = view->Find<QWidget>(ControlId::kVertical);
+  const QPoint at = vertical->mapTo(&view->window, QPoint(8, vertical->height() / 2));
+  QTest::mouseClick(view->window.windowHandle(), Qt::LeftButton, {}, at);
+  EXPECT_FALSE(offered->isVisible());
+  EXPECT_TRUE(view->Find<QCheckBox>(ControlId::kVertical)->isChecked());
+  view->TypeOver(ControlId::kFace, u"Face 900");
+  combo->showPopup();
+  const QRect row = combo->view()->visualRect(combo->view()->currentIndex());
+  EXPECT_EQ(u"Face 900", FromQString(combo->view()->currentIndex().data().toString()));
+  EXPECT_TRUE(combo->view()->viewport()->rect().contains(row));
+  combo->hidePopup();
 }
 
 }  // namespace

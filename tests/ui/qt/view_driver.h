@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "shown.h"
+#include "ui/qt/fields.h"
 #include "ui/qt/main_window.h"
 #include "ui/qt/qt_text.h"
 
@@ -17,6 +18,7 @@ enum class UserKey {
   kEnter = Qt::Key_Return,
   kEscape = Qt::Key_Escape,
   kUp = Qt::Key_Up,
+  kDown = Qt::Key_Down,
   kPlus = Qt::Key_Plus,
   kMinus = Qt::Key_Minus,
   kZero = Qt::Key_0,
@@ -25,8 +27,8 @@ enum class UserKey {
 // Shows the window as the program does.
 class ViewDriver {
  public:
-  explicit ViewDriver(DialogServices& services)
-      : window(services), palette_(QApplication::palette()) {
+  ViewDriver(DialogServices& services, CutServices& cut_services)
+      : window(services, cut_services), palette_(QApplication::palette()) {
     window.show();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     Settle();  // the faces are listed once the window stands
@@ -34,6 +36,7 @@ class ViewDriver {
   ~ViewDriver() { SetDarkColors(false); }
 
   DialogPresenter& presenter() { return window.presenter(); }
+  CutPresenter& cut_presenter() { return window.cut_presenter(); }
   bool IsShown(ControlId id) const { return Find<QWidget>(id) && Find<QWidget>(id)->isVisible(); }
   bool IsEnabled(ControlId id) const { return Find<QWidget>(id)->isEnabled(); }
   std::u16string TextOf(ControlId id) const {
@@ -53,8 +56,22 @@ class ViewDriver {
             color(is_text ? QPalette::Text : QPalette::WindowText),
             color(is_text ? QPalette::Base : QPalette::Window)};
   }
+  // Why a field is marked; empty where it is not.
+  std::u16string FaultOf(ControlId id) const {
+    auto* field = static_cast<Field*>(Find<QLineEdit>(id));
+    return field->at_fault() ? FromQString(field->accessibleDescription()) : std::u16string();
+  }
+  // The answer to the next question for a file to write.
+  void AnswerSave(const std::filesystem::path& file) {
+    QTimer::singleShot(1, &window, [this, file] {
+      auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+      if (!dialog) return AnswerSave(file);
+      dialog->selectFile(PathToQString(file));
+      QMetaObject::invokeMethod(dialog, "accept");
+    });
+  }
   void Type(ControlId id, std::u16string_view text) {
-    if (id == ControlId::kText) Text()->moveCursor(QTextCursor::End);
+    if (auto* box = Find<QTextEdit>(id)) box->moveCursor(QTextCursor::End);
     QTest::keyClicks(Edit(id), ToQString(text));
   }
   void TypeOver(ControlId id, std::u16string_view text) {

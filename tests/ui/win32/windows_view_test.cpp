@@ -3,6 +3,7 @@
 
 #include <functional>
 
+#include "support/recording_cut_view.h"
 #include "support/recording_view.h"
 #include "support/temporary_folder.h"
 #include "view_driver.h"
@@ -13,7 +14,7 @@ namespace {
 class WindowsViewTest : public testing::Test {
  protected:
   WindowsViewTest() { open_folder_on_first_save = false; }
-  void Show() { view = std::make_unique<ViewDriver>(services); }
+  void Show() { view = std::make_unique<ViewDriver>(services, cut_services); }
 
   // Every shown control stands whole in the window, clear of the others, and its caption fits.
   void ExpectTidyLayout(const std::string& when) const {
@@ -44,11 +45,12 @@ class WindowsViewTest : public testing::Test {
   }
 
   FakeDialogServices services;
+  FakeCutServices cut_services;
   std::unique_ptr<ViewDriver> view;
 };
 
 TEST_F(WindowsViewTest, TheSystemMenuTellsTheVersion) {
-  services.locale = u"ja_JP";
+  services.locale = u"ja-JP";
   Show();
   wchar_t entry[64] = {};
   GetMenuStringW(GetSystemMenu(view->window, FALSE), 16, entry, 64, MF_BYCOMMAND);
@@ -143,16 +145,15 @@ TEST_F(WindowsViewTest, TheCutPageMarksAFieldAndFollowsItsKeys) {
   };
   type(ControlId::kCutText, L"Plate");
   ASSERT_NE(nullptr, page.presenter().drawing());
-  const HWND offset = page.control(ControlId::kOffset);
   for (const auto& [text, at_fault] : {std::pair(L"a bit", true), {L"0.1", false}}) {
     type(ControlId::kOffset, text);
-    EXPECT_EQ(at_fault, GetPropW(offset, L"KernoFault") != nullptr);
+    EXPECT_EQ(at_fault, !view->FaultOf(ControlId::kOffset).empty()) << at_fault;
   }
   const std::u16string before = TextOfWindow(page.control(ControlId::kZoomFigure));
   page.Command(static_cast<int>(ControlId::kZoomIn), BN_CLICKED);  // as its key does
   EXPECT_NE(before, TextOfWindow(page.control(ControlId::kZoomFigure)));
   const TemporaryFolder folder;
-  view->cut_services.folder = folder.path();
+  cut_services.folder = folder.path();
   page.Command(static_cast<int>(ControlId::kCopySvg), BN_CLICKED);
   EXPECT_TRUE(IsClipboardFormatAvailable(RegisterClipboardFormatW(L"image/svg+xml")));
   view->Click(ControlId::kModeClassic);

@@ -1,4 +1,4 @@
-#include "drawing/overlaps.h"
+#include "app/overlaps.h"
 
 #include <algorithm>
 #include <cmath>

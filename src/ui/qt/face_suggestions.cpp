@@ -1,0 +1,202 @@
+#include "ui/qt/face_suggestions.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QScrollBar>
+#include <QSet>
+#include <QStyledItemDelegate>
+#include <QTimer>
+#include <algorithm>
+
+namespace kerno {
+namespace {
+
+constexpr int kFaceRowPadding = 6;
+constexpr int kMostRows = 12;
+
+// Loading a font may take long, so a face that was not painted before is first painted in the
+// window's font and loaded between two events.
+class FaceDelegate final : public QStyledItemDelegate {
+ public:
+  explicit FaceDelegate(QAbstractItemView* list) : QStyledItemDelegate(list), list_(list) {
+    timer_.setSingleShot(true);
+    timer_.setInterval(0);
+    connect(&timer_, &QTimer::timeout, this, [this] { LoadOne(); });
+  }
+
+  void Forget() { loaded_.clear(); }
+
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override {
+    return {1, option.fontMetrics.height() + kFaceRowPadding};
+  }
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    const QString face = option->text;
+    if (loaded_.contains(face)) {
+      option->font.setFamilies({face});
+      option->fontMetrics = QFontMetrics(option->font);
+    } else if (!waiting_.contains(face)) {
+      waiting_.append(face);
+      timer_.start();
+    }
+  }
+
+ private:
+  void LoadOne() {
+    if (waiting_.isEmpty()) return;
+    const QString face = waiting_.takeFirst();
+    QFont font = list_->font();
+    font.setFamilies({face});
+    (void)QFontMetrics(font).horizontalAdvance(face);
+    loaded_.insert(face);
+    list_->viewport()->update();
+    if (!waiting_.isEmpty()) timer_.start();
+  }
+
+  QAbstractItemView* list_;
+  mutable QTimer timer_;
+  mutable QStringList waiting_;
+  QSet<QString> loaded_;
+};
+
+}  // namespace
+
+// All rows are laid out at once, which rows of one height make quick: a list laid out piece by
+// piece cannot open at a row far below.
+QListView* MakeFaceList(QWidget* parent) {
+  auto* list = new QListView(parent);
+  list->setUniformItemSizes(true);
+  list->setTextElideMode(Qt::ElideRight);
+  list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  list->setItemDelegate(new FaceDelegate(list));
+  return list;
+}
+
+void ForgetFaces(QAbstractItemView* list) {
+  static_cast<FaceDelegate*>(list->itemDelegate())->Forget();
+}
+
+FaceSuggestions::FaceSuggestions(QLineEdit* edit, QWidget* under)
+    : QObject(edit), edit_(edit), under_(under), list_(MakeFaceList(nullptr)) {
+  names_ = new QStringListModel(list_);
+  list_->setModel(names_);
+  // No popup: that would take the next click for itself.
+  list_->setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint);
+  list_->setAttribute(Qt::WA_ShowWithoutActivating);
+  list_->setFocusPolicy(Qt::NoFocus);
+  list_->setFocusProxy(edit);
+  list_->setMouseTracking(true);
+  connect(edit, &QLineEdit::textEdited, this, [this](const QString& typed) { Offer(typed); });
+  connect(list_, &QListView::clicked, this, [this](const QModelIndex& index) {
+    GoTo(index.row());
+    Hide();
+  });
+}
+
+FaceSuggestions::~FaceSuggestions() {
+  delete list_;
+}
+
+void FaceSuggestions::SetFaces(const QStringList& faces) {
+  faces_ = faces;
+  ForgetFaces(list_);
+  Hide();
+}
+
+void FaceSuggestions::Offer(const QString& typed) {
+  const QStringList found = faces_.filter(typed, Qt::CaseInsensitive);
+  const bool is_chosen =
+      found.size() == 1 && found.front().compare(typed, Qt::CaseInsensitive) == 0;
+  if (typed.isEmpty() || found.isEmpty() || is_chosen) return Hide();
+  names_->setStringList(found);
+  list_->setCurrentIndex({});
+  list_->scrollToTop();
+  PlaceList();
+  if (list_->isVisible()) return;
+  list_->setPalette(edit_->palette());
+  list_->winId();
+  list_->show();
+  QApplication::instance()->installEventFilter(this);
+}
+
+void FaceSuggestions::Hide() {
+  if (!list_->isVisible()) return;
+  QApplication::instance()->removeEventFilter(this);
+  list_->hide();
+}
+
+void FaceSuggestions::PlaceList() {
+  const int row = list_->sizeHintForRow(0);
+  const int wanted = std::min<int>(kMostRows, names_->rowCount()) * row + 2 * list_->frameWidth();
+  const QRect place(under_->mapToGlobal(QPoint(0, 0)), under_->size());
+  const QRect screen = under_->screen()->availableGeometry();
+  const int below = screen.bottom() - place.bottom();
+  const int above = place.top() - screen.top();
+  const bool goes_up = wanted > below && above > below;
+  const int height = std::min(wanted, goes_up ? above : below);
+  const int top = goes_up ? place.top() - height : place.bottom() + 1;
+  list_->setGeometry(place.left(), top, place.width(), height);
+}
+
+bool FaceSuggestions::eventFilter(QObject* object, QEvent* event) {
+  switch (event->type()) {
+    case QEvent::KeyPress:
+      return HasKeyboard(object) && TakesKey(static_cast<QKeyEvent*>(event)->key());
+    case QEvent::ShortcutOverride: {
+      // Escape closes the list alone.
+      const bool is_escape = static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape;
+      if (HasKeyboard(object) && is_escape) event->accept();
+      return false;
+    }
+    case QEvent::MouseButtonPress:
+    case QEvent::Wheel: {
+      auto* widget = qobject_cast<QWidget*>(object);
+      if (widget && widget != list_ && !list_->isAncestorOf(widget)) Hide();
+      return false;
+    }
+    case QEvent::FocusOut:
+    case QEvent::Hide:
+      if (HasKeyboard(object)) Hide();
+      return false;
+    case QEvent::Move:
+    case QEvent::Resize:
+    case QEvent::WindowDeactivate:
+      if (object == edit_->window()) Hide();
+      return false;
+    default:
+      return false;
+  }
+}
+
+bool FaceSuggestions::TakesKey(int key) {
+  const int row = list_->currentIndex().row();  // -1: none yet
+  const int page = std::max(1, list_->height() / std::max(1, list_->sizeHintForRow(0)) - 1);
+  switch (key) {
+    case Qt::Key_Down:
+      return GoTo(row + 1), true;
+    case Qt::Key_Up:
+      return GoTo(row - 1), true;
+    case Qt::Key_PageDown:
+      return GoTo(row + page), true;
+    case Qt::Key_PageUp:
+      return GoTo(row - page), true;
+    case Qt::Key_Escape:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      return Hide(), true;
+    default:
+      return false;
+  }
+}
+
+void FaceSuggestions::GoTo(int row) {
+  const QModelIndex index = names_->index(std::clamp(row, 0, names_->rowCount() - 1));
+  list_->setCurrentIndex(index);
+  list_->scrollTo(index);
+  if (on_chosen) on_chosen(index.data().toString());
+}
+
+}  // namespace kerno

@@ -1,0 +1,68 @@
+// Small controls of the Cut page.
+#pragma once
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "app/cut_view.h"
+
+namespace kerno {
+
+// The wheel scrolls what the control stands in; it changes a control only that has the keyboard.
+void LeaveWheelAlone(QWidget* control);
+
+// An edit of one line, with a red frame while its text cannot be used.
+class Field final : public QLineEdit {
+ public:
+  using QLineEdit::QLineEdit;
+
+  void SetFault(bool at_fault);
+  bool at_fault() const { return at_fault_; }
+  QSize minimumSizeHint() const override {
+    return {2 * width_ / 3, QLineEdit::minimumSizeHint().height()};
+  }
+  QSize sizeHint() const override { return {width_, QLineEdit::sizeHint().height()}; }
+  void SetWantedWidth(int width) { width_ = width; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  bool at_fault_ = false;
+  int width_ = 0;
+};
+
+// A drop-down list of texts, no wider than its place; what does not fit is a hint.
+class Choice final : public QComboBox {
+ public:
+  explicit Choice(QWidget* parent = nullptr);
+  void ShowItems(const std::vector<std::u16string>& items, size_t selected);
+};
+
+// A text that is not edited. While there is none, it may say what would stand there.
+class Figure final : public QLabel {
+ public:
+  explicit Figure(QWidget* parent = nullptr);
+  void ShowText(const QString& text);
+  void SetPlaceholder(const QString& text);
+
+ private:
+  QString text_, placeholder_;
+  void ShowAgain();
+};
+
+// A status with words that do something, by the pointer and by the keyboard.
+class StatusLinks final : public QLabel {
+ public:
+  explicit StatusLinks(QWidget* parent = nullptr);
+
+  std::function<void(int number)> on_followed;
+
+  void Show(std::u16string_view text, const std::vector<StatusLink>& links);
+};
+
+}  // namespace kerno
