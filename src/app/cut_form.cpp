@@ -304,8 +304,8 @@ FormTexts CutForm::Stored() const {
 void CutForm::Restore(const FormTexts& stored) {
   *this = CutForm();
   for (const auto& [name, value] : stored) {
-    const auto* const row =
-        std::ranges::find_if(kFields, [&](const FieldRow& field) { return name == field.name; });
+    const auto* const row = std::ranges::find_if(
+        kFields, [&name = name](const FieldRow& field) { return name == field.name; });
     if (row != std::end(kFields)) {
       Set(row->id, value);
     } else if (std::ranges::find(kFaceOptions, name) != std::end(kFaceOptions)) {

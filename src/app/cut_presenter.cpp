@@ -1,7 +1,6 @@
 #include "app/cut_presenter.h"
 
 #include <algorithm>
-#include <cmath>
 #include <new>
 
 #include "app/arithmetic.h"
@@ -19,7 +18,6 @@ using Id = ControlId;
 
 constexpr uint32_t kSlowRebuild = 60;  // milliseconds from which changes are gathered
 constexpr uint32_t kGatherFor = 250;   // milliseconds without a change until they are made
-constexpr uint32_t kSlice = 8;         // milliseconds of work between two events
 
 const char* LanguageTag() {
   switch (CurrentLanguage()) {
@@ -31,9 +29,6 @@ const char* LanguageTag() {
       return "en";
   }
 }
-
-// Goes on with what a link is for.
-enum Link { kOpenFile, kShowFolder, kCopyPath };
 
 }  // namespace
 
@@ -359,182 +354,6 @@ void CutPresenter::ShowStatus() {
     if (kind == StatusKind::kNormal) kind = StatusKind::kWarning;
   }
   view_.ShowStatus(text, kind, links);
-}
-
-// Faces
-
-void CutPresenter::ShowRows() {
-  rows_ = catalogue_.Rows(filter_);
-  std::vector<FaceListRow> shown;
-  std::optional<size_t> selected;
-  shown.reserve(rows_.rows.size());
-  for (const FaceRow& row : rows_.rows) {
-    if (pick_ && row.entry == pick_->entry && !selected) selected = shown.size();
-    shown.push_back({row.name, row.note, row.favourite});
-  }
-  view_.ShowFaceRows(shown, selected);
-  view_.CallWhenDue(1);
-}
-
-void CutPresenter::ShowPick() {
-  view_.Enable(Id::kFavourite, pick_.has_value());
-  if (!pick_) {
-    view_.ShowChoices(Id::kStyle, {}, 0);
-    view_.ShowControl(Id::kStyle, false);
-    return view_.ShowAxes({});
-  }
-  view_.ShowChecked(Id::kFavourite, catalogue_.IsFavourite(pick_->entry));
-  std::vector<std::u16string> styles;
-  for (const FaceStyle& style : catalogue_.StylesOf(pick_->entry)) styles.push_back(style.name);
-  view_.ShowControl(Id::kStyle, styles.size() > 1);
-  view_.ShowChoices(Id::kStyle, styles, pick_->style);
-  std::vector<AxisRow> axes;
-  for (const FaceAxis& each : catalogue_.AxesOf(pick_->entry, pick_->style)) {
-    const size_t i = axes.size();
-    const double place = i < pick_->places.size() ? pick_->places[i] : each.place;
-    axes.push_back({each.axis.name, each.axis.least, each.axis.most, place});
-  }
-  view_.ShowAxes(axes);
-}
-
-void CutPresenter::PickFace(FacePick pick) {
-  pick_ = std::move(pick);
-  form_.SetFace(catalogue_.OptionsOf(*pick_));
-  ShowPick();
-  ShowSizeFields();
-  Changed();
-}
-
-// The style stays where the family has one of that name.
-void CutPresenter::PickRow(size_t row) {
-  if (row >= rows_.rows.size()) return;
-  const size_t entry = rows_.rows[row].entry;
-  if (pick_ && pick_->entry == entry) return;
-  size_t style = catalogue_.RegularStyleOf(entry);
-  if (pick_) {
-    const auto& before = catalogue_.StylesOf(pick_->entry);
-    const std::u16string name =
-        pick_->style < before.size() ? before[pick_->style].name : std::u16string();
-    const auto& styles = catalogue_.StylesOf(entry);
-    const auto same = std::ranges::find(styles, name, &FaceStyle::name);
-    if (same != styles.end() && pick_->style != catalogue_.RegularStyleOf(pick_->entry)) {
-      style = static_cast<size_t>(same - styles.begin());
-    }
-  }
-  PickFace({entry, style, {}});
-}
-
-void CutPresenter::FavouriteToggled(size_t row) {
-  if (row >= rows_.rows.size()) return;
-  catalogue_.ToggleFavourite(rows_.rows[row].entry);
-  ShowRows();
-  ShowPick();
-}
-
-const BitmapSurface* CutPresenter::FaceSample(size_t row, int width, int height, Color ink,
-                                              Color paper) {
-  if (row >= rows_.rows.size()) return nullptr;
-  const std::u16string first = text_.substr(0, std::min(text_.find(u'\n'), text_.size()));
-  const BitmapSurface* picture =
-      samples_.PictureOf(rows_.rows[row].entry, {first, width, height, ink, paper});
-  if (!picture) view_.CallWhenDue(1);
-  return picture;
-}
-
-// Whether there is more to do.
-bool CutPresenter::WorkBetweenEvents() {
-  const uint32_t start = CurrentClock().Ticks();
-  bool made_samples = false, has_more = true;
-  while (has_more && CurrentClock().Ticks() - start < kSlice) {
-    const bool made = samples_.MakeNext();
-    made_samples |= made;
-    has_more = made || (!rows_.complete && catalogue_.ReadNext());
-  }
-  if (made_samples) view_.RepaintFaceRows();
-  if (!rows_.complete && !has_more) {
-    ShowRows();
-    ShowMenus();  // scripts are known
-  }
-  return has_more;
-}
-
-// The preview
-
-void CutPresenter::PreviewResized(double width, double height, double density) {
-  preview_.SetFrame(width, height, density);
-  ShowZoom();
-  view_.RepaintPreview();
-}
-
-void CutPresenter::PreviewZoomed(double x, double y, double steps) {
-  preview_.ZoomAt(x, y, steps);
-  ShowZoom();
-  view_.RepaintPreview();
-}
-
-void CutPresenter::PreviewGrabbed(double x, double y) {
-  if (measures_) {
-    preview_.MeasureClick(x, y);
-    ShowPointer(x, y);
-    return view_.RepaintPreview();
-  }
-  grabbed_at_ = P2{x, y};
-}
-
-void CutPresenter::PreviewPointedAt(double x, double y) {
-  if (grabbed_at_) {
-    preview_.Pan(x - grabbed_at_->x, y - grabbed_at_->y);
-    grabbed_at_ = P2{x, y};
-    return view_.RepaintPreview();
-  }
-  if (measures_ && preview_.MeasureMove(x, y)) view_.RepaintPreview();
-  ShowPointer(x, y);
-}
-
-void CutPresenter::PreviewReleased() {
-  grabbed_at_.reset();
-}
-
-void CutPresenter::PreviewDoubleClicked() {
-  if (measures_) return;
-  preview_.ShowAll();
-  ShowZoom();
-  view_.RepaintPreview();
-}
-
-bool CutPresenter::PreviewKeyPressed(char16_t key) {
-  for (const PreviewKeyRow& row : PreviewKeys()) {
-    if (row.key != key) continue;
-    if (row.zoom_steps != 0) {
-      preview_.ZoomBy(row.zoom_steps);
-    } else if (row.right != 0 || row.down != 0) {
-      preview_.Pan(row.right, row.down);
-    } else {
-      preview_.ShowAll();
-    }
-    ShowZoom();
-    view_.RepaintPreview();
-    return true;
-  }
-  return false;
-}
-
-std::unique_ptr<BitmapSurface> CutPresenter::PreviewPicture(Color paper) {
-  return preview_.Paint(InksOn(paper));
-}
-
-void CutPresenter::ShowZoom() {
-  const double percent = preview_.Percent(view_.PixelsPerMillimetre());
-  const bool is_shown = made_ && std::isfinite(percent) && percent > 0;
-  const std::u16string figure =
-      is_shown ? Utf8ToUtf16Lossy(std::to_string(std::llround(percent))) + u" %" : u"";
-  view_.ShowControlText(Id::kZoomFigure, figure);
-}
-
-void CutPresenter::ShowPointer(double x, double y) {
-  const std::u16string measured = preview_.MeasuredText();
-  view_.ShowControlText(Id::kPointer,
-                        measures_ && !measured.empty() ? measured : preview_.PointText(x, y));
 }
 
 }  // namespace kerno

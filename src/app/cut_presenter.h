@@ -86,6 +86,8 @@ class CutPresenter {
   const CutDrawing* drawing() const { return made_.get(); }
 
  private:
+  enum Link { kOpenFile, kShowFolder, kCopyPath };  // numbers of a status' links
+
   // What the status says of the drawing, and what was last done with it.
   struct Done {
     std::u16string text;

@@ -332,7 +332,6 @@ void CutPresenter::SayWritten(const fs::path& file) {
 void CutPresenter::LinkFollowed(int number) {
   const fs::path file = done_.file;
   if (file.empty()) return;
-  enum { kOpenFile, kShowFolder, kCopyPath };
   if (number == kCopyPath) return view_.CopyText(PathText(file));
   const fs::path what = number == kShowFolder ? file.parent_path() / "" : file;
   if (!services_.OpenPath(what)) {

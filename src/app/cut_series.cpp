@@ -1,6 +1,7 @@
 #include "app/cut_series.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <exception>
 #include <mutex>
@@ -72,7 +73,7 @@ class CutSeries::Run final : public SeriesObserver {
     Keep(0, wrong);
   }
   ~Run() override {
-    run_.Stop();
+    Stop();
     if (thread_.joinable()) thread_.join();
   }
   Run(const Run&) = delete;
@@ -85,7 +86,10 @@ class CutSeries::Run final : public SeriesObserver {
       RunAll();  // where the system gives no thread
     }
   }
-  void Stop() { run_.Stop(); }
+  void Stop() {
+    is_cancelled_ = true;
+    run_.Stop();
+  }
 
   SeriesProgress progress() const {
     const std::lock_guard lock(mutex_);
@@ -121,6 +125,10 @@ class CutSeries::Run final : public SeriesObserver {
   void End(const SeriesCounts& counts, const Status& list) override {
     Show(counts);
     if (!list.ok()) ReportError(list);
+    if (counts.not_tried > 0 && !is_cancelled_) {
+      ReportError("series", "stops, for files cannot be written: " +
+                                std::to_string(counts.not_tried) + " rows are not tried");
+    }
   }
 
   void Show(const SeriesCounts& counts) {
@@ -176,6 +184,7 @@ class CutSeries::Run final : public SeriesObserver {
   }
 
   const bool is_good_;
+  std::atomic<bool> is_cancelled_ = false;
   SeriesRun run_;
   SeriesWake wake_;
   Clock::time_point woken_ = Clock::now();

@@ -15,7 +15,7 @@ struct ReadPrecision {
   int digits;
   uint32_t ticks;
 };
-std::optional<ReadPrecision> read_precision;
+thread_local std::optional<ReadPrecision> read_precision;
 
 }  // namespace
 

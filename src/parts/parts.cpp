@@ -15,7 +15,7 @@ constexpr size_t kMostVertices = 0x7FFFFFFF;
 constexpr SwitchSetting kUseMerge{
     u"Debug\\Parts", u"oprator+=...UseMerge", true,
     "1: joining a smaller part to a larger one lists the larger one's elements first"};
-std::optional<bool> use_merge;  // read once
+thread_local std::optional<bool> use_merge;  // read once
 
 bool UseMerge() {
   if (!use_merge) use_merge = Get(kUseMerge);

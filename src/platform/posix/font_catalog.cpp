@@ -167,6 +167,11 @@ std::vector<CatalogFace::Name> FamiliesOf(FcPattern* pattern) {
   return names;
 }
 
+std::recursive_mutex& FontCatalog::Lock() {
+  static std::recursive_mutex lock;
+  return lock;
+}
+
 FontCatalog& FontCatalog::Current() {
   auto& slot = CurrentSlot();
   if (!slot) {

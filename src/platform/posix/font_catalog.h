@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -62,6 +63,9 @@ struct FaceWish {
 
 class FontCatalog {
  public:
+  // Whoever uses the catalogue, or faces of it, holds this: another thread may read it again.
+  static std::recursive_mutex& Lock();
+
   // The catalogue of the process, read at the first call.
   static FontCatalog& Current();
 

@@ -68,6 +68,7 @@ class MeasuringContext final : public FontContext {
 }  // namespace
 
 std::unique_ptr<RealizedFont> RealizeFont(const LogFont& wanted, Status* reading) {
+  const std::lock_guard held(FontCatalog::Lock());
   // The "@" counts among the units of a name.
   std::u16string_view family = std::u16string_view(wanted.face_name).substr(0, kMaxFaceName);
   FaceWish wish;

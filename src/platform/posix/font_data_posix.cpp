@@ -114,6 +114,7 @@ Status OpenFontBytes(const std::filesystem::path& path, std::shared_ptr<const Fo
 }
 
 Status FindFontData(const FaceRequest& request, FontData* data) {
+  const std::lock_guard held(FontCatalog::Lock());
   if (!request.file.empty()) return FindInFile(request, data);
   const FontCatalog& catalog = FontCatalog::Current();
   const Members members = MembersOf(catalog, request);

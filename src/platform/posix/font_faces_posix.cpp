@@ -146,6 +146,7 @@ std::vector<std::u16string> DamagedFiles(const FontCatalog& catalog) {
 }  // namespace
 
 std::vector<InstalledFace> EnumerateFaces(std::vector<std::u16string>* skipped) {
+  const std::lock_guard held(FontCatalog::Lock());
   FontCatalog::Refresh();
   const FontCatalog& catalog = FontCatalog::Current();
   std::vector<InstalledFace> faces;
@@ -191,6 +192,7 @@ std::vector<std::u16string> ListFamilies(FamilyForm form) {
 }
 
 std::vector<ListedFace> ListFaces() {
+  const std::lock_guard held(FontCatalog::Lock());
   FontCatalog::Refresh();
   std::vector<ListedFace> listed;
   for (const CatalogFace& face : FontCatalog::Current().faces()) {
@@ -219,6 +221,7 @@ std::vector<ListedFace> ListFaces() {
 }
 
 Status AddFontFile(const fs::path& file, std::vector<std::u16string>* names) {
+  const std::lock_guard held(FontCatalog::Lock());
   names->clear();
   std::error_code error;
   const fs::path whole = fs::absolute(file, error);
@@ -252,6 +255,7 @@ Status AddFontFile(const fs::path& file, std::vector<std::u16string>* names) {
 }
 
 bool IsFaceInstalled(std::u16string_view name) {
+  const std::lock_guard held(FontCatalog::Lock());
   name = name.substr(0, kMaxFaceName);
   FaceWish wish;
   wish.vertical = name.starts_with(u'@');
@@ -263,6 +267,7 @@ bool IsFaceInstalled(std::u16string_view name) {
 }
 
 Status FontTrouble(std::u16string_view name) {
+  const std::lock_guard held(FontCatalog::Lock());
   const FontCatalog& catalog = FontCatalog::Current();
   for (const CatalogFace* face : catalog.FindFamily(name, FaceWish{})) {
     if (const Status& reading = catalog.FactsOf(*face).reading; !reading.ok()) return reading;

@@ -42,6 +42,7 @@ void AppendWord(char32_t first, uint32_t word, CharacterSet* characters) {
 }  // namespace
 
 std::vector<ListedFamily> ListOutlineFamilies() {
+  const std::lock_guard held(FontCatalog::Lock());
   FontCatalog::Refresh();
   std::vector<ListedFamily> families;
   std::unordered_map<std::u16string_view, size_t> places;
@@ -63,6 +64,7 @@ std::vector<ListedFamily> ListOutlineFamilies() {
 void ReadFamilyNames(ListedFamily* /*family*/) {}
 
 std::vector<ListedStyle> ListStyles(std::u16string_view family) {
+  const std::lock_guard held(FontCatalog::Lock());
   std::vector<ListedStyle> styles;
   for (const CatalogFace* face : MembersOf(family)) {
     if (face->styles.empty()) continue;
@@ -76,6 +78,7 @@ std::vector<ListedStyle> ListStyles(std::u16string_view family) {
 }
 
 Status ReadCharacters(std::u16string_view family, CharacterSet* characters) {
+  const std::lock_guard held(FontCatalog::Lock());
   const std::vector<const CatalogFace*> members = MembersOf(family);
   if (members.empty()) {
     return Status::Error(Failure::kNotFound, u"face",

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <mutex>
 #include <new>
 
 #include "platform/posix/system_error.h"
@@ -9,6 +10,8 @@
 
 namespace kerno {
 namespace {
+
+std::mutex library_lock;  // FreeType keeps a list of the open faces
 
 void* Allocate(FT_Memory /*memory*/, long size) {
   return size > 0 ? std::malloc(static_cast<size_t>(size)) : nullptr;
@@ -40,7 +43,13 @@ void CheckMemory(FT_Error error) {
   if (error == FT_Err_Out_Of_Memory) throw std::bad_alloc();
 }
 
+void FaceCloser::operator()(FT_Face face) const noexcept {
+  const std::lock_guard held(library_lock);
+  FT_Done_Face(face);
+}
+
 FacePtr OpenFace(const std::string& path, long index, Status* reading) {
+  const std::lock_guard held(library_lock);
   static const std::shared_ptr<FT_LibraryRec_> library = CreateLibrary();
   if (!library) throw std::bad_alloc();
   FT_Face face = nullptr;

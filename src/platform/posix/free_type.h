@@ -14,10 +14,11 @@
 
 namespace kerno {
 
-// Closes a face and keeps the library alive as long as one of its faces is open.
+// Closes a face, while no other one is opened or closed, and keeps the library alive as long as one
+// of its faces is open.
 struct FaceCloser {
   std::shared_ptr<FT_LibraryRec_> library;
-  void operator()(FT_Face face) const noexcept { FT_Done_Face(face); }
+  void operator()(FT_Face face) const noexcept;
 };
 using FacePtr = std::unique_ptr<FT_FaceRec_, FaceCloser>;
 
