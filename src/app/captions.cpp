@@ -630,6 +630,13 @@ constexpr CaptionRow kRows[] = {
 
     // The Cut page: series.
 
+    // What the window of one system alone says.
+    {u"Another program holds the clipboard.",
+     u"ほかのプログラムがクリップボードを使用中です。",
+     u"Ein anderes Programm hält die Zwischenablage fest."},
+    {u"The file cannot be dragged.", u"ファイルをドラッグできません。",
+     u"Die Datei lässt sich nicht ziehen."},
+
     // What the views alone show.
     {u"Classic", u"クラシック", u"Klassisch"},
     {u"Folder of the files", u"ファイルのフォルダー", u"Ordner der Dateien"},

@@ -396,11 +396,11 @@ void DialogPresenter::ShowLanguage() {
   ShowColors();
   ShowHeightFault();
   ShowMenu();
+  if (cut_is_filled_) cut_->ShowLooksAgain();
   if (dropped_.empty()) return Rebuild();
   unseen_.clear();
   ShowStatus(DescribeParts(parts_, dropped_, DrawingBox()), StatusKind::kNormal);
   view_.RepaintPreview();
-  if (cut_is_filled_) cut_->ShowLooksAgain();
 }
 
 // The preview

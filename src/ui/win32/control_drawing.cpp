@@ -6,6 +6,7 @@
 
 #include "app/status_text.h"
 #include "platform/win32/wide_text.h"
+#include "ui/win32/looks.h"
 #include "ui/win32/window_text.h"
 
 namespace kerno {
@@ -20,11 +21,11 @@ std::wstring ItemText(const DRAWITEMSTRUCT& item) {
 void DrawGround(const DRAWITEMSTRUCT& item) {
   const bool selected = (item.itemState & ODS_SELECTED) != 0;
   const bool disabled = (item.itemState & ODS_DISABLED) != 0;
-  FillRect(item.hDC, &item.rcItem, GetSysColorBrush(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
+  FillRect(item.hDC, &item.rcItem, LookBrush(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
   SetBkMode(item.hDC, TRANSPARENT);
-  SetTextColor(item.hDC, GetSysColor(disabled   ? COLOR_GRAYTEXT
-                                     : selected ? COLOR_HIGHLIGHTTEXT
-                                                : COLOR_WINDOWTEXT));
+  SetTextColor(item.hDC, LookColor(disabled   ? COLOR_GRAYTEXT
+                                   : selected ? COLOR_HIGHLIGHTTEXT
+                                              : COLOR_WINDOWTEXT));
 }
 
 void DrawFocus(const DRAWITEMSTRUCT& item) {
@@ -85,15 +86,28 @@ void DrawColorItem(const DRAWITEMSTRUCT& item) {
   const HBRUSH brush = CreateSolidBrush(static_cast<COLORREF>(item.itemData));
   FillRect(item.hDC, &swatch, brush);
   DeleteObject(brush);
-  FrameRect(item.hDC, &swatch, GetSysColorBrush(COLOR_GRAYTEXT));
+  FrameRect(item.hDC, &swatch, LookBrush(COLOR_GRAYTEXT));
   DrawLabel(item, ItemText(item), swatch.right + 6);
   DrawFocus(item);
 }
 
+void Blit(HDC dc, int left, int top, const BitmapSurface& picture) {
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = sizeof info.bmiHeader;
+  info.bmiHeader.biWidth = picture.Width();
+  info.bmiHeader.biHeight = -picture.Height();
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 32;
+  info.bmiHeader.biCompression = BI_RGB;
+  SetDIBitsToDevice(
+      dc, left, top, static_cast<DWORD>(picture.Width()), static_cast<DWORD>(picture.Height()), 0,
+      0, 0, static_cast<UINT>(picture.Height()), picture.Pixels().data(), &info, DIB_RGB_COLORS);
+}
+
 HBRUSH StatusBrush(HDC dc, StatusKind kind) {
   SetBkMode(dc, TRANSPARENT);
-  SetTextColor(dc, StatusInk(kind, GetSysColor(COLOR_BTNTEXT), GetSysColor(COLOR_BTNFACE)));
-  return GetSysColorBrush(COLOR_BTNFACE);
+  SetTextColor(dc, StatusInk(kind, LookColor(COLOR_BTNTEXT), LookColor(COLOR_BTNFACE)));
+  return LookBrush(COLOR_BTNFACE);
 }
 
 }  // namespace kerno

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/dialog_view.h"
+#include "platform/drawing.h"
 #include "platform/win32/windows_api.h"
 
 namespace kerno {
@@ -14,5 +15,8 @@ void DrawColorItem(const DRAWITEMSTRUCT& item);
 
 // Sets the text colour of the status line; the brush of its ground.
 HBRUSH StatusBrush(HDC dc, StatusKind kind);
+
+// The picture, pixel by pixel.
+void Blit(HDC dc, int left, int top, const BitmapSurface& picture);
 
 }  // namespace kerno

@@ -2,8 +2,6 @@
 
 #include <oleacc.h>
 
-#include "app/captions.h"
-#include "app/controls.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/interface.h"
 #include "ui/win32/windows_controls.h"
@@ -18,11 +16,6 @@ HWND EditOf(HWND control) {
   return GetComboBoxInfo(control, &parts) ? parts.hwndItem : nullptr;
 }
 
-wchar_t* Wide(const char16_t* text) {
-  // The structure's member is not constant; the tooltip window only reads it.
-  return const_cast<wchar_t*>(reinterpret_cast<const wchar_t*>(text));
-}
-
 TOOLINFOW ToolOf(HWND dialog, HWND part, wchar_t* text) {
   TOOLINFOW tool{};
   tool.cbSize = sizeof tool;
@@ -35,46 +28,32 @@ TOOLINFOW ToolOf(HWND dialog, HWND part, wchar_t* text) {
 
 }  // namespace
 
-HWND AddControlHints(HINSTANCE instance, HWND dialog) {
+HWND MakeHints(HINSTANCE instance, HWND owner) {
   const HWND hints = CreateWindowExW(
       WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_NOPREFIX, CW_USEDEFAULT,
-      CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, dialog, nullptr, instance, nullptr);
-  for (const ControlRow& row : Controls()) {
-    const HWND control = GetDlgItem(dialog, static_cast<int>(row.id));
-    const bool has_hint = *row.hint != u'\0' || row.id == ControlId::kStatus;
-    if (!has_hint || control == nullptr) continue;
-    for (const HWND part : {control, EditOf(control)}) {
-      if (part == nullptr) continue;
-      const TOOLINFOW tool = ToolOf(dialog, part, Wide(row.hint));
-      SendMessageW(hints, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-    }
-  }
-  RECT client{};
-  GetClientRect(dialog, &client);
-  SendMessageW(hints, TTM_SETMAXTIPWIDTH, 0, client.right);  // longer ones take several lines
+      CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, owner, nullptr, instance, nullptr);
+  const int width = 50 * static_cast<int>(GetDpiForWindow(owner)) / 12;  // longer ones are broken
+  SendMessageW(hints, TTM_SETMAXTIPWIDTH, 0, width);
   return hints;
 }
 
-void ChangeHint(HWND hints, HWND dialog, HWND control, std::wstring text) {
+void ShowHint(HWND hints, HWND parent, HWND control, std::u16string_view text) {
+  std::wstring wide = ToWide(text);
   for (const HWND part : {control, EditOf(control)}) {
     if (part == nullptr) continue;
-    const TOOLINFOW tool = ToolOf(dialog, part, text.data());
-    SendMessageW(hints, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+    const TOOLINFOW tool = ToolOf(parent, part, wide.data());
+    SendMessageW(hints, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+    if (!wide.empty()) SendMessageW(hints, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
   }
 }
 
-void AddControlNames(HWND dialog) {
+void NameControl(HWND control, std::u16string_view name) {
   Interface<IAccPropServices> services;
   CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER, IID_IAccPropServices,
                    services.put_void());
   if (!services) return;
-  for (const ControlRow& row : Controls()) {
-    const HWND control = GetDlgItem(dialog, static_cast<int>(row.id));
-    if (control == nullptr || *row.caption != u'\0' || *row.name == u'\0') continue;
-    if (row.id == ControlId::kStatus) continue;  // its text is what it says
-    services->SetHwndPropStr(control, static_cast<DWORD>(OBJID_CLIENT), CHILDID_SELF,
-                             PROPID_ACC_NAME, ToWide(Say(row.name)).c_str());
-  }
+  services->SetHwndPropStr(control, static_cast<DWORD>(OBJID_CLIENT), CHILDID_SELF, PROPID_ACC_NAME,
+                           ToWide(name).c_str());
 }
 
 }  // namespace kerno

@@ -3,20 +3,20 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "platform/win32/windows_api.h"
 
 namespace kerno {
 
-// A tooltip window with the hint of each control of `dialog` that has one, and of the status, whose
-// hint comes by ChangeHint. The dialog owns it.
-HWND AddControlHints(HINSTANCE instance, HWND dialog);
+// A tooltip window, which `owner` owns.
+HWND MakeHints(HINSTANCE instance, HWND owner);
 
-// Does nothing as long as there is no tooltip window.
-void ChangeHint(HWND hints, HWND dialog, HWND control, std::wstring text);
+// The hint of a control that stands in `parent`, in the place of the one before.
+void ShowHint(HWND hints, HWND parent, HWND control, std::u16string_view text);
 
-// Tells the system the names of the controls that have no caption to be named by. Systems without
-// that service go by the labels.
-void AddControlNames(HWND dialog);
+// Tells the system the name of a control that has no caption to be named by. Systems without that
+// service go by the labels.
+void NameControl(HWND control, std::u16string_view name);
 
 }  // namespace kerno

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/captions.h"
+#include "app/cut_services.h"
 #include "app/system_services.h"
 #include "base/dump_log.h"
 #include "base/profile_settings.h"
@@ -25,8 +26,8 @@ std::vector<std::filesystem::path> FilesToOpen() {
 }
 
 int RunProgram(HINSTANCE instance, int show) {
-  INITCOMMONCONTROLSEX controls = {sizeof controls,
-                                   ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS | ICC_PROGRESS_CLASS};
+  INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS |
+                                                        ICC_PROGRESS_CLASS | ICC_BAR_CLASSES};
   InitCommonControlsEx(&controls);
   if (LoadLibraryW(L"Msftedit.dll") == nullptr) {
     const std::u16string told = Say(u"Msftedit.dll: the rich edit control is not there");
@@ -36,7 +37,8 @@ int RunProgram(HINSTANCE instance, int show) {
   InstallProfileSettings();
   const RunDump dump(u"kerno-desktop");
   SystemServices services;
-  MainWindow window(instance, services);
+  SystemCutServices cut_services;
+  MainWindow window(instance, services, cut_services);
   return window.Run(show, FilesToOpen());
 }
 
@@ -44,8 +46,8 @@ int RunProgram(HINSTANCE instance, int show) {
 }  // namespace kerno
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE /*before*/, PWSTR /*command_line*/, int show) {
-  const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  const HRESULT com = OleInitialize(nullptr);  // files are dragged out of the window
   const int status = kerno::RunProgram(instance, show);
-  if (SUCCEEDED(com)) CoUninitialize();
+  if (SUCCEEDED(com)) OleUninitialize();
   return status;
 }

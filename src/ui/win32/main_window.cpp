@@ -10,7 +10,10 @@
 #include "app/controls.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_hints.h"
+#include "ui/win32/key_table.h"
+#include "ui/win32/looks.h"
 #include "ui/win32/resource.h"
+#include "ui/win32/window_menu.h"
 #include "ui/win32/windows_controls.h"
 
 namespace kerno {
@@ -49,54 +52,26 @@ constexpr KindOfWindow kKinds[] = {
     {ControlKind::kStatus, L"STATIC", SS_LEFT | SS_NOPREFIX | SS_NOTIFY | WS_GROUP},
 };
 
-const wchar_t* Wide(const char16_t* text) {
-  return reinterpret_cast<const wchar_t*>(text);
-}
-
-// The key and modifiers of "Ctrl+O", "Alt+B", "F1".
-ACCEL ParseShortcut(std::u16string_view shortcut, int command) {
-  ACCEL accelerator{};
-  accelerator.fVirt = FVIRTKEY;
-  accelerator.cmd = static_cast<WORD>(command);
-  const auto take = [&shortcut](std::u16string_view prefix) {
-    if (!shortcut.starts_with(prefix)) return false;
-    shortcut.remove_prefix(prefix.size());
-    return true;
-  };
-  for (;;) {
-    if (take(u"Ctrl+")) {
-      accelerator.fVirt |= FCONTROL;
-    } else if (take(u"Alt+")) {
-      accelerator.fVirt |= FALT;
-    } else if (take(u"Shift+")) {
-      accelerator.fVirt |= FSHIFT;
-    } else {
-      break;
-    }
-  }
-  if (shortcut.size() == 1) {
-    accelerator.key = shortcut[0];
-  } else if (shortcut.size() == 2 && shortcut[0] == u'F') {
-    accelerator.key = static_cast<WORD>(VK_F1 + (shortcut[1] - u'1'));
-  }
-  return accelerator;
-}
-
 }  // namespace
 
-MainWindow::MainWindow(HINSTANCE instance, DialogServices& services) : instance_(instance) {
+MainWindow::MainWindow(HINSTANCE instance, DialogServices& services, CutServices& cut_services)
+    : instance_(instance) {
   CreateDialogParamW(instance_, MAKEINTRESOURCEW(KERNO_MAIN_DIALOG), nullptr, DialogProc,
                      reinterpret_cast<LPARAM>(this));
   if (window_ == nullptr) return;
   DialogView& view = *this;
   presenter_ = std::make_unique<DialogPresenter>(view, services);
+  cut_page_ = std::make_unique<CutPage>(instance_, window_, cut_services);
+  ShowFont();
+  ShowLooks();
   LayOut();
+  presenter_->UseCut(&cut_page_->presenter());
   presenter_->Open();
-  SizeDropDowns();
 }
 
 MainWindow::~MainWindow() {
   presenter_.reset();
+  cut_page_.reset();
   suggestions_.reset();
   if (window_ != nullptr) DestroyWindow(window_);
   if (accelerators_ != nullptr) DestroyAcceleratorTable(accelerators_);
@@ -115,7 +90,7 @@ int MainWindow::Run(int show, const std::vector<std::filesystem::path>& files) {
     return 1;
   }
   Show(show);
-  SetFocus(text_->control());
+  FocusText();
   PostMessageW(window_, kFillFaces, 0, 0);
   if (!files.empty()) presenter_->Dropped(files);
   MSG message{};
@@ -124,8 +99,11 @@ int MainWindow::Run(int show, const std::vector<std::filesystem::path>& files) {
 }
 
 void MainWindow::Dispatch(MSG& message) {
-  if (suggestions_->TakesKey(message) || SwallowsEscape(message)) return;
-  if (EndsShortcut(message)) return;
+  if (suggestions_->TakesKey(message) || EndsShortcut(message)) return;
+  const bool is_cut = mode_ == WindowMode::kCut;
+  if (is_cut && cut_page_->TakesKey(message)) return;
+  if (is_cut && TranslateAcceleratorW(window_, cut_page_->accelerators(), &message) != 0) return;
+  if (SwallowsEscape(message)) return;
   if (TranslateAcceleratorW(window_, accelerators_, &message) != 0) return;
   if (IsDialogMessageW(window_, &message)) return;
   TranslateMessage(&message);
@@ -144,8 +122,8 @@ bool MainWindow::EndsShortcut(const MSG& message) {
 bool MainWindow::SwallowsEscape(const MSG& message) const {
   if (message.message != WM_KEYDOWN || message.wParam != VK_ESCAPE) return false;
   if (message.hwnd != window_ && !IsChild(window_, message.hwnd)) return false;
-  for (const ControlRow& row : Controls()) {
-    if (HasDropDown(row.kind) && Send(row.id, CB_GETDROPPEDSTATE) != 0) return false;  // closes it
+  for (HWND part = message.hwnd; part != nullptr && part != window_; part = GetParent(part)) {
+    if (SendMessageW(part, CB_GETDROPPEDSTATE, 0, 0) != 0) return false;  // closes the list
   }
   return true;
 }
@@ -172,9 +150,7 @@ void MainWindow::LearnDensity() {
   const auto set_behavior = reinterpret_cast<SetBehavior>(reinterpret_cast<void*>(
       GetProcAddress(GetModuleHandleW(L"user32.dll"), "SetDialogDpiChangeBehavior")));
   if (set_behavior != nullptr) set_behavior(window_, DDC_DISABLE_ALL, DDC_DISABLE_ALL);
-  first_dpi_ = dpi_ = static_cast<int>(GetDpiForWindow(window_));
-  GetObjectW(reinterpret_cast<HFONT>(SendMessageW(window_, WM_GETFONT, 0, 0)), sizeof first_font_,
-             &first_font_);
+  dpi_ = static_cast<int>(GetDpiForWindow(window_));
 }
 
 void MainWindow::InitDialog() {
@@ -188,8 +164,10 @@ void MainWindow::InitDialog() {
   SendMessageW(window_, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(icon_));
   SendMessageW(window_, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(small_icon_));
   AddSystemMenuEntry();
-  MakeMenu();
+  menu_ = MakeWindowMenu();
+  SetMenu(window_, menu_);
   MakeAccelerators();
+  MakeModeSwitch();
   MakeControls();
   text_.emplace(Item(ControlId::kText));
   for (const char16_t* height : HeightChoices()) {
@@ -205,29 +183,39 @@ void MainWindow::InitDialog() {
     ShowControlText(ControlId::kFace, face);
     presenter_->TextChanged(ControlId::kFace, face);
   };
-  hints_ = AddControlHints(instance_, window_);
-  AddControlNames(window_);
+  hints_ = MakeHints(instance_, window_);
+  ShowHints();
   DragAcceptFiles(window_, TRUE);
   ready_ = true;
-  SizeItems();
+  ShowFont();
+  LearnLooks();
+  ShowLooks();
 }
 
 // The Tab key goes from one to the next in the order in which they are made.
 void MainWindow::MakeControls() {
-  const auto font = static_cast<WPARAM>(SendMessageW(window_, WM_GETFONT, 0, 0));
   for (const ControlRow& row : Controls()) {
     if (row.line == WindowLine::kAboutBox) continue;
     const auto* const kind =
         std::find_if(std::begin(kKinds), std::end(kKinds),
                      [&](const KindOfWindow& candidate) { return candidate.kind == row.kind; });
     const DWORD shown = row.hidden ? 0 : WS_VISIBLE;
-    const HWND control =
-        CreateWindowExW(kind->more_style | WS_EX_NOPARENTNOTIFY, kind->class_name,
-                        Wide(row.caption), kind->style | WS_CHILD | shown, 0, 0, 0, 0, window_,
-                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)), instance_, nullptr);
-    SendMessageW(control, WM_SETFONT, font, FALSE);
+    if (row.hidden) hidden_.insert(row.id);
+    CreateWindowExW(kind->more_style | WS_EX_NOPARENTNOTIFY, kind->class_name,
+                    ToWide(MarkedCaption(Say(row.caption), row.shortcut)).c_str(),
+                    kind->style | WS_CHILD | shown, 0, 0, 0, 0, window_,
+                    reinterpret_cast<HMENU>(static_cast<INT_PTR>(row.id)), instance_, nullptr);
   }
   SendMessageW(window_, DM_SETDEFID, static_cast<WPARAM>(ControlId::kOk), 0);
+}
+
+void MainWindow::ShowHints() {
+  for (const ControlRow& row : Controls()) {
+    const HWND control = Item(row.id);
+    if (control == nullptr || row.id == ControlId::kStatus) continue;  // its text says all
+    ShowHint(hints_, window_, control, Say(row.hint));
+    if (*row.caption == u'\0' && *row.name != u'\0') NameControl(control, Say(row.name));
+  }
 }
 
 void MainWindow::AddSystemMenuEntry() {
@@ -238,33 +226,17 @@ void MainWindow::AddSystemMenuEntry() {
               ToWide(Say(about.caption)).c_str());
 }
 
-void MainWindow::MakeMenu() {
-  menu_ = CreateMenu();
-  for (const MenuColumn& column : Menu()) {
-    const HMENU popup = CreatePopupMenu();
-    for (const MenuRow& row : column.rows) {
-      if (row.separator_before) AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
-      std::wstring caption = ToWide(Say(row.caption));
-      if (*row.shortcut != u'\0') caption += std::wstring(L"\t") + Wide(row.shortcut);
-      AppendMenuW(popup, MF_STRING, static_cast<UINT_PTR>(row.command), caption.c_str());
-    }
-    AppendMenuW(menu_, MF_POPUP, reinterpret_cast<UINT_PTR>(popup),
-                ToWide(Say(column.caption)).c_str());
-  }
-  SetMenu(window_, menu_);
-}
-
 void MainWindow::MakeAccelerators() {
   std::vector<ACCEL> keys;
   for (const MenuColumn& column : Menu()) {
     for (const MenuRow& row : column.rows) {
-      if (*row.shortcut == u'\0' || IsEditCommand(row.command)) continue;
-      keys.push_back(ParseShortcut(row.shortcut, static_cast<int>(row.command)));
+      // The text box knows those of the edit commands by itself.
+      if (!IsEditCommand(row.command))
+        AppendKeys(row.shortcut, static_cast<int>(row.command), &keys);
     }
   }
   for (const ControlRow& row : Controls()) {
-    if (*row.shortcut != u'\0')
-      keys.push_back(ParseShortcut(row.shortcut, static_cast<int>(row.id)));
+    AppendKeys(row.shortcut, static_cast<int>(row.id), &keys);
   }
   accelerators_ = CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size()));
 }

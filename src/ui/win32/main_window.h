@@ -13,6 +13,7 @@
 #include "app/dialog_presenter.h"
 #include "platform/drawing.h"
 #include "platform/win32/windows_api.h"
+#include "ui/win32/cut_page.h"
 #include "ui/win32/face_suggestions.h"
 #include "ui/win32/progress_window.h"
 #include "ui/win32/text_box.h"
@@ -22,8 +23,8 @@ namespace kerno {
 
 class MainWindow final : private DialogView {
  public:
-  // Makes the window, hidden. `services` outlives it.
-  MainWindow(HINSTANCE instance, DialogServices& services);
+  // Makes the window, hidden. Both services outlive it.
+  MainWindow(HINSTANCE instance, DialogServices& services, CutServices& cut_services);
   ~MainWindow() override;
   MainWindow(const MainWindow&) = delete;
   MainWindow& operator=(const MainWindow&) = delete;
@@ -39,6 +40,7 @@ class MainWindow final : private DialogView {
 
   HWND window() const { return window_; }
   DialogPresenter& presenter() { return *presenter_; }
+  CutPage& cut_page() { return *cut_page_; }
 
  private:
   // DialogView
@@ -49,6 +51,7 @@ class MainWindow final : private DialogView {
   void ShowChecked(ControlId id, bool checked) override;
   void ShowColors(ControlId id, const std::vector<ColorChoice>& colors, size_t selected) override;
   void ShowFault(ControlId id, std::u16string_view why) override;
+  void ShowMode(WindowMode mode) override;
   void ShowCaptions() override;
   void Enable(ControlId id, bool enabled) override;
   void ShowControl(ControlId id, bool visible) override;
@@ -97,7 +100,6 @@ class MainWindow final : private DialogView {
   void LearnDensity();
   void MakeControls();
   void AddSystemMenuEntry();
-  void MakeMenu();
   void MakeAccelerators();
   bool Command(int id, int notification);
   void ComboCommand(const ControlRow& row, int notification);
@@ -106,16 +108,42 @@ class MainWindow final : private DialogView {
   void DrawItem(const DRAWITEMSTRUCT& item);
   void Dropped(HDROP drop);
   void OfferFaces(int notification);
+  struct Group;
+  struct Heights {
+    int field = 0;    // of one control
+    int fields = 0;   // of the lines between text and preview, gaps included
+    int outputs = 0;  // of the buttons, gaps included
+    int rest = 0;     // of all but text and preview
+  };
+  int LeastWidth(const ControlRow& row) const;
+  std::vector<std::vector<Group>> Wrapped(WindowLine line, int width) const;
+  Heights HeightsFor(int width) const;
+  int LeastHeight(int width) const;
   void LayOut();
-  void LayOutLine(WindowLine line, int top, int height);
+  int LayOutLine(WindowLine line, int top, int height, int between);
+  void BoundSize(MINMAXINFO& bounds) const;
+  void KeepRoom(WINDOWPOS& place) const;
+  SIZE LeastSize(int width) const;
+  void ShowFont();
+  void ShowHints();
+  void ShowLooks();
+  void ShowCurrentFace();
+  void MakeModeSwitch();
+  void ShowModeCaptions() const;
+  int LayOutModeSwitch() const;
+  void FocusText() const;
+  bool IsOffered(ControlId id) const;
+  bool ChooseFromMenu(const MenuRow& row);
   void SizeItems();
   void SizeDropDowns();
   int RowsBelow(ControlId combo) const;
   void DensityChanged(int dpi, const RECT& place);
+  HBRUSH GroundOf(UINT message, HDC dc, HWND control) const;
   void PaintIcon();
   void PaintPreview(HDC dc);
   void QueueMessage(WaitingMessage message);
   void ShowWaitingMessages();
+  WindowRect FirstPlace() const;
   HBRUSH FaultBrush(HDC dc, HWND edit) const;
   bool EndsShortcut(const MSG& message);
   bool SwallowsEscape(const MSG& message) const;
@@ -136,12 +164,11 @@ class MainWindow final : private DialogView {
   HICON icon_ = nullptr;
   HICON small_icon_ = nullptr;
   int dpi_ = USER_DEFAULT_SCREEN_DPI;
-  int first_dpi_ = USER_DEFAULT_SCREEN_DPI;  // for which the dialog's own font was made
-  LOGFONTW first_font_{};
-  HFONT font_ = nullptr;  // in its place since the density changed
+  HFONT font_ = nullptr;  // of the captions
   std::optional<TextBox> text_;
   std::optional<FaceSuggestions> suggestions_;
   std::optional<ProgressWindow> progress_;
+  std::unique_ptr<CutPage> cut_page_;
   std::unique_ptr<DialogPresenter> presenter_;
   std::unique_ptr<BitmapSurface> picture_;  // of the preview
   bool picture_is_stale_ = true;
@@ -150,6 +177,8 @@ class MainWindow final : private DialogView {
   bool alt_was_used_ = false;   // with another key, since it went down
   bool ready_ = false;          // the controls are there
   bool opens_maximised_ = false;
+  std::set<ControlId> hidden_;  // controls of Classic that are not offered
+  WindowMode mode_ = WindowMode::kClassic;
   std::set<ControlId> faults_;  // the fields whose texts cannot be used
   StatusKind status_kind_ = StatusKind::kNormal;
   std::vector<WaitingMessage> messages_;  // to be shown when the event under way is over

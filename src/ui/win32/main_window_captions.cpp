@@ -3,7 +3,9 @@
 #include "app/captions.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_hints.h"
+#include "ui/win32/looks.h"
 #include "ui/win32/main_window.h"
+#include "ui/win32/window_menu.h"
 #include "ui/win32/windows_controls.h"
 
 namespace kerno {
@@ -11,17 +13,20 @@ namespace kerno {
 void MainWindow::ShowCaptions() {
   for (const ControlRow& row : Controls()) {
     const HWND control = Item(row.id);
-    if (control == nullptr) continue;
-    if (*row.caption != u'\0') SetWindowTextW(control, ToWide(Say(row.caption)).c_str());
-    if (*row.hint != u'\0') ChangeHint(hints_, window_, control, ToWide(Say(row.hint)));
+    if (control == nullptr || *row.caption == u'\0') continue;
+    SetWindowTextW(control, ToWide(MarkedCaption(Say(row.caption), row.shortcut)).c_str());
   }
-  AddControlNames(window_);
-  const HMENU menu_before = menu_;
-  MakeMenu();
-  DestroyMenu(menu_before);
+  ShowHints();
+  ShowMenuCaptions(menu_);
+  if (IsDark()) ApplyLooksToMenu(menu_);  // their sizes are others
+  DrawMenuBar(window_);
   const MenuRow& about = *FindMenuRow(static_cast<int>(MenuCommand::kAbout));
   ModifyMenuW(GetSystemMenu(window_, FALSE), static_cast<UINT>(about.command), MF_BYCOMMAND,
               static_cast<UINT_PTR>(about.command), ToWide(Say(about.caption)).c_str());
+  ShowModeCaptions();
+  if (cut_page_) cut_page_->ShowCaptions();
+  ShowFont();
+  LayOut();
 }
 
 void MainWindow::ShowFault(ControlId id, std::u16string_view why) {
@@ -31,7 +36,7 @@ void MainWindow::ShowFault(ControlId id, std::u16string_view why) {
     faults_.insert(id);
   }
   const std::u16string hint = why.empty() ? Say(kerno::Control(id).hint) : std::u16string(why);
-  ChangeHint(hints_, window_, Item(id), ToWide(hint));
+  ShowHint(hints_, window_, Item(id), hint);
   InvalidateRect(Item(id), nullptr, TRUE);
 }
 

@@ -1,9 +1,14 @@
 // What the system and the controls tell the main window, handed on to the dialog.
 
+#include <algorithm>
+
 #include "app/controls.h"
+#include "app/scoped_flag.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_drawing.h"
+#include "ui/win32/looks.h"
 #include "ui/win32/main_window.h"
+#include "ui/win32/window_menu.h"
 #include "ui/win32/windows_controls.h"
 
 namespace kerno {
@@ -37,8 +42,11 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_DPICHANGED:
       DensityChanged(LOWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
       return TRUE;
+    case WM_WINDOWPOSCHANGING:
+      KeepRoom(*reinterpret_cast<WINDOWPOS*>(lparam));
+      return FALSE;
     case WM_GETMINMAXINFO:
-      reinterpret_cast<MINMAXINFO*>(lparam)->ptMinTrackSize = {Scaled(560), Scaled(420)};
+      BoundSize(*reinterpret_cast<MINMAXINFO*>(lparam));
       return TRUE;
     case WM_COMMAND:
       return Command(LOWORD(wparam), HIWORD(wparam)) ? TRUE : FALSE;
@@ -47,19 +55,29 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_DRAWITEM:
       DrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
       return TRUE;
-    case WM_CTLCOLORSTATIC:
-      if (reinterpret_cast<HWND>(lparam) != Item(ControlId::kStatus)) return FALSE;
-      return reinterpret_cast<INT_PTR>(StatusBrush(reinterpret_cast<HDC>(wparam), status_kind_));
+    case WM_MEASUREITEM: {
+      auto& item = *reinterpret_cast<MEASUREITEMSTRUCT*>(lparam);
+      if (item.CtlType != ODT_MENU) return FALSE;
+      MeasureMenuItem(menu_, window_, item);
+      return TRUE;
+    }
+    case WM_CTLCOLORDLG:
+    case WM_CTLCOLORBTN:
     case WM_CTLCOLOREDIT:
+    case WM_CTLCOLORLISTBOX:
+    case WM_CTLCOLORSTATIC:
       return reinterpret_cast<INT_PTR>(
-          FaultBrush(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam)));
+          GroundOf(message, reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam)));
     case WM_TIMER:
       if (wparam != kDueTimer) return FALSE;
       KillTimer(window_, kDueTimer);
       presenter_->Due();
       return TRUE;
     case WM_SYSCOLORCHANGE:
-      presenter_->ShowLooksAgain();
+      ShowLooks();
+      return FALSE;
+    case WM_SETTINGCHANGE:
+      if (LearnLooks()) ShowLooks();
       return FALSE;
     case WM_CLOSE:
       if (presenter_->Close()) PostQuitMessage(0);
@@ -69,7 +87,7 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
       return TRUE;
     case WM_ENDSESSION:
       if (wparam == FALSE) return FALSE;
-      (void)presenter_->Close();  // what was typed since the question
+      presenter_->SaveNow();  // what was typed since the question
       PostQuitMessage(0);
       return TRUE;
     case kFillFaces:
@@ -91,6 +109,22 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
     default:
       return FALSE;
   }
+}
+
+HBRUSH MainWindow::GroundOf(UINT message, HDC dc, HWND control) const {
+  if (message == WM_CTLCOLOREDIT) {
+    if (const HBRUSH fault = FaultBrush(dc, control)) return fault;
+  }
+  if (control == Item(ControlId::kStatus)) return StatusBrush(dc, status_kind_);
+  return IsDark() ? ControlBrush(message, dc) : nullptr;
+}
+
+void MainWindow::ShowLooks() {
+  ApplyLooksToMenu(menu_);
+  ApplyLooks(window_);
+  DrawMenuBar(window_);
+  if (cut_page_) cut_page_->ShowLooks();
+  if (presenter_) presenter_->ShowLooksAgain();
 }
 
 void MainWindow::PaintIcon() {
@@ -123,6 +157,7 @@ void MainWindow::ComboCommand(const ControlRow& row, int notification) {
     ReadCombo(row, notification);
   }
   if (!shows_ && row.kind == ControlKind::kFaceCombo) OfferFaces(notification);
+  if (row.kind == ControlKind::kFaceCombo && notification == CBN_DROPDOWN) ShowCurrentFace();
   // A list that opens or closes may complete what stands in the edit without telling.
   const bool may_complete = notification == CBN_DROPDOWN || notification == CBN_CLOSEUP;
   if (may_complete && row.kind != ControlKind::kColorCombo) {
@@ -131,10 +166,16 @@ void MainWindow::ComboCommand(const ControlRow& row, int notification) {
 }
 
 bool MainWindow::Command(int number, int notification) {
-  if (const MenuRow* command = FindMenuRow(number)) {
-    presenter_->Chosen(command->command);
+  if (const MenuRow* command = FindMenuRow(number)) return ChooseFromMenu(*command);
+  if (number == static_cast<int>(ControlId::kModeClassic)) {
+    presenter_->ChooseMode(WindowMode::kClassic);
     return true;
   }
+  if (number == static_cast<int>(ControlId::kModeCut)) {
+    presenter_->ChooseMode(WindowMode::kCut);
+    return true;
+  }
+  if (mode_ == WindowMode::kCut) return cut_page_->Command(number, notification);
   const ControlRow* row = FindControl(static_cast<ControlId>(number));
   if (row == nullptr) return false;
   switch (row->kind) {
@@ -160,6 +201,18 @@ bool MainWindow::Command(int number, int notification) {
   }
 }
 
+// The list opens at the face in the edit, with that in its middle.
+void MainWindow::ShowCurrentFace() {
+  const std::wstring face = ToWide(TextOf(ControlId::kFace));
+  const LRESULT row = Send(ControlId::kFace, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                           reinterpret_cast<LPARAM>(face.c_str()));
+  if (row == CB_ERR) return;
+  const ScopedFlag writing(shows_);
+  Send(ControlId::kFace, CB_SETCURSEL, static_cast<WPARAM>(row));
+  const LRESULT above = RowsBelow(ControlId::kFace) / 2;
+  Send(ControlId::kFace, CB_SETTOPINDEX, static_cast<WPARAM>(std::max<LRESULT>(row - above, 0)));
+}
+
 // While a name is typed the faces that hold it are offered; anything else puts the offer away.
 void MainWindow::OfferFaces(int notification) {
   if (notification == CBN_EDITCHANGE) {
@@ -170,6 +223,10 @@ void MainWindow::OfferFaces(int notification) {
 }
 
 bool MainWindow::Notify(const NMHDR& header) {
+  if (header.code == NM_CUSTOMDRAW && DrawDarkButton(header)) {
+    SetWindowLongPtrW(window_, DWLP_MSGRESULT, CDRF_SKIPDEFAULT);
+    return true;
+  }
   if (header.code != static_cast<UINT>(UDN_DELTAPOS)) return false;
   presenter_->Stepped(static_cast<ControlId>(header.idFrom),
                       reinterpret_cast<const NMUPDOWN&>(header).iDelta);
@@ -178,6 +235,7 @@ bool MainWindow::Notify(const NMHDR& header) {
 }
 
 void MainWindow::DrawItem(const DRAWITEMSTRUCT& item) {
+  if (item.CtlType == ODT_MENU) return DrawMenuItem(window_, item);
   if (item.hwndItem == Item(ControlId::kFace) || item.hwndItem == suggestions_->list()) {
     DrawFaceItem(item);
   } else {

@@ -1,6 +1,9 @@
 // The preview's own painting and input.
 
 #include "app/controls.h"
+#include "ui/win32/control_drawing.h"
+#include "ui/win32/key_table.h"
+#include "ui/win32/looks.h"
 #include "ui/win32/main_window.h"
 #include "ui/win32/windows_controls.h"
 
@@ -8,29 +11,6 @@ namespace kerno {
 namespace {
 
 constexpr double kDensity = 1;  // the frame counts in the screen's own pixels
-
-char16_t NameOfKey(WPARAM key) {
-  switch (key) {
-    case VK_ADD:
-    case VK_OEM_PLUS:
-      return u'+';
-    case VK_SUBTRACT:
-    case VK_OEM_MINUS:
-      return u'-';
-    case VK_NUMPAD0:
-      return u'0';
-    case VK_LEFT:
-      return u'←';
-    case VK_RIGHT:
-      return u'→';
-    case VK_UP:
-      return u'↑';
-    case VK_DOWN:
-      return u'↓';
-    default:
-      return static_cast<char16_t>(key);  // keys of digits have the digits' numbers
-  }
-}
 
 }  // namespace
 
@@ -40,20 +20,10 @@ void MainWindow::PaintPreview(HDC dc) {
   if (frame.right <= 0 || frame.bottom <= 0) return;
   if (!picture_ || picture_is_stale_) {
     picture_is_stale_ = false;
-    picture_ = presenter_->PreviewPicture(kDensity, GetSysColor(COLOR_WINDOW));
+    picture_ = presenter_->PreviewPicture(kDensity, LookColor(COLOR_WINDOW));
     if (!picture_) return;
   }
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = picture_->Width();
-  info.bmiHeader.biHeight = -picture_->Height();
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 32;
-  info.bmiHeader.biCompression = BI_RGB;
-  const std::span<const uint8_t> pixels = picture_->Pixels();
-  SetDIBitsToDevice(dc, 0, 0, static_cast<DWORD>(picture_->Width()),
-                    static_cast<DWORD>(picture_->Height()), 0, 0, 0,
-                    static_cast<UINT>(picture_->Height()), pixels.data(), &info, DIB_RGB_COLORS);
+  Blit(dc, 0, 0, *picture_);
   if (GetFocus() == Item(ControlId::kPreview)) DrawFocusRect(dc, &frame);
 }
 

@@ -1,13 +1,15 @@
 // What the main window shows when it is told.
 
+#include <algorithm>
 #include <utility>
 
 #include "app/captions.h"
 #include "app/controls.h"
 #include "app/scoped_flag.h"
+#include "app/window_place.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_hints.h"
-#include "ui/win32/interface.h"
+#include "ui/win32/file_questions.h"
 #include "ui/win32/main_window.h"
 #include "ui/win32/resource.h"
 #include "ui/win32/windows_controls.h"
@@ -100,7 +102,12 @@ void MainWindow::Enable(ControlId id, bool enabled) {
 }
 
 void MainWindow::ShowControl(ControlId id, bool visible) {
-  ShowWindow(Item(id), visible ? SW_SHOWNA : SW_HIDE);
+  if (visible) {
+    hidden_.erase(id);
+  } else {
+    hidden_.insert(id);
+  }
+  ShowWindow(Item(id), visible && mode_ == WindowMode::kClassic ? SW_SHOWNA : SW_HIDE);
   LayOut();
 }
 
@@ -112,9 +119,8 @@ void MainWindow::ShowMenuChecked(MenuCommand command, bool checked) {
 void MainWindow::ShowStatus(std::u16string_view text, StatusKind kind) {
   status_kind_ = kind;
   const HWND status = Item(ControlId::kStatus);
-  const std::wstring wide = ToWide(text);
-  SetWindowTextW(status, wide.c_str());
-  ChangeHint(hints_, window_, status, wide);  // whole, where two lines do not hold it
+  SetWindowTextW(status, ToWide(text).c_str());
+  ShowHint(hints_, window_, status, text);  // whole, where two lines do not hold it
   InvalidateRect(status, nullptr, TRUE);
 }
 
@@ -130,26 +136,7 @@ void MainWindow::ShowAbout(std::u16string_view version, std::u16string_view copy
 }
 
 std::optional<std::filesystem::path> MainWindow::AskFolder(const std::filesystem::path& start) {
-  Interface<IFileOpenDialog> dialog;
-  if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER,
-                              IID_IFileOpenDialog, dialog.put_void()))) {
-    return std::nullopt;
-  }
-  dialog->SetOptions(FOS_PICKFOLDERS | FOS_FORCEFILESYSTEM);
-  Interface<IShellItem> folder;
-  if (SUCCEEDED(
-          SHCreateItemFromParsingName(start.c_str(), nullptr, IID_IShellItem, folder.put_void()))) {
-    dialog->SetFolder(folder.get());
-  }
-  Interface<IShellItem> chosen;
-  PWSTR name = nullptr;
-  if (FAILED(dialog->Show(window_)) || FAILED(dialog->GetResult(chosen.put())) ||
-      FAILED(chosen->GetDisplayName(SIGDN_FILESYSPATH, &name))) {
-    return std::nullopt;
-  }
-  std::filesystem::path path(name);
-  CoTaskMemFree(name);
-  return path;
+  return AskForFolder(window_, start);
 }
 
 // The system's own fonts are the toolkit's.
@@ -182,12 +169,28 @@ WindowPlace MainWindow::PlaceOfWindow() const {
   return {.normal = {place.left, place.top, place.right, place.bottom}, .show = show};
 }
 
+// In the middle of the screen on which the system has put the window.
+WindowRect MainWindow::FirstPlace() const {
+  MONITORINFO screen{};
+  screen.cbSize = sizeof screen;
+  GetMonitorInfoW(MonitorFromWindow(window_, MONITOR_DEFAULTTONEAREST), &screen);
+  const RECT& work = screen.rcWork;
+  const auto [wide, high] =
+      FirstSize(MulDiv(work.right - work.left, USER_DEFAULT_SCREEN_DPI, dpi_),
+                MulDiv(work.bottom - work.top, USER_DEFAULT_SCREEN_DPI, dpi_));
+  RECT frame = {0, 0, Scaled(wide), Scaled(high)};
+  AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongPtrW(window_, GWL_STYLE)), TRUE, 0);
+  const int width = std::min(frame.right - frame.left, work.right - work.left);
+  const int height = std::min(frame.bottom - frame.top, work.bottom - work.top);
+  const int left = work.left + (work.right - work.left - width) / 2;
+  const int top = work.top + (work.bottom - work.top - height) / 2;
+  return {left, top, left + width, top + height};
+}
+
 void MainWindow::PlaceWindow(const WindowPlace& place) {
-  const WindowRect& rect = place.normal;
-  if (rect != WindowRect{}) {
-    SetWindowPos(window_, nullptr, rect.left, rect.top, rect.right - rect.left,
-                 rect.bottom - rect.top, SWP_NOZORDER | SWP_NOACTIVATE);
-  }
+  const WindowRect rect = place.normal == WindowRect{} ? FirstPlace() : place.normal;
+  SetWindowPos(window_, nullptr, rect.left, rect.top, rect.right - rect.left,
+               rect.bottom - rect.top, SWP_NOZORDER | SWP_NOACTIVATE);
   opens_maximised_ = place.show == WindowShow::kMaximised;
 }
 

@@ -1,12 +1,11 @@
 // What the main window shows and asks of work that runs beside it, and the text box's commands.
 
-#include <algorithm>
 #include <utility>
 
 #include "app/captions.h"
 #include "app/scoped_flag.h"
 #include "platform/win32/wide_text.h"
-#include "ui/win32/interface.h"
+#include "ui/win32/file_questions.h"
 #include "ui/win32/main_window.h"
 #include "ui/win32/windows_controls.h"
 
@@ -56,39 +55,12 @@ void MainWindow::WakeUp() {
 }
 
 std::optional<std::filesystem::path> MainWindow::AskSave(const SaveQuestion& question) {
-  Interface<IFileSaveDialog> dialog;
-  if (FAILED(CoCreateInstance(CLSID_FileSaveDialog, nullptr, CLSCTX_INPROC_SERVER,
-                              IID_IFileSaveDialog, dialog.put_void()))) {
-    return std::nullopt;
-  }
-  std::vector<std::pair<std::wstring, std::wstring>> texts;
-  for (const SaveQuestion::Kind& kind : question.kinds) {
-    texts.emplace_back(ToWide(kind.name), L"*." + ToWide(kind.extension));
-  }
-  std::vector<COMDLG_FILTERSPEC> kinds;
-  for (const auto& [name, pattern] : texts) kinds.push_back({name.c_str(), pattern.c_str()});
-  dialog->SetFileTypes(static_cast<UINT>(kinds.size()), kinds.data());
-  dialog->SetDefaultExtension(ToWide(question.kinds.front().extension).c_str());
-  dialog->SetTitle(ToWide(question.title).c_str());
-  dialog->SetFileName(ToWide(question.name).c_str());
-  Interface<IShellItem> folder;
-  if (SUCCEEDED(SHCreateItemFromParsingName(question.folder.c_str(), nullptr, IID_IShellItem,
-                                            folder.put_void()))) {
-    dialog->SetFolder(folder.get());
-  }
-  Interface<IShellItem> chosen;
-  PWSTR name = nullptr;
-  if (FAILED(dialog->Show(window_)) || FAILED(dialog->GetResult(chosen.put())) ||
-      FAILED(chosen->GetDisplayName(SIGDN_FILESYSPATH, &name))) {
-    return std::nullopt;
-  }
-  std::filesystem::path path(name);
-  CoTaskMemFree(name);
-  return path;
+  return AskForSave(window_, question);
 }
 
 void MainWindow::EditText(MenuCommand command) {
-  const HWND text = text_->control();
+  const HWND text =
+      mode_ == WindowMode::kCut ? cut_page_->control(ControlId::kCutText) : text_->control();
   CHARRANGE all = {0, -1};
   switch (command) {
     case MenuCommand::kUndo:

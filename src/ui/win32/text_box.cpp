@@ -8,6 +8,7 @@
 #include "platform/device_context.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/interface.h"
+#include "ui/win32/looks.h"
 #include "ui/win32/windows_controls.h"
 
 namespace kerno {
@@ -121,7 +122,7 @@ void TextBox::ShowFormat(std::u16string_view face, Color color, int dpi) {
   const NothingToUndo quiet(control_);
   SendMessageW(control_, EM_SETCHARFORMAT, SCF_DEFAULT, reinterpret_cast<LPARAM>(&format));
   SendMessageW(control_, EM_SETCHARFORMAT, SCF_ALL, reinterpret_cast<LPARAM>(&format));
-  const Color paper = PaperFor(color, GetSysColor(COLOR_WINDOW));
+  const Color paper = PaperFor(color, LookColor(COLOR_WINDOW));
   SendMessageW(control_, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(paper));
 }
 

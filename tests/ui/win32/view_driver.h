@@ -27,7 +27,8 @@ enum class UserKey {
 // Shows the window as the program does.
 class ViewDriver {
  public:
-  explicit ViewDriver(DialogServices& services) : main(GetModuleHandleW(nullptr), services) {
+  ViewDriver(DialogServices& services, CutServices& cut_services)
+      : main(GetModuleHandleW(nullptr), services, cut_services) {
     window = main.window();
     EXPECT_NE(nullptr, window);
     shown = this;
@@ -43,6 +44,7 @@ class ViewDriver {
   }
 
   DialogPresenter& presenter() { return main.presenter(); }
+  CutPresenter& cut_presenter() { return main.cut_page().presenter(); }
   bool IsShown(ControlId id) const { return IsWindowVisible(Item(id)); }
   bool IsEnabled(ControlId id) const { return IsWindowEnabled(Item(id)); }
   ControlId Focused() const { return static_cast<ControlId>(GetDlgCtrlID(GetFocus())); }
@@ -63,6 +65,12 @@ class ViewDriver {
     Send(id, EM_SETBKGNDCOLOR, FALSE, static_cast<LPARAM>(paper));
     return {FromWide(format.szFaceName), format.crTextColor, paper};
   }
+  // Why a field is marked; empty where it is not.
+  std::u16string FaultOf(ControlId id) const {
+    return const_cast<MainWindow&>(main).cut_page().ReasonOf(id);
+  }
+  // The answer to the next question for a file to write.
+  void AnswerSave(const std::filesystem::path& file) { save_answer_ = file; }
   void Type(ControlId id, std::u16string_view text) {
     SendMessageW(Edit(id), EM_SETSEL, 0x7FFFFFF, 0x7FFFFFF);
     TypeHere(id, text);
@@ -154,7 +162,10 @@ class ViewDriver {
     return PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != FALSE;
   }
 
-  HWND Item(ControlId id) const { return GetDlgItem(window, static_cast<int>(id)); }
+  HWND Item(ControlId id) const {
+    const HWND of_page = const_cast<MainWindow&>(main).cut_page().control(id);
+    return of_page != nullptr ? of_page : GetDlgItem(window, static_cast<int>(id));
+  }
   LRESULT Send(ControlId id, UINT message, WPARAM wparam = 0, LPARAM lparam = 0) const {
     return SendMessageW(Item(id), message, wparam, lparam);
   }
@@ -202,6 +213,7 @@ class ViewDriver {
     const HWND popup = GetLastActivePopup(window);
     if (popup == window || !IsWindowVisible(popup)) return;
     if (GetDlgItem(popup, KERNO_PROGRESS_BAR) != nullptr) return;
+    if (!save_answer_.empty()) return SaveAs(popup);
     message_.clear();
     for (HWND part = GetWindow(popup, GW_CHILD); part; part = GetWindow(part, GW_HWNDNEXT)) {
       message_ += TextOfWindow(part);
@@ -209,10 +221,29 @@ class ViewDriver {
     PostMessageW(popup, WM_COMMAND, IDOK, 0);
   }
 
+  // Types the file's name into the system's question.
+  void SaveAs(HWND question) {
+    HWND name = nullptr;
+    EnumChildWindows(
+        question,
+        [](HWND part, LPARAM found) -> BOOL {
+          wchar_t kind[8] = {};
+          GetClassNameW(part, kind, 8);
+          if (lstrcmpiW(kind, L"Edit") != 0 || !IsWindowVisible(part)) return TRUE;
+          *reinterpret_cast<HWND*>(found) = part;
+          return FALSE;
+        },
+        reinterpret_cast<LPARAM>(&name));
+    if (name == nullptr) return;
+    SetWindowTextW(name, std::exchange(save_answer_, {}).c_str());
+    PostMessageW(question, WM_COMMAND, IDOK, 0);
+  }
+
   static inline ViewDriver* shown;
   const COLORREF colors_[2] = {GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_BTNFACE)};
   UINT_PTR timer_ = 0;
   std::u16string message_;
+  std::filesystem::path save_answer_;
 };
 
 }  // namespace kerno::test

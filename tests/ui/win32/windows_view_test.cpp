@@ -3,7 +3,9 @@
 
 #include <functional>
 
+#include "support/recording_cut_view.h"
 #include "support/recording_view.h"
+#include "support/temporary_folder.h"
 #include "view_driver.h"
 
 namespace kerno::test {
@@ -12,7 +14,7 @@ namespace {
 class WindowsViewTest : public testing::Test {
  protected:
   WindowsViewTest() { open_folder_on_first_save = false; }
-  void Show() { view = std::make_unique<ViewDriver>(services); }
+  void Show() { view = std::make_unique<ViewDriver>(services, cut_services); }
 
   // Every shown control stands whole in the window, clear of the others, and its caption fits.
   void ExpectTidyLayout(const std::string& when) const {
@@ -43,6 +45,7 @@ class WindowsViewTest : public testing::Test {
   }
 
   FakeDialogServices services;
+  FakeCutServices cut_services;
   std::unique_ptr<ViewDriver> view;
 };
 
@@ -82,6 +85,80 @@ TEST_F(WindowsViewTest, ControlsKeepClearOfEachOtherAtEverySize) {
   EXPECT_FALSE(GetUpdateRect(view->window, nullptr, FALSE));
   view->ShowAs(SW_RESTORE);
   ExpectTidyLayout("restored");
+}
+
+TEST_F(WindowsViewTest, TheCutPageKeepsItsControlsApartInEveryLanguage) {
+  Show();
+  view->Click(ControlId::kModeCut);
+  EXPECT_FALSE(view->IsShown(ControlId::kDxf));
+  const struct {
+    MenuCommand language;
+    int dpi, width, height;
+  } cases[] = {{MenuCommand::kLanguageEnglish, 96, 640, 480},
+               {MenuCommand::kLanguageGerman, 96, 800, 480},
+               {MenuCommand::kLanguageGerman, 168, 1240, 860},
+               {MenuCommand::kLanguageJapanese, 168, 1240, 860},
+               {MenuCommand::kLanguageJapanese, 96, 1280, 900}};
+  CutPage& page = view->main.cut_page();
+  for (const auto& c : cases) {
+    const std::string when = std::to_string(static_cast<int>(c.language)) + " at " +
+                             std::to_string(c.dpi) + ", " + std::to_string(c.width);
+    view->presenter().Chosen(c.language);
+    RECT place = {0, 0, c.width, c.height};
+    SendMessageW(view->window, WM_DPICHANGED, static_cast<WPARAM>(MAKELONG(c.dpi, c.dpi)),
+                 reinterpret_cast<LPARAM>(&place));
+    view->Pump();
+    std::vector<std::pair<int, RECT>> places;
+    for (const CutControlRow& row : CutControls()) {
+      const HWND control = page.control(row.id);
+      if (!IsWindowVisible(control)) continue;
+      RECT room{};
+      GetClientRect(GetParent(control), &room);
+      RECT own{};
+      GetWindowRect(control, &own);
+      MapWindowPoints(nullptr, GetParent(control), reinterpret_cast<POINT*>(&own), 2);
+      const int id = static_cast<int>(row.id);
+      if (row.kind == ControlKind::kAxes) continue;  // none for this face
+      EXPECT_TRUE(own.left >= 0 && own.right <= room.right && own.left < own.right &&
+                  own.top >= 0 && own.bottom <= room.bottom)
+          << when << ": control " << id << " stands in its room";
+      GetWindowRect(control, &own);
+      for (const auto& [other, taken] : places) {
+        RECT common{};
+        const bool same_room =
+            GetParent(page.control(static_cast<ControlId>(other))) == GetParent(control);
+        EXPECT_FALSE(same_room && IntersectRect(&common, &own, &taken))
+            << when << ": controls " << other << " and " << id << " overlap";
+      }
+      places.emplace_back(id, own);
+    }
+  }
+}
+
+TEST_F(WindowsViewTest, TheCutPageMarksAFieldAndFollowsItsKeys) {
+  Show();
+  view->Click(ControlId::kModeCut);
+  CutPage& page = view->main.cut_page();
+  const auto type = [&](ControlId id, const wchar_t* text) {
+    SetWindowTextW(page.control(id), text);
+    view->Pump();
+  };
+  type(ControlId::kCutText, L"Plate");
+  ASSERT_NE(nullptr, page.presenter().drawing());
+  for (const auto& [text, at_fault] : {std::pair(L"a bit", true), {L"0.1", false}}) {
+    type(ControlId::kOffset, text);
+    EXPECT_EQ(at_fault, !view->FaultOf(ControlId::kOffset).empty()) << at_fault;
+  }
+  const std::u16string before = TextOfWindow(page.control(ControlId::kZoomFigure));
+  page.Command(static_cast<int>(ControlId::kZoomIn), BN_CLICKED);  // as its key does
+  EXPECT_NE(before, TextOfWindow(page.control(ControlId::kZoomFigure)));
+  const TemporaryFolder folder;
+  cut_services.folder = folder.path();
+  page.Command(static_cast<int>(ControlId::kCopySvg), BN_CLICKED);
+  EXPECT_TRUE(IsClipboardFormatAvailable(RegisterClipboardFormatW(L"image/svg+xml")));
+  view->Click(ControlId::kModeClassic);
+  EXPECT_EQ(u"Plate", view->TextOf(ControlId::kText)) << "the text goes along";
+  EXPECT_EQ(ControlId::kText, view->Focused());
 }
 
 TEST_F(WindowsViewTest, TheKeyboardComesToTheEndOfTheTextAndSelectsNothing) {
@@ -159,10 +236,10 @@ int main(int argc, char** argv) {
   // on it does not.
   RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\Wine\\AppDefaults\\ui_tests.exe\\X11 Driver",
                   L"Managed", REG_SZ, L"N", 2 * sizeof(wchar_t));
-  INITCOMMONCONTROLSEX controls = {sizeof controls,
-                                   ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS | ICC_PROGRESS_CLASS};
+  INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_STANDARD_CLASSES | ICC_UPDOWN_CLASS |
+                                                        ICC_PROGRESS_CLASS | ICC_BAR_CLASSES};
   InitCommonControlsEx(&controls);
   LoadLibraryW(L"Msftedit.dll");
-  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  OleInitialize(nullptr);
   return RUN_ALL_TESTS();
 }
