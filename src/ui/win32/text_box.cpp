@@ -3,6 +3,8 @@
 #include <tom.h>
 
 #include <algorithm>
+#include <cwchar>
+#include <string>
 
 #include "app/color_choices.h"
 #include "platform/device_context.h"
@@ -41,10 +43,33 @@ class NothingToUndo {
   Interface<ITextDocument> document_;
 };
 
+// Plain text replaces the selection, however the clipboard came by it: the control's own way may
+// take the formats of other programs, and the text around along with them.
+void Paste(HWND control) {
+  if (!OpenClipboard(control)) return;
+  const HANDLE memory = GetClipboardData(CF_UNICODETEXT);
+  const void* const locked = memory != nullptr ? GlobalLock(memory) : nullptr;
+  if (locked != nullptr) {
+    const auto* const text = static_cast<const wchar_t*>(locked);
+    const std::wstring whole(text, wcsnlen(text, GlobalSize(memory) / sizeof(wchar_t)));
+    GlobalUnlock(memory);
+    SendMessageW(control, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(whole.c_str()));
+  }
+  CloseClipboard();
+}
+
+bool IsPasteKey(UINT message, WPARAM key) {
+  if (message != WM_KEYDOWN) return false;
+  const bool control = GetKeyState(VK_CONTROL) < 0, shift = GetKeyState(VK_SHIFT) < 0;
+  return (key == 'V' && control && GetKeyState(VK_MENU) >= 0) ||
+         (key == VK_INSERT && shift && !control);
+}
+
 // A dialog selects all of an edit that gets the keyboard, and the next key would replace the text.
-LRESULT CALLBACK KeepSelection(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
-                               DWORD_PTR /*data*/) {
-  if (message == WM_NCDESTROY) RemoveWindowSubclass(window, KeepSelection, id);
+LRESULT CALLBACK KeepText(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
+                          DWORD_PTR /*data*/) {
+  if (message == WM_NCDESTROY) RemoveWindowSubclass(window, KeepText, id);
+  if (message == WM_PASTE || IsPasteKey(message, wparam)) return Paste(window), 0;
   const LRESULT result = DefSubclassProc(window, message, wparam, lparam);
   return message == WM_GETDLGCODE ? result & ~static_cast<LRESULT>(DLGC_HASSETSEL) : result;
 }
@@ -59,7 +84,7 @@ std::wstring WithReturns(std::u16string_view text) {
 }  // namespace
 
 TextBox::TextBox(HWND control) : control_(control) {
-  SetWindowSubclass(control_, KeepSelection, kSubclass, 0);
+  SetWindowSubclass(control_, KeepText, kSubclass, 0);
   // Plain text has one format for all of it.
   SendMessageW(control_, EM_SETTEXTMODE, TM_PLAINTEXT | TM_MULTILEVELUNDO | TM_MULTICODEPAGE, 0);
   SendMessageW(control_, EM_EXLIMITTEXT, 0, kLongestText);
