@@ -340,6 +340,12 @@ constexpr CaptionRow kRows[] = {
      u"was antwortete, ist kein Webserver"},
 
     // The Cut page: controls and options.
+    {u"Still drawing. Press again when that is done.",
+     u"まだ描画中です。終わってからもう一度押してください。",
+     u"Wird noch gezeichnet. Danach noch einmal drücken."},
+    {u"This cannot be drawn", u"描画できません", u"Das lässt sich nicht zeichnen"},
+    {u"There is no such row", u"その行はありません", u"Diese Zeile gibt es nicht"},
+    {u"Drawing...", u"描画中...", u"Wird gezeichnet..."},
     {u"+", u"+", u"+"},
     {u"1 character is of another face", u"1 文字は別の書体です",
      u"1 Zeichen ist aus einer anderen Schrift"},
@@ -631,8 +637,7 @@ constexpr CaptionRow kRows[] = {
     // The Cut page: series.
 
     // What the window of one system alone says.
-    {u"Another program holds the clipboard.",
-     u"ほかのプログラムがクリップボードを使用中です。",
+    {u"Another program holds the clipboard.", u"ほかのプログラムがクリップボードを使用中です。",
      u"Ein anderes Programm hält die Zwischenablage fest."},
     {u"The file cannot be dragged.", u"ファイルをドラッグできません。",
      u"Die Datei lässt sich nicht ziehen."},
