@@ -78,7 +78,9 @@ def reasons_given(source):
 
 def rows_of(table):
     source = table.read_text(encoding="utf-8")
-    return re.findall(r"\{" + r",\s*".join([rf"((?:{LITERAL}\s*)+)"] * 3) + r"\}", source)
+    text = rf"((?:{LITERAL}\s*)+)"
+    rows = re.findall(r"\{" + r",\s*".join([text] * 3) + rf"(?:,\s*{text})?\}}", source)
+    return [[text for text in row if text] for row in rows]
 
 
 def places(text):

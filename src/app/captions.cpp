@@ -33,7 +33,7 @@ std::u16string_view TextOf(const CaptionRow& row, Language language) {
     case Language::kGerman:
       return row.german;
     default:
-      return row.english;
+      return row.shown ? row.shown : row.english;
   }
 }
 
@@ -124,7 +124,6 @@ std::u16string Say(std::u16string_view english, std::initializer_list<std::u16st
 }
 
 std::u16string SayReason(std::u16string_view why) {
-  if (CurrentLanguage() == Language::kEnglish) return std::u16string(why);
   if (FindRow(why)) return Say(why);
   std::vector<std::u16string_view> parts;
   const CaptionRow* const row = FindPattern(CaptionReasons(), why, &parts);

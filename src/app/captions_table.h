@@ -9,6 +9,8 @@ struct CaptionRow {
   const char16_t* english;
   const char16_t* japanese;
   const char16_t* german;
+  // What an English window says in place of the key, where that names an option.
+  const char16_t* shown = nullptr;
 };
 
 // What the window says of itself.
