@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "app/arithmetic.h"
-#include "app/captions.h"
 #include "app/cut_store.h"
 #include "base/text.h"
 #include "support/recording_cut_view.h"
@@ -254,13 +253,6 @@ TEST_F(CutPresenterTest, FacesAreFoundAndDrawLive) {
   WriteBytes(folder / "bad.ttf", std::string("\0\1\0\0 no font", 12));
   page->Dropped({folder / "bad.ttf"});
   EXPECT_EQ(StatusKind::kFailure, view.status_kind);
-}
-
-TEST(Captions, ReasonsWithNamesInThemAreSaid) {
-  SetLanguage(Language::kGerman);
-  EXPECT_EQ(u"\"x\" ist keine Zahl", SayReason(u"\"x\" is not a number"));
-  EXPECT_EQ(u"nobody wrote this", SayReason(u"nobody wrote this"));
-  SetLanguage(Language::kEnglish);
 }
 
 }  // namespace
