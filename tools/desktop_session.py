@@ -93,7 +93,9 @@ class DesktopSession:
         raise AssertionError(f"waited {seconds} s in vain")
 
     def tool_text(self, *arguments):
-        return subprocess.run(["xdotool", *arguments], env=self.environment, capture_output=True,
+        # In the locale of a program under test, which this machine may not have, it types ASCII alone.
+        environment = {**self.environment, "LC_ALL": "C.UTF-8"}
+        return subprocess.run(["xdotool", *arguments], env=environment, capture_output=True,
                               text=True, check=False).stdout
 
     def tool(self, *arguments):
