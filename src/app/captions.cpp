@@ -403,6 +403,7 @@ constexpr CaptionRow kRows[] = {
      u"各看板をその大きさで詰めます（最大の看板に合わせません）",
      u"Jedes Schild hat seine eigene Größe, nicht die des größten"},
     {u"Em", u"全角の高さ", u"Geviert"},
+    {u"Faces", u"書体一覧", u"Schriften"},
     {u"Faces with the text in each; F marks a favourite",
      u"文字列の見本付き書体一覧。F でお気に入り",
      u"Schriften mit dem Text darin; F merkt einen Favoriten"},
@@ -531,6 +532,15 @@ constexpr CaptionRow kRows[] = {
      u"Text zum Schneiden eingeben"},
     {u"Unit of the lengths here", u"ここでの長さの単位", u"Einheit der Längen hier"},
     {u"Vertical", u"縦書き", u"Senkrecht"},
+    {u"Way of working", u"作業モード", u"Arbeitsweise"},
+    {u"Wheel zooms, dragging moves, with Ctrl it takes the drawing out as a file; a double click "
+     u"shows all",
+     u"ホイールで拡大縮小、ドラッグで移動、Ctrl+"
+     u"ドラッグで図面をファイルとして取り出し、ダブルクリッ"
+     u"クで全体表示",
+     u"Das Rad vergrößert, Ziehen verschiebt, mit Strg zieht es die Zeichnung als Datei heraus; "
+     u"ein "
+     u"Doppelklick zeigt alles"},
     {u"Weld", u"結合", u"Verschweißen"},
     {u"What curves become", u"曲線をどう表すか", u"Was aus Kurven wird"},
     {u"What has a layer of its own", u"レイヤーの分け方", u"Was eine eigene Ebene hat"},
@@ -631,8 +641,7 @@ constexpr CaptionRow kRows[] = {
     // The Cut page: series.
 
     // What the window of one system alone says.
-    {u"Another program holds the clipboard.",
-     u"ほかのプログラムがクリップボードを使用中です。",
+    {u"Another program holds the clipboard.", u"ほかのプログラムがクリップボードを使用中です。",
      u"Ein anderes Programm hält die Zwischenablage fest."},
     {u"The file cannot be dragged.", u"ファイルをドラッグできません。",
      u"Die Datei lässt sich nicht ziehen."},
