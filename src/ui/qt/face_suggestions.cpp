@@ -59,12 +59,18 @@ class FaceDelegate final : public QStyledItemDelegate {
   // What the face shows for letters.
   enum class Letters { kUnknown, kLetters, kSymbols };
 
-  static Letters LettersOf(const QString& face) {
+  // Faces of mathematics say that they have letters, and hang signs from the line instead.
+  Letters LettersOf(const QFont& font) const {
+    const QString face = font.families().front();
     const auto writes = [](QFontDatabase::WritingSystem system) {
       return system != QFontDatabase::Any && system != QFontDatabase::Symbol;
     };
-    const bool any = std::ranges::any_of(QFontDatabase::writingSystems(face), writes);
-    return any ? Letters::kLetters : Letters::kSymbols;
+    const QList<QFontDatabase::WritingSystem> systems = QFontDatabase::writingSystems(face);
+    const bool says_so = systems.isEmpty() || std::ranges::any_of(systems, writes);
+    const QRect ink = QFontMetrics(font).tightBoundingRect(face);
+    const int most = 2 * list_->fontMetrics().height();
+    const bool stands = !ink.isEmpty() && ink.top() < 0 && ink.height() < most;
+    return says_so && stands ? Letters::kLetters : Letters::kSymbols;
   }
 
   // A name in symbols cannot be read: it stands in the window's font, and in symbols after that.
@@ -90,8 +96,7 @@ class FaceDelegate final : public QStyledItemDelegate {
     const QString face = waiting_.takeFirst();
     QFont font = list_->font();
     font.setFamilies({face});
-    (void)QFontMetrics(font).horizontalAdvance(face);
-    loaded_.insert(face, LettersOf(face));
+    loaded_.insert(face, LettersOf(font));
     list_->viewport()->update();
     if (!waiting_.isEmpty()) timer_.start();
   }
