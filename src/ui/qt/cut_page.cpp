@@ -415,8 +415,8 @@ void CutPage::AddToPanel(const CutControlRow& row) {
   }
   int from = is_beside ? 2 : 0;
   const bool is_last = LineFrom(row).size() == 1;
-  const int until =
-      is_beside || (is_last && row.width == kRestOfLine) ? kGridColumns : kGridColumns / 2;
+  const bool is_wide = row.width == kRestOfLine || row.kind == ControlKind::kChoice;
+  const int until = is_beside || (is_last && is_wide) ? kGridColumns : kGridColumns / 2;
   if (caption != captions_.end()) grid_->addWidget(caption->second, line, from++);
   grid_->addWidget(control, line, from, 1, until - from);
   // The list of faces takes the height that is free.
