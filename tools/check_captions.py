@@ -3,8 +3,9 @@
 
 usage: check_captions.py SRC
 
-Every text that the sources say has a row, no row is left over or there twice, the places for parts
-agree in all languages, and each character is in one of the faces that Fontconfig lists.
+Every text that the sources say has a row, and so has every reason that they give; no row is left
+over or there twice, the places for parts agree in all languages, and each character is in one of
+the faces that Fontconfig lists.
 """
 import pathlib
 import re
@@ -15,6 +16,11 @@ LITERAL = r'(?:u8|u|U|L)?"(?:[^"\\\n]|\\.)*"'
 TOKEN = re.compile(rf"//[^\n]*|/\*.*?\*/|(?P<text>{LITERAL})|'(?:[^'\\\n]|\\.)+'|(?P<other>\S)", re.S)
 SAYERS = {"Say": 1, "SayIn": 2, "Counted": 2}  # how many of the first arguments hold texts
 CALL = re.compile(r"\b(" + "|".join(SAYERS) + r")\s*\(")
+
+# Calls whose last argument is a reason, in the sources whose reasons the window shows.
+REASON = re.compile(r"\b(?:Status::Error|ReportError|Refuse|StrokeFontFault)\s*\(|\bfault \+?= ")
+GIVES_REASONS = re.compile(r"app/(?:cut|face_texts|glyph_source|lengths|list_bytes|option|output_list"
+                           r"|row_|series|sheet|stroke|table)|outline/|platform/font_file")
 
 
 def value_of(literal):
@@ -52,9 +58,29 @@ def texts_said(source):
                 break
 
 
+def reasons_given(source):
+    """The fixed parts of the reasons; what stands before the last comma says what they are about."""
+    for call in REASON.finditer(source):
+        depth, found = 0, []
+        for text, sign in tokens_of(source[call.end():call.end() + 1500]):
+            if text is not None:
+                found.append(text)
+            elif sign == "," and depth == 0:
+                found = []
+            elif sign in "([{":
+                depth += 1
+            elif sign in ")]};":
+                depth -= 1
+            if depth < 0:
+                break
+        yield from (text for text in found if len(text.strip(' ",;:()')) > 3)
+
+
 def rows_of(table):
     source = table.read_text(encoding="utf-8")
-    return re.findall(r"\{" + r",\s*".join([rf"((?:{LITERAL}\s*)+)"] * 3) + r"\}", source)
+    text = rf"((?:{LITERAL}\s*)+)"
+    rows = re.findall(r"\{" + r",\s*".join([text] * 3) + rf"(?:,\s*{text})?\}}", source)
+    return [[text for text in row if text] for row in rows]
 
 
 def places(text):
@@ -72,20 +98,25 @@ def listed_characters():
     return found
 
 
-def is_composed(key, written):
-    """Whether the words between the places of a row stand in the sources."""
-    words = [part for part in re.split(r"\{[1-9]?\}", key) if part.strip()]
-    return "{" in key and all(any(part in text for text in written) for part in words)
+def is_composed(key, pieces):
+    """Whether the words of a row, apart from its places, are pieces that stand in the sources."""
+    rest = key.replace('"', "")
+    for piece in pieces:
+        rest = rest.replace(piece, "{}")
+    return not re.search(r"\w", re.sub(r"\{[1-9]?\}", "", rest))
 
 
 def complaints(src):
-    table = src / "app" / "captions.cpp"
+    table = src / "app" / "captions_table.cpp"
     rows = [[tokens_of(text)[0][0] for text in row] for row in rows_of(table)]
     keys = [row[0] for row in rows]
-    said, written = {}, set()
+    said, reasons, written = {}, {}, set()
     for path in sorted(p for p in src.rglob("*") if p.suffix in (".h", ".cpp") and p != table):
         source = path.read_text(encoding="utf-8")
         written.update(text for text, _ in tokens_of(source) if text is not None)
+        if GIVES_REASONS.match(path.relative_to(src).as_posix()):
+            for text in reasons_given(source):
+                reasons.setdefault(text, path.relative_to(src))
         if path.relative_to(src).parts[0] not in ("app", "ui"):
             continue  # the command line speaks English
         for text in texts_said(source):
@@ -93,10 +124,16 @@ def complaints(src):
     for text, path in said.items():
         if text not in keys:
             yield f"{path}: no row for {text!r}"
+    for text, path in reasons.items():
+        words = text.replace('"', "").strip()
+        if not any(words in key.replace('"', "") for key in keys):
+            yield f"{path}: no row for the reason {text!r}"
+    pieces = sorted({text.replace('"', "") for text in written}, key=len, reverse=True)
+    pieces = [piece for piece in pieces if len(piece) > 3]
     for key in sorted(set(keys)):
         if keys.count(key) > 1:
             yield f"two rows for {key!r}"
-        if key not in written and not is_composed(key, written):
+        if key not in written and not is_composed(key, pieces):
             yield f"nothing says {key!r}"
     shown = listed_characters()
     for row in rows:
@@ -107,8 +144,8 @@ def complaints(src):
         lacks = {c for text in row for c in text if ord(c) not in shown and c != "\n"}
         if lacks:
             yield f"no face has {sorted(lacks)!r} of {row!r}"
-    print(f"{len(rows)} rows, {len(said)} texts said by name")
-    if len(rows) < 100 or len(said) < 50:
+    print(f"{len(rows)} rows, {len(said)} texts said by name, {len(reasons)} parts of reasons")
+    if len(rows) < 100 or len(said) < 50 or len(reasons) < 80:
         yield "the table or the sources were not understood"
 
 

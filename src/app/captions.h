@@ -1,4 +1,4 @@
-// Every text of the window in its languages, from one table.
+// Every text of the window in its languages, from one table (captions_table.h).
 //
 // The English text is the key, mnemonic "&" included. "{}" stands for the parts, one after the
 // other; a translation that wants another order numbers them: "{2}" is the second part.
@@ -32,19 +32,12 @@ std::u16string SayIn(Language language, std::u16string_view english);
 // A reason in the current language, where the table has it, with anything in the place of "{}".
 std::u16string SayReason(std::u16string_view why);
 
-// What a Status says, "what: why", with the reason in the current language where the table has it.
+// What a Status says, "what: why", both in the current language where the table has them.
 std::u16string SayStatus(const Status& status);
 
 // The text without the mark of its mnemonic: "F&ile" and "ファイル(&F)" become "File" and
 // "ファイル"; dots at the end stay.
 std::u16string WithoutMnemonic(std::u16string_view caption);
-
-struct CaptionRow {
-  const char16_t* english;
-  const char16_t* japanese;
-  const char16_t* german;
-};
-std::span<const CaptionRow> Captions();
 
 // The face of the window's texts on systems whose own choice lacks a language's characters, best
 // first.

@@ -74,10 +74,10 @@ constexpr FieldRow kFields[] = {
     {Id::kLayerName, "--layer", u"Cut"},
     {Id::kSeriesNames, "names", u""},
     {Id::kSheets, "sheets", u"off"},
-    {Id::kSheetSize, "sheet", u"600x400"},
+    {Id::kSheetSize, "sheet", u"600x400", true},
     {Id::kSheetGap, "gap", u"2", true},
     {Id::kSheetMargin, "margin", u"5", true},
-    {Id::kSheetFrame, "frame", u""},
+    {Id::kSheetFrame, "frame", u"", true},
     {Id::kSheetPack, "pack", u"off"},
     {Id::kSheetNumbers, "numbers", u"off"},
     {Id::kLook, "look", u"filled"},
@@ -91,11 +91,21 @@ double MillimetresOf(std::u16string_view unit) {
   return unit == u"in" ? kMillimetresPerInch : unit == u"pt" ? kMillimetresPerInch / 72 : 1;
 }
 
-// With a point where people type a comma.
+// As an option has it: with a point where people type a comma, in small letters, and in half width
+// where an input method gives full.
 std::string Pointed(std::u16string_view text) {
-  std::string pointed = Utf16ToUtf8(text);
-  std::ranges::replace(pointed, ',', '.');
-  return pointed;
+  std::u16string plain;
+  for (char16_t c : text) {
+    if (c >= u'\uFF01' && c <= u'\uFF5E') c = static_cast<char16_t>(c - u'\uFF01' + u'!');
+    if (c == u'\u3000') c = u' ';
+    plain += c == u',' ? u'.' : c == u'×' ? u'*' : c == u'−' ? u'-' : c;
+  }
+  // The names of a list's columns are as they are.
+  return Utf16ToUtf8(plain.find(u'{') == plain.npos ? AsciiLower(plain) : plain);
+}
+
+bool IsOfView(ControlId field) {
+  return field == Id::kLook || field == Id::kGrid;
 }
 
 bool EndsInUnit(std::string_view text) {
@@ -108,6 +118,13 @@ bool EndsInUnit(std::string_view text) {
 ControlId FieldOf(std::string_view option) {
   for (const CutControlRow& row : CutControls()) {
     if (row.option && option == row.option) return row.id;
+  }
+  constexpr std::pair<std::string_view, Id> kOfSheets[] = {{"--sheet", Id::kSheetSize},
+                                                           {"--gap", Id::kSheetGap},
+                                                           {"--margin", Id::kSheetMargin},
+                                                           {"--frame", Id::kSheetFrame}};
+  for (const auto& [name, field] : kOfSheets) {
+    if (option == name) return field;
   }
   const bool of_face = option == "--face" || option == "--font-file" || option == "--stroke-font";
   return of_face ? Id::kFaceList : Id::kSizeHeight;
@@ -156,24 +173,43 @@ void CutForm::Choose(ControlId list, size_t index) {
   if (index < rows.size()) Set(list, Utf8ToUtf16Lossy(rows[index].word));
 }
 
+// The numbers of a length, or of a width and a height, times the scale; the text itself where it
+// has a unit of its own or cannot be read.
+std::u16string CutForm::InUnit(ControlId field, std::u16string_view text, double scale) const {
+  const std::string pointed = Pointed(text);
+  if (pointed.empty() || EndsInUnit(pointed)) return std::u16string(text);
+  std::vector<Message> unread;
+  const HeldMessages held(&unread);
+  const auto rounded = [&](double value) {
+    constexpr double kFinest = 1e5;  // of what is shown
+    std::string shown;
+    AppendShortest(&shown, std::round(value * scale * kFinest) / kFinest);
+    return shown;
+  };
+  const bool is_pair = field == Id::kSheetSize || field == Id::kSheetFrame;
+  if (const auto pair = is_pair ? ReadLengthPair("", pointed) : std::nullopt) {
+    return Utf8ToUtf16Lossy(rounded(pair->width) + "x" + rounded(pair->height));
+  }
+  const auto length = is_pair ? std::nullopt : ReadLength("", pointed, LengthSign::kAny);
+  return length ? Utf8ToUtf16Lossy(rounded(*length)) : std::u16string(text);
+}
+
+// What was typed comes back with its unit, so that nothing is rounded twice.
 void CutForm::ChangeUnit(size_t index) {
   if (index >= std::size(kUnits)) return;
-  const double before = MillimetresOf(Text(Id::kSizeUnit));
-  const std::u16string unit = Utf8ToUtf16Lossy(kUnits[index].word);
-  const double after = MillimetresOf(unit);
-  const int digits = unit == u"in" ? 5 : 4;  // after the point
+  const std::u16string before = Text(Id::kSizeUnit);
+  const std::u16string after = Utf8ToUtf16Lossy(kUnits[index].word);
   for (const FieldRow& row : kFields) {
-    if (!row.is_length || EndsInUnit(Pointed(Text(row.id)))) continue;
-    std::vector<Message> unread;
-    const HeldMessages held(&unread);
-    const auto length = ReadLength("", Pointed(Text(row.id)), LengthSign::kAny);
-    if (!length) continue;
-    const double scale = std::pow(10.0, digits);
-    std::string text;
-    AppendShortest(&text, std::round(*length * before / after * scale) / scale);
-    Set(row.id, Utf8ToUtf16Lossy(text));
+    if (!row.is_length) continue;
+    Typed typed = {Text(row.id), before, {}};
+    const auto known = typed_.find(row.id);
+    if (known != typed_.end() && known->second.shown == Text(row.id)) typed = known->second;
+    const double scale = MillimetresOf(typed.unit) / MillimetresOf(after);
+    typed.shown = typed.unit == after ? typed.text : InUnit(row.id, typed.text, scale);
+    Set(row.id, typed.shown);
+    typed_[row.id] = typed;
   }
-  Set(Id::kSizeUnit, unit);
+  Set(Id::kSizeUnit, after);
 }
 
 void CutForm::SetFace(std::span<const FaceOption> options) {
@@ -243,6 +279,18 @@ CutTexts CutForm::Texts() const {
   return texts;
 }
 
+// Reasons quote the text with its unit and its point: what was typed takes its place.
+Message CutForm::AsTyped(Message message, ControlId field) const {
+  for (const std::string& read : {LengthText(field), Pointed(Text(field))}) {
+    const std::string quoted = "\"" + read + "\"";
+    const size_t at = message.why.find(quoted);
+    if (at == std::string::npos) continue;
+    message.why.replace(at, quoted.size(), "\"" + Utf16ToUtf8(Text(field)) + "\"");
+    break;
+  }
+  return message;
+}
+
 // The two sides of a size are one option: which of them is at fault is found here.
 void CutForm::CheckSize(std::vector<FieldFault>* faults) const {
   const auto check = [&](Id field, bool is_used) {
@@ -250,7 +298,7 @@ void CutForm::CheckSize(std::vector<FieldFault>* faults) const {
     const HeldMessages held(&messages);
     const bool is_of_rows = Text(field).find(u'{') != std::u16string::npos;
     if (!is_used || is_of_rows || ReadLength("", LengthText(field), LengthSign::kPositive)) return;
-    faults->push_back({field, messages.empty() ? u"" : ReasonOf(messages.front())});
+    if (!messages.empty()) faults->push_back({field, ReasonOf(AsTyped(messages.front(), field))});
   };
   check(Id::kSizeWidth, HasWidth());
   check(Id::kSizeHeight, HasHeight());
@@ -266,7 +314,9 @@ bool CutForm::Read(const CutTexts& filled, CutJob* job, DrawingStyle* style,
   const auto wants = [](std::string_view extension) { return extension == "dxf"; };
   if (ReadCut(filled, wants, job, style)) return true;
   for (const Message& message : messages) {
-    if (!message.is_warning) faults->push_back({FieldOf(message.what), ReasonOf(message)});
+    if (message.is_warning) continue;
+    const Id field = FieldOf(message.what);
+    faults->push_back({field, ReasonOf(AsTyped(message, field))});
   }
   return false;
 }
@@ -279,8 +329,13 @@ std::optional<SheetTexts> CutForm::Sheets() const {
     std::string text = Pointed(Text(field));
     return text.empty() || EndsInUnit(text) ? text : text + unit;
   };
-  sheets.sheet = with_unit(Id::kSheetSize);
-  sheets.frame = with_unit(Id::kSheetFrame);
+  const auto pair = [&](Id field) {
+    std::string text = with_unit(field);
+    std::ranges::replace(text, '*', 'x');  // 600×400
+    return text;
+  };
+  sheets.sheet = pair(Id::kSheetSize);
+  sheets.frame = pair(Id::kSheetFrame);
   sheets.gap = with_unit(Id::kSheetGap);
   sheets.margin = with_unit(Id::kSheetMargin);
   sheets.pack = IsOn(Id::kSheetPack);
@@ -292,17 +347,22 @@ std::optional<SheetTexts> CutForm::Sheets() const {
   return sheets;
 }
 
-FormTexts CutForm::Stored() const {
+FormTexts CutForm::Stored(StoredOf of) const {
   FormTexts stored;
   for (const FieldRow& row : kFields) {
+    if (of == StoredOf::kCut && IsOfView(row.id)) continue;
     if (Text(row.id) != row.start) stored.emplace_back(row.name, Text(row.id));
   }
   for (const auto& [option, value] : face_) stored.emplace_back(option, value);
   return stored;
 }
 
-void CutForm::Restore(const FormTexts& stored) {
-  *this = CutForm();
+void CutForm::Restore(const FormTexts& stored, StoredOf of) {
+  CutForm fresh;
+  for (const FieldRow& row : kFields) {
+    if (of == StoredOf::kCut && IsOfView(row.id)) fresh.Set(row.id, Text(row.id));
+  }
+  *this = fresh;
   for (const auto& [name, value] : stored) {
     const auto* const row = std::ranges::find_if(
         kFields, [&name = name](const FieldRow& field) { return name == field.name; });

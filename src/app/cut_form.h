@@ -43,6 +43,9 @@ ControlId FieldOf(std::string_view option);
 // What is wrong with an option, in the language of the window.
 std::u16string ReasonOf(const Message& message);
 
+// What is kept: all fields, or those of the drawing, without what the preview shows.
+enum class StoredOf { kPage, kCut };
+
 class CutForm {
  public:
   CutForm();
@@ -82,15 +85,24 @@ class CutForm {
   std::optional<SheetTexts> Sheets() const;
 
   // What is kept by a name or between runs, without the text. Restore starts from the defaults.
-  FormTexts Stored() const;
-  void Restore(const FormTexts& stored);
+  FormTexts Stored(StoredOf of) const;
+  void Restore(const FormTexts& stored, StoredOf of);
 
  private:
   std::string LengthText(ControlId field) const;
   std::string SizeText() const;
+  Message AsTyped(Message message, ControlId field) const;
   void CheckSize(std::vector<FieldFault>* faults) const;
 
+  std::u16string InUnit(ControlId field, std::u16string_view text, double scale) const;
+
+  // A length that was typed in another unit, and what stands for it now.
+  struct Typed {
+    std::u16string text, unit, shown;
+  };
+
   std::map<ControlId, std::u16string> fields_;
+  std::map<ControlId, Typed> typed_;
   std::map<std::string, std::u16string, std::less<>> face_;  // by option; none that is empty
 };
 

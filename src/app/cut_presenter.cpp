@@ -1,6 +1,8 @@
 #include "app/cut_presenter.h"
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <new>
 
 #include "app/arithmetic.h"
@@ -9,15 +11,13 @@
 #include "app/cut_status.h"
 #include "app/dialog_presenter.h"
 #include "base/text.h"
-#include "platform/clock.h"
 
 namespace kerno {
 namespace {
 
 using Id = ControlId;
 
-constexpr uint32_t kSlowRebuild = 60;  // milliseconds from which changes are gathered
-constexpr uint32_t kGatherFor = 250;   // milliseconds without a change until they are made
+constexpr int kLook = 100;  // milliseconds between two looks at what runs beside the page
 
 const char* LanguageTag() {
   switch (CurrentLanguage()) {
@@ -33,16 +33,21 @@ const char* LanguageTag() {
 }  // namespace
 
 CutPresenter::CutPresenter(CutView& view, CutServices& services)
-    : view_(view), services_(services), background_([this] { view_.WakeUp(); }) {}
+    : view_(view),
+      services_(services),
+      maker_([this] { view_.WakeUp(); }),
+      background_([this] { view_.WakeUp(); }) {}
 
 CutPresenter::~CutPresenter() = default;
 
 void CutPresenter::Open() {
-  memory_ = services_.LoadCut();
-  form_.Restore(memory_.form);
+  said_in_ = CurrentLanguage();
+  const Status loaded = services_.LoadCut(&memory_);
+  form_.Restore(memory_.form, StoredOf::kPage);
   catalogue_.SetStored(memory_.favourites, memory_.recent);
   preview_.SetRulers(true);
   ShowForm();
+  if (!loaded.ok()) Tell(SayStatus(loaded), StatusKind::kFailure);
 }
 
 void CutPresenter::FillFaces() {
@@ -55,7 +60,7 @@ void CutPresenter::FillFaces() {
 }
 
 Status CutPresenter::Keep() {
-  memory_.form = form_.Stored();
+  memory_.form = form_.Stored(StoredOf::kPage);
   memory_.favourites = catalogue_.StoredFavourites();
   memory_.recent = catalogue_.StoredRecent();
   const Status kept = services_.SaveCut(memory_);
@@ -68,6 +73,8 @@ std::u16string CutPresenter::text() const {
 }
 
 void CutPresenter::TakeText(std::u16string_view text) {
+  if (has_text_ && text == this->text()) return;  // what can be undone in the text box stays
+  has_text_ = true;
   has_sample_ = text.empty() && !memory_.was_used;
   text_ = has_sample_ ? Say(u"Opening hours\n9–17 h") : std::u16string(text);
   view_.ShowText(text_, TextChange::kFresh);
@@ -83,6 +90,7 @@ void CutPresenter::ShowForm() {
   ShowMenus();
   preview_.SetLook(static_cast<PreviewLook>(form_.ChosenOf(Id::kLook)));
   preview_.SetGrid(form_.IsOn(Id::kGrid));
+  ShowSeries();
 }
 
 void CutPresenter::ShowField(ControlId field) {
@@ -94,7 +102,8 @@ void CutPresenter::ShowField(ControlId field) {
       return;
     }
     case ControlKind::kField:
-      return view_.ShowControlText(field, form_.Text(field));
+      if (field != Id::kSeriesRow) view_.ShowControlText(field, form_.Text(field));
+      return;
     case ControlKind::kCheckBox:
       return view_.ShowChecked(field, form_.IsOn(field));
     case ControlKind::kToggle:
@@ -142,13 +151,15 @@ void CutPresenter::TextChanged(ControlId field, std::u16string_view text) {
     text_ = std::move(lines);
     has_sample_ = false;
     view_.RepaintFaceRows();
-    return Changed();
+    Changed();
+    if (has_all_) ShowRows();
+    return;
   }
   if (field == Id::kSeriesRow) {
     const auto row = Calculate(Utf16ToUtf8(text));
-    if (row && *row >= 1 && *row <= static_cast<double>(series_.rows())) {
-      StepTo(static_cast<uint64_t>(*row));
-    }
+    const bool is_there = row && *row >= 1 && *row <= static_cast<double>(series_.rows());
+    view_.ShowFault(field, is_there ? u"" : Say(u"There is no such row"));
+    if (is_there) StepTo(static_cast<uint64_t>(*row));
     return;
   }
   if (field == Id::kFaceSearch) {
@@ -164,8 +175,8 @@ void CutPresenter::Checked(ControlId box, bool checked) {
   if (box == Id::kMeasure) {
     measures_ = checked;
     preview_.EndMeasuring();
-    view_.RepaintPreview();
-    return;
+    view_.ShowControlText(Id::kPointer, u"");
+    return view_.RepaintPreview();
   }
   if (box == Id::kFavourite) {
     if (pick_ && catalogue_.IsFavourite(pick_->entry) != checked) {
@@ -179,7 +190,16 @@ void CutPresenter::Checked(ControlId box, bool checked) {
     preview_.SetGrid(checked);
     return view_.RepaintPreview();
   }
-  if (box == Id::kSheets) ShowSizeFields();
+  if (box == Id::kSheets) {
+    // Names that nobody has changed fit what is written.
+    const std::string proposed = series_.is_open() ? series_.ProposedNames(!checked) : "";
+    if (Utf16ToUtf8(form_.Text(Id::kSeriesNames)) == proposed && !proposed.empty()) {
+      form_.Set(Id::kSeriesNames, Utf8ToUtf16Lossy(series_.ProposedNames(checked)));
+      ShowField(Id::kSeriesNames);
+    }
+    ShowSizeFields();
+    ShowSeries();
+  }
   Changed();
 }
 
@@ -223,13 +243,15 @@ void CutPresenter::AxisMoved(size_t axis, double place) {
 }
 
 void CutPresenter::ShowLooksAgain() {
+  view_.RepaintPreview();
+  if (said_in_ == CurrentLanguage()) return;
+  said_in_ = CurrentLanguage();
+  done_ = {};
   catalogue_.ShowNamesIn(LanguageTag());
   ShowForm();
   ShowRows();
   ShowPick();
-  if (!faults_.empty()) Rebuild();  // reasons in the new language
-  ShowStatus();
-  view_.RepaintPreview();
+  Rebuild();
 }
 
 // The drawing
@@ -237,84 +259,132 @@ void CutPresenter::ShowLooksAgain() {
 void CutPresenter::Changed() {
   memory_.was_used = true;
   done_ = {};
-  if (last_cost_ < kSlowRebuild) return Rebuild();
-  is_pending_ = true;
-  changed_at_ = CurrentClock().Ticks();
-  view_.CallWhenDue(static_cast<int>(kGatherFor));
+  Rebuild();
 }
 
 void CutPresenter::Due() {
-  if (is_pending_ && CurrentClock().Ticks() - changed_at_ >= kGatherFor) Rebuild();
-  const bool has_more = WorkBetweenEvents();
-  if (is_pending_) {
-    const uint32_t since = CurrentClock().Ticks() - changed_at_;
-    view_.CallWhenDue(has_more ? 1 : static_cast<int>(kGatherFor - std::min(since, kGatherFor)));
-  } else if (has_more) {
+  ShowWriting();
+  if (WorkBetweenEvents()) {
     view_.CallWhenDue(1);
+  } else if (background_.IsBusy()) {
+    view_.CallWhenDue(kLook);
   }
 }
 
-// What waits for changes is made of them now.
-void CutPresenter::Settle() {
-  if (is_pending_) Rebuild();
+// Fills text and fields from the row in the preview.
+bool CutPresenter::FillFromRow(std::u16string* text, CutTexts* texts,
+                               std::vector<FieldFault>* faults) {
+  std::vector<Message> messages;
+  const HeldMessages held(&messages);
+  if (series_.Fill(row_, text_, form_.Texts(), text, texts)) return true;
+  for (const Message& message : messages) {
+    const bool of_field = message.what.starts_with("--");
+    faults->push_back({of_field ? FieldOf(message.what) : Id::kCutText, ReasonOf(message)});
+  }
+  return false;
+}
+
+// What is wrong with the sheets keeps the drawing of a row from nothing.
+void CutPresenter::CheckSheets(const CutTexts& texts, std::vector<FieldFault>* faults) const {
+  const auto sheets = form_.Sheets();
+  if (!sheets || !series_.is_open()) return;
+  std::vector<Message> messages;
+  const HeldMessages held(&messages);
+  SheetOptions options;
+  int32_t copies = 1;
+  const LengthUnit unit =
+      form_.Text(Id::kSizeUnit) == u"in" ? LengthUnit::kInch : LengthUnit::kMillimetre;
+  if (ReadSheets(*sheets, texts.given, unit, &options, &copies)) return;
+  for (const Message& message : messages) {
+    faults->push_back({FieldOf(message.what), ReasonOf(message)});
+  }
 }
 
 bool CutPresenter::ReadForm(CutJob* job, DrawingStyle* style) {
   std::vector<FieldFault> faults;
   std::u16string text = text_;
   CutTexts texts = form_.Texts();
-  bool is_read = true;
-  if (series_.is_open()) {
-    std::vector<Message> messages;
-    const HeldMessages held(&messages);
-    is_read = series_.Fill(row_, text_, form_.Texts(), &text, &texts);
-    if (!is_read && !messages.empty()) {
-      const Message& first = messages.front();
-      const bool of_text = !first.what.starts_with("--");
-      faults.push_back({of_text ? Id::kCutText : FieldOf(first.what), ReasonOf(first)});
-    }
+  const bool is_read = (!series_.is_open() || FillFromRow(&text, &texts, &faults)) &&
+                       form_.Read(texts, job, style, &faults);
+  if (is_read) {
+    job->text = std::move(text);
+    failure_.clear();
+  } else {
+    failure_ = faults.empty() ? Say(u"This cannot be drawn") : faults.front().why;
   }
-  is_read = is_read && form_.Read(texts, job, style, &faults);
-  if (is_read) job->text = std::move(text);
+  CheckSheets(texts, &faults);
   ShowMark(std::move(faults));
   return is_read;
 }
 
+// The drawing is made beside the window; most are there before anybody could see a difference.
 void CutPresenter::Rebuild() {
-  is_pending_ = false;
-  failure_.clear();
-  const uint32_t start = CurrentClock().Ticks();
-  CutJob job;
-  DrawingStyle style;
-  if (!ReadForm(&job, &style)) {
-    failure_ = faults_.empty() ? std::u16string() : faults_.front().why;
+  const auto making = std::make_shared<Making>();
+  making->number = ++wanted_;
+  if (!ReadForm(&making->job, &making->style)) {
+    ShowPicture();
     return ShowStatus();
   }
-  auto made = std::make_shared<CutDrawing>();
-  Status status = Status::Ok();
-  try {
-    if (!job.text.empty()) status = workshop_.Make(job, made.get());
-  } catch (const std::bad_alloc&) {
-    status = Status::Error(Failure::kOther, u"", u"there is not enough memory for this text");
+  const auto is_made = std::make_shared<std::promise<void>>();
+  std::future<void> made = is_made->get_future();
+  const auto make = [this, making, is_made] {
+    if (making->number == wanted_ && !making->job.text.empty()) {
+      try {
+        making->status = workshop_.Make(making->job, &making->made);
+      } catch (const std::bad_alloc&) {
+        making->status =
+            Status::Error(Failure::kOther, u"", u"there is not enough memory for this text");
+      }
+    }
+    is_made->set_value();
+  };
+  const bool waits = !is_making_;  // for one that has begun already, not again
+  is_making_ = true;
+  maker_.Run(make, [this, making] { TakeMade(making.get()); });
+  if (waits && made.wait_for(std::chrono::milliseconds(patience)) == std::future_status::ready) {
+    return TakeMade(making.get());
   }
-  if (!status.ok()) {
-    failure_ = SayStatus(status);
-  } else {
-    job_ = std::move(job);
-    style_ = std::move(style);
-    TakeDrawing(std::move(made));
-  }
-  last_cost_ = CurrentClock().Ticks() - start;
   ShowStatus();
+}
+
+void CutPresenter::TakeMade(Making* making) {
+  if (making->is_taken || making->number != wanted_) return;
+  making->is_taken = true;
+  is_making_ = false;
+  if (making->status.ok()) {
+    const bool other_size =
+        job_.size.by != making->job.size.by || job_.size.width != making->job.size.width ||
+        job_.size.height != making->job.size.height || job_.unit != making->job.unit;
+    job_ = std::move(making->job);
+    style_ = std::move(making->style);
+    if (other_size) preview_.ShowAll();
+    TakeDrawing(std::make_shared<const CutDrawing>(std::move(making->made)));
+  } else {
+    failure_ = SayStatus(making->status);
+    ShowPicture();
+  }
+  ShowStatus();
+}
+
+// A drawing that is not that of the fields is grey and has no size.
+void CutPresenter::ShowPicture() {
+  if (!made_) return;
+  const bool is_empty = made_->drawing.placed.empty();
+  DrawingStyle style = style_;
+  if (!failure_.empty()) {
+    constexpr int kGrey = 9;  // AutoCAD's index
+    style.color = kGrey;
+    style.layers = LayerRule::kOne;
+  }
+  preview_.SetDrawing(is_empty ? nullptr : made_, style);
+  view_.ShowControlText(Id::kTrueSize, is_empty || !failure_.empty() ? u"" : SizeOf(*made_));
+  ShowZoom();
+  view_.RepaintPreview();
 }
 
 void CutPresenter::TakeDrawing(std::shared_ptr<const CutDrawing> made) {
   made_ = std::move(made);
-  const bool is_empty = made_->drawing.placed.empty();
-  preview_.SetDrawing(is_empty ? nullptr : made_, style_);
-  view_.ShowControlText(Id::kTrueSize, is_empty ? u"" : SizeOf(*made_));
-  ShowZoom();
-  view_.RepaintPreview();
+  ShowPicture();
   // A face that was left to the system is the one that it gave.
   if (!pick_ && !made_->faces.empty() && catalogue_.size() > 0 && !form_.IsOfStrokes()) {
     const FaceOption option = {"--face", made_->faces.front().family};
@@ -344,7 +414,8 @@ void CutPresenter::ShowStatus() {
     }
   }
   StatusKind kind = done_.kind;
-  if (!made_ || text_.empty()) {
+  if (is_making_) return view_.ShowStatus(Say(u"Drawing..."), StatusKind::kNormal, {});
+  if (!made_ || text_.find_first_not_of(u" \n\t") == text_.npos) {
     if (text.empty()) text = Say(u"Type the text to cut");
     return view_.ShowStatus(text, kind, links);
   }

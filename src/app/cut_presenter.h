@@ -6,7 +6,9 @@
 // read is marked, and the last drawing stays.
 #pragma once
 
+#include <atomic>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -15,6 +17,7 @@
 #include <vector>
 
 #include "app/background.h"
+#include "app/captions.h"
 #include "app/cut_controls.h"
 #include "app/cut_form.h"
 #include "app/cut_memory.h"
@@ -46,6 +49,15 @@ class CutPresenter {
   // The text that both ways of working share; lines end in U+000A.
   std::u16string text() const;
   void TakeText(std::u16string_view text);
+
+  // Whether files are being written; `on_idle` is called when that is over.
+  bool IsWriting() const { return writes_series_ || background_.IsBusy(); }
+  std::function<void()> on_idle;
+  // Says that the window closes when that is over.
+  void TellClosing();
+
+  // How long a change waits for its drawing before the window goes on without it. Milliseconds.
+  int patience = 60;
 
   // Events of the controls.
   void TextChanged(ControlId field, std::u16string_view text);
@@ -101,11 +113,24 @@ class CutPresenter {
   void ShowFormatOfSave();
   void ShowMenus();
   void ShowMark(std::vector<FieldFault> faults);
+  // A drawing on its way.
+  struct Making {
+    uint64_t number = 0;
+    CutJob job;
+    DrawingStyle style;
+    CutDrawing made;
+    Status status = Status::Ok();
+    bool is_taken = false;
+  };
+
   void Changed();
   void Rebuild();
-  void Settle();
+  void TakeMade(Making* making);
   bool ReadForm(CutJob* job, DrawingStyle* style);
+  bool FillFromRow(std::u16string* text, CutTexts* texts, std::vector<FieldFault>* faults);
+  void CheckSheets(const CutTexts& texts, std::vector<FieldFault>* faults) const;
   void TakeDrawing(std::shared_ptr<const CutDrawing> made);
+  void ShowPicture();
   void ShowStatus();
   void Tell(std::u16string text, StatusKind kind);
   void SayWritten(const std::filesystem::path& file);
@@ -122,7 +147,6 @@ class CutPresenter {
   void CloseSeries();
   void StepTo(uint64_t row);
   void ShowSeries();
-  bool FillRow(std::u16string* text, CutTexts* filled);
   void WriteSeries(std::optional<ExistingFiles> existing);
   void ShowSeriesProgress();
   void EndSeries();
@@ -133,11 +157,13 @@ class CutPresenter {
   const Format& FormatOfSave() const;
   bool HasDrawing();
   std::u16string NameOfFile() const;
+  std::u16string FirstLine() const;
+  void ShowWriting();
   void Save(const Format& format);
   void Write(const Format& format, const std::filesystem::path& file);
-  void Written(const Status& status, const Format& format, const std::filesystem::path& file);
+  void Written(const Status& status, const std::filesystem::path& file, const std::u16string& text);
   void CopySvg();
-  void NoteText();
+  void NoteText(const std::u16string& text);
   void PickPreset(size_t index);
   void SavePreset();
   void PickRecentText(size_t index);
@@ -147,6 +173,7 @@ class CutPresenter {
   CutMemory memory_;
   CutForm form_;
   std::u16string text_;
+  bool has_text_ = false;    // it was taken from the window once
   bool has_sample_ = false;  // the text is the first start's
   std::vector<FieldFault> faults_;
 
@@ -156,7 +183,6 @@ class CutPresenter {
   FaceRows rows_;
   std::optional<FacePick> pick_;
 
-  CutWorkshop workshop_;
   CutJob job_;  // of the drawing
   DrawingStyle style_;
   std::shared_ptr<const CutDrawing> made_;
@@ -171,11 +197,19 @@ class CutPresenter {
   bool writes_series_ = false;
   std::filesystem::path series_folder_;
 
-  bool is_pending_ = false;  // changes wait to be made into a drawing
-  uint32_t changed_at_ = 0;  // by the clock's ticks
-  uint32_t last_cost_ = 0;   // milliseconds of the last rebuild
-  std::u16string preset_;    // the one chosen last
-  Background background_;    // ends first: its work uses the rest
+  std::u16string preset_;     // the one chosen last
+  bool asks_ = false;         // a question stands
+  bool has_all_ = false;      // only faces with all characters of the text
+  uint32_t wrote_since_ = 0;  // by the clock's ticks
+  std::u16string writes_;     // what is being written
+  Language said_in_ = Language::kEnglish;
+
+  CutWorkshop workshop_;              // used by maker_ alone
+  std::atomic<uint64_t> wanted_ = 0;  // the newest Making
+  bool is_making_ = false;            // the preview shows an older one
+  // Both end first: their work uses the rest.
+  Background maker_;
+  Background background_;
 };
 
 }  // namespace kerno

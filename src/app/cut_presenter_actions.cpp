@@ -13,6 +13,7 @@
 #include "app/text_source.h"
 #include "base/text.h"
 #include "base/text_file.h"
+#include "platform/clock.h"
 #include "platform/folder_path.h"
 
 namespace kerno {
@@ -116,7 +117,9 @@ void CutPresenter::ShowMenus() {
 
   std::vector<MenuItem> presets;
   for (const CutPreset& preset : memory_.presets) {
-    presets.push_back({.text = preset.name, .checked = preset.name == preset_});
+    presets.push_back(
+        {.text = preset.name,
+         .checked = preset.name == preset_ && preset.texts == form_.Stored(StoredOf::kCut)});
   }
   presets.push_back(
       {.text = Say(u"Keep these settings as..."), .separator_before = !presets.empty()});
@@ -132,7 +135,7 @@ void CutPresenter::ShowMenus() {
   view_.Enable(Id::kRecentTexts, !texts.empty());
 
   std::vector<MenuItem> filters = {
-      {.text = Say(u"Has all my characters"), .checked = !filter_.has.empty()},
+      {.text = Say(u"Has all my characters"), .checked = has_all_},
       {.text = Say(u"Favourites only"), .checked = filter_.favourites},
       {.text = Say(u"Fonts of strokes only"), .checked = filter_.strokes},
       {.text = Say(u"All scripts"), .checked = filter_.script.empty(), .separator_before = true}};
@@ -167,8 +170,7 @@ void CutPresenter::Picked(ControlId menu, size_t index) {
 void CutPresenter::PickFilter(size_t index) {
   const auto scripts = catalogue_.Scripts();
   if (index == 0) {
-    filter_.has = filter_.has.empty() ? text_ : std::u16string();
-    std::erase(filter_.has, u'\n');
+    has_all_ = !has_all_;
   } else if (index == 1) {
     filter_.favourites = !filter_.favourites;
   } else if (index == 2) {
@@ -186,7 +188,7 @@ void CutPresenter::PickPreset(size_t index) {
   const size_t count = memory_.presets.size();
   if (index < count) {
     preset_ = memory_.presets[index].name;
-    form_.Restore(memory_.presets[index].texts);
+    form_.Restore(memory_.presets[index].texts, StoredOf::kCut);
   } else if (index == count) {
     return SavePreset();
   } else if (index == count + 1 && !preset_.empty()) {
@@ -196,7 +198,7 @@ void CutPresenter::PickPreset(size_t index) {
   } else {
     preset_.clear();
     const std::vector<FaceOption> face = form_.Face();
-    form_.Restore({});
+    form_.Restore({}, StoredOf::kCut);
     form_.SetFace(face);
   }
   pick_ = catalogue_.PickOf(form_.Face());
@@ -216,13 +218,14 @@ void CutPresenter::SavePreset() {
         !view_.AskWhether(Say(u"There are settings of this name already."), Say(u"Replace"))) {
       return;
     }
-    found->texts = form_.Stored();
+    found->texts = form_.Stored(StoredOf::kCut);
   } else {
-    memory_.presets.push_back({*name, form_.Stored()});
+    memory_.presets.push_back({*name, form_.Stored(StoredOf::kCut)});
     std::ranges::sort(memory_.presets, {}, &CutPreset::name);
   }
   preset_ = *name;
   ShowMenus();
+  if (const Status kept = Keep(); !kept.ok()) Tell(SayStatus(kept), StatusKind::kFailure);
 }
 
 void CutPresenter::PickRecentText(size_t index) {
@@ -234,10 +237,10 @@ void CutPresenter::PickRecentText(size_t index) {
 }
 
 // The text was written: it is the latest one.
-void CutPresenter::NoteText() {
-  if (text_.empty() || has_sample_ || text_.size() > kLongestRecent) return;
-  std::erase(memory_.recent_texts, text_);
-  memory_.recent_texts.insert(memory_.recent_texts.begin(), text_);
+void CutPresenter::NoteText(const std::u16string& text) {
+  if (text.empty() || has_sample_ || text.size() > kLongestRecent) return;
+  std::erase(memory_.recent_texts, text);
+  memory_.recent_texts.insert(memory_.recent_texts.begin(), text);
   if (memory_.recent_texts.size() > CutMemory::kMostRecentTexts) memory_.recent_texts.pop_back();
   ShowMenus();
 }
@@ -255,7 +258,10 @@ void CutPresenter::ShowFormatOfSave() {
 
 // Whether there is a drawing of what stands in the fields; the status says why not.
 bool CutPresenter::HasDrawing() {
-  Settle();
+  if (is_making_) {
+    Tell(Say(u"Still drawing. Press again when that is done."), StatusKind::kWarning);
+    return false;
+  }
   if (!failure_.empty()) {
     ShowStatus();
     return false;
@@ -265,9 +271,16 @@ bool CutPresenter::HasDrawing() {
   return false;
 }
 
+// The first line that is not blank, of the row in the preview.
+std::u16string CutPresenter::FirstLine() const {
+  const std::u16string& text = made_ && failure_.empty() ? job_.text : text_;
+  const size_t first = text.find_first_not_of(u" \t\n");
+  if (first == text.npos) return {};
+  return text.substr(first, std::min(text.find(u'\n', first), text.size()) - first);
+}
+
 std::u16string CutPresenter::NameOfFile() const {
-  std::u16string first =
-      Shortened(text_.substr(0, std::min(text_.find(u'\n'), text_.size())), kLongestProposal);
+  std::u16string first = Shortened(FirstLine(), kLongestProposal);
   while (first.ends_with(u'…')) first.pop_back();
   return CleanFileName(first);
 }
@@ -303,25 +316,33 @@ void CutPresenter::Save(const Format& format) {
   Write(*named, file);
 }
 
-// What is written is the drawing of this moment; the user may type on.
+// What is written is the drawing of this moment; the user may type on. A file that another program
+// holds is asked about while it is written.
 void CutPresenter::Write(const Format& format, const fs::path& file) {
   auto status = std::make_shared<Status>(Status::Ok());
-  Tell(Say(u"Writing {}", {PathText(file.filename())}), StatusKind::kNormal);
+  writes_ = Say(u"Writing {}", {PathText(file.filename())});
+  wrote_since_ = CurrentClock().Ticks();
+  Tell(writes_, StatusKind::kNormal);
   background_.Run([this, status, made = made_, job = job_, style = style_, &format,
                    file] { *status = services_.WriteDrawing(*made, job, style, format, file); },
-                  [this, status, &format, file] { Written(*status, format, file); });
+                  [this, status, file, text = text_] { Written(*status, file, text); });
+  view_.CallWhenDue(kProgressDelay);
 }
 
-void CutPresenter::Written(const Status& status, const Format& format, const fs::path& file) {
-  view_.ShowProgress(u"", -1);
-  if (status.ok()) {
-    if (pick_) catalogue_.NoteUse(pick_->entry);
-    NoteText();
-    return SayWritten(file);
-  }
-  Tell(SayStatus(status), StatusKind::kFailure);
-  const bool is_held = status.failure == Failure::kSharingViolation;
-  if (is_held && view_.AskWhether(SayStatus(status), Say(u"Try again"))) Write(format, file);
+void CutPresenter::Written(const Status& status, const fs::path& file, const std::u16string& text) {
+  if (!writes_series_) view_.ShowProgress(u"", -1);
+  if (!status.ok()) return Tell(SayStatus(status), StatusKind::kFailure);
+  if (pick_) catalogue_.NoteUse(pick_->entry);
+  NoteText(text);
+  SayWritten(file);
+}
+
+// Past half a second, what is written has its progress.
+void CutPresenter::ShowWriting() {
+  if (!background_.IsBusy() || writes_series_) return;
+  if (CurrentClock().Ticks() - wrote_since_ < static_cast<uint32_t>(kProgressDelay)) return;
+  const WorkShown shown = background_.Look();
+  view_.ShowProgress(shown.progress.empty() ? writes_ : shown.progress, shown.part);
 }
 
 void CutPresenter::SayWritten(const fs::path& file) {
@@ -410,6 +431,7 @@ void CutPresenter::OpenFont(const fs::path& file) {
   const Status added = catalogue_.AddFile(file, &entry);
   if (!added.ok()) return Tell(SayStatus(added), StatusKind::kFailure);
   filter_ = {};
+  has_all_ = false;
   PickFace({entry, catalogue_.RegularStyleOf(entry), {}});
   ShowMenus();
   ShowRows();
@@ -418,20 +440,27 @@ void CutPresenter::OpenFont(const fs::path& file) {
 // Beside the window
 
 void CutPresenter::Cancelled() {
-  background_.Cancel();
-  series_.Cancel();
+  if (background_.IsBusy()) background_.Cancel();
+  if (writes_series_) series_.Cancel();
+}
+
+void CutPresenter::TellClosing() {
+  Tell(Say(u"Still writing. The window closes when that is done."), StatusKind::kWarning);
 }
 
 void CutPresenter::Awake() {
-  background_.Finish();
+  maker_.Finish();
   const WorkShown shown = background_.Look();
-  if (!shown.question.empty())
+  if (!shown.question.empty() && !asks_) {
+    asks_ = true;
     background_.Answer(view_.AskWhether(shown.question, Say(u"Try again")));
-  if (background_.IsBusy() && !shown.progress.empty()) {
-    view_.ShowProgress(shown.progress, shown.part);
+    asks_ = false;
   }
+  if (!shown.wait.empty()) view_.ShowStatus(shown.wait, StatusKind::kWarning, {});
+  background_.Finish();
   if (writes_series_) ShowSeriesProgress();
   if (series_.is_open()) ShowSeries();
+  if (on_idle && !IsWriting()) on_idle();
 }
 
 }  // namespace kerno

@@ -17,6 +17,8 @@ constexpr uint32_t kSlice = 8;  // milliseconds of work between two events
 }  // namespace
 
 void CutPresenter::ShowRows() {
+  filter_.has = has_all_ ? text_ : std::u16string();
+  std::erase(filter_.has, u'\n');
   rows_ = catalogue_.Rows(filter_);
   std::vector<FaceListRow> shown;
   std::optional<size_t> selected;
@@ -87,7 +89,7 @@ void CutPresenter::FavouriteToggled(size_t row) {
 const BitmapSurface* CutPresenter::FaceSample(size_t row, int width, int height, Color ink,
                                               Color paper) {
   if (row >= rows_.rows.size()) return nullptr;
-  const std::u16string first = text_.substr(0, std::min(text_.find(u'\n'), text_.size()));
+  const std::u16string first = FirstLine();
   const BitmapSurface* picture =
       samples_.PictureOf(rows_.rows[row].entry, {first, width, height, ink, paper});
   if (!picture) view_.CallWhenDue(1);

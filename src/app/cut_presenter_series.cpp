@@ -73,7 +73,7 @@ void CutPresenter::ShowSeries() {
 
 // Files that are there already are counted first; then the user is asked about them.
 void CutPresenter::WriteSeries(std::optional<ExistingFiles> existing) {
-  Settle();
+  if (!series_.is_open() || writes_series_) return;
   if (!existing) {
     const auto folder =
         view_.AskFolder(memory_.folder.empty() ? services_.Documents() : TextPath(memory_.folder));
@@ -89,7 +89,9 @@ void CutPresenter::WriteSeries(std::optional<ExistingFiles> existing) {
   order.formats = {std::string(FormatOfSave().extension)};
   order.sheets = form_.Sheets();
   order.existing = existing;
+  done_ = {};
   writes_series_ = series_.Start(std::move(order), [this] { view_.WakeUp(); });
+  ShowStatus();
   ShowSeries();
 }
 

@@ -15,7 +15,8 @@ class CutServices {
  public:
   virtual ~CutServices() = default;
 
-  virtual CutMemory LoadCut() = 0;
+  // What the last run kept. Fails where that cannot be read; nothing is kept then.
+  virtual Status LoadCut(CutMemory* memory) = 0;
   virtual Status SaveCut(const CutMemory& memory) = 0;
 
   // The user's documents, or what comes nearest.
@@ -35,7 +36,7 @@ class CutServices {
 // The services as the real program has them.
 class SystemCutServices final : public CutServices {
  public:
-  CutMemory LoadCut() override;
+  Status LoadCut(CutMemory* memory) override;
   Status SaveCut(const CutMemory& memory) override;
   std::filesystem::path Documents() override;
   std::filesystem::path ScratchFolder() override;
@@ -44,7 +45,7 @@ class SystemCutServices final : public CutServices {
   bool OpenPath(const std::filesystem::path& path) override;
 
  private:
-  CutMemory loaded_;  // as it is in its file
+  CutMemory loaded_;  // as this window read or wrote it last
 };
 
 }  // namespace kerno

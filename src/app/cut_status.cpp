@@ -12,6 +12,7 @@ namespace {
 std::u16string Fixed(double value, int decimals) {
   std::string text;
   AppendFixed(&text, value, decimals);
+  if (CurrentLanguage() == Language::kGerman) std::ranges::replace(text, '.', ',');
   return Utf8ToUtf16Lossy(text);
 }
 

@@ -6,6 +6,7 @@
 #include "app/cut_services.h"
 #include "app/cut_texts.h"
 #include "app/dialog_settings.h"
+#include "app/text_source.h"
 #include "base/folders.h"
 #include "base/launch.h"
 #include "base/text.h"
@@ -125,29 +126,65 @@ CutMemory ReadStored(std::u16string_view text) {
   return memory;
 }
 
-CutMemory LoadCutMemory() {
+CutMemory Merged(CutMemory kept, const CutMemory& before, const CutMemory& now) {
+  const auto find = [](auto& presets, const std::u16string& name) {
+    return std::ranges::find(presets, name, &CutPreset::name);
+  };
+  for (const CutPreset& preset : before.presets) {
+    if (find(now.presets, preset.name) != now.presets.end()) continue;
+    std::erase_if(kept.presets, [&](const CutPreset& p) { return p.name == preset.name; });
+  }
+  for (const CutPreset& preset : now.presets) {
+    const auto known = find(before.presets, preset.name);
+    if (known != before.presets.end() && known->texts == preset.texts) continue;
+    const auto there = find(kept.presets, preset.name);
+    (there != kept.presets.end() ? *there : kept.presets.emplace_back()) = preset;
+  }
+  std::ranges::sort(kept.presets, {}, &CutPreset::name);
+  std::vector<std::u16string> texts = now.recent_texts;
+  for (const std::u16string& text : kept.recent_texts) {
+    if (texts.size() == CutMemory::kMostRecentTexts) break;
+    if (std::ranges::find(texts, text) == texts.end()) texts.push_back(text);
+  }
+  kept.recent_texts = std::move(texts);
+  for (const KeptText& each : kKept) {
+    if (now.*each.text != before.*each.text) kept.*each.text = now.*each.text;
+  }
+  if (now.form != before.form) kept.form = now.form;
+  return kept;
+}
+
+Status LoadCutMemory(CutMemory* memory) {
   std::u16string text;
   const fs::path file = StorePath();
-  if (!PathExists(file) || !ReadText(file, &text)) return {};
-  return ReadStored(text);
+  if (!PathExists(file)) {
+    *memory = {};
+    return Status::Ok();
+  }
+  const Status read = LoadText(file, &text);
+  if (read.ok()) *memory = ReadStored(text);
+  return read;
 }
 
 Status SaveCutMemory(const CutMemory& memory) {
   return WriteText(StorePath(), StoredText(memory), TextEncoding::kUtf8);
 }
 
-CutMemory SystemCutServices::LoadCut() {
-  loaded_ = LoadCutMemory();
-  return loaded_;
+Status SystemCutServices::LoadCut(CutMemory* memory) {
+  const Status read = LoadCutMemory(memory);
+  if (read.ok()) loaded_ = *memory;
+  return read;
 }
 
+// What cannot be read is not written over.
 Status SystemCutServices::SaveCut(const CutMemory& memory) {
-  if (memory.was_used && StoredText(memory) == StoredText(loaded_) && loaded_.was_used) {
-    return Status::Ok();
-  }
-  Status saved = SaveCutMemory(memory);
-  if (saved.ok()) loaded_ = memory;
-  return saved;
+  CutMemory kept;
+  Status status = LoadCutMemory(&kept);
+  if (!status.ok()) return status;
+  const CutMemory merged = Merged(kept, loaded_, memory);
+  if (!kept.was_used || StoredText(merged) != StoredText(kept)) status = SaveCutMemory(merged);
+  if (status.ok()) loaded_ = memory;
+  return status;
 }
 
 fs::path SystemCutServices::Documents() {

@@ -20,8 +20,11 @@ namespace kerno {
 std::u16string StoredText(const CutMemory& memory);
 CutMemory ReadStored(std::u16string_view text);
 
-// What cannot be read is the memory of a first run.
-CutMemory LoadCutMemory();
+// What another window has kept since `before` was read, with what this one has changed.
+CutMemory Merged(CutMemory kept, const CutMemory& before, const CutMemory& now);
+
+// Fails where there is a file that cannot be read; none is the memory of a first run.
+[[nodiscard]] Status LoadCutMemory(CutMemory* memory);
 [[nodiscard]] Status SaveCutMemory(const CutMemory& memory);
 
 }  // namespace kerno

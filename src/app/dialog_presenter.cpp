@@ -121,6 +121,18 @@ void DialogPresenter::Open() {
   ShowMode();
 }
 
+void DialogPresenter::UseCut(CutPresenter* cut) {
+  cut_ = cut;
+  cut_->on_idle = [this] { CloseWhenIdle(); };
+}
+
+// The window was to be closed while something was written.
+void DialogPresenter::CloseWhenIdle() {
+  if (!closes_ || IsWriting() || (cut_ && cut_->IsWriting())) return;
+  closes_ = false;
+  view_.CloseWindow();
+}
+
 void DialogPresenter::ChooseMode(WindowMode mode) {
   if (mode == memory_.mode || !cut_) return;
   TakeCutText();
@@ -161,13 +173,14 @@ void DialogPresenter::Remember() {
 }
 
 bool DialogPresenter::Close() {
-  if (IsWriting()) {
+  if (IsWriting() || (cut_ && cut_->IsWriting())) {
     closes_ = true;
+    if (cut_) cut_->TellClosing();
     ShowStatus(Say(u"Still writing. The window closes when that is done."), StatusKind::kWarning);
     return false;
   }
-  const bool last = told_unsaved_;
   Remember();
+  const bool last = told_unsaved_;
   is_quiet_ = last;
   Status saved = services_.Save(memory_);
   if (saved.ok() && cut_is_filled_) saved = cut_->Keep();

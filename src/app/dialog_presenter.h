@@ -45,7 +45,7 @@ class DialogPresenter final : private OutputNotifier, private Notices {
 
   // The Cut page, which lives as long as the dialog; before Open. It is filled when it is first
   // chosen.
-  void UseCut(CutPresenter* cut) { cut_ = cut; }
+  void UseCut(CutPresenter* cut);
 
   // Fills the controls with what the last run left. Before the window is shown; FillFaces may
   // follow later.
@@ -116,6 +116,7 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   Continue Progress(std::u16string_view text, int64_t done, int64_t total) override;
 
   void ShowMode();
+  void CloseWhenIdle();
   void TakeCutText();
   void LinesChanged(std::u16string_view text);
   void FaceChanged(std::u16string_view face);

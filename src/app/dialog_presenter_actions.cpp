@@ -333,10 +333,7 @@ void DialogPresenter::Awake() {
   }
   if (!work.wait.empty()) view_.ShowStatus(work.wait, StatusKind::kWarning);
   background_.Finish();
-  if (closes_ && !IsWriting()) {
-    closes_ = false;
-    view_.CloseWindow();
-  }
+  CloseWhenIdle();
 }
 
 void DialogPresenter::MetafileWritten(const fs::path& metafile, const Status& result) {

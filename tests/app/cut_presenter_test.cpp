@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "app/arithmetic.h"
-#include "app/captions.h"
 #include "app/cut_store.h"
 #include "base/text.h"
 #include "support/recording_cut_view.h"
@@ -25,6 +24,7 @@ class CutPresenterTest : public testing::Test {
   }
   void Open(std::u16string_view text = u"Ho") {
     page = std::make_unique<CutPresenter>(view, services);
+    page->patience = 60000;
     page->Open();
     page->PreviewResized(400, 300, 1);
     page->FillFaces();
@@ -83,9 +83,14 @@ TEST_F(CutPresenterTest, WhatCannotBeReadIsMarkedAndTheDrawingStays) {
     EXPECT_EQ(1u, view.faults.count(kSizeHeight)) << Utf16ToUtf8(bad);
     EXPECT_EQ(StatusKind::kFailure, view.status_kind);
     EXPECT_EQ(before, Height());
+    EXPECT_EQ(u"", view.texts[kTrueSize]) << "it is that of another height";
     page->Pressed(kSave);
     EXPECT_TRUE(view.save_questions.empty()) << "nothing wrong is written";
   }
+  page->TextChanged(kSizeHeight, u"２０ＭＭ");  // as an input method may write it
+  EXPECT_TRUE(view.faults.empty());
+  page->TextChanged(kSizeHeight, u"20*");
+  EXPECT_THAT(Utf16ToUtf8(view.faults[kSizeHeight]), HasSubstr("\"20*\" is not"));
   page->TextChanged(kSizeHeight, u"20");
   page->TextChanged(kSlant, u"89");
   page->TextChanged(kOffset, u"x");
@@ -106,6 +111,12 @@ TEST_F(CutPresenterTest, AnotherUnitLeavesTheDrawingAsItIs) {
   Choose(kSizeUnit, "pt");
   EXPECT_NEAR(before, Height(), 0.01);
   EXPECT_THAT(Utf16ToUtf8(view.texts[kTrueSize]), HasSubstr(" mm"));
+  Choose(kSizeUnit, "mm");
+  EXPECT_TRUE(page->form().Texts().given.contains("--cap-height"));
+  EXPECT_FALSE(page->form().Texts().given.contains("--tolerance")) << "as it was typed";
+  page->Checked(kSheets, true);
+  Choose(kSizeUnit, "in");
+  EXPECT_EQ(u"23.62205x15.74803", view.texts[kSheetSize]);
 }
 
 TEST_F(CutPresenterTest, FilesAreNamedByTheTextAndNothingIsReplacedUnasked) {
@@ -134,10 +145,15 @@ TEST_F(CutPresenterTest, AHeldFileIsTriedAgainAndFailuresAreTold) {
   services.failures = {held, held};
   view.yes = {true, true};
   page->Pressed(kSave);
+  EXPECT_TRUE(page->IsWriting());
   Settle("Wrote a.svg");
   EXPECT_EQ(2u, view.questions.size());
   EXPECT_THAT(StatusText(), HasSubstr("U+F0000"));
   EXPECT_EQ(StatusKind::kWarning, view.status_kind);
+  services.failures = {held};
+  page->Pressed(kSave);
+  Settle("a.svg: another program holds it");
+  EXPECT_EQ(3u, view.questions.size()) << "no is asked once";
   services.failures = {Status::Error(Failure::kNoSpace, u"a.svg", u"the disk is full")};
   page->Pressed(kSave);
   Settle("a.svg: the disk is full");
@@ -168,7 +184,7 @@ TEST_F(CutPresenterTest, RowsOfAListAreSeenAndWrittenAsTheyAreSeen) {
   Settle("Wrote one.dxf");
   EXPECT_EQ(ReadBytes(folder / "one.dxf"), ReadBytes(folder / "out" / "3-Cid.dxf"));
   page->Pressed(kSeriesWrite);
-  for (int i = 0; i < 2000 && view.questions.empty(); ++i) Settle("Wrote one.dxf");
+  for (int i = 0; i < 2000 && view.questions.empty(); ++i) Settle("");
   EXPECT_THAT(Utf16ToUtf8(view.questions.at(0)), HasSubstr("2 of the files are there already"));
 }
 
@@ -184,11 +200,32 @@ TEST_F(CutPresenterTest, SettingsByANameComeBack) {
   services.memory.recent_texts = {u"a\nb\\n\t"};
   const CutMemory read = ReadStored(StoredText(services.memory));
   EXPECT_EQ(services.memory.recent_texts, read.recent_texts);
+  CutMemory other = read;
+  other.presets.push_back({u"Other", {}});
+  EXPECT_EQ(2u, Merged(other, read, read).presets.size()) << "of another window";
+  EXPECT_EQ(1u, Merged(other, other, read).presets.size()) << "removed here";
   services.memory = read;
   Open();
   page->Picked(kPresets, 0);
   EXPECT_EQ(u"0.1", view.texts[kOffset]);
   EXPECT_EQ(u"lines", page->form().Text(kCurves));
+}
+
+TEST_F(CutPresenterTest, TheWindowGoesOnWhileALongTextIsDrawn) {
+  Open();
+  page->patience = 0;
+  const std::u16string first(3000, u'W'), second = u"I";
+  page->TextChanged(kCutText, first);
+  page->TextChanged(kCutText, second);
+  EXPECT_EQ("Drawing...", StatusText());
+  page->Pressed(kSave);
+  EXPECT_TRUE(view.save_questions.empty());
+  for (int i = 0; i < 2000 && !StatusText().ends_with("to cut"); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    page->Awake();
+    if (StatusText().starts_with("Still")) page->TextChanged(kCutText, second + u" ");
+  }
+  EXPECT_EQ(1u, page->drawing()->facts.closed) << "the newest text alone";
 }
 
 TEST_F(CutPresenterTest, TheSampleOfTheFirstStartIsNobodysText) {
@@ -216,13 +253,6 @@ TEST_F(CutPresenterTest, FacesAreFoundAndDrawLive) {
   WriteBytes(folder / "bad.ttf", std::string("\0\1\0\0 no font", 12));
   page->Dropped({folder / "bad.ttf"});
   EXPECT_EQ(StatusKind::kFailure, view.status_kind);
-}
-
-TEST(Captions, ReasonsWithNamesInThemAreSaid) {
-  SetLanguage(Language::kGerman);
-  EXPECT_EQ(u"\"x\" ist keine Zahl", SayReason(u"\"x\" is not a number"));
-  EXPECT_EQ(u"nobody wrote this", SayReason(u"nobody wrote this"));
-  SetLanguage(Language::kEnglish);
 }
 
 }  // namespace

@@ -190,7 +190,9 @@ TEST_F(DialogWork, AFileThatIsHeldIsToldOfAtOnceAndTriedAgain) {
   ASSERT_EQ(4u, view.messages.size()) << "asked twice, cancelled, and what came of it";
   EXPECT_THAT(Utf16ToUtf8(view.messages[0]), HasSubstr(".bmp: another program holds this file."));
   EXPECT_EQ(StatusKind::kFailure, view.status_kind);
+  holder.reset();
   EXPECT_EQ("old", test::ReadBytes(file));
+  holder = std::make_unique<test::FileHolder>(file, test::HoldKind::kWholeFile);
   view.on_ask = [&] { holder.reset(); };
   view.again_answers = 1;
   Press(ControlId::kDib);
@@ -202,10 +204,11 @@ TEST_F(DialogWork, EndingInTheMidstOfAQuestionStopsTheWork) {
   services.writes_bytes = true;
   const std::filesystem::path file = folder / "Plain_100_.bmp";
   test::WriteBytes(file, "old");
-  const test::FileHolder holder(file, test::HoldKind::kWholeFile);
+  auto holder = std::make_unique<test::FileHolder>(file, test::HoldKind::kWholeFile);
   presenter->Pressed(ControlId::kDib);
   presenter->Pressed(ControlId::kSvg);
   presenter.reset();  // comes back, whatever the work waits for
+  holder.reset();
   EXPECT_EQ("old", test::ReadBytes(file));
   EXPECT_FALSE(std::filesystem::exists(folder / "Plain_100_.svg"));
 }

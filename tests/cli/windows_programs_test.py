@@ -109,8 +109,8 @@ class WindowsProgramsTest(programs.FolderTest):
         self.assertIn("Microsoft.Windows.Common-Controls", resource(DESKTOP, 24).decode())
 
     def test_no_library_beside_the_systems_is_needed(self):
-        own = {"advapi32", "comctl32", "gdi32", "imm32", "kernel32", "msvcrt", "ole32", "shell32",
-               "user32", "wininet"}
+        own = {"advapi32", "comctl32", "comdlg32", "dwmapi", "gdi32", "imm32", "kernel32", "msvcrt", "ole32",
+               "shcore", "shell32", "user32", "uxtheme", "wininet"}
         for program in (KERNO, DESKTOP):
             listing = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", program], check=True,
                                      capture_output=True, text=True).stdout

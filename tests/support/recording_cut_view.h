@@ -94,7 +94,11 @@ class FakeCutServices final : public CutServices {
   std::vector<Status> failures;  // of the next writes
   std::vector<std::filesystem::path> opened;
 
-  CutMemory LoadCut() override { return memory; }
+  Status load = Status::Ok();
+  Status LoadCut(CutMemory* now) override {
+    if (load.ok()) *now = memory;
+    return load;
+  }
   Status SaveCut(const CutMemory& now) override {
     memory = now;
     return Status::Ok();
@@ -106,7 +110,9 @@ class FakeCutServices final : public CutServices {
     if (failures.empty()) return WriteCut(job, made, style, format, file);
     const Status first = failures.front();
     failures.erase(failures.begin());
-    return first;
+    const bool is_held = first.failure == Failure::kSharingViolation;
+    const bool again = is_held && Background::OfThisThread()->Ask(first.what);
+    return again ? WriteDrawing(made, job, style, format, file) : first;
   }
   bool OpenPath(const std::filesystem::path& path) override {
     opened.push_back(path);
