@@ -312,6 +312,7 @@ constexpr CaptionRow kTexts[] = {
      u"各看板をその大きさで詰めます（最大の看板に合わせません）",
      u"Jedes Schild hat seine eigene Größe, nicht die des größten"},
     {u"Em", u"全角の高さ", u"Geviert"},
+    {u"Faces", u"書体一覧", u"Schriften"},
     {u"Faces with the text in each; F marks a favourite",
      u"文字列の見本付き書体一覧。F でお気に入り",
      u"Schriften mit dem Text darin; F merkt einen Favoriten"},
@@ -445,7 +446,16 @@ constexpr CaptionRow kTexts[] = {
      u"Text zum Schneiden eingeben"},
     {u"Unit of the lengths here", u"ここでの長さの単位", u"Einheit der Längen hier"},
     {u"Vertical", u"縦書き", u"Senkrecht"},
+    {u"Way of working", u"作業モード", u"Arbeitsweise"},
     {u"Weld", u"結合", u"Verschweißen"},
+    {u"Wheel zooms, dragging moves, with Ctrl it takes the drawing out as a file; a double click "
+     u"shows all",
+     u"ホイールで拡大縮小、ドラッグで移動、Ctrl+"
+     u"ドラッグで図面をファイルとして取り出し、ダブルクリッ"
+     u"クで全体表示",
+     u"Das Rad vergrößert, Ziehen verschiebt, mit Strg zieht es die Zeichnung als Datei heraus; "
+     u"ein "
+     u"Doppelklick zeigt alles"},
     {u"What curves become", u"曲線をどう表すか", u"Was aus Kurven wird"},
     {u"What has a layer of its own", u"レイヤーの分け方", u"Was eine eigene Ebene hat"},
     {u"What the preview shows", u"プレビューの表示方法", u"Was die Vorschau zeigt"},

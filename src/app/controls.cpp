@@ -184,6 +184,25 @@ const MenuRow* FindMenuRow(int command) {
   return nullptr;
 }
 
+bool IsOfClassicAlone(MenuCommand command) {
+  switch (command) {
+    case MenuCommand::kOpenFolder:
+    case MenuCommand::kChooseFolder:
+    case MenuCommand::kDefaultFolder:
+    case MenuCommand::kSaveCopy:
+    case MenuCommand::kLines:
+    case MenuCommand::kFaces:
+    case MenuCommand::kLinesAndFaces:
+    case MenuCommand::kPitchClassic:
+    case MenuCommand::kPitchCell:
+    case MenuCommand::kAciClassic:
+    case MenuCommand::kAciNearest:
+      return true;
+    default:
+      return false;
+  }
+}
+
 bool IsEditCommand(MenuCommand command) {
   return command >= MenuCommand::kUndo && command <= MenuCommand::kSelectAll;
 }

@@ -199,6 +199,9 @@ enum class MenuCommand : int {
 // Whether it does something to the text in the text box, which knows the shortcut by itself.
 bool IsEditCommand(MenuCommand command);
 
+// Whether it has to do with Classic's outputs: it is disabled in Cut.
+bool IsOfClassicAlone(MenuCommand command);
+
 struct MenuRow {
   MenuCommand command;
   bool checkable;  // one of the checkable entries between two separators is checked

@@ -108,7 +108,9 @@ constexpr CutControlRow kRows[] = {
         u"Writes the files of all rows into a folder"),
 
     Row(Id::kCutPreview, Kind::kPreview, In::kPreview, kRestOfLine, u"",
-        u"Wheel zooms, dragging moves, a double click shows all"),
+        u"Wheel zooms, dragging moves, with Ctrl it takes the drawing out as a file; a double "
+        u"click "
+        u"shows all"),
     Row(Id::kLook, Kind::kChoice, In::kZoomBar, kWord, u"", u"What the preview shows"),
     WithKey(Beside(Row(Id::kZoomOut, Kind::kButton, In::kZoomBar, 28, u"−", u"Smaller")),
             u"Ctrl+-"),
@@ -161,6 +163,19 @@ const char16_t* TitleOf(CutSection section) {
 
 std::span<const CutControlRow> CutControls() {
   return kRows;
+}
+
+const char16_t* NameOf(const CutControlRow& row) {
+  switch (row.kind) {
+    case ControlKind::kTextBox:
+      return u"Text";
+    case ControlKind::kPreview:
+      return u"Preview";
+    case ControlKind::kFaceList:
+      return u"Faces";
+    default:
+      return row.caption;
+  }
 }
 
 const CutControlRow* FindCutControl(ControlId id) {

@@ -39,6 +39,10 @@ struct CutControlRow {
 };
 
 std::span<const CutControlRow> CutControls();
+
+// What assistive technology calls it, English: its caption, or a short name where it has none.
+// Empty where its hint is all there is.
+const char16_t* NameOf(const CutControlRow& row);
 const CutControlRow* FindCutControl(ControlId id);  // null where there is none
 
 }  // namespace kerno

@@ -273,6 +273,7 @@ void CutPainter::Paint(DrawingContext& dc, const View& view, PreviewLook look,
     LinePen pen(dc, InkOf(layer.role, inks), std::clamp(view.density, 1.0, kThickest));
     DrawLines(dc, layer.role);
   }
+  DrawSpecks(dc, view, inks);
   if (look == PreviewLook::kCutLines) DrawStarts(dc, view, inks);
   if (look == PreviewLook::kNodes) DrawNodes(dc, view, inks);
 }
@@ -322,6 +323,29 @@ void CutPainter::DrawLines(DrawingContext& dc, ShapeRole role) {
       dc.DrawPolyline(rest.first(count));
       rest = rest.subspan(count);
     }
+  }
+}
+
+// A shape that is smaller than a pixel leaves one, so that a very large drawing is seen.
+void CutPainter::DrawSpecks(DrawingContext& dc, const View& view, const PreviewInks& inks) {
+  constexpr double kLeastSeen = 1, kHalf = 0.5;
+  std::vector<const Seen*> small;
+  for (const Seen& seen : seen_) {
+    const Box2& box = boxes_[drawing_->placed[seen.placed].shape];
+    if (std::max(box.Width(), box.Height()) * scale_ < kLeastSeen) small.push_back(&seen);
+  }
+  if (small.empty()) return;
+  for (const DrawingLayer& layer : layers_) {
+    Taken taken(view.width, view.height, kLeastSeen, 0);
+    Marks specks(InkOf(layer.role, inks));
+    for (const Seen* seen : small) {
+      const PlacedShape& placed = drawing_->placed[seen->placed];
+      if (placed.role != layer.role) continue;
+      const P2 middle = (boxes_[placed.shape].min + boxes_[placed.shape].max) * 0.5;
+      const DevicePoint at = {seen->at.x + middle.x * scale_, seen->at.y - middle.y * scale_};
+      if (taken.Take(at)) specks.AddSquare(at, kHalf * view.density);
+    }
+    specks.Draw(dc);
   }
 }
 

@@ -57,6 +57,7 @@ class CutPainter {
   void Gather(const Seen& seen, bool closed);
   void FillShapes(DrawingContext& dc, const PreviewInks& inks);
   void DrawLines(DrawingContext& dc, ShapeRole role);
+  void DrawSpecks(DrawingContext& dc, const View& view, const PreviewInks& inks);
   void DrawStarts(DrawingContext& dc, const View& view, const PreviewInks& inks);
   void DrawNodes(DrawingContext& dc, const View& view, const PreviewInks& inks);
   void DrawSheet(DrawingContext& dc, const View& view, const PreviewInks& inks);

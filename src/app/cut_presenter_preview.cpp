@@ -1,6 +1,8 @@
 // What the user does in the preview of the Cut page.
 
+#include <charconv>
 #include <cmath>
+#include <iterator>
 
 #include "app/captions.h"
 #include "app/cut_presenter.h"
@@ -10,6 +12,15 @@ namespace kerno {
 namespace {
 
 using Id = ControlId;
+
+// "47 %", "0.4 %": two digits at least, so that no figure is nothing.
+std::u16string PercentText(double percent) {
+  int decimals = 0;
+  for (double rest = percent; rest < 9.95 && decimals < 9; rest *= 10) ++decimals;
+  char text[40];
+  const auto end = std::to_chars(text, std::end(text), percent, std::chars_format::fixed, decimals);
+  return end.ec == std::errc() ? Utf8ToUtf16Lossy({text, end.ptr}) + u" %" : u"";
+}
 
 }  // namespace
 
@@ -79,9 +90,7 @@ std::unique_ptr<BitmapSurface> CutPresenter::PreviewPicture(Color paper) {
 void CutPresenter::ShowZoom() {
   const double percent = preview_.Percent(view_.PixelsPerMillimetre());
   const bool is_shown = made_ && std::isfinite(percent) && percent > 0;
-  const std::u16string figure =
-      is_shown ? Utf8ToUtf16Lossy(std::to_string(std::llround(percent))) + u" %" : u"";
-  view_.ShowControlText(Id::kZoomFigure, figure);
+  view_.ShowControlText(Id::kZoomFigure, is_shown ? PercentText(percent) : u"");
 }
 
 void CutPresenter::ShowPointer(double x, double y) {

@@ -110,6 +110,10 @@ void DialogPresenter::Open() {
   ShowMenu();
   ShowHeightFault();
   WindowPlace place = memory_.window;
+  // Nothing is kept before the first window was closed: the next one steps aside from the middle.
+  if (place.normal == WindowRect{} && services_.WindowsBefore() > 0) {
+    place.normal = InTheMiddle(view_.PlaceOfWindow().normal, view_.Screens());
+  }
   place.normal = KeepInSight(StepAside(place.normal, services_.WindowsBefore()), view_.Screens());
   view_.PlaceWindow(place);
   Rebuild();

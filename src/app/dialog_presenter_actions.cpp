@@ -63,6 +63,7 @@ void DialogPresenter::Pressed(ControlId button) {
 
 void DialogPresenter::Chosen(MenuCommand command) {
   if (IsEditCommand(command)) return view_.EditText(command);
+  if (memory_.mode == WindowMode::kCut && IsOfClassicAlone(command)) return;
   switch (command) {
     case MenuCommand::kAbout: {
       std::u16string version, copyright;

@@ -38,6 +38,11 @@ WindowRect KeepInSight(const WindowRect& wanted, std::span<const WindowRect> scr
     return Sized(wanted.left, wanted.top, std::min(Width(wanted), Width(screen)),
                  std::min(Height(wanted), Height(screen)));
   }
+  return InTheMiddle(wanted, screens);
+}
+
+WindowRect InTheMiddle(const WindowRect& wanted, std::span<const WindowRect> screens) {
+  if (screens.empty()) return wanted;
   const WindowRect& first = screens.front();
   const int64_t width = std::min(Width(wanted), Width(first));
   const int64_t height = std::min(Height(wanted), Height(first));

@@ -11,6 +11,9 @@ namespace kerno {
 // otherwise moved onto the first screen. An empty rectangle, or no screen, stays as it is.
 WindowRect KeepInSight(const WindowRect& wanted, std::span<const WindowRect> screens);
 
+// The rectangle, no larger than the first screen, in its middle. No screen: as it is.
+WindowRect InTheMiddle(const WindowRect& wanted, std::span<const WindowRect> screens);
+
 // The rectangle moved down and to the right by a title bar for each window that stands already, so
 // that a new one covers none of their title bars. An empty rectangle stays as it is.
 WindowRect StepAside(const WindowRect& wanted, int windows_before);

@@ -76,6 +76,15 @@ void AxisSliders::Make(const std::vector<AxisRow>& axes) {
   }
 }
 
+std::vector<QWidget*> AxisSliders::Stops() const {
+  std::vector<QWidget*> stops;
+  for (const Line& line : lines_) {
+    stops.push_back(line.slider);
+    stops.push_back(line.figure);
+  }
+  return stops;
+}
+
 void AxisSliders::Place(const Line& line, const AxisRow& axis) {
   if (line.slider->value() != StepOf(axis)) line.slider->setValue(StepOf(axis));
   if (line.figure->value() != axis.place) line.figure->setValue(axis.place);

@@ -23,6 +23,9 @@ class AxisSliders final : public QWidget {
   // Axes that are the same as before keep their controls, so that a slider can be dragged on.
   void Show(const std::vector<AxisRow>& axes);
 
+  // What the Tab key stops at, in its order.
+  std::vector<QWidget*> Stops() const;
+
  private:
   struct Line {
     QLabel* name;

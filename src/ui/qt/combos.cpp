@@ -8,6 +8,7 @@
 #include "app/controls.h"
 #include "app/height_text.h"
 #include "ui/qt/face_suggestions.h"
+#include "ui/qt/fields.h"
 #include "ui/qt/qt_text.h"
 
 namespace kerno {
@@ -44,6 +45,16 @@ TextCombo::TextCombo(QWidget* parent) : QComboBox(parent) {
     const int row = findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
     if (row >= 0) setCurrentIndex(row);
   });
+}
+
+void TextCombo::SetFault(bool at_fault) {
+  at_fault_ = at_fault;
+  update();
+}
+
+void TextCombo::paintEvent(QPaintEvent* event) {
+  QComboBox::paintEvent(event);
+  if (at_fault_) PaintFault(this);
 }
 
 FaceCombo::FaceCombo(QWidget* parent) : TextCombo(parent) {
@@ -99,6 +110,16 @@ HeightSpin::HeightSpin(QWidget* parent) : QAbstractSpinBox(parent) {
   connect(lineEdit(), &QLineEdit::textEdited, this, [this](const QString& text) {
     if (on_edited) on_edited(text);
   });
+}
+
+void HeightSpin::SetFault(bool at_fault) {
+  at_fault_ = at_fault;
+  update();
+}
+
+void HeightSpin::paintEvent(QPaintEvent* event) {
+  QAbstractSpinBox::paintEvent(event);
+  if (at_fault_) PaintFault(this);
 }
 
 void HeightSpin::stepBy(int steps) {

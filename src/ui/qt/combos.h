@@ -21,6 +21,15 @@ void SizeDropDown(QComboBox* combo);
 class TextCombo : public QComboBox {
  public:
   explicit TextCombo(QWidget* parent = nullptr);
+
+  // A red frame while the text cannot be used.
+  void SetFault(bool at_fault);
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  bool at_fault_ = false;
 };
 
 // Face names, each shown in its own face once that was loaded, which happens while the list stands
@@ -55,11 +64,16 @@ class HeightSpin final : public QAbstractSpinBox {
   std::function<void(int)> on_stepped;
 
   QLineEdit* edit() const { return lineEdit(); }
+  void SetFault(bool at_fault);  // as TextCombo
   void stepBy(int steps) override;
   QSize sizeHint() const override;
 
  protected:
   StepEnabled stepEnabled() const override { return StepUpEnabled | StepDownEnabled; }
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  bool at_fault_ = false;
 };
 
 }  // namespace kerno

@@ -15,6 +15,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <iterator>
+#include <span>
 
 #include "app/captions.h"
 #include "app/scoped_flag.h"
@@ -57,10 +59,24 @@ bool TakesWholeLine(const CutControlRow& row) {
 // Two that have the same key would lose it both: the menu's entry presses the button then.
 bool IsKeyOfMenu(std::u16string_view key) {
   for (const MenuColumn& column : Menu()) {
-    const auto has_key = [key](const MenuRow& row) { return key == row.shortcut; };
+    const auto has_key = [key](const MenuRow& row) {
+      return key == row.shortcut && !IsOfClassicAlone(row.command);
+    };
     if (std::ranges::any_of(column.rows, has_key)) return true;
   }
   return false;
+}
+
+// A line of three controls or more that have no captions: they stand close together.
+bool IsSmallLine(std::span<const CutControlRow> line) {
+  return line.size() > 2 && std::ranges::none_of(line, HasCaptionBefore);
+}
+
+// The controls of a line of the table that begins there.
+std::span<const CutControlRow> LineFrom(const CutControlRow& first) {
+  const auto rows = CutControls();
+  const auto from = rows.begin() + (&first - rows.data());
+  return {from, std::ranges::find(from + 1, rows.end(), false, &CutControlRow::same_line)};
 }
 
 int WidthOf(const QWidget& widget, std::u16string_view text) {
@@ -86,7 +102,6 @@ void CutPage::SetPresenter(CutPresenter* presenter) {
 
 // Controls
 
-// The Tab key goes from one to the next in the order in which they are made.
 void CutPage::MakeControls() {
   const ScopedFlag writing(shows_);
   for (const CutControlRow& row : CutControls()) {
@@ -196,7 +211,8 @@ QWidget* CutPage::MakeChoice(const CutControlRow& row) {
     combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     combo->setMinimumContentsLength(6);
   } else {
-    combo = new Choice(this);
+    const bool any_length = row.width == kRestOfLine;
+    combo = new Choice(any_length ? Choice::Width::kPlace : Choice::Width::kLongest, this);
   }
   LeaveWheelAlone(combo);
   connect(combo, &QComboBox::currentIndexChanged, this, UnlessShown([this, id = row.id](int index) {
@@ -265,7 +281,7 @@ void CutPage::ShowCaption(const CutControlRow& row) {
   QWidget* control = controls_.at(row.id);
   const QString caption = Said(row.caption);
   const QString hint = Said(row.hint);
-  const QString name = ToQString(WithoutMnemonic(FromQString(caption)));
+  const QString name = ToQString(WithoutMnemonic(FromQString(Said(NameOf(row)))));
   const auto before = captions_.find(row.id);
   if (before != captions_.end()) {
     before->second->setText(caption);
@@ -284,8 +300,13 @@ void CutPage::ShowCaption(const CutControlRow& row) {
   }
   control->setToolTip(told);
   const bool is_sign = !name.isEmpty() && !name.front().isLetterOrNumber();
-  control->setAccessibleName(name.isEmpty() || is_sign ? hint : name);
-  if (!name.isEmpty() && !is_sign) control->setAccessibleDescription(hint);
+  const bool is_hint = name.isEmpty() || is_sign;
+  if (row.kind == ControlKind::kFigure) {
+    static_cast<Figure*>(control)->SetName(name);
+  } else {
+    control->setAccessibleName(is_hint ? hint : name);
+  }
+  if (!is_hint || row.kind == ControlKind::kFigure) control->setAccessibleDescription(hint);
   if (row.kind == ControlKind::kSearch) static_cast<Field*>(control)->setPlaceholderText(hint);
   if (row.kind == ControlKind::kTextBox) text_->setPlaceholderText(hint);
   if (row.kind == ControlKind::kFigure && TakesWholeLine(row)) {
@@ -308,6 +329,29 @@ void CutPage::LayOut() {
   page->addWidget(split_, 1);
   AddProgress(page);
   AddOutputs(page);
+  // Assistive technology meets them in the order of their making or raising.
+  split_->raise();
+  progress_->raise();
+  for (const CutControlRow& row : CutControls()) {
+    QWidget* control = controls_[row.id];
+    QWidget* stands_in = control->parentWidget() == this ? control : control->parentWidget();
+    if (row.section == CutSection::kOutput) stands_in->raise();
+  }
+  OrderTabs();
+}
+
+// From top to bottom, the preview after the panel. Sliders come and go.
+void CutPage::OrderTabs() {
+  std::vector<QWidget*> stops;
+  for (const CutControlRow& row : CutControls()) {
+    if (row.kind == ControlKind::kAxes) {
+      std::ranges::copy(axes_->Stops(), std::back_inserter(stops));
+    } else {
+      if (row.kind == ControlKind::kLinks) stops.push_back(cancel_);
+      stops.push_back(controls_[row.id]);
+    }
+  }
+  for (size_t i = 1; i < stops.size(); ++i) setTabOrder(stops[i - 1], stops[i]);
 }
 
 QWidget* CutPage::MakePanel() {
@@ -345,12 +389,24 @@ QWidget* CutPage::MakePanel() {
 // Two captions with their controls stand side by side, all under one another; a third control has
 // the next line.
 void CutPage::AddToPanel(const CutControlRow& row) {
-  const bool is_beside = row.same_line && lines_.back().controls.size() < 2;
-  if (!is_beside) AddLine();
-  lines_.back().controls.push_back(row.id);
+  const bool joins = row.same_line && lines_.back().small;
+  const bool is_beside = row.same_line && !joins && lines_.back().controls.size() < 2;
+  if (!joins && !is_beside) AddLine();
+  PanelLine& panel_line = lines_.back();
+  panel_line.controls.push_back(row.id);
   const int line = grid_->rowCount() - 2;
   QWidget* control = controls_[row.id];
   const auto caption = captions_.find(row.id);
+  if (!row.same_line && IsSmallLine(LineFrom(row))) {
+    panel_line.small = new QHBoxLayout;
+    panel_line.small->addStretch(1);
+    grid_->addLayout(panel_line.small, line, 0, 1, kGridColumns);
+  }
+  if (panel_line.small) {
+    panel_line.small->insertWidget(panel_line.small->count() - 1, control);
+    control->setMaximumWidth(row.width == 0 ? QWIDGETSIZE_MAX : 2 * row.width);
+    return panel_line.fault->raise();
+  }
   if (row.kind == ControlKind::kFigure && caption != captions_.end()) {
     auto* together = new QHBoxLayout;
     together->addWidget(caption->second);
@@ -358,15 +414,14 @@ void CutPage::AddToPanel(const CutControlRow& row) {
     return grid_->addLayout(together, line, 0, 1, kGridColumns);
   }
   int from = is_beside ? 2 : 0;
-  const auto rows = CutControls();
-  const auto next = static_cast<size_t>(&row - rows.data()) + 1;
-  const bool is_last = next >= rows.size() || !rows[next].same_line;
-  const int until =
-      is_beside || (is_last && row.width == kRestOfLine) ? kGridColumns : kGridColumns / 2;
+  const bool is_last = LineFrom(row).size() == 1;
+  const bool is_wide = row.width == kRestOfLine || row.kind == ControlKind::kChoice;
+  const int until = is_beside || (is_last && is_wide) ? kGridColumns : kGridColumns / 2;
   if (caption != captions_.end()) grid_->addWidget(caption->second, line, from++);
   grid_->addWidget(control, line, from, 1, until - from);
   // The list of faces takes the height that is free.
   if (row.kind == ControlKind::kFaceList) grid_->setRowStretch(line, 1);
+  panel_line.fault->raise();  // read out after the controls
 }
 
 // A line of the panel, and one for what is wrong in it.
@@ -376,7 +431,7 @@ void CutPage::AddLine() {
   fault->setWordWrap(true);
   fault->hide();
   grid_->addWidget(fault, grid_->rowCount() + 1, 0, 1, kGridColumns);
-  lines_.push_back({{}, fault});
+  lines_.push_back({.controls = {}, .fault = fault});
 }
 
 QWidget* CutPage::MakePreviewSide() {

@@ -13,6 +13,7 @@
 
 class QAbstractButton;
 class QGridLayout;
+class QHBoxLayout;
 class QLabel;
 class QProgressBar;
 class QScrollArea;
@@ -90,6 +91,7 @@ class CutPage final : public QWidget, public CutView {
   struct PanelLine {
     std::vector<ControlId> controls;
     QLabel* fault;
+    QHBoxLayout* small = nullptr;  // controls without captions, more than two of them
   };
   struct Section {
     QLabel* title = nullptr;
@@ -114,6 +116,7 @@ class CutPage final : public QWidget, public CutView {
   void AddProgress(QVBoxLayout* page);
   void ArrangeForWidth();
   void ShowTitles();
+  void OrderTabs();
   template <class Widget>
   Widget* Find(ControlId id) const {
     return static_cast<Widget*>(controls_.at(id));

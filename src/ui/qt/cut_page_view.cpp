@@ -147,6 +147,8 @@ void CutPage::RepaintFaceRows() {
 
 void CutPage::ShowAxes(const std::vector<AxisRow>& axes) {
   axes_->Show(axes);
+  axes_->setHidden(axes.empty());
+  OrderTabs();
 }
 
 void CutPage::RepaintPreview() {

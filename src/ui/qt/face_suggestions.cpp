@@ -1,10 +1,12 @@
 #include "ui/qt/face_suggestions.h"
 
 #include <QApplication>
+#include <QFontDatabase>
+#include <QHash>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QScrollBar>
-#include <QSet>
 #include <QStyledItemDelegate>
 #include <QTimer>
 #include <algorithm>
@@ -27,6 +29,13 @@ class FaceDelegate final : public QStyledItemDelegate {
 
   void Forget() { loaded_.clear(); }
 
+  void paint(QPainter* painter, const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override {
+    QStyledItemDelegate::paint(painter, option, index);
+    const QString face = index.data().toString();
+    if (loaded_.value(face) == Letters::kSymbols) PaintSample(painter, option, face);
+  }
+
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override {
     return {1, option.fontMetrics.height() + kFaceRowPadding};
   }
@@ -35,7 +44,9 @@ class FaceDelegate final : public QStyledItemDelegate {
   void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
     QStyledItemDelegate::initStyleOption(option, index);
     const QString face = option->text;
-    if (loaded_.contains(face)) {
+    const auto letters = loaded_.constFind(face);
+    if (letters != loaded_.constEnd()) {
+      if (*letters == Letters::kSymbols) return;
       option->font.setFamilies({face});
       option->fontMetrics = QFontMetrics(option->font);
     } else if (!waiting_.contains(face)) {
@@ -45,13 +56,47 @@ class FaceDelegate final : public QStyledItemDelegate {
   }
 
  private:
+  // What the face shows for letters.
+  enum class Letters { kUnknown, kLetters, kSymbols };
+
+  // Faces of mathematics say that they have letters, and hang signs from the line instead.
+  Letters LettersOf(const QFont& font) const {
+    const QString face = font.families().front();
+    const auto writes = [](QFontDatabase::WritingSystem system) {
+      return system != QFontDatabase::Any && system != QFontDatabase::Symbol;
+    };
+    const QList<QFontDatabase::WritingSystem> systems = QFontDatabase::writingSystems(face);
+    const bool says_so = systems.isEmpty() || std::ranges::any_of(systems, writes);
+    const QRect ink = QFontMetrics(font).tightBoundingRect(face);
+    const int most = 2 * list_->fontMetrics().height();
+    const bool stands = !ink.isEmpty() && ink.top() < 0 && ink.height() < most;
+    return says_so && stands ? Letters::kLetters : Letters::kSymbols;
+  }
+
+  // A name in symbols cannot be read: it stands in the window's font, and in symbols after that.
+  static void PaintSample(QPainter* painter, const QStyleOptionViewItem& option,
+                          const QString& face) {
+    const int gap = 2 * option.fontMetrics.averageCharWidth();
+    const int name = option.fontMetrics.horizontalAdvance(face) + 2 * gap;
+    const QRect place = option.rect.adjusted(name, 0, -gap, 0);
+    if (place.width() <= 0) return;
+    const bool is_selected = (option.state & QStyle::State_Selected) != 0;
+    QFont font = option.font;
+    font.setFamilies({face});
+    painter->save();
+    painter->setFont(font);
+    painter->setPen(option.palette.color(is_selected ? QPalette::HighlightedText : QPalette::Text));
+    painter->drawText(place, Qt::AlignRight | Qt::AlignVCenter,
+                      QFontMetrics(font).elidedText(face, Qt::ElideRight, place.width()));
+    painter->restore();
+  }
+
   void LoadOne() {
     if (waiting_.isEmpty()) return;
     const QString face = waiting_.takeFirst();
     QFont font = list_->font();
     font.setFamilies({face});
-    (void)QFontMetrics(font).horizontalAdvance(face);
-    loaded_.insert(face);
+    loaded_.insert(face, LettersOf(font));
     list_->viewport()->update();
     if (!waiting_.isEmpty()) timer_.start();
   }
@@ -59,7 +104,7 @@ class FaceDelegate final : public QStyledItemDelegate {
   QAbstractItemView* list_;
   mutable QTimer timer_;
   mutable QStringList waiting_;
-  QSet<QString> loaded_;
+  QHash<QString, Letters> loaded_;
 };
 
 }  // namespace

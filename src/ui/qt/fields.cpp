@@ -38,6 +38,13 @@ void LeaveWheelAlone(QWidget* control) {
   control->installEventFilter(new WheelGuard(control));
 }
 
+void PaintFault(QWidget* control) {
+  QPainter painter(control);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(kFaultFrame, 2));
+  painter.drawRoundedRect(QRectF(control->rect()).adjusted(1, 1, -1, -1), 2, 2);
+}
+
 void Field::SetFault(bool at_fault) {
   at_fault_ = at_fault;
   update();
@@ -45,16 +52,24 @@ void Field::SetFault(bool at_fault) {
 
 void Field::paintEvent(QPaintEvent* event) {
   QLineEdit::paintEvent(event);
-  if (!at_fault_) return;
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(kFaultFrame, 2));
-  painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 2, 2);
+  if (at_fault_) PaintFault(this);
 }
 
-Choice::Choice(QWidget* parent) : QComboBox(parent) {
-  setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-  setMinimumContentsLength(6);
+Choice::Choice(Width width, QWidget* parent) : QComboBox(parent) {
+  if (width == Width::kLongest) {
+    setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  } else {
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(6);
+  }
+}
+
+QSize Choice::minimumSizeHint() const {
+  if (sizeAdjustPolicy() != QComboBox::AdjustToContents) return QComboBox::minimumSizeHint();
+  constexpr int kMostCharacters = 20;  // what is longer does not widen all of the panel
+  const QSize wanted = sizeHint();
+  return {std::min(wanted.width(), kMostCharacters * fontMetrics().averageCharWidth()),
+          wanted.height()};
 }
 
 void Choice::ShowItems(const std::vector<std::u16string>& items, size_t selected) {
@@ -91,8 +106,15 @@ void Figure::SetPlaceholder(const QString& text) {
   ShowAgain();
 }
 
+void Figure::SetName(const QString& name) {
+  name_ = name;
+  ShowAgain();
+}
+
 void Figure::ShowAgain() {
-  setText(text_.isEmpty() ? placeholder_ : text_);
+  const QString shown = text_.isEmpty() ? placeholder_ : text_;
+  setText(shown);
+  setAccessibleName(name_.isEmpty() ? shown : name_ + QStringLiteral(": ") + shown);
   setForegroundRole(text_.isEmpty() ? QPalette::PlaceholderText : QPalette::WindowText);
 }
 

@@ -15,6 +15,9 @@ namespace kerno {
 // The wheel scrolls what the control stands in; it changes a control only that has the keyboard.
 void LeaveWheelAlone(QWidget* control);
 
+// A red frame along the edge of a control.
+void PaintFault(QWidget* control);
+
 // An edit of one line, with a red frame while its text cannot be used.
 class Field final : public QLineEdit {
  public:
@@ -36,10 +39,13 @@ class Field final : public QLineEdit {
   int width_ = 0;
 };
 
-// A drop-down list of texts, no wider than its place; what does not fit is a hint.
+// A drop-down list of texts, as wide as the longest of them or, where names of any length may come,
+// no wider than its place.
 class Choice final : public QComboBox {
  public:
-  explicit Choice(QWidget* parent = nullptr);
+  enum class Width { kLongest, kPlace };
+  explicit Choice(Width width, QWidget* parent = nullptr);
+  QSize minimumSizeHint() const override;
   void ShowItems(const std::vector<std::u16string>& items, size_t selected);
 };
 
@@ -49,9 +55,11 @@ class Figure final : public QLabel {
   explicit Figure(QWidget* parent = nullptr);
   void ShowText(const QString& text);
   void SetPlaceholder(const QString& text);
+  // What it is the figure of: read out with it. May be empty.
+  void SetName(const QString& name);
 
  private:
-  QString text_, placeholder_;
+  QString text_, placeholder_, name_;
   void ShowAgain();
 };
 

@@ -255,6 +255,7 @@ void MainWindow::ShowMode(WindowMode mode) {
   static_cast<QToolButton*>(controls_[is_cut ? ControlId::kModeCut : ControlId::kModeClassic])
       ->setChecked(true);
   pages_->setCurrentWidget(is_cut ? static_cast<QWidget*>(cut_page_) : classic_page_);
+  EnableMenu(mode);
   TextOfPage()->setFocus();
 }
 
@@ -285,6 +286,11 @@ QMenuBar* MainWindow::MakeMenu(QWidget* parent) {
   bar->setNativeMenuBar(false);              // stands beside the switch
   for (const MenuColumn& column : Menu()) {  // NOLINT: the window owns its groups
     QMenu* menu = bar->addMenu(ToQString(column.caption));
+    if (IsEditCommand(column.rows.front().command)) {
+      connect(menu, &QMenu::aboutToShow, this, &MainWindow::EnableEdits);
+      // Keys work whatever the menu last showed.
+      connect(menu, &QMenu::aboutToHide, this, [this] { EnableMenu(presenter_->mode()); });
+    }
     QActionGroup* group = nullptr;
     for (const MenuRow& row : column.rows) {
       if (row.separator_before) menu->addSeparator();

@@ -14,6 +14,7 @@
 class QAction;
 class QComboBox;
 class QLabel;
+class QLineEdit;
 class QMenuBar;
 class QPushButton;
 class QStackedWidget;
@@ -108,6 +109,9 @@ class MainWindow final : public QWidget, private DialogView {
   PreviewEvents ClassicPreviewEvents();
   QMenuBar* MakeMenu(QWidget* parent);
   void ChooseFromMenu(const MenuRow& row);
+  void EnableMenu(WindowMode mode);
+  void EnableEdits();
+  QLineEdit* FocusedEdit() const;
   void SizeDropDowns();
   void LearnFrame();
   void MakeProgress(Qt::WindowModality modality, int delay);

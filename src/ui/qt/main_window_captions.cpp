@@ -10,8 +10,10 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QTranslator>
+#include <vector>
 
 #include "app/captions.h"
+#include "ui/qt/combos.h"
 #include "ui/qt/cut_page.h"
 #include "ui/qt/main_window.h"
 #include "ui/qt/qt_text.h"
@@ -81,6 +83,8 @@ void MainWindow::ShowCaptions() {
        {std::pair(ControlId::kModeClassic, u"Classic"), std::pair(ControlId::kModeCut, u"Cut")}) {
     static_cast<QAbstractButton*>(controls_.at(id))->setText(Said(caption));
   }
+  QWidget* const modes = controls_.at(ControlId::kModeClassic)->parentWidget();
+  modes->setAccessibleName(Said(u"Way of working"));
   cut_page_->ShowCaptions();
   const QList<QAction*> columns = menu_->actions();
   qsizetype column = 0;
@@ -90,14 +94,19 @@ void MainWindow::ShowCaptions() {
   }
 }
 
+// The frame is that of the control in which the edit stands.
 void MainWindow::ShowFault(ControlId id, std::u16string_view why) {
   QWidget* const control = controls_.at(id);
-  auto* combo = qobject_cast<QComboBox*>(control);
-  QWidget* const field = combo ? combo->lineEdit() : control;
-  field->setStyleSheet(why.empty() ? QString()
-                                   : QStringLiteral("QLineEdit { border: 2px solid #C00000 }"));
+  std::vector<QWidget*> parts = {control};
+  if (auto* combo = qobject_cast<QComboBox*>(control)) {
+    static_cast<TextCombo*>(combo)->SetFault(!why.empty());
+    parts.push_back(combo->lineEdit());
+  } else {
+    spin_->SetFault(!why.empty());
+    parts.push_back(spin_);
+  }
   const QString hint = why.empty() ? Said(kerno::Control(id).hint) : ToQString(why);
-  for (QWidget* const part : {control, field}) {
+  for (QWidget* const part : parts) {
     part->setToolTip(hint);
     part->setAccessibleDescription(ToQString(why));
   }

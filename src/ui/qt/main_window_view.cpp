@@ -77,6 +77,13 @@ void MainWindow::ShowMenuChecked(MenuCommand command, bool checked) {
   actions_.at(command)->setChecked(checked);
 }
 
+// In Cut, what is Classic's alone is disabled.
+void MainWindow::EnableMenu(WindowMode mode) {
+  for (const auto& [command, action] : actions_) {
+    action->setEnabled(mode == WindowMode::kClassic || !IsOfClassicAlone(command));
+  }
+}
+
 void MainWindow::ShowStatus(std::u16string_view text, StatusKind kind) {
   status_->setText(ToQString(text));
   status_->setAccessibleName(status_->text());

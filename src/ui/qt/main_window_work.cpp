@@ -1,5 +1,9 @@
 // What the main window shows and asks of work that runs beside it, and the text box's commands.
 
+#include <QAbstractSpinBox>
+#include <QAction>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -71,30 +75,48 @@ std::optional<std::filesystem::path> MainWindow::AskSave(const SaveQuestion& que
   return AskForFile(this, question);
 }
 
-// In the text box of the page that is shown.
+// The edit of one line that has the keyboard, which its control may have for it.
+QLineEdit* MainWindow::FocusedEdit() const {
+  QWidget* const focused = focusWidget();
+  if (auto* edit = qobject_cast<QLineEdit*>(focused)) return edit;
+  if (auto* combo = qobject_cast<QComboBox*>(focused)) return combo->lineEdit();
+  return qobject_cast<QAbstractSpinBox*>(focused) ? focused->findChild<QLineEdit*>() : nullptr;
+}
+
+void MainWindow::EnableEdits() {
+  const QLineEdit* const edit = FocusedEdit();
+  const TextBox* const box = TextOfPage();
+  const bool selects = edit ? edit->hasSelectedText() : box->textCursor().hasSelection();
+  const QTextDocument* const document = box->document();
+  actions_[MenuCommand::kCut]->setEnabled(selects);
+  actions_[MenuCommand::kCopy]->setEnabled(selects);
+  actions_[MenuCommand::kUndo]->setEnabled(edit ? edit->isUndoAvailable()
+                                                : document->isUndoAvailable());
+  actions_[MenuCommand::kRedo]->setEnabled(edit ? edit->isRedoAvailable()
+                                                : document->isRedoAvailable());
+}
+
+// In the edit that has the keyboard, else in the text box of the page that is shown.
 void MainWindow::EditText(MenuCommand command) {
-  TextBox* const box = TextOfPage();
-  switch (command) {
-    case MenuCommand::kUndo:
-      box->undo();
-      break;
-    case MenuCommand::kRedo:
-      box->redo();
-      break;
-    case MenuCommand::kCut:
-      box->cut();
-      break;
-    case MenuCommand::kCopy:
-      box->copy();
-      break;
-    case MenuCommand::kPaste:
-      box->paste();
-      break;
-    default:
-      box->selectAll();
-      break;
-  }
-  box->setFocus();
+  const auto edit_in = [command](auto* box) {
+    switch (command) {
+      case MenuCommand::kUndo:
+        return box->undo();
+      case MenuCommand::kRedo:
+        return box->redo();
+      case MenuCommand::kCut:
+        return box->cut();
+      case MenuCommand::kCopy:
+        return box->copy();
+      case MenuCommand::kPaste:
+        return box->paste();
+      default:
+        return box->selectAll();
+    }
+  };
+  if (QLineEdit* const edit = FocusedEdit()) return edit_in(edit);
+  edit_in(static_cast<QTextEdit*>(TextOfPage()));
+  TextOfPage()->setFocus();
 }
 
 }  // namespace kerno

@@ -9,6 +9,7 @@
 #include <QUrl>
 #include <QWheelEvent>
 #include <algorithm>
+#include <cmath>
 
 #include "ui/qt/qt_text.h"
 
@@ -40,7 +41,6 @@ PreviewFrame::PreviewFrame(QWidget* parent) : QFrame(parent) {
   setFocusPolicy(Qt::StrongFocus);
   setMinimumSize(160, 100);
   setCursor(pointer_);
-  setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 void PreviewFrame::SetEvents(PreviewEvents events) {
@@ -59,8 +59,15 @@ void PreviewFrame::Repaint() {
 
 void PreviewFrame::TellSize() {
   told_density_ = devicePixelRatioF();
+  // Between two pixels of the device the frame may begin anywhere: the picture reaches to its ends.
+  const auto covering = [this](int length) {
+    const double pixels = length * told_density_;
+    const double whole = std::ceil(pixels);
+    return (whole == pixels ? whole : whole + 1) / told_density_;
+  };
   if (events_.resized) {
-    events_.resized(contentsRect().width(), contentsRect().height(), told_density_);
+    const QSize inside = contentsRect().size();
+    events_.resized(covering(inside.width()), covering(inside.height()), told_density_);
   }
 }
 
@@ -80,7 +87,10 @@ void PreviewFrame::paintEvent(QPaintEvent*) {
   if (is_stale_ || told_density_ != devicePixelRatioF()) PaintPicture();
   QPainter painter(this);
   if (picture_.isNull()) painter.fillRect(rect(), palette().color(QPalette::Base));
-  painter.drawImage(OnPixel(painter, contentsRect().topLeft()), picture_);
+  const QTransform to_device = painter.deviceTransform();
+  const QPointF corner = to_device.map(QPointF(contentsRect().topLeft()));
+  const QPointF pixel(std::floor(corner.x()), std::floor(corner.y()));
+  painter.drawImage(to_device.inverted().map(pixel), picture_);
   drawFrame(&painter);
   if (hasFocus()) {
     painter.setPen(palette().color(QPalette::Highlight));

@@ -1,6 +1,7 @@
 #include "ui/qt/shown_children.h"
 
 #include <QAccessibleWidget>
+#include <QSplitter>
 #include <QStackedWidget>
 #include <QWidget>
 #include <cstring>
@@ -24,9 +25,17 @@ class ShownChildren final : public QAccessibleWidget {
   }
 
  private:
+  // Those of a splitter from left to right or from top to bottom.
+  QObjectList All() const {
+    const auto* splitter = qobject_cast<QSplitter*>(widget());
+    if (!splitter) return widget()->children();
+    QObjectList all;
+    for (int i = 0; i < splitter->count(); ++i) all += splitter->widget(i);
+    return all;
+  }
   QList<QAccessibleInterface*> Children() const {
     QList<QAccessibleInterface*> shown;
-    for (QObject* object : widget()->children()) {
+    for (QObject* object : All()) {
       auto* child = qobject_cast<QWidget*>(object);
       if (!child || child->isWindow() || child->isHidden()) continue;
       if (QAccessibleInterface* face = QAccessible::queryAccessibleInterface(child)) shown += face;
@@ -40,7 +49,10 @@ QAccessibleInterface* MakeInterface(const QString&, QObject* object) {
   auto* widget = qobject_cast<QWidget*>(object);
   if (!widget) return nullptr;
   const char* kind = widget->metaObject()->className();
-  if (std::strcmp(kind, "QWidget") != 0 && std::strcmp(kind, "QStackedWidget") != 0) return nullptr;
+  const bool is_plain = std::strcmp(kind, "QWidget") == 0 ||
+                        std::strcmp(kind, "QStackedWidget") == 0 ||
+                        std::strcmp(kind, "QSplitter") == 0;
+  if (!is_plain) return nullptr;
   return new ShownChildren(widget,
                            widget->isWindow() ? QAccessible::Window : QAccessible::Grouping);
 }

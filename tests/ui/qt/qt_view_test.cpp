@@ -1,4 +1,5 @@
 // What the Qt window alone does.
+#include <algorithm>
 #include <set>
 
 #include "support/recording_cut_view.h"
@@ -89,6 +90,63 @@ TEST_F(QtViewTest, AssistiveTechnologyMeetsWhatIsShown) {
     EXPECT_FALSE(names.contains(QStringLiteral("Write IPL"))) << "never shown";
     EXPECT_EQ(is_classic, names.contains(ToQString(view->TextOf(ControlId::kStatus))));
   }
+}
+
+TEST_F(QtViewTest, CutIsReadAndWalkedThroughFromTopToBottom) {
+  view->Click(ControlId::kModeCut);
+  view->TypeOver(ControlId::kCutText, u"AV");
+  ViewDriver::Wait();
+  std::vector<QAccessibleInterface*> all;
+  Collect(QAccessible::queryAccessibleInterface(&view->window), &all);
+  std::vector<int> read;
+  for (QAccessibleInterface* one : all) {
+    const int id = one->object() ? one->object()->objectName().toInt() : 0;
+    if (id > 0) read.push_back(id);
+    if (id == static_cast<int>(ControlId::kTrueSize)) {
+      EXPECT_TRUE(
+          one->text(QAccessible::Name).contains(view->Find<QLabel>(ControlId::kTrueSize)->text()));
+    }
+    EXPECT_NE(static_cast<int>(ControlId::kAxes), id) << "there are none";
+  }
+  std::vector<int> table = {static_cast<int>(ControlId::kModeClassic),
+                            static_cast<int>(ControlId::kModeCut)};
+  for (const CutControlRow& row : CutControls()) {
+    if (view->IsShown(row.id)) table.push_back(static_cast<int>(row.id));
+  }
+  EXPECT_EQ(table, read);
+  // The Tab key, too; what it does not stop at is left out.
+  view->Find<QWidget>(ControlId::kCutText)->setFocus();
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab, Qt::ShiftModifier);
+  EXPECT_EQ(view->Find<QWidget>(ControlId::kModeCut)->parent(),
+            QApplication::focusWidget()->parent());
+  auto place = std::ranges::find(table, static_cast<int>(ControlId::kModeCut));
+  for (int stops = 0; stops < 80; ++stops) {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    const int id = QApplication::focusWidget()->objectName().toInt();
+    if (id == table[0] || id == table[1]) break;
+    place = std::find(place, table.end(), id);
+    ASSERT_NE(table.end(), place) << "after " << stops << " stops: " << id;
+  }
+  EXPECT_EQ(static_cast<int>(ControlId::kSaveMenu), *place) << "the last stop";
+}
+
+TEST_F(QtViewTest, TheMenuKnowsWhereItIs) {
+  const auto entry = [&](const char* caption) {
+    for (QAction* action : view->window.findChildren<QAction*>()) {
+      if (action->text() == QLatin1String(caption)) return action;
+    }
+    return static_cast<QAction*>(nullptr);
+  };
+  view->Click(ControlId::kModeCut);
+  EXPECT_FALSE(entry("Contours as &lines")->isEnabled() ||
+               entry("Save a copy &as...")->isEnabled());
+  view->TypeOver(ControlId::kSizeHeight, u"35");
+  view->Find<QWidget>(ControlId::kSizeHeight)->setFocus();
+  entry("Select &all")->trigger();
+  entry("&Copy")->trigger();
+  EXPECT_EQ(QStringLiteral("35"), QGuiApplication::clipboard()->text());
+  view->Click(ControlId::kModeClassic);
+  EXPECT_TRUE(entry("Contours as &lines")->isEnabled());
 }
 
 TEST_F(QtViewTest, SuggestionsEatNoClickAndTheListOpensAtItsFace) {
