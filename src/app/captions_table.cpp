@@ -498,6 +498,7 @@ constexpr CaptionRow kTexts[] = {
     {u"{} paths vanished: they are thinner than the offset",
      u"オフセットより細いパスが {} 個消えました",
      u"{} Pfade sind verschwunden: sie sind dünner als der Versatz"},
+    {u"1 row failed", u"1 行は失敗しました", u"1 Zeile ist gescheitert"},
     {u"{} rows failed", u"{} 行は失敗しました", u"{} Zeilen sind gescheitert"},
     {u"{} {} to cut", u"カット長 {} {}", u"{} {} zu schneiden"},
     {u"{}: the page takes tables, text files and font files",

@@ -16,6 +16,13 @@ std::u16string Count(uint64_t count) {
   return Utf8ToUtf16Lossy(std::to_string(count));
 }
 
+// What is wrong and with what; that of a row stands after its number.
+std::u16string SaidOf(const Message& message) {
+  const bool of_row = message.what.starts_with("row ");
+  const std::u16string what = of_row ? std::u16string() : Utf8ToUtf16Lossy(message.what);
+  return SayStatus(Status::Error(Failure::kOther, what, Utf8ToUtf16Lossy(message.why)));
+}
+
 }  // namespace
 
 void CutPresenter::OpenSeries(const fs::path& file) {
@@ -115,10 +122,13 @@ void CutPresenter::EndSeries() {
     return;
   }
   std::u16string text = Say(u"Wrote {} files of {} rows", {Count(end.files), Count(end.done)});
-  if (end.failed > 0) text += u"  ·  " + Say(u"{} rows failed", {Count(end.failed)});
+  if (end.failed > 0) {
+    text += u"  ·  ";
+    text += end.failed == 1 ? Say(u"1 row failed") : Say(u"{} rows failed", {Count(end.failed)});
+  }
   for (const SeriesTrouble& trouble : end.failures) {
     const std::u16string row = trouble.row > 0 ? Say(u"row {}", {Count(trouble.row)}) + u": " : u"";
-    text += u"  ·  " + row + ReasonOf(trouble.message);
+    text += u"  ·  " + row + SaidOf(trouble.message);
   }
   if (end.end == SeriesEnd::kStopped) text = Say(u"Cancelled.") + u" " + text;
   const bool is_good = end.failed == 0 && end.failures.empty();
