@@ -244,7 +244,7 @@ void CutPresenter::AxisMoved(size_t axis, double place) {
 
 void CutPresenter::ShowLooksAgain() {
   view_.RepaintPreview();
-  if (said_in_ == CurrentLanguage()) return;
+  if (said_in_ == CurrentLanguage()) return ShowStatus();
   said_in_ = CurrentLanguage();
   done_ = {};
   catalogue_.ShowNamesIn(LanguageTag());
@@ -322,6 +322,7 @@ void CutPresenter::Rebuild() {
   const auto making = std::make_shared<Making>();
   making->number = ++wanted_;
   if (!ReadForm(&making->job, &making->style)) {
+    is_making_ = false;  // what is on its way is not taken any more
     ShowPicture();
     return ShowStatus();
   }

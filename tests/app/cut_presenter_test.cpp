@@ -220,6 +220,10 @@ TEST_F(CutPresenterTest, TheWindowGoesOnWhileALongTextIsDrawn) {
   EXPECT_EQ("Drawing...", StatusText());
   page->Pressed(kSave);
   EXPECT_TRUE(view.save_questions.empty());
+  page->TextChanged(kSlant, u"x");
+  page->Pressed(kSave);
+  EXPECT_EQ("\"x\" is not a number", StatusText()) << "nothing is on its way";
+  page->TextChanged(kSlant, u"0");
   for (int i = 0; i < 2000 && !StatusText().ends_with("to cut"); ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
     page->Awake();
