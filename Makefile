@@ -12,13 +12,17 @@ all: release
 setup:
 	@sh tools/setup.sh
 
+RELEASE_BUILD := -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release -DKERNO_TESTS=OFF
 release: setup
-	@cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release -DKERNO_TESTS=OFF -DKERNO_BENCH=ON >/dev/null
+	@cmake $(RELEASE_BUILD) -DKERNO_BENCH=OFF >/dev/null
 	@cmake --build build/release -j $(JOBS)
 
-run: release
+# The window only where there is a display to show it on.
+run: setup
+	@cmake $(RELEASE_BUILD) -DKERNO_BENCH=OFF >/dev/null
+	@cmake --build build/release -j $(JOBS) --target kerno $(if $(DISPLAY)$(WAYLAND_DISPLAY),kerno-desktop)
 	@sh tools/run_samples.sh build/release/src/cli/kerno out
-	@[ -z "$$DISPLAY$$WAYLAND_DISPLAY" ] || build/release/src/cli/kerno
+	$(if $(DISPLAY)$(WAYLAND_DISPLAY),@build/release/src/cli/kerno)
 
 test: setup fuzz-briefly
 	@cmake -S . -B build/test $(TEST_BUILD) -DKERNO_SANITIZE=ON >/dev/null
@@ -29,7 +33,9 @@ test: setup fuzz-briefly
 samples: release
 	@sh tools/make_samples.sh build/release/src/cli/kerno out/samples docs/samples.png
 
-bench: release
+bench: setup
+	@cmake $(RELEASE_BUILD) -DKERNO_BENCH=ON >/dev/null
+	@cmake --build build/release -j $(JOBS)
 	@build/release/bench/kerno_bench --benchmark_filter='^(append|layout|text_to_parts)/'
 	@build/release/bench/kerno_bench --benchmark_filter='-^(append|layout|text_to_parts)/'
 	@build/release/bench/kerno_desktop_bench 2>/dev/null
@@ -101,6 +107,9 @@ windows-zip: windows
 # The same texts on both systems, the other one under Wine.
 agreement: release windows
 	@$(PYTHON) tools/check_agreement.py build/release/src/cli/kerno build/windows/src/cli/kerno.exe
+
+# What users install: each kind in a file of its own.
+include $(wildcard packaging/*.mk)
 
 clean:
 	@rm -rf build out

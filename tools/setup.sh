@@ -1,7 +1,10 @@
 #!/bin/sh
-# Installs the Debian packages that building, running and testing need; with "windows" also those for
-# building and testing the Windows programs. Does nothing when all are there. The tests see the faces of
-# the font packages alone: tests/fonts.conf names them.
+# Installs the Debian packages that building, running and testing need, and those of the groups that are named:
+# tools/setup.sh [windows] [packages] [programs]
+#   windows   to build and test the Windows programs
+#   packages  to make and try what users install
+#   programs  large programs that open our drawings
+# Does nothing when all are there. The tests see the faces of the font packages alone: tests/fonts.conf names them.
 set -e
 packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  qt6-base-dev qt6-gtk-platformtheme qt6-translations-l10n xvfb xdotool unrtf
@@ -15,15 +18,29 @@ packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  libexpat1-dev libxml2-utils assimp-utils
  python3 python3-ezdxf python3-fonttools python3-shapely python3-numpy imagemagick file emf2svg librsvg2-bin icoutils
- hp2xx qpdf poppler-utils parallel"
-
-if [ "$1" = windows ]; then
-  packages="$packages g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-x86-64-dev googletest
- wine64 wine locales xvfb zip imagemagick dpkg-dev"
-fi
+ hp2xx qpdf poppler-utils parallel
+ mandoc desktop-file-utils appstream shared-mime-info bash-completion zsh fish"
 
 sources=""
-[ "$1" = windows ] && sources="libpolyclipping harfbuzz fribidi"
+for group in "$@"; do
+  case $group in
+    windows)
+      packages="$packages g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 mingw-w64-x86-64-dev googletest
+ wine64 wine locales xvfb zip imagemagick dpkg-dev"
+      sources="libpolyclipping harfbuzz fribidi"
+      ;;
+    packages)
+      packages="$packages dpkg-dev debhelper fakeroot lintian debootstrap nsis osslsigncode"
+      ;;
+    programs)
+      packages="$packages inkscape freecad-python3 librecad openscad"
+      ;;
+    *)
+      echo "setup: no group \"$group\": windows, packages, programs" >&2
+      exit 2
+      ;;
+  esac
+done
 source_cache="${XDG_CACHE_HOME:-$HOME/.cache}/kerno-sources"
 
 as_root=""

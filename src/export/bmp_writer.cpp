@@ -35,7 +35,8 @@ int SideFor(double length) {
 
 }  // namespace
 
-BmpLayout LayOutBmp(const Extent3& box, const BmpOptions& options) {
+BmpLayout LayOutBmp(const Extent3& any_box, const BmpOptions& options) {
+  const Extent3 box = MeasurableBox(any_box);
   BmpLayout layout;
   const double width = box.max.x - box.min.x;
   const double height = box.max.y - box.min.y;

@@ -5,7 +5,17 @@
 
 namespace kerno {
 
-Affine FitExtent(const Extent3& box, const PictureFrame& frame, double margin) {
+Extent3 MeasurableBox(Extent3 box) {
+  constexpr double kMost = std::numeric_limits<double>::max() / 2;
+  for (double P3::*axis : {&P3::x, &P3::y}) {
+    box.min.*axis = std::clamp(box.min.*axis, -kMost, kMost);
+    box.max.*axis = std::clamp(box.max.*axis, -kMost, kMost);
+  }
+  return box;
+}
+
+Affine FitExtent(const Extent3& any_box, const PictureFrame& frame, double margin) {
+  const Extent3 box = MeasurableBox(any_box);
   const double room_x = std::max(1.0, frame.width - 2 * margin);
   const double room_y = std::max(1.0, frame.height - 2 * margin);
   const double width = box.max.x - box.min.x;

@@ -32,6 +32,9 @@ struct PictureFrame {
   double height = 0;
 };
 
+// A box whose sides are numbers, too: beyond half the largest number its corners are brought in.
+Extent3 MeasurableBox(Extent3 box);
+
 // Fits the box into the frame less `margin` on each side: proportions kept, centred. A box without
 // width and height is centred at scale 1; a margin that leaves nothing leaves one pixel.
 Affine FitExtent(const Extent3& box, const PictureFrame& frame, double margin);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "export/draw_parts.h"
 #include "support/memory_file.h"
 #include "support/picture_compare.h"
@@ -40,6 +42,15 @@ TEST(BmpWriter, LaysOutOneUnitAPixelWithinLimits) {
   const BmpLayout dot = LayOutBmp({{0, 0, 0}, {1e-310, 1e-320, 0}}, {});  // no scale is that large
   EXPECT_EQ(dot.width, 8);
   EXPECT_EQ(PixelsPerUnit(dot.fit), 1);
+  for (const double far : {1.7e308, std::numeric_limits<double>::infinity()}) {
+    const Extent3 box = {{-far, 0, 0}, {far, 5, 0}};
+    for (const BmpOptions& options : {BmpOptions{}, BmpOptions{.width = 64, .height = 64}}) {
+      const BmpLayout widest = LayOutBmp(box, options);
+      EXPECT_EQ(widest.width, options.width > 0 ? 64 : kMaxBmpSide) << far;
+      EXPECT_GT(PixelsPerUnit(widest.fit), 0) << far;
+      EXPECT_NEAR(Placed(widest.fit, P2{0, 0}).x, widest.width / 2, 1) << far;
+    }
+  }
 }
 
 TEST(BmpWriter, ReaderSeesThePixelsOfTheSurface) {
