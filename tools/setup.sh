@@ -33,7 +33,7 @@ for group in "$@"; do
       packages="$packages dpkg-dev debhelper fakeroot lintian debootstrap nsis osslsigncode"
       ;;
     programs)
-      packages="$packages inkscape freecad-python3 librecad openscad"
+      packages="$packages inkscape python3-lxml python3-cssselect freecad-python3 librecad openscad"
       ;;
     *)
       echo "setup: no group \"$group\": windows, packages, programs" >&2

@@ -31,7 +31,7 @@ stem=${file%.*}
 
 # OpenSCAD 2021.01 takes the ends of arcs for corners and knows the form r2000 alone. Paths of the layer "Cut inside" are
 # counters. A text that is empty or a face that is missing ends the script here, with kerno's own message.
-"$kerno" cut "--text=$text" "$@" --curves lines --dxf r2000 --unit mm --layer Cut --layers depth -o "$stem.dxf"
+printf "%s" "$text" | "$kerno" cut --text-file=- "$@" --curves lines --dxf r2000 --unit mm --layer Cut --layers depth -o "$stem.dxf"
 
 # The box of the letters, and for each counter the smallest letter around it.
 awk '
