@@ -65,7 +65,14 @@ BAD = {"no program": (["--program=/nowhere/kerno"], "/nowhere/kerno: there is no
        "no face": (["--text=x", "--face=Nope"], 'face: "Nope" is not installed'),
        "no style": (["--text=x", "--face=DejaVu Sans", "--style=Foo"], 'has no "Foo"'),
        "only blanks": (["--text=\u3000"], "no text to cut"), "nothing selected": (["--source=selected"], "No text is selected"),
-       "strokes": (["--text=x", "--stroke-font=nope", "--stroke_font=nope"], "nope")}
+       "strokes": (["--text=x", "--stroke_font=nope"], "there is no such stroke font")}
+# Texts that stay as they are when they are selected, and the reason.
+LEFT = {"several faces": ('x="1">a<tspan font-weight="bold">b</tspan>', "several faces"),
+        "by hand": ('x="1 4">ab', "moved one by one"), "spaced by hand": ('x="1">a<tspan dx="2">b</tspan>', "moved one by one"),
+        "in a frame": ('style="inline-size:40">ab', "flows in a frame"),
+        "columns": ('style="writing-mode:vertical-rl">ab', "from top to bottom"),
+        "on a path": ('x="1"><textPath>ab</textPath>', "on a path"), "empty": ('x="1"> ', "no text to cut"),
+        "flat": ('transform="scale(1,0)">ab', "no width or no height")}
 GOOD_TEXTS = ['"quotes" \'single\' & <tags>', "-x", "--help", "日本語 ＡＢＣ", "two\\nlines", "{field}", "%s $HOME `ls`"]
 
 FREECAD = """
@@ -323,9 +330,13 @@ class Trials(Checks):
             words = [re.sub("=(OLD|TRUE|BROKEN)$", f"={self.folder}/\\1", word) for word in words]
             words = words if any(word.startswith("--text") for word in words) else ["--text=x", *words]
             alone = {"KERNO": "", "PATH": "/nowhere", "HOME": "/nowhere"} if name == "not in PATH" else {}
-            done = self.extension(A4 + "</svg>", *[word for word in words if "stroke-font" not in word], **alone)
+            done = self.extension(A4 + "</svg>", *words, **alone)
             good = done.returncode != 0 and wanted in done.stderr and "Traceback" not in done.stderr
             self.expect("inkscape", name, "is told", good and not (self.folder / "out.svg").exists(), done.stderr)
+        for name, (rest, wanted) in LEFT.items():
+            done = self.extension(f'{A4}<text id="t" font-family="DejaVu Sans" {rest}</text></svg>', "--source=selected", "--id=t")
+            good = done.returncode != 0 and wanted in done.stderr and "Traceback" not in done.stderr
+            self.expect("inkscape", name, "is left as it is", good and not (self.folder / "out.svg").exists(), done.stderr)
         for text in GOOD_TEXTS:
             done = self.extension(A4 + "</svg>", f"--text={text}", "--face=IPAGothic")
             self.expect("inkscape", "a text", text, (done.returncode, done.stderr) == (0, ""), done.stderr)

@@ -21,6 +21,7 @@ STEP = re.compile(r"([A-Za-z])([^A-Za-z]*)")
 NUMBER = re.compile(r"-?\d+(?:\.\d+)?")
 LENGTH = re.compile(r"\s*([-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?)\s*([a-z]*)\s*$")
 UNITS = {"": PIXEL, "px": PIXEL, "mm": 1, "cm": 10, "in": INCH, "pt": INCH / 72, "pc": INCH / 6, "q": 0.25}
+FONT = ("font-family", "font-size", "font-weight", "font-style", "font-stretch", "letter-spacing")
 # Families that a style sheet may name without meaning one.
 GENERIC = {"serif", "sans-serif", "sans", "monospace", "cursive", "fantasy", "system-ui", ""}
 WEIGHTS = {"thin": 100, "hairline": 100, "extralight": 200, "ultralight": 200, "light": 300, "demilight": 350,
@@ -210,18 +211,44 @@ class Line:
         return {"middle": 0.5, "end": 1}.get((self.style.get("text-anchor") or "").strip(), 0)
 
 
-def lines_of(text):
-    def words(element):
-        return re.sub(r"\s+", " ", "".join(element.itertext()))
+def set_by_hand(text):
+    """What a text asks for that a line of kerno cannot give; empty when there is nothing."""
+    style = text.specified_style()
+    if any(isinstance(part, inkex.TextPath) for part in text.iterdescendants()):
+        return "stands on a path"
+    if any((style.get(name) or "none") != "none" for name in ("shape-inside", "inline-size")):
+        return "flows in a frame"
+    if (style.get("writing-mode") or "lr").strip()[:2] not in ("lr", "rl", "ho"):
+        return "runs from top to bottom"
+    for part in text.iter(inkex.addNS("text", "svg"), inkex.addNS("tspan", "svg")):
+        if any(part.get(name) for name in ("dx", "dy", "rotate", "textLength")) \
+                or any(len((part.get(name) or "").replace(",", " ").split()) > 1 for name in "xy"):
+            return "has letters that were moved one by one"
+    return ""
 
+
+def lines_of(text):
+    as_it_stands = text.get("{http://www.w3.org/XML/1998/namespace}space") == "preserve"
+
+    def line(element, styled):
+        words = "".join(element.itertext())
+        words = re.sub(r"[\t\r\n]", " ", words) if as_it_stands else re.sub(r"\s+", " ", words).strip()
+        style = styled.specified_style()
+        for part in element.iterdescendants(inkex.addNS("tspan", "svg")):
+            if any(part.specified_style().get(name) != style.get(name) for name in FONT) and "".join(part.itertext()).strip():
+                raise Failed(f"{text.get_id()}: has several faces or sizes in one line; cut it in pieces first.")
+        return Line(element, words, style, text)
+
+    reason = set_by_hand(text)
+    if reason:
+        raise Failed(f"{text.get_id()}: {reason}; make it a plain text first.")
     spans = [child for child in text if isinstance(child, inkex.Tspan)]
-    if any(isinstance(child, inkex.TextPath) for child in text):
-        raise Failed(f"{text.get_id()}: text on a path stays where it is; put it on lines first.")
-    if spans and not (text.text or "").strip() and all(span.get("y") or span.get("x") for span in spans):
-        found = [Line(span, words(span), span.specified_style(), text) for span in spans]
+    alone = bool(spans) and not (text.text or "").strip() and not any((span.tail or "").strip() for span in spans)
+    if alone and all(span.get("y") or span.get("x") for span in spans):
+        found = [line(span, span) for span in spans]
     else:
-        found = [Line(text, words(text), (spans[0] if spans and not (text.text or "").strip() else text).specified_style(), text)]
-    return [line for line in found if line.words.strip()]
+        found = [line(text, spans[0] if alone else text)]
+    return [each for each in found if each.words.strip()]
 
 
 def style_like(styles, line):
