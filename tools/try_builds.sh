@@ -33,6 +33,8 @@ draw() {
     cut "Panel 12 V" --stroke-font rowmans --cap-height 5mm --angle 7 -o "$2/strokes.dxf" -o "$2/strokes.plt"
     cut --count 9 --text "No. {n:03}" --face "DejaVu Serif" --cap-height 6mm --sheet 150x100mm --frame 40x15mm \
       --corner 3mm --numbers -o "$2/plates-{sheet}.dxf"
+    # The path of the program is written, too.
+    sed -i '/^EXE /d' "$2/arcs.x3d"
     cd "$2" && sha256sum ./*.* > sums
   )
 }
