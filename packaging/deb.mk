@@ -8,4 +8,4 @@ deb: setup setup-packages
 
 # The same packages in a fresh Debian 12: installed, run, upgraded, removed. Needs root.
 try-deb: deb
-	@sh tools/try_deb.sh
+	@$(PYTHON) tools/try_deb.py

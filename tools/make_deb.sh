@@ -13,7 +13,7 @@ tree="$work/kerno-$version"
 
 rm -rf "$tree"
 mkdir -p "$tree" "$results"
-rm -f "$work/kerno_$version"* "$work/"*_"$version"-*.deb
+rm -f "$work/kerno_$version"[.-]* "$work/"*_"$version"-*.deb
 git archive --prefix="kerno-$version/" HEAD | gzip -n > "$work/kerno_$version.orig.tar.gz"
 tar -xzf "$work/kerno_$version.orig.tar.gz" -C "$work"
 cp -R "$tree/packaging/debian" "$tree/debian"

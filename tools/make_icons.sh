@@ -1,17 +1,19 @@
 #!/bin/sh
 # Draws the icons of packaging/icons out of their SVG drawings, one folder for each size: tools/make_icons.sh
+# [FOLDER]; another folder leaves those of the sources as they are.
 # Small sizes have drawings of their own, whose edges lie on pixels. The results are kept with the sources,
 # so that a build needs no renderer.
 set -e
 cd "$(dirname "$0")/../packaging"
+icons="${1:-icons}"
 
 # draw NAME SIZE DRAWING [BORDER]: icons/SIZExSIZE/NAME.png, with that many empty pixels on each side.
 draw() {
   border="${4:-0}"
   inner=$(($2 - 2 * border))
-  mkdir -p "icons/$2x$2"
+  mkdir -p "$icons/$2x$2"
   rsvg-convert -w "$inner" -h "$inner" --page-width "$2" --page-height "$2" --left "$border" --top "$border" \
-    "$3" -o "icons/$2x$2/$1.png"
+    "$3" -o "$icons/$2x$2/$1.png"
 }
 
 program=kerno
