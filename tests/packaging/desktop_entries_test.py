@@ -63,16 +63,15 @@ class DesktopEntries(unittest.TestCase):
         self.ask("update-desktop-database", self.share / "applications")
         for text in ("Hello", "שלום"):  # the second is written as UTF-16
             written = self.root / "written.ipx"
-            status, said = run(self.kerno, "convert", text, "--face", "DejaVu Sans", "--replace",
-                               "-o", written)
+            status, said = run(self.kerno, "convert", text, "--face", "DejaVu Sans", "-o", written)
             self.assertEqual(status, 0, said)
             content = written.rename(self.root / "without-extension")
-            written.write_bytes(b"")
+            written.write_bytes(b"for the name alone")
             for name in (written, content):
                 said = self.ask("gio", "info", "-a", "standard::content-type,standard::icon", name)
                 self.assertIn(f"content-type: {TYPE}\n", said, f"{text}: {name.name}")
                 self.assertIn("icon: application-x-kerno-ipx,", said)
-        for other in ("2 7 ;\tPartsB\t", "PartsA", "2 7"):
+        for other in ("2 7 ;\tPartsB\t\t\t", "PartsA", "2 7"):
             (self.root / "other").write_text(other, encoding="ascii")
             self.assertNotIn(TYPE, self.ask("gio", "info", "-a", "standard::content-type",
                                             self.root / "other"))
