@@ -14,13 +14,15 @@ tree="$work/kerno-$version"
 rm -rf "$tree"
 mkdir -p "$tree" "$results"
 rm -f "$work/kerno_$version"[.-]* "$work/"*_"$version"-*.deb
-git archive --prefix="kerno-$version/" HEAD | gzip -n > "$work/kerno_$version.orig.tar.gz"
-tar -xzf "$work/kerno_$version.orig.tar.gz" -C "$work"
+sh tools/make_dist.sh "$work/dist" >/dev/null
+cp "$work/dist/kerno-$own_version.tar.xz" "$work/kerno_$version.orig.tar.xz"
+tar -xJf "$work/kerno_$version.orig.tar.xz" -C "$tree" --strip-components=1
 cp -R "$tree/packaging/debian" "$tree/debian"
 /usr/bin/python3 tools/make_debian_changelog.py "$tree/CHANGELOG.md" "$version" > "$tree/debian/changelog"
 
 # The build has a home of its own, but may use the cache of whoever builds.
-if command -v ccache >/dev/null; then
+if [ -d /usr/lib/ccache ]; then
+  PATH="/usr/lib/ccache:$PATH"
   export CCACHE_DIR="${CCACHE_DIR:-$(ccache -k cache_dir)}" CCACHE_BASEDIR="$work" CCACHE_NOHASHDIR=1
 fi
 export DEB_BUILD_OPTIONS="${DEB_BUILD_OPTIONS:-noautodbgsym}"
