@@ -9,7 +9,8 @@ version="${1:-$own_version}"
 work="$PWD/build/deb"
 results="$PWD/build/packages"
 [ "$version" = "$own_version" ] || results="$work/packages"
-tree="$work/kerno-$version"
+# One place for all versions, so that ccache knows each file again.
+tree="$work/kerno-$own_version"
 
 rm -rf "$tree"
 mkdir -p "$tree" "$results"
@@ -25,7 +26,10 @@ if [ -d /usr/lib/ccache ]; then
   PATH="/usr/lib/ccache:$PATH"
   export CCACHE_DIR="${CCACHE_DIR:-$(ccache -k cache_dir)}" CCACHE_BASEDIR="$work" CCACHE_NOHASHDIR=1
 fi
-export DEB_BUILD_OPTIONS="${DEB_BUILD_OPTIONS:-noautodbgsym}"
+# Nothing for debuggers, unless options are given.
+if [ -z "$DEB_BUILD_OPTIONS" ]; then
+  export DEB_BUILD_OPTIONS=noautodbgsym DEB_CFLAGS_STRIP=-g DEB_CXXFLAGS_STRIP=-g
+fi
 log="$work/kerno-$version.log"
 (cd "$tree" && nice -n 5 dpkg-buildpackage --no-sign) > "$log" 2>&1 || {
   tail -n 40 "$log" >&2
