@@ -88,7 +88,7 @@ for words in CASES:
         Part.export([made], FOLDER + "/a.step")
         again = Part.read(FOLDER + "/a.step")
         again = again.Volume if words.get("kind") == "solid" else again.Area
-        found.append(dict(label=made.Label, options=made.Options, valid=shape.isValid(), wires=len(shape.Wires),
+        found.append(dict(label=made.Label, options=made.KernoOptions, valid=shape.isValid(), wires=len(shape.Wires),
                           closed=sum(wire.isClosed() for wire in shape.Wires), area=shape.Area, volume=shape.Volume,
                           arcs=sum(isinstance(edge.Curve, Part.Circle) for edge in shape.Edges), again=again,
                           size=[box.XLength, box.YLength, box.ZLength]))
@@ -97,12 +97,13 @@ for words in CASES:
         found.append(dict(failed=str(failure)))
 json.dump(found, open(FOLDER + "/found.json", "w"))
 """
-# In its window: fills in the dialog of the macro, presses OK, undoes; then lets it fail.
+# In its window: fills in the dialog of the macro, presses OK; again for the object that is selected then, elsewhere;
+# undoes both; then lets it fail.
 FREECAD_WINDOW = """
 import json, os, traceback
 import FreeCAD, FreeCADGui
 from PySide2 import QtCore, QtWidgets
-said = []
+said, found = [], {}
 
 def fill(face):
     def later():
@@ -117,6 +118,12 @@ def fill(face):
         dialog.accept()
     return later
 
+def widen():
+    dialog = QtWidgets.QApplication.activeModalWidget()
+    found["asked again"] = dialog.findChild(QtWidgets.QPlainTextEdit, "text").toPlainText()
+    dialog.findChild(QtWidgets.QDoubleSpinBox, "length").setValue(90)
+    dialog.accept()
+
 def close_message():
     box = QtWidgets.QApplication.activeModalWidget()
     if box:
@@ -124,7 +131,6 @@ def close_message():
         box.accept()
 
 def work():
-    found = {}
     try:
         code = compile(open(MACRO).read(), MACRO, "exec")
         FreeCAD.newDocument("sign").UndoMode = 1
@@ -132,9 +138,15 @@ def work():
         exec(code, {"__name__": "__main__"})
         document = FreeCAD.ActiveDocument
         shape = document.Objects[0].Shape
-        found = dict(width=shape.BoundBox.XLength, height=shape.BoundBox.ZLength,
+        found.update(width=shape.BoundBox.XLength, height=shape.BoundBox.ZLength,
                      selected=[o.Label for o in FreeCADGui.Selection.getSelection()], undo=document.UndoCount)
-        document.undo()
+        document.Objects[0].Placement.Base = FreeCAD.Vector(7, 8, 9)
+        QtCore.QTimer.singleShot(500, widen)
+        exec(code, {"__name__": "__main__"})
+        box = document.Objects[0].Shape.BoundBox
+        found["wider"], found["at"], found["objects"] = box.XLength, box.ZMin, len(document.Objects)
+        while document.UndoCount:
+            document.undo()
         found["left"] = len(document.Objects)
         QtCore.QTimer.singleShot(500, fill("Nope"))
         exec(code, {"__name__": "__main__"})
@@ -396,6 +408,10 @@ class Trials(Checks):
         found = json.loads(file.read_text()) if file.exists() else {}
         self.tell("freecad", "from the dialog", "width, mm", found.get("width", 0), 80, 0.01)
         self.tell("freecad", "from the dialog", "height of the solid, mm", found.get("height", 0), 3, 1e-6)
+        self.tell("freecad", "asked again", "width, mm", found.get("wider", 0), 90, 0.01)
+        self.tell("freecad", "asked again", "where it stood, mm", found.get("at", 0), 9, 1e-6)
+        self.expect("freecad", "asked again", "with its own text, no second object",
+                    (found.get("asked again"), found.get("objects")) == ("Zwei\nZeilen", 1), found)
         self.expect("freecad", "from the dialog", "is selected, one Undo takes it back",
                     found.get("selected") == ["Zwei"] and (found["undo"], found["left"]) == (1, 0), found)
         self.expect("freecad", "from the dialog", "a missing face is told, nothing is made",

@@ -147,11 +147,14 @@ class Sheet:
     """The units of a document: mm of one unit across and down, and where its view and its page have their middle."""
 
     def __init__(self, svg):
-        box = [float(n) for n in re.split(r"[\s,]+", (svg.get("viewBox") or "").strip()) if LENGTH.match(n)]
+        try:
+            box = [float(n) for n in re.split(r"[\s,]+", (svg.get("viewBox") or "").strip())]
+        except ValueError:
+            box = []
         box = box if len(box) == 4 and min(box[2:]) > 0 else None
         page = [length(svg.get("width")), length(svg.get("height"))]
         if box:
-            page = [size or side * PIXEL for size, side in zip(page, box[2:])]
+            page = [size if size and size > 0 else side * PIXEL for size, side in zip(page, box[2:])]
             scales = [size / side for size, side in zip(page, box[2:])]
             ratio = svg.get("preserveAspectRatio") or "xMidYMid"
             if "none" not in ratio:
