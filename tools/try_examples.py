@@ -43,6 +43,7 @@ DOCUMENTS = {"no size": HEAD + "/>", "no viewBox": HEAD + 'width="400" height="3
              "stretched": HEAD + 'width="200mm" height="100mm" viewBox="0 0 100 100" preserveAspectRatio="none"/>',
              "turned layer": A4 + LAYER.format("rotate(30) scale(2) translate(5,7)"),
              "mirrored layer": A4 + LAYER.format("scale(-1,1)"),
+             "broken viewBox": HEAD + 'width="-5" height="0" viewBox="0 0 100mm nan"/>',
              "leaning layer": A4 + LAYER.format("skewX(30) scale(2,-3)")}
 SELECTED = A4 + """<style>.bold { font-weight: bold }</style>
 <g transform="rotate(20) scale(1.5,1.2)">
