@@ -18,7 +18,8 @@ import zlib
 import ezdxf.path
 from shapely.geometry import Polygon
 
-TEXT = ["Boing & 8 ÖR", "--face", "DejaVu Sans", "--at", "20,20"]
+FACE = ["--face", "DejaVu Sans"]
+TEXT = ["Boing & 8 ÖR", *FACE, "--at", "20,20"]
 WIDTH, HEIGHT = 120, 5  # of the text, and of what is extruded
 INCH = 25.4
 INKSCAPE_READER = "/usr/share/inkscape/extensions/dxf_input.py"
@@ -69,8 +70,10 @@ class Checks:
         self.closed = {name: made["closedPaths"] for name, made in self.made.items()}
         # Two frames across, so that a sheet's drawing is as wide as the others.
         frame = (WIDTH - 2) / 2
-        done = self.run(self.kerno, "cut", "--count", "6", "--text", "Nr. {n}", *TEXT[1:], "--cap-height", "4mm", "-o",
+        done = self.run(self.kerno, "cut", "--count", "6", "--text", "Nr. {n}", *FACE, "--cap-height", "4mm", "-o",
                         "sheet.dxf", "--sheet", f"{WIDTH + 10}x60mm", "--frame", f"{frame}x10mm", "--corner", "2mm", "--json")
+        if done.returncode != 0:
+            sys.exit(done.stderr)
         rows = [json.loads(line) for line in done.stdout.splitlines()]
         self.closed["sheet.dxf"] = 6 + sum(row["closedPaths"] for row in rows if "row" in row)
         self.cut("lines.dxf", *size, "--curves", "lines")
