@@ -57,7 +57,7 @@ SELECTED = A4 + """<style>.bold { font-weight: bold }</style>
 <text id="t5" x="20" y="280" style="font-size:12px">Generic</text></svg>"""
 # Choices of the dialog that need something beside them.
 BESIDE = {"selected": ["--id=t1"]}
-SHELL = 'echo "kerno: cut: is no command of kerno (kerno help lists them)" >&2; exit 2'
+TOO_OLD = 'echo "kerno: cut: is no command of kerno (kerno help lists them)" >&2; exit 2'
 # Arguments of the extension and words of what it says.
 BAD = {"no program": (["--program=/nowhere/kerno"], "/nowhere/kerno: there is no such program"),
        "not in PATH": (["--program="], "not installed, or not in a folder of PATH"),
@@ -65,11 +65,13 @@ BAD = {"no program": (["--program=/nowhere/kerno"], "/nowhere/kerno: there is no
        "does not run": (["--program=BROKEN"], "does not start"), "no text": (["--text= "], "no text to cut"),
        "no face": (["--text=x", "--face=Nope"], 'face: "Nope" is not installed'),
        "no style": (["--text=x", "--face=DejaVu Sans", "--style=Foo"], 'has no "Foo"'),
-       "only blanks": (["--text=\u3000"], "no text to cut"), "nothing selected": (["--source=selected"], "No text is selected"),
+       "only blanks": (["--text=\u3000"], "no text to cut"),
+       "nothing selected": (["--source=selected"], "No text is selected"),
        "strokes": (["--text=x", "--stroke_font=nope"], "there is no such stroke font")}
 # Texts that stay as they are when they are selected, and the reason.
 LEFT = {"several faces": ('x="1">a<tspan font-weight="bold">b</tspan>', "several faces"),
-        "by hand": ('x="1 4">ab', "moved one by one"), "spaced by hand": ('x="1">a<tspan dx="2">b</tspan>', "moved one by one"),
+        "by hand": ('x="1 4">ab', "moved one by one"),
+        "spaced by hand": ('x="1">a<tspan dx="2">b</tspan>', "moved one by one"),
         "in a frame": ('style="inline-size:40">ab', "flows in a frame"),
         "columns": ('style="writing-mode:vertical-rl">ab', "from top to bottom"),
         "on a path": ('x="1"><textPath>ab</textPath>', "on a path"), "empty": ('x="1"> ', "no text to cut"),
@@ -336,7 +338,7 @@ class Trials(Checks):
                     undone.exists() and "<path" not in undone.read_text())
 
     def bad_inputs(self):
-        for name, said in (("OLD", f"#!/bin/sh\n{SHELL}\n"), ("TRUE", "#!/bin/sh\nexit 0\n"), ("BROKEN", "#!/nowhere/sh\n")):
+        for name, said in (("OLD", f"#!/bin/sh\n{TOO_OLD}\n"), ("TRUE", "#!/bin/sh\n"), ("BROKEN", "#!/nowhere/sh\n")):
             (self.folder / name).write_text(said)
             (self.folder / name).chmod(0o755)
         for name, (words, wanted) in BAD.items():
@@ -347,7 +349,8 @@ class Trials(Checks):
             good = done.returncode != 0 and wanted in done.stderr and "Traceback" not in done.stderr
             self.expect("inkscape", name, "is told", good and not (self.folder / "out.svg").exists(), done.stderr)
         for name, (rest, wanted) in LEFT.items():
-            done = self.extension(f'{A4}<text id="t" font-family="DejaVu Sans" {rest}</text></svg>', "--source=selected", "--id=t")
+            document = f'{A4}<text id="t" font-family="DejaVu Sans" {rest}</text></svg>'
+            done = self.extension(document, "--source=selected", "--id=t")
             good = done.returncode != 0 and wanted in done.stderr and "Traceback" not in done.stderr
             self.expect("inkscape", name, "is left as it is", good and not (self.folder / "out.svg").exists(), done.stderr)
         for text in GOOD_TEXTS:
@@ -364,8 +367,7 @@ class Trials(Checks):
                  {"text": "Oslo", "stroke_font": "cursive"},
                  {"text": " "}, {"text": "x", "face": "Nope"}, {"text": "x", "program": "/nowhere/kerno"},
                  {"text": "x", "program": "/bin/true"}]
-        (self.folder / "make.py").write_text(
-            f"MACRO, FOLDER = {str(EXAMPLES / 'freecad/Kerno.FCMacro')!r}, {str(self.folder)!r}\nCASES = {cases}\n{FREECAD}")
+        self.script("make.py", f"CASES = {cases}\n{FREECAD}")
         done = self.run(program, "make.py")
         if not (self.folder / "found.json").exists():
             self.expect("freecad", "macro", "runs", False, done.stdout[-1500:] + done.stderr[-500:])
@@ -380,8 +382,10 @@ class Trials(Checks):
                                                            for w in made["options"].split(" --")])
             drawing = ezdxf.readfile(file)
             paths, low, high = list(drawing.modelspace()), drawing.header["$EXTMIN"], drawing.header["$EXTMAX"]
-            solid, faces = words.get("kind") == "solid", words.get("kind", "face") == "face" and "stroke_font" not in words
-            self.expect("freecad", name, "valid, named by the text", made["valid"] and made["label"] == words["text"].splitlines()[0])
+            solid = words.get("kind") == "solid"
+            faces = words.get("kind", "face") == "face" and "stroke_font" not in words
+            named = made["label"] == words["text"].splitlines()[0]
+            self.expect("freecad", name, "valid, named by the text", made["valid"] and named, made)
             self.tell("freecad", name, "width, mm", made["size"][0], high[0] - low[0], 1e-5)
             self.tell("freecad", name, "height, mm", made["size"][1], high[1] - low[1], 1e-5)
             if not solid:
@@ -399,10 +403,13 @@ class Trials(Checks):
         self.tell("freecad", "bad input", "told in words", sum("failed" in made for made in results), 4, 0)
         self.freecad_window()
 
+    def script(self, name, code):
+        macro = EXAMPLES / "freecad/Kerno.FCMacro"
+        (self.folder / name).write_text(f"MACRO, FOLDER = {str(macro)!r}, {str(self.folder)!r}\n{code}")
+
     def freecad_window(self):
         (self.folder / "found.json").unlink()
-        (self.folder / "window.py").write_text(
-            f"MACRO, FOLDER = {str(EXAMPLES / 'freecad/Kerno.FCMacro')!r}, {str(self.folder)!r}\n{FREECAD_WINDOW}")
+        self.script("window.py", FREECAD_WINDOW)
         subprocess.run(["xvfb-run", "-a", "freecad", "window.py"], cwd=self.folder, capture_output=True, check=False,
                        env=os.environ | {"HOME": str(self.folder), "QTWEBENGINE_DISABLE_SANDBOX": "1"}, timeout=180)
         file = self.folder / "found.json"
@@ -467,7 +474,8 @@ class Trials(Checks):
 def main():
     with tempfile.TemporaryDirectory() as folder:
         trials = Trials(sys.argv[1], folder)
-        for trial, program in ((trials.inkscape, "inkscape"), (trials.freecad, "freecadcmd"), (trials.openscad, "openscad")):
+        for trial, program in ((trials.inkscape, "inkscape"), (trials.freecad, "freecadcmd"),
+                               (trials.openscad, "openscad")):
             if sys.argv[2:] and trial.__name__ not in sys.argv[2:]:
                 continue
             if shutil.which(program):

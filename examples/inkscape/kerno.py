@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Inkscape extension: text as cut paths of true size, made by the command "kerno cut". README.md beside it tells more."""
+"""Inkscape extension: text as cut paths of true size, made by the command "kerno cut". See README.md beside it."""
 import json
 import math
 import os
@@ -57,8 +57,8 @@ def run(program, words, text=""):
     """What the command prints, and its warnings."""
     hidden = {"creationflags": subprocess.CREATE_NO_WINDOW} if sys.platform == "win32" else {}
     try:
-        done = subprocess.run([program, *words], input=text.encode("utf-8", "replace"), capture_output=True, check=False,
-                              timeout=MOST_SECONDS, **hidden)
+        done = subprocess.run([program, *words], input=text.encode("utf-8", "replace"), capture_output=True,
+                              check=False, timeout=MOST_SECONDS, **hidden)
     except OSError as error:
         raise Failed(f"{program} does not start: {error.strerror}") from error
     except subprocess.TimeoutExpired as error:
@@ -66,8 +66,9 @@ def run(program, words, text=""):
     said = done.stderr.decode("utf-8", "replace").strip()
     if done.returncode != 0:
         reason = said or f"it ended with the code {done.returncode} and told no reason"
-        old = " This kerno is too old for the extension." if re.search(r"is no (option|command) of kerno", reason) else ""
-        raise Failed(f"{reason}{old}\n({program})")
+        if re.search(r"is no (option|command) of kerno", reason):
+            reason += " This kerno is too old for the extension."
+        raise Failed(f"{reason}\n({program})")
     return done.stdout.decode("utf-8", "replace"), said
 
 
@@ -117,7 +118,8 @@ def moved(path, matrix):
         return f"{value:.{decimals}f}".rstrip("0").rstrip(".") if decimals else f"{value:.0f}"
 
     def points(numbers, across, down):
-        return [word(v) for x, y in zip(numbers[::2], numbers[1::2]) for v in (a * x + c * y + across, b * x + d * y + down)]
+        return [word(value) for x, y in zip(numbers[::2], numbers[1::2])
+                for value in (a * x + c * y + across, b * x + d * y + down)]
 
     steps = []
     for letter, rest in STEP.findall(path):
@@ -167,9 +169,9 @@ class Sheet:
         self.corner = [box[i] - left[i] * before[i] / scales[i] for i in (0, 1)]
         self.page = [(size or 0) / 2 for size in page]  # mm from the corner
         view = svg.find(inkex.addNS("namedview", "sodipodi"))
-        self.view = [length(view.get(inkex.addNS(name, "inkscape"))) if view is not None else None for name in ("cx", "cy")]
-        if None in self.view:
-            self.view = self.page
+        self.view = self.page
+        if view is not None and length(view.get(inkex.addNS("cx", "inkscape"))) is not None:
+            self.view = [length(view.get(inkex.addNS(name, "inkscape"))) or 0 for name in ("cx", "cy")]
 
     def middle(self, of_page):
         across, down = self.page if of_page else self.view
@@ -238,7 +240,8 @@ def lines_of(text):
         words = re.sub(r"[\t\r\n]", " ", words) if as_it_stands else re.sub(r"\s+", " ", words).strip()
         style = styled.specified_style()
         for part in element.iterdescendants(inkex.addNS("tspan", "svg")):
-            if any(part.specified_style().get(name) != style.get(name) for name in FONT) and "".join(part.itertext()).strip():
+            other = part.specified_style()
+            if any(other.get(name) != style.get(name) for name in FONT) and "".join(part.itertext()).strip():
                 raise Failed(f"{text.get_id()}: has several faces or sizes in one line; cut it in pieces first.")
         return Line(element, words, style, text)
 
@@ -268,11 +271,11 @@ def style_like(styles, line):
 
 class TextToPaths(inkex.EffectExtension):
     def add_arguments(self, pars):
-        for name, default in (("tab", ""), ("source", "typed"), ("text", ""), ("face", ""), ("style", ""),
-                              ("stroke_font", ""), ("align", "left"), ("size", "cap"), ("unit", "mm"), ("weld", "text"),
-                              ("curves", "arcs"), ("look", "hairline"), ("layer", ""), ("place", "view"), ("program", "")):
+        for name, default in {"tab": "", "source": "typed", "text": "", "face": "", "style": "", "stroke_font": "",
+                              "align": "left", "size": "cap", "unit": "mm", "weld": "text", "curves": "arcs",
+                              "look": "hairline", "layer": "", "place": "view", "program": ""}.items():
             pars.add_argument(f"--{name}", default=default)
-        for name, default in (("line_spacing", 1), ("length", 20), ("box_height", 20), ("tolerance", 0.01), ("offset", 0)):
+        for name, default in {"line_spacing": 1, "length": 20, "box_height": 20, "tolerance": 0.01, "offset": 0}.items():
             pars.add_argument(f"--{name}", type=float, default=default)
         pars.add_argument("--vertical", type=inkex.Boolean, default=False)
         pars.add_argument("--colour", type=inkex.Color, default=inkex.Color("#ff0000"))
@@ -339,7 +342,8 @@ class TextToPaths(inkex.EffectExtension):
             measured = Cut(self.program, line.words.rstrip() + "|", options)
             x += line.anchor() * (measured.last() - measured.origin()[0] - line.spacing())
         self.tell(cut)
-        return self.group(cut, inkex.Transform((1, 0, 0, 1, line.x - x, line.y - y)), line.words.strip(), HAIRLINE / scale)
+        placed = inkex.Transform((1, 0, 0, 1, line.x - x, line.y - y))
+        return self.group(cut, placed, line.words.strip(), HAIRLINE / scale)
 
     def styles(self, family):
         if not hasattr(self, "faces"):

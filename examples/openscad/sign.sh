@@ -29,9 +29,10 @@ done
 here=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)
 stem=${file%.*}
 
-# OpenSCAD 2021.01 takes the ends of arcs for corners and knows the form r2000 alone. Paths of the layer "Cut inside" are
-# counters. A text that is empty or a face that is missing ends the script here, with kerno's own message.
-printf "%s" "$text" | "$kerno" cut --text-file=- "$@" --curves lines --dxf r2000 --unit mm --layer Cut --layers depth -o "$stem.dxf"
+# OpenSCAD 2021.01 takes the ends of arcs for corners and knows the form r2000 alone. Paths of the layer "Cut inside"
+# are counters. A text that is empty or a face that is missing ends the script here, with kerno's own message.
+printf '%s' "$text" | "$kerno" cut --text-file=- "$@" --curves lines --dxf r2000 --unit mm --layer Cut --layers depth \
+  -o "$stem.dxf"
 
 # The box of the letters, and for each counter the smallest letter around it.
 awk '
@@ -76,6 +77,7 @@ quoted() {
 rm -f "$stem.boxes"
 
 case $file in
-  *.png) "$openscad" --camera=0,0,0,35,0,10,500 --autocenter --viewall --colorscheme=Tomorrow --imgsize 1600,600 -o "$file" "$stem.scad" ;;
-  *) "$openscad" -o "$file" "$stem.scad" ;;
+  *.png) set -- --camera=0,0,0,35,0,10,500 --autocenter --viewall --colorscheme=Tomorrow --imgsize 1600,600 ;;
+  *) set -- ;;
 esac
+"$openscad" "$@" -o "$file" "$stem.scad"

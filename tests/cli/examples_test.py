@@ -85,7 +85,8 @@ class OpenscadRecipe(programs.FolderTest):
                               text=True, check=False, env=os.environ | {"KERNO": KERNO, "OPENSCAD": "true"})
 
     def test_nothing_falls_out_of_a_stencil(self):
-        for text, *options in (["Boing & 8 ÖR%", "--style", "Bold"], ["@®© Åé\nBgØ0", "--at", "-300,-200", "--align", "right"],
+        for text, *options in (["Boing & 8 ÖR%", "--style", "Bold"],
+                               ["@®© Åé\nBgØ0", "--at", "-300,-200", "--align", "right"],
                                ["-ABC-", "--mirror", "--angle", "30"], ["OO88", "--letter-spacing", "-4mm"]):
             with self.subTest(text):
                 done = self.sign("stencil", "a b.stl", text, "--face", "DejaVu Sans", *options)
