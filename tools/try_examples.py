@@ -56,7 +56,7 @@ SELECTED = A4 + """<style>.bold { font-weight: bold }</style>
 <text id="t4" x="20" y="260" style="font-family:'DejaVu Sans Mono';font-size:12px"><tspan>i&lt;&amp;"x"</tspan></text>
 <text id="t5" x="20" y="280" style="font-size:12px">Generic</text></svg>"""
 # Choices of the dialog that need something beside them.
-BESIDE = {"selected": ["--id=t1"]}
+BESIDE = {"selected": ["--id=t1"], "cursive.lff": ["--source=selected", "--id=t2"]}
 TOO_OLD = 'echo "kerno: cut: is no command of kerno (kerno help lists them)" >&2; exit 2'
 # Arguments of the extension and words of what it says.
 BAD = {"no program": (["--program=/nowhere/kerno"], "/nowhere/kerno: there is no such program"),
@@ -276,7 +276,7 @@ class Trials(Checks):
                 choices.append((param.get("name"), "true"))
             elif param.get("type") == "color":
                 given[param.get("name")] = str(int(param.text, 16))  # as Inkscape passes it
-        choices += [("stroke_font", "cursive"), ("layer", "New layer"), ("offset", "-0.1")]
+        choices += [("stroke_font", "cursive"), ("stroke_font", "cursive.lff"), ("layer", "New layer"), ("offset", "-0.1")]
         for name, value in choices:
             words = [f"--{key}={what}" for key, what in (given | {name: value}).items()]
             done = self.extension(SELECTED, *words, *BESIDE.get(value, []))

@@ -221,7 +221,8 @@ def set_by_hand(text):
     style = text.specified_style()
     if any(isinstance(part, inkex.TextPath) for part in text.iterdescendants()):
         return "stands on a path"
-    if any((style.get(name) or "none") != "none" for name in ("shape-inside", "inline-size")):
+    frames = [(style.get(name) or "none").strip() for name in ("shape-inside", "inline-size")]
+    if any(frame not in ("none", "auto", "0", "0px") for frame in frames):
         return "flows in a frame"
     if (style.get("writing-mode") or "lr").strip()[:2] not in ("lr", "rl", "ho"):
         return "runs from top to bottom"
@@ -233,7 +234,8 @@ def set_by_hand(text):
 
 
 def lines_of(text):
-    as_it_stands = text.get("{http://www.w3.org/XML/1998/namespace}space") == "preserve"
+    as_it_stands = text.get("{http://www.w3.org/XML/1998/namespace}space") == "preserve" \
+        or (text.specified_style().get("white-space") or "").startswith("pre")
 
     def line(element, styled):
         words = "".join(element.itertext())
