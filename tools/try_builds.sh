@@ -8,7 +8,6 @@ mkdir -p "$2"
 folder=$(realpath "$2")
 shift 2
 wanted=" $* "
-root=$(cd "$(dirname "$0")/.." && pwd)
 jobs=${JOBS:-2}
 
 rm -rf "$folder/source"
@@ -33,8 +32,8 @@ draw() {
     cut "Panel 12 V" --stroke-font rowmans --cap-height 5mm --angle 7 -o "$2/strokes.dxf" -o "$2/strokes.plt"
     cut --count 9 --text "No. {n:03}" --face "DejaVu Serif" --cap-height 6mm --sheet 150x100mm --frame 40x15mm \
       --corner 3mm --numbers -o "$2/plates-{sheet}.dxf"
-    # The path of the program is written, too.
-    sed -i '/^EXE /d' "$2/arcs.x3d"
+    # It tells which program wrote it, and when that was built.
+    sed -i '/^EXE /d; /^X3D Exporter/d' "$2/arcs.x3d"
     cd "$2" && sha256sum ./*.* > sums
   )
 }
@@ -86,7 +85,7 @@ row() {
 }
 
 fortify="-Wp,-D_FORTIFY_SOURCE=2 -D_GLIBCXX_ASSERTIONS -fstack-protector-strong"
-row gcc-O2 gcc "-O2 -g $fortify" "-Wl,-z,relro -Wl,-z,now"
+row gcc-O2 gcc "-O2 $fortify" "-Wl,-z,relro -Wl,-z,now"
 row clang-O2 clang "-O2 $fortify" ""
 row gcc-O3-lto gcc "-O3 -Wp,-D_FORTIFY_SOURCE=2 -flto=auto" "-flto=auto"
 row gcc-O0 gcc "-O0 $fortify" ""
