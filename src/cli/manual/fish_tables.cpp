@@ -36,8 +36,9 @@ std::string Offer(const Values& values) {
 
 std::string OptionRule(const std::string& path, const OptionText& option) {
   const bool is_long = option.name.starts_with("--");
-  std::string rule =
-      Rule("__kerno_at", path) + (is_long ? " -l " : " -s ") + option.name.substr(is_long ? 2 : 1);
+  // Before a command, kerno has options of its own.
+  std::string rule = Rule(path.empty() ? "__kerno_place 0" : "__kerno_at", path) +
+                     (is_long ? " -l " : " -s ") + option.name.substr(is_long ? 2 : 1);
   if (!option.value.empty()) rule += Offer(option.values);
   return rule + Described(option.description);
 }

@@ -102,7 +102,7 @@ std::string Upper(std::string text) {
 
 std::string Head(const std::string& name, const std::string& what, const PageFrame& frame) {
   return ".Dd " + LongDate(frame.date) + "\n.Dt " + Upper(name) + " 1\n.Os Kerno " + frame.version +
-         "\n.Sh NAME\n.Nm " + name + "\n.Nd " + Escaped(what, Hyphens::kText) + "\n";
+         "\n.nh\n.Sh NAME\n.Nm " + name + "\n.Nd " + Escaped(what, Hyphens::kText) + "\n";
 }
 
 // ".It Fl \-face Ar NAME"
@@ -207,9 +207,11 @@ std::string Terms(const char* heading, const char* macro, std::span<const Term> 
   return out + ".El\n";
 }
 
-std::string Status() {
+std::string Status(Answers answers) {
+  if (answers == Answers::kNone) return {};
   std::string out = ".Sh EXIT STATUS\n.Bl -tag -width Ds\n";
   for (const StatusText& text : ExitStatusTexts()) {
+    if (text.status == kFaceTrouble && answers != Answers::kAll) continue;
     out += ".It " + std::to_string(text.status) + "\n" + Paragraph(text.meaning);
   }
   return out + ".El\n";
@@ -249,7 +251,7 @@ std::string SeeAlso(std::span<const std::string_view> pages) {
 // What follows the options.
 std::string Rest(const PageText& text) {
   return Terms("ENVIRONMENT", "Ev", text.environment) + Terms("FILES", "Pa", text.files) +
-         Status() + Examples(text.examples) + SeeAlso(text.see_also);
+         Status(text.answers) + Examples(text.examples) + SeeAlso(text.see_also);
 }
 
 }  // namespace

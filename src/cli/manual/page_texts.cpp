@@ -171,12 +171,31 @@ constexpr Example kHelpExamples[] = {{"The options of kerno cut:", "kerno help c
 constexpr std::string_view kHelpSeeAlso[] = {"kerno(1)"};
 
 constexpr PageText kPages[] = {
-    {"", kProgramDescription, kProgramVariables, kSettingsFiles, kProgramExamples, kProgramSeeAlso},
-    {"convert", kConvertDescription, kFontVariables, {}, kConvertExamples, kConvertSeeAlso},
-    {"cut", kCutDescription, kCutVariables, kCutFiles, kCutExamples, kCutSeeAlso},
-    {"contours", kContoursDescription, kFontVariables, {}, kContoursExamples, kContoursSeeAlso},
-    {"measure", kMeasureDescription, kFontVariables, {}, kMeasureExamples, kMeasureSeeAlso},
-    {"faces", kFacesDescription, kFontVariables, {}, kFacesExamples, kFacesSeeAlso},
+    {"", kProgramDescription, kProgramVariables, kSettingsFiles, kProgramExamples, kProgramSeeAlso,
+     Answers::kAll},
+    {"convert",
+     kConvertDescription,
+     kFontVariables,
+     {},
+     kConvertExamples,
+     kConvertSeeAlso,
+     Answers::kAll},
+    {"cut", kCutDescription, kCutVariables, kCutFiles, kCutExamples, kCutSeeAlso, Answers::kAll},
+    {"contours",
+     kContoursDescription,
+     kFontVariables,
+     {},
+     kContoursExamples,
+     kContoursSeeAlso,
+     Answers::kAll},
+    {"measure",
+     kMeasureDescription,
+     kFontVariables,
+     {},
+     kMeasureExamples,
+     kMeasureSeeAlso,
+     Answers::kAll},
+    {"faces", kFacesDescription, kFontVariables, {}, kFacesExamples, kFacesSeeAlso, Answers::kAll},
     {"settings", kSettingsDescription, kSettingsVariables, kSettingsFiles, kSettingsExamples,
      kSettingsSeeAlso},
     {"page", kPageDescription, {}, {}, kPageExamples, kPageSeeAlso},
@@ -214,7 +233,7 @@ constexpr std::string_view kDesktopSeeAlso[] = {"kerno(1)", "kerno-cut(1)", "ker
 
 constexpr DesktopText kDesktop = {"draw texts as outlines for machines that cut, in a window",
                                   {"desktop", kDesktopDescription, kDesktopVariables, kDesktopFiles,
-                                   kDesktopExamples, kDesktopSeeAlso},
+                                   kDesktopExamples, kDesktopSeeAlso, Answers::kNone},
                                   kDesktopArguments};
 
 constexpr StatusText kStatusTexts[] = {

@@ -22,13 +22,21 @@ struct Term {
   std::string_view meaning;
 };
 
+// What a command can answer the shell.
+enum class Answers {
+  kNone,   // it is not of the command line
+  kPlain,  // all but kFaceTrouble
+  kAll,
+};
+
 struct PageText {
   std::string_view command;                       // "cut"; empty: kerno without one
   std::span<const std::string_view> description;  // paragraphs
   std::span<const Term> environment;
   std::span<const Term> files;
   std::span<const Example> examples;
-  std::span<const std::string_view> see_also;  // commands, or pages of others as "fc-list(1)"
+  std::span<const std::string_view> see_also;  // "fc-list(1)"
+  Answers answers = Answers::kPlain;
 };
 
 // Nothing is said of a command that is not there.

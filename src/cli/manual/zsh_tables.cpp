@@ -43,7 +43,10 @@ std::string OptionSpec(const OptionText& option) {
 
 std::string ArgumentSpec(const OptionText& argument) {
   const char* const place = argument.repeats ? "*:" : argument.required ? ":" : "::";
-  return place + Masked(argument.name, ":\\") + ":" + Action(argument.values);
+  // A state that nobody looks at: a message would keep zsh from completing an option there.
+  const bool is_free = argument.values.kind == Values::Kind::kFree;
+  return place + Masked(argument.name, ":\\") + ":" +
+         (is_free ? "->free" : Action(argument.values));
 }
 
 // "_kerno-settings-get"
