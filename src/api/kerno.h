@@ -30,8 +30,10 @@
 #include <stdint.h>
 
 #ifndef KERNO_API
-#if defined(_WIN32)
-#define KERNO_API
+#if defined(_WIN32) && defined(KERNO_BUILDS_LIBRARY)
+#define KERNO_API __declspec(dllexport)
+#elif defined(_WIN32)
+#define KERNO_API __declspec(dllimport)
 #else
 #define KERNO_API __attribute__((visibility("default")))
 #endif

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "api/file_notices.h"
 #include "app/cut_warnings.h"
 #include "app/option_values.h"
 #include "app/output_list.h"
 #include "base/nearest_names.h"
+#include "base/notices.h"
 #include "base/text.h"
 #include "drawing/flatten.h"
 #include "drawing/segment.h"
@@ -70,6 +70,20 @@ KernoSegment SegmentOf(const Piece& piece, const P2& at) {
   }
   return out;
 }
+
+// Keeps what the writers of files tell.
+class KeptNotices final : public Notices {
+ public:
+  explicit KeptNotices(std::vector<std::string>* texts) : texts_(*texts) {}
+
+  void Message(std::u16string_view text) override { texts_.push_back(Utf16ToUtf8(text)); }
+  void ShowWait(std::u16string_view) override {}
+  void ClearWait() override {}
+  Continue Progress(std::u16string_view, int64_t, int64_t) override { return Continue::kYes; }
+
+ private:
+  std::vector<std::string>& texts_;
+};
 
 void AppendWarnings(const std::vector<Message>& messages, std::vector<std::string>* warnings) {
   for (const Message& message : messages) {
@@ -297,7 +311,8 @@ Outcome Sign::Write(const std::string& file, const std::string& format) {
   if (Outcome made = Make(); !made.ok()) return made;
   write_warnings_.clear();
   AppendWarnings(messages, &write_warnings_);
-  const FileNotices notices(&write_warnings_);
+  KeptNotices notices(&write_warnings_);
+  const NoticesHere here(&notices);
   const Status written = WriteCut(job_, made_, style, *output->format, PathArgument(file));
   if (written.ok()) return Outcome::Ok();
   Outcome failed = Outcome::Of(written);

@@ -77,7 +77,11 @@ class Drawings(FolderTest):
                     ours, theirs = self.folder / f"ours.{kind}", self.folder / f"theirs.{kind}"
                     sign.write(ours)
                     subprocess.run([KERNO, "cut", text, *words, "-o", str(theirs), "--quiet"], check=True)
-                    self.assertTrue(ours.read_bytes() == theirs.read_bytes(), (text, kind))
+                    wanted = theirs.read_bytes()
+                    if kind == "x3d":
+                        wanted = wanted.replace(os.fsencode(os.path.realpath(KERNO)),
+                                                os.fsencode(os.path.realpath("/proc/self/exe")))
+                    self.assertTrue(ours.read_bytes() == wanted, (text, kind))
                 sign.to_svg(self.folder / "a")
                 self.assertIn(b"<svg", (self.folder / "a").read_bytes())
 
