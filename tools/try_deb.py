@@ -21,10 +21,10 @@ ROOT = pathlib.Path(__file__).resolve().parents[1]
 SUITE = "bookworm"
 SYSTEM = ROOT / "build/try-deb"
 CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache") / "kerno-sources"
-PACKAGES = ["kerno", "kerno-desktop", "kerno-doc"]
+PACKAGES = ["kerno", "kerno-desktop", "kerno-doc", "libkerno1", "libkerno-dev", "python3-kerno"]
 # What a desktop has whose caches an installed program enters, and what the trial itself needs.
 SURROUNDINGS = ["man-db", "bash-completion", "desktop-file-utils", "shared-mime-info", "hicolor-icon-theme",
-                "gtk-update-icon-cache", "fonts-dejavu-core", "doc-base"]
+                "gtk-update-icon-cache", "fonts-dejavu-core", "doc-base", "gcc", "libc6-dev", "pkg-config"]
 # What dpkg, apt and the makers of caches write for themselves, and what the trial puts there.
 NOT_KERNOS = re.compile(
     r"/(var/lib/dpkg/(status|available|diversions|statoverride|lock|triggers/|alternatives|updates)"
@@ -226,6 +226,10 @@ def try_everything(received):
             "COMP_POINT=8; $(complete -p kerno | sed \"s/.*-F \\([^ ]*\\).*/\\1/\") kerno cu kerno; "
             "echo \"${COMPREPLY[@]}\"'", 0, r"\bcut\b")
     attempt("the window runs (debian/tests)", "sh /packages/tests/window", 0, "ran for", user="tester")
+    attempt("a program in C uses the library (debian/tests)", "sh /packages/tests/library", 0, "wrote its",
+            user="tester")
+    attempt("a script in Python uses it (debian/tests)", "sh /packages/tests/module", 0, "wrote its",
+            user="tester")
     attempt("the menu knows who opens parts files",
             "grep kerno /usr/share/applications/mimeinfo.cache", 0, "x-kerno-ipx=kerno.desktop")
     attempt("documents have their entry", "cat /var/lib/doc-base/documents/kerno", 0, "docs/")
@@ -284,7 +288,7 @@ def try_removal(before):
     attempt("the desktop's caches name it no more", "cd /usr/share && grep -rls kerno mime applications "
             "icons/hicolor/icon-theme.cache", 1, "^$")
     apt("removing twice is harmless", "remove kerno", "is not installed, so not removed")
-    apt("purging twice is harmless", "purge kerno kerno-desktop kerno-doc", "is not installed, so not removed")
+    apt("purging twice is harmless", "purge kerno kerno-desktop", "is not installed, so not removed")
 
 
 def main():
