@@ -84,7 +84,7 @@ Mistake FindMistake(const CLI::App& command, std::span<const std::string> words)
 std::string FindEmptyOption(const CLI::App& command, std::span<const std::string> words) {
   for (size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
     const size_t equals = words[i].find('=');
-    const std::string name = words[i].substr(0, equals);
+    std::string name = words[i].substr(0, equals);
     const CLI::Option* const option =
         name.starts_with('-') ? command.get_option_no_throw(name) : nullptr;
     if (!option || option->get_expected_min() == 0) continue;

@@ -22,6 +22,7 @@ import programs
 KERNO = ""
 SCRIPTS = pathlib.Path()
 ROMAN = {"rowmand", "rowmans", "rowmant"}
+BOLD = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf"
 FORMATS = {"svg", "bmp", "dxf", "emf", "x3d", "ipx", "ipl", "plt", "pdf"}
 
 
@@ -160,18 +161,22 @@ class CompletionsTest(programs.FolderTest):
                 ("kerno settings set Parts 横", {"横書フェイス名"}, {"縦書フェイス名"}),
                 ("kerno page ", {"outputs"} if is_bash else {"outputs/"}, {"notes.md"}),
                 ("kerno cut --ipx ", set(), {"old sign.ipx"}),
-                ("kerno cut --height ", set(), {"notes.md"} if is_bash else set())]
-            if is_bash:
+                (f"kerno cut --font-file {BOLD} --style ", {"Bold"}, {"Oblique", "Book"}),
+                ("kerno cut --height ", set(), {"notes.md", "outputs", "outputs/"})]
+            if is_bash:  # which parts words at "="
                 cases += [("kerno convert --ipx ", files, {"notes.md"}),
                           ("kerno cut --align = ", {"left"}, set()), ("kerno cut --align = ri", {"right"}, {"left"})]
             else:
                 cases += [("kerno cut --face 'DejaVu Sans' --style B", styles, {"Book Condensed"}),
+                          ("kerno cut --face \"DejaVu Se", {"DejaVu Serif"}, {"DejaVu Sans"}),
+                          ("kerno cut --face DejaVu\\ Sans\\ M", {"DejaVu Sans Mono"}, {"DejaVu Sans"}),
+                          ("kerno cut x -o \"a sign.d", {"a sign.dxf"}, set()),
                           ("kerno cut --face='DejaVu Sans' x --style B", styles, set()),
                           ("kerno convert --ipx ", {"old sign.ipx"}, set()),
                           ("kerno cut --align=ri", {"--align=right"}, set())]
             for line, wanted, unwanted in cases:
                 with self.subTest(f"{offers.__name__} {line}"):
-                    offered = offers(line.replace("= ", "=") if not is_bash else line.replace("= ", "= "))
+                    offered = offers(line)
                     self.assertLessEqual(wanted, offered)
                     self.assertFalse(unwanted & offered)
             start = time.monotonic()
@@ -200,6 +205,7 @@ class CompletionsTest(programs.FolderTest):
                 ("kerno cut x -o \"a sign.d", "kerno cut x -o \"a sign.dxf\" "),
                 ("kerno convert --ipx o", None),
                 ("kerno page o", "kerno page outputs/"),
+                ("kerno page ~/wor", "kerno page ~/work/" if is_zsh else f"kerno page {self.folder}/work/"),
                 ("kerno settings get Dec S", "kerno settings get Dec SvgOut::Precision " if is_zsh
                  else "kerno settings get Dec SvgOut\\:\\:Precision "),
                 ("kerno cut --face \"$(touch ran)", None),

@@ -36,8 +36,10 @@ std::string BashTables(const CommandText& program) {
     if (!inner.empty()) commands += Case(Quoted(path), "echo" + inner);
     for (size_t i = 0; i < command.arguments.size(); ++i) {
       const OptionText& argument = command.arguments[i];
-      const std::string place = argument.repeats ? "*" : std::to_string(i);
-      arguments += Case(Quoted(path + " ") + place, KindOf(argument.values));
+      // Any place, where the argument repeats.
+      const std::string place =
+          Quoted(path + " ").append(argument.repeats ? "*" : std::to_string(i));
+      arguments += Case(place, KindOf(argument.values));
     }
   });
   for (const SettingNames& section : SettingSections()) {

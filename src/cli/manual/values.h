@@ -12,7 +12,7 @@ struct Values {
     kFree,        // numbers, texts: nothing to offer
     kWords,       // one of `words`
     kFile,        // a file; one of the endings in `words`, without the point, or any
-    kFolder,      //
+    kFolder,      // one that is there
     kOutput,      // a file to write, whose ending, one of `words`, chooses the format
     kFace,        // a family that is installed
     kStyle,       // a style of the family, or of the file, that another option names
