@@ -18,7 +18,7 @@ packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  libexpat1-dev libxml2-utils assimp-utils
  python3 python3-ezdxf python3-fonttools python3-shapely python3-numpy python3-mypy imagemagick file emf2svg librsvg2-bin icoutils
- hp2xx qpdf poppler-utils parallel
+ hp2xx qpdf poppler-utils parallel git xz-utils
  man-db mandoc desktop-file-utils appstream shared-mime-info libglib2.0-bin bash-completion zsh fish"
 
 sources=""
