@@ -285,8 +285,8 @@ def try_removal(before):
     results.tell("the user's settings outlive both", any(own.rglob("Quenkit.ini")))
     shutil.rmtree(kept)
     compare("nothing is left behind", before, listing())
-    attempt("the desktop's caches name it no more", "cd /usr/share && grep -rls kerno mime applications "
-            "icons/hicolor/icon-theme.cache", 1, "^$")
+    attempt("the desktop's caches name it no more",
+            "cd /usr/share && ! grep -rs kerno mime applications icons/hicolor")
     apt("removing twice is harmless", "remove kerno", "is not installed, so not removed")
     apt("purging twice is harmless", "purge kerno kerno-desktop", "is not installed, so not removed")
 
