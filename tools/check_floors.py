@@ -7,7 +7,7 @@ import pathlib
 import re
 import sys
 
-FLOORS = ["platform", "base", "drawing", "parts", "outline", "export", "web", "app", "ui", "cli"]
+FLOORS = ["platform", "base", "setup", "drawing", "parts", "outline", "export", "web", "app", "ui", "cli"]
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 STANDARD = re.compile(r"^[a-z_0-9]+$")  # <vector>, <cstdint>: no slash, no ".h"
 
