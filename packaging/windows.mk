@@ -1,18 +1,23 @@
 # What Windows users install. With SIGN_KEY=FILE SIGN_CERTIFICATE=FILE, and SIGN_PASSWORD_FILE=FILE
 # and SIGN_TIMESTAMP=ADDRESS where they are needed, the programs and the installer are signed.
-.PHONY: windows-zip windows-installer try-windows
+.PHONY: windows-zip windows-installer pack-windows-installer try-windows
 KERNO_VERSION := $(shell sed -n 's/^project(kerno VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+WINDOWS_BUILD := build/windows
 WINDOWS_SETUP := build/packages/kerno-$(KERNO_VERSION)-setup.exe
 export SIGN_KEY SIGN_CERTIFICATE SIGN_PASSWORD_FILE SIGN_TIMESTAMP
 
 windows-zip: windows
-	@sh packaging/windows/make_zip.sh build/windows build/packages/kerno-$(KERNO_VERSION)-windows.zip
+	@sh packaging/windows/make_zip.sh $(WINDOWS_BUILD) build/packages/kerno-$(KERNO_VERSION)-windows.zip
 
 windows-installer: windows
 	@sh tools/setup.sh windows packages
-	@sh packaging/windows/make_installer.sh build/windows $(KERNO_VERSION) $(WINDOWS_SETUP)
+	@$(MAKE) --no-print-directory pack-windows-installer
+
+# The same out of programs that are there.
+pack-windows-installer:
+	@sh packaging/windows/make_installer.sh $(WINDOWS_BUILD) $(KERNO_VERSION) $(WINDOWS_SETUP)
 
 # Installs, uses, upgrades and uninstalls under Wine, in a prefix of its own.
-try-windows: setup windows-installer release
-	@$(PYTHON) tools/try_windows_installer.py build/windows build/release/src/cli/kerno $(WINDOWS_SETUP) \
+try-windows: windows-installer release
+	@$(PYTHON) tools/try_windows_installer.py $(WINDOWS_BUILD) build/release/src/cli/kerno $(WINDOWS_SETUP) \
 	  build/try-windows

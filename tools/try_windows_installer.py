@@ -22,9 +22,9 @@ CLASSES = r"HKEY_CURRENT_USER\Software\Classes"
 ENVIRONMENT = r"HKEY_CURRENT_USER\Environment"
 OLD_VERSION = "0.9.0"
 MOST_SECONDS = 180
-DONE, IN_USE, NEWER, NOT_WRITABLE, NOT_INSTALLED, PATH_LEFT, FOREIGN_FILE = 0, 3, 4, 5, 6, 8, 9
+DONE, IN_USE, NEWER, NOT_WRITABLE, NOT_INSTALLED, OLD_WINDOWS, PATH_LEFT, FOREIGN_FILE = 0, 3, 4, 5, 6, 7, 8, 9
 # Keys in which Wine itself notes what it does.
-NOISE = re.compile(r"\\Software\\Wine|\\Explorer|\\Volatile Environment|\\Control Panel|\\MUICache", re.I)
+NOISE = re.compile(r"\\Software\\Wine|\\Explorer|\\Volatile Environment|\\Control Panel|\\Console|\\MUICache", re.I)
 
 
 class Checks:
@@ -153,6 +153,7 @@ def contents(folder):
 class Trial:
     def __init__(self, build, kerno, setup, out):
         self.check = Checks()
+        self.build = build
         self.kerno = kerno
         self.setup = setup
         self.out = out
@@ -293,6 +294,12 @@ class Trial:
         status, _ = self.prefix.run(keep, "/S", *f"_?={self.windows_home()}".split(" "))
         self.check.equal("uninstalling twice ends with 6", NOT_INSTALLED, status)
         (self.home / "docs/mine.txt").unlink()
+        self.install("/NOIPX")
+        status, _ = self.prefix.run(self.home / "uninstall.exe", "/S", *f"_?={self.windows_home()}".split(" "))
+        self.check("uninstalling in place ends with 0 and leaves the uninstaller", status == DONE and
+                   {"uninstall.exe", "Temp/Quenkit_Setting/Quenkit.ini"} == set(contents(self.home)),
+                   f"{status} {list(contents(self.home))}")
+        (self.home / "uninstall.exe").unlink()
         self.check.equal("installing again ends with 0", DONE, self.install())
         status, out = self.prefix.run("cmd", "/c", "kerno", "settings", "get", "Dialog", "Height")
         self.check("and finds the settings", "77" in out, out)
@@ -366,6 +373,45 @@ class Trial:
             self.home.chmod(0o755)
             self.uninstall("/DELETESETTINGS")
 
+    def signature(self):
+        """With a certificate of our own making."""
+        key, certificate, password, setup = (self.out / name for name in ("key", "certificate", "password", "signed.exe"))
+        password.write_text("not to be seen\n", encoding="ascii")
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-keyout", key, "-out", certificate, "-days", "30",
+                        "-subj", "/CN=Kerno trial", "-addext", "extendedKeyUsage=codeSigning", "-passout",
+                        f"file:{password}"], check=True, capture_output=True)
+        done = subprocess.run(["make", "--no-print-directory", "-C", str(ROOT), "-f", "packaging/windows.mk",
+                               f"SIGN_KEY={key}", f"SIGN_CERTIFICATE={certificate}", f"SIGN_PASSWORD_FILE={password}",
+                               f"WINDOWS_BUILD={self.build}", f"WINDOWS_SETUP={setup}", "pack-windows-installer"],
+                              check=False, capture_output=True, text=True)
+        self.check("a signed installer is made", done.returncode == 0, done.stderr)
+        said = done.stdout + done.stderr
+        self.check("neither key nor password is printed", "not to be seen" not in said and str(key) not in said, said)
+        self.prefix.run(setup, "/S")
+        for program in (setup, *(self.home / f"{name}.exe" for name in ("kerno", "kerno-desktop", "uninstall"))):
+            done = subprocess.run(["osslsigncode", "verify", "-CAfile", certificate, "-in", program], check=False,
+                                  capture_output=True, text=True)
+            self.check(f"{program.name} is signed", done.returncode == 0 and "Signature verification: ok" in done.stdout,
+                       done.stdout)
+        self.uninstall("/DELETESETTINGS")
+
+    def programs(self):
+        """The loader may place them anywhere, their data never runs, and no time of the build is in them."""
+        for name in ("cli/kerno.exe", "ui/win32/kerno-desktop.exe", "setup/kerno-setup-helper.exe"):
+            listing = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", self.build / "src" / name], check=True,
+                                     capture_output=True, text=True).stdout
+            flags = {"DYNAMIC_BASE", "NX_COMPAT", "HIGH_ENTROPY_VA"} - set(listing.split())
+            self.check(f"{name} has the loader's safeguards", not flags, str(flags))
+        for name in ("setup.exe", "zip"):
+            made = []
+            for run in (1, 2):
+                made.append(self.out / f"again-{run}.{name}")
+                script, words = ("make_installer.sh", [self.version]) if name == "setup.exe" else ("make_zip.sh", [])
+                subprocess.run(["sh", str(ROOT / "packaging/windows" / script), str(self.build), *words, str(made[-1])],
+                               check=True, stdout=subprocess.DEVNULL)
+                time.sleep(2 * (run == 1))
+            self.check(f"two runs make the same {name}", made[0].read_bytes() == made[1].read_bytes())
+
     # The pages, with real keys.
 
     def tool(self, *words):
@@ -430,7 +476,15 @@ class Trial:
         self.tool("key", "Return")
         wait_for(lambda: not self.tool("search", "--onlyvisible", "--name", "Kerno"), 30)
 
+    def an_old_windows(self):
+        """Wine is one until it is told otherwise."""
+        for name, status in (("win7", OLD_WINDOWS), ("win10", DONE)):
+            self.prefix.set_registry([r"[HKEY_CURRENT_USER\Software\Wine]", f'"Version"="{name}"'])
+            if status != DONE:
+                self.check.equal("Windows 7 is refused with 7", status, self.install())
+
     def run(self):
+        self.an_old_windows()
         # Keys that every Windows has.
         self.prefix.set_registry([f"[{UNINSTALL.rsplit(chr(92), 1)[0]}]", f"[{CLASSES}]", f"[{ENVIRONMENT}]"])
         before = self.state()
@@ -443,6 +497,8 @@ class Trial:
         self.other_program(before)
         self.long_path()
         self.bad_places(before)
+        self.signature()
+        self.programs()
         for language, number in (("english", 1033), ("japanese", 1041), ("german", 1031)):
             self.pages(language, number)
 

@@ -3,7 +3,7 @@
 ; kerno-setup-helper.exe.
 ;
 ; Defined by make_installer.sh: VERSION, STAGE (the folder of what is installed), FILES (a list of
-; File commands), HELPER, ICON, WIZARD, SIZE_KB, TEXTS, OUT_FILE, and SIGN where files are signed.
+; File commands), HELPER, ICON, WIZARD, LICENCE, TEXTS, SIZE_KB, OUT_FILE, and SIGN where files are signed.
 
 Unicode true
 Target amd64-unicode
@@ -54,7 +54,7 @@ InstallDirRegKey HKCU "${UNINSTALL_KEY}" "InstallLocation"
 !define MUI_FINISHPAGE_RUN "$INSTDIR\kerno-desktop.exe"
 !define MUI_FINISHPAGE_NOREBOOTSUPPORT
 
-!insertmacro MUI_PAGE_LICENSE "${STAGE}/LICENSE"
+!insertmacro MUI_PAGE_LICENSE "${LICENCE}"
 !insertmacro MUI_PAGE_COMPONENTS
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
@@ -82,7 +82,7 @@ VIFileVersion "${VERSION}.0"
 !insertmacro VersionTexts ${LANG_GERMAN} "Kerno-Setup"
 
 !ifdef SIGN
-  !uninstfinalize '${SIGN} "%1"' = 0
+  !uninstfinalize `${SIGN} "%1"` = 0
 !endif
 
 Var former_folder  ; where the version before is installed; empty without one
@@ -283,13 +283,10 @@ FunctionEnd
 
 ; The version before stood elsewhere: its settings come along, and it goes.
 Function LeaveFormerFolder
-  Push 'carry-settings "$INSTDIR" "$former_folder"'
-  Call Helper
   Call RemovePath
-  Push 'remove "$former_folder"'
+  Push 'leave-former "$INSTDIR" "$former_folder"'
   Call Helper
   ${If} $0 <> 0
-  ${AndIf} $0 <> ${EXIT_NOT_INSTALLED}
     MessageBox MB_OK|MB_ICONEXCLAMATION "$(FORMER_STAYS)" /SD IDOK
   ${EndIf}
 FunctionEnd

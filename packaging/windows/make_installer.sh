@@ -26,7 +26,6 @@ fi
 names=$work/names
 (cd "$stage" && find . -type f | sed 's,^\./,,' | LC_ALL=C sort) >"$names"
 (cat "$names" && echo uninstall.exe) >"$stage/installed.txt"
-touch -d "@$SOURCE_DATE_EPOCH" "$stage/installed.txt" "$work/kerno-setup-helper.exe"
 echo installed.txt >>"$names"
 while IFS= read -r name; do
   folder=$(dirname "$name" | tr / '\\')
@@ -34,20 +33,22 @@ while IFS= read -r name; do
   printf 'SetOutPath "${STAGED}%s"\nFile "%s/%s"\n' "$folder" "$stage" "$name"
 done <"$names" >"$work/files.nsh"
 
+# The licence with its paragraphs as lines, which the page breaks by its own width.
+awk 'BEGIN { RS = ""; ORS = "\n\n" } { gsub(/\n/, " "); print }' "$root/LICENSE" >"$work/licence.txt"
+
 # The picture beside the last page.
 convert -size 164x314 'gradient:#f4f6f8-#c9d6e2' \
   \( "$root/packaging/kerno.png" -resize 112x112 \) -gravity north -geometry +0+56 -composite \
   -depth 8 -type TrueColor -define bmp:format=bmp3 "$work/wizard.bmp"
 
-mkdir -p "$(dirname "$setup")"
+# The installer keeps the times of its files.
+find "$work" -exec touch -d "@$SOURCE_DATE_EPOCH" {} +
 makensis -V2 -WX -NOCD -INPUTCHARSET UTF8 ${sign:+"$sign"} -DVERSION="$version" -DSTAGE="$stage" \
   -DFILES="$work/files.nsh" -DHELPER="$work/kerno-setup-helper.exe" \
-  -DICON="$build/resources/kerno.ico" -DWIZARD="$work/wizard.bmp" \
-  -DSIZE_KB="$(du -sk --apparent-size "$stage" | cut -f 1)" -DOUT_FILE="$setup" -DTEXTS="$here/texts.nsh" \
+  -DICON="$build/resources/kerno.ico" -DWIZARD="$work/wizard.bmp" -DLICENCE="$work/licence.txt" \
+  -DSIZE_KB="$(du -sk --apparent-size "$stage" | cut -f 1)" -DOUT_FILE="$work/setup.exe" -DTEXTS="$here/texts.nsh" \
   "$here/kerno.nsi" >"$work/makensis.log" 2>&1 || { cat "$work/makensis.log" >&2; exit 1; }
-if [ -n "$SIGN_KEY" ]; then
-  sh "$here/sign.sh" "$setup"
-  echo "$setup"
-else
-  echo "$setup (not signed: no SIGN_KEY)"
-fi
+[ -z "$SIGN_KEY" ] || sh "$here/sign.sh" "$work/setup.exe"
+mkdir -p "$(dirname "$setup")"
+cp "$work/setup.exe" "$setup"
+if [ -n "$SIGN_KEY" ]; then echo "$setup"; else echo "$setup (not signed: no SIGN_KEY)"; fi

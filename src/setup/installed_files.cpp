@@ -197,6 +197,7 @@ void RemoveEmptyFolders(const fs::path& folder, fs::path relative) {
 
 SetupResult CheckPrograms(const fs::path& folder) {
   for (const fs::path& name : ReadList(folder).value_or(FileNames())) {
+    if (name == kUninstaller) continue;
     if (SetupResult result = CheckProgram(folder / name); !result.ok()) return result;
   }
   return {};
@@ -216,10 +217,7 @@ SetupResult RemoveFiles(const fs::path& folder) {
     return {SetupOutcome::kNotInstalled,
             Status::Error(Failure::kNotFound, PathText(folder), u"Kerno is not installed there")};
   }
-  for (const fs::path& name : *names) {
-    if (name == kUninstaller) continue;
-    if (SetupResult result = CheckProgram(folder / name); !result.ok()) return result;
-  }
+  if (SetupResult result = CheckPrograms(folder); !result.ok()) return result;
   SetupResult result;
   for (const fs::path& name : *names) {
     std::error_code error;

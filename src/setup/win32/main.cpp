@@ -12,6 +12,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "platform/file_replacement.h"
@@ -40,14 +41,22 @@ SetupResult RemoveInstallation(const path& folder) {
   return RemoveFiles(folder);
 }
 
+// Takes a version away that stands in another folder than the new one, under whatever name.
+SetupResult LeaveFormer(const path& folder, const path& former) {
+  std::error_code error;
+  if (std::filesystem::equivalent(folder, former, error) || error) return {};
+  if (SetupResult result = CarrySettings(former, folder); !result.ok()) return result;
+  SetupResult result = RemoveInstallation(former);
+  return result.outcome == SetupOutcome::kNotInstalled ? SetupResult() : std::move(result);
+}
+
 constexpr Step kSteps[] = {
     {L"check", [](const path& folder, const path&) { return CheckPrograms(folder); }},
     {L"place", [](const path& folder, const path& staged) { return PlaceFiles(staged, folder); }},
     {L"remove", [](const path& folder, const path&) { return RemoveInstallation(folder); }},
     {L"add-path", [](const path& folder, const path&) { return AddToUserPath(folder); }},
     {L"remove-path", [](const path& folder, const path&) { return RemoveFromUserPath(folder); }},
-    {L"carry-settings",
-     [](const path& folder, const path& from) { return CarrySettings(from, folder); }},
+    {L"leave-former", LeaveFormer},
     {L"forget-settings", [](const path& folder, const path&) { return ForgetSettings(folder); }},
 };
 
