@@ -1,7 +1,7 @@
 # What Windows users install. With SIGN_KEY=FILE SIGN_CERTIFICATE=FILE, and SIGN_PASSWORD_FILE=FILE
 # and SIGN_TIMESTAMP=ADDRESS where they are needed, the programs and the installer are signed.
 .PHONY: windows-zip windows-installer pack-windows-installer try-windows
-KERNO_VERSION := $(shell sed -n 's/^project(kerno VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+KERNO_VERSION := $(shell sed -n 's/^project.kerno VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 WINDOWS_BUILD := build/windows
 WINDOWS_SETUP := build/packages/kerno-$(KERNO_VERSION)-setup.exe
 export SIGN_KEY SIGN_CERTIFICATE SIGN_PASSWORD_FILE SIGN_TIMESTAMP

@@ -46,9 +46,9 @@ find "$work" -exec touch -d "@$SOURCE_DATE_EPOCH" {} +
 makensis -V2 -WX -NOCD -INPUTCHARSET UTF8 ${sign:+"$sign"} -DVERSION="$version" -DSTAGE="$stage" \
   -DFILES="$work/files.nsh" -DHELPER="$work/kerno-setup-helper.exe" \
   -DICON="$build/resources/kerno.ico" -DWIZARD="$work/wizard.bmp" -DLICENCE="$work/licence.txt" \
-  -DSIZE_KB="$(du -sk --apparent-size "$stage" | cut -f 1)" -DOUT_FILE="$work/setup.exe" -DTEXTS="$here/texts.nsh" \
+  -DSIZE_KB="$(du -sk --apparent-size "$stage" | cut -f 1)" -DOUT_FILE="$work/kerno-setup.exe" -DTEXTS="$here/texts.nsh" \
   "$here/kerno.nsi" >"$work/makensis.log" 2>&1 || { cat "$work/makensis.log" >&2; exit 1; }
-[ -z "$SIGN_KEY" ] || sh "$here/sign.sh" "$work/setup.exe"
+[ -z "$SIGN_KEY" ] || sh "$here/sign.sh" "$work/kerno-setup.exe"
 mkdir -p "$(dirname "$setup")"
-cp "$work/setup.exe" "$setup"
+cp "$work/kerno-setup.exe" "$setup"
 if [ -n "$SIGN_KEY" ]; then echo "$setup"; else echo "$setup (not signed: no SIGN_KEY)"; fi
