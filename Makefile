@@ -1,19 +1,21 @@
 # Two commands for a new machine: "make run" and "make test". Each installs what is missing first.
 JOBS ?= 2
 PYTHON := /usr/bin/python3
+VERSION := $(shell sed -n "s/^project.kerno VERSION \([0-9.]*\).*/\1/p" CMakeLists.txt)
 # ON where a warning of the compiler is to end a build of the tests.
 WARNINGS_AS_ERRORS ?= OFF
 TEST_BUILD := -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_WARNINGS_AS_ERRORS=$(WARNINGS_AS_ERRORS)
 
-.PHONY: all setup release run samples test bench fuzz fuzz-briefly faults kills screenshots install clean \
+.PHONY: all setup build run samples test bench fuzzers fuzz fuzz-briefly faults kills screenshots install clean \
   setup-windows windows test-windows agreement
-all: release
+all: build
 
 setup:
 	@sh tools/setup.sh
 
 RELEASE_BUILD := -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release -DKERNO_TESTS=OFF
-release: setup
+# The programs, in build/release.
+build: setup
 	@cmake $(RELEASE_BUILD) -DKERNO_BENCH=OFF >/dev/null
 	@cmake --build build/release -j $(JOBS)
 
@@ -30,7 +32,7 @@ test: setup fuzz-briefly
 	@cd build/test && ctest -j $(JOBS) --output-on-failure --timeout 600
 
 # One sheet with every format's file as other programs show it.
-samples: release
+samples: build
 	@sh tools/make_samples.sh build/release/src/cli/kerno out/samples docs/samples.png
 
 bench: setup
@@ -45,20 +47,22 @@ bench: setup
 	@$(PYTHON) bench/series_bench.py build/release/src/cli/kerno
 	@$(PYTHON) bench/upload_bench.py build/release/src/cli/kerno
 
-# Feeds each reader random inputs, FUZZ_SECONDS each; "make test" does it for a few seconds.
+# Feeds each reader random inputs, FUZZ_SECONDS each; "make test" feeds those that are the same each time.
 FUZZ_SECONDS ?= 60
 FUZZ_SEED ?= 0
-fuzz: setup
+fuzzers: setup
 	@cmake -S . -B build/fuzz -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
 	  -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKERNO_SANITIZE=ON -DKERNO_FUZZ=ON -DKERNO_TESTS=OFF >/dev/null
 	@cmake --build build/fuzz -j $(JOBS) --target fuzzers
+
+fuzz: fuzzers
 	@cd build/fuzz && FUZZ_SECONDS=$(FUZZ_SECONDS) FUZZ_SEED=$(FUZZ_SEED) ctest -R '^fuzz_' --output-on-failure
 
-fuzz-briefly: setup
-	@$(MAKE) --no-print-directory fuzz FUZZ_SECONDS=5 FUZZ_SEED=1
+fuzz-briefly: fuzzers
+	@cd build/fuzz && ctest -R '^fixed_' -j $(JOBS) --output-on-failure
 
 # Lets each system call and each allocation of each command fail; "make test" takes a sample.
-faults: release
+faults: build
 	@cmake --build build/release --target kerno_faults
 	@failed=0; \
 	$(PYTHON) tools/campaign/cases.py build/release/src/cli/kerno || failed=1; \
@@ -68,19 +72,19 @@ faults: release
 
 # Ends each command at each file call and at moments of chance; "make test" takes a sample.
 KILLS_SEED ?= 15
-kills: release
+kills: build
 	@cmake --build build/release --target kerno_faults
 	@$(PYTHON) tools/campaign/kills.py --jobs $(JOBS) --seed $(KILLS_SEED) build/release/src/cli/kerno \
 	  build/release/tools/campaign/kerno_faults.so
 
 # Pictures of the window in each of its states, in out/screenshots.
-screenshots: release
+screenshots: build
 	@$(PYTHON) tools/screenshots.py build/release/src/cli/kerno-desktop out/screenshots
 
 # prefix and DESTDIR as usual.
 prefix ?= /usr/local
-install: release
-	@DESTDIR=$(DESTDIR) cmake --install build/release --prefix $(prefix)
+install: build
+	@DESTDIR='$(DESTDIR)' cmake --install build/release --prefix '$(prefix)'
 
 # The same programs for 64-bit Windows, cross-built.
 setup-windows:
@@ -96,13 +100,13 @@ test-windows: setup setup-windows
 	@cmake --build build/test -j $(JOBS) --target kerno
 	@cmake -S . -B build/windows-test $(TEST_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/mingw.cmake >/dev/null
 	@cmake --build build/windows-test -j $(JOBS)
-	@export KERNO_WINEPREFIX=$(CURDIR)/build/windows-test/wineprefix; \
+	@export KERNO_WINEPREFIX='$(CURDIR)/build/windows-test/wineprefix'; \
 	  trap 'WINEPREFIX=$$KERNO_WINEPREFIX wineserver -k' EXIT; \
 	  $(PYTHON) tools/check_agreement.py build/test/src/cli/kerno build/windows-test/src/cli/kerno.exe && \
 	  cd build/windows-test && ctest --output-on-failure --timeout 600
 
 # The same texts on both systems, the other one under Wine.
-agreement: release windows
+agreement: build windows
 	@$(PYTHON) tools/check_agreement.py build/release/src/cli/kerno build/windows/src/cli/kerno.exe
 
 # What users install: each kind in a file of its own.

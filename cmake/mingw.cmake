@@ -18,7 +18,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 # will do.
 add_compile_definitions(UNICODE _UNICODE WINVER=0x0A00 _WIN32_WINNT=0x0A00 NTDDI_VERSION=0x0A000000
                         WIN32_LEAN_AND_MEAN NOMINMAX STRICT __USE_MINGW_ANSI_STDIO=1)
-add_link_options(-static)
+# No time of the build in the programs: the same source gives the same bytes.
+add_link_options(-static -Wl,--no-insert-timestamp)
 
 # Programs of the build run under Wine, in a prefix of the build's own.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../tools/run_windows.sh)

@@ -19,7 +19,7 @@ packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  libexpat1-dev libxml2-utils assimp-utils
  python3 python3-ezdxf python3-fonttools python3-shapely python3-numpy imagemagick file emf2svg librsvg2-bin icoutils
  hp2xx qpdf poppler-utils parallel
- mandoc desktop-file-utils appstream shared-mime-info bash-completion zsh fish"
+ mandoc desktop-file-utils appstream shared-mime-info libglib2.0-bin bash-completion zsh fish"
 
 sources=""
 for group in "$@"; do

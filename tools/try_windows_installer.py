@@ -380,7 +380,7 @@ class Trial:
         subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-keyout", key, "-out", certificate, "-days", "30",
                         "-subj", "/CN=Kerno trial", "-addext", "extendedKeyUsage=codeSigning", "-passout",
                         f"file:{password}"], check=True, capture_output=True)
-        done = subprocess.run(["make", "--no-print-directory", "-C", str(ROOT), "-f", "packaging/windows.mk",
+        done = subprocess.run(["make", "--no-print-directory", "-C", str(ROOT),
                                f"SIGN_KEY={key}", f"SIGN_CERTIFICATE={certificate}", f"SIGN_PASSWORD_FILE={password}",
                                f"WINDOWS_BUILD={self.build}", f"WINDOWS_SETUP={setup}", "pack-windows-installer"],
                               check=False, capture_output=True, text=True)

@@ -7,7 +7,7 @@ version=$2
 setup=$(realpath -m "$3")
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
-SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git -C "$root" log -1 --format=%ct)}
+SOURCE_DATE_EPOCH=$(sh "$here/source_date.sh")
 export SOURCE_DATE_EPOCH
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -38,7 +38,7 @@ awk 'BEGIN { RS = ""; ORS = "\n\n" } { gsub(/\n/, " "); print }' "$root/LICENSE"
 
 # The picture beside the last page.
 convert -size 164x314 'gradient:#f4f6f8-#c9d6e2' \
-  \( "$root/packaging/kerno.png" -resize 112x112 \) -gravity north -geometry +0+56 -composite \
+  \( "$root/packaging/icons/256x256/kerno.png" -resize 112x112 \) -gravity north -geometry +0+56 -composite \
   -depth 8 -type TrueColor -define bmp:format=bmp3 "$work/wizard.bmp"
 
 # The installer keeps the times of its files.

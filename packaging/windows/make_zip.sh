@@ -5,7 +5,7 @@ set -e
 build=$(realpath "$1")
 zip_file=$(realpath -m "$2")
 here=$(cd "$(dirname "$0")" && pwd)
-SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git -C "$here" log -1 --format=%ct)}
+SOURCE_DATE_EPOCH=$(sh "$here/source_date.sh")
 TZ=UTC  # the times of a zip have no zone
 export SOURCE_DATE_EPOCH TZ
 work=$(mktemp -d)

@@ -1,7 +1,6 @@
 #!/bin/sh
 # Puts what Windows users get into a new folder: packaging/windows/stage.sh BUILD FOLDER
-# The programs are stripped, and signed where SIGN_KEY is set. All times are SOURCE_DATE_EPOCH, which
-# is the last commit's where it is not set.
+# The programs are stripped, and signed where SIGN_KEY is set. All times are SOURCE_DATE_EPOCH.
 set -e
 build=$1
 folder=$2

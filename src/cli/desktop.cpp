@@ -21,7 +21,9 @@ ExitStatus StartDesktop() {
   ShellRequest request;
   request.file = std::filesystem::is_regular_file(beside, error) ? beside : name;
   if (CurrentShell().StartProcess(request)) return kDone;
-  ReportError("kerno-desktop", "cannot be started: it stands neither beside kerno nor on PATH");
+  ReportError("kerno-desktop",
+              "cannot be started: it stands neither beside kerno nor on PATH; where Kerno was "
+              "installed from packages, the window is in the package kerno-desktop");
   return kFailed;
 }
 

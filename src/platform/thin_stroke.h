@@ -18,7 +18,9 @@ class ThinStroke {
   explicit ThinStroke(Rasterizer& rasterizer) : rasterizer_(rasterizer) {}
 
   void Add(std::span<const DevicePoint> points, bool closed, double width) {
-    half_ = width / 2;
+    constexpr double kThinnest =
+        1e-100;  // its square is a number yet; no pixel shows the difference
+    half_ = std::max(width / 2, kThinnest);
     Collect(points, closed);
     const size_t n = points_.size();
     if (n < 2) return;

@@ -25,6 +25,14 @@ class Style final : public QProxyStyle {
   }
 };
 
+// Small sizes have drawings of their own.
+QIcon ProgramIcon() {
+  QIcon icon;
+  for (const int size : {16, 24, 32, 48, 256})
+    icon.addFile(QStringLiteral(":/icons/%1.png").arg(size));
+  return icon;
+}
+
 }  // namespace
 }  // namespace kerno
 
@@ -35,7 +43,7 @@ int main(int argc, char** argv) {
   QApplication::setApplicationVersion(QStringLiteral(KERNO_VERSION));
   QGuiApplication::setDesktopFileName(QStringLiteral("kerno"));
   QApplication::setStyle(new kerno::Style);
-  QApplication::setWindowIcon(QIcon(QStringLiteral(":/kerno.png")));
+  QApplication::setWindowIcon(kerno::ProgramIcon());
   kerno::InstallProfileSettings();
   const kerno::RunDump dump(u"kerno-desktop");
   kerno::SystemServices services;
