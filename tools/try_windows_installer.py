@@ -307,7 +307,8 @@ class Trial:
         (self.home / "docs/mine.txt").write_text("mine", encoding="utf-8")
         self.check("uninstalling ends", self.uninstall())
         mine = {"AppData/Local/Programs", *(f"AppData/Local/Programs/Kerno{name}" for name in (
-            "", "/docs", "/docs/mine.txt", "/Temp", "/Temp/Quenkit_Setting", "/Temp/Quenkit_Setting/Quenkit.ini"))}
+            "", "/docs", "/docs/mine.txt", "/Temp", "/Temp/Quenkit_Setting", "/Temp/Quenkit_Setting/Quenkit.ini",
+            "/Temp/Quenkit_Setting/Kerno_Text.txt"))}
         self.check_state("what stays is the user's own", before, mine, [r"HKEY_CURRENT_USER\Software\Quenkit"])
         self.check("the settings are still there", self.settings_file().exists())
         status, _ = self.prefix.run(keep, "/S", *f"_?={self.windows_home()}".split(" "))
@@ -316,7 +317,7 @@ class Trial:
         self.install("/NOIPX")
         status, _ = self.prefix.run(self.home / "uninstall.exe", "/S", *f"_?={self.windows_home()}".split(" "))
         self.check("uninstalling in place ends with 0 and leaves the uninstaller", status == DONE and
-                   {"uninstall.exe", "Temp/Quenkit_Setting/Quenkit.ini"} == set(contents(self.home)),
+                   {"uninstall.exe", "Temp/Quenkit_Setting/Quenkit.ini", "Temp/Quenkit_Setting/Kerno_Text.txt"} == set(contents(self.home)),
                    f"{status} {list(contents(self.home))}")
         (self.home / "uninstall.exe").unlink()
         self.check.equal("installing again ends with 0", DONE, self.install())

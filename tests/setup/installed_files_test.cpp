@@ -140,7 +140,8 @@ TEST_F(InstalledFiles, AListCannotNameFilesElsewhere) {
 }
 
 TEST_F(InstalledFiles, SettingsMoveAlongAndGoWhenToldTo) {
-  const Files settings = {{"Temp/Quenkit_Setting/Quenkit.ini", "A"},
+  const Files settings = {{"Temp/Quenkit_Setting/Kerno_Text.txt", "text"},
+                          {"Temp/Quenkit_Setting/Quenkit.ini", "A"},
                           {"Quenkit_Setting/Quenkit.ini", "A"}};
   Write(temporary_ / "old", settings);
   Write(folder_, {{"Quenkit_Setting/Quenkit.ini", "B"}, {"Temp/other", ""}});
@@ -150,6 +151,7 @@ TEST_F(InstalledFiles, SettingsMoveAlongAndGoWhenToldTo) {
   EXPECT_EQ(FilesIn(folder_), (Files{{"Temp/", ""},
                                      {"Temp/other", ""},
                                      {"Temp/Quenkit_Setting/", ""},
+                                     {"Temp/Quenkit_Setting/Kerno_Text.txt", "text"},
                                      {"Temp/Quenkit_Setting/Quenkit.ini", "A"},
                                      {"Quenkit_Setting/", ""},
                                      {"Quenkit_Setting/Quenkit.ini", "B"}}));
