@@ -463,21 +463,14 @@ class Trial:
                 wait_for(lambda: self.entry("DisplayVersion") == self.version)
                 time.sleep(3)
             time.sleep(1)
-        self.tool("key", "alt+r", "space")  # no start of the program
+        self.tool("key", "space")  # on the tick for starting the program
         self.tool("key", "Return")
         ended = wait_for(lambda: process.poll() is not None, 30)
         self.check(f"{language}: the pages lead to an installation", ended and process.poll() == 0 and
                    self.entry("DisplayVersion") == self.version, str(process.poll()))
         if not ended:
             process.kill()
-        self.close_all()
         self.uninstaller_pages(language, number)
-
-    def close_all(self):
-        for window in self.tool("search", "--onlyvisible", "--name", "Kerno").split():
-            self.tool("windowfocus", "--sync", window)
-            self.tool("key", "ctrl+q")
-        time.sleep(3)
 
     def uninstaller_pages(self, language, number):
         self.prefix.run(self.home / "uninstall.exe", f"/LANGUAGE={number}")
