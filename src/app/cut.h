@@ -93,6 +93,7 @@ struct CutFace {
   bool made_bold = false;           // the family has no such style: made of this one
   bool made_slanted = false;
   std::u16string lacked_style = {};           // wanted of a fallback, which has no such style
+  bool no_embedding = false;  // its maker wants to be asked before outlines are taken along
   std::vector<std::string> no_features = {};  // wanted ones that the font has no rule for
 };
 

@@ -97,6 +97,10 @@ std::vector<std::u16string> WarningsOf(const CutDrawing& made) {
       warnings.push_back(
           Say(u"{} has no such style: its letters are made of others", {face.family}));
     }
+    if (face.no_embedding && (is_first || face.characters > 0)) {
+      warnings.push_back(
+          Say(u"{} does not permit embedding: check what its licence permits", {face.family}));
+    }
   }
   return warnings;
 }

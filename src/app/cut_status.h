@@ -15,7 +15,8 @@ std::u16string SizeOf(const CutDrawing& made);
 std::u16string DescribeCut(const CutDrawing& made);
 
 // What the user should know before the drawing is cut, the worst first: missing characters, paths
-// that cross, touch, vanished or are open, letters from other faces, made ones.
+// that cross, touch, vanished or are open, letters from other faces, made ones, faces that do not
+// permit embedding.
 std::vector<std::u16string> WarningsOf(const CutDrawing& made);
 
 }  // namespace kerno

@@ -62,6 +62,11 @@ bool ReportFaces(const CutDrawing& made, bool strict) {
                                  made.glyphs, [](const CutGlyph& glyph) { return glyph.face == 0; })
                            : face.characters > 0;
     if (!gives) continue;
+    if (face.no_embedding) {
+      ReportWarning("licence", FaceName(face) +
+                                   " does not permit embedding; its outlines were taken: check "
+                                   "what its licence permits");
+    }
     for (const std::string& feature : face.no_features) {
       ReportWarning("--features", FaceName(face) + " has no \"" + feature + "\"");
     }

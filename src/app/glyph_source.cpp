@@ -8,6 +8,7 @@
 #include "app/text_source.h"
 #include "base/text.h"
 #include "drawing/strokes.h"
+#include "outline/font_details.h"
 #include "outline/scripts.h"
 #include "outline/shaping_font.h"
 #include "platform/folder_path.h"
@@ -32,6 +33,7 @@ class OutlineFonts final : public GlyphSource {
                             : FindFallback(job.fallbacks[i - 1], StyleOf(job.face), &data, &lacked);
       if (!found.ok()) return found;
       lacked_styles_.push_back(std::move(lacked));
+      no_embedding_.push_back(ForbidsOutlines(data));
       if (Status opened = ShapingFont::Open(data, &fonts_.emplace_back()); !opened.ok()) {
         return opened;
       }
@@ -63,7 +65,8 @@ class OutlineFonts final : public GlyphSource {
                        .characters = block.substituted[i],
                        .made_bold = data.make_bold,
                        .made_slanted = data.make_slanted,
-                       .lacked_style = lacked_styles_[i]});
+                       .lacked_style = lacked_styles_[i],
+                       .no_embedding = no_embedding_[i]});
       if (i == 0) faces[0].no_features = fonts_[0]->FeaturesWithoutRules();
     }
     return faces;
@@ -90,6 +93,7 @@ class OutlineFonts final : public GlyphSource {
   }
 
   std::vector<std::u16string> lacked_styles_;
+  std::vector<bool> no_embedding_;
   std::vector<std::unique_ptr<ShapingFont>> fonts_;
   std::vector<const ShapingFont*> choices_;
 };

@@ -15,19 +15,21 @@ class SilentNotices final : public Notices {
 
 SilentNotices silent;
 Notices* current = &silent;
-thread_local bool is_silent_here = false;
+thread_local Notices* of_this_thread = nullptr;
 
 }  // namespace
 
 Notices& CurrentNotices() {
-  return is_silent_here ? silent : *current;
+  return of_this_thread ? *of_this_thread : *current;
 }
 
-SilentHere::SilentHere() : before_(std::exchange(is_silent_here, true)) {}
+NoticesHere::NoticesHere(Notices* notices) : before_(std::exchange(of_this_thread, notices)) {}
 
-SilentHere::~SilentHere() {
-  is_silent_here = before_;
+NoticesHere::~NoticesHere() {
+  of_this_thread = before_;
 }
+
+SilentHere::SilentHere() : here_(&silent) {}
 
 Notices* ReplaceNotices(Notices* notices) {
   Notices* before = current;

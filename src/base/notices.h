@@ -50,16 +50,25 @@ class Notices {
 Notices& CurrentNotices();
 Notices* ReplaceNotices(Notices* notices);
 
+// While it lives, this thread has notices of its own, whatever the process's are.
+class NoticesHere {
+ public:
+  explicit NoticesHere(Notices* notices);
+  ~NoticesHere();
+  NoticesHere(const NoticesHere&) = delete;
+  NoticesHere& operator=(const NoticesHere&) = delete;
+
+ private:
+  Notices* before_;
+};
+
 // While it lives, this thread's notices are the silent ones.
 class SilentHere {
  public:
   SilentHere();
-  ~SilentHere();
-  SilentHere(const SilentHere&) = delete;
-  SilentHere& operator=(const SilentHere&) = delete;
 
  private:
-  bool before_;
+  NoticesHere here_;
 };
 
 }  // namespace kerno

@@ -77,17 +77,22 @@ std::vector<std::string> FeaturesOf(hb_face_t* face) {
   return {features.begin(), features.end()};
 }
 
-Embedding EmbeddingOf(hb_face_t* face) {
-  constexpr unsigned kPlace = 8;  // of fsType
+// fsType of the table "OS/2"; 0 without one.
+unsigned PermissionsOf(hb_face_t* face) {
+  constexpr unsigned kPlace = 8;
   const Owned<hb_blob_t> table(hb_face_reference_table(face, HB_TAG('O', 'S', '/', '2')));
   unsigned length = 0;
   const char* bytes = hb_blob_get_data(table.get(), &length);
-  if (length < kPlace + 2) return Embedding::kInstallable;
-  const auto low = static_cast<unsigned char>(bytes[kPlace + 1]);
+  if (length < kPlace + 2) return 0;
+  const auto byte = [&](unsigned at) { return static_cast<unsigned char>(bytes[at]); };
+  return byte(kPlace) * 256U + byte(kPlace + 1);
+}
+
+Embedding EmbeddingOf(unsigned permissions) {
   // The least strict of several counts.
-  if ((low & 8) != 0) return Embedding::kEditable;
-  if ((low & 4) != 0) return Embedding::kPreviewPrint;
-  return (low & 2) != 0 ? Embedding::kRestricted : Embedding::kInstallable;
+  if ((permissions & 8) != 0) return Embedding::kEditable;
+  if ((permissions & 4) != 0) return Embedding::kPreviewPrint;
+  return (permissions & 2) != 0 ? Embedding::kRestricted : Embedding::kInstallable;
 }
 
 // The face refers to the bytes of the data.
@@ -129,8 +134,16 @@ Status ReadFontDetails(const FontData& data, FontDetails* details) {
   Owned<hb_face_t> face;
   if (Status opened = OpenFace(data, &face); !opened.ok()) return opened;
   *details = {AxesOf(face.get()), ScriptsOf(face.get()), FeaturesOf(face.get()),
-              EmbeddingOf(face.get())};
+              EmbeddingOf(PermissionsOf(face.get()))};
   return Status::Ok();
+}
+
+bool ForbidsOutlines(const FontData& data) {
+  Owned<hb_face_t> face;
+  if (!OpenFace(data, &face).ok()) return false;
+  constexpr unsigned kBitmapsOnly = 0x0200;
+  const unsigned permissions = PermissionsOf(face.get());
+  return EmbeddingOf(permissions) == Embedding::kRestricted || (permissions & kBitmapsOnly) != 0;
 }
 
 Status ReadAxes(const FontData& data, std::vector<FontAxis>* axes, std::vector<double>* places) {

@@ -40,6 +40,11 @@ inline constexpr uint32_t kScriptLeast = 16;
 // Fails for bytes that hold no font.
 [[nodiscard]] Status ReadFontDetails(const FontData& data, FontDetails* details);
 
+// Whether the font's maker lets nobody take its outlines along without being asked: fsType is
+// restricted (and nothing milder), or permits bitmaps alone (0x0200). That no part of the font may
+// be taken without the rest (0x0100) is said of fonts in documents, not of a drawing.
+bool ForbidsOutlines(const FontData& data);
+
 // The axes alone, and where the face lies on each: its instance, and the variations of its data.
 [[nodiscard]] Status ReadAxes(const FontData& data, std::vector<FontAxis>* axes,
                               std::vector<double>* places);
