@@ -94,6 +94,7 @@ Var exit_status    ; of an installation that is done
 !macro DefineHelper un not_done
 Function ${un}Helper
   Exch $2  ; what is to be done: the words for the helper
+  SetDetailsPrint none  ; of the steps, the user sees what they came to
   ClearErrors
   ExecWait '"$PLUGINSDIR\kerno-setup-helper.exe" $2 --report "$PLUGINSDIR\report.txt"' $0
   ${If} ${Errors}
@@ -108,6 +109,7 @@ Function ${un}Helper
     Delete "$PLUGINSDIR\report.txt"
   ${EndIf}
   ClearErrors
+  SetDetailsPrint lastused
   Pop $2
 FunctionEnd
 
