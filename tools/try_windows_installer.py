@@ -317,7 +317,7 @@ class Trial:
         self.install("/NOIPX")
         status, _ = self.prefix.run(self.home / "uninstall.exe", "/S", *f"_?={self.windows_home()}".split(" "))
         self.check("uninstalling in place ends with 0 and leaves the uninstaller", status == DONE and
-                   {"uninstall.exe", "Temp/Quenkit_Setting/Quenkit.ini", "Temp/Quenkit_Setting/Kerno_Text.txt"} == set(contents(self.home)),
+                   {"uninstall.exe"} == {name for name in contents(self.home) if not name.startswith("Temp/Quenkit_Setting/")},
                    f"{status} {list(contents(self.home))}")
         (self.home / "uninstall.exe").unlink()
         self.check.equal("installing again ends with 0", DONE, self.install())
