@@ -7,7 +7,7 @@ WARNINGS_AS_ERRORS ?= OFF
 TEST_BUILD := -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_WARNINGS_AS_ERRORS=$(WARNINGS_AS_ERRORS)
 
 .PHONY: all setup build run samples test bench fuzzers fuzz fuzz-briefly faults kills screenshots install clean \
-  setup-windows windows test-windows windows-zip agreement
+  setup-windows windows test-windows agreement
 all: build
 
 setup:
@@ -104,9 +104,6 @@ test-windows: setup setup-windows
 	  trap 'WINEPREFIX=$$KERNO_WINEPREFIX wineserver -k' EXIT; \
 	  $(PYTHON) tools/check_agreement.py build/test/src/cli/kerno build/windows-test/src/cli/kerno.exe && \
 	  cd build/windows-test && ctest --output-on-failure --timeout 600
-
-windows-zip: windows
-	@sh tools/make_windows_zip.sh build/windows build/windows/kerno-windows.zip
 
 # The same texts on both systems, the other one under Wine.
 agreement: build windows

@@ -7,7 +7,7 @@ import pathlib
 import re
 import sys
 
-FLOORS = ["platform", "base", "drawing", "parts", "outline", "export", "web", "app", "api", "ui", "cli"]
+FLOORS = ["platform", "base", "setup", "drawing", "parts", "outline", "export", "web", "app", "api", "ui", "cli"]
 # Rooms side by side on the top floor.
 APART = {"cli": ("api", "ui"), "ui": ("api",)}
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
