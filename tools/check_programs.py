@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Opens drawings of "kerno cut" in the programs that their users have, without a window: sizes, closed paths, a
-face that can be made and its extrusion. The programs are too large for tools/setup.sh; those that are not
-installed are named.
+face that can be made and its extrusion. The programs are large ("tools/setup.sh programs"); those that are not
+installed are named, and with --all count as failures.
 
-usage: check_programs.py KERNO
+usage: check_programs.py [--all] KERNO
 """
 import json
 import os
@@ -18,7 +18,8 @@ import zlib
 import ezdxf.path
 from shapely.geometry import Polygon
 
-TEXT = ["Boing & 8 ÖR", "--face", "DejaVu Sans", "--at", "20,20"]
+FACE = ["--face", "DejaVu Sans"]
+TEXT = ["Boing & 8 ÖR", *FACE, "--at", "20,20"]
 WIDTH, HEIGHT = 120, 5  # of the text, and of what is extruded
 INCH = 25.4
 INKSCAPE_READER = "/usr/share/inkscape/extensions/dxf_input.py"
@@ -69,8 +70,10 @@ class Checks:
         self.closed = {name: made["closedPaths"] for name, made in self.made.items()}
         # Two frames across, so that a sheet's drawing is as wide as the others.
         frame = (WIDTH - 2) / 2
-        done = self.run(self.kerno, "cut", "--count", "6", "--text", "Nr. {n}", *TEXT[1:], "--cap-height", "4mm", "-o",
+        done = self.run(self.kerno, "cut", "--count", "6", "--text", "Nr. {n}", *FACE, "--cap-height", "4mm", "-o",
                         "sheet.dxf", "--sheet", f"{WIDTH + 10}x60mm", "--frame", f"{frame}x10mm", "--corner", "2mm", "--json")
+        if done.returncode != 0:
+            sys.exit(done.stderr)
         rows = [json.loads(line) for line in done.stdout.splitlines()]
         self.closed["sheet.dxf"] = 6 + sum(row["closedPaths"] for row in rows if "row" in row)
         self.cut("lines.dxf", *size, "--curves", "lines")
@@ -147,8 +150,9 @@ class Checks:
 
 
 def main():
+    all_of_them = "--all" in sys.argv[1:-1]
     with tempfile.TemporaryDirectory() as folder:
-        checks = Checks(sys.argv[1], folder)
+        checks = Checks(sys.argv[-1], folder)
         checks.make()
         print(f"{'program':10} {'file':12} {'what':24} {'found':>12} {'wanted':>12}")
         for check, program in ((checks.freecad, "freecadcmd"), (checks.openscad, "openscad"),
@@ -157,6 +161,7 @@ def main():
                 check(program)
             else:
                 print(f"{program} is not installed")
+                checks.wrong += all_of_them
         sys.exit(checks.wrong > 0)
 
 

@@ -18,8 +18,8 @@ packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libicu72
  libexpat1-dev libxml2-utils assimp-utils
  python3 python3-ezdxf python3-fonttools python3-shapely python3-numpy python3-mypy imagemagick file emf2svg librsvg2-bin icoutils
- hp2xx qpdf poppler-utils parallel
- mandoc desktop-file-utils appstream shared-mime-info libglib2.0-bin bash-completion zsh fish"
+ hp2xx qpdf poppler-utils parallel git xz-utils
+ man-db mandoc desktop-file-utils appstream shared-mime-info libglib2.0-bin bash-completion zsh fish"
 
 sources=""
 for group in "$@"; do
@@ -30,10 +30,10 @@ for group in "$@"; do
       sources="libpolyclipping harfbuzz fribidi"
       ;;
     packages)
-      packages="$packages dpkg-dev debhelper fakeroot lintian debootstrap nsis osslsigncode"
+      packages="$packages dpkg-dev debhelper dh-python fakeroot lintian debootstrap nsis osslsigncode"
       ;;
     programs)
-      packages="$packages inkscape freecad-python3 librecad openscad"
+      packages="$packages inkscape python3-lxml python3-cssselect freecad-python3 librecad openscad"
       ;;
     *)
       echo "setup: no group \"$group\": windows, packages, programs" >&2

@@ -32,8 +32,9 @@ draw() {
     cut "Panel 12 V" --stroke-font rowmans --cap-height 5mm --angle 7 -o "$2/strokes.dxf" -o "$2/strokes.plt"
     cut --count 9 --text "No. {n:03}" --face "DejaVu Serif" --cap-height 6mm --sheet 150x100mm --frame 40x15mm \
       --corner 3mm --numbers -o "$2/plates-{sheet}.dxf"
-    # It tells which program wrote it, and when that was built.
+    # These tell which program wrote them, and when that was built.
     sed -i '/^EXE /d; /^X3D Exporter/d' "$2/arcs.x3d"
+    sed -i '1s/"[^"]*"//' "$2/vertical.ipx"
     cd "$2" && sha256sum ./*.* > sums
   )
 }

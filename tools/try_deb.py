@@ -21,15 +21,15 @@ ROOT = pathlib.Path(__file__).resolve().parents[1]
 SUITE = "bookworm"
 SYSTEM = ROOT / "build/try-deb"
 CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache") / "kerno-sources"
-PACKAGES = ["kerno", "kerno-desktop", "kerno-doc"]
+PACKAGES = ["kerno", "kerno-desktop", "kerno-doc", "libkerno1", "libkerno-dev", "python3-kerno"]
 # What a desktop has whose caches an installed program enters, and what the trial itself needs.
 SURROUNDINGS = ["man-db", "bash-completion", "desktop-file-utils", "shared-mime-info", "hicolor-icon-theme",
-                "gtk-update-icon-cache", "fonts-dejavu-core", "doc-base"]
+                "gtk-update-icon-cache", "fonts-dejavu-core", "doc-base", "gcc", "libc6-dev", "pkg-config"]
 # What dpkg, apt and the makers of caches write for themselves, and what the trial puts there.
 NOT_KERNOS = re.compile(
     r"/(var/lib/dpkg/(status|available|diversions|statoverride|lock|triggers/|alternatives|updates)"
-    r"|var/lib/apt/|var/log/|var/cache/|etc/ld\.so\.cache|usr/share/icons/hicolor/icon-theme\.cache"
-    r"|root/\.|tmp/|packages(/|$)|home/tester/)")
+    r"|var/lib/(apt|doc-base/info)/|var/log/|var/cache/|etc/ld\.so\.cache"
+    r"|usr/share/icons/hicolor/icon-theme\.cache|root/\.|tmp/|packages(/|$)|home/tester/)")
 LONG = 1800  # seconds for apt and debootstrap
 
 
@@ -50,14 +50,19 @@ class Results:
 results = Results()
 
 
-def inside(command, user="root", timeout=120, **variables):
-    """Runs a shell command in the system; returns its status and what it said on both streams."""
-    home = "/root" if user == "root" else "/home/tester"
+def chroot(user, *command, **variables):
+    """What runs a command in the system: its arguments and its surroundings."""
+    home = "/root" if user == "root" else f"/home/{user}"
+    identity = [] if user == "root" else [f"--userspec={user}:{user}"]
     environment = {"PATH": "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin", "HOME": home,
                    "LC_ALL": "C.UTF-8", "DEBIAN_FRONTEND": "noninteractive", **variables}
-    identity = [] if user == "root" else ["--userspec=tester:tester"]
-    done = subprocess.run(["chroot", *identity, SYSTEM, "sh", "-c", f"cd {home} && {command}"],
-                          env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+    return ["chroot", *identity, SYSTEM, "env", f"--chdir={home}", *command], environment
+
+
+def inside(command, user="root", timeout=120, **variables):
+    """Runs a shell command in the system; returns its status and what it said on both streams."""
+    arguments, environment = chroot(user, "sh", "-c", command, **variables)
+    done = subprocess.run(arguments, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                           stdin=subprocess.DEVNULL, encoding="utf-8", errors="replace", timeout=timeout,
                           check=False)
     return done.returncode, done.stdout
@@ -107,6 +112,7 @@ def make_system():
     else:
         subprocess.run(["tar", "-C", SYSTEM, "-xpf", base], check=True)
     subprocess.run(["mount", "-t", "proc", "proc", SYSTEM / "proc"], check=True)
+    subprocess.run(["mount", "-t", "devpts", "devpts", SYSTEM / "dev/pts"], check=True)
     subprocess.run(["mount", "--bind", archives, SYSTEM / "var/cache/apt/archives"], check=True)
     shutil.copy("/etc/resolv.conf", SYSTEM / "etc/resolv.conf")
     # No daemon is started, man pages are kept, and archives stay for the next time.
@@ -123,15 +129,19 @@ def make_system():
 
 
 def bring(folder, version):
-    """Puts the packages of a version into the system; returns the files as apt is told of them."""
-    found = {}
+    """Puts the packages of a version where apt finds them, by their names and as files: /packages."""
     for package in PACKAGES:
         files = glob.glob(f"{folder}/{package}_{version}-*.deb")
         if len(files) != 1:
             sys.exit(f"try_deb: no package {package} {version} in {folder}: run \"make deb\"")
         shutil.copy(files[0], SYSTEM / "packages")
-        found[package] = "/packages/" + pathlib.Path(files[0]).name
-    return found
+    with open(SYSTEM / "packages/Packages", "wb") as index:
+        subprocess.run(["dpkg-scanpackages", "--multiversion", "."], cwd=SYSTEM / "packages", stdout=index,
+                       stderr=subprocess.DEVNULL, check=True)
+    (SYSTEM / "etc/apt/sources.list.d/kerno.list").write_text("deb [trusted=yes] file:/packages ./\n")
+    status, said = inside("apt-get -q update", timeout=LONG)
+    if status:
+        sys.exit(f"try_deb: apt does not read the packages:\n{said}")
 
 
 def listing():
@@ -176,12 +186,12 @@ def receive(folder):
     return process
 
 
-def try_command_line_alone(debs, version):
+def try_command_line_alone(version):
     """The package kerno on a small system: no window, no libcurl."""
-    dependencies = needed(debs["kerno"], False)
+    dependencies = needed("kerno", False)
     print(f"        kerno needs {len(dependencies)} packages: {' '.join(dependencies)}")
-    apt("kerno alone is installed, with what it depends on",
-        f"--no-install-recommends install {debs['kerno']}", r"Setting up kerno ")
+    apt("kerno alone is installed from its file, with what it depends on",
+        "--no-install-recommends install /packages/kerno_*.deb", r"Setting up kerno ")
     attempt("kerno --version", "kerno --version", 0, re.escape(version.split("~")[0]), user="tester")
     attempt("no command, no display: says what to do", "kerno", 2, "no display", user="tester")
     attempt("no command, a display, no window: names the package", "kerno", 1, "package kerno-desktop",
@@ -196,15 +206,14 @@ def try_command_line_alone(debs, version):
     apt("kerno is removed", "remove kerno", "Removing kerno ")
 
 
-def try_everything(debs, received):
+def try_everything(received):
     """All three packages, kerno with what it recommends; the system must be as before in the end."""
-    wanted = f"{needed(debs['kerno'], True)} {needed(' '.join(debs.values()), False)}"
-    dependencies = sorted(set(re.findall(r"[\w.+:-]+", wanted)))
+    dependencies = sorted({*needed("kerno", True), *needed(" ".join(PACKAGES), False)})
     results.tell("libcurl is what kerno recommends", "libcurl4" in dependencies)
     apt(f"their {len(dependencies)} dependencies are installed first",
         f"--no-install-recommends install {' '.join(dependencies)}")
     before = listing()
-    said = apt("all packages are installed", f"install --no-install-recommends {' '.join(debs.values())}",
+    said = apt("all packages are installed", f"install --no-install-recommends {' '.join(PACKAGES)}",
                "Setting up kerno-desktop ")
     new = set(re.findall(r"^Setting up ([\w.+-]+)", said, re.MULTILINE))
     results.tell("nothing else came with them", new == set(PACKAGES), " ".join(sorted(new)))
@@ -217,6 +226,10 @@ def try_everything(debs, received):
             "COMP_POINT=8; $(complete -p kerno | sed \"s/.*-F \\([^ ]*\\).*/\\1/\") kerno cu kerno; "
             "echo \"${COMPREPLY[@]}\"'", 0, r"\bcut\b")
     attempt("the window runs (debian/tests)", "sh /packages/tests/window", 0, "ran for", user="tester")
+    attempt("a program in C uses the library (debian/tests)", "sh /packages/tests/library", 0, "wrote its",
+            user="tester")
+    attempt("a script in Python uses it (debian/tests)", "sh /packages/tests/module", 0, "wrote its",
+            user="tester")
     attempt("the menu knows who opens parts files",
             "grep kerno /usr/share/applications/mimeinfo.cache", 0, "x-kerno-ipx=kerno.desktop")
     attempt("documents have their entry", "cat /var/lib/doc-base/documents/kerno", 0, "docs/")
@@ -225,13 +238,12 @@ def try_everything(debs, received):
 
 def window_of(user):
     """The process of a running window in the system."""
-    environment = {"PATH": "/usr/bin:/bin", "HOME": "/home/tester", "QT_QPA_PLATFORM": "offscreen",
-                   "LC_ALL": "C.UTF-8", "XDG_RUNTIME_DIR": "/home/tester"}
-    return subprocess.Popen(["chroot", f"--userspec={user}:{user}", SYSTEM, "kerno-desktop"], env=environment,
-                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    arguments, environment = chroot(user, "kerno-desktop", QT_QPA_PLATFORM="offscreen",
+                                    XDG_RUNTIME_DIR=f"/home/{user}")
+    return subprocess.Popen(arguments, env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
-def try_upgrade(newer):
+def try_upgrade(folder, newer):
     """A newer version over a running window; settings of the user and of the system stay."""
     beside = SYSTEM / "usr/bin/Quenkit_Setting"
     beside.mkdir()
@@ -244,8 +256,8 @@ def try_upgrade(newer):
     time.sleep(3)
     results.tell("a window runs", window.poll() is None)
     set_aside.rename(beside)
-    apt("the newer packages are installed over it", f"install {' '.join(newer.values())}",
-        "Unpacking kerno-desktop .* over ")
+    bring(folder, newer)
+    apt("the newer packages are installed over it", "upgrade", "Unpacking kerno-desktop .* over ")
     program = os.readlink(f"/proc/{window.pid}/exe")
     results.tell("the window still runs, from the file that it was", window.poll() is None
                  and program.endswith("(deleted)"), program)
@@ -256,7 +268,8 @@ def try_upgrade(newer):
     except subprocess.TimeoutExpired:
         window.kill()
         results.tell("it leaves when it is told to", False)
-    attempt("the newer version is there", "dpkg-query -W kerno kerno-desktop kerno-doc", 0, "~test-")
+    attempt("the newer version is there", f"dpkg-query -W {' '.join(PACKAGES)}", 0,
+            rf"^kerno-desktop\s+{re.escape(newer)}-")
     attempt("the system's setting is kept", "kerno settings get Dialog Height", 0, "^321$")
     shutil.move(beside, SYSTEM / "root/Quenkit_Setting")
     attempt("the user's setting is kept", "kerno settings get Dialog Height", 0, "^123$", user="tester")
@@ -267,13 +280,15 @@ def try_removal(before):
     apt("the packages are removed", f"remove {' '.join(PACKAGES)}", "Removing kerno-desktop ")
     kept = SYSTEM / "usr/bin/Quenkit_Setting"
     results.tell("the system's settings outlive that", (kept / "Quenkit.ini").is_file())
-    apt("and purged", f"purge {' '.join(PACKAGES)}")
+    apt("and purged", f"purge {' '.join(PACKAGES)}", "purge|not installed")
     own = SYSTEM / "home/tester/.config/kerno"
     results.tell("the user's settings outlive both", any(own.rglob("Quenkit.ini")))
     shutil.rmtree(kept)
     compare("nothing is left behind", before, listing())
+    attempt("the desktop's caches name it no more",
+            "cd /usr/share && ! grep -rs kerno mime applications icons/hicolor")
     apt("removing twice is harmless", "remove kerno", "is not installed, so not removed")
-    apt("purging twice is harmless", "purge kerno kerno-desktop kerno-doc", "is not installed, so not removed")
+    apt("purging twice is harmless", "purge kerno kerno-desktop", "is not installed, so not removed")
 
 
 def main():
@@ -288,14 +303,14 @@ def main():
     newer = f"{version}+1~test"
     subprocess.run(["sh", ROOT / "tools/make_deb.sh", newer], check=True, stdout=subprocess.DEVNULL)
     make_system()
-    debs = bring(ROOT / "build/packages", version)
+    bring(ROOT / "build/packages", version)
     received = SYSTEM.parent / "try-deb-received"
     shutil.rmtree(received, ignore_errors=True)
     receiver = receive(received)
     try:
-        try_command_line_alone(debs, version)
-        before = try_everything(debs, received)
-        try_upgrade(bring(ROOT / "build/deb/packages", newer))
+        try_command_line_alone(version)
+        before = try_everything(received)
+        try_upgrade(ROOT / "build/deb/packages", newer)
         try_removal(before)
     finally:
         receiver.terminate()

@@ -31,7 +31,7 @@ sleep 2
   umask 027
   TZ=Asia/Tokyo LC_ALL=C.UTF-8
   export TZ LC_ALL
-  build "$folder/another place/of the source" "$folder/another build" 3 "$@"
+  build "$folder/別の 場所/of the source" "$folder/another build, 二" 3 "$@"
 )
 
 checked=0

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "app/choice.h"
+#include "app/cut_choices.h"
 #include "app/lengths.h"
 #include "app/option_values.h"
 #include "app/reports.h"
@@ -107,23 +107,8 @@ bool CutReader::ReadPlace() {
   job_.angle = *angle;
   job_.slant = *slant;
   job_.mirror = texts_.mirror;
-  return Choose<Alignment>("--align", texts_.align,
-                           {{"left", Alignment::kLeft},
-                            {"centre", Alignment::kCentre},
-                            {"center", Alignment::kCentre},
-                            {"right", Alignment::kRight}},
-                           &job_.align) &&
-         Choose<Anchor>("--anchor", texts_.anchor,
-                        {{"bottom-left", {0, 0}},
-                         {"bottom-centre", {1, 0}},
-                         {"bottom-right", {2, 0}},
-                         {"middle-left", {0, 1}},
-                         {"middle-centre", {1, 1}},
-                         {"middle-right", {2, 1}},
-                         {"top-left", {0, 2}},
-                         {"top-centre", {1, 2}},
-                         {"top-right", {2, 2}}},
-                        &job_.anchor);
+  return Choose(kAlignChoices, texts_.align, &job_.align) &&
+         Choose(kAnchorChoices, texts_.anchor, &job_.anchor);
 }
 
 bool CutReader::ReadPaths() {
@@ -140,18 +125,9 @@ bool CutReader::ReadPaths() {
   }
   job_.tolerance = *tolerance / per_unit;
   job_.offset = *offset / per_unit;
-  return Choose<CurveForm>("--curves", texts_.curves,
-                           {{"arcs", CurveForm::kArcs},
-                            {"lines", CurveForm::kLines},
-                            {"curves", CurveForm::kCurves}},
-                           &job_.curves) &&
-         Choose<WeldScope>(
-             "--weld", texts_.weld,
-             {{"text", WeldScope::kText}, {"glyph", WeldScope::kGlyph}, {"off", WeldScope::kNone}},
-             &job_.weld) &&
-         Choose<CutOrder>("--order", texts_.order,
-                          {{"inside-first", CutOrder::kInsideFirst}, {"text", CutOrder::kText}},
-                          &job_.order);
+  return Choose(kCurveChoices, texts_.curves, &job_.curves) &&
+         Choose(kWeldChoices, texts_.weld, &job_.weld) &&
+         Choose(kOrderChoices, texts_.order, &job_.order);
 }
 
 bool CutReader::ReadStyle() {
@@ -173,17 +149,9 @@ bool CutReader::ReadStyle() {
   }
   style_.color = *color;
   style_.layer = *layer;
-  return Choose<DxfVersion>("--dxf", texts_.dxf,
-                            {{"r2000", DxfVersion::kR2000}, {"r12", DxfVersion::kR12}},
-                            &style_.dxf) &&
-         Choose<LayerRule>("--layers", texts_.layers,
-                           {{"one", LayerRule::kOne},
-                            {"glyph", LayerRule::kGlyph},
-                            {"line", LayerRule::kLine},
-                            {"depth", LayerRule::kDepth}},
-                           &style_.layers) &&
-         Choose<SvgLook>("--svg-style", texts_.svg_style,
-                         {{"cut", SvgLook::kCut}, {"fill", SvgLook::kFill}}, &style_.svg);
+  return Choose(kDxfChoices, texts_.dxf, &style_.dxf) &&
+         Choose(kLayersChoices, texts_.layers, &style_.layers) &&
+         Choose(kSvgStyleChoices, texts_.svg_style, &style_.svg);
 }
 
 bool CutReader::ReadScripts() {
@@ -209,11 +177,7 @@ bool CutReader::ReadScripts() {
     return false;
   }
   job_.across_digits = static_cast<size_t>(*digits);
-  return Choose<ParagraphDirection>("--direction", texts_.direction,
-                                    {{"auto", ParagraphDirection::kAuto},
-                                     {"ltr", ParagraphDirection::kLeftToRight},
-                                     {"rtl", ParagraphDirection::kRightToLeft}},
-                                    &job_.direction);
+  return Choose(kDirectionChoices, texts_.direction, &job_.direction);
 }
 
 bool CutReader::ReadStrokeFont() {
@@ -240,11 +204,8 @@ bool CutReader::Read() {
   if (!face) return false;
   job_.face = std::move(*face);
   job_.mode = texts_.vertical ? WritingMode::kVertical : WritingMode::kHorizontal;
-  return Choose<LengthUnit>("--unit", texts_.unit,
-                            {{"mm", LengthUnit::kMillimetre}, {"in", LengthUnit::kInch}},
-                            &job_.unit) &&
-         ReadScripts() && ReadSize() && ReadPlace() && ReadPaths() && ReadStyle() &&
-         ReadStrokeFont() && GoTogether();
+  return Choose(kUnitChoices, texts_.unit, &job_.unit) && ReadScripts() && ReadSize() &&
+         ReadPlace() && ReadPaths() && ReadStyle() && ReadStrokeFont() && GoTogether();
 }
 
 // Refuses choices that leave an output without sense, and tells of names that cannot stay.

@@ -100,7 +100,7 @@ Status Parse(std::string_view bytes, ChosenStrokeFont* chosen) {
 
 bool IsStrokeFontName(const fs::path& file) {
   const std::u16string ending = Folded(Extension(PathText(file.filename())));
-  return ending == u"jhf" || ending == u"lff" || ending == u"svg";
+  return std::ranges::find(kStrokeFontEndings, ending) != std::end(kStrokeFontEndings);
 }
 
 std::vector<StrokeFontFile> InstalledStrokeFonts() {

@@ -21,7 +21,8 @@ struct StrokeFontFile {
 // All that lie in the system's folders for them, by name; what is in them is not looked at.
 std::vector<StrokeFontFile> InstalledStrokeFonts();
 
-// Whether a file can be a font of strokes by the ending of its name.
+// Whether a file can be a font of strokes by the ending of its name: one of these.
+inline constexpr std::u16string_view kStrokeFontEndings[] = {u"jhf", u"lff", u"svg"};
 bool IsStrokeFontName(const std::filesystem::path& file);
 
 struct ChosenStrokeFont {

@@ -228,6 +228,17 @@ const char* CodingName(TextCoding coding) {
   return "EUC-JP";
 }
 
+std::string CodingNames(std::string_view separator) {
+  std::string names;
+  for (const TextCoding coding :
+       {TextCoding::kUtf8, TextCoding::kUtf16Le, TextCoding::kUtf16Be, TextCoding::kCodePage932,
+        TextCoding::kEucJp, TextCoding::kCodePage1252, TextCoding::kLatin1}) {
+    if (!names.empty()) names += separator;
+    names += CodingName(coding);
+  }
+  return names;
+}
+
 std::optional<TextCoding> FindCoding(std::string_view name) {
   const std::u16string wanted = AsciiLower(Utf8ToUtf16Lossy(name));
   for (const CodingWord& word : kWords) {

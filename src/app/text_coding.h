@@ -23,6 +23,8 @@ enum class TextCoding {
 // The name that users are shown, and the coding of a name, case ignored ("Shift_JIS", "cp932").
 const char* CodingName(TextCoding coding);
 std::optional<TextCoding> FindCoding(std::string_view name);
+// The names of all, in the order above: "UTF-8", the separator, "UTF-16LE", ...
+std::string CodingNames(std::string_view separator);
 
 // The text of bytes, a mark at the start left out. `name` says in a failure whose bytes they are;
 // the reason names the offset of the first offending byte. *text is set on success only.

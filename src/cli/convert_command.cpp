@@ -5,9 +5,9 @@
 #include <memory>
 #include <utility>
 
-#include "app/choice.h"
 #include "app/option_values.h"
 #include "base/text.h"
+#include "cli/choices.h"
 #include "cli/console.h"
 #include "parts/ipx.h"
 #include "parts/shapes.h"
@@ -40,7 +40,7 @@ void ConvertCommand::AddOptions(CLI::App& app) {
   app_ = &app;
   text_.AddTo(app);
   app.add_option("--elements", elements_, "what a contour becomes")
-      ->type_name("lines|faces|both")
+      ->type_name(ChoiceText(kElementChoices))
       ->capture_default_str();
   app.add_option("--layer", layer_, "name of the layer")->type_name("NAME")->capture_default_str();
   app.add_option("--ipx", ipx_, "read the drawing from a parts file instead of setting text")
@@ -53,11 +53,7 @@ bool ConvertCommand::ReadChoices() {
   const auto layer = TextArgument("--layer", layer_);
   if (!layer) return false;
   parts_.layer = *layer;
-  return Choose<ContourElements>("--elements", elements_,
-                                 {{"lines", ContourElements::kLines},
-                                  {"faces", ContourElements::kFaces},
-                                  {"both", ContourElements::kBoth}},
-                                 &parts_.elements);
+  return Choose(kElementChoices, elements_, &parts_.elements);
 }
 
 ExitStatus ConvertCommand::BuildFromText(PartsA* model, std::string* summary) {

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "app/cut_choices.h"
 #include "cli/face_options.h"
 
 namespace kerno {
@@ -31,7 +32,7 @@ void CutOptions::AddScriptOptions(CLI::App& app) {
       ->type_name("TAG");
   app.add_option("--direction", texts_.direction,
                  "of each line; auto: that of its first letter with a direction")
-      ->type_name("auto|ltr|rtl")
+      ->type_name(ChoiceText(kDirectionChoices))
       ->capture_default_str();
   app.add_option("--tate-chu-yoko", texts_.across_digits,
                  "--vertical: set numbers of up to N digits across the column")
@@ -48,10 +49,10 @@ void CutOptions::AddSizeOptions(CLI::App& app) {
       ->type_name("W|xH|WxH");
   app.add_flag("--stretch", texts_.stretch, "--fit WxH fills both sides");
   app.add_option("--unit", texts_.unit, "unit of the files")
-      ->type_name("mm|in")
+      ->type_name(ChoiceText(kUnitChoices))
       ->capture_default_str();
   app.add_option("--align", texts_.align, "of several lines")
-      ->type_name("left|centre|right")
+      ->type_name(ChoiceText(kAlignChoices))
       ->capture_default_str();
   app.add_option("--line-spacing", texts_.line_spacing,
                  "multiplies the face's own distance of lines")
@@ -79,7 +80,7 @@ void CutOptions::AddSizeOptions(CLI::App& app) {
 
 void CutOptions::AddPathOptions(CLI::App& app) {
   app.add_option("--curves", texts_.curves, "what curves become")
-      ->type_name("arcs|lines|curves")
+      ->type_name(ChoiceText(kCurveChoices))
       ->capture_default_str();
   app.add_option("--tolerance", texts_.tolerance,
                  "the farthest that a path strays from the true curve")
@@ -87,7 +88,7 @@ void CutOptions::AddPathOptions(CLI::App& app) {
       ->capture_default_str();
   app.add_option("--weld", texts_.weld,
                  "join what overlaps: in the whole text, in each glyph, or not")
-      ->type_name("text|glyph|off")
+      ->type_name(ChoiceText(kWeldChoices))
       ->capture_default_str();
   app.add_option(
          "--offset", texts_.offset,
@@ -96,14 +97,14 @@ void CutOptions::AddPathOptions(CLI::App& app) {
       ->capture_default_str();
   app.add_option("--order", texts_.order,
                  "counters before the contour around them, or as the text has them")
-      ->type_name("inside-first|text")
+      ->type_name(ChoiceText(kOrderChoices))
       ->capture_default_str();
 }
 
 void CutOptions::AddFileOptions(CLI::App& app) {
   outputs_.AddTo(app);
   app.add_option("--dxf", texts_.dxf, "version of DXF files")
-      ->type_name("r2000|r12")
+      ->type_name(ChoiceText(kDxfChoices))
       ->capture_default_str();
   app.add_option("--layer", texts_.layer,
                  "name of the layer, or the first word of the layers' names")
@@ -111,13 +112,13 @@ void CutOptions::AddFileOptions(CLI::App& app) {
       ->capture_default_str();
   app.add_option("--layers", texts_.layers,
                  "one for all, or one for each glyph, line, or inside and outside")
-      ->type_name("one|glyph|line|depth")
+      ->type_name(ChoiceText(kLayersChoices))
       ->capture_default_str();
   app.add_option("--colour", texts_.color, "AutoCAD colour index of what is cut, 1 red to 255")
       ->type_name("N")
       ->capture_default_str();
   app.add_option("--svg-style", texts_.svg_style, "SVG: hairlines to cut, or filled figures")
-      ->type_name("cut|fill")
+      ->type_name(ChoiceText(kSvgStyleChoices))
       ->capture_default_str();
 }
 

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 #include <utility>
 
@@ -15,6 +16,7 @@
 #include "cli/face_options.h"
 #include "export/drawing_formats.h"
 #include "outline/font_details.h"
+#include "platform/fold_case.h"
 #include "platform/font_faces.h"
 #include "platform/font_file.h"
 
@@ -133,6 +135,15 @@ std::string FaceJson(const ListedFace& face, const std::vector<std::u16string>& 
   return object.Take();
 }
 
+bool HasName(const std::vector<std::u16string>& names, std::u16string_view wanted) {
+  return std::ranges::any_of(
+      names, [&](const std::u16string& name) { return EqualWithoutCase(name, wanted); });
+}
+
+bool HasControl(const std::u16string& name) {
+  return std::ranges::any_of(name, [](char16_t unit) { return unit < 0x20 || unit == 0x7F; });
+}
+
 }  // namespace
 
 void FacesCommand::AddOptions(CLI::App& app) {
@@ -150,6 +161,10 @@ void FacesCommand::AddOptions(CLI::App& app) {
   app.add_option("--sample", sample_, "draw TEXT in each family that has it, into the file of -o")
       ->type_name("TEXT");
   outputs_.AddTo(app);
+  // For completions: names as --face and --style take them, one a line. Not in the help.
+  app.add_flag("--names", names_, "families by every name")->group("");
+  app.add_flag("--styles", styles_, "styles of --family, or of --font-file")->group("");
+  app.add_option("--family", family_, "a family by any of its names")->group("");
 }
 
 bool FacesCommand::ReadTexts() {
@@ -263,6 +278,32 @@ ExitStatus FacesCommand::ListStrokeFonts() const {
   return Print(out) && FinishPrinting() ? kDone : kFailed;
 }
 
+// The system's list alone is asked, no font file: an answer to a key must be quick.
+ExitStatus FacesCommand::ListNames() const {
+  const bool of_file = app_->count("--font-file") > 0;
+  std::vector<ListedFace> faces;
+  FaceRequest request;
+  if (!of_file) {
+    faces = ListFaces();
+  } else if (!ReadFontFile(font_file_, &request) || !ListFacesIn(request, &faces).ok()) {
+    return kFailed;
+  }
+  const std::u16string family = Utf8ToUtf16Lossy(family_);
+  std::set<std::u16string> names;
+  for (const ListedFace& face : faces) {
+    if (!face.has_outlines) continue;
+    if (!styles_) {
+      names.insert(face.families.begin(), face.families.end());
+    } else if (!face.styles.empty() && (of_file || HasName(face.families, family))) {
+      names.insert(face.styles.front());
+    }
+  }
+  std::erase_if(names, HasControl);
+  std::string out;
+  for (const std::u16string& name : names) out += Utf16ToUtf8(name) + "\n";
+  return Print(out) && FinishPrinting() ? kDone : kFailed;
+}
+
 ExitStatus FacesCommand::DescribeFile() const {
   for (const char* other : {"--vertical", "--strokes", "--skipped", "--covers", "--sample", "-o"}) {
     if (app_->count(other) == 0) continue;
@@ -292,6 +333,7 @@ ExitStatus FacesCommand::DescribeFile() const {
 }
 
 ExitStatus FacesCommand::Run() {
+  if (names_ || styles_) return ListNames();
   if (app_->count("--font-file") > 0) return DescribeFile();
   if (strokes_) return ListStrokeFonts();
   if (!ReadTexts()) return kWrongUsage;

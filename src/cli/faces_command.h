@@ -20,6 +20,7 @@ class FacesCommand final : public Command {
 
  private:
   ExitStatus ListStrokeFonts() const;
+  ExitStatus ListNames() const;
   ExitStatus DescribeFile() const;
   bool ReadTexts();
   std::vector<std::u16string> Families() const;
@@ -28,12 +29,14 @@ class FacesCommand final : public Command {
 
   CLI::App* app_ = nullptr;
   OutputFiles outputs_;
-  std::string covers_, sample_, font_file_;
+  std::string covers_, sample_, font_file_, family_;
   std::u16string covered_, shown_;  // those texts
   bool json_ = false;
   bool vertical_ = false;
   bool skipped_ = false;
   bool strokes_ = false;
+  bool names_ = false;
+  bool styles_ = false;
 };
 
 }  // namespace kerno

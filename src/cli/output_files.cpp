@@ -5,10 +5,10 @@
 #include <chrono>
 #include <fstream>
 
-#include "app/choice.h"
 #include "app/option_values.h"
 #include "base/folders.h"
 #include "base/text.h"
+#include "cli/choices.h"
 #include "cli/console.h"
 #include "cli/scratch_path.h"
 #include "export/export.h"
@@ -143,13 +143,13 @@ bool OutputFiles::WriteAll(const WriteFormat& write, const WriteSummary& summary
 void WriterOptions::AddTo(CLI::App& app) {
   app.add_option("--dxf-layers", dxf_layers_,
                  "DXF layers: by name, or by colour where an element has no name")
-      ->type_name("name|colour")
+      ->type_name(ChoiceText(kDxfLayerChoices))
       ->capture_default_str();
   app.add_option("--aci", aci_, "DXF colour index: by the classic rule, or the nearest colour")
-      ->type_name("classic|nearest")
+      ->type_name(ChoiceText(kAciChoices))
       ->capture_default_str();
   app.add_option("--units", units_, "SVG: with a size on paper, one unit a millimetre")
-      ->type_name("none|mm")
+      ->type_name(ChoiceText(kUnitsChoices))
       ->capture_default_str();
   app.add_option("--size", size_, "size of a bitmap in pixels (one unit is one pixel)")
       ->type_name("WxH");
@@ -164,15 +164,9 @@ bool WriterOptions::Owns(std::string_view option) {
 
 bool WriterOptions::Read() {
   options_.program = PathText(CurrentSystem().ProgramPath());
-  return Choose<DxfLayerRule>("--dxf-layers", dxf_layers_,
-                              {{"name", DxfLayerRule::kName}, {"colour", DxfLayerRule::kColour}},
-                              &options_.dxf.layers) &&
-         Choose<AciRule>("--aci", aci_,
-                         {{"classic", AciRule::kClassic}, {"nearest", AciRule::kNearest}},
-                         &options_.dxf.aci) &&
-         Choose<bool>("--units", units_, {{"none", false}, {"mm", true}},
-                      &options_.svg.millimetres) &&
-         (size_.empty() || ReadSize());
+  return Choose(kDxfLayerChoices, dxf_layers_, &options_.dxf.layers) &&
+         Choose(kAciChoices, aci_, &options_.dxf.aci) &&
+         Choose(kUnitsChoices, units_, &options_.svg.millimetres) && (size_.empty() || ReadSize());
 }
 
 bool WriterOptions::ReadSize() {

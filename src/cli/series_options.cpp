@@ -9,9 +9,9 @@
 #include <thread>
 #include <vector>
 
-#include "app/choice.h"
 #include "app/option_values.h"
 #include "base/text.h"
+#include "cli/choices.h"
 #include "cli/console.h"
 #include "platform/file_replacement.h"
 #include "platform/folder_path.h"
@@ -63,7 +63,7 @@ void SeriesOptions::AddTo(CLI::App& app) {
       ->type_name("FILE")
       ->group(group);
   app.add_option("--separator", separator_, "--data: between fields; without it the header tells")
-      ->type_name("comma|semicolon|tab")
+      ->type_name(ChoiceText(kSeparatorChoices))
       ->group(group);
   app.add_option("--lines", lines_, "a file for each line, which fills {line}")
       ->type_name("FILE")
@@ -129,15 +129,7 @@ bool SeriesOptions::ReadList(const TextSource& text, RowList* list) const {
       ReportError("--separator", "needs --data FILE");
       return false;
     }
-    const bool known = Choose<char>("--separator", separator_,
-                                    {{"comma", ','},
-                                     {",", ','},
-                                     {"semicolon", ';'},
-                                     {";", ';'},
-                                     {"tab", '\t'},
-                                     {"\\t", '\t'},
-                                     {"\t", '\t'}},
-                                    &list->separator);
+    const bool known = Choose(kSeparatorChoices, separator_, &list->separator);
     if (!known) return false;
   }
   return text.ReadCoding(&list->coding);

@@ -5,13 +5,13 @@
 #include <cmath>
 #include <limits>
 
-#include "app/choice.h"
 #include "app/cut_warnings.h"
 #include "app/face_choice.h"
 #include "app/option_values.h"
 #include "app/shortcomings.h"
 #include "app/text_source.h"
 #include "base/text.h"
+#include "cli/choices.h"
 #include "cli/console.h"
 
 namespace kerno {
@@ -51,7 +51,7 @@ void TextOptions::AddTo(CLI::App& app) {
   app.add_option("--line-ends", line_ends_,
                  "crlf: every line end starts a new line; keep: as they stand (a lone LF does not "
                  "return to the margin)")
-      ->type_name("crlf|keep")
+      ->type_name(ChoiceText(kLineEndChoices))
       ->capture_default_str();
   face_.AddTo(app);
   app.add_option("--height", height_, "above 0 cell height, below 0 em height, 0 the default")
@@ -66,7 +66,7 @@ void TextOptions::AddTo(CLI::App& app) {
   app.add_flag("--vertical", vertical_, "the \"@\" form of the face, for vertical writing");
   app.add_option("--pitch", pitch_,
                  "vertical advance: the mean of advance and ink height, or the full cell")
-      ->type_name("classic|cell")
+      ->type_name(ChoiceText(kPitchChoices))
       ->capture_default_str();
   app.add_option("--slant", slant_, "lean the block by DEG degrees")
       ->type_name("DEG")
@@ -92,7 +92,7 @@ std::optional<Job> TextOptions::Resolve(ExitStatus* status) {
   Job job;
   if (!ReadNumbers(&job)) return std::nullopt;
   bool crlf = true;
-  if (!Choose<bool>("--line-ends", line_ends_, {{"crlf", true}, {"keep", false}}, &crlf)) {
+  if (!Choose(kLineEndChoices, line_ends_, &crlf)) {
     return std::nullopt;
   }
   const auto text = source_.Read(status);
@@ -133,9 +133,7 @@ bool TextOptions::ReadNumbers(Job* job) {
     ReportError("--at", "so far away the drawing loses its shape");
     return false;
   }
-  if (!Choose<VerticalPitch>("--pitch", pitch_,
-                             {{"classic", VerticalPitch::kClassic}, {"cell", VerticalPitch::kCell}},
-                             &job->text.layout.pitch)) {
+  if (!Choose(kPitchChoices, pitch_, &job->text.layout.pitch)) {
     return false;
   }
   job->text.height = *height;

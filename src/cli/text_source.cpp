@@ -30,7 +30,7 @@ void TextSource::AddTo(CLI::App& app) {
                  "read the text from FILE (\"-\": standard input), UTF-8 or UTF-16 with a mark")
       ->type_name("FILE");
   app.add_option("--encoding", encoding_, "of that file, where it is another one or has no mark")
-      ->type_name("UTF-8|UTF-16LE|UTF-16BE|CP932|EUC-JP|CP1252|ISO-8859-1");
+      ->type_name(CodingNames("|"));
 }
 
 // Without --encoding the bytes say themselves what they are, or are taken for what they can be.
@@ -84,8 +84,7 @@ bool TextSource::IsGiven() const {
 bool TextSource::ReadCoding(std::optional<TextCoding>* coding) const {
   *coding = FindCoding(encoding_);
   if (app_->count("--encoding") == 0 || *coding) return true;
-  ReportChoice("--encoding", encoding_,
-               "UTF-8, UTF-16LE, UTF-16BE, CP932, EUC-JP, CP1252, ISO-8859-1");
+  ReportChoice("--encoding", encoding_, CodingNames(", "));
   return false;
 }
 

@@ -12,8 +12,11 @@ namespace kerno {
 
 void UploadCommand::AddOptions(CLI::App& app) {
   app.add_option("FILE", files_, "files to send, one request each")->required();
-  app.footer("The server is set in " + Utf16ToUtf8(PathText(UploadSettingsFile())) +
-             ", section [UpFile], key \"server\".");
+  app.footer(ServerNote(Utf16ToUtf8(PathText(UploadSettingsFile()))));
+}
+
+std::string UploadCommand::ServerNote(const std::string& file) {
+  return "The server is set in " + file + ", section [UpFile], key \"server\".";
 }
 
 ExitStatus UploadCommand::Run() {

@@ -15,6 +15,9 @@ class UploadCommand final : public Command {
   void AddOptions(CLI::App& app) override;
   ExitStatus Run() override;
 
+  // What the help says of the server, whose settings are in `file`.
+  static std::string ServerNote(const std::string& file);
+
  private:
   std::vector<std::string> files_;
 };
