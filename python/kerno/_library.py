@@ -7,7 +7,6 @@ from __future__ import annotations
 import ctypes
 import os
 import pathlib
-import sys
 from typing import List, Sequence, Tuple
 
 OK, FAILED, BAD_CALL, NO_FACE, NO_MEMORY = range(5)
@@ -66,7 +65,7 @@ def _candidates() -> List[str]:
     given = os.environ.get("KERNO_LIBRARY")
     if given:
         return [given]
-    name = "kerno.dll" if sys.platform == "win32" else "libkerno.so.1"
+    name = "libkerno.so.1"
     here = pathlib.Path(__file__).resolve().parent
     beside = [str(here / name), str(here.parent / name)]
     # Installed in PREFIX/lib/python3/dist-packages, the library is in PREFIX/lib or a folder of it.

@@ -10,8 +10,7 @@
  * Units and directions: coordinates are in the sign's unit (millimetres, or inches where the option
  * "unit" says "in"), x to the right, y up. Angles are counter-clockwise.
  *
- * Texts are UTF-8 that ends with a NUL. Names of files are bytes as the system has them; on Windows
- * they are UTF-8.
+ * Texts are UTF-8 that ends with a NUL. Names of files are bytes as the system has them.
  *
  * Failure: a function that answers int answers KERNO_OK or another KernoResult; kerno_message()
  * then tells in words what is wrong, and why. What such a function was to fill is as it was. A sign
@@ -29,15 +28,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#ifndef KERNO_API
-#if defined(_WIN32) && defined(KERNO_BUILDS_LIBRARY)
-#define KERNO_API __declspec(dllexport)
-#elif defined(_WIN32)
-#define KERNO_API __declspec(dllimport)
-#else
 #define KERNO_API __attribute__((visibility("default")))
-#endif
-#endif
 
 #ifdef __cplusplus
 extern "C" {
