@@ -20,7 +20,10 @@ static int (*const write_file)(uint64_t, const char*, const char*) = kerno_write
 static const char* (*const lists[])(void) = {kerno_faces, kerno_stroke_fonts, kerno_formats,
                                              kerno_options};
 
-#define AT(type, field, place) _Static_assert(offsetof(type, field) == (place), #type "." #field)
+#define AT(type, field, place, of)                                                          \
+  _Static_assert(                                                                           \
+      offsetof(type, field) == (place) && _Generic(((type*)0)->field, of : 1, default : 0), \
+      #type "." #field)
 #define SIZE(type, bytes) _Static_assert(sizeof(type) == (bytes), #type)
 #define IS(name, value) _Static_assert((name) == (value), #name)
 
@@ -37,38 +40,38 @@ IS(KERNO_CUBIC, 2);
 
 SIZE(KernoSign, 8);
 SIZE(KernoPoint, 16);
-AT(KernoPoint, y, 8);
+AT(KernoPoint, y, 8, double);
 
 SIZE(KernoFacts, 104);
-AT(KernoFacts, paths, 0);
-AT(KernoFacts, closed, 8);
-AT(KernoFacts, lines, 16);
-AT(KernoFacts, arcs, 24);
-AT(KernoFacts, curves, 32);
-AT(KernoFacts, layers, 40);
-AT(KernoFacts, warnings, 48);
-AT(KernoFacts, length, 56);
-AT(KernoFacts, left, 64);
-AT(KernoFacts, bottom, 72);
-AT(KernoFacts, right, 80);
-AT(KernoFacts, top, 88);
-AT(KernoFacts, unit, 96);
+AT(KernoFacts, paths, 0, uint64_t);
+AT(KernoFacts, closed, 8, uint64_t);
+AT(KernoFacts, lines, 16, uint64_t);
+AT(KernoFacts, arcs, 24, uint64_t);
+AT(KernoFacts, curves, 32, uint64_t);
+AT(KernoFacts, layers, 40, uint64_t);
+AT(KernoFacts, warnings, 48, uint64_t);
+AT(KernoFacts, length, 56, double);
+AT(KernoFacts, left, 64, double);
+AT(KernoFacts, bottom, 72, double);
+AT(KernoFacts, right, 80, double);
+AT(KernoFacts, top, 88, double);
+AT(KernoFacts, unit, 96, int32_t);
 
 SIZE(KernoPath, 24);
-AT(KernoPath, segments, 0);
-AT(KernoPath, closed, 8);
-AT(KernoPath, depth, 12);
-AT(KernoPath, layer, 16);
-AT(KernoPath, colour, 20);
+AT(KernoPath, segments, 0, uint64_t);
+AT(KernoPath, closed, 8, int32_t);
+AT(KernoPath, depth, 12, int32_t);
+AT(KernoPath, layer, 16, int32_t);
+AT(KernoPath, colour, 20, int32_t);
 
 SIZE(KernoSegment, 96);
-AT(KernoSegment, kind, 0);
-AT(KernoSegment, start, 8);
-AT(KernoSegment, end, 24);
-AT(KernoSegment, control1, 40);
-AT(KernoSegment, control2, 56);
-AT(KernoSegment, centre, 72);
-AT(KernoSegment, bulge, 88);
+AT(KernoSegment, kind, 0, int32_t);
+AT(KernoSegment, start, 8, KernoPoint);
+AT(KernoSegment, end, 24, KernoPoint);
+AT(KernoSegment, control1, 40, KernoPoint);
+AT(KernoSegment, control2, 56, KernoPoint);
+AT(KernoSegment, centre, 72, KernoPoint);
+AT(KernoSegment, bulge, 88, double);
 
 int main(void) {
   return version && message && make_new && free_sign && set_text && set && unset && make && facts &&

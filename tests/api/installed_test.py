@@ -42,8 +42,10 @@ class Installed(unittest.TestCase):
         run([KERNO, "cut", "Open", "--face", "DejaVu Sans", "--cap-height", "40mm", "-o", cls.wanted])
 
     def package(self, *words):
-        found = run(["pkg-config", *words, "kerno"], env={**os.environ, "PKG_CONFIG_PATH": str(self.lib / "pkgconfig")})
-        return shlex.split(found)
+        """For a shell: each byte that is not plain stands behind a backslash."""
+        found = subprocess.run(["pkg-config", *words, "kerno"], check=True, capture_output=True,
+                               env={**os.environ, "PKG_CONFIG_PATH": str(self.lib / "pkgconfig")})
+        return [os.fsdecode(word.encode("latin-1")) for word in shlex.split(found.stdout.decode("latin-1"))]
 
     def check_program(self, program, env=None):
         made = self.folder / "made.dxf"
@@ -59,7 +61,7 @@ class Installed(unittest.TestCase):
     def test_what_is_installed_is_this_alone(self):
         names = sorted(str(path.relative_to(self.lib)) for path in self.lib.rglob("*") if not path.is_dir())
         version = run([KERNO, "--version"]).split()[1]
-        self.assertEqual(version, run(["pkg-config", "--modversion", str(self.lib / "pkgconfig/kerno.pc")]).strip())
+        self.assertEqual([version], self.package("--modversion"))
         for name in ("libkerno.a", "libkerno.so", "libkerno.so.1", f"libkerno.so.{version}", "pkgconfig/kerno.pc",
                      "cmake/Kerno/KernoConfig.cmake"):
             self.assertIn(name, names)
