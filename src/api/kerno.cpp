@@ -72,21 +72,22 @@ int HandOut(KernoSign sign, Item* items, const char* name, size_t room, size_t* 
   });
 }
 
-// Hands out a text that stays with the thread in `kept`; null after a failure.
+// Hands out a text that stays with the thread; null after a failure.
 template <class Make>
-const char* HandOutText(std::string* kept, const Make& make) noexcept {
+const char* HandOutText(TextKind kind, const Make& make) noexcept {
+  const char* shown = nullptr;
   const int result = Answer([&] {
     std::string text;
     Outcome done = make(&text);
-    if (done.ok()) *kept = std::move(text);
+    if (done.ok()) shown = KeepText(kind, std::move(text));
     return done;
   });
-  return result == KERNO_OK ? kept->c_str() : nullptr;
+  return result == KERNO_OK ? shown : nullptr;
 }
 
 template <class Make>
-const char* TextOfSign(KernoSign sign, std::string* kept, const Make& make) noexcept {
-  return HandOutText(kept, [&](std::string* text) {
+const char* TextOfSign(KernoSign sign, TextKind kind, const Make& make) noexcept {
+  return HandOutText(kind, [&](std::string* text) {
     const std::shared_ptr<Sign> known = SignTable::Current().Find(sign);
     if (!known) return NoSuchSign(sign);
     const std::lock_guard held(known->mutex);
@@ -104,6 +105,7 @@ void AppendLine(std::string* lines, std::u16string_view name) {
 
 using kerno::Outcome;
 using kerno::Sign;
+using kerno::TextKind;
 
 const char* kerno_version(void) {
   return KERNO_VERSION;
@@ -177,15 +179,15 @@ int kerno_points(KernoSign sign, uint64_t path, double tolerance, KernoPoint* po
 }
 
 const char* kerno_layer(KernoSign sign, uint64_t layer) {
-  thread_local std::string kept;
-  return kerno::TextOfSign(
-      sign, &kept, [&](Sign& known, std::string* text) { return known.LayerName(layer, text); });
+  return kerno::TextOfSign(sign, TextKind::kLayer, [&](Sign& known, std::string* text) {
+    return known.LayerName(layer, text);
+  });
 }
 
 const char* kerno_warning(KernoSign sign, uint64_t warning) {
-  thread_local std::string kept;
-  return kerno::TextOfSign(
-      sign, &kept, [&](Sign& known, std::string* text) { return known.Warning(warning, text); });
+  return kerno::TextOfSign(sign, TextKind::kWarning, [&](Sign& known, std::string* text) {
+    return known.Warning(warning, text);
+  });
 }
 
 int kerno_write(KernoSign sign, const char* file, const char* format) {
@@ -195,8 +197,7 @@ int kerno_write(KernoSign sign, const char* file, const char* format) {
 }
 
 const char* kerno_faces(void) {
-  thread_local std::string kept;
-  return kerno::HandOutText(&kept, [](std::string* lines) {
+  return kerno::HandOutText(TextKind::kFaces, [](std::string* lines) {
     for (const std::u16string& name : kerno::ListFamilies(kerno::FamilyForm::kPlain)) {
       kerno::AppendLine(lines, name);
     }
@@ -205,16 +206,14 @@ const char* kerno_faces(void) {
 }
 
 const char* kerno_stroke_fonts(void) {
-  thread_local std::string kept;
-  return kerno::HandOutText(&kept, [](std::string* lines) {
+  return kerno::HandOutText(TextKind::kStrokeFonts, [](std::string* lines) {
     for (const auto& font : kerno::InstalledStrokeFonts()) kerno::AppendLine(lines, font.name);
     return Outcome::Ok();
   });
 }
 
 const char* kerno_formats(void) {
-  thread_local std::string kept;
-  return kerno::HandOutText(&kept, [](std::string* lines) {
+  return kerno::HandOutText(TextKind::kFormats, [](std::string* lines) {
     for (const kerno::Format& format : kerno::Formats()) {
       lines->append(format.extension).append("\n");
     }
@@ -223,8 +222,7 @@ const char* kerno_formats(void) {
 }
 
 const char* kerno_options(void) {
-  thread_local std::string kept;
-  return kerno::HandOutText(&kept, [](std::string* lines) {
+  return kerno::HandOutText(TextKind::kOptions, [](std::string* lines) {
     for (const std::string& name : kerno::SignOptions()) lines->append(name).append("\n");
     return Outcome::Ok();
   });

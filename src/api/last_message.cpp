@@ -1,6 +1,8 @@
 #include "api/last_message.h"
 
+#include <array>
 #include <new>
+#include <utility>
 
 #include "base/text.h"
 
@@ -13,6 +15,7 @@ struct LastFailure {
 };
 
 thread_local LastFailure last;
+thread_local std::array<std::string, kTextKinds> kept_texts;
 
 }  // namespace
 
@@ -39,6 +42,12 @@ int KeepFault(const char* what) noexcept {
 
 const char* LastMessage() noexcept {
   return last.shown;
+}
+
+const char* KeepText(TextKind kind, std::string text) {
+  std::string& kept = kept_texts[static_cast<size_t>(kind)];
+  kept = std::move(text);
+  return kept.c_str();
 }
 
 }  // namespace kerno

@@ -2,6 +2,7 @@
 // the thread, so that no call for a sign can take them away.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "api/outcome.h"
@@ -15,5 +16,10 @@ int KeepNoMemory() noexcept;
 int KeepFault(const char* what) noexcept;
 
 const char* LastMessage() noexcept;
+
+// A text that this thread was handed stands until it asks for another one of its kind.
+enum class TextKind { kLayer, kWarning, kFaces, kStrokeFonts, kFormats, kOptions };
+inline constexpr size_t kTextKinds = 6;
+const char* KeepText(TextKind kind, std::string text);
 
 }  // namespace kerno

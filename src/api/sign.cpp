@@ -203,12 +203,11 @@ void Sign::ListPaths(const DrawingStyle& style) {
   }
 }
 
-Outcome Sign::FindPath(uint64_t path, Placed* found) {
+Outcome Sign::CheckPath(uint64_t path) {
   if (Outcome made = Make(); !made.ok()) return made;
   if (path >= paths_.size()) {
     return Outcome::Bad("path", TooLarge(path, paths_.size(), "path", "paths"));
   }
-  *found = paths_[path];
   return Outcome::Ok();
 }
 
@@ -236,8 +235,8 @@ Outcome Sign::Tell(KernoFacts* facts) {
 }
 
 Outcome Sign::TellPath(uint64_t path, KernoPath* about) {
-  Placed placed;
-  if (Outcome found = FindPath(path, &placed); !found.ok()) return found;
+  if (Outcome known = CheckPath(path); !known.ok()) return known;
+  const Placed& placed = paths_[path];
   KernoPath out = {};
   out.segments = PiecesOf(placed.path->path).size();
   out.closed = placed.path->path.closed ? 1 : 0;
@@ -249,8 +248,8 @@ Outcome Sign::TellPath(uint64_t path, KernoPath* about) {
 }
 
 Outcome Sign::Segments(uint64_t path, std::vector<KernoSegment>* segments) {
-  Placed placed;
-  if (Outcome found = FindPath(path, &placed); !found.ok()) return found;
+  if (Outcome known = CheckPath(path); !known.ok()) return known;
+  const Placed& placed = paths_[path];
   segments->clear();
   for (const Piece& piece : PiecesOf(placed.path->path)) {
     segments->push_back(SegmentOf(piece, placed.at));
@@ -262,8 +261,8 @@ Outcome Sign::Points(uint64_t path, double tolerance, std::vector<KernoPoint>* p
   if (!(tolerance >= 0 && std::isfinite(tolerance))) {
     return Outcome::Bad("tolerance", "must be a length, or 0 for that of the sign");
   }
-  Placed placed;
-  if (Outcome found = FindPath(path, &placed); !found.ok()) return found;
+  if (Outcome known = CheckPath(path); !known.ok()) return known;
+  const Placed& placed = paths_[path];
   constexpr double kFinest = 1e-5;  // as of the option
   if (tolerance > 0 && tolerance < kFinest) {
     return Outcome::Bad("tolerance", "is finer than drawings are: at least 0.00001");

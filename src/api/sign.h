@@ -52,8 +52,8 @@ class Sign {
   Outcome Read(const WantsFormat& wants, std::vector<Message>* messages, DrawingStyle* style);
   Outcome MakeDrawing();
   void ListPaths(const DrawingStyle& style);
-  // Makes the drawing and finds one of its paths.
-  Outcome FindPath(uint64_t path, Placed* found);
+  // Makes the drawing; fails where it has no such path.
+  Outcome CheckPath(uint64_t path);
   void Changed();
 
   std::u16string text_;

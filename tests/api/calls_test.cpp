@@ -218,6 +218,7 @@ TEST(Threads, SignsOfManyThreadsAreThoseOfOne) {
   };
   std::vector<std::vector<std::vector<double>>> found(kThreads);
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([&, thread] {
       for (int n = 0; n < kSigns; ++n) {
@@ -241,6 +242,7 @@ TEST(Threads, OneSignIsUsedChangedAndFreedByMany) {
     const KernoSign sign = SignOf("Shared");
     std::atomic<int> wrong = 0, freed = 0;
     std::vector<std::thread> threads;
+    threads.reserve(8);
     for (int thread = 0; thread < 8; ++thread) {
       threads.emplace_back([&, thread] {
         for (int n = 0; n < 20; ++n) {
