@@ -41,5 +41,5 @@ as_root=""
 [ "$(id -u)" = 0 ] && as_root="--allow-root"
 changes=$(ls "$work/kerno_$version"-*.changes)
 lintian $as_root --display-info --fail-on error,warning "$changes"
-cp "$work/kerno_$version"[.-]* "$work/"*_"$version"-*.deb "$results"
+cp "$work/kerno_$version"[.-]*[!b] "$work/"*_"$version"-*.deb "$results"
 ls -l "$results" | awk '/kerno/ { print $5, $9 }'
