@@ -283,9 +283,11 @@ std::string DesktopPage(const PageFrame& frame) {
   for (const Term& argument : text.arguments) {
     const bool is_option = argument.term.starts_with('-');
     const size_t blank = std::min(argument.term.find(' '), argument.term.size());
-    out += is_option ? ".It Fl " + Argument(argument.term.substr(1, blank - 1)) + " Ar " +
-                           Argument(argument.term.substr(blank + 1))
+    out += is_option ? ".It Fl " + Argument(argument.term.substr(1, blank - 1))
                      : ".It Ar " + Argument(argument.term) + " No ...";
+    if (is_option && blank < argument.term.size()) {
+      out += " Ar " + Argument(argument.term.substr(blank + 1));
+    }
     out += "\n" + Paragraph(argument.meaning);
   }
   return out + ".El\n" + Rest(text.page);

@@ -214,6 +214,8 @@ constexpr Term kDesktopArguments[] = {
     {"FILE",
      "Files to open, as if they were dropped on the window: a text, a parts file (`.ipx`), a font "
      "file, on the Cut page a table (`.csv`) for a series."},
+    {"--help", "Tells in a few lines what this page tells."},
+    {"--version", "Prints the version."},
     {"-platform NAME", "How Qt reaches the display: `xcb`, `wayland`, `offscreen`."},
     {"-style NAME", "The style of Qt's controls."}};
 constexpr Term kDesktopVariables[] = {

@@ -3,6 +3,9 @@
 #include <QApplication>
 #include <QIcon>
 #include <QProxyStyle>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
 
 #include "app/cut_services.h"
 #include "app/system_services.h"
@@ -33,11 +36,28 @@ QIcon ProgramIcon() {
   return icon;
 }
 
+// What can be told without a display; empty where the window is wanted.
+std::string_view AnswerTo(std::string_view option) {
+  if (option == "--version") return "kerno-desktop " KERNO_VERSION "\n";
+  if (option == "--help" || option == "-h") {
+    return "Usage: kerno-desktop [FILE...]\n\n"
+           "Opens the window of Kerno, with FILE as if it were dropped on it: a text, a parts file "
+           "(.ipx),\na font file, a table (.csv) for a series. The options of Qt hold, too: "
+           "-platform NAME, -style NAME.\n";
+  }
+  return {};
+}
+
 }  // namespace
 }  // namespace kerno
 
 int main(int argc, char** argv) {
   kerno::PrepareStandardStreams();
+  if (const std::string_view answer = argc > 1 ? kerno::AnswerTo(argv[1]) : ""; !answer.empty()) {
+    const bool printed = std::fwrite(answer.data(), 1, answer.size(), stdout) == answer.size() &&
+                         std::fflush(stdout) == 0;
+    return printed ? EXIT_SUCCESS : EXIT_FAILURE;
+  }
   QApplication app(argc, argv);
   QApplication::setApplicationName(QStringLiteral("kerno"));
   QApplication::setApplicationVersion(QStringLiteral(KERNO_VERSION));

@@ -220,9 +220,9 @@ void CutPage::ShowCaptions() {
       SendMessageW(made.window, EM_SETCUEBANNER, FALSE,
                    reinterpret_cast<LPARAM>(ToWide(hint).c_str()));
     }
-    if (!IsButton(row.kind) && made.caption == nullptr && !hint.empty()) {
-      NameControl(made.window, hint);
-    }
+    const std::u16string name = WithoutMnemonic(Say(NameOf(row)));
+    const bool is_word = !name.empty() && IsCharAlphaNumericW(ToWide(name)[0]);
+    if (!IsButton(row.kind)) NameControl(made.window, is_word ? name : hint);
   }
   SetText(cancel_, Say(u"Cancel"));
   LayOutSoon();

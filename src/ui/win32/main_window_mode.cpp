@@ -8,6 +8,7 @@
 #include "app/scoped_flag.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/main_window.h"
+#include "ui/win32/window_menu.h"
 #include "ui/win32/window_text.h"
 #include "ui/win32/windows_controls.h"
 
@@ -65,6 +66,7 @@ bool MainWindow::IsOffered(ControlId id) const {
 
 void MainWindow::ShowMode(WindowMode mode) {
   mode_ = mode;
+  EnableMenu(GetMenu(window_), mode);
   if (suggestions_) suggestions_->Hide();
   for (const ModeRow& row : kModes) {
     Send(row.id, BM_SETCHECK, row.mode == mode ? BST_CHECKED : BST_UNCHECKED);

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "app/captions.h"
-#include "app/controls.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/looks.h"
 #include "ui/win32/windows_controls.h"
@@ -109,6 +108,16 @@ void ShowMenuCaptions(HMENU menu) {
     for (const MenuRow& row : column.rows) {
       if (row.separator_before) ++at;
       SetCaption(popup, at++, CaptionOf(row));
+    }
+  }
+}
+
+void EnableMenu(HMENU menu, WindowMode mode) {
+  for (const MenuColumn& column : Menu()) {
+    for (const MenuRow& row : column.rows) {
+      const bool enabled = mode == WindowMode::kClassic || !IsOfClassicAlone(row.command);
+      EnableMenuItem(menu, static_cast<UINT>(row.command),
+                     MF_BYCOMMAND | (enabled ? MF_ENABLED : MF_GRAYED));
     }
   }
 }

@@ -1,11 +1,13 @@
 // What the Windows window alone does.
 #include <gmock/gmock.h>
+#include <oleacc.h>
 
 #include <functional>
 
 #include "support/recording_cut_view.h"
 #include "support/recording_view.h"
 #include "support/temporary_folder.h"
+#include "ui/win32/interface.h"
 #include "view_driver.h"
 
 namespace kerno::test {
@@ -159,6 +161,37 @@ TEST_F(WindowsViewTest, TheCutPageMarksAFieldAndFollowsItsKeys) {
   view->Click(ControlId::kModeClassic);
   EXPECT_EQ(u"Plate", view->TextOf(ControlId::kText)) << "the text goes along";
   EXPECT_EQ(ControlId::kText, view->Focused());
+}
+
+// What a reader of the screen says of a window.
+std::u16string SpokenNameOf(HWND window) {
+  Interface<IAccessible> told;
+  AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+                             told.put_void());
+  VARIANT itself{};
+  itself.vt = VT_I4;
+  BSTR name = nullptr;
+  if (!told || told->get_accName(itself, &name) != S_OK) return {};
+  std::u16string text = FromWide(name);
+  SysFreeString(name);
+  return text;
+}
+
+TEST_F(WindowsViewTest, TheMenuAndTheNamesOfControlsFollowTheCutPage) {
+  Show();
+  const auto is_grey = [&](MenuCommand command) {
+    return (GetMenuState(GetMenu(view->window), static_cast<UINT>(command), MF_BYCOMMAND) &
+            MF_GRAYED) != 0;
+  };
+  for (const auto& [mode, grey] :
+       {std::pair(ControlId::kModeCut, true), {ControlId::kModeClassic, false}}) {
+    view->Click(mode);
+    EXPECT_EQ(grey, is_grey(MenuCommand::kSaveCopy));
+    EXPECT_FALSE(is_grey(MenuCommand::kAbout));
+  }
+  CutPage& page = view->main.cut_page();
+  EXPECT_EQ(u"Text", SpokenNameOf(page.control(ControlId::kCutText)));
+  EXPECT_EQ(u"Faces", SpokenNameOf(page.control(ControlId::kFaceList)));
 }
 
 TEST_F(WindowsViewTest, TheKeyboardComesToTheEndOfTheTextAndSelectsNothing) {
