@@ -337,10 +337,14 @@ class Trial:
                          self.prefix.registry(key)[key]["@"][1:-1].replace('\\"', '"').replace("\\\\", "\\"))
         (folder / "notes.txt").write_text("mine", encoding="utf-8")
         self.prefix.run(folder / "kerno.exe", "settings", "set", "Dialog", "Height", "88")
+        presets = "preset\tone\n"
+        (folder / "Temp/Quenkit_Setting/Kerno_Cut.txt").write_text(presets, encoding="utf-16")
         self.check.equal("installing to another folder", DONE, self.install(folder="C:\\Kerno"))
         self.check.equal("leaves the files of others alone in the first", ["notes.txt"], sorted(contents(folder)))
         moved = self.prefix.folder / "drive_c/Kerno/Temp/Quenkit_Setting/Quenkit.ini"
         self.check("takes the settings along", moved.exists() and "88" in moved.read_bytes().decode("utf-16"))
+        cut = moved.with_name("Kerno_Cut.txt")
+        self.check("and the presets of the Cut page", cut.exists() and cut.read_text(encoding="utf-16") == presets)
         self.check.equal("and the entry of the search path", "C:\\Kerno", self.prefix.path()[0])
         self.check("uninstalling ends", self.uninstall("/DELETESETTINGS", folder=moved.parents[2]))
         self.check("the second folder is gone", not moved.parents[2].exists())

@@ -1,5 +1,8 @@
 #include "setup/settings_files.h"
 
+#include <algorithm>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/text.h"
@@ -11,16 +14,30 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The two places beside the programs, and all that is kept there: the settings, what they were
-// before they were converted, and the text of the window.
+// The two places beside the programs, and all that the programs keep there: the settings, what they
+// were before they were converted (KeepCopy numbers further copies), the text of the window, and
+// what the Cut page keeps.
 constexpr const char* kPlaces[] = {"Quenkit_Setting", "Temp/Quenkit_Setting"};
-constexpr const char* kNames[] = {"Quenkit.ini", "Quenkit.ini.orig", "Kerno_Text.txt"};
+constexpr std::u16string_view kNames[] = {u"quenkit.ini", u"kerno_text.txt", u"kerno_cut.txt"};
+constexpr std::u16string_view kCopies = u"quenkit.ini.orig";
 
-// By their paths from the installation on.
-std::vector<fs::path> SettingsFiles() {
+// On Windows a name may stand there in any case.
+bool IsOurs(const fs::path& path) {
+  const std::u16string name = AsciiLower(PathText(path.filename()));
+  return std::ranges::find(kNames, name) != std::end(kNames) ||
+         (name.starts_with(kCopies) &&
+          name.find_first_not_of(u"0123456789", kCopies.size()) == name.npos);
+}
+
+// Those that are there, by their paths from the installation on.
+std::vector<fs::path> SettingsFiles(const fs::path& folder) {
   std::vector<fs::path> files;
   for (const char* const place : kPlaces) {
-    for (const char* const name : kNames) files.push_back(fs::path(place) / name);
+    std::error_code error;
+    for (fs::directory_iterator at(folder / place, error), end; !error && at != end;
+         at.increment(error)) {
+      if (IsOurs(at->path())) files.push_back(fs::path(place) / at->path().filename());
+    }
   }
   return files;
 }
@@ -34,8 +51,8 @@ SetupResult NotWritable(const fs::path& path, const std::error_code& error) {
 
 SetupResult CarrySettings(const fs::path& from, const fs::path& to) {
   std::error_code error;
-  for (const fs::path& name : SettingsFiles()) {
-    if (!fs::exists(from / name, error) || fs::exists(to / name, error)) continue;
+  for (const fs::path& name : SettingsFiles(from)) {
+    if (fs::exists(to / name, error)) continue;
     fs::create_directories((to / name).parent_path(), error);
     fs::copy_file(from / name, to / name, error);
     if (error) return NotWritable(to / name, error);
@@ -46,7 +63,7 @@ SetupResult CarrySettings(const fs::path& from, const fs::path& to) {
 }
 
 SetupResult RemoveSettings(const fs::path& folder) {
-  for (const fs::path& name : SettingsFiles()) {
+  for (const fs::path& name : SettingsFiles(folder)) {
     std::error_code error;
     fs::remove(folder / name, error);
     if (error) return NotWritable(folder / name, error);
@@ -56,7 +73,7 @@ SetupResult RemoveSettings(const fs::path& folder) {
 }
 
 void RemoveEmptySettingsFolders(const fs::path& folder) {
-  for (const fs::path& name : SettingsFiles()) RemoveEmptyFolders(folder, name);
+  for (const char* const place : kPlaces) RemoveEmptyFolders(folder, fs::path(place) / kNames[0]);
 }
 
 }  // namespace kerno

@@ -140,21 +140,28 @@ TEST_F(InstalledFiles, AListCannotNameFilesElsewhere) {
 }
 
 TEST_F(InstalledFiles, SettingsMoveAlongAndGoWhenToldTo) {
-  const Files settings = {{"Temp/Quenkit_Setting/Kerno_Text.txt", "text"},
-                          {"Temp/Quenkit_Setting/Quenkit.ini", "A"},
-                          {"Quenkit_Setting/Quenkit.ini", "A"}};
-  Write(temporary_ / "old", settings);
+  // All that the programs write there (docs/settings.md), beside what a user put there.
+  const Files moved = {{"Temp/Quenkit_Setting/Kerno_Cut.txt", "presets"},
+                       {"Temp/Quenkit_Setting/Kerno_Text.txt", "text"},
+                       {"Temp/Quenkit_Setting/Quenkit.ini", "A"},
+                       {"Temp/Quenkit_Setting/Quenkit.ini.orig", "of 1999"},
+                       {"Temp/Quenkit_Setting/Quenkit.ini.orig12", "of 2003"}};
+  const Files stay = {{"Temp/Quenkit_Setting/Quenkit.ini.orig.mine", "mine"},
+                      {"Quenkit_Setting/Quenkit.ini", "A"}};
+  Write(temporary_ / "old", moved);
+  Write(temporary_ / "old", stay);
   Write(folder_, {{"Quenkit_Setting/Quenkit.ini", "B"}, {"Temp/other", ""}});
   EXPECT_TRUE(CarrySettings(temporary_ / "old", folder_).ok());
-  EXPECT_EQ(FilesIn(temporary_ / "old"),
-            (Files{{"Quenkit_Setting/", ""}, {"Quenkit_Setting/Quenkit.ini", "A"}}));
-  EXPECT_EQ(FilesIn(folder_), (Files{{"Temp/", ""},
-                                     {"Temp/other", ""},
-                                     {"Temp/Quenkit_Setting/", ""},
-                                     {"Temp/Quenkit_Setting/Kerno_Text.txt", "text"},
-                                     {"Temp/Quenkit_Setting/Quenkit.ini", "A"},
-                                     {"Quenkit_Setting/", ""},
-                                     {"Quenkit_Setting/Quenkit.ini", "B"}}));
+  Files expected = stay;
+  expected.merge(Files{{"Quenkit_Setting/", ""}, {"Temp/", ""}, {"Temp/Quenkit_Setting/", ""}});
+  EXPECT_EQ(FilesIn(temporary_ / "old"), expected);
+  expected = moved;
+  expected.merge(Files{{"Quenkit_Setting/", ""},
+                       {"Quenkit_Setting/Quenkit.ini", "B"},
+                       {"Temp/", ""},
+                       {"Temp/other", ""},
+                       {"Temp/Quenkit_Setting/", ""}});
+  EXPECT_EQ(FilesIn(folder_), expected);
   EXPECT_TRUE(RemoveSettings(folder_).ok());
   EXPECT_EQ(FilesIn(folder_), (Files{{"Temp/", ""}, {"Temp/other", ""}}));
 }
