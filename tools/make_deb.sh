@@ -30,6 +30,8 @@ fi
 if [ -z "$DEB_BUILD_OPTIONS" ]; then
   export DEB_BUILD_OPTIONS=noautodbgsym DEB_CFLAGS_STRIP=-g DEB_CXXFLAGS_STRIP=-g
 fi
+# The packages tell the date of their own list of changes: whoever builds the source package gets the same bytes.
+unset SOURCE_DATE_EPOCH
 log="$work/kerno-$version.log"
 (cd "$tree" && nice -n 5 dpkg-buildpackage --no-sign) > "$log" 2>&1 || {
   tail -n 40 "$log" >&2

@@ -24,6 +24,9 @@ mkdir -p "$1"
 release=$(realpath "$1")/release-$version
 clone=$release.clone
 rm -rf "$release" "$clone"
+# In a clone the source does not tell its date: all that is made tells that of the commit.
+SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
+export SOURCE_DATE_EPOCH
 git clone --quiet --no-hardlinks . "$clone"
 for target in dist deb windows-zip windows-installer python; do
   echo "make release: $target"
@@ -37,6 +40,8 @@ mkdir "$release"
 cp "$clone"/build/dist/* "$release/"
 cp -R "$clone"/build/packages/* "$release/"
 cd "$release"
+# These tell when and on what machine the packages were built; all else is the same each time.
+rm -f ./*.buildinfo ./*.changes
 find . -type f ! -name SHA256SUMS -printf '%P\n' | LC_ALL=C sort | xargs -d '\n' sha256sum > SHA256SUMS
 rm -rf "$clone" "$release.log"
 echo "$release"
