@@ -1,4 +1,6 @@
 # What is built beside the command line: the window, the tests, the benchmarks.
+kerno_choice(KERNO_DESKTOP)
+kerno_choice(KERNO_TESTS)
 
 if(KERNO_DESKTOP AND NOT WIN32)
   find_package(Qt6 QUIET COMPONENTS Widgets PrintSupport)

@@ -39,6 +39,20 @@ function(kerno_end_if_missing)
   message(FATAL_ERROR "Kerno cannot be built, something is missing or too old:\n${lines}")
 endfunction()
 
+# kerno_choice(CHOICE) makes ON, OFF or AUTO of what was given in any case, or as another boolean of CMake's.
+function(kerno_choice choice)
+  string(TOUPPER "${${choice}}" value)
+  if(value MATCHES "^(1|ON|YES|TRUE|Y)$")
+    set(${choice} ON PARENT_SCOPE)
+  elseif(value MATCHES "^(0|OFF|NO|FALSE|N|)$")
+    set(${choice} OFF PARENT_SCOPE)
+  elseif(value STREQUAL "AUTO")
+    set(${choice} AUTO PARENT_SCOPE)
+  else()
+    message(FATAL_ERROR "${choice} is \"${${choice}}\", and may be ON, OFF or AUTO")
+  endif()
+endfunction()
+
 # kerno_lacks(CHOICE NAME PURPOSE PACKAGE) notes that CHOICE, an option that is ON, OFF or AUTO, needs NAME, which is
 # not here: left to itself it goes without, asked for it is an error.
 macro(kerno_lacks choice name purpose package)

@@ -42,6 +42,10 @@ if(KERNO_SANITIZE)
 endif()
 
 if(KERNO_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    message(FATAL_ERROR "KERNO_FUZZ=ON needs Clang, the compiler is ${CMAKE_CXX_COMPILER_ID}:"
+                        " -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ in a new build folder")
+  endif()
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 

@@ -65,6 +65,20 @@ class Building(unittest.TestCase):
         self.assertNotEqual(status, 0, said)
         self.assertIn("qt6-base-dev", said)
 
+    def test_takes_known_choices_alone(self):
+        for wrong, told in [("KERNO_TESTS=sure", 'KERNO_TESTS is "sure", and may be ON, OFF or AUTO'),
+                            ("KERNO_DESKTOP=2", 'KERNO_DESKTOP is "2"'), ("KERNO_FUZZ=ON", "KERNO_FUZZ=ON needs Clang")]:
+            status, said = self.configure(*BARE, f"-D{wrong}", CC="gcc", CXX="g++")
+            self.assertNotEqual(status, 0, said)
+            self.assertIn(told, " ".join(said.split()))
+        # In any case they do what they do in capitals: without Qt and GoogleTest, AUTO goes on and ON does not.
+        status, said = self.configure(*BARE, "-DKERNO_FUZZ=OFF", "-DKERNO_DESKTOP=auto", "-DKERNO_TESTS=Off")
+        self.assertEqual(status, 0, said)
+        self.assertRegex(said, r"Without the window.*qt6-base-dev")
+        self.assertNotIn("Without the tests", said)
+        status, said = self.configure(*BARE, "-DKERNO_DESKTOP=yes")
+        self.assertNotEqual(status, 0, said)
+
     def test_takes_the_date_of_the_source(self):
         status, said = self.configure(*BARE, SOURCE_DATE_EPOCH="1546300805")
         self.assertEqual(status, 0, said)
