@@ -9,9 +9,9 @@ release:
 
 # The tarball built by GCC and Clang with the options that distributions use; ROWS="gcc-O2 clang-O0" takes these alone.
 ROWS ?=
-try-builds: dist
+try-builds: setup setup-packages dist
 	@sh tools/try_builds.sh build/dist/kerno-$(VERSION).tar.xz build/try-builds $(ROWS)
 
 # Two builds of the tarball, at different places, times and speeds, compared byte for byte.
-try-reproducible: dist
+try-reproducible: setup setup-packages dist
 	@sh tools/try_reproducible.sh build/dist/kerno-$(VERSION).tar.xz build/try-reproducible

@@ -30,7 +30,7 @@ for group in "$@"; do
       sources="libpolyclipping harfbuzz fribidi"
       ;;
     packages)
-      packages="$packages dpkg-dev debhelper dh-python fakeroot lintian debootstrap nsis osslsigncode"
+      packages="$packages dpkg-dev debhelper dh-python fakeroot lintian debootstrap nsis osslsigncode lld"
       ;;
     programs)
       packages="$packages inkscape python3-lxml python3-cssselect freecad-python3 librecad openscad"

@@ -1,6 +1,7 @@
 #!/bin/sh
 # Builds the tarball as distributions might, and compares what the programs write: the recorded digests of "convert",
 # and drawings of "cut", which have to be those of the first row. One line for each row.
+# Rows of one tarball may come from several runs; another tarball begins again.
 # tools/try_builds.sh TARBALL FOLDER [ROW...]     rows: all that are named below, or those given
 set -u
 tarball=$(realpath "$1")
@@ -10,6 +11,11 @@ shift 2
 wanted=" $* "
 jobs=${JOBS:-2}
 
+digest=$(sha256sum < "$tarball")
+if [ "$digest" != "$(cat "$folder/tarball" 2>/dev/null)" ]; then
+  rm -f "$folder/sums" "$folder/results"
+  echo "$digest" > "$folder/tarball"
+fi
 rm -rf "$folder/source"
 mkdir "$folder/source"
 tar -C "$folder/source" --strip-components=1 -xf "$tarball" || exit 1
