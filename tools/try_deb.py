@@ -207,7 +207,7 @@ def try_command_line_alone(version):
 
 
 def try_everything(received):
-    """All three packages, kerno with what it recommends; the system must be as before in the end."""
+    """All six packages, kerno with what it recommends; the system must be as before in the end."""
     dependencies = sorted({*needed("kerno", True), *needed(" ".join(PACKAGES), False)})
     results.tell("libcurl is what kerno recommends", "libcurl4" in dependencies)
     apt(f"their {len(dependencies)} dependencies are installed first",
