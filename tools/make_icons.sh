@@ -7,24 +7,20 @@ set -e
 cd "$(dirname "$0")/../packaging"
 icons="${1:-icons}"
 
-# draw NAME SIZE DRAWING [BORDER]: icons/SIZExSIZE/NAME.png, with that many empty pixels on each side.
+# draw NAME SIZE DRAWING: icons/SIZExSIZE/NAME.png.
 draw() {
-  border="${4:-0}"
-  inner=$(($2 - 2 * border))
   mkdir -p "$icons/$2x$2"
-  rsvg-convert -w "$inner" -h "$inner" --page-width "$2" --page-height "$2" --left "$border" --top "$border" \
-    "$3" -o "$icons/$2x$2/$1.png"
+  rsvg-convert -w "$2" -h "$2" "$3" -o "$icons/$2x$2/$1.png"
 }
 
 program=kerno
-draw $program 16 icons/kerno-16.svg
-draw $program 22 icons/kerno-22.svg
-draw $program 24 icons/kerno-22.svg 1
-draw $program 32 icons/kerno-32.svg
+for size in 16 22 24 32; do
+  draw $program $size icons/kerno-$size.svg
+done
 parts_file=application-x-kerno-ipx
-draw $parts_file 16 icons/kerno-ipx-16.svg
-draw $parts_file 22 icons/kerno-ipx-16.svg 3
-draw $parts_file 24 icons/kerno-ipx-16.svg 4
+for size in 16 22 24; do
+  draw $parts_file $size icons/kerno-ipx-$size.svg
+done
 draw $parts_file 32 icons/kerno-ipx-16.svg
 for size in 48 64 128 256; do
   draw $program $size kerno.svg
