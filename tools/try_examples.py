@@ -56,7 +56,7 @@ SELECTED = A4 + """<style>.bold { font-weight: bold }</style>
 <text id="t4" x="20" y="260" style="font-family:'DejaVu Sans Mono';font-size:12px"><tspan>i&lt;&amp;"x"</tspan></text>
 <text id="t5" x="20" y="280" style="font-size:12px">Generic</text>
 <clipPath id="c"><rect x="100" y="200" width="30" height="90"/></clipPath><text id="t6" clip-path="url(#c)" x="110" y="240"
- style="font-family:Nope, 'DejaVu Serif'"><title>A tip</title>Ab<!-- no --><a href="x">link Q</a></text></svg>"""
+ style="font-family:Nope, 'DejaVu Serif';white-space:pre"><title>A tip</title>Ab<!-- no --><a href="x">link Q</a></text></svg>"""
 # Choices of the dialog that need something beside them.
 BESIDE = {"selected": ["--id=t1"], "cursive.lff": ["--source=selected", "--id=t2"]}
 TOO_OLD = 'echo "kerno: cut: is no command of kerno (kerno help lists them)" >&2; exit 2'
@@ -85,6 +85,8 @@ LEFT = {"several faces": ('x="1">a<tspan font-weight="bold">b</tspan>', "several
         "tspan after letters": ('x="1" y="9">a<tspan x="1" y="20">b</tspan>', "a place of their own"),
         "tspan without place": ('><tspan x="1" y="9">a</tspan><tspan x="1" y="20">b</tspan><tspan>c</tspan>', "a place of"),
         "tspan at the pen": ('y="9"><tspan x="1" y="9">a</tspan><tspan x="20">b</tspan>', "a place of their own"),
+        "ends of lines": ('style="white-space:pre">a\nb', "ends of lines"),
+        "hidden part": ('>a<tspan display="none">b</tspan>', "hidden on its own"),
         "nested": ('><tspan><tspan x="1" y="9">a</tspan><tspan x="1" y="20">b</tspan></tspan>', "a place of their own"),
         "on a path": ('x="1"><textPath>ab</textPath>', "on a path"), "empty": ('x="1"> ', "no text to cut"),
         "flat": ('transform="scale(1,0)">ab', "no width or no height")}

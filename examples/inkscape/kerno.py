@@ -297,11 +297,13 @@ def spans_of(text):
 
 
 def lines_of(text):
-    as_it_stands = text.get("{http://www.w3.org/XML/1998/namespace}space") == "preserve" \
-        or (text.specified_style().get("white-space") or "").startswith("pre")
+    breaks = (text.specified_style().get("white-space") or "").strip().startswith("pre")
+    as_it_stands = breaks or text.get("{http://www.w3.org/XML/1998/namespace}space") == "preserve"
 
     def line(element, styled):
         words = words_of(element)
+        if breaks and re.search(r"[\r\n]", words):
+            raise Failed(f"{text.get_id()}: has ends of lines within its letters; make it a plain text first.")
         words = re.sub(r"[\t\r\n]", " ", words) if as_it_stands else re.sub(r"\s+", " ", words).strip()
         style = styled.specified_style()
         for part in parts_of(element):
