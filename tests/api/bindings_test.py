@@ -157,6 +157,12 @@ class Drawings(FolderTest):
             command = [KERNO, "cut", "A", "--font-file", str(self.folder / "F.ttf"), "-o", str(self.folder / "a.svg")]
             done = subprocess.run(command, check=True, capture_output=True, text=True)
             self.assertEqual(is_told, "warning: licence: DejaVu Sans Book does not permit" in done.stderr, permissions)
+            fonts = self.folder / "fonts.conf"
+            fonts.write_text(f"<fontconfig><dir>{self.folder}</dir><cachedir>{self.folder}/c</cachedir></fontconfig>")
+            command = [KERNO, "convert", "A", "--face", "DejaVu Sans", "-o", str(self.folder / "b.svg")]
+            done = subprocess.run(command, check=True, capture_output=True, text=True,
+                                  env={**os.environ, "FONTCONFIG_FILE": str(fonts)})
+            self.assertEqual(is_told, "warning: licence: DejaVu Sans does not permit" in done.stderr, permissions)
 
 
 class WrongUse(FolderTest):
