@@ -77,7 +77,8 @@ class Installed(unittest.TestCase):
         others = [path for path in self.prefix.rglob("*") if path.is_file() and self.lib not in path.parents]
         self.assertEqual([self.prefix / "include/kerno.h"], others)
         alone = {**os.environ, "PKG_CONFIG_LIBDIR": str(self.lib / "pkgconfig"), "PKG_CONFIG_PATH": ""}
-        self.assertIn("-I", run(["pkg-config", "--cflags", "kerno"], env=alone))
+        found = subprocess.run(["pkg-config", "--cflags", "kerno"], check=True, capture_output=True, env=alone)
+        self.assertIn(b"-I", found.stdout)
         self.assertIn(" libkerno.so.1\n", run(["objdump", "-p", self.library]))
         text = (self.lib / "pkgconfig/kerno.pc").read_text() + "".join(
             path.read_text() for path in (self.lib / "cmake/Kerno").iterdir())
