@@ -54,7 +54,9 @@ SELECTED = A4 + """<style>.bold { font-weight: bold }</style>
  x="150" y="150"><tspan sodipodi:role="line" x="150" y="150">Erste</tspan><tspan sodipodi:role="line" x="150"
  y="190">Zweite Q</tspan></text>
 <text id="t4" x="20" y="260" style="font-family:'DejaVu Sans Mono';font-size:12px"><tspan>i&lt;&amp;"x"</tspan></text>
-<text id="t5" x="20" y="280" style="font-size:12px">Generic</text></svg>"""
+<text id="t5" x="20" y="280" style="font-size:12px">Generic</text>
+<clipPath id="c"><rect x="100" y="200" width="30" height="90"/></clipPath><text id="t6" clip-path="url(#c)" x="110" y="240"
+ style="font-family:Nope, 'DejaVu Serif';white-space:pre"><title>A tip</title>Ab<!-- no --><a href="x">link Q</a></text></svg>"""
 # Choices of the dialog that need something beside them.
 BESIDE = {"selected": ["--id=t1"], "cursive.lff": ["--source=selected", "--id=t2"]}
 TOO_OLD = 'echo "kerno: cut: is no command of kerno (kerno help lists them)" >&2; exit 2'
@@ -74,6 +76,18 @@ LEFT = {"several faces": ('x="1">a<tspan font-weight="bold">b</tspan>', "several
         "spaced by hand": ('x="1">a<tspan dx="2">b</tspan>', "moved one by one"),
         "in a frame": ('style="inline-size:40">ab', "flows in a frame"),
         "columns": ('style="writing-mode:vertical-rl">ab', "from top to bottom"),
+        "per cent": ('x="50%">ab', 'x "50%" is no plain length'), "large": ('font-size="large">ab', "no plain length"),
+        "relative size": ('font-size="150%">ab', "no plain length"), "bolder": ('font-weight="bolder">ab', "no plain one"),
+        "spacing": ('letter-spacing="0.5em">ab', "no plain length"), "words": ('word-spacing="3">a b', "word-spacing"),
+        "raised": ('x="1">m<tspan baseline-shift="super">2</tspan>', "baseline-shift"),
+        "right to left": ('style="direction:rtl">ab', "direction"),
+        "features": ("style=\"font-feature-settings:'tnum'\">12", "font-feature-settings"),
+        "tspan after letters": ('x="1" y="9">a<tspan x="1" y="20">b</tspan>', "a place of their own"),
+        "tspan without place": ('><tspan x="1" y="9">a</tspan><tspan x="1" y="20">b</tspan><tspan>c</tspan>', "a place of"),
+        "tspan at the pen": ('y="9"><tspan x="1" y="9">a</tspan><tspan x="20">b</tspan>', "a place of their own"),
+        "ends of lines": ('style="white-space:pre">a\nb', "ends of lines"),
+        "hidden part": ('>a<tspan display="none">b</tspan>', "hidden on its own"),
+        "nested": ('><tspan><tspan x="1" y="9">a</tspan><tspan x="1" y="20">b</tspan></tspan>', "a place of their own"),
         "on a path": ('x="1"><textPath>ab</textPath>', "on a path"), "empty": ('x="1"> ', "no text to cut"),
         "flat": ('transform="scale(1,0)">ab', "no width or no height")}
 GOOD_TEXTS = ['"quotes" \'single\' & <tags>', "-x", "--help", "日本語 ＡＢＣ", "two\\nlines", "{field}", "%s $HOME `ls`"]
@@ -304,7 +318,7 @@ class Trials(Checks):
         self.expect("inkscape", "leaning layer", "is drawn", (self.folder / "out.png").exists())
 
     def selected(self, program):
-        ids = [f"t{i}" for i in range(1, 6)]
+        ids = [f"t{i}" for i in range(1, 7)]
         done = self.extension(SELECTED, "--source=selected", "--face=DejaVu Sans", *(f"--id={name}" for name in ids))
         self.expect("inkscape", "selected", "says nothing", (done.returncode, done.stderr) == (0, ""), done.stderr)
         # What Inkscape makes of the same texts.
@@ -353,6 +367,11 @@ class Trials(Checks):
             done = self.extension(document, "--source=selected", "--id=t")
             good = done.returncode != 0 and wanted in done.stderr and "Traceback" not in done.stderr
             self.expect("inkscape", name, "is left as it is", good and not (self.folder / "out.svg").exists(), done.stderr)
+        done = self.extension(f'{A4}<text id="t" style="display:none">ab</text></svg>', "--source=selected", "--id=t",
+                              "--face=DejaVu Sans")
+        self.run("inkscape", "-o", "out.png", "out.svg")
+        colours = self.run("identify", "-format", "%k", "out.png").stdout
+        self.expect("inkscape", "hidden", "stays hidden", (done.returncode, colours) == (0, "1"), done.stderr + colours)
         for text in GOOD_TEXTS:
             done = self.extension(A4 + "</svg>", f"--text={text}", "--face=IPAGothic")
             self.expect("inkscape", "a text", text, (done.returncode, done.stderr) == (0, ""), done.stderr)
@@ -366,7 +385,9 @@ class Trials(Checks):
                  {"text": "--help", "face": "DejaVu Serif", "cap_height": 2, "offset": 0.05, "kind": "wires"},
                  {"text": "Oslo", "stroke_font": "cursive"},
                  {"text": " "}, {"text": "x", "face": "Nope"}, {"text": "x", "program": "/nowhere/kerno"},
-                 {"text": "x", "program": "/bin/true"}]
+                 {"text": "x", "program": "/bin/true"}, {"text": 5}, {"text": "x", "kind": "sheet"},
+                 {"text": "x", "kind": "solid", "height": 0}, {"text": "x", "kind": "solid", "height": 1e-12},
+                 {"text": "x", "face": "\ud800"}, {"text": "half \ud800", "face": "DejaVu Sans"}]
         self.script("make.py", f"CASES = {cases}\n{FREECAD}")
         done = self.run(program, "make.py")
         if not (self.folder / "found.json").exists():
@@ -374,6 +395,7 @@ class Trials(Checks):
             return
         results = json.loads((self.folder / "found.json").read_text())
         for words, made in zip(cases, results):
+            words["text"] = str(words["text"]).replace("\ud800", "\ufffd")
             name = words["text"].splitlines()[0][:16]
             if "failed" in made:
                 self.expect("freecad", "bad input", made["failed"].splitlines()[0], "DejaVu" not in words.get("face", ""))
@@ -400,7 +422,7 @@ class Trials(Checks):
             if solid:
                 self.tell("freecad", name, "volume, mm3", made["volume"], 3 * exact_area(file), 1e-5)
                 self.tell("freecad", name, "volume of its STEP", made["again"], made["volume"], 1e-5)
-        self.tell("freecad", "bad input", "told in words", sum("failed" in made for made in results), 4, 0)
+        self.tell("freecad", "bad input", "told in words", sum("failed" in made for made in results), 9, 0)
         self.freecad_window()
 
     def script(self, name, code):
@@ -437,9 +459,11 @@ class Trials(Checks):
                         ["--face", "DejaVu Serif", "--style", "Bold", "--cap-height", "9mm", "--at", "-30,7"]):
             for variant in ("raised", "engraved", "stencil"):
                 self.one_sign(folder / f"{variant}.stl", variant, options)
+        self.openscad_page()
         for words, wanted in ((["flat", "a.stl", "x"], "is none of"), (["raised", "a.txt", "x"], "ends in none of"),
                               (["raised", "a.stl", ""], "holds no text"), (["raised", "a.stl", "\u3000"], "no outlines"),
-                              (["raised", "a.stl", "x", "--face", "Nope"], '"Nope" is not installed')):
+                              (["raised", "a.stl", "x", "--face", "Nope"], '"Nope" is not installed'),
+                              (["raised", "a.stl", "x", "--stroke-font", "cursive"], "open paths")):
             done = self.sign(*words)
             self.expect("openscad", "bad input", wanted, done.returncode != 0 and wanted in done.stderr
                         and not (self.folder / "a.stl").exists(), done.stderr)
@@ -450,6 +474,20 @@ class Trials(Checks):
         self.run("xvfb-run", "-a", "sh", EXAMPLES / "openscad/sign.sh", "raised", "c.png", "8", "--face", "DejaVu Sans")
         colours = self.run("identify", "-format", "%k", "c.png").stdout
         self.tell("openscad", "picture", "colours", float(colours or 0), 100, 95)
+
+    def openscad_page(self):
+        """The commands of README.md, in a copy of its folder; then again, where the sign was edited."""
+        folder = self.folder / "copy"
+        shutil.copytree(EXAMPLES / "openscad", folder)
+        commands = re.search(r"```sh\n(sh sign.sh.*?)```", (folder / "README.md").read_text(), re.DOTALL)[1]
+        self.run("sh", "-ec", f"cd copy; {commands}")
+        for name in ("boing", "stencil"):
+            self.tell("openscad", f"{name}.stl", "pieces", bodies(corners(folder / f"{name}.stl")), 1, 0)
+        self.expect("openscad", "sign.scad", "is as it was",
+                    (folder / "sign.scad").read_bytes() == (EXAMPLES / "openscad/sign.scad").read_bytes())
+        self.run("sh", "-ec", f"cd copy; echo 'variant = \"engraved\"; plate = 7;' >>boing.scad; {commands}")
+        heights = [corner[2] for triangle in corners(folder / "boing.stl") for corner in triangle]
+        self.tell("openscad", "edited sign", "height, mm", max(heights, default=0) - min(heights, default=0), 7, 1e-4)
 
     def one_sign(self, file, variant, options):
         done = self.sign(variant, file, "Boing & 8\nÖRe", *options)
@@ -464,7 +502,7 @@ class Trials(Checks):
         area = box(left - margin - sides, bottom - margin, right + margin + sides, top + margin).area
         area -= corner**2 * (4 - 32 * math.sin(math.pi / 32)) + 2 * 32 * (hole / 2)**2 * math.sin(math.pi / 32)
         bars = unary_union([box(x - bridge / 2, low - 1, x + bridge / 2, high + 1) for x, low, high in json.loads(
-            re.search(r"counters = (.*);", file.with_suffix(".scad").read_text())[1])])
+            re.search(r"counters = (.*);", file.with_suffix(".values.scad").read_text())[1])])
         wanted = {"raised": plate * area + depth * letters.area, "engraved": plate * area - depth * letters.area,
                   "stencil": plate * (area - letters.difference(bars).area)}[variant]
         self.tell("openscad", variant, "volume, mm3", volume(triangles), wanted, 1e-5 * wanted)

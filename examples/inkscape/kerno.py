@@ -13,6 +13,7 @@ import inkex
 from lxml import etree
 
 SVG = "{http://www.w3.org/2000/svg}"
+SILENT = (SVG + "title", SVG + "desc", SVG + "metadata")  # of a text, but none of its letters
 INCH = 25.4  # mm
 PIXEL = INCH / 96  # of CSS, in mm
 HAIRLINE = 0.0254  # mm
@@ -21,7 +22,19 @@ STEP = re.compile(r"([A-Za-z])([^A-Za-z]*)")
 NUMBER = re.compile(r"-?\d+(?:\.\d+)?")
 LENGTH = re.compile(r"\s*([-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?)\s*([a-z]*)\s*$")
 UNITS = {"": PIXEL, "px": PIXEL, "mm": 1, "cm": 10, "in": INCH, "pt": INCH / 72, "pc": INCH / 6, "q": 0.25}
+MEDIUM = 12  # the size that Inkscape takes where a text has none; units of the document
 FONT = ("font-family", "font-size", "font-weight", "font-style", "font-stretch", "letter-spacing")
+# Properties that kerno has no word for, and what they are where they change nothing.
+PLAIN = {"baseline-shift": ("baseline", "0", "0%"), "direction": ("ltr",), "dominant-baseline": ("auto", "alphabetic"),
+         "font-feature-settings": ("normal",), "font-kerning": ("auto", "normal"), "font-size-adjust": ("none",),
+         "font-variant": ("normal",), "font-variant-alternates": ("normal",), "font-variant-caps": ("normal",),
+         "font-variant-east-asian": ("normal",), "font-variant-ligatures": ("normal",),
+         "font-variant-numeric": ("normal",), "font-variant-position": ("normal",),
+         "font-variation-settings": ("normal",), "text-decoration": ("none",), "text-decoration-line": ("none",),
+         "text-indent": ("0",), "text-transform": ("none",),
+         "unicode-bidi": ("normal", "embed", "isolate", "plaintext"), "word-spacing": ("normal", "0")}
+# What a text has as a whole, which the group of its paths takes over.
+WHOLE = ("clip-path", "mask", "filter", "display", "visibility", "opacity", "mix-blend-mode", "isolation")
 # Families that a style sheet may name without meaning one.
 GENERIC = {"serif", "sans-serif", "sans", "monospace", "cursive", "fantasy", "system-ui", ""}
 WEIGHTS = {"thin": 100, "hairline": 100, "extralight": 200, "ultralight": 200, "light": 300, "demilight": 350,
@@ -187,23 +200,35 @@ class Line:
         self.words, self.style, self.text = words, style, text
         self.x, self.y = (self.first(element, name) for name in "xy")
 
-    def first(self, element, name):
-        value = element.get(name) or self.text.get(name) or "0"
-        return (length(re.split(r"[\s,]+", value.strip())[0]) or 0) / PIXEL
+    def units(self, name, given):
+        """Of a length that depends on nothing else."""
+        found = length(given)
+        if found is None:
+            raise Failed(f"{self.text.get_id()}: the {name} \"{given}\" is no plain length, such as 12px; give it as one "
+                         "first.")
+        return found / PIXEL
 
-    def family(self):
+    def first(self, element, name):
+        return self.units(name, (element.get(name) or self.text.get(name) or "0").strip())
+
+    def families(self):
         names = [name.strip(" \"'") for name in (self.style.get("font-family") or "").split(",")]
-        return next((name for name in names if name.lower() not in GENERIC), "")
+        return [name for name in names if name.lower() not in GENERIC]
 
     def size(self):
-        return (length(self.style.get("font-size") or "") or 16 * PIXEL) / PIXEL
+        given = str(self.style.get("font-size") or "medium").strip()
+        return MEDIUM if given == "medium" else self.units("font-size", given)
 
     def spacing(self):
-        return (length(self.style.get("letter-spacing") or "") or 0) / PIXEL
+        given = str(self.style.get("letter-spacing") or "normal").strip()
+        return 0 if given == "normal" else self.units("letter-spacing", given)
 
     def weight(self):
         given = str(self.style.get("font-weight") or "normal").strip()
-        return int(given) if given.isdigit() else WEIGHTS.get(given, 400)
+        if not given.isdigit() and given not in WEIGHTS:
+            raise Failed(f"{self.text.get_id()}: the font-weight \"{given}\" is no plain one, such as 700; give it as one "
+                         "first.")
+        return int(given) if given.isdigit() else WEIGHTS[given]
 
     def leans(self):
         return (self.style.get("font-style") or "normal").strip() in ("italic", "oblique")
@@ -226,37 +251,72 @@ def set_by_hand(text):
         return "flows in a frame"
     if (style.get("writing-mode") or "lr").strip()[:2] not in ("lr", "rl", "ho"):
         return "runs from top to bottom"
-    for part in text.iter(inkex.addNS("text", "svg"), inkex.addNS("tspan", "svg")):
+    for part in parts_of(text):
         if any(part.get(name) for name in ("dx", "dy", "rotate", "textLength")) \
                 or any(len((part.get(name) or "").replace(",", " ").split()) > 1 for name in "xy"):
             return "has letters that were moved one by one"
+        style = part.specified_style()
+        for name, plain in PLAIN.items():
+            given = str(style.get(name) or part.get(name) or plain[0]).strip()
+            if given.lower() not in plain and not ("0" in plain and length(given) == 0):
+                return f"has {name} \"{given}\", which kerno does not follow"
+        own = part.cascaded_style() if part is not text else {}
+        if any(own.get(name) for name in ("display", "visibility")):
+            return "has a part that is shown or hidden on its own"
     return ""
 
 
+def parts_of(element):
+    """An element and those in it that have letters: what tells of it, and comments, has none."""
+    yield element
+    for child in element:
+        if isinstance(child.tag, str) and child.tag not in SILENT:
+            yield from parts_of(child)
+
+
+def words_of(element):
+    inner = [words_of(child) if isinstance(child.tag, str) and child.tag not in SILENT else "" for child in element]
+    return (element.text or "") + "".join(words + (child.tail or "") for words, child in zip(inner, element))
+
+
+def spans_of(text):
+    """The parts of a text that are lines of their own; a text of one line is one itself."""
+    parts = list(parts_of(text))
+    placed = [part for part in parts[1:] if part.get("x") or part.get("y")]
+    spans = [part for part in parts if part.getparent() is text]
+    around = (text.text or "") + "".join(child.tail or "" for child in text)
+    alone = bool(spans) and not around.strip()
+    # From the second on, a line stands where both its x and its y say.
+    if alone and all(span in spans for span in placed) and len(placed) == len(spans) \
+            and all(span.get("x") and span.get("y") for span in spans[1:]):
+        return [(span, span) for span in spans]
+    if placed or (len(spans) > 1 and any(span.get(inkex.addNS("role", "sodipodi")) == "line" for span in spans)):
+        raise Failed(f"{text.get_id()}: has parts with a place of their own beside others without; make it a plain text "
+                     "first.")
+    return [(text, spans[0] if alone else text)]
+
+
 def lines_of(text):
-    as_it_stands = text.get("{http://www.w3.org/XML/1998/namespace}space") == "preserve" \
-        or (text.specified_style().get("white-space") or "").startswith("pre")
+    breaks = (text.specified_style().get("white-space") or "").strip().startswith("pre")
+    as_it_stands = breaks or text.get("{http://www.w3.org/XML/1998/namespace}space") == "preserve"
 
     def line(element, styled):
-        words = "".join(element.itertext())
+        words = words_of(element)
+        if breaks and re.search(r"[\r\n]", words):
+            raise Failed(f"{text.get_id()}: has ends of lines within its letters; make it a plain text first.")
         words = re.sub(r"[\t\r\n]", " ", words) if as_it_stands else re.sub(r"\s+", " ", words).strip()
         style = styled.specified_style()
-        for part in element.iterdescendants(inkex.addNS("tspan", "svg")):
+        for part in parts_of(element):
             other = part.specified_style()
-            if any(other.get(name) != style.get(name) for name in FONT) and "".join(part.itertext()).strip():
+            if part is not element and any(other.get(name) != style.get(name) for name in FONT) \
+                    and words_of(part).strip():
                 raise Failed(f"{text.get_id()}: has several faces or sizes in one line; cut it in pieces first.")
         return Line(element, words, style, text)
 
     reason = set_by_hand(text)
     if reason:
         raise Failed(f"{text.get_id()}: {reason}; make it a plain text first.")
-    spans = [child for child in text if isinstance(child, inkex.Tspan)]
-    alone = bool(spans) and not (text.text or "").strip() and not any((span.tail or "").strip() for span in spans)
-    if alone and all(span.get("y") or span.get("x") for span in spans):
-        found = [line(span, span) for span in spans]
-    else:
-        found = [line(text, spans[0] if alone else text)]
-    return [each for each in found if each.words.strip()]
+    return [each for each in (line(*span) for span in spans_of(text)) if each.words.strip()]
 
 
 def style_like(styles, line):
@@ -321,6 +381,10 @@ class TextToPaths(inkex.EffectExtension):
             whole = inkex.Group()
             whole.set("inkscape:label", groups[0].get("inkscape:label"))
             whole.transform = text.transform
+            own = text.cascaded_style()
+            taken = {name: str(own.get(name)) for name in WHOLE if own.get(name)}
+            if taken:
+                whole.style = inkex.Style(taken)
             for group in groups:
                 whole.add(group)
             named, place = text.get_id(), text.getparent()
@@ -334,8 +398,12 @@ class TextToPaths(inkex.EffectExtension):
         scale = math.sqrt(abs(a * d - b * c) * self.sheet.across * self.sheet.down)
         if scale < 1e-9:
             raise Failed(f"{line.text.get_id()}: the text has no width or no height.")
-        family = line.family() or self.options.face
-        style = style_like(self.styles(family), line) if not self.options.stroke_font.strip() else ""
+        families, style = line.families() or [self.options.face], ""
+        family = families[0]
+        if not self.options.stroke_font.strip():
+            # As Inkscape does, the first that is there.
+            family = next((name for name in families if self.styles(name)), family)
+            style = style_like(self.styles(family), line)
         options = [*self.face(family, style), *self.paths(scale), f"--em={line.size():.9f}mm",
                    f"--letter-spacing={line.spacing():.9f}mm"]
         cut = Cut(self.program, line.words, options)

@@ -1,6 +1,6 @@
 // A sign out of a drawing of "kerno cut --curves lines --layers depth": the letters raised on a plate, engraved into
 // it, or cut through it with bridges that hold the counters. sign.sh writes a file for each sign that includes this one
-// and gives what follows; lengths are mm.
+// and gives the first four; lengths are mm.
 drawing = "sign.dxf";
 variant = "raised";    // raised, engraved, stencil
 box = [0, 0, 100, 20]; // of the letters: left, bottom, right, top

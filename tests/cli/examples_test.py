@@ -94,7 +94,7 @@ class OpenscadRecipe(programs.FolderTest):
                 letters = Polygon()
                 for entity in ezdxf.readfile(self.folder / "a b.dxf").modelspace():
                     letters = letters.symmetric_difference(Polygon([p[:2] for p in entity.get_points("xy")]))
-                scad = (self.folder / "a b.scad").read_text()
+                scad = (self.folder / "a b.values.scad").read_text()
                 bounds = json.loads(re.search(r"box = (.*);", scad)[1])
                 for found, wanted in zip(bounds, letters.bounds):
                     self.assertAlmostEqual(found, wanted, delta=1e-6)
@@ -109,12 +109,23 @@ class OpenscadRecipe(programs.FolderTest):
                               (["raised", "a", "x"], "a: ends in none of"), (["raised", "a.stl", ""], "holds no text"),
                               (["raised", "a.stl", " "], "no outlines"),
                               (["raised", "a.stl", "x", "--face", "Nope"], '"Nope" is not installed'),
-                              (["raised", "no/a.stl", "x"], "no/a.dxf")):
+                              (["raised", "no/a.stl", "x"], "no/a"), (["raised", "a.stl", "x", "--help"], "no drawing"),
+                              (["raised", "a.stl", "x", "--stroke-font", "cursive"], "open paths"),
+                              (["raised", "a>b.stl", "x"], "OpenSCAD includes nothing")):
             with self.subTest(wanted):
                 done = self.sign(*words)
                 self.assertNotEqual(done.returncode, 0)
                 self.assertIn(wanted, done.stderr)
-                self.assertEqual(list(self.folder.glob("*.scad")), [])
+                self.assertEqual(os.listdir(self.folder), [])
+
+    def test_leaves_what_others_wrote(self):
+        self.assertEqual(self.sign("raised", "-a.stl", "x").returncode, 0)
+        own, values = self.folder / "-a.scad", self.folder / "-a.values.scad"
+        for edited, status, variant in ((own.read_text() + "margin = 12;\n", 0, "stencil"), ("cube(1);\n", 1, "raised")):
+            own.write_text(edited)
+            done = self.sign(variant, "-a.stl", "o")
+            self.assertEqual((done.returncode, own.read_text()), (status, edited), done.stderr)
+            self.assertIn('variant = "stencil"', values.read_text())
 
 
 if __name__ == "__main__":
