@@ -6,18 +6,22 @@
         sign.to_dxf("open.dxf")
 
 Coordinates are in the sign's unit (millimetres, or inches with unit="in"), y up. Signs may be used
-from several threads; calls for the same sign wait for each other.
+from several threads; methods of the same sign wait for each other.
 """
 from __future__ import annotations
 
 import ctypes
+import decimal
+import functools
 import math
+import numbers
 import operator
 import os
 import sys
+import threading
 from types import TracebackType
-from typing import (Any, Dict, List, Mapping, NamedTuple, Optional, Sequence, SupportsIndex, Tuple, Type,
-                    Union)
+from typing import (Any, Callable, Dict, List, Mapping, NamedTuple, Optional, Sequence, SupportsIndex,
+                    Tuple, Type, TypeVar, Union, cast)
 
 from . import _library
 
@@ -62,7 +66,7 @@ def _check(result: int) -> None:
 def _lines(text: Optional[bytes]) -> List[str]:
     if text is None:
         raise MemoryError(_message())
-    return text.decode("utf-8", "replace").splitlines()
+    return text.decode("utf-8", "replace").split("\n")[:-1]  # each line ends with one
 
 
 def faces() -> List[str]:
@@ -143,22 +147,26 @@ def _wrong(option: str, value: object, wanted: str) -> TypeError:
 
 def _is_number(value: object) -> bool:
     """Python's numbers and numpy's; True and False are none."""
-    return hasattr(value, "__float__") and not isinstance(value, bool) and not hasattr(value, "shape") \
-        or hasattr(value, "dtype") and getattr(value, "shape", None) == ()
+    if hasattr(value, "dtype"):
+        return getattr(value, "shape", None) == () and getattr(value.dtype, "kind", "") in "iuf"
+    return isinstance(value, (numbers.Real, decimal.Decimal)) and not isinstance(value, bool)
 
 
-def _digits(value: Any) -> str:
-    number = float(value)
+def _real(option: str, value: Any) -> float:
+    try:
+        number = float(value)
+    except (ArithmeticError, ValueError) as error:
+        raise BadCall(f"{option}: {error}") from None
     if not math.isfinite(number):
-        raise BadCall(f"{number} is not a number that a drawing can have")
-    return repr(number)
+        raise BadCall(f"{option}: {number} is not a number that a drawing can have")
+    return number
 
 
 def _length(option: str, value: object, unit: str) -> str:
     if isinstance(value, str):
         return value
     if _is_number(value):
-        return _digits(value) + unit
+        return repr(_real(option, value)) + unit
     raise _wrong(option, value, f"a length: text, or a number in {unit}")
 
 
@@ -166,7 +174,7 @@ def _number(option: str, value: object, unit: str) -> str:
     if isinstance(value, str):
         return value
     if _is_number(value):
-        return _digits(value)
+        return repr(_real(option, value))
     raise _wrong(option, value, "a number or text")
 
 
@@ -174,7 +182,12 @@ def _whole(option: str, value: object, unit: str) -> str:
     if isinstance(value, str):
         return value
     if _is_number(value) and isinstance(value, SupportsIndex):
-        return str(operator.index(value))
+        try:
+            return str(operator.index(value))
+        except TypeError:
+            pass  # an array of numpy with one number that is not whole
+        except ValueError as error:
+            raise BadCall(f"{option}: {error}") from None
     raise _wrong(option, value, "a whole number or text")
 
 
@@ -240,6 +253,18 @@ def _bytes(option: str, value: Union[str, bytes]) -> bytes:
     return encoded
 
 
+_Method = TypeVar("_Method", bound=Callable[..., Any])
+
+
+def _alone(method: _Method) -> _Method:
+    """While it runs no other thread changes its sign, of which it asks the library several times."""
+    @functools.wraps(method)
+    def held(sign: Sign, *arguments: Any, **keywords: Any) -> Any:
+        with sign._lock:
+            return method(sign, *arguments, **keywords)
+    return cast(_Method, held)
+
+
 class Sign:
     """A text with the options of "kerno cut", and the drawing that is made of them.
 
@@ -273,6 +298,7 @@ class Sign:
                  strict: Optional[bool] = None) -> None:
         given = {name: value for name, value in locals().items()
                  if name in _READERS and value is not None}
+        self._lock = threading.RLock()
         self._number = 0
         self._unit = "mm"
         number = _lib.kerno_new()
@@ -288,6 +314,7 @@ class Sign:
 
     # Its life.
 
+    @_alone
     def close(self) -> None:
         """Frees what the sign holds; it cannot be used afterwards. A second time does nothing."""
         number, self._number = self._number, 0
@@ -330,12 +357,14 @@ class Sign:
         return self._text
 
     @text.setter
+    @_alone
     def text(self, text: str) -> None:
         if not isinstance(text, str):
             raise _wrong("text", text, "text")
         _check(_lib.kerno_set_text(self._open, _bytes("text", text)))
         self._text = text
 
+    @_alone
     def set(self, **values: object) -> None:
         """Gives options values, by the keywords of Sign; None: the option has its default again."""
         for name in values:
@@ -384,6 +413,7 @@ class Sign:
         return box.right - box.left, box.top - box.bottom
 
     @property
+    @_alone
     def warnings(self) -> List[str]:
         """What the user should know of the drawing, and of the file that was written last."""
         texts: List[str] = []
@@ -394,6 +424,7 @@ class Sign:
             texts.append(text.decode("utf-8", "replace"))
         return texts
 
+    @_alone
     def outlines(self) -> List[Outline]:
         """The paths, in the order in which they are cut; paths() and segments() have the same."""
         told = self._told()
@@ -410,6 +441,7 @@ class Sign:
             found.append(Outline(path.closed == 1, path.depth, layers[path.layer], path.colour))
         return found
 
+    @_alone
     def paths(self, tolerance: float = 0, *, as_lists: bool = False) -> List[Any]:
         """Each path as the corners of straight lines, no farther than `tolerance` from it (0: that
         of the sign). A closed path ends with its first corner again.
@@ -418,11 +450,12 @@ class Sign:
         """
         if not _is_number(tolerance):
             raise _wrong("tolerance", tolerance, "a number")
+        stray = _real("tolerance", tolerance)
         numpy = None if as_lists else _numpy()
         paths: List[Any] = []
         for number, outline in enumerate(self.outlines()):
             points = self._fetch(_library.Point, lambda items, room, count:
-                                 _lib.kerno_points(self._open, number, float(tolerance), items, room, count))
+                                 _lib.kerno_points(self._open, number, stray, items, room, count))
             corners: Any
             if numpy is not None:
                 corners = numpy.frombuffer(points, dtype=numpy.float64).reshape(-1, 2)
@@ -433,6 +466,7 @@ class Sign:
             paths.append(corners)
         return paths
 
+    @_alone
     def segments(self, *, as_lists: bool = False) -> List[Any]:
         """Each path as lines, arcs and curves: structured arrays of numpy (fields as those of
         Segment, `kind` 0 line, 1 arc, 2 cubic; points have x and y), or lists of Segment."""
@@ -458,6 +492,7 @@ class Sign:
                 return (kind * count.value).from_buffer_copy(items)
             room = count.value
 
+    @_alone
     def write(self, file: FileName, format: Optional[str] = None) -> None:
         """Writes the drawing, whole or not at all, in the format of the file's extension or in the
         one named."""

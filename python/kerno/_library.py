@@ -68,11 +68,12 @@ def _candidates() -> List[str]:
     name = "libkerno.so.1"
     here = pathlib.Path(__file__).resolve().parent
     beside = [str(here / name), str(here.parent / name)]
-    # Installed in PREFIX/lib/python3/dist-packages, the library is in PREFIX/lib or a folder of it.
-    for above in here.parents[:4]:
-        if above.name == "lib":
-            beside += [str(above / name), *map(str, sorted(above.glob(f"*/{name}")))]
-    return [*beside, name]
+    # Installed in PREFIX/lib/python3/dist-packages, the library is in a lib folder of PREFIX.
+    for above in list(here.parents)[:4]:
+        if above.name in ("lib", "lib64"):
+            for folder in (above, above.parent / "lib", above.parent / "lib64"):
+                beside += [str(folder / name), *map(str, sorted(folder.glob(f"*/{name}")))]
+    return [*dict.fromkeys(beside), name]
 
 
 def load() -> ctypes.CDLL:

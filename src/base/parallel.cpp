@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -43,8 +42,8 @@ void ForEachInParallel(size_t count, const std::function<void(size_t)>& work) {
   helpers.reserve(most);
   try {
     while (helpers.size() + 1 < most) helpers.emplace_back(run);
-  } catch (const std::system_error&) {
-    // With the threads that there are.
+  } catch (...) {
+    // No more threads, or no memory for one: with those that there are.
   }
   run();
   for (std::thread& helper : helpers) helper.join();

@@ -278,6 +278,26 @@ ExitStatus FacesCommand::ListStrokeFonts() const {
   return Print(out) && FinishPrinting() ? kDone : kFailed;
 }
 
+// Whether the options that are not in the help go together.
+bool FacesCommand::CheckNames() const {
+  const auto report = [](const std::string& option, const char* why) {
+    ReportError(option, why);
+    return false;
+  };
+  for (const CLI::Option* option : app_->get_options()) {
+    const std::string name = option->get_name();  // empty: one of those
+    const bool goes = name.empty() || name == "--font-file";
+    if (!goes && option->count() > 0) return report(name, "does not go with lists of names");
+  }
+  const bool has_family = app_->count("--family") > 0;
+  if (names_ && (styles_ || has_family)) return report("--names", "stands alone");
+  if (has_family && !styles_) return report("--family", "needs --styles");
+  if (styles_ && has_family == (app_->count("--font-file") > 0)) {
+    return report("--styles", "needs either --family or --font-file");
+  }
+  return true;
+}
+
 // The system's list alone is asked, no font file: an answer to a key must be quick.
 ExitStatus FacesCommand::ListNames() const {
   const bool of_file = app_->count("--font-file") > 0;
@@ -333,7 +353,9 @@ ExitStatus FacesCommand::DescribeFile() const {
 }
 
 ExitStatus FacesCommand::Run() {
-  if (names_ || styles_) return ListNames();
+  if (names_ || styles_ || app_->count("--family") > 0) {
+    return CheckNames() ? ListNames() : kWrongUsage;
+  }
   if (app_->count("--font-file") > 0) return DescribeFile();
   if (strokes_) return ListStrokeFonts();
   if (!ReadTexts()) return kWrongUsage;

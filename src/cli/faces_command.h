@@ -20,6 +20,7 @@ class FacesCommand final : public Command {
 
  private:
   ExitStatus ListStrokeFonts() const;
+  bool CheckNames() const;
   ExitStatus ListNames() const;
   ExitStatus DescribeFile() const;
   bool ReadTexts();

@@ -25,6 +25,17 @@ ExitStatus PrintText(const std::string& text) {
   return Print(text) && FinishPrinting() ? kDone : kFailed;
 }
 
+// Without the empty line that stands for a group of hidden options.
+class HelpFormatter final : public CLI::Formatter {
+ public:
+  std::string make_help(const CLI::App* app, std::string name,
+                        CLI::AppFormatMode mode) const override {
+    std::string text = CLI::Formatter::make_help(app, std::move(name), mode);
+    while (text.ends_with("\n\n")) text.pop_back();
+    return text;
+  }
+};
+
 }  // namespace
 
 std::vector<std::unique_ptr<Command>> AllCommands() {
@@ -43,6 +54,7 @@ std::vector<std::unique_ptr<Command>> AllCommands() {
 Program::Program()
     : app_(std::make_unique<CLI::App>("Turns text into outline geometry for machines that cut.",
                                       "kerno")) {
+  app_->formatter(std::make_shared<HelpFormatter>());
   app_->require_subcommand(0, 1);
   app_->set_version_flag("--version", "kerno " KERNO_VERSION);
   app_->set_help_flag("--help", "print this help and exit");

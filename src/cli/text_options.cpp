@@ -13,6 +13,8 @@
 #include "base/text.h"
 #include "cli/choices.h"
 #include "cli/console.h"
+#include "outline/font_details.h"
+#include "platform/font_data.h"
 
 namespace kerno {
 namespace {
@@ -41,6 +43,16 @@ bool ReportUnshaped(std::u16string_view text, bool strict) {
     ReportWarning(what, why);
   }
   return true;
+}
+
+// Of the family: its styles come from one maker.
+void ReportLicence(const std::u16string& face) {
+  FontData data;
+  const FaceRequest family = {.family = face.substr(face.starts_with(u'@') ? 1 : 0)};
+  if (!FindFontData(family, &data).ok() || !ForbidsOutlines(data)) return;
+  ReportWarning("licence", Utf16ToUtf8(face) +
+                               " does not permit embedding; its outlines were taken: check what "
+                               "its licence permits");
 }
 
 }  // namespace
@@ -209,6 +221,7 @@ std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing pl
     ReportWarning(Utf16ToUtf8(SystemFaceName(job.text.face)),
                   "is not installed, " + face + " takes its place");
   }
+  ReportLicence(set->face);
   if (!ReportUnshaped(job.text.text, strict_) ||
       !ReportLost("no glyph in " + face, set->missing, strict_) ||
       !ReportLost("no outline of this size in " + face, set->notes.refused, strict_)) {

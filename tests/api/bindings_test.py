@@ -7,6 +7,7 @@ usage: bindings_test.py KERNO
 import concurrent.futures
 import copy
 import ctypes
+import decimal
 import inspect
 import math
 import os
@@ -16,6 +17,7 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import threading
 import unittest
 
 import ezdxf
@@ -155,6 +157,12 @@ class Drawings(FolderTest):
             command = [KERNO, "cut", "A", "--font-file", str(self.folder / "F.ttf"), "-o", str(self.folder / "a.svg")]
             done = subprocess.run(command, check=True, capture_output=True, text=True)
             self.assertEqual(is_told, "warning: licence: DejaVu Sans Book does not permit" in done.stderr, permissions)
+            fonts = self.folder / "fonts.conf"
+            fonts.write_text(f"<fontconfig><dir>{self.folder}</dir><cachedir>{self.folder}/c</cachedir></fontconfig>")
+            command = [KERNO, "convert", "A", "--face", "DejaVu Sans", "-o", str(self.folder / "b.svg")]
+            done = subprocess.run(command, check=True, capture_output=True, text=True,
+                                  env={**os.environ, "FONTCONFIG_FILE": str(fonts)})
+            self.assertEqual(is_told, "warning: licence: DejaVu Sans does not permit" in done.stderr, permissions)
 
 
 class WrongUse(FolderTest):
@@ -165,6 +173,8 @@ class WrongUse(FolderTest):
                 ("face", b"DejaVu Sans", "not bytes"), ("mirror", "yes", "mirror must be True or False, not str"),
                 ("mirror", 1, "not int"), ("fit", (1, 2, 3), "fit must be"), ("at", 5, "at must be"),
                 ("fallback", ["IPAGothic", 3], "fallback must be text, not int"), ("colour", 1.5, "not float"),
+                ("em", numpy.bool_(True), "not bool"), ("em", numpy.array("3"), "not ndarray"),
+                ("colour", numpy.array(1.5), "not ndarray"),
                 ("font_file", 3, "font_file must be a path, not int"), ("angle", numpy.array([1, 2]), "not ndarray"),
                 ("variation", {"wght": None}, "not NoneType"), ("hight", 3, "unexpected keyword argument 'hight'")):
             with self.assertRaises(TypeError, msg=name) as caught:
@@ -184,7 +194,10 @@ class WrongUse(FolderTest):
                 (kerno.BadCall, ValueError, "text holds a NUL", lambda: kerno.Sign("a\0b")),
                 (kerno.BadCall, ValueError, "text: is not UTF-8", lambda: kerno.Sign("a\ud800")),
                 (kerno.BadCall, ValueError, '--em: "20 spans"', lambda: kerno.Sign("A", em="20 spans").size),
-                (kerno.BadCall, ValueError, "nan is not a number", lambda: kerno.Sign("A", em=math.nan)),
+                (kerno.BadCall, ValueError, "em: nan is not a number", lambda: kerno.Sign("A", em=math.nan)),
+                (kerno.BadCall, ValueError, "em: ", lambda: kerno.Sign("A", em=10**400)),
+                (kerno.BadCall, ValueError, "angle: ", lambda: kerno.Sign("A", angle=decimal.Decimal("sNaN"))),
+                (kerno.BadCall, ValueError, "tolerance: ", lambda: kerno.Sign("A").paths(10**400)),
                 (kerno.BadCall, ValueError, "--em", lambda: kerno.Sign("A", em=-3).size),
                 (kerno.BadCall, ValueError, "given more than once", lambda: kerno.Sign("A", em=3, fit=4).size),
                 (kerno.FaceError, LookupError, "DejaVu San", lambda: kerno.Sign("A", face="DejaVu San").size),
@@ -227,6 +240,12 @@ class WrongUse(FolderTest):
         broken.write_bytes(b"no library")
         self.assertIn(f"{broken}: ", self.python("import kerno", **env)[2])
         shutil.copy(os.environ["KERNO_LIBRARY"], broken)
+        installed, library = self.folder / "lib/python3/dist-packages", self.folder / "lib64/libkerno.so.1"
+        shutil.copytree(pathlib.Path(kerno.__file__).parent, installed / "kerno")
+        library.parent.mkdir()
+        shutil.copy(os.environ["KERNO_LIBRARY"], library)
+        told = self.python("import kerno; print(kerno._lib._name)", PYTHONPATH=str(installed), KERNO_LIBRARY="")
+        self.assertEqual((0, f"{library}\n", ""), told)
         self.assertEqual((0, f"{kerno.__version__}\n", ""), self.python("import kerno; print(kerno.__version__)", **env))
 
 
@@ -247,6 +266,17 @@ class Process(FolderTest):
         with concurrent.futures.ThreadPoolExecutor(8) as pool:
             made = list(pool.map(make, range(56)))
         self.assertEqual(made[:7] * 8, made)
+        with kerno.Sign("A", face="DejaVu Sans") as sign:
+            def change():
+                for n in range(200):
+                    sign.text = ("A", "ABC%")[n % 2]
+            changing = threading.Thread(target=change)
+            changing.start()
+            while changing.is_alive():
+                self.assertIn(len(sign.paths()), (2, 11))
+                self.assertIn(len(sign.segments()), (2, 11))
+                sign.outlines()
+            changing.join()
         child = os.fork()
         if child == 0:
             os._exit(0 if make(3) == made[3] else 1)

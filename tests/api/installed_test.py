@@ -17,6 +17,11 @@ import unittest
 KERNO, BUILD, SANITIZED = sys.argv[1:4]
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 HEADER = (ROOT / "src/api/kerno.h").read_text()
+# The functions of released libraries, which programs call: this list only grows.
+RELEASED = {"KERNO_1": """
+    kerno_faces kerno_facts kerno_formats kerno_free kerno_layer kerno_make kerno_message kerno_new
+    kerno_options kerno_path kerno_points kerno_segments kerno_set kerno_set_text kerno_stroke_fonts
+    kerno_unset kerno_version kerno_warning kerno_write""".split()}
 FLAGS = ["-fsanitize=address,undefined"] if SANITIZED == "ON" else []
 
 
@@ -62,9 +67,18 @@ class Installed(unittest.TestCase):
         names = sorted(str(path.relative_to(self.lib)) for path in self.lib.rglob("*") if not path.is_dir())
         version = run([KERNO, "--version"]).split()[1]
         self.assertEqual([version], self.package("--modversion"))
-        for name in ("libkerno.a", "libkerno.so", "libkerno.so.1", f"libkerno.so.{version}", "pkgconfig/kerno.pc",
-                     "cmake/Kerno/KernoConfig.cmake"):
-            self.assertIn(name, names)
+        cmake = [name for name in names if re.fullmatch(r"cmake/Kerno/Kerno\w*Targets(-\w+)?\.cmake", name)]
+        self.assertEqual(4, len(cmake))
+        self.assertEqual(sorted(["libkerno.a", "libkerno.so", "libkerno.so.1", f"libkerno.so.{version}",
+                                 "pkgconfig/kerno.pc", "cmake/Kerno/KernoConfig.cmake",
+                                 "cmake/Kerno/KernoConfigVersion.cmake", *cmake,
+                                 *(f"python3/dist-packages/kerno/{name}"
+                                   for name in ("__init__.py", "_library.py", "py.typed"))]), names)
+        others = [path for path in self.prefix.rglob("*") if path.is_file() and self.lib not in path.parents]
+        self.assertEqual([self.prefix / "include/kerno.h"], others)
+        alone = {**os.environ, "PKG_CONFIG_LIBDIR": str(self.lib / "pkgconfig"), "PKG_CONFIG_PATH": ""}
+        found = subprocess.run(["pkg-config", "--cflags", "kerno"], check=True, capture_output=True, env=alone)
+        self.assertIn(b"-I", found.stdout)
         self.assertIn(" libkerno.so.1\n", run(["objdump", "-p", self.library]))
         text = (self.lib / "pkgconfig/kerno.pc").read_text() + "".join(
             path.read_text() for path in (self.lib / "cmake/Kerno").iterdir())
@@ -77,7 +91,9 @@ class Installed(unittest.TestCase):
         shown = [line.split() for line in run(["nm", "-D", "--defined-only", self.library]).splitlines()]
         functions = [name for *_, kind, name in shown if kind != "A"]
         self.assertEqual(listed, sorted(declared))
-        self.assertEqual([f"{name}@@KERNO_1" for name in listed], sorted(functions))
+        released = sorted(f"{name}@@{version}" for version, names in RELEASED.items() for name in names)
+        self.assertEqual(released, sorted(functions))
+        self.assertEqual(sorted(RELEASED), sorted(name.split("@")[0] for *_, kind, name in shown if kind == "A"))
 
     def test_types_are_those_that_programs_were_built_with(self):
         def compiles(header, standard="-std=c11", source=ROOT / "tests/api/abi.c"):

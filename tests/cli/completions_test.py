@@ -80,7 +80,8 @@ class CompletionsTest(programs.FolderTest):
         self.work.mkdir()
         for name in ("old sign.ipx", "notes.md", "plate.dxf"):
             (self.work / name).write_text("")
-        (self.work / "outputs").mkdir()
+        for name in ("outputs", "IPAGothic"):
+            (self.work / name).mkdir()
         self.env = {**os.environ, "PATH": f"{place}:{os.environ['PATH']}", "LC_ALL": "C.UTF-8", "TERM": "dumb",
                     "HOME": str(self.folder), "XDG_CONFIG_HOME": str(self.folder), "ZDOTDIR": str(self.folder),
                     "XDG_DATA_HOME": str(self.folder), "HISTFILE": ""}
@@ -89,12 +90,12 @@ class CompletionsTest(programs.FolderTest):
 
     def bash_offers(self, line):
         words = [*line.split(" ")]
-        script = ('source "$1"; shift; compopt() { :; }; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _kerno; '
+        script = ('source "$1"; shift; compopt() { :; }; COMP_LINE="$*"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _kerno; '
                   'printf "%s\\n" "${COMPREPLY[@]}"')
         done = subprocess.run(["bash", "--norc", "-c", script, "bash", SCRIPTS / "kerno.bash", *words],
                               capture_output=True, cwd=self.work, env=self.env)
         self.assertEqual(b"", done.stderr, line)
-        return set(done.stdout.decode().split("\n")) - {""}
+        return set(done.stdout.decode().replace("\\ ", " ").split("\n")) - {""}
 
     def fish_offers(self, line):
         script = 'source $argv[1]; complete -C $argv[2]'
@@ -163,9 +164,10 @@ class CompletionsTest(programs.FolderTest):
                 ("kerno cut --ipx ", set(), {"old sign.ipx"}),
                 (f"kerno cut --font-file {BOLD} --style ", {"Bold"}, {"Oblique", "Book"}),
                 ("kerno cut --height ", set(), {"notes.md", "outputs", "outputs/"})]
-            if is_bash:  # which parts words at "="
-                cases += [("kerno convert --ipx ", files, {"notes.md"}),
-                          ("kerno cut --align = ", {"left"}, set()), ("kerno cut --align = ri", {"right"}, {"left"})]
+            if is_bash:
+                cases += [("kerno convert --ipx ", files, {"notes.md"}), ("kerno faces > no", {"notes.md"}, set()),
+                          ("kerno cut x > log --al", {"--align"}, {"notes.md"}),
+                          ("kerno-is-not-here cut --face D", set(), {"DejaVu Sans"})]
             else:
                 cases += [("kerno cut --face 'DejaVu Sans' --style B", styles, {"Book Condensed"}),
                           ("kerno cut --face \"DejaVu Se", {"DejaVu Serif"}, {"DejaVu Sans"}),
@@ -206,8 +208,11 @@ class CompletionsTest(programs.FolderTest):
                 ("kerno convert --ipx o", None),
                 ("kerno page o", "kerno page outputs/"),
                 ("kerno page ~/wor", "kerno page ~/work/" if is_zsh else f"kerno page {self.folder}/work/"),
-                ("kerno settings get Dec S", "kerno settings get Dec SvgOut::Precision " if is_zsh
-                 else "kerno settings get Dec SvgOut\\:\\:Precision "),
+                ("kerno settings get Dec S", "kerno settings get Dec SvgOut::Precision "),
+                ("kerno settings get Dec SvgOut::P", "kerno settings get Dec SvgOut::Precision "),
+                ("kerno cut --align=ri", "kerno cut --align=right "),
+                ("kerno faces 2>not", "kerno faces 2>notes.md "),
+                ("kerno cut --face IPAGo", "kerno cut --face IPAGothic "),
                 ("kerno cut --face \"$(touch ran)", None),
                 ("kerno cut --face '$(touch ran)' --style B", None)]
             terminal = shell()

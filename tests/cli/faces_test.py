@@ -161,6 +161,15 @@ class FacesTest(programs.FolderTest):
         self.assertIn("6 families", out)
         self.assertEqual([], ezdxf.readfile(self.folder / "sheet.dxf").audit().errors)
 
+    def test_hidden_options_are_used_by_their_rules(self):
+        for words, message in ((["--family", "IPAMincho"], "--family: needs --styles"), (["--names", "--styles"], "--names: "),
+                               (["--styles"], "--styles: needs either"), (["--names", "--json"], "--json: does not go"),
+                               (["--styles", "--family", "IPAMincho", "--font-file", MINCHO], "--styles: needs either")):
+            status, out, err = run("faces", *words)
+            self.assertEqual((2, "", True), (status, out, message in err), (words, err))
+        self.assertEqual((0, "Regular\n", ""), run("faces", "--styles", "--family", "IPA明朝"))
+        self.assertNotIn("\n\n\n", run("help", "faces")[1] + "\n")
+
     def test_encodings_agree_with_another_converter(self):
         rows = b"".join(bytes([0xA1 + row, 0xA1 + column]) for row in range(84) for column in (0, 33, 93))
         text = subprocess.run(["iconv", "-c", "-f", "EUC-JP-MS", "-t", "UTF-8"], input=rows + b"\x8e\xb1",

@@ -92,8 +92,9 @@ class ManualPagesTest(programs.FolderTest):
     def test_other_programs_find_nothing_wrong(self):
         for page in sorted(PAGES.glob("*.1")):
             with self.subTest(page.name):
-                lint = subprocess.run(["mandoc", "-T", "lint", "-W", "warning", str(page)], capture_output=True)
-                self.assertEqual((0, b"", b""), (lint.returncode, lint.stdout, lint.stderr))
+                # In the folder where each finds the others. What it says of its own database is not ours.
+                lint = subprocess.run(["mandoc", "-T", "lint", page.name], capture_output=True, cwd=PAGES)
+                self.assertEqual((0, b""), (lint.returncode, lint.stdout), lint.stderr)
                 made = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", str(page)], capture_output=True,
                                       env={**os.environ, "LC_ALL": "C.UTF-8", "MANWIDTH": "80"})
                 self.assertEqual((0, b""), (made.returncode, made.stderr))

@@ -1,7 +1,7 @@
 // kerno-manual: writes the manual pages and the completions of the shells, out of the tables of the
 // command line's own help.
 //
-// usage: kerno-manual SCRIPTS OUT VERSION DATE
+// usage: kerno-manual SCRIPTS OUT DATE
 //   SCRIPTS  where the functions of the completions are: kerno.bash.in, ...
 //   OUT      the folder that gets all files
 //   DATE     of the pages, YYYY-MM-DD
@@ -61,9 +61,9 @@ bool WriteAll(const fs::path& scripts, const fs::path& out, const PageFrame& fra
 }  // namespace kerno
 
 int main(int argc, char** argv) {
-  if (argc != 5) {
-    std::fputs("usage: kerno-manual SCRIPTS OUT VERSION DATE\n", stderr);
+  if (argc != 4) {
+    std::fputs("usage: kerno-manual SCRIPTS OUT DATE\n", stderr);
     return 2;
   }
-  return kerno::WriteAll(argv[1], argv[2], {argv[4], argv[3]}) ? 0 : 1;
+  return kerno::WriteAll(argv[1], argv[2], {argv[3]}) ? 0 : 1;
 }

@@ -48,9 +48,16 @@ std::string Escaped(std::string_view text, Hyphens hyphens) {
   return out;
 }
 
+// Words that are typed: no line ends within one.
+std::string Typed(std::string_view text) {
+  std::string out = "\\%" + Escaped(text, Hyphens::kTyped);
+  for (size_t at = 0; (at = out.find(' ', at)) != out.npos; at += 3) out.replace(at, 1, " \\%");
+  return out;
+}
+
 // One argument of a macro: in quotes, and never the name of another macro.
 std::string Argument(std::string_view text) {
-  return "\"\\&" + Escaped(text, Hyphens::kTyped) + "\"";
+  return "\"\\&" + Typed(text) + "\"";
 }
 
 // Words of an option stand as they are typed: "--fit", "-o".
@@ -60,7 +67,7 @@ std::string EscapedWords(std::string_view text) {
     const size_t end = std::min(text.find(' '), text.size());
     const std::string_view word = text.substr(0, end);
     const bool typed = word.find_first_not_of("(\"") == word.find('-');
-    out += Escaped(word, typed ? Hyphens::kTyped : Hyphens::kText);
+    out += typed ? Typed(word) : Escaped(word, Hyphens::kText);
     if (end < text.size()) out += ' ';
     text.remove_prefix(std::min(end + 1, text.size()));
   }
@@ -74,7 +81,7 @@ std::string Paragraph(std::string_view text) {
   while (!text.empty()) {
     const size_t end = std::min(text.find('`'), text.size());
     const std::string_view part = text.substr(0, end);
-    out += typed ? "\\fB" + Escaped(part, Hyphens::kTyped) + "\\fP" : EscapedWords(part);
+    out += typed ? "\\fB" + Typed(part) + "\\fP" : EscapedWords(part);
     text.remove_prefix(std::min(end + 1, text.size()));
     typed = !typed;
   }
@@ -101,8 +108,8 @@ std::string Upper(std::string text) {
 }
 
 std::string Head(const std::string& name, const std::string& what, const PageFrame& frame) {
-  return ".Dd " + LongDate(frame.date) + "\n.Dt " + Upper(name) + " 1\n.Os Kerno " + frame.version +
-         "\n.nh\n.Sh NAME\n.Nm " + name + "\n.Nd " + Escaped(what, Hyphens::kText) + "\n";
+  return ".Dd " + LongDate(frame.date) + "\n.Dt " + Upper(name) + " 1\n.Os\n.nh\n.Sh NAME\n.Nm " +
+         name + "\n.Nd " + Escaped(what, Hyphens::kText) + "\n";
 }
 
 // ".It Fl \-face Ar NAME"
@@ -207,12 +214,15 @@ std::string Terms(const char* heading, const char* macro, std::span<const Term> 
   return out + ".El\n";
 }
 
-std::string Status(Answers answers) {
-  if (answers == Answers::kNone) return {};
+std::string Status(const PageText& page) {
+  if (page.answers == Answers::kNone) return {};
   std::string out = ".Sh EXIT STATUS\n.Bl -tag -width Ds\n";
   for (const StatusText& text : ExitStatusTexts()) {
-    if (text.status == kFaceTrouble && answers != Answers::kAll) continue;
-    out += ".It " + std::to_string(text.status) + "\n" + Paragraph(text.meaning);
+    const bool of_face = text.status == kFaceTrouble;
+    if (of_face && page.answers != Answers::kAll) continue;
+    const bool has_own = of_face && !page.face_trouble.empty();
+    out += ".It " + std::to_string(text.status) + "\n" +
+           Paragraph(has_own ? page.face_trouble : text.meaning);
   }
   return out + ".El\n";
 }
@@ -251,7 +261,7 @@ std::string SeeAlso(std::span<const std::string_view> pages) {
 // What follows the options.
 std::string Rest(const PageText& text) {
   return Terms("ENVIRONMENT", "Ev", text.environment) + Terms("FILES", "Pa", text.files) +
-         Status(text.answers) + Examples(text.examples) + SeeAlso(text.see_also);
+         Status(text) + Examples(text.examples) + SeeAlso(text.see_also);
 }
 
 }  // namespace

@@ -8,8 +8,7 @@
 namespace kerno {
 
 struct PageFrame {
-  std::string date;     // "2026-11-22"
-  std::string version;  // "1.0.0"
+  std::string date;  // "2026-11-22"
 };
 
 // The page of kerno itself, "kerno(1)", with the list of its commands.

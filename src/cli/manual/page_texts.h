@@ -37,6 +37,7 @@ struct PageText {
   std::span<const Example> examples;
   std::span<const std::string_view> see_also;  // "fc-list(1)"
   Answers answers = Answers::kPlain;
+  std::string_view face_trouble = {};  // what kFaceTrouble means here, where that is not the usual
 };
 
 // Nothing is said of a command that is not there.

@@ -6,7 +6,7 @@
 namespace kerno {
 namespace {
 
-// The characters that have a meaning in a specification of _arguments.
+// The characters that have a meaning in a rule of _arguments.
 std::string Masked(std::string_view text, std::string_view masked) {
   std::string out;
   for (const char c : text) {
@@ -31,17 +31,17 @@ std::string Action(const Values& values) {
   }
 }
 
-std::string OptionSpec(const OptionText& option) {
+std::string OptionRule(const OptionText& option) {
   const bool is_short = !option.name.starts_with("--");
-  std::string spec = option.repeats ? "*" : "";
-  spec += option.name;
-  if (!option.value.empty()) spec += is_short ? "+" : "=";
-  spec += "[" + Masked(option.description, "[]\\") + "]";
-  if (option.value.empty()) return spec;
-  return spec + ":" + Masked(option.value, ":\\") + ":" + Action(option.values);
+  std::string rule = option.repeats ? "*" : "";
+  rule += option.name;
+  if (!option.value.empty()) rule += is_short ? "+" : "=";
+  rule += "[" + Masked(option.description, "[]\\") + "]";
+  if (option.value.empty()) return rule;
+  return rule + ":" + Masked(option.value, ":\\") + ":" + Action(option.values);
 }
 
-std::string ArgumentSpec(const OptionText& argument) {
+std::string ArgumentRule(const OptionText& argument) {
   const char* const place = argument.repeats ? "*:" : argument.required ? ":" : "::";
   // A state that nobody looks at: a message would keep zsh from completing an option there.
   const bool is_free = argument.values.kind == Values::Kind::kFree;
@@ -62,23 +62,23 @@ std::string FunctionOf(const std::string& path) {
 }
 
 std::string CommandFunction(const std::string& path, const CommandText& command) {
-  std::string specs;
+  std::string rules;
   for (const OptionText& option : AllOptions(command)) {
-    specs += " \\\n    " + Quoted(OptionSpec(option));
+    rules += " \\\n    " + Quoted(OptionRule(option));
   }
   const std::string name = path.empty() ? "_kerno-program" : FunctionOf(path);
   std::string out = name + "() {\n";
   if (command.inner.empty()) {
     for (const OptionText& argument : command.arguments) {
-      specs += " \\\n    " + Quoted(ArgumentSpec(argument));
+      rules += " \\\n    " + Quoted(ArgumentRule(argument));
     }
-    return out + "  _arguments" + specs + "\n}\n\n";
+    return out + "  _arguments" + rules + "\n}\n\n";
   }
   out += "  local -a commands=(";
   for (const CommandText& inner : command.inner) {
     out += "\n    " + Quoted(inner.name + ":" + inner.description);
   }
-  return out + ")\n  _kerno_within " + FunctionOf(path) + specs + "\n}\n\n";
+  return out + ")\n  _kerno_within " + FunctionOf(path) + rules + "\n}\n\n";
 }
 
 }  // namespace

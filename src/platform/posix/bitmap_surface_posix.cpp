@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <new>
 
 #include "platform/posix/agg_sources.h"
@@ -61,7 +62,7 @@ class AggContext final : public SurfaceContext {
         rasterizer_(kCellBlocks),
         figures_(rasterizer_),
         thin_(figures_) {
-    rasterizer_.clip_box(0, 0, width, height);
+    ClipToSurface();
   }
 
   void Clear(uint32_t color) { renderer_.clear(ColorOf(color)); }
@@ -85,6 +86,9 @@ class AggContext final : public SurfaceContext {
   void FillWithBrush();
   void StrokeWithPen();
   void RenderSolid(uint32_t color);
+  template <class Draw>
+  void Render(const Draw& draw);
+  void ClipToSurface() { rasterizer_.clip_box(0, 0, buffer_.width(), buffer_.height()); }
 
   agg::rendering_buffer buffer_;
   PixelFormat format_;
@@ -97,9 +101,25 @@ class AggContext final : public SurfaceContext {
   agg::path_storage path_;
 };
 
-void AggContext::RenderSolid(uint32_t color) {
-  agg::render_scanlines_aa_solid(rasterizer_, scanline_, renderer_, ColorOf(color));
+// The library's arrays free what they hold before they ask for more; where they get none, they
+// would free it again at their end. What has no memory is given up, and its place begins empty.
+template <class Draw>
+void AggContext::Render(const Draw& draw) {
+  try {
+    draw();
+  } catch (const std::bad_alloc&) {
+    std::construct_at(&rasterizer_, kCellBlocks);
+    std::construct_at(&scanline_);
+    std::construct_at(&spans_);
+    ClipToSurface();
+    throw;
+  }
   rasterizer_.reset();
+}
+
+void AggContext::RenderSolid(uint32_t color) {
+  Render(
+      [&] { agg::render_scanlines_aa_solid(rasterizer_, scanline_, renderer_, ColorOf(color)); });
 }
 
 // Fills what the rasteriser holds.
@@ -109,8 +129,7 @@ void AggContext::FillWithBrush() {
   const BrushData& brush = CurrentBrush()->Data();
   if (IsPattern(brush)) {
     HatchSpans hatch(ColorOf(brush.color), brush.hatch);
-    agg::render_scanlines_aa(rasterizer_, scanline_, renderer_, spans_, hatch);
-    rasterizer_.reset();
+    Render([&] { agg::render_scanlines_aa(rasterizer_, scanline_, renderer_, spans_, hatch); });
   } else {
     RenderSolid(brush.color);
   }
