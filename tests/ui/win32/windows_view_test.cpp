@@ -166,7 +166,7 @@ TEST_F(WindowsViewTest, TheCutPageMarksAFieldAndFollowsItsKeys) {
 // What a reader of the screen says of a window.
 std::u16string SpokenNameOf(HWND window) {
   Interface<IAccessible> told;
-  AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+  AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
                              told.put_void());
   VARIANT itself{};
   itself.vt = VT_I4;
