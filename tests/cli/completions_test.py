@@ -76,7 +76,7 @@ class CompletionsTest(programs.FolderTest):
         place = self.folder / "bin"
         place.mkdir()
         (place / "kerno").symlink_to(KERNO)
-        self.work = self.folder / "work"
+        self.work = self.folder / "signs"
         self.work.mkdir()
         for name in ("old sign.ipx", "notes.md", "plate.dxf"):
             (self.work / name).write_text("")
@@ -207,7 +207,7 @@ class CompletionsTest(programs.FolderTest):
                 ("kerno cut x -o \"a sign.d", "kerno cut x -o \"a sign.dxf\" "),
                 ("kerno convert --ipx o", None),
                 ("kerno page o", "kerno page outputs/"),
-                ("kerno page ~/wor", "kerno page ~/work/" if is_zsh else f"kerno page {self.folder}/work/"),
+                ("kerno page ~/sig", "kerno page ~/signs/" if is_zsh else f"kerno page {self.folder}/signs/"),
                 ("kerno settings get Dec S", "kerno settings get Dec SvgOut::Precision "),
                 ("kerno settings get Dec SvgOut::P", "kerno settings get Dec SvgOut::Precision "),
                 ("kerno cut --align=ri", "kerno cut --align=right "),
