@@ -62,11 +62,7 @@ bool ReportFaces(const CutDrawing& made, bool strict) {
                                  made.glyphs, [](const CutGlyph& glyph) { return glyph.face == 0; })
                            : face.characters > 0;
     if (!gives) continue;
-    if (face.no_embedding) {
-      ReportWarning("licence", FaceName(face) +
-                                   " does not permit embedding; its outlines were taken: check "
-                                   "what its licence permits");
-    }
+    if (face.no_embedding) WarnOfLicence(FaceName(face));
     for (const std::string& feature : face.no_features) {
       ReportWarning("--features", FaceName(face) + " has no \"" + feature + "\"");
     }
@@ -96,6 +92,12 @@ std::string CountedText(size_t count, const char* one, const char* many) {
 }
 
 // "DejaVu Sans Book"
+void WarnOfLicence(const std::string& face) {
+  ReportWarning("licence", face +
+                               " does not permit embedding; its outlines were taken: check what "
+                               "its licence permits");
+}
+
 std::string FaceName(const CutFace& face) {
   return Utf16ToUtf8(face.style.empty() ? face.family : face.family + u" " + face.style);
 }

@@ -16,6 +16,9 @@ std::string CountedText(size_t count, const char* one, const char* many);
 // "DejaVu Sans Book"
 std::string FaceName(const CutFace& face);
 
+// Tells that a face's licence may forbid to take its outlines (ForbidsOutlines).
+void WarnOfLicence(const std::string& face);
+
 // Tells of characters that are not in a drawing as they should be; false when that ends the
 // command, as it does when `strict`.
 bool ReportLost(std::string_view what, const std::vector<char32_t>& characters, bool strict);

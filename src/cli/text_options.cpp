@@ -50,9 +50,7 @@ void ReportLicence(const std::u16string& face) {
   FontData data;
   const FaceRequest family = {.family = face.substr(face.starts_with(u'@') ? 1 : 0)};
   if (!FindFontData(family, &data).ok() || !ForbidsOutlines(data)) return;
-  ReportWarning("licence", Utf16ToUtf8(face) +
-                               " does not permit embedding; its outlines were taken: check what "
-                               "its licence permits");
+  WarnOfLicence(Utf16ToUtf8(face));
 }
 
 }  // namespace
