@@ -62,6 +62,10 @@ if [ -s "$log" ]; then
 else
   printf '%s\n' "$rows $shard $command" > "$log.command"
 fi
+# The lines are quoted for this shell, whatever the login shell of a host is. A host that knows none (SHELL
+# is not set) would run nothing and call it a success.
+SHELL=/bin/sh
+export SHELL
 # Finished command lines, ended by NUL: fields such as {1} would be places in a template of parallel.
 first=1
 while [ "$first" -le "$rows" ]; do
@@ -69,4 +73,4 @@ while [ "$first" -le "$rows" ]; do
   [ "$last" -le "$rows" ] || last=$rows
   printf '%s--rows %s-%s --resume --jobs 1 --quiet\0' "$command" "$first" "$last"
   first=$((last + 1))
-done | parallel --null --sshloginfile "$hosts" --joblog "$log" $again --retries 3 ${SSH:+--ssh "$SSH"}
+done | parallel --null --sshloginfile "$hosts" --joblog "$log" $again --env SHELL --retries 3 ${SSH:+--ssh "$SSH"}

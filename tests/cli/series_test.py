@@ -267,7 +267,7 @@ class SeriesTest(programs.FolderTest):
     @unittest.skipUnless(shutil.which("parallel"), "GNU Parallel is not installed")
     def test_hosts_get_the_arguments_as_they_are(self):
         ssh = self.folder / "ssh"
-        ssh.write_text('#!/bin/sh\nwhile [ "$1" != -- ]; do shift; done\nshift\nexec sh -c "$*"\n')
+        ssh.write_text('#!/bin/sh\nwhile [ "$1" != -- ]; do shift; done\nshift\nunset SHELL\nexec sh -c "$*"\n')
         ssh.chmod(0o755)
         (self.folder / "hosts").write_text("1/one\n1/two\n")
         script = pathlib.Path(__file__).resolve().parents[2] / "examples/cluster/hosts.sh"
