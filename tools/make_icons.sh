@@ -18,10 +18,9 @@ for size in 16 22 24 32; do
   draw $program $size icons/kerno-$size.svg
 done
 parts_file=application-x-kerno-ipx
-for size in 16 22 24; do
+for size in 16 22 24 32; do
   draw $parts_file $size icons/kerno-ipx-$size.svg
 done
-draw $parts_file 32 icons/kerno-ipx-16.svg
 for size in 48 64 128 256; do
   draw $program $size kerno.svg
   draw $parts_file $size icons/kerno-ipx.svg
