@@ -36,6 +36,7 @@ class PointSource {
       started_ = true;
       return first ? agg::path_cmd_move_to : agg::path_cmd_line_to;
     }
+    *x = *y = 0;  // read by the converters, and passed over
     if (closed_ && started_ && !ended_) {
       ended_ = true;
       return static_cast<unsigned>(agg::path_cmd_end_poly) | agg::path_flags_close;
