@@ -280,6 +280,7 @@ TEST_F(WindowsViewTest, AnotherThemeColorsTheWindowItsHintsAndItsDialogsAtOnce) 
     ReleaseDC(view->window, dc);
     for (HWND hints = nullptr;
          (hints = FindWindowExW(nullptr, hints, TOOLTIPS_CLASSW, nullptr)) != nullptr;) {
+      if (GetWindowThreadProcessId(hints, nullptr) != GetCurrentThreadId()) continue;
       found.push_back(static_cast<COLORREF>(SendMessageW(hints, TTM_GETTIPBKCOLOR, 0, 0)));
     }
     ProgressWindow progress(GetModuleHandleW(nullptr), view->window, ProgressWindow::Owner::kFree);
