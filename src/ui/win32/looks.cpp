@@ -380,7 +380,7 @@ void ApplyLooks(HWND window) {
   const BOOL dark = IsDark();
   (void)DwmSetWindowAttribute(window, kDarkTitle, &dark,
                               sizeof dark);  // before Windows 10 2004: none
-  SetWindowSubclass(window, DarkProc, kSubclass, 0);
+  ApplyTo(window, L"DarkMode_Explorer");
   EnumChildWindows(window, ApplyToChild, 0);
   RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }

@@ -120,6 +120,7 @@ void MainWindow::ShowLooks() {
   ApplyLooksToMenu(menu_);
   ApplyLooks(window_);
   ApplyLooksToHints(hints_);
+  if (suggestions_) ApplyLooks(suggestions_->list());
   DrawMenuBar(window_);
   if (cut_page_) cut_page_->ShowLooks();
   if (presenter_) presenter_->ShowLooksAgain();
