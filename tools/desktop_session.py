@@ -193,6 +193,9 @@ class WindowsSession(DesktopSession):
     def command(self, program, arguments):
         return [windows_run.RUNNER, str(program), *arguments]
 
+    def choose_cut(self):
+        self.key("shift+Tab", "Right")  # the arrow chooses, and the keyboard goes to the text
+
     def name_of(self, path):
         return "Z:" + str(path).replace("/", "\\")
 
