@@ -11,4 +11,5 @@ add_library(kerno_shared SHARED
 set_target_properties(kerno_shared PROPERTIES OUTPUT_NAME kerno PREFIX "" LINKER_LANGUAGE CXX)
 target_link_libraries(kerno_shared PRIVATE kerno_app kerno_options)
 target_include_directories(kerno_shared PRIVATE ${PROJECT_SOURCE_DIR}/src INTERFACE ${CMAKE_CURRENT_SOURCE_DIR})
+target_link_options(kerno_shared PRIVATE LINKER:-e,KernoEntry)
 kerno_windows_resources(kerno_shared kerno.rc)
