@@ -49,6 +49,10 @@ class DesktopSession:
         """How the program is started."""
         return [str(program), *arguments]
 
+    def name_of(self, path):
+        """A file as the program names it."""
+        return str(path)
+
     def output_folder(self):
         return self.home / "tmp" / "Kerno.tmp"
 
@@ -188,6 +192,12 @@ class WindowsSession(DesktopSession):
 
     def command(self, program, arguments):
         return [windows_run.RUNNER, str(program), *arguments]
+
+    def choose_cut(self):
+        self.key("shift+Tab", "Right")  # the arrow chooses, and the keyboard goes to the text
+
+    def name_of(self, path):
+        return "Z:" + str(path).replace("/", "\\")
 
     def output_folder(self):
         users = self.prefix / "drive_c" / "users"

@@ -418,10 +418,39 @@ class Trial:
             self.check(f"{program.name} is signed", done.returncode == 0 and "Signature verification: ok" in done.stdout,
                        done.stdout)
         self.uninstall("/DELETESETTINGS")
+        signed = self.unpacked_zip("signed", SIGN_KEY=str(key), SIGN_CERTIFICATE=str(certificate),
+                                   SIGN_PASSWORD_FILE=str(password)) / "library/kerno.dll"
+        done = subprocess.run(["osslsigncode", "verify", "-CAfile", certificate, "-in", signed], check=False,
+                              capture_output=True, text=True)
+        self.check("the library of the zip is signed", done.returncode == 0, done.stdout)
+
+    def unpacked_zip(self, name, **signing):
+        """The folder that a zip unpacks to."""
+        packed = self.out / f"{name}.zip"
+        subprocess.run(["sh", str(ROOT / "packaging/windows/make_zip.sh"), str(self.build), str(packed)], check=True,
+                       stdout=subprocess.DEVNULL, env={**os.environ, **signing})
+        shutil.unpack_archive(packed, self.out / name)
+        return self.out / name / "kerno"
+
+    def library(self):
+        """A program built with what the zip has, and nothing else of Kerno's."""
+        home = self.unpacked_zip("unpacked")
+        files = home / "library"
+        program, made, wanted = files / "sign.exe", self.out / "sign.dxf", self.out / "wanted.dxf"
+        subprocess.run(["x86_64-w64-mingw32-gcc", "-I", files, home / "examples/c/sign.c", "-L", files, "-lkerno", "-o",
+                        program], check=True)
+        status, out = self.prefix.run(program, windows_name(made))
+        subprocess.run([self.kerno, "cut", "Open", "--face", "DejaVu Sans", "--cap-height", "40mm", "--quiet", "-o", wanted],
+                       check=True, env=self.prefix.environment)
+        self.check("a program with the library of the zip draws as on Linux",
+                   status == DONE and made.read_bytes() == wanted.read_bytes(), out)
+        self.check("the list of functions for other linkers is that of the library",
+                   set((files / "kerno.def").read_text(encoding="ascii").split()[3:]) ==
+                   set(re.findall(r"^    (\w+);", (ROOT / "src/api/kerno.map").read_text(encoding="utf-8"), re.M)))
 
     def programs(self):
         """The loader may place them anywhere, their data never runs, and no time of the build is in them."""
-        for name in ("cli/kerno.exe", "ui/win32/kerno-desktop.exe", "setup/kerno-setup-helper.exe"):
+        for name in ("cli/kerno.exe", "ui/win32/kerno-desktop.exe", "setup/kerno-setup-helper.exe", "api/kerno.dll"):
             listing = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", self.build / "src" / name], check=True,
                                      capture_output=True, text=True).stdout
             flags = {"DYNAMIC_BASE", "NX_COMPAT", "HIGH_ENTROPY_VA"} - set(listing.split())
@@ -508,7 +537,7 @@ class Trial:
         for step, *words in (
                 (self.first_installation,), (self.use,), (self.open_parts_file,), (self.upgrade,),
                 (self.uninstallation, before), (self.other_folder, before), (self.other_program, before),
-                (self.long_path,), (self.bad_places, before), (self.signature,), (self.programs,),
+                (self.long_path,), (self.bad_places, before), (self.signature,), (self.library,), (self.programs,),
                 (self.pages, "english", 1033), (self.pages, "japanese", 1041), (self.pages, "german", 1031)):
             try:
                 step(*words)

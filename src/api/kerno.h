@@ -10,7 +10,8 @@
  * Units and directions: coordinates are in the sign's unit (millimetres, or inches where the option
  * "unit" says "in"), x to the right, y up. Angles are counter-clockwise.
  *
- * Texts are UTF-8 that ends with a NUL. Names of files are bytes as the system has them.
+ * Texts are UTF-8 that ends with a NUL. Names of files are bytes as the system has them, on Windows
+ * UTF-8.
  *
  * Failure: a function that answers int answers KERNO_OK or another KernoResult; kerno_message()
  * then tells in words what is wrong, and why. What such a function was to fill is as it was. A sign
@@ -30,7 +31,11 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#ifdef _WIN32
+#define KERNO_API /* kerno.dll lists what it shows, and its import library the same */
+#else
 #define KERNO_API __attribute__((visibility("default")))
+#endif
 
 #ifdef __cplusplus
 extern "C" {

@@ -67,6 +67,14 @@ bool IsButton(ControlKind kind) {
 constexpr CutSection kPanelSections[] = {CutSection::kText, CutSection::kFace, CutSection::kSize,
                                          CutSection::kPaths, CutSection::kSeries};
 
+// What stands for a sign that the interface's font lacks, the best first.
+struct Sign {
+  wchar_t sign;
+  std::wstring_view others;
+};
+constexpr Sign kSigns[] = {{L'▾', L"▼v"}, {L'◀', L"◄<"}, {L'▶', L"►>"}, {L'−', L"-"}};
+constexpr WORD kNoGlyph = 0xFFFF;
+
 void SetText(HWND window, std::u16string_view text) {
   if (window != nullptr) SetWindowTextW(window, ToWide(text).c_str());
 }
@@ -195,6 +203,37 @@ void CutPage::MakeAccelerators() {
   accelerators_ = CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size()));
 }
 
+// A sign is spoken as what it does. Empty where the control's own text is its name.
+std::u16string CutPage::SpokenName(const CutControlRow& row) {
+  if (row.kind == ControlKind::kFigure || row.kind == ControlKind::kLinks) return {};
+  std::u16string name = WithoutMnemonic(Say(NameOf(row)));
+  const bool is_word = !name.empty() && IsCharAlphaNumericW(ToWide(name)[0]);
+  if (!is_word) return Say(row.hint);
+  return IsButton(row.kind) ? std::u16string() : name;
+}
+
+// Signs of buttons as the font has them: it is not asked of others what it lacks.
+void CutPage::ShowSigns() {
+  const HDC dc = GetDC(window_);
+  const HGDIOBJ before = SelectObject(dc, font_);
+  for (const auto& [sign, others] : kSigns) {
+    std::wstring shown(1, sign);
+    for (const wchar_t other : others) {
+      WORD glyph = 0;
+      GetGlyphIndicesW(dc, shown.c_str(), 1, &glyph, GGI_MARK_NONEXISTING_GLYPHS);
+      if (glyph != kNoGlyph) break;
+      shown.assign(1, other);
+    }
+    for (const auto& [id, made] : made_) {
+      if (IsButton(made.row->kind) && FromWide(std::wstring(1, sign)) == made.row->caption) {
+        SetWindowTextW(made.window, shown.c_str());
+      }
+    }
+  }
+  SelectObject(dc, before);
+  ReleaseDC(window_, dc);
+}
+
 void CutPage::Show(bool shown) {
   ShowWindow(window_, shown ? SW_SHOW : SW_HIDE);
 }
@@ -220,9 +259,8 @@ void CutPage::ShowCaptions() {
       SendMessageW(made.window, EM_SETCUEBANNER, FALSE,
                    reinterpret_cast<LPARAM>(ToWide(hint).c_str()));
     }
-    const std::u16string name = WithoutMnemonic(Say(NameOf(row)));
-    const bool is_word = !name.empty() && IsCharAlphaNumericW(ToWide(name)[0]);
-    if (!IsButton(row.kind)) NameControl(made.window, is_word ? name : hint);
+    const std::u16string name = SpokenName(row);
+    if (!name.empty()) NameControl(made.window, name);
   }
   SetText(cancel_, Say(u"Cancel"));
   LayOutSoon();
@@ -262,6 +300,7 @@ void CutPage::ShowFont(const LOGFONTW& font, int dpi) {
       SendMessageW(Of(ControlId::kAlign).window, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0);
   SendMessageW(colors, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), item);
   SendMessageW(colors, CB_SETITEMHEIGHT, 0, Scaled(20));
+  ShowSigns();
   ShowLooks();
   LayOut();
 }

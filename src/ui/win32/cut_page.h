@@ -108,6 +108,8 @@ class CutPage final : public CutView {
   HWND MakeWindow(HWND parent, DWORD style, int id);
   void MakeControl(const CutControlRow& row);
   void MakeAccelerators();
+  static std::u16string SpokenName(const CutControlRow& row);
+  void ShowSigns();
   const Made& Of(ControlId id) const { return made_.at(id); }
   Made& Of(ControlId id) { return made_.at(id); }
   HWND ParentOf(CutSection section) const;

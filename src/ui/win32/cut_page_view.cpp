@@ -263,6 +263,7 @@ void CutPage::ShowLooks() {
   const ScopedFlag writing(shows_);
   const std::u16string face = FromWide(description_.lfFaceName);
   text_->ShowFormat(face, LookColor(COLOR_WINDOWTEXT), dpi_);
+  ApplyLooksToHints(hints_);
 }
 
 }  // namespace kerno

@@ -5,6 +5,7 @@
 #include "app/captions.h"
 #include "platform/win32/wide_text.h"
 #include "ui/win32/interface.h"
+#include "ui/win32/looks.h"
 #include "ui/win32/resource.h"
 #include "ui/win32/window_text.h"
 #include "ui/win32/windows_controls.h"
@@ -61,6 +62,7 @@ struct NameQuestion {
 };
 
 INT_PTR CALLBACK NameProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+  if (const auto answer = AnswerInLooks(window, message, wparam, lparam)) return *answer;
   if (message == WM_INITDIALOG) {
     SetWindowLongPtrW(window, GWLP_USERDATA, lparam);
     const auto& question = *reinterpret_cast<const NameQuestion*>(lparam);

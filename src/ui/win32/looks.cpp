@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <iterator>
 #include <string>
 #include <utility>
@@ -19,7 +20,9 @@ namespace {
 constexpr UINT_PTR kSubclass = 0x4C6F;
 constexpr wchar_t kFault[] = L"KernoFault";
 constexpr COLORREF kRed = RGB(200, 30, 30);
+constexpr COLORREF kLink = RGB(0, 90, 180);
 constexpr COLORREF kLinkOnDark = RGB(110, 175, 255);
+constexpr int kReadable = 90;  // lightness between a word and its ground, of 255
 constexpr COLORREF kRedOnDark = RGB(255, 110, 110);
 constexpr DWORD kDarkTitle = 20;  // DWMWA_USE_IMMERSIVE_DARK_MODE
 
@@ -33,6 +36,7 @@ constexpr DarkColor kDark[] = {
     {COLOR_GRAYTEXT, RGB(140, 140, 145)},      {COLOR_HIGHLIGHT, RGB(0, 95, 184)},
     {COLOR_HIGHLIGHTTEXT, RGB(255, 255, 255)}, {COLOR_BTNSHADOW, RGB(92, 92, 97)},
     {COLOR_3DLIGHT, RGB(62, 62, 66)},          {COLOR_BTNHIGHLIGHT, RGB(78, 78, 83)},
+    {COLOR_INFOBK, RGB(56, 56, 60)},           {COLOR_INFOTEXT, RGB(240, 240, 240)},
 };
 
 struct Looks {
@@ -95,6 +99,18 @@ void DrawArrow(HDC dc, const RECT& place, int size, int down, COLORREF color) {
                           {x, y + down * size / 2},
                           {x + size + 1, y - down * (size / 2 + 1)}};
   Polyline(dc, color, std::max(1, size / 3), points, 3);
+}
+
+int Lightness(COLORREF color) {
+  return (299 * GetRValue(color) + 587 * GetGValue(color) + 114 * GetBValue(color)) / 1000;
+}
+
+// The system's own, where that can be read: some schemes have it almost as light as the ground.
+COLORREF LinkColor() {
+  if (IsDark()) return kLinkOnDark;
+  const COLORREF own = GetSysColor(COLOR_HOTLIGHT);
+  const int apart = Lightness(GetSysColor(COLOR_BTNFACE)) - Lightness(own);
+  return std::abs(apart) < kReadable ? kLink : own;
 }
 
 COLORREF TextColorOf(HWND control) {
@@ -177,6 +193,48 @@ void PaintEdge(HWND control) {
   DeleteObject(red);
 }
 
+// Systems before Windows 10 1809 draw light scroll bars only.
+bool HasDarkScrollBars() {
+  static const bool has = [] {
+    const HTHEME theme = OpenThemeData(nullptr, L"DarkMode_Explorer::ScrollBar");
+    if (theme != nullptr) CloseThemeData(theme);
+    return theme != nullptr;
+  }();
+  return has;
+}
+
+void PaintScrollBar(HWND window) {
+  SCROLLBARINFO bar{};
+  bar.cbSize = sizeof bar;
+  if (!GetScrollBarInfo(window, static_cast<LONG>(OBJID_VSCROLL), &bar)) return;
+  if ((bar.rgstate[0] & (STATE_SYSTEM_INVISIBLE | STATE_SYSTEM_OFFSCREEN)) != 0) return;
+  RECT frame{};
+  GetWindowRect(window, &frame);
+  RECT track = bar.rcScrollBar;
+  OffsetRect(&track, -frame.left, -frame.top);
+  const bool moves = (bar.rgstate[0] & STATE_SYSTEM_UNAVAILABLE) == 0;
+  const COLORREF ink = LookColor(moves ? COLOR_BTNTEXT : COLOR_GRAYTEXT);
+  const int size = MulDiv(3, DensityOf(window), 96);
+  const HDC dc = GetWindowDC(window);
+  FillRect(dc, &track, LookBrush(COLOR_BTNFACE));
+  const RECT up = {track.left, track.top, track.right, track.top + bar.dxyLineButton};
+  const RECT down = {track.left, track.bottom - bar.dxyLineButton, track.right, track.bottom};
+  DrawArrow(dc, up, size, -1, ink);
+  DrawArrow(dc, down, size, 1, ink);
+  const RECT thumb = {track.left + 2, track.top + bar.xyThumbTop, track.right - 2,
+                      track.top + bar.xyThumbBottom};
+  if (moves && thumb.bottom > thumb.top) FillRect(dc, &thumb, LookBrush(COLOR_BTNSHADOW));
+  ReleaseDC(window, dc);
+}
+
+// Whether the system may have drawn the scroll bar within the message.
+bool ShowsScrollBar(UINT message) {
+  constexpr UINT kMessages[] = {WM_NCPAINT,      WM_PAINT,     WM_VSCROLL,       WM_MOUSEWHEEL,
+                                WM_KEYDOWN,      WM_CHAR,      WM_NCLBUTTONDOWN, WM_NCMOUSEMOVE,
+                                WM_NCMOUSELEAVE, WM_MOUSEMOVE, WM_LBUTTONDOWN};
+  return std::find(std::begin(kMessages), std::end(kMessages), message) != std::end(kMessages);
+}
+
 // What no item of the menu bar covers, and the light line under the bar.
 void PaintBarRest(HWND window) {
   const HMENU menu = GetMenu(window);
@@ -208,26 +266,46 @@ LRESULT CALLBACK DarkProc(HWND window, UINT message, WPARAM wparam, LPARAM lpara
   if (!IsDark() && GetPropW(window, kFault) == nullptr)
     return DefSubclassProc(window, message, wparam, lparam);
   if (IsDark() && message == WM_PAINT && wparam == 0) {
-    if (IsOfClass(window, L"COMBOBOX")) return PaintCombo(window), 0;
+    if (IsOfClass(window, L"COMBOBOX")) {
+      PaintCombo(window);
+      if (GetPropW(window, kFault) != nullptr) PaintEdge(window);
+      return 0;
+    }
     if (IsOfClass(window, UPDOWN_CLASSW)) return PaintUpDown(window), 0;
   }
   const LRESULT result = DefSubclassProc(window, message, wparam, lparam);
-  if (message == WM_NCPAINT && (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0) {
-    PaintEdge(window);
-  }
+  const bool is_edge = (GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) != 0
+                           ? message == WM_NCPAINT
+                           : message == WM_PAINT && GetPropW(window, kFault) != nullptr;
+  if (is_edge) PaintEdge(window);
+  if (!IsDark()) return result;
+  const bool has_bar = (GetWindowLongPtrW(window, GWL_STYLE) & WS_VSCROLL) != 0;
+  if (has_bar && ShowsScrollBar(message) && !HasDarkScrollBars()) PaintScrollBar(window);
   const bool is_frame = message == WM_NCPAINT || message == WM_NCACTIVATE;
   if (is_frame && (GetWindowLongPtrW(window, GWL_STYLE) & WS_CHILD) == 0) PaintBarRest(window);
   return result;
 }
 
+void ApplyTo(HWND window, const wchar_t* dark_theme) {
+  SetWindowTheme(window, IsDark() ? dark_theme : nullptr, nullptr);
+  SetWindowSubclass(window, DarkProc, kSubclass, 0);
+}
+
+// Colours of its own are taken by one without a theme only.
+void ApplyToProgress(HWND bar) {
+  const wchar_t* const theme = IsDark() ? L"" : nullptr;
+  SetWindowTheme(bar, theme, theme);
+  SendMessageW(bar, PBM_SETBKCOLOR, 0, IsDark() ? LookColor(COLOR_WINDOW) : CLR_DEFAULT);
+  SendMessageW(bar, PBM_SETBARCOLOR, 0, IsDark() ? LookColor(COLOR_HIGHLIGHT) : CLR_DEFAULT);
+}
+
 BOOL CALLBACK ApplyToChild(HWND child, LPARAM /*unused*/) {
-  const bool is_combo = IsOfClass(child, L"COMBOBOX");
-  SetWindowTheme(child,
-                 !IsDark()  ? nullptr
-                 : is_combo ? L"DarkMode_CFD"
-                            : L"DarkMode_Explorer",
-                 nullptr);
-  SetWindowSubclass(child, DarkProc, kSubclass, 0);
+  if (IsOfClass(child, PROGRESS_CLASSW)) return ApplyToProgress(child), TRUE;
+  COMBOBOXINFO parts{};
+  parts.cbSize = sizeof parts;
+  if (!GetComboBoxInfo(child, &parts)) return ApplyTo(child, L"DarkMode_Explorer"), TRUE;
+  ApplyTo(child, L"DarkMode_CFD");
+  ApplyTo(parts.hwndList, L"DarkMode_Explorer");
   return TRUE;
 }
 
@@ -302,9 +380,40 @@ void ApplyLooks(HWND window) {
   const BOOL dark = IsDark();
   (void)DwmSetWindowAttribute(window, kDarkTitle, &dark,
                               sizeof dark);  // before Windows 10 2004: none
-  SetWindowSubclass(window, DarkProc, kSubclass, 0);
+  ApplyTo(window, L"DarkMode_Explorer");
   EnumChildWindows(window, ApplyToChild, 0);
   RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+}
+
+// Colours of their own are taken by hints without a theme only.
+void ApplyLooksToHints(HWND hints) {
+  const wchar_t* const theme = IsDark() ? L"" : nullptr;
+  SetWindowTheme(hints, theme, theme);
+  SendMessageW(hints, TTM_SETTIPBKCOLOR, LookColor(COLOR_INFOBK), 0);
+  SendMessageW(hints, TTM_SETTIPTEXTCOLOR, LookColor(COLOR_INFOTEXT), 0);
+}
+
+std::optional<INT_PTR> AnswerInLooks(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
+  switch (message) {
+    case WM_INITDIALOG:
+      ApplyLooks(dialog);
+      return std::nullopt;
+    case WM_CTLCOLORDLG:
+    case WM_CTLCOLORBTN:
+    case WM_CTLCOLOREDIT:
+    case WM_CTLCOLORLISTBOX:
+    case WM_CTLCOLORSTATIC:
+      if (!IsDark()) return std::nullopt;
+      return reinterpret_cast<INT_PTR>(ControlBrush(message, reinterpret_cast<HDC>(wparam)));
+    case WM_NOTIFY: {
+      const auto& header = *reinterpret_cast<const NMHDR*>(lparam);
+      if (header.code != NM_CUSTOMDRAW || !DrawDarkButton(header)) return std::nullopt;
+      SetWindowLongPtrW(dialog, DWLP_MSGRESULT, CDRF_SKIPDEFAULT);
+      return TRUE;
+    }
+    default:
+      return std::nullopt;
+  }
 }
 
 void MarkFault(HWND field, bool at_fault) {
@@ -370,7 +479,7 @@ bool DrawLinkButton(const NMHDR& header) {
   const HFONT underlined = CreateFontIndirectW(&font);
   const HGDIOBJ before = SelectObject(draw.hdc, underlined);
   SetBkMode(draw.hdc, TRANSPARENT);
-  SetTextColor(draw.hdc, IsDark() ? kLinkOnDark : GetSysColor(COLOR_HOTLIGHT));
+  SetTextColor(draw.hdc, LinkColor());
   const std::wstring caption = ToWide(TextOfWindow(button));
   DrawTextW(draw.hdc, caption.c_str(), -1, &place, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
   SelectObject(draw.hdc, before);

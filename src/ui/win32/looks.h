@@ -2,6 +2,8 @@
 // programs dark. A high-contrast scheme is always the system's own.
 #pragma once
 
+#include <optional>
+
 #include "platform/win32/windows_api.h"
 
 namespace kerno {
@@ -16,6 +18,12 @@ HBRUSH LookBrush(int part);
 
 // Prepares a window and all that stands in it, again after each change of the looks.
 void ApplyLooks(HWND window);
+
+void ApplyLooksToHints(HWND hints);
+
+// What the procedure of a dialog asks first: its answer to the message where colours are all that
+// this is about.
+std::optional<INT_PTR> AnswerInLooks(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam);
 
 // Frames a field red, or as usual.
 void MarkFault(HWND field, bool at_fault);

@@ -144,7 +144,6 @@ class MainWindow final : private DialogView {
   void QueueMessage(WaitingMessage message);
   void ShowWaitingMessages();
   WindowRect FirstPlace() const;
-  HBRUSH FaultBrush(HDC dc, HWND edit) const;
   bool EndsShortcut(const MSG& message);
   bool SwallowsEscape(const MSG& message) const;
 
@@ -176,10 +175,10 @@ class MainWindow final : private DialogView {
   bool shows_message_ = false;  // a message box stands
   bool alt_was_used_ = false;   // with another key, since it went down
   bool ready_ = false;          // the controls are there
+  bool is_placed_ = false;      // no longer where the system has put it
   bool opens_maximised_ = false;
   std::set<ControlId> hidden_;  // controls of Classic that are not offered
   WindowMode mode_ = WindowMode::kClassic;
-  std::set<ControlId> faults_;  // the fields whose texts cannot be used
   StatusKind status_kind_ = StatusKind::kNormal;
   std::vector<WaitingMessage> messages_;  // to be shown when the event under way is over
 };

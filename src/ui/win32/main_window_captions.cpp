@@ -30,27 +30,9 @@ void MainWindow::ShowCaptions() {
 }
 
 void MainWindow::ShowFault(ControlId id, std::u16string_view why) {
-  if (why.empty()) {
-    faults_.erase(id);
-  } else {
-    faults_.insert(id);
-  }
   const std::u16string hint = why.empty() ? Say(kerno::Control(id).hint) : std::u16string(why);
   ShowHint(hints_, window_, Item(id), hint);
-  InvalidateRect(Item(id), nullptr, TRUE);
-}
-
-// The ground of a field whose text cannot be used as it stands; null for others.
-HBRUSH MainWindow::FaultBrush(HDC dc, HWND edit) const {
-  constexpr COLORREF kPaper = RGB(255, 215, 215), kInk = RGB(120, 0, 0);
-  for (const ControlId id : faults_) {
-    if (edit != Item(id) && GetParent(edit) != Item(id)) continue;
-    SetTextColor(dc, kInk);
-    SetBkColor(dc, kPaper);
-    SetDCBrushColor(dc, kPaper);
-    return static_cast<HBRUSH>(GetStockObject(DC_BRUSH));
-  }
-  return nullptr;
+  MarkFault(Item(id), !why.empty());
 }
 
 }  // namespace kerno

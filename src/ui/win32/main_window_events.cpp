@@ -112,9 +112,6 @@ INT_PTR MainWindow::Receive(UINT message, WPARAM wparam, LPARAM lparam) {
 }
 
 HBRUSH MainWindow::GroundOf(UINT message, HDC dc, HWND control) const {
-  if (message == WM_CTLCOLOREDIT) {
-    if (const HBRUSH fault = FaultBrush(dc, control)) return fault;
-  }
   if (control == Item(ControlId::kStatus)) return StatusBrush(dc, status_kind_);
   return IsDark() ? ControlBrush(message, dc) : nullptr;
 }
@@ -122,6 +119,8 @@ HBRUSH MainWindow::GroundOf(UINT message, HDC dc, HWND control) const {
 void MainWindow::ShowLooks() {
   ApplyLooksToMenu(menu_);
   ApplyLooks(window_);
+  ApplyLooksToHints(hints_);
+  if (suggestions_) ApplyLooks(suggestions_->list());
   DrawMenuBar(window_);
   if (cut_page_) cut_page_->ShowLooks();
   if (presenter_) presenter_->ShowLooksAgain();

@@ -10,6 +10,7 @@
 #include "platform/win32/wide_text.h"
 #include "ui/win32/control_hints.h"
 #include "ui/win32/file_questions.h"
+#include "ui/win32/looks.h"
 #include "ui/win32/main_window.h"
 #include "ui/win32/resource.h"
 #include "ui/win32/windows_controls.h"
@@ -23,6 +24,7 @@ struct AboutTexts {
 };
 
 INT_PTR CALLBACK AboutProc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+  if (const auto answer = AnswerInLooks(window, message, wparam, lparam)) return *answer;
   if (message == WM_INITDIALOG) {
     const auto& texts = *reinterpret_cast<const AboutTexts*>(lparam);
     SetWindowTextW(window, ToWide(Say(u"About Kerno")).c_str());
@@ -149,6 +151,7 @@ void MainWindow::CallWhenDue(int milliseconds) {
 }
 
 WindowPlace MainWindow::PlaceOfWindow() const {
+  if (!is_placed_) return {.normal = FirstPlace(), .show = WindowShow::kNormal};
   WINDOWPLACEMENT placement{};
   placement.length = sizeof placement;
   GetWindowPlacement(window_, &placement);
@@ -192,6 +195,7 @@ void MainWindow::PlaceWindow(const WindowPlace& place) {
   SetWindowPos(window_, nullptr, rect.left, rect.top, rect.right - rect.left,
                rect.bottom - rect.top, SWP_NOZORDER | SWP_NOACTIVATE);
   opens_maximised_ = place.show == WindowShow::kMaximised;
+  is_placed_ = true;
 }
 
 std::vector<WindowRect> MainWindow::Screens() const {

@@ -5,6 +5,7 @@
 #include "app/captions.h"
 #include "app/controls.h"
 #include "platform/win32/wide_text.h"
+#include "ui/win32/looks.h"
 #include "ui/win32/resource.h"
 #include "ui/win32/windows_controls.h"
 
@@ -26,6 +27,7 @@ ProgressWindow::~ProgressWindow() {
 
 INT_PTR CALLBACK ProgressWindow::DialogProc(HWND window, UINT message, WPARAM wparam,
                                             LPARAM lparam) {
+  if (const auto answer = AnswerInLooks(window, message, wparam, lparam)) return *answer;
   if (message == WM_INITDIALOG) {
     SetWindowLongPtrW(window, GWLP_USERDATA, lparam);
     SendDlgItemMessageW(window, KERNO_PROGRESS_BAR, PBM_SETRANGE32, 0, kSteps);

@@ -3,13 +3,18 @@
 
 #include <functional>
 
+#include "base/text.h"
+#include "export/formats.h"
 #include "support/recording_cut_view.h"
 #include "support/recording_view.h"
 #include "support/temporary_folder.h"
+#include "ui/win32/progress_window.h"
 #include "view_driver.h"
 
 namespace kerno::test {
 namespace {
+
+constexpr int kMostWaits = 6000;  // a minute; only a failure takes as long
 
 class WindowsViewTest : public testing::Test {
  protected:
@@ -228,6 +233,178 @@ TEST_F(WindowsViewTest, PartsOfANameOfferTheFacesThatHoldThem) {
     view->Pump();
     EXPECT_EQ(view->TextOf(ControlId::kFace), view->LooksOf(ControlId::kText).face);
   }
+}
+
+// Windows that stand already; nothing of an earlier run is kept.
+class LaterServices final : public FakeDialogServices {
+ public:
+  int before = 0;
+  int WindowsBefore() override { return before; }
+};
+
+TEST_F(WindowsViewTest, ASecondWindowIsAsLargeAsTheFirstAndStandsBesideIt) {
+  RECT first{};
+  for (const int before : {0, 1}) {
+    LaterServices later;
+    later.before = before;
+    const ViewDriver driver(later, cut_services);
+    RECT place{};
+    GetWindowRect(driver.window, &place);
+    if (before == 0) {
+      first = place;
+      continue;
+    }
+    EXPECT_EQ(first.right - first.left, place.right - place.left);
+    EXPECT_EQ(first.bottom - first.top, place.bottom - place.top);
+    EXPECT_GE(place.top - first.top, GetSystemMetrics(SM_CYCAPTION));
+    EXPECT_GE(place.left - first.left, GetSystemMetrics(SM_CYCAPTION));
+  }
+}
+
+// Says that the user wants programs dark, or light, as the system's settings do.
+void ChooseTheme(HWND window, DWORD light) {
+  RegSetKeyValueW(HKEY_CURRENT_USER,
+                  L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize",
+                  L"AppsUseLightTheme", REG_DWORD, &light, sizeof light);
+  SendMessageW(window, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"ImmersiveColorSet"));
+}
+
+TEST_F(WindowsViewTest, AnotherThemeColorsTheWindowItsHintsAndItsDialogsAtOnce) {
+  Show();
+  const auto grounds = [&] {
+    std::vector<COLORREF> found;
+    const HDC dc = GetDC(view->window);
+    SendMessageW(view->window, WM_CTLCOLORDLG, reinterpret_cast<WPARAM>(dc),
+                 reinterpret_cast<LPARAM>(view->window));
+    found.push_back(GetBkColor(dc));
+    ReleaseDC(view->window, dc);
+    for (HWND hints = nullptr;
+         (hints = FindWindowExW(nullptr, hints, TOOLTIPS_CLASSW, nullptr)) != nullptr;) {
+      if (GetWindowThreadProcessId(hints, nullptr) != GetCurrentThreadId()) continue;
+      found.push_back(static_cast<COLORREF>(SendMessageW(hints, TTM_GETTIPBKCOLOR, 0, 0)));
+    }
+    ProgressWindow progress(GetModuleHandleW(nullptr), view->window, ProgressWindow::Owner::kFree);
+    (void)progress.Show(u"A", 0.5);
+    const HWND dialog = GetLastActivePopup(view->window);
+    const HDC of_dialog = GetDC(dialog);
+    SendMessageW(dialog, WM_CTLCOLORDLG, reinterpret_cast<WPARAM>(of_dialog),
+                 reinterpret_cast<LPARAM>(dialog));
+    found.push_back(GetBkColor(of_dialog));
+    ReleaseDC(dialog, of_dialog);
+    return found;
+  };
+  const auto is_dark = [](COLORREF color) { return GetGValue(color) < 100; };
+  for (const bool dark : {false, true, false}) {
+    ChooseTheme(view->window, dark ? 0 : 1);
+    const std::vector<COLORREF> found = grounds();
+    EXPECT_EQ(4u, found.size()) << "of the window, the hints of both pages, a dialog";
+    for (const COLORREF color : found) EXPECT_EQ(dark, is_dark(color)) << std::hex << color;
+  }
+}
+
+TEST_F(WindowsViewTest, AFieldOfClassicThatIsNoNumberHasARedFrame) {
+  Show();
+  const auto has_red_frame = [&](ControlId id) {
+    UpdateWindow(view->Item(id));
+    const HDC dc = GetWindowDC(view->Item(id));
+    const COLORREF edge = GetPixel(dc, 0, 0);
+    ReleaseDC(view->Item(id), dc);
+    return GetRValue(edge) > 2 * GetGValue(edge) && GetRValue(edge) > 2 * GetBValue(edge);
+  };
+  for (const auto& [text, at_fault] : {std::pair(u"12x", true), {u"120", false}}) {
+    view->TypeOver(ControlId::kHeightEdit, text);
+    view->Pump();
+    EXPECT_EQ(at_fault, has_red_frame(ControlId::kHeightEdit)) << at_fault;
+    EXPECT_EQ(at_fault, has_red_frame(ControlId::kHeightList)) << at_fault;
+    EXPECT_FALSE(has_red_frame(ControlId::kText));
+  }
+}
+
+TEST_F(WindowsViewTest, SignsOfButtonsAreThereInTheFontOfEachLanguage) {
+  Show();
+  CutPage& page = view->main.cut_page();
+  for (const MenuCommand language : {MenuCommand::kLanguageEnglish, MenuCommand::kLanguageGerman,
+                                     MenuCommand::kLanguageJapanese}) {
+    view->presenter().Chosen(language);
+    for (const CutControlRow& row : CutControls()) {
+      const HWND button = page.control(row.id);
+      const std::wstring sign = ToWide(TextOfWindow(button));
+      if (std::u16string_view(row.caption).size() != 1) continue;
+      const HDC dc = GetDC(button);
+      SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(button, WM_GETFONT, 0, 0)));
+      WORD glyph = 0;
+      GetGlyphIndicesW(dc, sign.c_str(), 1, &glyph, GGI_MARK_NONEXISTING_GLYPHS);
+      ReleaseDC(button, dc);
+      EXPECT_NE(0xFFFF, glyph) << static_cast<int>(row.id) << " in " << static_cast<int>(language);
+    }
+  }
+}
+
+TEST_F(WindowsViewTest, AListAndAFontAreDroppedOnTheCutPageAndItsSlidersChangeTheDrawing) {
+  const TemporaryFolder folder;
+  cut_services.folder = folder.path();
+  Show();
+  view->Click(ControlId::kModeCut);
+  CutPage& page = view->main.cut_page();
+  const auto width = [&] {
+    for (int i = 0; i < kMostWaits && page.presenter().drawing() == nullptr; ++i) view->Wait();
+    return page.presenter().drawing()->ink.max.x - page.presenter().drawing()->ink.min.x;
+  };
+  view->DropOnText(std::filesystem::path(KERNO_FONTS "/inter-vf/Inter.var.ttf"));
+  SetWindowTextW(page.control(ControlId::kCutText), L"Weight");
+  view->Pump();
+  const HWND host = page.control(ControlId::kAxes);
+  const HWND slider = FindWindowExW(host, nullptr, TRACKBAR_CLASSW, nullptr);
+  ASSERT_NE(nullptr, slider) << "the font has axes";
+  const double light = width();
+  SendMessageW(slider, TBM_SETPOS, TRUE, SendMessageW(slider, TBM_GETRANGEMAX, 0, 0));
+  SendMessageW(host, WM_HSCROLL, TB_ENDTRACK, reinterpret_cast<LPARAM>(slider));
+  for (int i = 0; i < kMostWaits && width() < light * 1.05; ++i) view->Wait();
+  EXPECT_GT(width(), light * 1.05);
+
+  WriteBytes(folder / "list.csv", "name,number\r\nAnn,1\r\nBob,2\r\n");
+  view->DropOnText(folder / "list.csv");
+  EXPECT_EQ(u"{name}\r\n{number}", TextOfWindow(page.control(ControlId::kCutText)));
+  EXPECT_TRUE(IsWindowVisible(page.control(ControlId::kSeriesWrite)));
+}
+
+TEST_F(WindowsViewTest, WhatIsCopiedAsSvgIsTheFile) {
+  const TemporaryFolder folder;
+  cut_services.folder = folder.path();
+  Show();
+  view->Click(ControlId::kModeCut);
+  CutPage& page = view->main.cut_page();
+  SetWindowTextW(page.control(ControlId::kCutText), L"Plate");
+  view->Pump();
+  page.Command(static_cast<int>(ControlId::kCopySvg), BN_CLICKED);
+  ASSERT_TRUE(OpenClipboard(view->window));
+  const HANDLE picture = GetClipboardData(RegisterClipboardFormatW(L"image/svg+xml"));
+  ASSERT_NE(nullptr, picture);
+  const std::string svg(static_cast<const char*>(GlobalLock(picture)), GlobalSize(picture));
+  const HANDLE text = GetClipboardData(CF_UNICODETEXT);
+  ASSERT_NE(nullptr, text);
+  const std::u16string words = FromWide(static_cast<const wchar_t*>(GlobalLock(text)));
+  CloseClipboard();
+  EXPECT_EQ(svg, Utf16ToUtf8(words));
+  view->AnswerSave(folder / "plate.svg");
+  const auto svg_row = std::ranges::find(Formats(), "svg", &Format::extension) - Formats().begin();
+  page.presenter().Picked(ControlId::kSaveMenu, static_cast<size_t>(svg_row));
+  for (int i = 0; i < kMostWaits && !exists(folder / "plate.svg"); ++i) view->Wait();
+  EXPECT_EQ(ReadBytes(folder / "plate.svg"), svg);
+}
+
+TEST_F(WindowsViewTest, AnEndOfTheSessionKeepsWhatWasTypedUpToIt) {
+  Show();
+  view->Type(ControlId::kText, u"AB");
+  EXPECT_TRUE(SendMessageW(view->window, WM_QUERYENDSESSION, 0, 0));
+  EXPECT_EQ(u"AB", services.saved_text);
+  view->Type(ControlId::kText, u"C");
+  SendMessageW(view->window, WM_ENDSESSION, FALSE, 0);
+  EXPECT_EQ(u"AB", services.saved_text) << "it goes on";
+  SendMessageW(view->window, WM_ENDSESSION, TRUE, 0);
+  EXPECT_EQ(u"ABC", services.saved_text);
+  MSG quit{};
+  EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
 }
 
 TEST_F(WindowsViewTest, TheSystemAsksBeforeItEnds) {
