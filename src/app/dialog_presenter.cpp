@@ -6,6 +6,7 @@
 
 #include "app/captions.h"
 #include "app/cut_presenter.h"
+#include "app/face_choice.h"
 #include "app/height_text.h"
 #include "app/status_text.h"
 #include "app/text_source.h"
@@ -360,9 +361,15 @@ void DialogPresenter::MakeContours() {
   used_face_ = set->face;
   contours_box_ = ContoursBox(set->contours);
   warnings_ = DescribeWarnings(*set, job.text.face) + DescribeUnshaped(text_);
-  if (!text_.empty()) warnings_ += DescribeHeight(memory_.height);
+  if (!text_.empty()) warnings_ += DescribeHeight(memory_.height) + DescribeLicenceOf(set->face);
   ShowStatus(DescribeText(*set, job.text.face, contours_box_), StatusKind::kNormal);
   contours_ = std::make_shared<const TextContours>(std::move(set->contours));
+}
+
+// A face is looked at once, not with every letter that is typed.
+std::u16string DialogPresenter::DescribeLicenceOf(const std::u16string& face) {
+  if (licence_.face != face) licence_ = {face, LicenceForbids(face, {})};
+  return licence_.forbids ? DescribeLicence(face) : std::u16string();
 }
 
 const PartsA& DialogPresenter::parts() {
