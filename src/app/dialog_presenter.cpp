@@ -314,6 +314,7 @@ void DialogPresenter::Changed() {
 
 void DialogPresenter::Due() {
   if (is_pending_) Rebuild();
+  LookAtLicence();
   if (!IsWriting()) return;
   const WorkShown work = background_.Look();
   const std::u16string text = work.progress.empty() ? Say(u"Writing the outputs") : work.progress;
@@ -366,10 +367,21 @@ void DialogPresenter::MakeContours() {
   contours_ = std::make_shared<const TextContours>(std::move(set->contours));
 }
 
-// A face is looked at once, not with every letter that is typed.
+// A face is looked at once, when nobody types: its file is to be found and opened.
 std::u16string DialogPresenter::DescribeLicenceOf(const std::u16string& face) {
-  if (licence_.face != face) licence_ = {face, LicenceForbids(face, {})};
-  return licence_.forbids ? DescribeLicence(face) : std::u16string();
+  if (licence_.face != face) {
+    licence_ = {face, std::nullopt};
+    view_.CallWhenDue(kGatherFor);
+  }
+  return licence_.forbids.value_or(false) ? DescribeLicence(face) : std::u16string();
+}
+
+void DialogPresenter::LookAtLicence() {
+  if (licence_.forbids || licence_.face.empty()) return;
+  licence_.forbids = LicenceForbids(licence_.face, {});
+  if (!*licence_.forbids || text_.empty() || !dropped_.empty()) return;
+  warnings_ += DescribeLicence(licence_.face);
+  ShowStatusAgain();
 }
 
 const PartsA& DialogPresenter::parts() {

@@ -135,6 +135,7 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void Remember();
   void ShowStatus(std::u16string text, StatusKind kind);
   std::u16string DescribeLicenceOf(const std::u16string& face);
+  void LookAtLicence();
   void ShowStatusAgain();
   Extent3 DrawingBox();
   bool DrawsContours() const;
@@ -211,8 +212,8 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   std::u16string used_face_;
   struct {
     std::u16string face;
-    bool forbids = false;
-  } licence_;  // of the face that was looked at last
+    std::optional<bool> forbids;  // nothing: not looked at yet
+  } licence_;                     // of the face that was used last
 
   std::u16string shown_status_;
   StatusKind shown_status_kind_ = StatusKind::kNormal;

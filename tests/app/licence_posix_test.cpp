@@ -43,10 +43,15 @@ TEST(Licence, ClassicWarnsOfTheFaceThatItSets) {
   DialogPresenter presenter(view, services);
   presenter.Open();
   presenter.TextChanged(ControlId::kText, u"A");
+  presenter.Due();
   EXPECT_EQ(view.status.npos, view.status.find(u"embedding"));
   presenter.TextChanged(ControlId::kFace, u"Kept");
+  EXPECT_EQ(view.status.npos, view.status.find(u"embedding")) << "typing does not wait for it";
+  presenter.Due();
   EXPECT_NE(view.status.npos, view.status.find(u"Kept does not permit embedding: check what"));
   EXPECT_EQ(StatusKind::kWarning, view.status_kind);
+  presenter.TextChanged(ControlId::kText, u"AB");
+  EXPECT_NE(view.status.npos, view.status.find(u"embedding")) << "it is known";
   presenter.TextChanged(ControlId::kText, u"");
   EXPECT_EQ(view.status.npos, view.status.find(u"embedding")) << "nothing was taken";
 }
