@@ -54,10 +54,10 @@ struct SeriesProgress {
   uint64_t kept = 0;  // rows whose files were there and stay
   bool on_sheets = false;
   uint64_t sheets = 0, rows_on_sheets = 0;  // that are written; the rows that are on them
-  uint64_t standing = 0;                // files that are there already (SeriesEnd::kFilesStand)
-  std::vector<SeriesTrouble> failures;  // the first ones
-  std::vector<SeriesTrouble> warnings;  // the first of each kind
-  SeriesEnd end = SeriesEnd::kDone;     // once it has run
+  uint64_t standing = 0;                    // files that are there already (SeriesEnd::kFilesStand)
+  std::vector<SeriesTrouble> failures;      // the first ones
+  std::vector<SeriesTrouble> warnings;      // the first of each kind
+  SeriesEnd end = SeriesEnd::kDone;         // once it has run
 };
 
 // What Start calls, from any thread, at most some times a second and once at the end.
