@@ -331,7 +331,7 @@ void CutPresenter::Write(const Format& format, const fs::path& file) {
 std::shared_future<Status> CutPresenter::WriteBeside(const Format& format, const fs::path& file,
                                                      std::function<void(const Status&)> done) {
   const auto promise = std::make_shared<std::promise<Status>>();
-  const std::shared_future<Status> written = promise->get_future();
+  std::shared_future<Status> written = promise->get_future();
   const auto write = [this, promise, made = made_, job = job_, style = style_, &format, file] {
     promise->set_value(
         RunStoppable([this] { return background_.IsCancelled(); }, PathText(file),
