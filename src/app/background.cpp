@@ -17,7 +17,8 @@ Background* Background::OfThisThread() {
 void Background::Stop() {
   {
     const std::lock_guard lock(mutex_);
-    stops_ = cancelled_ = true;
+    stops_ = true;
+    cancelled_ = true;
     waiting_.clear();
   }
   changed_.notify_all();
@@ -90,7 +91,7 @@ WorkShown Background::Look() const {
 
 void Background::Cancel() {
   const std::lock_guard lock(mutex_);
-  cancelled_ = true;
+  if (runs_ || !waiting_.empty()) cancelled_ = true;  // not one that comes after what has ended
 }
 
 void Background::Answer(bool yes) {

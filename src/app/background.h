@@ -1,6 +1,7 @@
 // Work beside the window: one piece after the other, on a thread of its own.
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -48,6 +49,8 @@ class Background {
 
   // For the worker.
 
+  // Whether the piece under way is to stop; any thread may ask.
+  bool IsCancelled() const { return cancelled_; }
   // The one whose piece runs on this thread; null elsewhere.
   static Background* OfThisThread();
   bool IsWorker() const { return OfThisThread() == this; }
@@ -68,7 +71,8 @@ class Background {
   std::deque<Piece> waiting_;
   std::deque<std::function<void()>> ended_;
   bool runs_ = false;  // a piece is under way
-  bool cancelled_ = false, stops_ = false;
+  std::atomic<bool> cancelled_ = false;
+  bool stops_ = false;
   WorkShown shown_;
   bool answer_ = false;
   std::thread worker_;

@@ -12,6 +12,7 @@
 #include "app/shape_maker.h"
 #include "app/warm_glyphs.h"
 #include "base/parallel.h"
+#include "base/stop.h"
 #include "drawing/affine.h"
 #include "drawing/measures.h"
 
@@ -279,6 +280,7 @@ void CutMaker::CountFaults(CutDrawing* made) const {
   made->crossing = made->touching = 0;
   std::map<std::vector<int64_t>, ShapeNotes> known;  // by shapes and where they stand to the first
   for (const std::vector<size_t>& cluster : Overlapping(boxes)) {
+    StopIfAsked();
     if (cluster.size() == 1) {
       const ShapeNotes& notes = notes_[drawing.placed[cluster[0]].shape];
       made->crossing += notes.crossing;

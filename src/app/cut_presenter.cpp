@@ -10,6 +10,7 @@
 #include "app/cut_services.h"
 #include "app/cut_status.h"
 #include "app/dialog_presenter.h"
+#include "base/stop.h"
 #include "base/text.h"
 
 namespace kerno {
@@ -38,7 +39,9 @@ CutPresenter::CutPresenter(CutView& view, CutServices& services)
       maker_([this] { view_.WakeUp(); }),
       background_([this] { view_.WakeUp(); }) {}
 
-CutPresenter::~CutPresenter() = default;
+CutPresenter::~CutPresenter() {
+  ++wanted_;  // no drawing is: what is on its way ends soon
+}
 
 void CutPresenter::Open() {
   said_in_ = CurrentLanguage();
@@ -239,6 +242,7 @@ void CutPresenter::AxisMoved(size_t axis, double place) {
   }
   pick_->places[axis] = place;
   form_.SetFace(catalogue_.OptionsOf(*pick_));
+  view_.RepaintFaceRows();
   Changed();
 }
 
@@ -317,7 +321,8 @@ bool CutPresenter::ReadForm(CutJob* job, DrawingStyle* style) {
   return is_read;
 }
 
-// The drawing is made beside the window; most are there before anybody could see a difference.
+// The drawing is made beside the window; most are there before anybody could see a difference. An
+// older one that is on its way is stopped.
 void CutPresenter::Rebuild() {
   const auto making = std::make_shared<Making>();
   making->number = ++wanted_;
@@ -331,7 +336,8 @@ void CutPresenter::Rebuild() {
   const auto make = [this, making, is_made] {
     if (making->number == wanted_ && !making->job.text.empty()) {
       try {
-        making->status = workshop_.Make(making->job, &making->made);
+        making->status = RunStoppable([this, making] { return making->number != wanted_; }, u"",
+                                      [&] { return workshop_.Make(making->job, &making->made); });
       } catch (const std::bad_alloc&) {
         making->status =
             Status::Error(Failure::kOther, u"", u"there is not enough memory for this text");

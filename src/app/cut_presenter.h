@@ -9,6 +9,7 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <optional>
@@ -58,6 +59,8 @@ class CutPresenter {
 
   // How long a change waits for its drawing before the window goes on without it. Milliseconds.
   int patience = 60;
+  // How long a drag waits for its file, the same.
+  int drag_patience = kProgressDelay;
 
   // Events of the controls.
   void TextChanged(ControlId field, std::u16string_view text);
@@ -85,7 +88,7 @@ class CutPresenter {
   bool PreviewKeyPressed(char16_t key);
   std::unique_ptr<BitmapSurface> PreviewPicture(Color paper);
   // The drawing in a file that another program may take: written into a folder of this run. Empty
-  // where there is nothing to drag; the reason is in the status.
+  // where there is nothing to drag, or not yet; the reason is in the status.
   std::filesystem::path FileToDrag();
 
   // The sample of a row of faces, null while it is not made yet (RepaintFaceRows follows). Pixels
@@ -161,6 +164,8 @@ class CutPresenter {
   void ShowWriting();
   void Save(const Format& format);
   void Write(const Format& format, const std::filesystem::path& file);
+  std::shared_future<Status> WriteBeside(const Format& format, const std::filesystem::path& file,
+                                         std::function<void(const Status&)> done);
   void Written(const Status& status, const std::filesystem::path& file, const std::u16string& text);
   void CopySvg();
   void NoteText(const std::u16string& text);
@@ -202,6 +207,13 @@ class CutPresenter {
   bool has_all_ = false;      // only faces with all characters of the text
   uint32_t wrote_since_ = 0;  // by the clock's ticks
   std::u16string writes_;     // what is being written
+  // A file that a drag did not wait for.
+  struct LateDrag {
+    std::filesystem::path file;
+    std::shared_ptr<const CutDrawing> made;
+    std::shared_future<Status> written;
+  };
+  LateDrag late_drag_;
   Language said_in_ = Language::kEnglish;
 
   CutWorkshop workshop_;              // used by maker_ alone

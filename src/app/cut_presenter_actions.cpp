@@ -1,6 +1,8 @@
 // What the Cut page's buttons, menus, links and drops do.
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <utility>
 
 #include "app/captions.h"
@@ -11,6 +13,7 @@
 #include "app/output_name.h"
 #include "app/text_coding.h"
 #include "app/text_source.h"
+#include "base/stop.h"
 #include "base/text.h"
 #include "base/text_file.h"
 #include "platform/clock.h"
@@ -319,18 +322,32 @@ void CutPresenter::Save(const Format& format) {
 // What is written is the drawing of this moment; the user may type on. A file that another program
 // holds is asked about while it is written.
 void CutPresenter::Write(const Format& format, const fs::path& file) {
-  auto status = std::make_shared<Status>(Status::Ok());
+  Tell(Say(u"Writing {}", {PathText(file.filename())}), StatusKind::kNormal);
+  WriteBeside(format, file,
+              [this, file, text = text_](const Status& status) { Written(status, file, text); });
+}
+
+// Cancel stops the writing between two pieces; what stood there before stays then.
+std::shared_future<Status> CutPresenter::WriteBeside(const Format& format, const fs::path& file,
+                                                     std::function<void(const Status&)> done) {
+  const auto promise = std::make_shared<std::promise<Status>>();
+  std::shared_future<Status> written = promise->get_future();
+  const auto write = [this, promise, made = made_, job = job_, style = style_, &format, file] {
+    promise->set_value(
+        RunStoppable([this] { return background_.IsCancelled(); }, PathText(file),
+                     [&] { return services_.WriteDrawing(*made, job, style, format, file); }));
+  };
   writes_ = Say(u"Writing {}", {PathText(file.filename())});
   wrote_since_ = CurrentClock().Ticks();
-  Tell(writes_, StatusKind::kNormal);
-  background_.Run([this, status, made = made_, job = job_, style = style_, &format,
-                   file] { *status = services_.WriteDrawing(*made, job, style, format, file); },
-                  [this, status, file, text = text_] { Written(*status, file, text); });
+  background_.Run(write, [this, written, done = std::move(done)] {
+    if (!writes_series_) view_.ShowProgress(u"", -1);
+    done(written.get());
+  });
   view_.CallWhenDue(kProgressDelay);
+  return written;
 }
 
 void CutPresenter::Written(const Status& status, const fs::path& file, const std::u16string& text) {
-  if (!writes_series_) view_.ShowProgress(u"", -1);
   if (!status.ok()) return Tell(SayStatus(status), StatusKind::kFailure);
   if (pick_) catalogue_.NoteUse(pick_->entry);
   NoteText(text);
@@ -363,17 +380,19 @@ void CutPresenter::LinkFollowed(int number) {
 void CutPresenter::CopySvg() {
   if (!HasDrawing()) return;
   const fs::path folder = services_.ScratchFolder();
+  if (folder.empty()) return Tell(Say(u"there is no temporary folder"), StatusKind::kFailure);
   const fs::path file = folder / "copy.svg";
-  std::string svg;
-  Status status = folder.empty()
-                      ? Status::Error(Failure::kOther, u"", u"there is no temporary folder")
-                      : services_.WriteDrawing(*made_, job_, style_, *FindFormat(u"svg"), file);
-  if (status.ok()) status = ReadFileBytes(file, &svg);
-  if (!status.ok()) return Tell(SayStatus(status), StatusKind::kFailure);
-  view_.CopySvg(svg);
-  Tell(Say(u"Copied as SVG"), StatusKind::kNormal);
+  WriteBeside(*FindFormat(u"svg"), file, [this, file](Status status) {
+    std::string svg;
+    if (status.ok()) status = ReadFileBytes(file, &svg);
+    if (!status.ok()) return Tell(SayStatus(status), StatusKind::kFailure);
+    view_.CopySvg(svg);
+    Tell(Say(u"Copied as SVG"), StatusKind::kNormal);
+  });
 }
 
+// A drag waits for its file no longer than the eye does. A file that takes longer is there for the
+// next drag of the same drawing.
 fs::path CutPresenter::FileToDrag() {
   if (!HasDrawing()) return {};
   const fs::path folder = services_.ScratchFolder();
@@ -381,9 +400,21 @@ fs::path CutPresenter::FileToDrag() {
   const Format& format = FormatOfSave();
   fs::path file = folder / TextPath(NameOfFile());
   file += "." + std::string(format.extension);
-  const Status status = services_.WriteDrawing(*made_, job_, style_, format, file);
-  if (status.ok()) return file;
-  Tell(SayStatus(status), StatusKind::kFailure);
+  const bool is_on_its_way = late_drag_.file == file && late_drag_.made == made_;
+  LateDrag drag = is_on_its_way ? std::exchange(late_drag_, {}) : LateDrag{file, made_, {}};
+  if (!is_on_its_way) {
+    drag.written = WriteBeside(format, file, [this, file](const Status& written) {
+      if (!written.ok()) return Tell(SayStatus(written), StatusKind::kFailure);
+      if (late_drag_.file != file) return;  // it is dragged already
+      Tell(Say(u"The file can be dragged now"), StatusKind::kNormal);
+    });
+  }
+  if (drag.written.wait_for(std::chrono::milliseconds(drag_patience)) ==
+      std::future_status::ready) {
+    return drag.written.get().ok() ? file : fs::path();
+  }
+  late_drag_ = std::move(drag);
+  Tell(Say(u"Writing the file to drag. Drag again when that is done."), StatusKind::kWarning);
   return {};
 }
 

@@ -57,6 +57,7 @@ void CutPresenter::PickFace(FacePick pick) {
   form_.SetFace(catalogue_.OptionsOf(*pick_));
   ShowPick();
   ShowSizeFields();
+  view_.RepaintFaceRows();
   Changed();
 }
 
@@ -90,6 +91,7 @@ const BitmapSurface* CutPresenter::FaceSample(size_t row, int width, int height,
                                               Color paper) {
   if (row >= rows_.rows.size()) return nullptr;
   const std::u16string first = FirstLine();
+  samples_.Choose(pick_);
   const BitmapSurface* picture =
       samples_.PictureOf(rows_.rows[row].entry, {first, width, height, ink, paper});
   if (!picture) view_.CallWhenDue(1);

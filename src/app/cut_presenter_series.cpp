@@ -105,9 +105,14 @@ void CutPresenter::WriteSeries(std::optional<ExistingFiles> existing) {
 void CutPresenter::ShowSeriesProgress() {
   const SeriesProgress now = series_.progress();
   if (!now.is_running) return EndSeries();
+  // Rows are made before their sheets are written: each is half of the way.
+  const uint64_t come = now.done + (now.on_sheets ? now.rows_on_sheets : now.done);
   const double part =
-      now.rows > 0 ? static_cast<double>(now.done) / static_cast<double>(now.rows) : 0;
-  view_.ShowProgress(Say(u"Row {} of {}", {Count(now.done), Count(now.rows)}), part);
+      now.rows > 0 ? static_cast<double>(come) / static_cast<double>(2 * now.rows) : 0;
+  const bool writes_sheets = now.on_sheets && now.rows > 0 && now.done == now.rows;
+  view_.ShowProgress(writes_sheets ? Say(u"Sheet {}", {Count(now.sheets + 1)})
+                                   : Say(u"Row {} of {}", {Count(now.done), Count(now.rows)}),
+                     part);
 }
 
 void CutPresenter::EndSeries() {
@@ -116,15 +121,21 @@ void CutPresenter::EndSeries() {
   ShowSeries();
   const SeriesProgress end = series_.progress();
   if (end.end == SeriesEnd::kFilesStand) {
-    const std::u16string question =
-        Say(u"{} of the files are there already.", {Count(end.standing)});
-    if (view_.AskWhether(question, Say(u"Replace"))) WriteSeries(ExistingFiles::kReplace);
+    const auto answer =
+        view_.AskWhich(Say(u"{} of the files are there already.", {Count(end.standing)}),
+                       {Say(u"Replace"), Say(u"Keep them and write the others")});
+    if (answer) WriteSeries(*answer == 0 ? ExistingFiles::kReplace : ExistingFiles::kResume);
     return;
   }
   std::u16string text = Say(u"Wrote {} files of {} rows", {Count(end.files), Count(end.done)});
   if (end.failed > 0) {
     text += u"  ·  ";
     text += end.failed == 1 ? Say(u"1 row failed") : Say(u"{} rows failed", {Count(end.failed)});
+  }
+  if (end.kept > 0) {
+    text += u"  ·  ";
+    text += end.kept == 1 ? Say(u"1 row keeps its files")
+                          : Say(u"{} rows keep their files", {Count(end.kept)});
   }
   for (const SeriesTrouble& trouble : end.failures) {
     const std::u16string row = trouble.row > 0 ? Say(u"row {}", {Count(trouble.row)}) + u": " : u"";

@@ -67,9 +67,10 @@ bool IsPlainName(const std::string& column) {
 class CutSeries::Run final : public SeriesObserver {
  public:
   // Runs nothing where the job is wrong already: `wrong` says why.
-  Run(SeriesJob job, std::vector<Message> wrong, SeriesWake wake)
+  Run(SeriesJob job, bool on_sheets, std::vector<Message> wrong, SeriesWake wake)
       : is_good_(wrong.empty()), run_(std::move(job), *this), wake_(std::move(wake)) {
     shown_.is_running = true;
+    shown_.on_sheets = on_sheets;
     Keep(0, wrong);
   }
   ~Run() override {
@@ -114,6 +115,7 @@ class CutSeries::Run final : public SeriesObserver {
     {
       const std::lock_guard lock(mutex_);
       ++shown_.sheets;
+      shown_.rows_on_sheets = sheet.rows;
       shown_.files += sheet.files.size();
     }
     WakeNowAndThen();
@@ -135,7 +137,7 @@ class CutSeries::Run final : public SeriesObserver {
     const std::lock_guard lock(mutex_);
     shown_.done = counts.given - counts.not_tried;
     shown_.failed = counts.failed;
-    shown_.kept = counts.kept;
+    shown_.kept = counts.kept + counts.done;
     if (counts.files > 0) shown_.files = counts.files;
   }
 
@@ -281,7 +283,8 @@ bool CutSeries::Start(SeriesOrder order, SeriesWake wake) {
   job.text = Utf16ToUtf8(order.text);
   job.texts = std::move(order.texts);
   job.sheets = std::move(order.sheets);
-  run_ = std::make_unique<Run>(std::move(job), std::move(wrong), std::move(wake));
+  const bool on_sheets = job.sheets.has_value();
+  run_ = std::make_unique<Run>(std::move(job), on_sheets, std::move(wrong), std::move(wake));
   run_->Start();
   return true;
 }

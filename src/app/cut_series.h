@@ -50,11 +50,14 @@ struct SeriesProgress {
   bool writes = false;  // the names of all files are known to be good
   uint64_t rows = 0;    // that are wanted; 0 until it writes
   uint64_t done = 0;    // rows that have been told, failed ones too
-  uint64_t failed = 0, kept = 0, files = 0, sheets = 0;
-  uint64_t standing = 0;                // files that are there already (SeriesEnd::kFilesStand)
-  std::vector<SeriesTrouble> failures;  // the first ones
-  std::vector<SeriesTrouble> warnings;  // the first of each kind
-  SeriesEnd end = SeriesEnd::kDone;     // once it has run
+  uint64_t failed = 0, files = 0;
+  uint64_t kept = 0;  // rows whose files were there and stay
+  bool on_sheets = false;
+  uint64_t sheets = 0, rows_on_sheets = 0;  // that are written; the rows that are on them
+  uint64_t standing = 0;                    // files that are there already (SeriesEnd::kFilesStand)
+  std::vector<SeriesTrouble> failures;      // the first ones
+  std::vector<SeriesTrouble> warnings;      // the first of each kind
+  SeriesEnd end = SeriesEnd::kDone;         // once it has run
 };
 
 // What Start calls, from any thread, at most some times a second and once at the end.
@@ -97,7 +100,7 @@ class CutSeries {
   // Writes the files of all rows in threads of its own. What is wrong is told by progress(). False
   // while it runs already.
   bool Start(SeriesOrder order, SeriesWake wake);
-  // Ends it between two files: those that are written are whole.
+  // Ends it soon: the files that are there are whole.
   void Cancel();
   SeriesProgress progress() const;
 

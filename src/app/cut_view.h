@@ -93,8 +93,12 @@ class CutView {
   virtual std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) = 0;
   virtual std::optional<std::u16string> AskName(std::u16string_view title,
                                                 std::u16string_view proposed) = 0;
-  // A question with the button named and Cancel. Whether it was the first.
-  virtual bool AskWhether(std::u16string_view text, std::u16string_view button) = 0;
+  // A question with the buttons named and Cancel, which is the one that Enter presses.
+  virtual std::optional<size_t> AskWhich(std::u16string_view text,
+                                         const std::vector<std::u16string>& buttons) = 0;
+  bool AskWhether(std::u16string_view text, std::u16string_view button) {
+    return AskWhich(text, {std::u16string(button)}).has_value();
+  }
 
   virtual void CopyText(std::u16string_view text) = 0;
   // A picture for other programs, as text and as image/svg+xml.

@@ -6,6 +6,7 @@
 
 #include "app/captions.h"
 #include "app/cut_presenter.h"
+#include "app/face_choice.h"
 #include "app/height_text.h"
 #include "app/status_text.h"
 #include "app/text_source.h"
@@ -313,6 +314,7 @@ void DialogPresenter::Changed() {
 
 void DialogPresenter::Due() {
   if (is_pending_) Rebuild();
+  LookAtLicence();
   if (!IsWriting()) return;
   const WorkShown work = background_.Look();
   const std::u16string text = work.progress.empty() ? Say(u"Writing the outputs") : work.progress;
@@ -360,9 +362,26 @@ void DialogPresenter::MakeContours() {
   used_face_ = set->face;
   contours_box_ = ContoursBox(set->contours);
   warnings_ = DescribeWarnings(*set, job.text.face) + DescribeUnshaped(text_);
-  if (!text_.empty()) warnings_ += DescribeHeight(memory_.height);
+  if (!text_.empty()) warnings_ += DescribeHeight(memory_.height) + DescribeLicenceOf(set->face);
   ShowStatus(DescribeText(*set, job.text.face, contours_box_), StatusKind::kNormal);
   contours_ = std::make_shared<const TextContours>(std::move(set->contours));
+}
+
+// A face is looked at once, when nobody types: its file is to be found and opened.
+std::u16string DialogPresenter::DescribeLicenceOf(const std::u16string& face) {
+  if (licence_.face != face) {
+    licence_ = {face, std::nullopt};
+    view_.CallWhenDue(kGatherFor);
+  }
+  return licence_.forbids.value_or(false) ? DescribeLicence(face) : std::u16string();
+}
+
+void DialogPresenter::LookAtLicence() {
+  if (licence_.forbids || licence_.face.empty()) return;
+  licence_.forbids = LicenceForbids(licence_.face, {});
+  if (!*licence_.forbids || text_.empty() || !dropped_.empty()) return;
+  warnings_ += DescribeLicence(licence_.face);
+  ShowStatusAgain();
 }
 
 const PartsA& DialogPresenter::parts() {

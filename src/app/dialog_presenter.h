@@ -134,6 +134,8 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   void ShowHeightFault();
   void Remember();
   void ShowStatus(std::u16string text, StatusKind kind);
+  std::u16string DescribeLicenceOf(const std::u16string& face);
+  void LookAtLicence();
   void ShowStatusAgain();
   Extent3 DrawingBox();
   bool DrawsContours() const;
@@ -208,6 +210,10 @@ class DialogPresenter final : private OutputNotifier, private Notices {
   uint32_t last_cost_ = 0;   // milliseconds of the last rebuild
   std::u16string dropped_;   // the name of the parts file that is shown instead of the text
   std::u16string used_face_;
+  struct {
+    std::u16string face;
+    std::optional<bool> forbids;  // nothing: not looked at yet
+  } licence_;                     // of the face that was used last
 
   std::u16string shown_status_;
   StatusKind shown_status_kind_ = StatusKind::kNormal;

@@ -71,7 +71,8 @@ using FaceOption = std::pair<std::string_view, std::u16string>;
 
 // What the list shows.
 struct FaceFilter {
-  std::u16string search = {};  // words in any order, any case, any width, either kana
+  std::u16string search = {};  // words in any order, any case, with or without
+                               // accents, any width, either kana
   std::string script = {};     // the name of one of FaceScripts; empty: any
   std::u16string has = {};     // only faces with all of these characters; empty: any
   bool favourites = false;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/nearest_names.h"
+#include "outline/font_details.h"
 #include "platform/font_faces.h"
 
 namespace kerno {
@@ -183,6 +184,20 @@ Status ChooseStyle(std::u16string_view style, std::u16string* name, SystemStyle*
   *chosen = {made_bold ? 700 : data.weight, data.slanted, made_bold};
   *name = data.family;
   return Status::Ok();
+}
+
+bool LicenceForbids(std::u16string_view face, const SystemStyle& style) {
+  constexpr int32_t kBoldFrom = 550;  // weights above count as bold
+  FaceRequest request;
+  request.family = face.substr(face.starts_with(u'@') ? 1 : 0);
+  const bool bold = style.weight > kBoldFrom;
+  if (bold || style.italic)
+    request.style = !style.italic ? u"Bold" : bold ? u"Bold Italic" : u"Italic";
+  FontData data;
+  Status found = FindFontData(request, &data);
+  request.style.clear();
+  if (!found.ok()) found = FindFontData(request, &data);
+  return found.ok() && ForbidsOutlines(data);
 }
 
 bool IsNameOf(const FaceForm& wanted, std::u16string_view used) {

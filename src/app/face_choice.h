@@ -44,6 +44,10 @@ FaceChoice ChooseFace(const FaceForm& wanted);
 [[nodiscard]] Status ChooseStyle(std::u16string_view style, std::u16string* name,
                                  SystemStyle* chosen);
 
+// Whether the maker of an installed face may forbid to take its outlines (ForbidsOutlines): of the
+// style that a device context gives.
+bool LicenceForbids(std::u16string_view face, const SystemStyle& style);
+
 // Whether `used`, a name of the system's, is the face that was asked for and no substitute:
 // `wanted` is empty, or names an installed face.
 bool IsNameOf(const FaceForm& wanted, std::u16string_view used);

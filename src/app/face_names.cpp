@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "outline/scripts.h"
 #include "platform/fold_case.h"
 
 namespace kerno {
@@ -19,12 +20,28 @@ constexpr bool IsIn(std::u16string_view text, char16_t unit) {
   return text.find(unit) != text.npos;
 }
 
+constexpr bool IsAccent(char32_t ch) {
+  return ch >= 0x0300 && ch <= 0x036F;
+}
+
+// The letter without its accents: Latin, Greek and Cyrillic ones. Letters with a stroke are of one
+// piece to Unicode.
+char16_t WithoutAccents(char16_t unit) {
+  constexpr std::u16string_view kStroked = u"ØøŁłĐđĦħŦŧ", kPlain = u"OoLlDdHhTt";
+  constexpr char16_t kPlainEnd = 0x80, kLettersEnd = 0x2000;
+  if (unit < kPlainEnd || unit >= kLettersEnd) return unit;
+  if (const size_t at = kStroked.find(unit); at != kStroked.npos) return kPlain[at];
+  char32_t letter = unit, first = 0, accent = 0;
+  while (Decompose(letter, &first, &accent) && IsAccent(accent)) letter = first;
+  return static_cast<char16_t>(letter);
+}
+
 char16_t FoldedUnit(char16_t unit) {
   if (unit == 0x3000 || unit == 0x00A0 || unit == u'\t') return u' ';
   if (unit >= 0xFF01 && unit <= 0xFF5E) unit = static_cast<char16_t>(unit - 0xFEE0);
   if (unit >= 0x30A1 && unit <= 0x30F6) return static_cast<char16_t>(unit - 0x60);
   if (unit >= 0xFF66 && unit <= 0xFF9D) return kNarrowKana[unit - 0xFF66U];
-  return FoldCase(unit);
+  return FoldCase(WithoutAccents(unit));
 }
 
 // Puts a sound mark on the kana before, as half-width ones have it beside them.
@@ -74,7 +91,7 @@ std::u16string FoldedName(std::u16string_view name) {
   std::u16string folded;
   folded.reserve(name.size());
   for (const char16_t unit : name) {
-    if (JoinsSoundMark(unit, &folded)) continue;
+    if (IsAccent(unit) || JoinsSoundMark(unit, &folded)) continue;
     const char16_t plain = FoldedUnit(unit);
     if (plain == u' ' && (folded.empty() || folded.back() == u' ')) continue;
     folded.push_back(plain);

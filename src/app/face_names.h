@@ -9,8 +9,8 @@
 
 namespace kerno {
 
-// What spellings of a text have in common: lower case, narrow letters, full-width hiragana for both
-// kana of either width, single blanks.
+// What spellings of a text have in common: lower case, narrow letters without accents, full-width
+// hiragana for both kana of either width, single blanks.
 std::u16string FoldedName(std::u16string_view name);
 
 // The folded names of one face.

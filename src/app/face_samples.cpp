@@ -44,12 +44,11 @@ std::u16string Shortened(const std::u16string& text, double part) {
 class Letters {
  public:
   // For drawing this text alone.
-  Status Open(FaceCatalogue& catalogue, size_t entry, std::u16string_view text) {
-    const FaceEntry& face = catalogue.entry(entry);
+  Status Open(FaceCatalogue& catalogue, const FacePick& pick, std::u16string_view text) {
+    const FaceEntry& face = catalogue.entry(pick.entry);
     strokes_ = face.kind == FaceKind::kStrokes;
     if (strokes_) return ReadStrokesFor(text, face.file, &chosen_);
     FontData data;
-    const FacePick pick = {entry, catalogue.RegularStyleOf(entry), {}};
     if (Status found = FindFontData(catalogue.RequestOf(pick), &data); !found.ok()) return found;
     return ShapingFont::Open(data, &font_);
   }
@@ -193,14 +192,14 @@ class SamplePainter {
 
 // The user's text; where the face lacks most of that, a sample of its script; where it lacks most
 // of that, too (a font of capitals), its first characters.
-void PaintSample(FaceCatalogue& catalogue, size_t entry, const SampleLook& look,
+void PaintSample(FaceCatalogue& catalogue, const FacePick& pick, const SampleLook& look,
                  BitmapSurface* surface) {
   for (int choice = 0; choice < 3; ++choice) {
-    const FaceScriptSet scripts = choice == 1 ? catalogue.ScriptsOf(entry) : 0;
+    const FaceScriptSet scripts = choice == 1 ? catalogue.ScriptsOf(pick.entry) : 0;
     const std::u16string text =
-        choice == 0 ? look.text : OwnSample(scripts, catalogue.CharactersOf(entry));
+        choice == 0 ? look.text : OwnSample(scripts, catalogue.CharactersOf(pick.entry));
     Letters letters;
-    if (!letters.Open(catalogue, entry, text).ok() || !(letters.UnitsPerEm() > 0)) return;
+    if (!letters.Open(catalogue, pick, text).ok() || !(letters.UnitsPerEm() > 0)) return;
     if (SamplePainter(letters, look, surface).Paint(text)) return;
   }
 }
@@ -230,7 +229,9 @@ bool FaceSamples::MakeNext() {
   const size_t entry = waiting_.back();
   waiting_.pop_back();
   Picture picture = CreateBitmapSurface(look_.width, look_.height, look_.paper);
-  if (picture) PaintSample(catalogue_, entry, look_, picture.get());
+  const bool is_chosen = pick_ && pick_->entry == entry;
+  const FacePick pick = is_chosen ? *pick_ : FacePick{entry, catalogue_.RegularStyleOf(entry), {}};
+  if (picture) PaintSample(catalogue_, pick, look_, picture.get());
   if (pictures_.size() == kMostPictures) {
     places_.erase(pictures_.back().first);
     pictures_.pop_back();
@@ -238,6 +239,23 @@ bool FaceSamples::MakeNext() {
   pictures_.emplace_front(entry, std::move(picture));
   places_[entry] = pictures_.begin();
   return true;
+}
+
+void FaceSamples::Choose(const std::optional<FacePick>& pick) {
+  if (pick == pick_) return;
+  const bool is_regular =
+      !pick || (pick->places.empty() && pick->style == catalogue_.RegularStyleOf(pick->entry));
+  if (pick_ && !pick_is_regular_) Drop(pick_->entry);
+  if (!is_regular) Drop(pick->entry);
+  pick_ = pick;
+  pick_is_regular_ = is_regular;
+}
+
+void FaceSamples::Drop(size_t entry) {
+  const auto known = places_.find(entry);
+  if (known == places_.end()) return;
+  pictures_.erase(known->second);
+  places_.erase(known);
 }
 
 void FaceSamples::Forget() {

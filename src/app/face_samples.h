@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -38,6 +39,10 @@ class FaceSamples {
   // look than the last one drops all pictures. A face that cannot be loaded has paper alone.
   const BitmapSurface* PictureOf(size_t entry, const SampleLook& look);
 
+  // The sample of its entry is of this style and place on the axes from now on; those of others are
+  // of their regular style.
+  void Choose(const std::optional<FacePick>& pick);
+
   // Makes the picture that was asked for last; false where none waits. Takes as long as loading
   // one face and drawing a few letters.
   bool MakeNext();
@@ -47,7 +52,11 @@ class FaceSamples {
  private:
   using Picture = std::unique_ptr<BitmapSurface>;
 
+  void Drop(size_t entry);
+
   FaceCatalogue& catalogue_;
+  std::optional<FacePick> pick_;
+  bool pick_is_regular_ = true;
   SampleLook look_;
   std::list<std::pair<size_t, Picture>> pictures_;  // the one asked for last comes first
   std::unordered_map<size_t, std::list<std::pair<size_t, Picture>>::iterator> places_;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <numeric>
 
+#include "base/stop.h"
 #include "drawing/box_tree.h"
 
 namespace kerno {
@@ -43,7 +44,9 @@ std::vector<std::vector<size_t>> Overlapping(const std::vector<Box2>& boxes) {
     while (parent[i] != i) i = parent[i] = parent[parent[i]];
     return i;
   };
+  StopNowAndThen stop;
   BoxTree(OnGrid(boxes)).ForEachPair([&](size_t i, size_t j) {
+    stop.Step();
     if (!boxes[i].Overlaps(boxes[j])) return;
     const size_t a = root(i), b = root(j);
     parent[std::max(a, b)] = std::min(a, b);  // the first member is the root

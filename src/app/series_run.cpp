@@ -10,6 +10,7 @@
 #include "app/option_values.h"
 #include "app/series_names.h"
 #include "base/ordered_work.h"
+#include "base/stop.h"
 #include "base/text.h"
 #include "platform/folder_path.h"
 
@@ -207,7 +208,11 @@ void SeriesRun::Work(Slot* slot, Worker* worker) {
   const HeldMessages held(&slot->messages);
   slot->outcome = RowOutcome::kFailed;
   try {
-    slot->outcome = MakeRow(slot, worker);
+    const Status done = RunStoppable([this] { return is_stopped_.load(); }, u"row", [&] {
+      slot->outcome = MakeRow(slot, worker);
+      return Status::Ok();
+    });
+    if (!done.ok()) slot->outcome = RowOutcome::kNotTried;
   } catch (const std::bad_alloc&) {
     ReportError("memory", "there is not enough for this text");
   } catch (const std::exception& error) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/stop.h"
 #include "drawing/cutting_order.h"
 #include "drawing/fit_arcs.h"
 #include "drawing/flatten.h"
@@ -68,7 +69,10 @@ std::vector<Path> Formed(std::vector<Path> paths, const CutJob& job, double tole
     paths = std::move(offset.paths);
     left -= kShare * left;
   }
-  for (Path& path : paths) path = InForm(std::move(path), job, left, tolerance < job.tolerance);
+  for (Path& path : paths) {
+    StopIfAsked();
+    path = InForm(std::move(path), job, left, tolerance < job.tolerance);
+  }
   std::erase_if(paths, [](const Path& path) {
     return path.segments.empty() ||
            (path.segments.size() == 1 && path.segments[0].kind == SegmentKind::kLine);

@@ -115,7 +115,7 @@ void SheetFiles::Write(const Drawing& sheet, size_t number, uint64_t signs) {
     messages_.push_back(std::move(message));
   }
   EndRows(signs, end);
-  told_({number, std::move(written.names)});
+  told_({number, std::move(written.names), closed_});
 }
 
 void SheetFiles::WriteFiles(const Drawing& sheet, size_t number, Written* written) {

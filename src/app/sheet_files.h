@@ -47,6 +47,7 @@ struct SheetCounts {
 struct SheetResult {
   uint64_t number = 0;
   std::vector<std::string> files;
+  uint64_t rows = 0;  // whose signs are all on this sheet and those before it
 };
 
 class SheetFiles {

@@ -98,6 +98,10 @@ std::u16string DescribeUnshaped(std::u16string_view text) {
   return told;
 }
 
+std::u16string DescribeLicence(std::u16string_view face) {
+  return kGap + Say(u"{} does not permit embedding: check what its licence permits", {face});
+}
+
 std::u16string DescribeHeight(std::u16string_view height) {
   const int32_t number = HeightNumber(height);
   if (number == 0 || number >= kBentBelow || number <= -kBentBelow) return {};

@@ -23,6 +23,9 @@ std::u16string DescribeWarnings(const TypesetText& set, const FaceForm& wanted);
 // What the classic layout does not do for the scripts of a text.
 std::u16string DescribeUnshaped(std::u16string_view text);
 
+// That the licence of a face may forbid to take its outlines.
+std::u16string DescribeLicence(std::u16string_view face);
+
 // That letters are bent to whole units at a height this low.
 std::u16string DescribeHeight(std::u16string_view height);
 

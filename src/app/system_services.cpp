@@ -2,10 +2,12 @@
 
 #include <string>
 
+#include "app/background.h"
 #include "app/dialog_settings.h"
 #include "app/font_face_list.h"
 #include "base/file_wait.h"
 #include "base/launch.h"
+#include "base/stop.h"
 #include "base/text.h"
 #include "base/version_info.h"
 #include "export/export.h"
@@ -108,13 +110,17 @@ Status SystemServices::Write(const Format& format, const PartsA& parts,
                              const OutputOptions& options, const fs::path& file) {
   OutputOptions own = options;
   own.program = PathText(CurrentSystem().ProgramPath());
-  if (format.dispatch == Format::Dispatch::kNever) return format.write(parts, file, own);
   own.after_export = [this](const PartsA& model, const fs::path& written) {
     cache_.KeepCopy(model, written);
   };
-  Status status = Status::Ok();
-  Export(parts, file, own, &status);
-  return status;
+  const auto write = [&] {
+    if (format.dispatch == Format::Dispatch::kNever) return format.write(parts, file, own);
+    Status status = Status::Ok();
+    Export(parts, file, own, &status);
+    return status;
+  };
+  const Background* const work = Background::OfThisThread();
+  return RunStoppable([work] { return work && work->IsCancelled(); }, PathText(file), write);
 }
 
 Status SystemServices::ReadParts(const fs::path& file, PartsA* parts) {

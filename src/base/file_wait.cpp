@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "base/notices.h"
+#include "base/stop.h"
 #include "base/text.h"
 #include "platform/clock.h"
 #include "platform/folder_path.h"
@@ -19,6 +20,26 @@ bool MayPass(const Status& status, WaitOut what) {
   if (status.failure == Failure::kSharingViolation) return true;
   return what == WaitOut::kAnyFailure && !status.ok() && status.failure != Failure::kNoSpace;
 }
+
+// A replacement that asks before each piece whether the file is wanted still.
+class WantedReplacement final : public FileReplacement {
+ public:
+  explicit WantedReplacement(FileReplacement* file) : file_(*file) {}
+
+  Status Write(std::string_view bytes) override {
+    StopIfAsked();
+    return file_.Write(bytes);
+  }
+  bool CanRewrite() const override { return file_.CanRewrite(); }
+  Status Rewrite(uint64_t at, std::string_view bytes) override { return file_.Rewrite(at, bytes); }
+  Status Commit() override {
+    StopIfAsked();
+    return file_.Commit();
+  }
+
+ private:
+  FileReplacement& file_;
+};
 
 }  // namespace
 
@@ -72,8 +93,10 @@ Status ReplaceWhenFree(const std::filesystem::path& target, const FileFiller& fi
         return file ? Status::Ok() : opened;
       },
       WaitOut::kAskedHolder);
-  if (file) status = fill(file.get());
-  return status.ok() ? file->Commit() : status;
+  if (!file) return status;
+  WantedReplacement wanted(file.get());
+  status = fill(&wanted);
+  return status.ok() ? wanted.Commit() : status;
 }
 
 Status ReplaceWhenFree(const std::filesystem::path& target, std::string_view bytes) {

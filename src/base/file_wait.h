@@ -40,7 +40,8 @@ Status WaitForFile(const std::filesystem::path& path, FileWait wait,
                    const std::function<Status()>& attempt, WaitOut what = WaitOut::kHolder,
                    Patience* patience = nullptr);
 
-// ReplaceFile for a target that another process may hold: waits until nobody does.
+// ReplaceFile for a target that another process may hold: waits until nobody does. What may be
+// stopped (base/stop.h) is asked before each piece and at the end; the target then stays.
 Status ReplaceWhenFree(const std::filesystem::path& target, const FileFiller& fill);
 Status ReplaceWhenFree(const std::filesystem::path& target, std::string_view bytes);
 

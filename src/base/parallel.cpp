@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/stop.h"
+
 namespace kerno {
 namespace {
 
@@ -27,9 +29,14 @@ void ForEachInParallel(size_t count, const std::function<void(size_t)>& work) {
   std::atomic<size_t> next = 0;
   std::atomic<bool> failed = false;
   std::exception_ptr failure;
+  const StopQuestion* const question = StopQuestionHere();
   const auto run = [&] {
+    const StopQuestionOf here(question);
     try {
-      for (size_t i = next++; i < count; i = next++) work(i);
+      for (size_t i = next++; i < count; i = next++) {
+        StopIfAsked();
+        work(i);
+      }
     } catch (...) {
       next = count;
       if (!failed.exchange(true)) failure = std::current_exception();

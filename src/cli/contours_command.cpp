@@ -119,6 +119,7 @@ ExitStatus ContoursCommand::Run() {
   const auto placing = unplaced_ ? TextOptions::Placing::kUnplaced : TextOptions::Placing::kPlaced;
   auto set = text_.MakeAndReport(*job, placing, &status);
   if (!set) return status;
+  TextOptions::ReportLicence(*job, *set);
   if (!unplaced_) set->contours.Apply(down);
   if (!TextOptions::CheckRange(set->contours)) return kWrongUsage;
   const bool printed = json_ ? PrintJson(*set, job->text) : PrintListing(*set, job->text);

@@ -62,6 +62,7 @@ ExitStatus ConvertCommand::BuildFromText(PartsA* model, std::string* summary) {
   if (!job) return status;
   auto set = text_.MakeAndReport(*job, TextOptions::Placing::kPlaced, &status);
   if (!set) return status;
+  TextOptions::ReportLicence(*job, *set);
   if (!TextOptions::CheckRange(set->contours)) return kWrongUsage;
   const auto contours = std::make_shared<const TextContours>(std::move(set->contours));
   *model = DrawingOf(contours, parts_);

@@ -13,8 +13,6 @@
 #include "base/text.h"
 #include "cli/choices.h"
 #include "cli/console.h"
-#include "outline/font_details.h"
-#include "platform/font_data.h"
 
 namespace kerno {
 namespace {
@@ -43,14 +41,6 @@ bool ReportUnshaped(std::u16string_view text, bool strict) {
     ReportWarning(what, why);
   }
   return true;
-}
-
-// Of the family: its styles come from one maker.
-void ReportLicence(const std::u16string& face) {
-  FontData data;
-  const FaceRequest family = {.family = face.substr(face.starts_with(u'@') ? 1 : 0)};
-  if (!FindFontData(family, &data).ok() || !ForbidsOutlines(data)) return;
-  WarnOfLicence(Utf16ToUtf8(face));
 }
 
 }  // namespace
@@ -219,7 +209,6 @@ std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing pl
     ReportWarning(Utf16ToUtf8(SystemFaceName(job.text.face)),
                   "is not installed, " + face + " takes its place");
   }
-  ReportLicence(set->face);
   if (!ReportUnshaped(job.text.text, strict_) ||
       !ReportLost("no glyph in " + face, set->missing, strict_) ||
       !ReportLost("no outline of this size in " + face, set->notes.refused, strict_)) {
@@ -238,6 +227,12 @@ std::optional<TypesetText> TextOptions::MakeAndReport(const Job& job, Placing pl
   if (set->contours.empty()) ReportWarning("text", "has no outlines");
   *status = kDone;
   return set;
+}
+
+void TextOptions::ReportLicence(const Job& job, const TypesetText& set) {
+  if (LicenceForbids(set.face, {.weight = job.text.weight, .italic = job.text.italic})) {
+    WarnOfLicence(Utf16ToUtf8(set.face));
+  }
 }
 
 bool TextOptions::CheckRange(const TextContours& contours) {

@@ -27,6 +27,9 @@ class TextOptions {
   std::optional<TypesetText> MakeAndReport(const Job& job, Placing placing,
                                            ExitStatus* status) const;
 
+  // Tells of a licence that may forbid what was made to leave the program.
+  static void ReportLicence(const Job& job, const TypesetText& set);
+
   // Whether finished coordinates are numbers; reports when a scale or a place took them out of
   // range.
   static bool CheckRange(const TextContours& contours);

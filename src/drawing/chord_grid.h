@@ -7,6 +7,7 @@
 #include <span>
 #include <vector>
 
+#include "base/stop.h"
 #include "drawing/box_tree.h"
 #include "drawing/segment.h"
 
@@ -52,7 +53,9 @@ class ChordGrid {
   // path that have but their common end.
   template <class Visit>
   void ForEachContact(const Visit& visit) const {
+    StopNowAndThen stop;
     boxes_.ForEachPair([&](size_t i, size_t j) {
+      stop.Step();
       const Contact contact = ContactBetween(i, j);
       if (contact != Contact::kNone) visit(i, j, contact);
     });

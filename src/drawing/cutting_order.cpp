@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "base/stop.h"
 #include "drawing/chord_grid.h"
 
 namespace kerno {
@@ -49,6 +50,7 @@ class CutPlanner {
     const BoxTree tree(std::move(boxes));
     for (size_t i = 0; i < paths_.size(); ++i) {
       if (!IsContour(i)) continue;
+      StopIfAsked();
       Node& node = nodes_[i];
       int winding = node.twice_area < 0 ? -1 : 1;
       tree.ForEachNear(grid_.BoxOf(i), [&](size_t other) {
@@ -95,6 +97,7 @@ class CutPlanner {
 
   // A contour after all that is inside it. Contours nest a few deep.
   void Follow(size_t path) {
+    StopIfAsked();
     std::vector<size_t> left = nodes_[path].inside;
     while (!left.empty()) {
       const size_t end = std::min(kLookAhead, left.size());

@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/stop.h"
+
 namespace kerno {
 namespace {
 
@@ -90,6 +92,7 @@ class Parts {
   // From one cut to the next, over the ends of so many chords. The longest stretch of a chord tells
   // what the sides are: it is the farthest from other crossings.
   void AddPart(const Cut& from, const Cut& to, size_t ends) {
+    StopIfAsked();
     double twice = 0, length = 0, longest = -1;
     P2 at = from.where, middle;
     size_t chord = from.chord, measured = chord;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/stop.h"
 #include "drawing/measures.h"
 #include "drawing/smooth_stretches.h"
 #include "drawing/tangent_arcs.h"
@@ -289,6 +290,7 @@ Path Fitted(const Path& path, double tolerance, StretchRule rule, Joints joints)
   result.start = smooth.stretches.front().first.at;  // a corner may lie before the first piece
   ArcFitter fitter(smooth, tolerance, joints, &result.segments);
   for (const Stretch& stretch : smooth.stretches) {
+    StopIfAsked();
     if (stretch.curved) {
       fitter.Fit(stretch);
     } else {

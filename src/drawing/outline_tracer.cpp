@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstdlib>
 
+#include "base/stop.h"
+
 namespace kerno {
 namespace {
 
@@ -166,6 +168,7 @@ std::vector<OutlineTracer::Run> OutlineTracer::RunsOf(const Polygon& outline) co
   }
   std::vector<Run> runs;
   for (size_t i = 0; i < corners.size(); ++i) {
+    StopIfAsked();
     const GridPoint& to = corners[i + 1 < corners.size() ? i + 1 : 0];
     const Run run = RunAlong(corners[i], to, runs.empty() ? nullptr : &runs.back());
     if (!runs.empty() && GoesOn(runs.back(), run)) {

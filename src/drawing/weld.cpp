@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "base/stop.h"
 #include "drawing/chord_grid.h"
 #include "drawing/filled_area.h"
 #include "drawing/measures.h"
@@ -67,6 +68,7 @@ class Welder {
     }
     for (const std::vector<size_t>& cluster : members) {
       if (cluster.empty()) continue;
+      StopIfAsked();
       if (touched_[cluster[0]]) {
         WeldCluster(cluster, contacts[clusters_.Of(cluster[0])]);
       } else {
@@ -134,6 +136,7 @@ class Welder {
     constexpr int kSides = 4;
     std::vector<Polygon> first;
     for (int i = 0; i < kSides; ++i) {
+      StopIfAsked();  // the library itself cannot be stopped
       const int side = (i + (box.IsWide() ? 1 : 0)) % kSides;
       std::vector<Polygon> outlines =
           Turned(UnionOf(Turned(polygons, side), rule_.fill), (kSides - side) % kSides);

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/file_wait.h"
+#include "base/stop.h"
 #include "base/text.h"
 #include "drawing/measures.h"
 #include "drawing/segment.h"
@@ -60,6 +61,7 @@ class DrawingDxf {
   Status Write() {
     lines_.Put(DxfBeforeEntities(frame_));
     for (size_t n = 0; n < drawing_.placed.size() && status_.ok(); ++n) {
+      StopIfAsked();
       const PlacedShape& placed = drawing_.placed[n];
       const Shape& shape = drawing_.shapes[placed.shape];
       vertices_[placed.shape].resize(shape.size());

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <vector>
 
+#include "base/stop.h"
 #include "drawing/flatten.h"
 #include "drawing/segment.h"
 #include "export/aci.h"
@@ -64,6 +65,7 @@ PartsA PartsOf(const Drawing& drawing, const DrawingStyle& style, double toleran
   const DrawingLayers layers(drawing, style);
   PartsA model;
   for (size_t n = 0; n < drawing.placed.size(); ++n) {
+    StopIfAsked();
     const PlacedShape& placed = drawing.placed[n];
     const std::u16string* layer = nullptr;
     for (const ShapePath& path : drawing.shapes[placed.shape]) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/file_wait.h"
+#include "base/stop.h"
 #include "base/text.h"
 #include "drawing/affine.h"
 #include "drawing/measures.h"
@@ -104,7 +105,10 @@ void DrawingSvg::Group(size_t layer) {
     xml_.Attribute("fill-rule", std::string_view("nonzero"));
   }
   const auto [first, last] = layers_.PlacedOn(layer);
-  for (size_t n = first; n < last; ++n) ShapeOnLayer(drawing_.placed[n], n, layer);
+  for (size_t n = first; n < last; ++n) {
+    StopIfAsked();
+    ShapeOnLayer(drawing_.placed[n], n, layer);
+  }
   xml_.End();
 }
 

@@ -4,6 +4,8 @@
 #include <numbers>
 #include <vector>
 
+#include "base/stop.h"
+
 namespace kerno {
 namespace {
 
@@ -68,6 +70,7 @@ class Visitor {
   const P3& At(int32_t index) const { return pool_[static_cast<size_t>(index)]; }
   // Whether the element may be shown; otherwise it is counted.
   bool Counts(bool can_be_shown) {
+    stop_.Step();
     if (!can_be_shown) ++left_out_;
     return can_be_shown;
   }
@@ -160,6 +163,7 @@ class Visitor {
   std::vector<int32_t> chain_;  // of lines, as far as it goes
   std::vector<int32_t> held_;   // the points of a set that can be shown
   size_t left_out_ = 0;
+  StopNowAndThen stop_;
 };
 
 }  // namespace

@@ -163,6 +163,9 @@ class Drawings(FolderTest):
             done = subprocess.run(command, check=True, capture_output=True, text=True,
                                   env={**os.environ, "FONTCONFIG_FILE": str(fonts)})
             self.assertEqual(is_told, "warning: licence: DejaVu Sans does not permit" in done.stderr, permissions)
+            measured = subprocess.run([KERNO, "measure", "A", "--face", "DejaVu Sans", "--ink"], check=True,
+                                      capture_output=True, text=True, env={**os.environ, "FONTCONFIG_FILE": str(fonts)})
+            self.assertEqual("", measured.stderr, "no outlines leave the program")
 
 
 class WrongUse(FolderTest):

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <future>
+
 #include "app/arithmetic.h"
 #include "app/cut_store.h"
 #include "base/text.h"
@@ -143,7 +145,7 @@ TEST_F(CutPresenterTest, AHeldFileIsTriedAgainAndFailuresAreTold) {
   const Status held =
       Status::Error(Failure::kSharingViolation, u"a.svg", u"another program holds it");
   services.failures = {held, held};
-  view.yes = {true, true};
+  view.answers = {0, 0};
   page->Pressed(kSave);
   EXPECT_TRUE(page->IsWriting());
   Settle("Wrote a.svg");
@@ -186,6 +188,47 @@ TEST_F(CutPresenterTest, RowsOfAListAreSeenAndWrittenAsTheyAreSeen) {
   page->Pressed(kSeriesWrite);
   for (int i = 0; i < 2000 && view.questions.empty(); ++i) Settle("");
   EXPECT_THAT(Utf16ToUtf8(view.questions.at(0)), HasSubstr("2 of the files are there already"));
+  Settle("");
+  WriteBytes(folder / "out" / "1-Ann.dxf", "mine");
+  std::filesystem::remove(folder / "out" / "3-Cid.dxf");
+  view.answers = {std::nullopt, 1, 0};
+  page->Pressed(kSeriesWrite);
+  Settle("Wrote 1 files of 3 rows");
+  EXPECT_THAT(StatusText(), HasSubstr("1 row keeps its files"));
+  EXPECT_EQ("mine", ReadBytes(folder / "out" / "1-Ann.dxf"));
+  EXPECT_EQ(ReadBytes(folder / "one.dxf"), ReadBytes(folder / "out" / "3-Cid.dxf"));
+  page->Pressed(kSeriesWrite);
+  Settle("Wrote 2 files of 3 rows");
+  EXPECT_NE("mine", ReadBytes(folder / "out" / "1-Ann.dxf"));
+}
+
+// A file is written when the test lets it, and stopped where it asks.
+TEST_F(CutPresenterTest, WhatIsWrittenBesideThePageCanBeCancelledAndDraggedLater) {
+  Open();
+  page->drag_patience = 0;
+  std::promise<void> gate;
+  services.gate = gate.get_future().share();
+  EXPECT_EQ("", page->FileToDrag());
+  EXPECT_EQ("", page->FileToDrag()) << "the same file is not written twice";
+  EXPECT_THAT(StatusText(), testing::StartsWith("Writing the file to drag"));
+  page->Pressed(kCopySvg);
+  EXPECT_EQ("", view.svg) << "the window goes on";
+  gate.set_value();
+  Settle("Copied as SVG");
+  EXPECT_THAT(view.svg, HasSubstr("<svg"));
+  EXPECT_EQ(folder / "Ho.dxf", page->FileToDrag());
+  EXPECT_EQ(2, services.writes);
+  WriteBytes(folder / "old.dxf", "old");
+  view.save_answer = folder / "old.dxf";
+  std::promise<void> second;
+  services.gate = second.get_future().share();
+  page->Pressed(kSave);
+  page->Cancelled();
+  second.set_value();
+  Settle(Utf16ToUtf8(PathText(folder / "old.dxf")) + ": stopped by the user");
+  EXPECT_EQ("old", ReadBytes(folder / "old.dxf"));
+  page->drag_patience = 60000;
+  EXPECT_EQ(folder / "Ho.dxf", page->FileToDrag()) << "what is next is not cancelled";
 }
 
 TEST_F(CutPresenterTest, SettingsByANameComeBack) {
@@ -230,6 +273,24 @@ TEST_F(CutPresenterTest, TheWindowGoesOnWhileALongTextIsDrawn) {
     if (StatusText().starts_with("Still")) page->TextChanged(kCutText, second + u" ");
   }
   EXPECT_EQ(1u, page->drawing()->facts.closed) << "the newest text alone";
+}
+
+// An hour of work, did nothing stop it: the newest text comes at once, and so does the end.
+TEST_F(CutPresenterTest, ADrawingThatNobodyWantsIsStopped) {
+  Open(u"I");
+  page->patience = 0;
+  page->TextChanged(kLetterSpacing, u"-19");
+  std::u16string endless;
+  for (int i = 0; i < 40000; ++i) endless += u"gB&"[i % 3];
+  page->TextChanged(kCutText, endless);
+  page->TextChanged(kCutText, u"O");
+  for (int i = 0; i < 12000 && StatusText() == "Drawing..."; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    page->Awake();
+  }
+  EXPECT_EQ(2u, page->drawing()->facts.closed);
+  page->TextChanged(kCutText, endless);
+  page.reset();
 }
 
 TEST_F(CutPresenterTest, TheSampleOfTheFirstStartIsNobodysText) {

@@ -23,7 +23,8 @@ TEST(FaceCatalogue, FindsNamesWhateverTheirSpellingTheBestFirst) {
                                                   {u"Century Gothic"},
                                                   {u"Gothic A1"},
                                                   {u"ヴェール ぽっぷ体"},
-                                                  {u"Größe Ärger", u"Groesse"}}) {
+                                                  {u"Größe Ärger", u"Groesse"},
+                                                  {u"Łódź Åsa \u039C\u03CC\u03BD\u03BF"}}) {
       SearchNames folded;
       for (const std::u16string& name : names) folded.names.push_back(FoldedName(name));
       folded.full_names = {FoldedName(names.front() + u" Bold")};
@@ -40,10 +41,13 @@ TEST(FaceCatalogue, FindsNamesWhateverTheirSpellingTheBestFirst) {
       {u"MS 明朝", {u"ms 明朝"}},
       {u"明朝 mincho", {u"ms 明朝"}},
       {u"GRÖSSE", {}},
-      {u"ärger GRÖ", {u"größe ärger"}},
+      {u"ärger GRÖ", {u"große arger"}},
+      {u"arger gro\u0308", {u"große arger"}},
+      {u"LODZ ａＳＡ", {u"lodz asa μονο"}},
+      {u"łó μόνο", {u"lodz asa μονο"}},
       {u"  ",
        {u"ipaごしっく", u"ms 明朝", u"century gothic", u"gothic a1", u"ゔぇーる ぽっぷ体",
-        u"größe ärger"}},
+        u"große arger", u"lodz asa μονο"}},
       {u"century gothic b", {u"century gothic"}},
       {u"gothic bold", {}},
   };
@@ -125,6 +129,20 @@ TEST(FaceSamples, KeepsAFewPicturesAndDropsThemForAnotherLook) {
   EXPECT_EQ(made, samples.PictureOf(first, look));
   EXPECT_TRUE(samples.MakeNext());
   EXPECT_FALSE(samples.MakeNext());
+  const std::vector<uint8_t> plain(made->Pixels().begin(), made->Pixels().end());
+  const auto& styles = catalogue.StylesOf(first);
+  const auto bold = std::ranges::find(styles, u"Bold", &FaceStyle::own_name) - styles.begin();
+  samples.Choose(FacePick{first, static_cast<size_t>(bold), {}});
+  EXPECT_EQ(nullptr, samples.PictureOf(first, look)) << "it is drawn again in the style chosen";
+  EXPECT_NE(nullptr, samples.PictureOf(second, look));
+  EXPECT_TRUE(samples.MakeNext());
+  const auto pixels = samples.PictureOf(first, look)->Pixels();
+  EXPECT_FALSE(std::ranges::equal(plain, pixels));
+  samples.Choose(FacePick{second, catalogue.RegularStyleOf(second), {}});
+  EXPECT_EQ(nullptr, samples.PictureOf(first, look));
+  EXPECT_NE(nullptr, samples.PictureOf(second, look)) << "it is that of the regular style already";
+  EXPECT_TRUE(samples.MakeNext());
+  EXPECT_TRUE(std::ranges::equal(plain, samples.PictureOf(first, look)->Pixels()));
   look.ink = 0;
   EXPECT_EQ(nullptr, samples.PictureOf(first, look));
 }

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <map>
 #include <optional>
 #include <string>
@@ -31,7 +32,7 @@ class RecordingCutView final : public CutView {
   std::vector<std::u16string> questions;
   std::optional<std::filesystem::path> save_answer, folder_answer;
   std::optional<std::u16string> name_answer;
-  std::vector<bool> yes;  // to questions, one after the other; then no
+  std::vector<std::optional<size_t>> answers;  // to questions, one after the other; then Cancel
   std::atomic<int> wakes = 0;
 
   void ShowText(std::u16string_view now, TextChange) override { text = now; }
@@ -75,9 +76,10 @@ class RecordingCutView final : public CutView {
   std::optional<std::u16string> AskName(std::u16string_view, std::u16string_view) override {
     return name_answer;
   }
-  bool AskWhether(std::u16string_view question, std::u16string_view) override {
+  std::optional<size_t> AskWhich(std::u16string_view question,
+                                 const std::vector<std::u16string>&) override {
     questions.emplace_back(question);
-    return questions.size() <= yes.size() && yes[questions.size() - 1];
+    return questions.size() <= answers.size() ? answers[questions.size() - 1] : std::nullopt;
   }
   void CopyText(std::u16string_view now) override { copied = now; }
   void CopySvg(std::string_view now) override { svg = now; }
@@ -93,6 +95,8 @@ class FakeCutServices final : public CutServices {
   std::filesystem::path folder;
   std::vector<Status> failures;  // of the next writes
   std::vector<std::filesystem::path> opened;
+  std::shared_future<void> gate;  // where there is one, writing waits for it
+  int writes = 0;
 
   Status load = Status::Ok();
   Status LoadCut(CutMemory* now) override {
@@ -107,6 +111,8 @@ class FakeCutServices final : public CutServices {
   std::filesystem::path ScratchFolder() override { return folder; }
   Status WriteDrawing(const CutDrawing& made, const CutJob& job, const DrawingStyle& style,
                       const Format& format, const std::filesystem::path& file) override {
+    if (gate.valid()) gate.wait();
+    ++writes;
     if (failures.empty()) return WriteCut(job, made, style, format, file);
     const Status first = failures.front();
     failures.erase(failures.begin());

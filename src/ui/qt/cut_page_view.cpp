@@ -205,14 +205,20 @@ std::optional<std::u16string> CutPage::AskName(std::u16string_view title,
   return FromQString(name.trimmed());
 }
 
-bool CutPage::AskWhether(std::u16string_view text, std::u16string_view button) {
+std::optional<size_t> CutPage::AskWhich(std::u16string_view text,
+                                        const std::vector<std::u16string>& buttons) {
   QMessageBox box(QMessageBox::Question, window()->windowTitle(), ToQString(text),
                   QMessageBox::NoButton, this);
   box.setTextFormat(Qt::PlainText);
-  const QPushButton* yes = box.addButton(ToQString(button), QMessageBox::AcceptRole);
+  std::vector<const QAbstractButton*> answers;
+  for (const std::u16string& button : buttons) {
+    answers.push_back(box.addButton(ToQString(button), QMessageBox::AcceptRole));
+  }
   box.setDefaultButton(box.addButton(Said(u"Cancel"), QMessageBox::RejectRole));
   box.exec();
-  return box.clickedButton() == yes;
+  const auto answer = std::ranges::find(answers, box.clickedButton());
+  if (answer == answers.end()) return std::nullopt;
+  return static_cast<size_t>(answer - answers.begin());
 }
 
 void CutPage::CopyText(std::u16string_view text) {

@@ -70,7 +70,8 @@ class CutPage final : public CutView {
   std::optional<std::filesystem::path> AskFolder(const std::filesystem::path& start) override;
   std::optional<std::u16string> AskName(std::u16string_view title,
                                         std::u16string_view proposed) override;
-  bool AskWhether(std::u16string_view text, std::u16string_view button) override;
+  std::optional<size_t> AskWhich(std::u16string_view text,
+                                 const std::vector<std::u16string>& buttons) override;
   void CopyText(std::u16string_view text) override;
   void CopySvg(std::string_view svg) override;
   void Print(const Drawing& drawing, std::u16string_view title) override;

@@ -204,8 +204,9 @@ std::optional<std::u16string> CutPage::AskName(std::u16string_view title,
   return AskForName(instance_, parent_, title, proposed);
 }
 
-bool CutPage::AskWhether(std::u16string_view text, std::u16string_view button) {
-  return AskForDecision(parent_, text, button);
+std::optional<size_t> CutPage::AskWhich(std::u16string_view text,
+                                        const std::vector<std::u16string>& buttons) {
+  return AskForDecision(parent_, text, buttons);
 }
 
 void CutPage::CopyText(std::u16string_view text) {

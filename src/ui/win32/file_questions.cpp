@@ -136,25 +136,35 @@ std::optional<std::u16string> AskForName(HINSTANCE instance, HWND owner, std::u1
   return question.answer;
 }
 
-bool AskForDecision(HWND owner, std::u16string_view text, std::u16string_view button) {
+std::optional<size_t> AskForDecision(HWND owner, std::u16string_view text,
+                                     const std::vector<std::u16string>& buttons) {
+  constexpr int kFirst = 100;  // numbers of the buttons, beyond those of the system's own
   const std::wstring question = ToWide(text);
-  const std::wstring yes = ToWide(button);
-  const std::wstring no = ToWide(Say(u"Cancel"));
-  const TASKDIALOG_BUTTON buttons[] = {{IDOK, yes.c_str()}, {IDCANCEL, no.c_str()}};
+  std::vector<std::wstring> captions;
+  for (const std::u16string& button : buttons) captions.push_back(ToWide(button));
+  captions.push_back(ToWide(Say(u"Cancel")));
+  std::vector<TASKDIALOG_BUTTON> shown;
+  for (const std::wstring& caption : captions) {
+    shown.push_back({kFirst + static_cast<int>(shown.size()), caption.c_str()});
+  }
+  shown.back().nButtonID = IDCANCEL;
   TASKDIALOGCONFIG config{};
   config.cbSize = sizeof config;
   config.hwndParent = owner;
   config.dwFlags = TDF_ALLOW_DIALOG_CANCELLATION | TDF_POSITION_RELATIVE_TO_WINDOW;
   config.pszWindowTitle = L"Kerno";
   config.pszContent = question.c_str();
-  config.cButtons = 2;
-  config.pButtons = buttons;
+  config.cButtons = static_cast<UINT>(shown.size());
+  config.pButtons = shown.data();
   config.nDefaultButton = IDCANCEL;
   int pressed = IDCANCEL;
   if (FAILED(TaskDialogIndirect(&config, &pressed, nullptr, nullptr))) {
+    // Boxes with buttons of any name are not there: OK stands for the first one.
     pressed = MessageBoxW(owner, question.c_str(), L"Kerno", MB_OKCANCEL | MB_DEFBUTTON2);
+    if (pressed == IDOK) pressed = kFirst;
   }
-  return pressed == IDOK;
+  if (pressed < kFirst) return std::nullopt;
+  return static_cast<size_t>(pressed - kFirst);
 }
 
 }  // namespace kerno

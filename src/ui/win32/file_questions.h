@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/cut_view.h"
 #include "platform/win32/windows_api.h"
@@ -17,7 +18,8 @@ std::optional<std::filesystem::path> AskForOpen(HWND owner, const OpenQuestion& 
 std::optional<std::filesystem::path> AskForFolder(HWND owner, const std::filesystem::path& start);
 std::optional<std::u16string> AskForName(HINSTANCE instance, HWND owner, std::u16string_view title,
                                          std::u16string_view proposed);
-// Whether the button was pressed; the other one cancels.
-bool AskForDecision(HWND owner, std::u16string_view text, std::u16string_view button);
+// Which of the buttons was pressed; there is one more, which cancels.
+std::optional<size_t> AskForDecision(HWND owner, std::u16string_view text,
+                                     const std::vector<std::u16string>& buttons);
 
 }  // namespace kerno
