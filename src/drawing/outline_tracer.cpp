@@ -126,10 +126,9 @@ OutlineTracer::Run OutlineTracer::RunAlong(const GridPoint& from, const GridPoin
   if (best.piece != kNoPiece) return best;
   // Between two crossings.
   const GridBox box = {{from.x - kNear, from.y - kNear}, {from.x + kNear, from.y + kNear}};
-  for (const size_t path : paths_) {
-    if (!grid_.BoxOf(path).Overlaps(box)) continue;
-    grid_.Boxes().ForEachNear(box, grid_.ChordsBegin(path), grid_.ChordsBegin(path + 1), consider);
-  }
+  grid_.Boxes().ForEachNear(box, 0, grid_.Chords().size(), [&](size_t chord) {
+    if (std::ranges::binary_search(paths_, grid_.Chords()[chord].path)) consider(chord);
+  });
   return best;
 }
 
