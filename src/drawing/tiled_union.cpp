@@ -110,8 +110,8 @@ std::vector<Polygon> Turned(std::vector<Polygon> polygons, int quarters) {
   return polygons;
 }
 
-std::vector<Polygon> UnionFrom(int side, const std::vector<Polygon>& polygons, FillRule fill) {
-  return Turned(UnionOf(Turned(polygons, side), fill), (kSides - side) % kSides);
+std::vector<Polygon> UnionFrom(int side, std::vector<Polygon> polygons, FillRule fill) {
+  return Turned(UnionOf(Turned(std::move(polygons), side), fill), (kSides - side) % kSides);
 }
 
 // With one frame around the box for each time that something goes around it.

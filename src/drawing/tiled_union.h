@@ -15,7 +15,7 @@ struct TilingRule {
   int around = 0;  // how often others go around the whole box already
   int side = 0;    // by so many quarters of a turn the plane is turned for the library
   // So many corners go to the library at once, in one piece.
-  size_t most_at_once = 8000;
+  size_t most_at_once = 30000;
   // Those of more polygons are divided until a tile has no more than this, where that helps.
   size_t most_in_tile = 600;
 };

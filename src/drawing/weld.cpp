@@ -166,9 +166,24 @@ class Welder {
   WeldResult result_;
 };
 
+// Whether some of the first paths touch by coarse chords: where letters overlap, few are enough to
+// tell. Of few paths it says nothing.
+bool FirstOnesTouch(std::span<const Path> paths, double tolerance) {
+  constexpr size_t kFirst = 4;
+  if (paths.size() < 2 * kFirst) return false;
+  const ChordGrid grid(paths.first(kFirst), tolerance * kCoarseShare, ChordGrid::Closing::kAll,
+                       paths.subspan(kFirst));
+  bool touch = false;
+  grid.ForEachContact([&](size_t, size_t, Contact) { touch = true; });
+  return touch;
+}
+
 }  // namespace
 
 WeldResult UnionOf(std::span<const Path> paths, double tolerance, const UnionRule& rule) {
+  if (FirstOnesTouch(paths, tolerance)) {
+    return Welder(paths, tolerance * kChordShare, rule).Run();
+  }
   Welder coarse(paths, tolerance * kCoarseShare, rule);
   if (!coarse.FoundContacts()) return coarse.Run();
   return Welder(paths, tolerance * kChordShare, rule).Run();
