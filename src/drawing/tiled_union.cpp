@@ -55,7 +55,9 @@ struct Seam {
   Axis axis = Axis::kX;  // the coordinate that all of its points share
   int32_t at = 0;
 
-  auto operator<=>(const Seam&) const = default;
+  bool operator<(const Seam& other) const {
+    return axis != other.axis ? axis < other.axis : at < other.at;
+  }
 };
 
 // Where an edge crosses, rounded to the grid; the same in both directions of the edge.
@@ -317,9 +319,7 @@ class Stitcher {
 
   std::vector<Polygon> Outlines() && {
     AddSeams();
-    std::vector<size_t> order(chains_.size());
-    for (size_t i = 0; i < order.size(); ++i) order[i] = i;
-    by_start_ = std::move(order);
+    for (size_t i = 0; i < chains_.size(); ++i) by_start_.push_back(i);
     std::ranges::stable_sort(by_start_, [&](size_t a, size_t b) {
       return IsBefore(chains_[a].front(), chains_[b].front());
     });
@@ -359,7 +359,9 @@ class Stitcher {
 
   // What is left of the edges along seams.
   void AddSeams() {
-    for (auto& [seam, steps] : seams_) {
+    for (auto& each : seams_) {
+      const Seam& seam = each.first;
+      std::vector<Step>& steps = each.second;
       std::ranges::stable_sort(steps, {}, &Step::at);
       const auto point = [&](int32_t at) {
         return seam.axis == Axis::kX ? GridPoint{seam.at, at} : GridPoint{at, seam.at};
