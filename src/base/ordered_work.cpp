@@ -1,5 +1,6 @@
 #include "base/ordered_work.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
@@ -13,6 +14,10 @@ namespace kerno {
 namespace {
 
 constexpr size_t kSlotsForAWorker = 32;  // so that one slow piece holds up nobody
+// Of the slots, what the workers still have before them when more is handed to them.
+constexpr size_t kShareInReserve = 4;
+// So long what is finished may wait for more of its kind.
+constexpr std::chrono::milliseconds kPatience(50);
 
 // Pieces are counted in the order in which they are taken; piece n stands in slot n % slots.
 class Threads {
@@ -63,19 +68,23 @@ class Threads {
     taken_one_.notify_all();
   }
 
-  // Gives what is finished and next in order.
+  bool IsNextDone() const { return given_ < taken_ && is_done_[given_ % is_done_.size()]; }
+  bool RunsLow() const { return taken_ - begun_ <= is_done_.size() / kShareInReserve; }
+
+  // Gives what is finished and next in order. Waking up for each piece would take a processor away
+  // from the workers that often: it comes together until they run out of work.
   void Give(Wait wait) {
     std::unique_lock lock(mutex_);
-    const auto is_ready = [&] { return given_ < taken_ && is_done_[given_ % is_done_.size()]; };
-    if (wait == Wait::kForTheNext) done_one_.wait(lock, is_ready);
-    while (is_ready()) {
-      const size_t slot = given_ % is_done_.size();
-      lock.unlock();
-      job_.give(slot);
-      lock.lock();
-      is_done_[slot] = false;
-      ++given_;
+    if (wait == Wait::kForTheNext) {
+      done_one_.wait_for(lock, kPatience, [&] { return IsNextDone() && RunsLow(); });
+      done_one_.wait(lock, [&] { return IsNextDone(); });
     }
+    uint64_t ready = given_;
+    while (ready < taken_ && is_done_[ready % is_done_.size()]) ++ready;
+    lock.unlock();
+    for (uint64_t piece = given_; piece < ready; ++piece) job_.give(piece % is_done_.size());
+    lock.lock();
+    for (; given_ < ready; ++given_) is_done_[given_ % is_done_.size()] = false;
   }
 
   void Work(size_t number) {
@@ -89,7 +98,7 @@ class Threads {
       job_.work(piece % is_done_.size(), number);
       lock.lock();
       is_done_[piece % is_done_.size()] = true;
-      if (piece == given_) done_one_.notify_one();
+      if (piece == given_ || RunsLow()) done_one_.notify_one();
     }
   }
 

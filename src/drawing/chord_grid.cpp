@@ -91,7 +91,8 @@ Contact ContactOf(const Chord& a, const Chord& b) {
   return touch ? Contact::kTouch : Contact::kNone;
 }
 
-ChordGrid::ChordGrid(std::span<const Path> paths, double tolerance, Closing closing)
+ChordGrid::ChordGrid(std::span<const Path> paths, double tolerance, Closing closing,
+                     std::span<const Path> beside)
     : tolerance_(tolerance) {
   Box2 all;
   std::vector<Box2> boxes;
@@ -100,6 +101,9 @@ ChordGrid::ChordGrid(std::span<const Path> paths, double tolerance, Closing clos
     segments += path.segments.size();
     boxes.push_back(IsFinite(path) ? kerno::BoxOf(path) : Box2{});
     Include(&all, boxes.back());
+  }
+  for (const Path& path : beside) {
+    if (IsFinite(path)) Include(&all, kerno::BoxOf(path));
   }
   constexpr size_t kUsualParts = 6;
   pieces_.reserve(segments);

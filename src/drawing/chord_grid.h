@@ -33,9 +33,11 @@ class ChordGrid {
  public:
   // The chords stay within `tolerance` of the paths, closer where a path is small, and paths that
   // run along the same curve in either direction get the same chords. Paths with a coordinate that
-  // is not a finite number have none. Open paths are closed by a chord if `close` says so.
+  // is not a finite number have none. Open paths are closed by a chord if `close` says so. Chords
+  // are the same on every grid whose paths and `beside` have the same box together.
   enum class Closing { kAsTheyAre, kAll };
-  ChordGrid(std::span<const Path> paths, double tolerance, Closing closing);
+  ChordGrid(std::span<const Path> paths, double tolerance, Closing closing,
+            std::span<const Path> beside = {});
 
   const std::vector<Piece>& Pieces() const { return pieces_; }
   const std::vector<Chord>& Chords() const { return chords_; }

@@ -102,36 +102,43 @@ OutlineTracer::Run OutlineTracer::PartOf(size_t index, const GridPoint& from,
   return {chord.piece, chord.path, t_at(from), t_at(to), from, to};
 }
 
-// Of several chords, the one that goes on from the run before.
+// Of several chords, the one that goes on from the run before; rather one that is the whole edge
+// than one that it is a part of.
 OutlineTracer::Run OutlineTracer::RunAlong(const GridPoint& from, const GridPoint& to,
                                            const Run* before) const {
   Run best = {kNoPiece, 0, 0, 0, from, to};
-  bool is_best_whole = false, goes_on = false;
+  bool goes_on = false;
   const auto consider = [&](size_t chord) {
-    const Chord& c = grid_.Chords()[chord];
-    const bool is_whole = (c.from == from && c.to == to) || (c.from == to && c.to == from);
-    if (!is_whole && (is_best_whole || !IsAlong(chord, from, to))) return;
     const Run run = PartOf(chord, from, to);
     if (run.from == run.to) return;
     const bool continues = before && (GoesOn(*before, run) || MeetAtEnds(*before, run));
-    if (best.piece != kNoPiece && is_whole == is_best_whole && (goes_on || !continues)) return;
+    if (best.piece != kNoPiece && (goes_on || !continues)) return;
     best = run;
-    is_best_whole = is_whole;
     goes_on = continues;
   };
-  for (const GridPoint& p : {from, to}) {
-    ForEachChordFrom(p, [&](size_t chord) {
-      consider(chord);
-      consider(grid_.ChordBefore(chord));
-    });
-  }
+  const auto consider_near = [&](size_t chord) {
+    if (IsAlong(chord, from, to)) consider(chord);
+  };
+  const auto for_each_at_ends = [&](const auto& visit) {
+    for (const GridPoint& p : {from, to}) {
+      ForEachChordFrom(p, [&](size_t chord) {
+        visit(chord);
+        visit(grid_.ChordBefore(chord));
+      });
+    }
+  };
+  for_each_at_ends([&](size_t chord) {
+    const Chord& c = grid_.Chords()[chord];
+    if ((c.from == from && c.to == to) || (c.from == to && c.to == from)) consider(chord);
+  });
+  if (best.piece != kNoPiece) return best;
+  for_each_at_ends(consider_near);
   if (best.piece != kNoPiece) return best;
   // Between two crossings.
   const GridBox box = {{from.x - kNear, from.y - kNear}, {from.x + kNear, from.y + kNear}};
-  for (const size_t path : paths_) {
-    if (!grid_.BoxOf(path).Overlaps(box)) continue;
-    grid_.Boxes().ForEachNear(box, grid_.ChordsBegin(path), grid_.ChordsBegin(path + 1), consider);
-  }
+  grid_.Boxes().ForEachNear(box, 0, grid_.Chords().size(), [&](size_t chord) {
+    if (std::ranges::binary_search(paths_, grid_.Chords()[chord].path)) consider_near(chord);
+  });
   return best;
 }
 

@@ -16,7 +16,7 @@ struct TracedOutline {
 };
 
 // Finds the chords of some paths along which the edges of an outline run. Grid and paths must
-// outlive it.
+// outlive it; the paths are sorted.
 class OutlineTracer {
  public:
   OutlineTracer(const ChordGrid& grid, const std::vector<size_t>& paths);

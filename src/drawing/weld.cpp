@@ -8,6 +8,7 @@
 #include "drawing/filled_area.h"
 #include "drawing/measures.h"
 #include "drawing/outline_tracer.h"
+#include "drawing/tiled_union.h"
 
 namespace kerno {
 namespace {
@@ -117,9 +118,9 @@ class Welder {
         polygon.push_back(grid_.Chords()[i].from);
       }
     }
-    AddFrames(box, WindingAround(cluster[0]), &polygons);
     const OutlineTracer tracer(grid_, cluster);
-    for (const Polygon& outline : CheckedUnion(polygons, box, contacts)) {
+    for (const Polygon& outline :
+         CheckedUnion(polygons, box, WindingAround(cluster[0]), contacts)) {
       TracedOutline traced = tracer.Trace(outline);
       if (traced.path.segments.empty() || IsThin(traced.path)) continue;
       for (const uint32_t source : traced.sources) result_.vanished[source] = false;
@@ -131,15 +132,14 @@ class Welder {
   // It goes through the plane from bottom to top, with all at hand that it meets on the way: a line
   // of text is looked at from its end.
   std::vector<Polygon> CheckedUnion(const std::vector<Polygon>& polygons, const GridBox& box,
-                                    std::span<const ChordContact> contacts) const {
+                                    int around, std::span<const ChordContact> contacts) const {
     const FilledArea wanted = FilledAreas(grid_, rule_).Of(contacts);
     constexpr int kSides = 4;
     std::vector<Polygon> first;
     for (int i = 0; i < kSides; ++i) {
       StopIfAsked();  // the library itself cannot be stopped
       const int side = (i + (box.IsWide() ? 1 : 0)) % kSides;
-      std::vector<Polygon> outlines =
-          Turned(UnionOf(Turned(polygons, side), rule_.fill), (kSides - side) % kSides);
+      std::vector<Polygon> outlines = TiledUnion(polygons, box, {rule_.fill, around, side});
       std::erase_if(outlines, [&](const Polygon& outline) { return !IsInside(outline, box); });
       if (std::fabs(AreaOf(outlines) - wanted.area) <= wanted.slack) return outlines;
       if (i == 0) first = std::move(outlines);
@@ -147,33 +147,9 @@ class Welder {
     return first;
   }
 
-  // By so many quarters of a turn.
-  static std::vector<Polygon> Turned(std::vector<Polygon> polygons, int quarters) {
-    for (Polygon& polygon : polygons) {
-      for (GridPoint& p : polygon) {
-        for (int i = 0; i < quarters; ++i) p = {-p.y, p.x};
-      }
-    }
-    return polygons;
-  }
-
   bool IsThin(const Path& path) const {
     return rule_.thinnest > 0 &&
            std::fabs(SignedAreaOf(path)) < 0.5 * LengthOf(path) * rule_.thinnest;
-  }
-
-  // Around the cluster, what goes around it: one frame each time.
-  static void AddFrames(const GridBox& box, int winding, std::vector<Polygon>* polygons) {
-    for (int i = 1; i <= std::abs(winding); ++i) {
-      constexpr int32_t kApart = 16;
-      const int32_t left = box.min.x - i * kApart;
-      const int32_t right = box.max.x + i * kApart;
-      const int32_t low = box.min.y - i * kApart;
-      const int32_t high = box.max.y + i * kApart;
-      Polygon frame = {{left, low}, {right, low}, {right, high}, {left, high}};
-      if (winding < 0) std::reverse(frame.begin(), frame.end());
-      polygons->push_back(std::move(frame));
-    }
   }
 
   // Not an outline of the frames.
@@ -193,9 +169,24 @@ class Welder {
   WeldResult result_;
 };
 
+// Whether some of the first paths touch by coarse chords: where letters overlap, few are enough to
+// tell. Of few paths it says nothing.
+bool FirstOnesTouch(std::span<const Path> paths, double tolerance) {
+  constexpr size_t kFirst = 4;
+  if (paths.size() < 2 * kFirst) return false;
+  const ChordGrid grid(paths.first(kFirst), tolerance * kCoarseShare, ChordGrid::Closing::kAll,
+                       paths.subspan(kFirst));
+  bool touch = false;
+  grid.ForEachContact([&](size_t, size_t, Contact) { touch = true; });
+  return touch;
+}
+
 }  // namespace
 
 WeldResult UnionOf(std::span<const Path> paths, double tolerance, const UnionRule& rule) {
+  if (FirstOnesTouch(paths, tolerance)) {
+    return Welder(paths, tolerance * kChordShare, rule).Run();
+  }
   Welder coarse(paths, tolerance * kCoarseShare, rule);
   if (!coarse.FoundContacts()) return coarse.Run();
   return Welder(paths, tolerance * kChordShare, rule).Run();

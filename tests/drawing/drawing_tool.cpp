@@ -2,7 +2,8 @@
 // that measure it with other tools. A path is one line: "closed" or "open", its start, then its
 // segments: "l x y", "a x y bulge", "q x y x y", "c x y x y x y", control points first.
 //
-//   drawing_tool flatten|arcs|weld|area TOLERANCE | offset TOLERANCE DISTANCE <paths
+//   drawing_tool flatten|arcs|weld|area TOLERANCE | offset TOLERANCE DISTANCE | tiles TOLERANCE
+//   AROUND <paths
 
 #include <cstdlib>
 #include <cstring>
@@ -15,6 +16,7 @@
 #include "drawing/fit_arcs.h"
 #include "drawing/flatten.h"
 #include "drawing/offset.h"
+#include "drawing/tiled_union.h"
 #include "drawing/weld.h"
 
 namespace kerno {
@@ -80,28 +82,53 @@ Path Chords(const Path& path, double tolerance) {
   return chords;
 }
 
+std::vector<Polygon> PolygonsOf(const ChordGrid& grid) {
+  std::vector<Polygon> polygons(grid.PathCount());
+  for (const Chord& chord : grid.Chords()) polygons[chord.path].push_back(chord.from);
+  return polygons;
+}
+
+// In as many tiles as there can be.
+void PrintTiledUnion(const std::vector<Path>& paths, double tolerance, int around) {
+  const ChordGrid grid(paths, tolerance, ChordGrid::Closing::kAll);
+  GridBox box;
+  for (size_t i = 0; i < grid.PathCount(); ++i) Include(&box, grid.BoxOf(i));
+  TilingRule rule;
+  rule.around = around;
+  rule.most_at_once = 0;
+  rule.most_in_tile = 12;
+  for (const Polygon& outline : TiledUnion(PolygonsOf(grid), box, rule)) {
+    Path path;
+    path.closed = true;
+    path.start = grid.InPlane(outline.back());
+    for (const GridPoint& p : outline) path.segments.push_back({.end = grid.InPlane(p)});
+    Print(path);
+  }
+}
+
 // What paths fill that touch each other, by windings and by the polygon library.
 void PrintAreas(const std::vector<Path>& paths, double tolerance) {
   const ChordGrid grid(paths, tolerance, ChordGrid::Closing::kAll);
   std::vector<ChordContact> contacts;
   grid.ForEachContact([&](size_t a, size_t b, Contact) { contacts.push_back({a, b}); });
-  std::vector<Polygon> polygons(paths.size());
-  for (const Chord& chord : grid.Chords()) polygons[chord.path].push_back(chord.from);
   const FilledArea filled = FilledAreas(grid, UnionRule{}).Of(contacts);
   const double square = grid.Unit() * grid.Unit();
   std::cout << filled.area * square << ' ' << filled.slack * square << ' '
-            << AreaOf(UnionOf(polygons, FillRule::kNonZero)) * square << '\n';
+            << AreaOf(UnionOf(PolygonsOf(grid), FillRule::kNonZero)) * square << '\n';
 }
 
-int Run(const std::string& stage, double tolerance, double distance) {
+// `more` is the distance of an offset, or how often others go around the plane.
+int Run(const std::string& stage, double tolerance, double more) {
   std::cout.precision(17);
   const std::vector<Path> paths = ReadPaths(std::cin);
   if (stage == "weld") {
     for (const WeldedPath& welded : Weld(paths, tolerance).paths) Print(welded.path);
   } else if (stage == "area") {
     PrintAreas(paths, tolerance);
+  } else if (stage == "tiles") {
+    PrintTiledUnion(paths, tolerance, static_cast<int>(more));
   } else if (stage == "offset") {
-    for (const Path& path : Offset(paths, distance, tolerance).paths) Print(path);
+    for (const Path& path : Offset(paths, more, tolerance).paths) Print(path);
   } else {
     for (const Path& path : paths) {
       Print(stage == "arcs" ? FitArcs(path, tolerance) : Chords(path, tolerance));

@@ -4,12 +4,14 @@
 usage: outlines_test.py DRAWING_TOOL
 """
 import math
+import os
 import random
 import subprocess
 import sys
 import unittest
 
 from shapely.geometry import Point
+from shapely.ops import unary_union
 
 from outlines import Face, dense, faces, farthest, filled, run, text_of, turns
 
@@ -85,6 +87,53 @@ class Welds(unittest.TestCase):
                 self.assertEqual(set(thick), {0, 1} & set(thick))
                 # Parts of the curves themselves, not of chords.
                 self.assertLess(sum(map(len, welded)), 1.3 * sum(map(len, outlines)))
+
+
+class Tiles(unittest.TestCase):
+    """Unions that are made in parts."""
+
+    def check(self, contours, tolerance, around=0):
+        tiled = run(TOOL, "tiles", tolerance, contours, around)
+        wanted = [(face, (winds + around != 0) - (around != 0)) for face, winds in faces(contours, 1)]
+        found = faces(tiled, 1)
+        size = tolerance / 64  # a few steps of the grid
+        inside = unary_union([face for face, winds in wanted])
+        for winds in (-1, 1):  # unfilled in a plane that is filled, and filled in an empty one
+            one = unary_union([face for face, w in wanted if w == winds])
+            # The plane's own outline goes around everything.
+            other = unary_union([face for face, w in found if w - (around != 0) == winds])
+            strays = one.symmetric_difference(other.intersection(inside))
+            self.assertEqual(strays.buffer(-size).area, 0, f"{around}: {contours}")
+        return tiled
+
+    def test_fill_what_tangles_fill(self):
+        chance = random.Random(8)
+        for _ in range(24):
+            contours = []
+            for _ in range(chance.randint(1, 8)):
+                # On a coarse grid, where corners meet and edges run along each other.
+                points = [(chance.randint(0, 6), chance.randint(0, 6)) for _ in range(chance.randint(3, 12))]
+                contours.append([(p, q) for p, q in zip(points, points[1:] + points[:1]) if p != q])
+            for around in (-1, 0, 1):
+                self.check(contours, 0.001, around)
+
+    def test_join_a_line_of_letters(self):
+        outlines = Face("DejaVu Sans").contours("WxOHW" * 8, 0.7)
+        chords = run(TOOL, "flatten", 0.001, outlines)
+        self.assertEqual(len(self.check(chords, 0.001)), len(run(TOOL, "weld", 0.01, outlines)))
+
+    def test_keep_curves_and_do_not_depend_on_processors(self):
+        # More than go to the polygon library at once.
+        outlines = Face("Inter").contours("Sphi&x8" * 24, 0.75)
+        welded = run(TOOL, "weld", 0.001, outlines)
+        self.assertLess(filled(outlines, 40).symmetric_difference(filled(welded, 40)).buffer(-0.001).area, 1e-9)
+        self.assertLess(sum(map(len, welded)), 1.1 * sum(map(len, outlines)))
+        everywhere = os.sched_getaffinity(0)
+        try:
+            os.sched_setaffinity(0, {min(everywhere)})
+            self.assertEqual(welded, run(TOOL, "weld", 0.001, outlines))
+        finally:
+            os.sched_setaffinity(0, everywhere)
 
 
 def area_of(contour):
