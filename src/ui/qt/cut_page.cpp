@@ -196,6 +196,8 @@ QWidget* CutPage::MakeField(const CutControlRow& row) {
   if (row.kind == ControlKind::kSearch) {
     field->setClearButtonEnabled(true);
     field->installEventFilter(this);
+  } else if (row.id != ControlId::kLayerName && row.id != ControlId::kSeriesNames) {
+    TakeNumbersAsTyped(field);
   }
   connect(field, &QLineEdit::textChanged, this,
           UnlessShown([this, id = row.id](const QString& text) {

@@ -1,6 +1,8 @@
 #include "ui/qt/fields.h"
 
 #include <QAbstractItemView>
+#include <QGuiApplication>
+#include <QInputMethodQueryEvent>
 #include <QPainter>
 #include <QWheelEvent>
 #include <algorithm>
@@ -31,11 +33,33 @@ class WheelGuard final : public QObject {
   }
 };
 
+// Edits answer that they want an input method, whatever their attribute says.
+class InputMethodGuard final : public QObject {
+ public:
+  using QObject::QObject;
+  bool eventFilter(QObject* object, QEvent* event) override {
+    if (event->type() != QEvent::InputMethodQuery) return false;
+    object->event(event);
+    static_cast<QInputMethodQueryEvent*>(event)->setValue(Qt::ImEnabled, false);
+    event->accept();
+    return true;
+  }
+};
+
 }  // namespace
 
 void LeaveWheelAlone(QWidget* control) {
   control->setFocusPolicy(Qt::StrongFocus);
   control->installEventFilter(new WheelGuard(control));
+}
+
+// On X11 an input method knows nothing of hints: of a number it would make a word to be confirmed.
+// On other systems keyboards on the screen come through input methods, and follow the hints.
+void TakeNumbersAsTyped(QWidget* field) {
+  field->setInputMethodHints(Qt::ImhPreferNumbers | Qt::ImhNoPredictiveText);
+  if (QGuiApplication::platformName() == QLatin1String("xcb")) {
+    field->installEventFilter(new InputMethodGuard(field));
+  }
 }
 
 void PaintFault(QWidget* control) {

@@ -15,6 +15,10 @@ namespace kerno {
 // The wheel scrolls what the control stands in; it changes a control only that has the keyboard.
 void LeaveWheelAlone(QWidget* control);
 
+// Digits and units go into the field as they are typed, whatever language the keyboard is set to.
+// `field` is what has the keyboard.
+void TakeNumbersAsTyped(QWidget* field);
+
 // A red frame along the edge of a control.
 void PaintFault(QWidget* control);
 
