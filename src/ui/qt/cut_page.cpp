@@ -384,6 +384,7 @@ QWidget* CutPage::MakePanel() {
   scroller_->setFocusPolicy(Qt::NoFocus);
   scroller_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   scroller_->setWidget(panel_);
+  ScrollToFocus(scroller_);
   panel_->installEventFilter(this);
   return scroller_;
 }

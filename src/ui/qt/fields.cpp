@@ -1,9 +1,10 @@
 #include "ui/qt/fields.h"
 
 #include <QAbstractItemView>
-#include <QGuiApplication>
+#include <QApplication>
 #include <QInputMethodQueryEvent>
 #include <QPainter>
+#include <QScrollArea>
 #include <QWheelEvent>
 #include <algorithm>
 
@@ -51,6 +52,16 @@ class InputMethodGuard final : public QObject {
 void LeaveWheelAlone(QWidget* control) {
   control->setFocusPolicy(Qt::StrongFocus);
   control->installEventFilter(new WheelGuard(control));
+}
+
+// The toolkit scrolls for the Tab key alone, and only between two controls of the area.
+void ScrollToFocus(QScrollArea* scroller) {
+  QObject::connect(qApp, &QApplication::focusChanged, scroller,
+                   [scroller](const QWidget*, QWidget* now) {
+                     const bool by_pointer = QGuiApplication::mouseButtons() != Qt::NoButton;
+                     if (by_pointer || !now || !scroller->isAncestorOf(now)) return;
+                     scroller->ensureWidgetVisible(now);
+                   });
 }
 
 // On X11 an input method knows nothing of hints: of a number it would make a word to be confirmed.

@@ -218,6 +218,7 @@ QWidget* MainWindow::MakeClassicPage() {
     }
   }
   scroller->setWidget(content);
+  ScrollToFocus(scroller);
   return page;
 }
 
