@@ -47,6 +47,11 @@ class LookingDesk(DragDesk):
         left, top, width, _ = self.control(name, role)["place"]
         return self.color_at((left + width - 24, top + 8))
 
+    def brightness_of(self, button):
+        """At its left edge, 0 to 255."""
+        left, top, _, height = self.control(button, "push button")["place"]
+        return sum(map(int, self.color_at((left + 4, top + height - 5)).split(","))) / 3
+
     def corner_of_preview(self):
         """Of the paper, beside rulers and drawing."""
         left, top, width, height = self.control("Preview")["place"]
@@ -79,6 +84,9 @@ def check_colors(desk, folder):
             contrast = desk.contrast_of(folder / "status.png", status["place"])
             assert contrast >= LEGIBLE, f"{mode}, {name}: the status line has a contrast of {contrast}"
             desk.picture(folder / f"live-{mode}-{name}.png")
+            if mode == "cut":
+                buttons = [desk.brightness_of(button) for button in ("Other formats", "Copy as SVG")]
+                assert abs(buttons[0] - buttons[1]) < LEGIBLE, f"{name}: of two buttons one is not {name}"
         desk.press("Text", "text")
         if mode == "classic":
             desk.choose_cut()

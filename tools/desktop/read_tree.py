@@ -3,8 +3,8 @@
 
 usage: read_tree.py APPLICATION
 
-Each object has its depth, role, name, the captions before it, description, text or null, value or null, states, and its place on the screen as
-left, top, width, height.
+Each object has its depth, role, name, the captions before it, description, text or null, value or null,
+states, and its place on the screen as left, top, width, height.
 """
 import json
 import sys

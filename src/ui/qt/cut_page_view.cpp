@@ -181,6 +181,11 @@ void CutPage::changeEvent(QEvent* event) {
   for (const PanelLine& line : lines_) ShowInk(line.fault, StatusKind::kFailure);
   ShowInk(status_, status_shown_.kind);
   status_->Show(status_shown_.text, status_shown_.links);
+  // Nor does what has a style sheet.
+  QWidget* const menu = controls_.at(ControlId::kSaveMenu);
+  const QString style = menu->styleSheet();
+  menu->setStyleSheet(QString());
+  menu->setStyleSheet(style);
 }
 
 std::optional<fs::path> CutPage::AskSave(const SaveQuestion& question) {

@@ -33,7 +33,7 @@ void SaveAtExit() {
 
 }  // namespace
 
-void KeepAtTheEnd(QObject* owner, std::function<void()> save) {
+void KeepAtTheEnd(QObject* owner, const std::function<void()>& save) {
   static const bool is_registered = std::atexit(SaveAtExit) == 0;
   (void)is_registered;  // without it a lost display loses the last words
   g_last_save = save;

@@ -32,7 +32,8 @@ class NamedCombo final : public QAccessibleWidget {
   QString text(QAccessible::Text kind) const override {
     if (kind == QAccessible::Value) return combo_->currentText();
     if (kind != QAccessible::Name) return QAccessibleWidget::text(kind);
-    const QString chosen = combo_->currentText(), name = combo_->accessibleName();
+    QString chosen = combo_->currentText();
+    const QString name = combo_->accessibleName();
     if (name.isEmpty() || !relations(QAccessible::Label).isEmpty()) return chosen;
     return name + QStringLiteral(": ") + chosen;
   }
