@@ -57,6 +57,11 @@ class DesktopSession:
         return self.home / "tmp" / "Kerno.tmp"
 
     def __enter__(self):
+        self.start_server()
+        self.start()
+        return self
+
+    def start_server(self):
         read_end, write_end = os.pipe()
         # Without -noreset the display starts again when its last client leaves, and drops who comes then.
         self.server = subprocess.Popen(
@@ -65,8 +70,6 @@ class DesktopSession:
         os.close(write_end)
         with os.fdopen(read_end) as answer:
             self.environment["DISPLAY"] = ":" + answer.readline().strip()
-        self.start()
-        return self
 
     def start(self):
         self.process = subprocess.Popen(self.program, env=self.environment)

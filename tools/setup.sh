@@ -1,9 +1,10 @@
 #!/bin/sh
 # Installs the Debian packages that building, running and testing need, and those of the groups that are named:
-# tools/setup.sh [windows] [packages] [programs]
+# tools/setup.sh [windows] [packages] [programs] [desktop]
 #   windows   to build and test the Windows programs
 #   packages  to make and try what users install
 #   programs  large programs that open our drawings
+#   desktop   what stands around a window: an input method, a print server, assistive technology
 # Does nothing when all are there. The tests see the faces of the font packages alone: tests/fonts.conf names them.
 set -e
 packages="g++ clang libclang-rt-14-dev cmake ninja-build ccache pkg-config
@@ -35,8 +36,12 @@ for group in "$@"; do
     programs)
       packages="$packages inkscape python3-lxml python3-cssselect freecad-python3 librecad openscad"
       ;;
+    desktop)
+      packages="$packages dbus-daemon openbox x11-utils ibus ibus-kkc at-spi2-core python3-gi gir1.2-atspi-2.0
+ gir1.2-gtk-3.0 cups-daemon cups-client poppler-utils imagemagick xvfb xdotool"
+      ;;
     *)
-      echo "setup: no group \"$group\": windows, packages, programs" >&2
+      echo "setup: no group \"$group\": windows, packages, programs, desktop" >&2
       exit 2
       ;;
   esac

@@ -5,6 +5,7 @@
 
 #include "app/cut.h"
 #include "app/cut_memory.h"
+#include "app/own_scratch.h"
 #include "export/drawing_style.h"
 #include "export/formats.h"
 #include "platform/status.h"
@@ -21,8 +22,8 @@ class CutServices {
 
   // The user's documents, or what comes nearest.
   virtual std::filesystem::path Documents() = 0;
-  // For files of this run that other programs are given; made when it is asked for. Empty when it
-  // cannot be had.
+  // For files of this run that other programs are given; made when it is asked for, gone with this.
+  // Empty when it cannot be had.
   virtual std::filesystem::path ScratchFolder() = 0;
 
   // Writes the drawing, whole or not at all. Called beside the window.
@@ -46,6 +47,7 @@ class SystemCutServices final : public CutServices {
 
  private:
   CutMemory loaded_;  // as this window read or wrote it last
+  OwnScratch scratch_;
 };
 
 }  // namespace kerno

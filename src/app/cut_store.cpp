@@ -21,7 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::u16string_view kFile = u"Kerno_Cut.txt";
-constexpr std::u16string_view kScratch = u"Kerno.drag";
 
 void AppendLine(std::u16string* out, std::initializer_list<std::u16string_view> words) {
   bool is_first = true;
@@ -194,10 +193,7 @@ fs::path SystemCutServices::Documents() {
 }
 
 fs::path SystemCutServices::ScratchFolder() {
-  const fs::path temp = OwnTempFolder();
-  if (temp.empty()) return {};
-  const fs::path folder = temp / TextPath(kScratch);
-  return MakeFolders(folder).ok() ? folder : fs::path();
+  return scratch_.Folder();
 }
 
 Status SystemCutServices::WriteDrawing(const CutDrawing& made, const CutJob& job,

@@ -62,6 +62,7 @@ void AxisSliders::Make(const std::vector<AxisRow>& axes) {
     line.figure->setDecimals(axis.most - axis.least < kNarrow ? 2 : 0);
     line.figure->setAccessibleName(name);
     LeaveWheelAlone(line.figure);
+    TakeNumbersAsTyped(line.figure);
     line.name->setBuddy(line.figure);
     connect(line.slider, &QSlider::valueChanged, this, [this, i](int step) {
       Move(i, axes_[i].least + (axes_[i].most - axes_[i].least) * step / kSteps);

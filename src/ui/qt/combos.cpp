@@ -4,6 +4,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QStringListModel>
+#include <limits>
 
 #include "app/controls.h"
 #include "app/height_text.h"
@@ -110,6 +111,11 @@ HeightSpin::HeightSpin(QWidget* parent) : QAbstractSpinBox(parent) {
   connect(lineEdit(), &QLineEdit::textEdited, this, [this](const QString& text) {
     if (on_edited) on_edited(text);
   });
+  TakeNumbersAsTyped(this);
+  // What the toolkit tells assistive technology as the value.
+  setProperty("maximum", std::numeric_limits<int>::max());
+  connect(lineEdit(), &QLineEdit::textChanged, this,
+          [this](const QString& text) { setProperty("value", text.toInt()); });
 }
 
 void HeightSpin::SetFault(bool at_fault) {

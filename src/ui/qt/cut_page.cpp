@@ -196,6 +196,8 @@ QWidget* CutPage::MakeField(const CutControlRow& row) {
   if (row.kind == ControlKind::kSearch) {
     field->setClearButtonEnabled(true);
     field->installEventFilter(this);
+  } else if (row.id != ControlId::kLayerName && row.id != ControlId::kSeriesNames) {
+    TakeNumbersAsTyped(field);
   }
   connect(field, &QLineEdit::textChanged, this,
           UnlessShown([this, id = row.id](const QString& text) {
@@ -382,6 +384,7 @@ QWidget* CutPage::MakePanel() {
   scroller_->setFocusPolicy(Qt::NoFocus);
   scroller_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   scroller_->setWidget(panel_);
+  ScrollToFocus(scroller_);
   panel_->installEventFilter(this);
   return scroller_;
 }

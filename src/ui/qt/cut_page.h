@@ -45,6 +45,7 @@ class CutPage final : public QWidget, public CutView {
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
   bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
@@ -117,6 +118,7 @@ class CutPage final : public QWidget, public CutView {
   void AddProgress(QVBoxLayout* page);
   void ArrangeForWidth();
   void ShowTitles();
+  void ShowInk(QLabel* label, StatusKind kind) const;
   void OrderTabs();
   template <class Widget>
   Widget* Find(ControlId id) const {
@@ -134,6 +136,11 @@ class CutPage final : public QWidget, public CutView {
   AxisSliders* axes_ = nullptr;
   PreviewFrame* preview_ = nullptr;
   StatusLinks* status_ = nullptr;
+  struct {
+    std::u16string text;
+    StatusKind kind = StatusKind::kNormal;
+    std::vector<StatusLink> links;
+  } status_shown_;
   QSplitter* split_ = nullptr;
   QWidget* panel_ = nullptr;
   QGridLayout* grid_ = nullptr;

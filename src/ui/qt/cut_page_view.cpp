@@ -116,11 +116,7 @@ void CutPage::ShowFault(ControlId id, std::u16string_view why) {
     for (const ControlId control : line.controls) {
       if (faults_.contains(control)) reasons.append(ToQString(faults_[control]));
     }
-    QPalette colors = palette();
-    const Color paper = FromQColor(colors.color(QPalette::Window));
-    const Color normal = FromQColor(colors.color(QPalette::WindowText));
-    colors.setColor(QPalette::WindowText, ToQColor(StatusInk(StatusKind::kFailure, normal, paper)));
-    line.fault->setPalette(colors);
+    ShowInk(line.fault, StatusKind::kFailure);
     line.fault->setText(reasons.join(QLatin1Char('\n')));
     line.fault->setVisible(!reasons.isEmpty());
   }
@@ -164,13 +160,32 @@ double CutPage::PixelsPerMillimetre() const {
 
 void CutPage::ShowStatus(std::u16string_view text, StatusKind kind,
                          const std::vector<StatusLink>& links) {
+  status_shown_ = {std::u16string(text), kind, links};
+  ShowInk(status_, kind);  // links take their colour from it
   status_->Show(text, links);
+  preview_->setAccessibleDescription(ToQString(text));
+}
+
+void CutPage::ShowInk(QLabel* label, StatusKind kind) const {
   QPalette colors = palette();
   const Color paper = FromQColor(colors.color(QPalette::Window));
   const Color normal = FromQColor(colors.color(QPalette::WindowText));
   colors.setColor(QPalette::WindowText, ToQColor(StatusInk(kind, normal, paper)));
-  status_->setPalette(colors);
-  preview_->setAccessibleDescription(ToQString(text));
+  label->setPalette(colors);
+}
+
+// Labels that have inks of their own do not follow the desktop's colours.
+void CutPage::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() != QEvent::PaletteChange || !status_) return;
+  for (const PanelLine& line : lines_) ShowInk(line.fault, StatusKind::kFailure);
+  ShowInk(status_, status_shown_.kind);
+  status_->Show(status_shown_.text, status_shown_.links);
+  // Nor does what has a style sheet.
+  QWidget* const menu = controls_.at(ControlId::kSaveMenu);
+  const QString style = menu->styleSheet();
+  menu->setStyleSheet(QString());
+  menu->setStyleSheet(style);
 }
 
 std::optional<fs::path> CutPage::AskSave(const SaveQuestion& question) {

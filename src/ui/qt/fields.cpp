@@ -1,7 +1,10 @@
 #include "ui/qt/fields.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
+#include <QInputMethodQueryEvent>
 #include <QPainter>
+#include <QScrollArea>
 #include <QWheelEvent>
 #include <algorithm>
 
@@ -31,11 +34,43 @@ class WheelGuard final : public QObject {
   }
 };
 
+// Edits answer that they want an input method, whatever their attribute says.
+class InputMethodGuard final : public QObject {
+ public:
+  using QObject::QObject;
+  bool eventFilter(QObject* object, QEvent* event) override {
+    if (event->type() != QEvent::InputMethodQuery) return false;
+    object->event(event);
+    static_cast<QInputMethodQueryEvent*>(event)->setValue(Qt::ImEnabled, false);
+    event->accept();
+    return true;
+  }
+};
+
 }  // namespace
 
 void LeaveWheelAlone(QWidget* control) {
   control->setFocusPolicy(Qt::StrongFocus);
   control->installEventFilter(new WheelGuard(control));
+}
+
+// The toolkit scrolls for the Tab key alone, and only between two controls of the area.
+void ScrollToFocus(QScrollArea* scroller) {
+  QObject::connect(qApp, &QApplication::focusChanged, scroller,
+                   [scroller](const QWidget*, QWidget* now) {
+                     const bool by_pointer = QGuiApplication::mouseButtons() != Qt::NoButton;
+                     if (by_pointer || !now || !scroller->isAncestorOf(now)) return;
+                     scroller->ensureWidgetVisible(now);
+                   });
+}
+
+// On X11 an input method knows nothing of hints: of a number it would make a word to be confirmed.
+// On other systems keyboards on the screen come through input methods, and follow the hints.
+void TakeNumbersAsTyped(QWidget* field) {
+  field->setInputMethodHints(Qt::ImhPreferNumbers | Qt::ImhNoPredictiveText);
+  if (QGuiApplication::platformName() == QLatin1String("xcb")) {
+    field->installEventFilter(new InputMethodGuard(field));
+  }
 }
 
 void PaintFault(QWidget* control) {

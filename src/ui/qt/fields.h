@@ -10,10 +10,19 @@
 
 #include "app/cut_view.h"
 
+class QScrollArea;
+
 namespace kerno {
 
 // The wheel scrolls what the control stands in; it changes a control only that has the keyboard.
 void LeaveWheelAlone(QWidget* control);
+
+// What gets the keyboard by a key comes into sight, also from outside of what scrolls.
+void ScrollToFocus(QScrollArea* scroller);
+
+// Digits and units go into the field as they are typed, whatever language the keyboard is set to.
+// `field` is what has the keyboard.
+void TakeNumbersAsTyped(QWidget* field);
 
 // A red frame along the edge of a control.
 void PaintFault(QWidget* control);

@@ -23,10 +23,12 @@
 #include "app/window_place.h"
 #include "ui/qt/combos.h"
 #include "ui/qt/cut_page.h"
+#include "ui/qt/fields.h"
 #include "ui/qt/preview_frame.h"
 #include "ui/qt/qt_text.h"
 #include "ui/qt/shown_children.h"
 #include "ui/qt/text_box.h"
+#include "ui/qt/told_controls.h"
 #include "ui/qt/wrapping_line.h"
 
 namespace kerno {
@@ -48,6 +50,7 @@ Place PlaceOf(const ControlRow& row) {
 
 MainWindow::MainWindow(DialogServices& services, CutServices& cut_services) {
   OfferShownChildrenOnly();
+  TellMoreOfControls();
   setWindowTitle(ToQString(kWindowTitle));
   setAcceptDrops(true);
   setMinimumSize(kSmallest);
@@ -116,6 +119,7 @@ QWidget* MainWindow::MakeControl(const ControlRow& row) {
     case ControlKind::kTextCombo: {
       auto* combo = new TextCombo(this);
       for (const char16_t* height : HeightChoices()) combo->addItem(ToQString(height));
+      TakeNumbersAsTyped(combo);
       return ConnectEdit(combo, row.id);
     }
     case ControlKind::kColorCombo: {
@@ -214,6 +218,7 @@ QWidget* MainWindow::MakeClassicPage() {
     }
   }
   scroller->setWidget(content);
+  ScrollToFocus(scroller);
   return page;
 }
 

@@ -74,9 +74,16 @@ void MainWindow::ShowCaptions() {
       if (*row.shortcut) button->setShortcut(ToKeys(row.shortcut));
     } else if (row.kind == ControlKind::kLabel) {
       static_cast<QLabel*>(control)->setText(Said(row.caption));
+      control->setAccessibleName(ToQString(WithoutMnemonic(Say(row.caption))));
     }
-    if (row.kind != ControlKind::kStatus) control->setAccessibleName(Said(row.name));
+    if (row.kind != ControlKind::kLabel && row.kind != ControlKind::kStatus) {
+      control->setAccessibleName(Said(row.name));
+    }
     control->setToolTip(Said(row.hint));
+    // The edit in a drop-down list has the keyboard for it, and is read out.
+    if (auto* combo = qobject_cast<QComboBox*>(control); combo && combo->isEditable()) {
+      combo->lineEdit()->setAccessibleName(Said(row.name));
+    }
   }
   text_->setAccessibleDescription(Said(u"The text to convert. Ctrl+Tab types a tab."));
   for (const auto& [id, caption] :

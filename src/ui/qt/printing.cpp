@@ -5,6 +5,7 @@
 #include <QPainterPath>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QPrinterInfo>
 #include <QPushButton>
 
 #include "app/captions.h"
@@ -66,6 +67,23 @@ bool AskWhetherToCutOff(QWidget* parent, const QSizeF& drawing, const QSizeF& pa
   return box.clickedButton() == print;
 }
 
+bool Paint(const QPainterPath& on_paper, QPrinter* printer) {
+  QPainter painter;
+  if (!painter.begin(printer)) return false;
+  painter.setRenderHint(QPainter::Antialiasing);
+  const double dots = printer->resolution() / kMillimetresPerInch;
+  painter.scale(dots, dots);
+  painter.setPen(QPen(Qt::black, kThinnest));
+  painter.drawPath(on_paper);
+  return painter.end();
+}
+
+// A job that reached no printer ends like one that did. A file has no printer.
+bool IsGone(const QPrinter& printer) {
+  return printer.outputFileName().isEmpty() &&
+         QPrinterInfo::printerInfo(printer.printerName()).isNull();
+}
+
 }  // namespace
 
 QPainterPath PathForPaper(const Drawing& drawing) {
@@ -91,17 +109,10 @@ void PrintDrawing(QWidget* parent, const Drawing& drawing, std::u16string_view t
   const QRectF page = printer.pageRect(QPrinter::Millimeter);
   const bool fits = size.width() <= page.width() && size.height() <= page.height();
   if (!fits && !AskWhetherToCutOff(parent, size, page.size())) return;
-  QPainter painter;
-  if (!painter.begin(&printer)) {
+  if (!Paint(on_paper, &printer) || IsGone(printer)) {
     QMessageBox::warning(parent, parent->window()->windowTitle(),
                          Said(u"The printer cannot be used."));
-    return;
   }
-  painter.setRenderHint(QPainter::Antialiasing);
-  const double dots = printer.resolution() / kMillimetresPerInch;
-  painter.scale(dots, dots);
-  painter.setPen(QPen(Qt::black, kThinnest));
-  painter.drawPath(on_paper);
 }
 
 }  // namespace kerno

@@ -83,10 +83,14 @@ TEST_F(QtViewTest, AssistiveTechnologyMeetsWhatIsShown) {
       const auto* widget = qobject_cast<QWidget*>(one->object());
       const bool is_ours = widget && widget->objectName().toInt() > 0;
       EXPECT_TRUE(!is_ours || widget->isVisible()) << widget->objectName().toStdString();
+      const bool is_edit = qobject_cast<const QLineEdit*>(widget) != nullptr;
+      EXPECT_TRUE(!is_edit || !one->text(QAccessible::Name).isEmpty()) << "has the keyboard";
     }
     const bool is_classic = mode == ControlId::kModeClassic;
     EXPECT_EQ(is_classic, names.contains(QStringLiteral("Write DXF")));
     EXPECT_EQ(!is_classic, names.contains(QStringLiteral("Search faces")));
+    EXPECT_EQ(is_classic, names.contains(QStringLiteral("Text colour: Black")));
+    EXPECT_EQ(!is_classic, names.contains(QStringLiteral("What the preview shows: Filled")));
     EXPECT_FALSE(names.contains(QStringLiteral("Write IPL"))) << "never shown";
     EXPECT_EQ(is_classic, names.contains(ToQString(view->TextOf(ControlId::kStatus))));
   }
