@@ -43,6 +43,7 @@ SETTINGS = ("Quenkit.ini", "registry.reg", "Quenkit_Setting", "/settings")
 LASTING = {"bin/Temp", "bin/Temp/Quenkit_Setting", "config", "config/kerno",
            "config/kerno/Quenkit_Setting", "tmp/Quenkit_Setting", "cache"}
 
+PROGRAMS = {"kerno", "kerno_signs"}
 GROUPS = ["open", "read", "write", "look", "name", "keep", "map", "net", "thread", "alloc"]
 STACKS_AT = 16 * len(GROUPS) + 3 * 8 + 512
 NAME_OF = {getattr(errno, name): name for name in dir(errno) if name.startswith("E")}
@@ -92,6 +93,22 @@ class Ran:
 
 
 @dataclasses.dataclass
+class Finding:
+    """What was wrong with one run, as reports and journals have it."""
+    case: str
+    fault: str
+    what: str             # in a line that begins with its kind
+    status: int = 0
+    err: str = ""
+    call: str = ""
+    path: str = ""
+
+    @staticmethod
+    def of(case, fault, ran, what):
+        return Finding(case, str(fault), what, ran.status, ran.err.strip()[:200], ran.what, ran.path)
+
+
+@dataclasses.dataclass
 class Case:
     name: str
     words: list                 # of the command; "{work}" is its folder
@@ -104,6 +121,7 @@ class Case:
     input: bytes = b""
     fewer: tuple = ()           # prepare functions: what may stand there where a row failed
     failed: tuple = ()          # a table of failures, its header, and the file of each row
+    library: bool = False       # run by the library's user, kerno_signs, in the command's place
 
 
 class Server:
@@ -137,17 +155,29 @@ def same_addresses():
     ctypes.CDLL(None).personality(0x0040000)  # ADDR_NO_RANDOMIZE
 
 
+def bring(file, to):
+    try:  # a link is cheap where it can be had
+        os.link(file, to)
+    except OSError:
+        shutil.copy2(file, to)
+
+
+def signs_beside(injector):
+    """The user of the library, which is built beside the injector."""
+    return pathlib.Path(injector).with_name("kerno_signs")
+
+
 class Place:
     """Folders of its own, with a copy of the program: bin, home, config, cache, tmp, work."""
 
     def __init__(self, program, injector, sanitized):
         self.top = pathlib.Path(tempfile.mkdtemp(prefix="place-"))
         self.program = self.top / "bin" / "kerno"
+        self.signs = self.top / "bin" / "kerno_signs"
         self.program.parent.mkdir()
-        try:  # a link is cheap where it can be had
-            os.link(program, self.program)
-        except OSError:
-            shutil.copy2(program, self.program)
+        bring(program, self.program)
+        if injector and signs_beside(injector).is_file():  # where the library is built
+            bring(signs_beside(injector), self.signs)
         self.log = self.top.with_name(self.top.name + ".log")
         self.injector = str(injector)
         self.fonts = self.top.with_name(self.top.name + ".fonts")
@@ -200,7 +230,7 @@ class Place:
         for entry in list(os.scandir(self.top)):
             if entry.name == "bin":
                 for other in os.scandir(entry.path):
-                    if other.name != "kerno":
+                    if other.name not in PROGRAMS:
                         shutil.rmtree(other.path) if other.is_dir() else os.unlink(other.path)
             elif entry.is_dir(follow_symlinks=False):
                 shutil.rmtree(entry.path)
@@ -216,7 +246,8 @@ class Place:
             case.prepare(self)
 
     def words(self, case):
-        return [str(self.program), *(w.replace("{work}", str(self.work)) for w in case.words)]
+        program = self.signs if case.library else self.program
+        return [str(program), *(w.replace("{work}", str(self.work)) for w in case.words)]
 
     def environment(self, case, fault=None):
         env = {**self.env, **{k: v.replace("{top}", str(self.top)) for k, v in case.env.items()}}
@@ -268,7 +299,7 @@ class Place:
             for name in folders + files:
                 short = os.path.normpath(os.path.join(base, name))
                 path = os.path.join(folder, name)
-                if short == "bin/kerno" or FOREIGN.search(short):
+                if (base == "bin" and name in PROGRAMS) or FOREIGN.search(short):
                     continue
                 if os.path.islink(path):
                     found[short] = ("link", os.readlink(path))
@@ -344,6 +375,8 @@ def bare_of(place, case):
 
 def world_of(place, case):
     """What the case makes without a fault, counted."""
+    if case.library and not place.signs.exists():
+        raise SystemExit(f"{case.name}: there is no {place.signs.name}")
     fewer = []
     for prepare in case.fewer:
         one = dataclasses.replace(case, prepare=prepare)
@@ -381,6 +414,16 @@ def lacks_program(name, found, after, ran):
             and found == PROGRAM_LINE.sub(rb"\1", after))
 
 
+def is_sheet_without(case, world, keys, now):
+    """Whether the one sheet of all rows stands as it is without those rows that failed."""
+    files = case.failed[2]
+    sheet = next(iter(files.values()))
+    allowed = {(): [world.after], tuple(files): [world.before]}
+    allowed.update({(key,): [state] for key, state in zip(files, world.fewer)})
+    return any(now.get(sheet, ABSENT) == state.get(sheet, ABSENT)
+               for state in allowed.get(tuple(keys), []))
+
+
 def is_table(case, world, name, now):
     """Whether a table of failures has its header, whole rows, and each row whose file is not made."""
     if not case.failed or name != case.failed[0] or not isinstance(now.get(name), bytes):
@@ -388,6 +431,8 @@ def is_table(case, world, name, now):
     _, header, files = case.failed
     first, *rows = now[name].split(b"\n")
     keys = [row.split(b",")[0] for row in rows[:-1]]
+    if case.fewer:
+        return first == header and rows[-1:] == [b""] and is_sheet_without(case, world, keys, now)
     missing = {key for key, file in files.items() if now.get(file, ABSENT) != world.after[file]}
     return (first == header and rows[-1:] == [b""] and len(set(keys)) == len(keys)
             and missing <= set(keys) <= set(files))
@@ -542,6 +587,24 @@ def is_fontconfig(ran):
 OWN_NAMES = re.compile(r"left: .*(\.kerno-N-N\.tmp|WriteTst\.tmp(\.tmp)?)$")
 
 
+NO_MEMORY = 4  # a KernoResult
+
+
+def judge_library(case, ran):
+    """Whether missing memory is told as such, and whether the library works again after a fault."""
+    findings = []
+    lacks = ran.fault is not None and (ran.fault.group == "alloc" or ran.fault.do == str(errno.ENOMEM))
+    if ran.status == NO_MEMORY and not lacks:
+        findings.append("memory that is not missing")
+    elif ran.status == 1 and lacks:
+        findings.append("memory that is told as another failure: " + ran.err.strip()[:100])
+    findings += judge_message(case, ran)
+    lasts = ran.fault is not None and ran.fault.on
+    if not lasts and "again: done" not in ran.err and "standard output" not in ran.err:
+        findings.append("broken: a fault that has passed lasts")
+    return findings
+
+
 WRITES_SETTINGS = ["settings", "set", "Dec", "SvgOut::Precision", "7"]
 
 
@@ -576,6 +639,8 @@ def judge(case, world, ran, now, server=None):
     findings = judge_files(case, ran, world, now)
     if ran.status == 0:
         findings += judge_success(case, world, ran, now, server)
+    elif case.library and ran.status in (1, NO_MEMORY):
+        findings += judge_library(case, ran)
     elif ran.status == 1:
         findings += judge_message(case, ran)
         table = case.failed[0] if case.failed else None

@@ -22,7 +22,7 @@ import time
 
 import campaign
 import commands
-from campaign import Fault
+from campaign import Fault, Finding
 from faults import CASES, report
 
 place = None
@@ -62,8 +62,10 @@ def kill_at(name, at, named):
     place.reset(CASES[name])
     ran = place.run(CASES[name], fault)
     if ran.status != -signal.SIGKILL:
-        return False, [(name, fault, ran, f"not killed: status {ran.status}")] if ran.hit else []
-    return True, [(name, fault, ran, finding) for finding in after_kill(name)]
+        found = [f"not killed: status {ran.status}"] if ran.hit else []
+    else:
+        found = after_kill(name)
+    return ran.status == -signal.SIGKILL, [Finding.of(name, fault, ran, what) for what in found]
 
 
 def kill_everywhere(name, named):
@@ -96,8 +98,8 @@ def kill_by_chance(name, seed, count):
         time.sleep(delay)
         process.kill()
         process.wait()
-        found += [(name, Fault("moment", int(delay * 1e6), "kill"), campaign.Ran(0, b"", ""), finding)
-                  for finding in after_kill(name)]
+        found += [Finding(name, f"moment {int(delay * 1e6)}: kill", what)
+                  for what in after_kill(name)]
     return count, found
 
 
@@ -107,13 +109,17 @@ def start(words, **more):
                             stderr=subprocess.PIPE, **more)
 
 
+def together(process, err):
+    return f"together: status {process.returncode}: {err.strip()[:120]}"
+
+
 def settings_together(_, seed, rounds, kills):
     """Processes set a key each in one file, in rounds."""
     name, chance, found = "settings set, beside", random.Random(seed), []
     case = CASES[name]
     place.reset(case)
     file = place.top / "bin" / "Quenkit_Setting" / "Quenkit.ini"
-    sure, fault = {}, Fault("processes", seed, "kill" if kills else "")
+    sure, fault = {}, f"processes {seed}" + (", killed" if kills else "")
     for number in range(rounds):
         keys = [f"Key{i}" for i in range(4)]
         running = [start(["settings", "set", "Together", key, str(number)]) for key in keys]
@@ -127,18 +133,17 @@ def settings_together(_, seed, rounds, kills):
             elif process.returncode == -signal.SIGKILL:
                 sure[key] = sure.get(key, {None}) | {str(number)}
             else:
-                found.append((name, fault, campaign.Ran(process.returncode, b"", err),
-                              f"together: status {process.returncode}: {err.strip()[:120]}"))
+                found.append(Finding(name, fault, together(process, err), process.returncode, err))
         lines = file.read_bytes().decode("utf-16").splitlines()
         for key, values in sure.items():
             value = next((line.split("=")[1] for line in lines if line.startswith(key + "=")), None)
             if value not in values:
-                found.append((name, fault, campaign.Ran(0, b"", ""), "together: a setting was lost"))
+                found.append(Finding(name, fault, "together: a setting was lost"))
         if "Key=永" not in lines or "; a comment" not in lines:
-            found.append((name, fault, campaign.Ran(0, b"", ""), "together: other lines were lost"))
+            found.append(Finding(name, fault, "together: other lines were lost"))
     left = [n for n in os.listdir(file.parent) if n != file.name]
     if left and not kills:
-        found.append((name, fault, campaign.Ran(0, b"", ""), f"together: left {left}"))
+        found.append(Finding(name, fault, f"together: left {left}"))
     return rounds * 4, found
 
 
@@ -149,7 +154,7 @@ def output_together(_, seed, rounds, kills):
     target = place.work / "a.svg"
     texts, whole = ["Ab", "Abgq" * 40], {target.read_bytes()}
     words = [["cut", "--text", text, *commands.FACE, "--quiet", "-o", "a.svg"] for text in texts]
-    fault = Fault("processes", seed, "kill" if kills else "")
+    fault = f"processes {seed}" + (", killed" if kills else "")
     for word in words:
         start(word).communicate(timeout=60)
         whole.add(target.read_bytes())
@@ -158,18 +163,17 @@ def output_together(_, seed, rounds, kills):
         until = time.monotonic() + chance.uniform(0, 0.05)
         while any(process.poll() is None for process in running):
             if target.read_bytes() not in whole:
-                found.append((name, fault, campaign.Ran(0, b"", ""), "together: a torn output"))
+                found.append(Finding(name, fault, "together: a torn output"))
             if kills and time.monotonic() > until:
                 running[0].kill()
         for process in running:
             err = process.communicate()[1].decode()
             if process.returncode not in (0, -signal.SIGKILL):
-                found.append((name, fault, campaign.Ran(process.returncode, b"", err),
-                              f"together: status {process.returncode}: {err.strip()[:120]}"))
+                found.append(Finding(name, fault, together(process, err), process.returncode, err))
     start(words[0]).communicate(timeout=60)
     left = sorted(n for n in os.listdir(place.work) if n != "a.svg")
     if left:
-        found.append((name, fault, campaign.Ran(0, b"", ""), "together: names are left"))
+        found.append(Finding(name, fault, "together: names are left"))
     return rounds * 2, found
 
 
@@ -177,7 +181,7 @@ def run_job(job):
     try:
         return job[0](*job[1:])
     except Exception as error:
-        return 0, [(job[1], Fault("file"), campaign.Ran(0, b"", ""), f"campaign failed: {error!r}")]
+        return 0, [Finding(job[1], "file", f"campaign failed: {error!r}")]
 
 
 def all_jobs(names, seed):
