@@ -19,6 +19,10 @@ PATH = Case("path", ["settings", "path"], names=("Quenkit.ini",))
 SENT = Case("upload", ["upload", "a.svg"], names=("a.svg",), sends=b"whole")
 TABLE = Case("table", ["cut"], targets=("work/1.svg", "work/bad.csv"), names=("row ",),
              failed=("work/bad.csv", b"n,t", {b"1": "work/1.svg"}))
+LIST = Case("list", ["faces"])
+SIGN = Case("sign", ["a.svg"], targets=(SVG,), library=True)
+SHEETS = Case("sheets", ["cut"], targets=(SVG, "work/bad.csv"), names=("row ",), fewer=(None, None),
+              failed=("work/bad.csv", b"n,t", {b"1": SVG, b"2": SVG}))
 SHEET = Case("sheet", ["cut"], targets=(SVG,), names=("row ",))
 TOLD = "kerno: /home/Quenkit.ini: no permission\n"
 FULL = "kerno: a.svg: No space left on device\n"
@@ -37,6 +41,10 @@ def world_of(case):
     if case is TABLE:
         made = {"work/1.svg": NEW, "work/bad.csv": b"n,t\n"}
         return World({"work/bad.csv": OLD}, made, Ran(0, b"out", ""), made, b"bare")
+    if case is SHEETS:
+        made = {SVG: NEW, "work/bad.csv": b"n,t\n"}
+        return World({SVG: OLD, "work/bad.csv": OLD}, made, Ran(0, b"out", ""), made, b"bare",
+                     ({SVG: b"fewer"}, {SVG: b"others"}))
     return World({SVG: OLD}, {SVG: NEW}, Ran(0, b"out", ""), {SVG: BARE}, b"bare",
                  ({SVG: b"fewer"},) if case is SHEET else ())
 
@@ -82,8 +90,16 @@ WRONG = [
      ran(1, err="kerno: standard output: No space\n", path="/x/b.svg"), {SVG: OLD}, "vague"),
     ("a font that nothing happened to", CASE,
      ran(1, err="kerno: /usr/share/fonts/a.ttf: Input/output error\n"), {SVG: OLD}, "vague"),
-    ("a face that is called absent", CASE, ran(3, err=NO_CONFIGURATION, of="aside", out=b"",
+    ("a face that is called absent", CASE, ran(3, err=NO_CONFIGURATION, of="aside", out=b"", on=True,
                                                path="/usr/share/fonts/a.ttf"), {SVG: OLD}, "status 3"),
+    ("a list without a face", LIST, ran(of="aside", on=True, path="/usr/share/fonts", out=b"ou"), {SVG: NEW},
+     "false success: standard output"),
+    ("memory of a sign as a failure", SIGN, ran(1, err="kerno: memory: there is not enough\nagain: done\n",
+                                                group="alloc"), {SVG: OLD}, "memory that is told"),
+    ("memory of a sign that is there", SIGN, ran(4, err=FULL + "again: done\n"), {SVG: OLD}, "memory that is not"),
+    ("a sign that stays broken", SIGN, ran(1, err=FULL), {SVG: OLD}, "broken"),
+    ("a sheet with a row that is in the table", SHEETS, ran(1, err="kerno: row 1: no space\n"),
+     {SVG: NEW, "work/bad.csv": b"n,t\n1,a\n"}, "changed: work/bad.csv"),
     ("a torn target without variables of a thread", CASE, ran(127, err=THREAD), {SVG: NEW[:5]},
      "changed: " + SVG),
     ("a torn target without a configuration", CASE,
@@ -106,12 +122,22 @@ RIGHT = [
     ("a place elsewhere", PATH, ran(out=AWAY + NONE_YET), {SVG: NEW}),
     ("a place that cannot be looked at", PATH, ran(out=AWAY, group="look"), {SVG: NEW}),
     ("settings that went elsewhere", SET, ran(out=b"", err=TOLD),
-     {SET.targets[0]: INI, "tmp/___/Quenkit.ini": "\ufeff[Dec]\nPrecision=7\n"}),
+     {SET.targets[0]: INI, "tmp/nobody/Quenkit.ini": "\ufeff[Dec]\nPrecision=7\n"}),
     ("memory", CASE, ran(1, err="kerno: memory: there is not enough\n", what="malloc"), {SVG: OLD}),
     ("standard output", CASE, ran(1, err="kerno: standard output: No space\n", path="pipe:[1]"),
      {SVG: OLD}),
     ("a font of later calls", CASE, ran(1, err="kerno: /usr/share/fonts/a.ttf: Input/output error\n",
                                         of="aside", on=True), {SVG: OLD}),
+    ("a face that Fontconfig passed over", CASE,
+     ran(3, err=NO_CONFIGURATION, of="aside", out=b"", path="/usr/share/fonts/a.ttf"), {SVG: OLD}),
+    ("a list with a word on what it lacks", LIST,
+     ran(of="aside", on=True, path="/usr/share/fonts", out=b"ou", err="kerno: warning: /usr/share/fonts/x\n"),
+     {SVG: NEW}),
+    ("memory of a sign", SIGN, ran(4, err="kerno: memory: there is not enough\nagain: done\n", what="malloc",
+                                    group="alloc"),
+     {SVG: OLD}),
+    ("a sheet without a row in the table", SHEETS, ran(1, err="kerno: row 1: no space\n"),
+     {SVG: b"fewer", "work/bad.csv": b"n,t\n1,a\n"}),
     ("no configuration", CASE, ran(3, err=NO_CONFIGURATION, of="aside", out=b"",
                                    path=str(campaign.FONTS)), {SVG: OLD}),
     ("no look at the program", CASE, ran(**LOOKS), {SVG: BLIND}),

@@ -1,15 +1,22 @@
+#include <dirent.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <new>
 #include <set>
+#include <string>
 #include <tuple>
+#include <vector>
 
 #include "platform/device_context.h"
 #include "platform/font_faces.h"
 #include "platform/posix/font_catalog.h"
 #include "platform/posix/free_type.h"
+#include "platform/posix/system_error.h"
 #include "platform/posix/unicode.h"
 
 namespace kerno {
@@ -105,23 +112,38 @@ bool LooksLikeFontFile(const fs::path& path) {
   return kExtensions.contains(extension);
 }
 
-// Font files that Fontconfig passes over because nothing can be had of them, and why: a failure of
-// reading, or ok for a damaged file.
+// What lies in a folder, by its names. The C++ library's own iterator ends the process where it
+// gets no memory.
+Status ListFolder(const std::string& folder, std::vector<std::string>* names) {
+  const std::unique_ptr<DIR, decltype(&closedir)> opened(opendir(folder.c_str()), &closedir);
+  if (!opened) return SystemError(folder, errno);
+  errno = 0;
+  while (const dirent* entry = readdir(opened.get())) {
+    names->emplace_back(entry->d_name);
+    errno = 0;
+  }
+  return errno == 0 ? Status::Ok() : SystemError(folder, errno);
+}
+
+// Folders and files of fonts that Fontconfig passes over because nothing can be had of them, and
+// why: a failure of reading, or ok for a damaged file.
 std::map<std::string, Status> PassedOverFiles(const FontCatalog& catalog) {
   std::map<std::string, Status> passed_over;
   std::set<std::string> listed;
   for (const CatalogFace& face : catalog.faces()) listed.insert(face.path);
   for (const std::string& folder : catalog.Folders()) {
-    std::error_code error;
-    for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
-      const std::string path = at->path().string();
+    std::vector<std::string> names;
+    const Status read = ListFolder(folder, &names);
+    for (const std::string& name : names) {
+      const std::string path = fs::path(folder) / name;
       std::error_code no_file;
       Status opened;  // FreeType's own reason may be an older one
-      if (LooksLikeFontFile(at->path()) && !listed.contains(path) && at->is_regular_file(no_file) &&
+      if (LooksLikeFontFile(name) && !listed.contains(path) && fs::is_regular_file(path, no_file) &&
           !OpenFace(path, 0, &opened)) {
         passed_over.emplace(path, ReadSfntFacts(path, 0).reading);
       }
     }
+    if (!read.ok() && read.failure != Failure::kNotFound) passed_over.emplace(folder, read);
   }
   return passed_over;
 }
@@ -173,7 +195,8 @@ std::vector<std::u16string> ListFamilies(FamilyForm form) {
   const std::unique_ptr<FcConfig, decltype(&FcConfigDestroy)> config(FcInitLoadConfigAndFonts(),
                                                                      &FcConfigDestroy);
   std::map<std::string, std::u16string> families;
-  const FcFontSet* set = config ? FcConfigGetFonts(config.get(), FcSetSystem) : nullptr;
+  if (!config) throw std::bad_alloc();
+  const FcFontSet* set = FcConfigGetFonts(config.get(), FcSetSystem);
   for (int i = 0; set != nullptr && i < set->nfont; ++i) {
     FcPattern* face = set->fonts[i];
     FcBool outlines = FcFalse;
