@@ -137,7 +137,7 @@ class Journal:
     """The series that are done, a line of JSON each, in a file that other runs go on with."""
 
     def __init__(self, path, *files):
-        self.done, self.file = {}, None
+        self.done, self.plan, self.file = {}, {}, None
         if not path:
             return
         digest = hashlib.sha256()
@@ -153,33 +153,47 @@ class Journal:
                 raise SystemExit(f"{path} is the journal of another program: remove it to begin afresh")
         self.done = {line["series"]: Done(line["runs"], collections.Counter(line["let_go"]),
                                           [Finding(**one) for one in line["found"]])
-                     for line in lines[1:]}
+                     for line in lines[1:] if "series" in line}
+        self.plan = {line["plan"]: line["stacks"] for line in lines[1:] if "plan" in line}
         self.file = open(path, "a", encoding="utf-8")
+
+    def write(self, line):
+        if self.file:
+            self.file.write(json.dumps(line) + "\n")
+            self.file.flush()
 
     @staticmethod
     def name_of(job):
         return hashlib.sha256(repr((job[0].__name__, *job[1:])).encode()).hexdigest()[:16]
 
     def note(self, job, done):
-        if self.file:
-            self.file.write(json.dumps({"series": self.name_of(job), "case": job[1], "group": job[2],
-                                        "runs": done.runs, "let_go": done.let_go,
-                                        "found": [dataclasses.asdict(one) for one in done.found]}) + "\n")
-            self.file.flush()
+        self.write({"series": self.name_of(job), "case": job[1], "group": job[2], "runs": done.runs,
+                    "let_go": done.let_go, "found": [dataclasses.asdict(one) for one in done.found]})
 
 
-def one_of_each_stack(name, group, of, known):
+def stacks_of(name):
+    """Of each group that fails by stacks: of each stack the first and the last call, as a list."""
+    if not is_there(name):
+        return None
+    found, groups = {}, [("alloc", "own")]
+    if name in ASIDE_CASES:
+        groups += [(group, "aside") for group in ASIDE_PLAN]
+    for group, of in groups:
+        place.reset(CASES[name])
+        ran = place.run(CASES[name], Fault(group, 0, "stacks", of=of))
+        calls = {}
+        for number, stack in enumerate(ran.stacks, 1):
+            if stack:
+                calls[stack] = [calls.get(stack, [number])[0], number]
+        found[group] = [[stack, *numbers] for stack, numbers in calls.items()]
+    return found
+
+
+def one_of_each_stack(stacks, known):
     """The numbers of the first and the last call of each stack that no case had before."""
-    case = CASES[name]
-    place.reset(case)
-    ran = place.run(case, Fault(group, 0, "stacks", of=of))
-    first, last = {}, {}
-    for number, stack in enumerate(ran.stacks, 1):
-        if stack and stack not in known:
-            first.setdefault(stack, number)
-            last[stack] = number
-    known.update(first)
-    return sorted(set(first.values()) | set(last.values()))
+    new = [numbers for stack, *numbers in stacks if stack not in known]
+    known.update(stack for stack, *_ in stacks)
+    return sorted({number for numbers in new for number in numbers})
 
 
 def is_there(name):
@@ -196,19 +210,19 @@ def modes(do):
     return (ONCE,) if do == E["EINTR"] else (ONCE, ON)
 
 
-def all_jobs(names, every):
+def all_jobs(plan, every):
     jobs, known = [], collections.defaultdict(set)
-    for name in names:
+    for name, stacks in plan.items():
         plans = [PLAN, MEMORY_PLAN] if CASES[name].library else [PLAN]
         for group, errors in itertools.chain(*(plan.items() for plan in plans)):
             for do in errors:
                 jobs += [(run_until_clear, name, group, do, on, every) for on in modes(do)]
-        numbers = one_of_each_stack(name, "alloc", "own", known["alloc"])[::every]
+        numbers = one_of_each_stack(stacks["alloc"], known["alloc"])[::every]
         for on in (ONCE, ON):
             faults = [Fault("alloc", at, E["ENOMEM"], on) for at in numbers]
             jobs += [(run_list, name, "alloc", faults[i:i + 50]) for i in range(0, len(faults), 50)]
         for group, errors in ASIDE_PLAN.items() if name in ASIDE_CASES else ():
-            numbers = one_of_each_stack(name, group, "aside", known[group])[::every]
+            numbers = one_of_each_stack(stacks[group], known[group])[::every]
             if CASES[name].library:
                 errors = errors + MEMORY_PLAN.get(group, [])
             jobs += [(run_list, name, group, [Fault(group, at, do, on, "aside") for at in numbers])
@@ -228,6 +242,14 @@ def sample_jobs(names, count):
         fault = Fault(group, chance.randint(1, own[group]), do, chance.choice(modes(do)))
         jobs.append((run_list, name, group, [fault]))
     return jobs
+
+
+def sampled(setting, names, count):
+    open_place(*setting)
+    names = [name for name in names if is_there(name)]
+    jobs = sample_jobs(names, count)
+    place.close()
+    return names, jobs
 
 
 def report(found):
@@ -269,7 +291,16 @@ class Tally:
         self.groups[job[2]] += done.runs
 
 
-def run_all(options, setting, jobs, journal):
+def planned(pool, names, journal):
+    """The stacks of each case that the program has, in the order of the cases."""
+    new = [name for name in names if name not in journal.plan]
+    for name, stacks in zip(new, pool.map(stacks_of, new)):
+        journal.plan[name] = stacks
+        journal.write({"plan": name, "stacks": stacks})
+    return {name: journal.plan[name] for name in names if journal.plan[name] is not None}
+
+
+def run_all(pool, jobs, journal, seconds):
     """Those that the journal has are told of again."""
     tally = Tally(len(jobs))
     left = []
@@ -279,19 +310,17 @@ def run_all(options, setting, jobs, journal):
             tally.add(job, known)
         else:
             left.append(job)
-    with concurrent.futures.ProcessPoolExecutor(options.jobs, initializer=open_place,
-                                                initargs=setting) as pool:
-        waiting = {pool.submit(run_series, job): job for job in left}
-        for future in concurrent.futures.as_completed(waiting):
-            if future.cancelled():
-                tally.cut += 1
-                continue
-            done = future.result()
-            journal.note(waiting[future], done)
-            tally.add(waiting[future], done)
-            if options.seconds and tally.seconds() > options.seconds:
-                for other in waiting:
-                    other.cancel()
+    waiting = {pool.submit(run_series, job): job for job in left}
+    for future in concurrent.futures.as_completed(waiting):
+        if future.cancelled():
+            tally.cut += 1
+            continue
+        done = future.result()
+        journal.note(waiting[future], done)
+        tally.add(waiting[future], done)
+        if seconds and tally.seconds() > seconds:
+            for other in waiting:
+                other.cancel()
     return tally
 
 
@@ -315,15 +344,19 @@ def main():
     campaign.scratch(options.folder)
     setting = (os.path.abspath(options.program), os.path.abspath(options.injector))
     journal = Journal(options.journal, *setting, campaign.signs_beside(setting[1]), commands.__file__)
-    open_place(*setting)
-    names = [name for name in CASES if options.only in name and is_there(name)]
-    jobs = (sample_jobs(names, options.sample) if options.sample else all_jobs(names, options.every))
-    if options.groups:
-        wanted = options.groups.split(",")
-        jobs = [job for job in jobs if job[2] in wanted]
-    place.close()
-    random.Random(15).shuffle(jobs)  # a run that is cut has tried some of each
-    tally = run_all(options, setting, jobs, journal)
+    names = [name for name in CASES if options.only in name]
+    with concurrent.futures.ProcessPoolExecutor(options.jobs, initializer=open_place,
+                                                initargs=setting) as pool:
+        if options.sample:
+            names, jobs = sampled(setting, names, options.sample)
+        else:
+            plan = planned(pool, names, journal)
+            names, jobs = list(plan), all_jobs(plan, options.every)
+        if options.groups:
+            wanted = options.groups.split(",")
+            jobs = [job for job in jobs if job[2] in wanted]
+        random.Random(15).shuffle(jobs)  # a run that is cut has tried some of each
+        tally = run_all(pool, jobs, journal, options.seconds)
     kinds = report(tally.all.found)
     print(f"faults: {len(names)} commands, {tally.all.runs} runs ({dict(tally.groups)}), "
           f"let go: {dict(tally.all.let_go)}, {len(tally.all.found)} findings of {kinds} kinds, "
