@@ -140,6 +140,7 @@ RIGHT = [
      {SVG: b"fewer", "work/bad.csv": b"n,t\n1,a\n"}),
     ("no configuration", CASE, ran(3, err=NO_CONFIGURATION, of="aside", out=b"",
                                    path=str(campaign.FONTS)), {SVG: OLD}),
+    ("a list without any look", LIST, ran(of="aside", out=b"ou", **LOOKS), {SVG: NEW}),
     ("no look at the program", CASE, ran(**LOOKS), {SVG: BLIND}),
     ("a row in the table", TABLE, ran(1, err="kerno: row 1: no space\n"),
      {"work/bad.csv": b"n,t\n1,a\n"}),

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Ends each command by SIGKILL, and lets several work on the same files at once.
 
-usage: kills.py [--sample RUNS] [--only WORDS] [--jobs N] [--seed N] [--folder FOLDER]
+usage: kills.py [--sample RUNS] [--every K] [--only WORDS] [--jobs N] [--seed N] [--folder FOLDER]
                 PROGRAM INJECTOR
 
 A kill comes before each file call of each command, on a file system with files without a name and
-on one without, and at moments of chance. Afterwards every file is the old or the new one, and the
+on one without (with --every before each Kth, up to the last), and at moments of chance. Afterwards every file is the old or the new one, and the
 next run works and removes what the killed one left. Then several processes set settings in one
 file, and write one output, while some are killed: nothing that was told to be done is lost, and
 whoever reads meanwhile finds whole files.
@@ -13,6 +13,7 @@ whoever reads meanwhile finds whole files.
 import argparse
 import collections
 import concurrent.futures
+import itertools
 import os
 import random
 import signal
@@ -68,10 +69,11 @@ def kill_at(name, at, named):
     return ran.status == -signal.SIGKILL, [Finding.of(name, fault, ran, what) for what in found]
 
 
-def kill_everywhere(name, named):
+def kill_everywhere(name, named, every):
     runs, found = 0, []
-    while True:
-        was_killed, more = kill_at(name, runs + 1, named)
+    first = 1 + random.Random(f"{name} {named}").randrange(every)
+    for at in itertools.count(first, every):
+        was_killed, more = kill_at(name, at, named)
         found += more
         runs += 1
         if not was_killed:
@@ -184,10 +186,10 @@ def run_job(job):
         return 0, [Finding(job[1], "file", f"campaign failed: {error!r}")]
 
 
-def all_jobs(names, seed):
-    jobs = [(kill_everywhere, name, named) for name in names for named in (False, True)]
-    jobs += [(kill_by_chance, name, f"{seed} {name}", 20) for name in names]
-    for number in range(4):
+def all_jobs(names, seed, every):
+    jobs = [(kill_everywhere, name, named, every) for name in names for named in (False, True)]
+    jobs += [(kill_by_chance, name, f"{seed} {name}", max(1, 20 // every)) for name in names]
+    for number in range(4 if every == 1 else 1):
         jobs += [(settings_together, "", seed + number, 60, kills) for kills in (False, True)]
         jobs += [(output_together, "", seed + number, 40, kills) for kills in (False, True)]
     return jobs
@@ -205,6 +207,7 @@ def sample_jobs(names, seed, count):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--sample", type=int, default=0)
+    parser.add_argument("--every", type=int, default=1)
     parser.add_argument("--only", default="")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--seed", type=int, default=15)
@@ -225,7 +228,7 @@ def main():
             print(f"left out: {problem}", flush=True)
             names.remove(name)
     jobs = (sample_jobs(names, options.seed, options.sample) if options.sample
-            else all_jobs(names, options.seed))
+            else all_jobs(names, options.seed, options.every))
     runs, found, kinds = collections.Counter(), [], 0
     with concurrent.futures.ProcessPoolExecutor(options.jobs, initializer=open_place,
                                                 initargs=setting) as pool:
