@@ -65,6 +65,9 @@ def cut(kerno, top, jobs):
 
 def main():
     kerno, programs = os.path.abspath(sys.argv[1]), sys.argv[2:]
+    for program in (kerno, *programs):
+        if b"__tsan_init" not in pathlib.Path(program).read_bytes():
+            sys.exit(f"{program} is built without the sanitizer of threads")
     with tempfile.TemporaryDirectory() as name:
         top = pathlib.Path(name)
         good, one = cut(kerno, top, 1)
