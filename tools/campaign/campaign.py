@@ -597,11 +597,9 @@ def passes_over(ran):
 
 
 def lists_without(case, ran):
-    """Whether a list of faces lacks some, which Fontconfig or Kerno told or a fault that has passed hid."""
+    """Whether a list of faces is another because calls of Fontconfig failed."""
     is_list = case.words[:1] == ["faces"] or (case.library and not case.words)
-    aside = ran.fault is not None and ran.fault.of == "aside"
-    blind = aside and ran.fault.on and ran.fault.group == "look"  # it sees no font at all
-    return is_list and (passes_over(ran) or blind or (aside and ran.err != ""))
+    return is_list and ran.fault is not None and ran.fault.of == "aside"
 
 
 # The names that only a failing removal or a kill leaves, and that the next run removes.

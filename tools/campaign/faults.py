@@ -7,9 +7,10 @@ usage: faults.py [--sample RUNS] [--only WORDS] [--groups GROUP,...] [--jobs N] 
 Calls on files of the program's own: the Nth of each group fails once, and from there on, by each
 error of PLAN, for N from 1 until nothing is hit any more. Calls on fonts and files of the system,
 and allocations: one for each stack that they come from (the first and the last of it).
---sample takes so many of these runs, the same ones each time. --every takes each Kth call up to the
-end of each series, and each Kth allocation. Prints each kind of finding once, with the first run
-that has it; ends with 1 where there is one.
+--sample takes so many of these runs, the same ones each time. --only takes the cases whose names
+hold one of its parts ("table|sheet"), --every each Kth call up to the end of each series, and each
+Kth allocation. Prints each kind of finding once, with the first run that has it; ends with 1 where
+there is one.
 
 --seconds ends it before all is tried, and says so. With --journal each series that is done is noted
 in FILE, and what stands there is not run again: so the whole is run in pieces, and the last one
@@ -346,7 +347,7 @@ def main():
     campaign.scratch(options.folder)
     setting = (os.path.abspath(options.program), os.path.abspath(options.injector))
     journal = Journal(options.journal, *setting, campaign.signs_beside(setting[1]), commands.__file__)
-    names = [name for name in CASES if options.only in name]
+    names = [name for name in CASES if any(part in name for part in options.only.split("|"))]
     with concurrent.futures.ProcessPoolExecutor(options.jobs, initializer=open_place,
                                                 initargs=setting) as pool:
         if options.sample:

@@ -1,8 +1,5 @@
-#include <dirent.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -13,10 +10,10 @@
 #include <vector>
 
 #include "platform/device_context.h"
+#include "platform/folder_path.h"
 #include "platform/font_faces.h"
 #include "platform/posix/font_catalog.h"
 #include "platform/posix/free_type.h"
-#include "platform/posix/system_error.h"
 #include "platform/posix/unicode.h"
 
 namespace kerno {
@@ -112,19 +109,6 @@ bool LooksLikeFontFile(const fs::path& path) {
   return kExtensions.contains(extension);
 }
 
-// What lies in a folder, by its names. The C++ library's own iterator ends the process where it
-// gets no memory.
-Status ListFolder(const std::string& folder, std::vector<std::string>* names) {
-  const std::unique_ptr<DIR, decltype(&closedir)> opened(opendir(folder.c_str()), &closedir);
-  if (!opened) return SystemError(folder, errno);
-  errno = 0;
-  while (const dirent* entry = readdir(opened.get())) {
-    names->emplace_back(entry->d_name);
-    errno = 0;
-  }
-  return errno == 0 ? Status::Ok() : SystemError(folder, errno);
-}
-
 // Folders and files of fonts that Fontconfig passes over because nothing can be had of them, and
 // why: a failure of reading, or ok for a damaged file.
 std::map<std::string, Status> PassedOverFiles(const FontCatalog& catalog) {
@@ -132,17 +116,14 @@ std::map<std::string, Status> PassedOverFiles(const FontCatalog& catalog) {
   std::set<std::string> listed;
   for (const CatalogFace& face : catalog.faces()) listed.insert(face.path);
   for (const std::string& folder : catalog.Folders()) {
-    std::vector<std::string> names;
-    const Status read = ListFolder(folder, &names);
-    for (const std::string& name : names) {
-      const std::string path = fs::path(folder) / name;
+    const Status read = ListFolder(folder, [&](const fs::path& path) {
       std::error_code no_file;
       Status opened;  // FreeType's own reason may be an older one
-      if (LooksLikeFontFile(name) && !listed.contains(path) && fs::is_regular_file(path, no_file) &&
+      if (LooksLikeFontFile(path) && !listed.contains(path) && fs::is_regular_file(path, no_file) &&
           !OpenFace(path, 0, &opened)) {
         passed_over.emplace(path, ReadSfntFacts(path, 0).reading);
       }
-    }
+    });
     if (!read.ok() && read.failure != Failure::kNotFound) passed_over.emplace(folder, read);
   }
   return passed_over;
