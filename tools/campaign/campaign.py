@@ -408,10 +408,17 @@ def tells_of_settings(ran):
 PROGRAM_LINE = re.compile(rb"(?m)^(EXE +\t +\t)[^\r\n]+")
 
 
-def lacks_program(name, found, after, ran):
-    """Whether all of a file is there but the name of the program, where each look failed."""
+# The comment of a new file of settings with the time, which is no setting.
+HEADING = re.compile(r"\A(;[^\n]*\n)+")
+
+
+def lacks_comment(name, found, after, ran):
+    """Whether all of a file is there but a comment: the name of the program, or the heading of new
+    settings, where each look failed."""
     if not (ran.fault and ran.fault.on and ran.fault.group == "look" and ran.fault.of == "own"):
         return False
+    if name.endswith(".ini") and isinstance(after, str):
+        return found == HEADING.sub("", after)
     return (name.endswith(".svg") and isinstance(found, bytes) and isinstance(after, bytes)
             and found == PROGRAM_LINE.sub(rb"\1", after))
 
@@ -453,8 +460,8 @@ def may_stand(case, ran, world, name, now):
         if is_table(case, world, name, now):
             return True
     makes = [after] + ([world.bare.get(name, ABSENT)] if tells_of_settings(ran) else [])
-    if any(lacks_program(name, found, made, ran) for made in makes):
-        ran.let_go = "program without a name"
+    if any(lacks_comment(name, found, made, ran) for made in makes):
+        ran.let_go = "comment that needs a look"
         return True
     return False
 
@@ -488,7 +495,7 @@ def lines_of(text):
 
 def resort_holds(world, now, target):
     """Whether the change of these settings stands where they go when their own place fails."""
-    old, new = lines_of(world.before.get(target)), lines_of(world.after[target])
+    old, new = lines_of(world.before.get(target)), lines_of(HEADING.sub("", world.after[target]))
     return any(new - old <= lines_of(found) and not (old - new) & lines_of(found)
                for name, found in now.items() if RESORT.match(name) and isinstance(found, str))
 
@@ -499,7 +506,7 @@ def judge_success(case, world, ran, now, server):
     for target in case.targets:
         found, after = now.get(target, ABSENT), world.after[target]
         bare = world.bare.get(target, ABSENT) if target.startswith("work/") and told else after
-        if found in (after, bare) or any(lacks_program(target, found, made, ran)
+        if found in (after, bare) or any(lacks_comment(target, found, made, ran)
                                          for made in (after, bare)):
             continue
         if not target.startswith("work/") and told and resort_holds(world, now, target):

@@ -15,6 +15,7 @@ INI = "\ufeff[Dec]\nPrecision=3\n"
 SVG = "work/a.svg"
 CASE = Case("convert", ["convert", "-o", "a.svg"], targets=(SVG,), names=("DejaVu Sans",))
 SET = Case("set", ["settings", "set"], targets=("settings/Quenkit.ini",), names=("Quenkit.ini",))
+FIRST = Case("first", ["settings", "set"], targets=SET.targets, names=("Quenkit.ini",))
 PATH = Case("path", ["settings", "path"], names=("Quenkit.ini",))
 SENT = Case("upload", ["upload", "a.svg"], names=("a.svg",), sends=b"whole")
 TABLE = Case("table", ["cut"], targets=("work/1.svg", "work/bad.csv"), names=("row ",),
@@ -38,6 +39,9 @@ def world_of(case):
     if case is SET:
         return World({SET.targets[0]: INI}, {SET.targets[0]: INI.replace("3", "7")},
                      Ran(0, b"", ""), {SET.targets[0]: "\ufeff[Dec]\nPrecision=7\n"}, b"")
+    if case is FIRST:
+        made = {SET.targets[0]: ";--\n; TIME\n[Dec]\nPrecision=7\n"}
+        return World({}, made, Ran(0, b"", ""), made, b"")
     if case is TABLE:
         made = {"work/1.svg": NEW, "work/bad.csv": b"n,t\n"}
         return World({"work/bad.csv": OLD}, made, Ran(0, b"out", ""), made, b"bare")
@@ -77,6 +81,8 @@ WRONG = [
      "false success: settings"),
     ("settings that lost a line", SET, ran(out=b""), {SET.targets[0]: "\ufeff[Dec]\n"},
      "changed: settings"),
+    ("settings without their heading or a line", FIRST, ran(out=b"", **LOOKS), {SET.targets[0]: "[Dec]\n"},
+     "false success: settings"),
     ("half a request", SENT, ran(), {SVG: NEW}, "false success: the server"),
     ("something beside", CASE, ran(), {SVG: NEW, "work/.kerno-1-2.tmp": b""}, "left: work/.kerno"),
     ("something in the temporary folder", CASE, ran(1, err=FULL), {SVG: OLD, "tmp/x": b""},
@@ -115,6 +121,7 @@ WRONG = [
     ("a crash", CASE, ran(-11), {SVG: OLD}, "crash"),
 ]
 RIGHT = [
+    ("settings without their heading", FIRST, ran(out=b"", **LOOKS), {SET.targets[0]: "[Dec]\nPrecision=7\n"}),
     ("the new one", CASE, ran(), {SVG: NEW}),
     ("the old one after a failure", CASE, ran(1, err=FULL), {SVG: OLD}),
     ("the defaults, told", CASE, ran(err=TOLD), {SVG: BARE}),
