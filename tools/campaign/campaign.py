@@ -563,6 +563,8 @@ def names_of(case, ran):
         names.append("standard output")
     if ALLOCATES.match(ran.what) or (ran.fault and ran.fault.do == str(errno.ENOMEM)):
         names.append("memory")
+    if ran.what in ("mmap", "pthread_create"):  # of a thread's stack
+        names.append("thread")
     return [name for name in names if name]
 
 
@@ -619,6 +621,9 @@ NO_MEMORY = 4  # a KernoResult
 def judge_library(case, ran):
     """Whether missing memory is told as such, and whether the library works again after a fault."""
     findings = []
+    if "Fontconfig error: " in ran.err and ran.fault is not None and ran.fault.of == "aside":
+        ran.let_go = "configuration of Fontconfig"
+        return []
     lacks = ran.fault is not None and (ran.fault.group == "alloc" or ran.fault.do == str(errno.ENOMEM))
     if ran.status == NO_MEMORY and not lacks:
         findings.append("memory that is not missing")

@@ -167,7 +167,7 @@ def series():
     yield Case("cut a table of standard input",
                ["cut", "--data", "-", "--text", "{text}", *FACE, "--jobs", "2", "--replace", "-o",
                 "{name}.svg"],
-               None, ("work/one.svg", "work/two.svg"), (*FACE[1:], "standard input", "row "),
+               None, ("work/one.svg", "work/two.svg"), (*FACE[1:], "standard input", "row ", ".list"),
                input=b"name,text\none,Ab\ntwo,g\n")
     yield Case("cut lines to plots and pages",
                ["cut", "--lines", "list.txt", *FACE, "--jobs", "1", "--json", "--replace", "-o",
