@@ -11,10 +11,10 @@ PYTHONS ?= python3.8 python3.9 python3.10 python3.11 python3.12 python3.13
 try-pythons: python
 	@cmake --build build/release -j $(JOBS) --target kerno
 	@failed=0; \
-	export PYTHONPATH='$(CURDIR)/build/python' KERNO_LIBRARY='$(CURDIR)/build/python/kerno/libkerno.so.1' \
+	export PYTHONPATH='$(CURDIR)/python' KERNO_LIBRARY='$(CURDIR)/build/python/kerno/libkerno.so.1' \
 	  FONTCONFIG_FILE='$(CURDIR)/tests/fonts.conf'; \
 	for python in $(PYTHONS); do \
 	  $$python -V || { echo "$$python is not here: not tried"; continue; }; \
-	  (cd build/python && $$python -B -W error '$(CURDIR)/examples/python/sign.py') && \
+	  (cd build/python && KERNO_LIBRARY= PYTHONPATH=. $$python -B -W error '$(CURDIR)/examples/python/sign.py') && \
 	  $$python -B tests/api/bindings_test.py --bare build/release/src/cli/kerno || failed=1; \
 	done; exit $$failed
