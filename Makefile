@@ -6,7 +6,7 @@ VERSION := $(shell sed -n "s/^project.kerno VERSION \([0-9.]*\).*/\1/p" CMakeLis
 WARNINGS_AS_ERRORS ?= OFF
 TEST_BUILD := -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKERNO_WARNINGS_AS_ERRORS=$(WARNINGS_AS_ERRORS)
 
-.PHONY: all setup build run samples test bench fuzzers fuzz fuzz-briefly faults kills screenshots install clean \
+.PHONY: all setup build run samples test bench fuzzers fuzz fuzz-briefly faults kills tsan screenshots install clean \
   setup-windows windows test-windows agreement
 all: build
 
@@ -61,21 +61,35 @@ fuzz: fuzzers
 fuzz-briefly: fuzzers
 	@cd build/fuzz && ctest -R '^fixed_' -j $(JOBS) --output-on-failure
 
-# Lets each system call and each allocation of each command fail; "make test" takes a sample.
+# Lets each system call and each allocation of each command and of the library fail; "make test" takes a sample.
+# In pieces: FAULTS_SECONDS=1200 FAULTS_JOURNAL=FILE, again until nothing is left. FAULTS_EVERY=12 takes each 12th.
+FAULTS_EVERY ?= 1
+FAULTS_SECONDS ?= 0
+FAULTS_JOURNAL ?=
 faults: build
 	@cmake --build build/release --target kerno_faults
 	@failed=0; \
 	$(PYTHON) tools/campaign/cases.py build/release/src/cli/kerno || failed=1; \
-	$(PYTHON) tools/campaign/faults.py --jobs $(JOBS) build/release/src/cli/kerno \
+	$(PYTHON) tools/campaign/faults.py --jobs $(JOBS) --every $(FAULTS_EVERY) --seconds $(FAULTS_SECONDS) \
+	  --journal '$(FAULTS_JOURNAL)' build/release/src/cli/kerno \
 	  build/release/tools/campaign/kerno_faults.so || failed=1; \
 	exit $$failed
 
 # Ends each command at each file call and at moments of chance; "make test" takes a sample.
+# KILLS_EVERY=40 ends it at each 40th call.
 KILLS_SEED ?= 15
+KILLS_EVERY ?= 1
 kills: build
 	@cmake --build build/release --target kerno_faults
-	@$(PYTHON) tools/campaign/kills.py --jobs $(JOBS) --seed $(KILLS_SEED) build/release/src/cli/kerno \
+	@$(PYTHON) tools/campaign/kills.py --jobs $(JOBS) --seed $(KILLS_SEED) --every $(KILLS_EVERY) build/release/src/cli/kerno \
 	  build/release/tools/campaign/kerno_faults.so
+
+# What works on several threads, with the sanitizer that finds races: minutes to build, a minute to run.
+tsan: setup
+	@cmake -S . -B build/tsan -G Ninja -DCMAKE_BUILD_TYPE=None -DCMAKE_C_FLAGS='-O1 -g1' -DCMAKE_CXX_FLAGS='-O1 -g1' \
+	  -DKERNO_SANITIZE_THREADS=ON -DKERNO_DESKTOP=OFF -DKERNO_MANUAL=OFF -DKERNO_TESTS=ON >/dev/null
+	@cmake --build build/tsan -j $(JOBS) --target kerno api_tests
+	@$(PYTHON) tools/try_threads.py build/tsan/src/cli/kerno build/tsan/tests/api/api_tests
 
 # Pictures of the window in each of its states, in out/screenshots.
 screenshots: build

@@ -17,8 +17,9 @@
  * then tells in words what is wrong, and why. What such a function was to fill is as it was. A sign
  * that was freed, a number that never was a sign, and NULL where a pointer is wanted are such
  * failures, too. Kerno prints nothing (Fontconfig may, of configurations that it cannot read), and
- * no exception comes out. Without memory a call fails with KERNO_NO_MEMORY, or with KERNO_FAILED
- * and the system's words; a few functions of the C++ library then end the process instead.
+ * no exception comes out. Without memory, also where the system has none for a file, a call
+ * fails with KERNO_NO_MEMORY; a C library that has none for the variables of a thread ends the
+ * process.
  *
  * Threads: every function may be called from every thread. Calls for different signs run at the
  * same time; calls for one sign wait for each other. A call may start threads of its own, which end

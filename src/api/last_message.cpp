@@ -1,34 +1,50 @@
 #include "api/last_message.h"
 
 #include <array>
+#include <memory>
 #include <new>
 #include <utility>
 
 #include "base/text.h"
+#include "platform/thread_slot.h"
 
 namespace kerno {
 namespace {
 
-struct LastFailure {
-  std::string text;
-  const char* shown = "";  // `text`, or one of the program
+struct ThreadTexts {
+  std::string message;
+  std::array<std::string, kTextKinds> kept;
 };
 
-thread_local LastFailure last;
-thread_local std::array<std::string, kTextKinds> kept_texts;
+ThreadSlot& Slot() {
+  static ThreadSlot slot([](void* texts) { delete static_cast<ThreadTexts*>(texts); });
+  return slot;
+}
+
+// Of this thread; made when it is first asked for.
+ThreadTexts& Texts() {
+  if (auto* const known = static_cast<ThreadTexts*>(Slot().Get())) return *known;
+  auto made = std::make_unique<ThreadTexts>();
+  if (!Slot().Set(made.get())) throw std::bad_alloc();
+  return *made.release();
+}
+
+thread_local const char* shown = "";  // this thread's message, or a text of the program
 
 }  // namespace
 
 int Keep(const Outcome& outcome) {
   if (outcome.ok()) return KERNO_OK;
   // Values and names of files are told as they were given, in whatever bytes.
-  last.text = Utf16ToUtf8(Utf8ToUtf16Lossy(outcome.message));
-  last.shown = last.text.c_str();
+  std::string text = Utf16ToUtf8(Utf8ToUtf16Lossy(outcome.message));
+  std::string& kept = Texts().message;
+  kept = std::move(text);
+  shown = kept.c_str();
   return outcome.result;
 }
 
 int KeepNoMemory() noexcept {
-  last.shown = "memory: there is not enough for this text";
+  shown = "memory: there is not enough for this text";
   return KERNO_NO_MEMORY;
 }
 
@@ -41,11 +57,11 @@ int KeepFault(const char* what) noexcept {
 }
 
 const char* LastMessage() noexcept {
-  return last.shown;
+  return shown;
 }
 
 const char* KeepText(TextKind kind, std::string text) {
-  std::string& kept = kept_texts[static_cast<size_t>(kind)];
+  std::string& kept = Texts().kept[static_cast<size_t>(kind)];
   kept = std::move(text);
   return kept.c_str();
 }

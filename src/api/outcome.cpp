@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text.h"
+#include "platform/no_memory.h"
 
 namespace kerno {
 
@@ -16,13 +17,16 @@ Outcome Outcome::Bad(std::string_view what, std::string_view why) {
 
 Outcome Outcome::Of(const Status& status) {
   if (status.ok()) return Ok();
-  const int result = status.failure == Failure::kNotFound ? KERNO_NO_FACE : KERNO_FAILED;
+  int result = status.failure == Failure::kNotFound ? KERNO_NO_FACE : KERNO_FAILED;
+  if (LacksMemory(status)) result = KERNO_NO_MEMORY;
   return {result, LineOf({false, Utf16ToUtf8(status.what), Utf16ToUtf8(status.why)})};
 }
 
 Outcome Outcome::Of(const std::vector<Message>& messages, int result) {
   const auto error = std::ranges::find(messages, false, &Message::is_warning);
-  return {result, error == messages.end() ? "something is wrong" : LineOf(*error)};
+  if (error == messages.end()) return {result, "something is wrong"};
+  const bool lacks_memory = Utf8ToUtf16Lossy(error->why).starts_with(kNoMemoryReason);
+  return {lacks_memory ? KERNO_NO_MEMORY : result, LineOf(*error)};
 }
 
 }  // namespace kerno

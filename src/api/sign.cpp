@@ -315,7 +315,7 @@ Outcome Sign::Write(const std::string& file, const std::string& format) {
   const Status written = WriteCut(job_, made_, style, *output->format, PathArgument(file));
   if (written.ok()) return Outcome::Ok();
   Outcome failed = Outcome::Of(written);
-  failed.result = KERNO_FAILED;
+  if (failed.result != KERNO_NO_MEMORY) failed.result = KERNO_FAILED;
   return failed;
 }
 

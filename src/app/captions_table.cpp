@@ -589,6 +589,7 @@ constexpr CaptionRow kReasons[] = {
     {u"no permission to write in its folder", u"フォルダーに書き込む権限がありません",
      u"keine Berechtigung, in den Ordner zu schreiben"},
     {u"no secure connection", u"安全な接続ができません", u"keine sichere Verbindung"},
+    {u"not enough memory", u"メモリが足りません", u"der Speicher reicht nicht"},
     {u"not enough memory for the picture", u"画像のためのメモリが足りません",
      u"der Speicher reicht für das Bild nicht"},
     {u"not replaced: it is no page that this program wrote",

@@ -1,6 +1,7 @@
 #include "app/stroke_fonts.h"
 
 #include <algorithm>
+#include <new>
 #include <set>
 #include <utility>
 
@@ -11,6 +12,7 @@
 #include "outline/scripts.h"
 #include "platform/fold_case.h"
 #include "platform/folder_path.h"
+#include "platform/no_memory.h"
 #include "platform/stroke_font_folders.h"
 
 namespace kerno {
@@ -34,6 +36,7 @@ std::vector<fs::path> FilesIn(const fs::path& folder) {
   const Status listed = ListFolder(folder, [&](const fs::path& path) {
     if (IsStrokeFontName(path)) files.push_back(path);
   });
+  if (LacksMemory(listed)) throw std::bad_alloc();
   if (!listed.ok()) files.clear();
   std::ranges::sort(files);
   return files;

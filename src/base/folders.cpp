@@ -105,9 +105,11 @@ fs::path WorkFolder() {
   const fs::path temp = named.empty() ? OwnTempFolder() : OwnPartOf(named);
   const fs::path day = DayFolderIn(temp);
   if (!temp.empty() && CreateFolderPath(day)) return WithSeparator(day);
-  fs::path second = DayFolderIn(ProgramFolder() / "Temp");
+  // Where the program's folder cannot be told, it is not the current one.
+  const fs::path program = ProgramFolder();
+  fs::path second = program.empty() ? fs::path() : DayFolderIn(program / "Temp");
   const fs::path cache = CurrentSystem().CacheFolder();
-  if (!CreateFolderPath(second) && !cache.empty()) {
+  if ((second.empty() || !CreateFolderPath(second)) && !cache.empty()) {
     second = DayFolderIn(cache);
     CreateFolderPath(second);
   }

@@ -140,6 +140,18 @@ bool HasName(const std::vector<std::u16string>& names, std::u16string_view wante
       names, [&](const std::u16string& name) { return EqualWithoutCase(name, wanted); });
 }
 
+// The face's features, or its axes as --variation takes them.
+void AddTags(const ListedFace& face, bool axes, std::set<std::u16string>* names) {
+  FontData data;
+  FontDetails details;
+  if (!FindFontData(RequestFor(face), &data).ok() || !ReadFontDetails(data, &details).ok()) return;
+  if (!axes) {
+    for (const std::string& tag : details.features) names->insert(Utf8ToUtf16Lossy(tag));
+  } else {
+    for (const FontAxis& axis : details.axes) names->insert(Utf8ToUtf16Lossy(axis.tag + "="));
+  }
+}
+
 bool HasControl(const std::u16string& name) {
   return std::ranges::any_of(name, [](char16_t unit) { return unit < 0x20 || unit == 0x7F; });
 }
@@ -164,6 +176,8 @@ void FacesCommand::AddOptions(CLI::App& app) {
   // For completions: names as --face and --style take them, one a line. Not in the help.
   app.add_flag("--names", names_, "families by every name")->group("");
   app.add_flag("--styles", styles_, "styles of --family, or of --font-file")->group("");
+  app.add_flag("--tags", tags_, "features of the same")->group("");
+  app.add_flag("--axes", axes_, "axes of the same")->group("");
   app.add_option("--family", family_, "a family by any of its names")->group("");
 }
 
@@ -290,15 +304,18 @@ bool FacesCommand::CheckNames() const {
     if (!goes && option->count() > 0) return report(name, "does not go with lists of names");
   }
   const bool has_family = app_->count("--family") > 0;
-  if (names_ && (styles_ || has_family)) return report("--names", "stands alone");
-  if (has_family && !styles_) return report("--family", "needs --styles");
-  if (styles_ && has_family == (app_->count("--font-file") > 0)) {
-    return report("--styles", "needs either --family or --font-file");
+  const char* const of_face = styles_ ? "--styles" : tags_ ? "--tags" : axes_ ? "--axes" : nullptr;
+  if (names_ && (of_face || has_family)) return report("--names", "stands alone");
+  if (has_family && !of_face) return report("--family", "needs --styles");
+  if (of_face && styles_ + tags_ + axes_ > 1) return report(of_face, "stands alone");
+  if (of_face && has_family == (app_->count("--font-file") > 0)) {
+    return report(of_face, "needs either --family or --font-file");
   }
   return true;
 }
 
-// The system's list alone is asked, no font file: an answer to a key must be quick.
+// The system's list alone is asked for names and styles, no font file: an answer to a key must be
+// quick.
 ExitStatus FacesCommand::ListNames() const {
   const bool of_file = app_->count("--font-file") > 0;
   std::vector<ListedFace> faces;
@@ -312,9 +329,13 @@ ExitStatus FacesCommand::ListNames() const {
   std::set<std::u16string> names;
   for (const ListedFace& face : faces) {
     if (!face.has_outlines) continue;
-    if (!styles_) {
+    if (names_) {
       names.insert(face.families.begin(), face.families.end());
-    } else if (!face.styles.empty() && (of_file || HasName(face.families, family))) {
+    } else if (!of_file && !HasName(face.families, family)) {
+      continue;
+    } else if (!styles_) {
+      AddTags(face, axes_, &names);
+    } else if (!face.styles.empty()) {
       names.insert(face.styles.front());
     }
   }
@@ -353,7 +374,7 @@ ExitStatus FacesCommand::DescribeFile() const {
 }
 
 ExitStatus FacesCommand::Run() {
-  if (names_ || styles_ || app_->count("--family") > 0) {
+  if (names_ || styles_ || tags_ || axes_ || app_->count("--family") > 0) {
     return CheckNames() ? ListNames() : kWrongUsage;
   }
   if (app_->count("--font-file") > 0) return DescribeFile();

@@ -38,6 +38,8 @@ class FacesCommand final : public Command {
   bool strokes_ = false;
   bool names_ = false;
   bool styles_ = false;
+  bool tags_ = false;
+  bool axes_ = false;
 };
 
 }  // namespace kerno

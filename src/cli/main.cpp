@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <exception>
 #include <new>
+#include <system_error>
 
 #include "cli/console.h"
 #include "cli/program.h"
@@ -53,6 +54,10 @@ int main(int argc, char** argv) {
     return kerno::Program().Run(kerno::ProgramArguments(argc, argv));
   } catch (const std::bad_alloc&) {
     return kerno::ReportNoMemory();
+  } catch (const std::system_error& error) {
+    const bool of_thread = error.code() == std::errc::resource_unavailable_try_again;
+    kerno::ReportError(of_thread ? "a thread cannot be had" : "kerno", error.what());
+    return kerno::kFailed;
   } catch (const std::exception& error) {
     kerno::ReportError("kerno", error.what());
     return kerno::kFailed;

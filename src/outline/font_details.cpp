@@ -9,6 +9,8 @@
 #include <set>
 #include <utility>
 
+#include "platform/memory_watch.h"
+
 namespace kerno {
 namespace {
 
@@ -97,11 +99,14 @@ Embedding EmbeddingOf(unsigned permissions) {
 
 // The face refers to the bytes of the data.
 Status OpenFace(const FontData& data, Owned<hb_face_t>* face) {
+  const MemoryWatch watch;
   const std::string_view bytes = data.file->bytes();
   const Owned<hb_blob_t> blob(hb_blob_create(bytes.data(), static_cast<unsigned>(bytes.size()),
                                              HB_MEMORY_MODE_READONLY, nullptr, nullptr));
   face->reset(hb_face_create(blob.get(), data.index));
-  if (hb_face_get_glyph_count(face->get()) == 0) {
+  const unsigned glyphs = hb_face_get_glyph_count(face->get());
+  watch.Check();
+  if (glyphs == 0) {
     return Status::Error(Failure::kOther, data.family, u"its file holds no font that can be read");
   }
   return Status::Ok();
@@ -131,25 +136,31 @@ void PlaceByText(std::string_view variations, const std::vector<FontAxis>& axes,
 }  // namespace
 
 Status ReadFontDetails(const FontData& data, FontDetails* details) {
+  const MemoryWatch watch;
   Owned<hb_face_t> face;
   if (Status opened = OpenFace(data, &face); !opened.ok()) return opened;
   *details = {AxesOf(face.get()), ScriptsOf(face.get()), FeaturesOf(face.get()),
               EmbeddingOf(PermissionsOf(face.get()))};
+  watch.Check();
   return Status::Ok();
 }
 
 bool ForbidsOutlines(const FontData& data) {
+  const MemoryWatch watch;
   Owned<hb_face_t> face;
   if (!OpenFace(data, &face).ok()) return false;
   constexpr unsigned kBitmapsOnly = 0x0200;
   const unsigned permissions = PermissionsOf(face.get());
+  watch.Check();
   return EmbeddingOf(permissions) == Embedding::kRestricted || (permissions & kBitmapsOnly) != 0;
 }
 
 Status ReadAxes(const FontData& data, std::vector<FontAxis>* axes, std::vector<double>* places) {
+  const MemoryWatch watch;
   Owned<hb_face_t> face;
   if (Status opened = OpenFace(data, &face); !opened.ok()) return opened;
   *axes = AxesOf(face.get());
+  watch.Check();
   places->clear();
   for (const FontAxis& axis : *axes) places->push_back(axis.usual);
   if (data.instance > 0) PlaceInstance(face.get(), data.instance, places);
@@ -158,10 +169,12 @@ Status ReadAxes(const FontData& data, std::vector<FontAxis>* axes, std::vector<d
 }
 
 Status ReadCharacters(const FontData& data, CharacterSet* characters) {
+  const MemoryWatch watch;
   Owned<hb_face_t> face;
   if (Status opened = OpenFace(data, &face); !opened.ok()) return opened;
   const Owned<hb_set_t> set(hb_set_create());
   hb_face_collect_unicodes(face.get(), set.get());
+  watch.Check();
   *characters = {};
   hb_codepoint_t first = HB_SET_VALUE_INVALID, last = HB_SET_VALUE_INVALID;
   while (hb_set_next_range(set.get(), &first, &last)) Append({first, last}, characters);

@@ -126,9 +126,12 @@ Status BuildBody(const fs::path& file, int64_t limit, Body* body) {
 }
 
 void KeepInspectionCopy(const fs::path& file, std::string_view body) {
-  fs::path copy = WorkFolder() / file.filename();
+  const fs::path folder = WorkFolder();
+  fs::path copy = folder / file.filename();
   copy += ".txt";
-  const Status status = ReplaceFile(copy, body);
+  const Status status = folder.empty() ? Status::Error(Failure::kOther, ShownPath(file.filename()),
+                                                       u"there is no folder for it")
+                                       : ReplaceFile(copy, body);
   if (!status.ok()) {
     CurrentNotices().Message(status.what + u": the copy of the request was not written: " +
                              status.why);

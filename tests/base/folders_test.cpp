@@ -48,6 +48,10 @@ TEST(Folders, WorkFolderIsOneForEachDay) {
     EXPECT_TRUE(fs::is_directory(wanted)) << wanted;
     clock.seconds += 24 * 60 * 60;
   }
+  system.program.clear();  // as where it cannot be told
+  EXPECT_EQ(WorkFolder(), folder / "c/Quenkit.tmp/20261124/");
+  system.cache.clear();
+  EXPECT_EQ(WorkFolder(), fs::path());
 }
 
 TEST(Folders, InASharedFolderTheUserGetsAPrivateOneOrNone) {

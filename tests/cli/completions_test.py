@@ -23,6 +23,7 @@ KERNO = ""
 SCRIPTS = pathlib.Path()
 ROMAN = {"rowmand", "rowmans", "rowmant"}
 BOLD = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf"
+VARIABLE = "/usr/share/fonts/truetype/inter-vf/Inter.var.ttf"
 FORMATS = {"svg", "bmp", "dxf", "emf", "x3d", "ipx", "ipl", "plt", "pdf"}
 
 
@@ -76,8 +77,12 @@ class CompletionsTest(programs.FolderTest):
         place = self.folder / "bin"
         place.mkdir()
         (place / "kerno").symlink_to(KERNO)
+        other = self.folder / "signs" / "kerno-elsewhere" / "kerno"  # has a face of its own
+        other.parent.mkdir(parents=True)
+        other.write_text("#!/bin/sh\necho QX\n")
+        other.chmod(0o755)
         self.work = self.folder / "signs"
-        self.work.mkdir()
+        self.work.mkdir(exist_ok=True)
         for name in ("old sign.ipx", "notes.md", "plate.dxf"):
             (self.work / name).write_text("")
         for name in ("outputs", "IPAGothic"):
@@ -163,6 +168,11 @@ class CompletionsTest(programs.FolderTest):
                 ("kerno page ", {"outputs"} if is_bash else {"outputs/"}, {"notes.md"}),
                 ("kerno cut --ipx ", set(), {"old sign.ipx"}),
                 (f"kerno cut --font-file {BOLD} --style ", {"Bold"}, {"Oblique", "Book"}),
+                (f"kerno cut --font-file {BOLD} --features ", {"liga", "kern"}, {"Bold"}),
+                (f"kerno cut --font-file {BOLD} --features liga=0,k", {"liga=0,kern"}, {"liga=0,liga"}),
+                (f"kerno cut --font-file {BOLD} --variation ", set(), {"wght="}),
+                (f"kerno cut --font-file {VARIABLE} --variation ", {"wght="}, {"liga"}),
+                ("kerno cut x --language sr", {"sr", "sr-Latn"}, {"ja"}),
                 ("kerno cut --height ", set(), {"notes.md", "outputs", "outputs/"})]
             if is_bash:
                 cases += [("kerno convert --ipx ", files, {"notes.md"}), ("kerno faces > no", {"notes.md"}, set()),
@@ -193,7 +203,7 @@ class CompletionsTest(programs.FolderTest):
                 ("kerno conv", "kerno convert "),
                 ("kerno cut --al", "kerno cut --align=" if is_zsh else "kerno cut --align "),  # a blank takes "=" away
                 ("kerno cut --align ri", "kerno cut --align right "),
-                ("kerno cut --face Lo", "kerno cut --face Lohit\\ Devanagari "),
+                ("kerno cut --face Loh", "kerno cut --face Lohit\\ Devanagari "),
                 ("kerno cut --face lohit\\ d", "kerno cut --face Lohit\\ Devanagari "),
                 ("kerno cut --face \"Lohit D", "kerno cut --face \"Lohit Devanagari\" "),
                 ("kerno cut --face 'Lohit", "kerno cut --face 'Lohit Devanagari' "),
@@ -211,6 +221,10 @@ class CompletionsTest(programs.FolderTest):
                 ("kerno settings get Dec S", "kerno settings get Dec SvgOut::Precision "),
                 ("kerno settings get Dec SvgOut::P", "kerno settings get Dec SvgOut::Precision "),
                 ("kerno cut --align=ri", "kerno cut --align=right "),
+                (f"kerno cut --font-file {VARIABLE} --variation w", f"kerno cut --font-file {VARIABLE} --variation wght="),
+                ("kerno cut --face 'DejaVu Sans' --features=case,lo", "kerno cut --face 'DejaVu Sans' --features=case,locl"),
+                ("kerno cut --language zh-Hant", "kerno cut --language zh-Hant "),
+                ("kerno-elsewhere/kerno cut --face Q", "kerno-elsewhere/kerno cut --face QX"),
                 ("kerno faces 2>not", "kerno faces 2>notes.md "),
                 ("kerno cut --face IPAGo", "kerno cut --face IPAGothic "),
                 ("kerno cut --face \"$(touch ran)", None),

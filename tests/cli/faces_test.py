@@ -168,6 +168,12 @@ class FacesTest(programs.FolderTest):
             status, out, err = run("faces", *words)
             self.assertEqual((2, "", True), (status, out, message in err), (words, err))
         self.assertEqual((0, "Regular\n", ""), run("faces", "--styles", "--family", "IPA明朝"))
+        for words in (["--family", "DejaVu Sans"], ["--font-file", SANS]):
+            listed = run("faces", "--tags", *words)[1].split()
+            with TTFont(SANS) as font:
+                held = {record.FeatureTag for table in ("GSUB", "GPOS") for record in font[table].table.FeatureList.FeatureRecord}
+            self.assertLessEqual({tag.strip() for tag in held}, set(listed))
+            self.assertEqual((0, "", ""), run("faces", "--axes", *words))
         self.assertNotIn("\n\n\n", run("help", "faces")[1] + "\n")
 
     def test_encodings_agree_with_another_converter(self):

@@ -36,13 +36,15 @@ FOREIGN = re.compile(r"(cache/fontconfig|home/\.cache/fontconfig)(/|$)")
 # Empty folders that the program makes where it looks for a place, and keeps.
 LOGS = re.compile(r"tmp/DbgDump(/\w+_\d{4}_\d\d\.txt)?$")  # the program's own, kept for ten days
 # Where settings go when their own place fails, and copies of requests, which a message must tell.
-RESORT = re.compile(r"(tmp|tmp/___|cache/kerno)/(Quenkit\.ini|Quenkit_Setting/.*)$"
-                    r"|(cache/kerno|tmp/___)$")
-COPIES = re.compile(r"(bin/Temp|tmp|tmp/___|cache/kerno)/Quenkit\.tmp(/.*)?$|(cache/kerno|tmp/___)$")
+RESORT = re.compile(r"(tmp|tmp/nobody|cache/kerno)/(Quenkit\.ini|Quenkit_Setting/.*)$"
+                    r"|(cache/kerno|tmp/nobody)$")
+COPIES = re.compile(r"(bin/Temp|tmp|cache/kerno)/Quenkit\.tmp(/.*)?$|cache/kerno$")
+OWN_PART = re.compile(r"tmp/nobody(/Quenkit\.tmp(/.*)?)?$")  # of a folder that others may write in
 SETTINGS = ("Quenkit.ini", "registry.reg", "Quenkit_Setting", "/settings")
 LASTING = {"bin/Temp", "bin/Temp/Quenkit_Setting", "config", "config/kerno",
            "config/kerno/Quenkit_Setting", "tmp/Quenkit_Setting", "cache"}
 
+PROGRAMS = {"kerno", "kerno_signs"}
 GROUPS = ["open", "read", "write", "look", "name", "keep", "map", "net", "thread", "alloc"]
 STACKS_AT = 16 * len(GROUPS) + 3 * 8 + 512
 NAME_OF = {getattr(errno, name): name for name in dir(errno) if name.startswith("E")}
@@ -92,6 +94,22 @@ class Ran:
 
 
 @dataclasses.dataclass
+class Finding:
+    """What was wrong with one run, as reports and journals have it."""
+    case: str
+    fault: str
+    what: str             # in a line that begins with its kind
+    status: int = 0
+    err: str = ""
+    call: str = ""
+    path: str = ""
+
+    @staticmethod
+    def of(case, fault, ran, what):
+        return Finding(case, str(fault), what, ran.status, ran.err.strip()[:200], ran.what, ran.path)
+
+
+@dataclasses.dataclass
 class Case:
     name: str
     words: list                 # of the command; "{work}" is its folder
@@ -104,6 +122,7 @@ class Case:
     input: bytes = b""
     fewer: tuple = ()           # prepare functions: what may stand there where a row failed
     failed: tuple = ()          # a table of failures, its header, and the file of each row
+    library: bool = False       # run by the library's user, kerno_signs, in the command's place
 
 
 class Server:
@@ -137,17 +156,29 @@ def same_addresses():
     ctypes.CDLL(None).personality(0x0040000)  # ADDR_NO_RANDOMIZE
 
 
+def bring(file, to):
+    try:  # a link is cheap where it can be had
+        os.link(file, to)
+    except OSError:
+        shutil.copy2(file, to)
+
+
+def signs_beside(injector):
+    """The user of the library, which is built beside the injector."""
+    return pathlib.Path(injector).with_name("kerno_signs")
+
+
 class Place:
     """Folders of its own, with a copy of the program: bin, home, config, cache, tmp, work."""
 
     def __init__(self, program, injector, sanitized):
         self.top = pathlib.Path(tempfile.mkdtemp(prefix="place-"))
         self.program = self.top / "bin" / "kerno"
+        self.signs = self.top / "bin" / "kerno_signs"
         self.program.parent.mkdir()
-        try:  # a link is cheap where it can be had
-            os.link(program, self.program)
-        except OSError:
-            shutil.copy2(program, self.program)
+        bring(program, self.program)
+        if injector and signs_beside(injector).is_file():  # where the library is built
+            bring(signs_beside(injector), self.signs)
         self.log = self.top.with_name(self.top.name + ".log")
         self.injector = str(injector)
         self.fonts = self.top.with_name(self.top.name + ".fonts")
@@ -156,6 +187,7 @@ class Place:
         self.server = None
         self.env = {
             "PATH": os.environ["PATH"], "HOME": str(self.top / "home"), "LANG": "C.UTF-8",
+            "USER": "nobody",
             "XDG_CONFIG_HOME": str(self.top / "config"), "XDG_CACHE_HOME": str(self.top / "cache"),
             "XDG_DATA_HOME": str(self.top / "home" / "share"), "TMPDIR": str(self.top / "tmp"),
             "FONTCONFIG_FILE": str(self.fonts / "fonts.conf"), "SOURCE_DATE_EPOCH": "1700000000", "TZ": "UTC",
@@ -200,7 +232,7 @@ class Place:
         for entry in list(os.scandir(self.top)):
             if entry.name == "bin":
                 for other in os.scandir(entry.path):
-                    if other.name != "kerno":
+                    if other.name not in PROGRAMS:
                         shutil.rmtree(other.path) if other.is_dir() else os.unlink(other.path)
             elif entry.is_dir(follow_symlinks=False):
                 shutil.rmtree(entry.path)
@@ -216,7 +248,8 @@ class Place:
             case.prepare(self)
 
     def words(self, case):
-        return [str(self.program), *(w.replace("{work}", str(self.work)) for w in case.words)]
+        program = self.signs if case.library else self.program
+        return [str(program), *(w.replace("{work}", str(self.work)) for w in case.words)]
 
     def environment(self, case, fault=None):
         env = {**self.env, **{k: v.replace("{top}", str(self.top)) for k, v in case.env.items()}}
@@ -268,7 +301,7 @@ class Place:
             for name in folders + files:
                 short = os.path.normpath(os.path.join(base, name))
                 path = os.path.join(folder, name)
-                if short == "bin/kerno" or FOREIGN.search(short):
+                if (base == "bin" and name in PROGRAMS) or FOREIGN.search(short):
                     continue
                 if os.path.islink(path):
                     found[short] = ("link", os.readlink(path))
@@ -344,6 +377,8 @@ def bare_of(place, case):
 
 def world_of(place, case):
     """What the case makes without a fault, counted."""
+    if case.library and not place.signs.exists():
+        raise SystemExit(f"{case.name}: there is no {place.signs.name}")
     fewer = []
     for prepare in case.fewer:
         one = dataclasses.replace(case, prepare=prepare)
@@ -373,12 +408,29 @@ def tells_of_settings(ran):
 PROGRAM_LINE = re.compile(rb"(?m)^(EXE +\t +\t)[^\r\n]+")
 
 
-def lacks_program(name, found, after, ran):
-    """Whether all of a file is there but the name of the program, where each look failed."""
+# The comment of a new file of settings with the time, which is no setting.
+HEADING = re.compile(r"\A(;[^\n]*\n)+")
+
+
+def lacks_comment(name, found, after, ran):
+    """Whether all of a file is there but a comment: the name of the program, or the heading of new
+    settings, where each look failed."""
     if not (ran.fault and ran.fault.on and ran.fault.group == "look" and ran.fault.of == "own"):
         return False
+    if name.endswith(".ini") and isinstance(after, str):
+        return found == HEADING.sub("", after)
     return (name.endswith(".svg") and isinstance(found, bytes) and isinstance(after, bytes)
             and found == PROGRAM_LINE.sub(rb"\1", after))
+
+
+def is_sheet_without(case, world, keys, now):
+    """Whether the one sheet of all rows stands as it is without those rows that failed."""
+    files = case.failed[2]
+    sheet = next(iter(files.values()))
+    allowed = {(): [world.after], tuple(files): [world.before]}
+    allowed.update({(key,): [state] for key, state in zip(files, world.fewer)})
+    return any(now.get(sheet, ABSENT) == state.get(sheet, ABSENT)
+               for state in allowed.get(tuple(keys), []))
 
 
 def is_table(case, world, name, now):
@@ -388,6 +440,8 @@ def is_table(case, world, name, now):
     _, header, files = case.failed
     first, *rows = now[name].split(b"\n")
     keys = [row.split(b",")[0] for row in rows[:-1]]
+    if case.fewer:
+        return first == header and rows[-1:] == [b""] and is_sheet_without(case, world, keys, now)
     missing = {key for key, file in files.items() if now.get(file, ABSENT) != world.after[file]}
     return (first == header and rows[-1:] == [b""] and len(set(keys)) == len(keys)
             and missing <= set(keys) <= set(files))
@@ -405,8 +459,9 @@ def may_stand(case, ran, world, name, now):
             return True  # the rows that did not fail
         if is_table(case, world, name, now):
             return True
-    if lacks_program(name, found, after, ran):
-        ran.let_go = "program without a name"
+    makes = [after] + ([world.bare.get(name, ABSENT)] if tells_of_settings(ran) else [])
+    if any(lacks_comment(name, found, made, ran) for made in makes):
+        ran.let_go = "comment that needs a look"
         return True
     return False
 
@@ -419,7 +474,7 @@ def judge_files(case, ran, world, now):
         found = now.get(name, ABSENT)
         if may_stand(case, ran, world, name, now):
             continue
-        if (found is None and name in LASTING) or LOGS.match(name):
+        if (found is None and name in LASTING) or LOGS.match(name) or OWN_PART.match(name):
             continue
         if COPIES.match(name) and "Quenkit.tmp" in ran.err:
             continue
@@ -440,7 +495,7 @@ def lines_of(text):
 
 def resort_holds(world, now, target):
     """Whether the change of these settings stands where they go when their own place fails."""
-    old, new = lines_of(world.before.get(target)), lines_of(world.after[target])
+    old, new = lines_of(world.before.get(target)), lines_of(HEADING.sub("", world.after[target]))
     return any(new - old <= lines_of(found) and not (old - new) & lines_of(found)
                for name, found in now.items() if RESORT.match(name) and isinstance(found, str))
 
@@ -450,15 +505,17 @@ def judge_success(case, world, ran, now, server):
     findings, told = [], tells_of_settings(ran)
     for target in case.targets:
         found, after = now.get(target, ABSENT), world.after[target]
-        if found == after or lacks_program(target, found, after, ran):
-            continue
-        if target.startswith("work/") and told and found == world.bare.get(target, ABSENT):
+        bare = world.bare.get(target, ABSENT) if target.startswith("work/") and told else after
+        if found in (after, bare) or any(lacks_comment(target, found, made, ran)
+                                         for made in (after, bare)):
             continue
         if not target.startswith("work/") and told and resort_holds(world, now, target):
             continue
         findings.append(f"false success: {target} is not the new one")
     outs = {world.ran.out} | ({world.bare_out} if told else set())
-    if ran.out not in outs and not tells_of_place(case, world, ran, now):
+    if ran.out not in outs and lists_without(case, ran):
+        ran.let_go = "fonts that Fontconfig passed over"
+    elif ran.out not in outs and not tells_of_place(case, world, ran, now):
         findings.append(f"false success: standard output is another: {ran.out[:150]!r}")
     if server and not any(case.sends in body for body in server.bodies):
         findings.append("false success: the server did not get all")
@@ -506,6 +563,8 @@ def names_of(case, ran):
         names.append("standard output")
     if ALLOCATES.match(ran.what) or (ran.fault and ran.fault.do == str(errno.ENOMEM)):
         names.append("memory")
+    if ran.what in ("mmap", "pthread_create"):  # of a thread's stack
+        names.append("thread")
     return [name for name in names if name]
 
 
@@ -538,8 +597,43 @@ def is_fontconfig(ran):
                  any(ran.path.startswith(name) for name in FONTCONFIG_FILES)))
 
 
+# What Fontconfig cannot read it passes over, and says nothing; Kerno looks itself for the folders and
+# files of fonts that cannot be read, but finds no fault that has passed.
+def passes_over(ran):
+    """Whether a font is not there because a call of Fontconfig failed."""
+    return (ran.fault is not None and ran.fault.of == "aside" and not ran.fault.on
+            and ran.path.startswith("/usr/share/fonts"))
+
+
+def lists_without(case, ran):
+    """Whether a list of faces is another because calls of Fontconfig failed."""
+    is_list = case.words[:1] == ["faces"] or (case.library and not case.words)
+    return is_list and ran.fault is not None and ran.fault.of == "aside"
+
+
 # The names that only a failing removal or a kill leaves, and that the next run removes.
 OWN_NAMES = re.compile(r"left: .*(\.kerno-N-N\.tmp|WriteTst\.tmp(\.tmp)?)$")
+
+
+NO_MEMORY = 4  # a KernoResult
+
+
+def judge_library(case, ran):
+    """Whether missing memory is told as such, and whether the library works again after a fault."""
+    findings = []
+    if "Fontconfig error: " in ran.err and ran.fault is not None and ran.fault.of == "aside":
+        ran.let_go = "configuration of Fontconfig"
+        return []
+    lacks = ran.fault is not None and (ran.fault.group == "alloc" or ran.fault.do == str(errno.ENOMEM))
+    if ran.status == NO_MEMORY and not lacks:
+        findings.append("memory that is not missing")
+    elif ran.status == 1 and lacks:
+        findings.append("memory that is told as another failure: " + ran.err.strip()[:100])
+    findings += judge_message(case, ran)
+    lasts = ran.fault is not None and ran.fault.on
+    if not lasts and "again: done" not in ran.err and "standard output" not in ran.err:
+        findings.append("broken: a fault that has passed lasts")
+    return findings
 
 
 WRITES_SETTINGS = ["settings", "set", "Dec", "SvgOut::Precision", "7"]
@@ -576,6 +670,8 @@ def judge(case, world, ran, now, server=None):
     findings = judge_files(case, ran, world, now)
     if ran.status == 0:
         findings += judge_success(case, world, ran, now, server)
+    elif case.library and ran.status in (1, NO_MEMORY):
+        findings += judge_library(case, ran)
     elif ran.status == 1:
         findings += judge_message(case, ran)
         table = case.failed[0] if case.failed else None
@@ -585,6 +681,8 @@ def judge(case, world, ran, now, server=None):
         ran.let_go = "variables of a thread"
     elif is_fontconfig(ran):
         ran.let_go = "configuration of Fontconfig"
+    elif ran.status == 3 and passes_over(ran) and "is not installed" in ran.err:
+        ran.let_go = "fonts that Fontconfig passed over"
     else:
         findings.append(f"status {ran.status}: " + ran.err.strip()[:150])
     return findings

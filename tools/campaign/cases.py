@@ -334,6 +334,21 @@ def unreadable_font():
     return found
 
 
+def unreadable_font_folder():
+    """6. Where a folder of fonts cannot be read, no face is told absent without a word of that."""
+    folder = place.top / "fonts"
+    folder.mkdir()
+    shutil.copy(FONT, folder / "Face.ttf")
+    foreign_user()
+    os.chmod(folder, 0)
+    env, found = own_fonts(folder), []
+    for command in ("convert", "cut"):
+        status, _, err = run([command, *FACE, "--text", "Ab", "-o", "a.svg"], user=USER, env=env)
+        if status != 1 or f"{folder} cannot be read: no permission" not in err:
+            found.append(f"{command}: status {status}: {err.strip()[:150]!r}")
+    return found
+
+
 def no_fonts():
     """6. With no face at all every command that needs one fails alike."""
     (place.top / "fonts").mkdir()
@@ -402,7 +417,7 @@ def left_over_names():
 ANYBODY = [closed_descriptors, closed_pipe, full_device, held_settings, no_fonts, plain_messages,
            left_over_names]
 SUPERUSER = [read_only_settings, no_home, planted_log, planted_settings, planted_copy,
-             unreadable_page_folder, unreadable_font]
+             unreadable_page_folder, unreadable_font, unreadable_font_folder]
 
 
 def main():

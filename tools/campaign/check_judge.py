@@ -15,10 +15,15 @@ INI = "\ufeff[Dec]\nPrecision=3\n"
 SVG = "work/a.svg"
 CASE = Case("convert", ["convert", "-o", "a.svg"], targets=(SVG,), names=("DejaVu Sans",))
 SET = Case("set", ["settings", "set"], targets=("settings/Quenkit.ini",), names=("Quenkit.ini",))
+FIRST = Case("first", ["settings", "set"], targets=SET.targets, names=("Quenkit.ini",))
 PATH = Case("path", ["settings", "path"], names=("Quenkit.ini",))
 SENT = Case("upload", ["upload", "a.svg"], names=("a.svg",), sends=b"whole")
 TABLE = Case("table", ["cut"], targets=("work/1.svg", "work/bad.csv"), names=("row ",),
              failed=("work/bad.csv", b"n,t", {b"1": "work/1.svg"}))
+LIST = Case("list", ["faces"])
+SIGN = Case("sign", ["a.svg"], targets=(SVG,), library=True)
+SHEETS = Case("sheets", ["cut"], targets=(SVG, "work/bad.csv"), names=("row ",), fewer=(None, None),
+              failed=("work/bad.csv", b"n,t", {b"1": SVG, b"2": SVG}))
 SHEET = Case("sheet", ["cut"], targets=(SVG,), names=("row ",))
 TOLD = "kerno: /home/Quenkit.ini: no permission\n"
 FULL = "kerno: a.svg: No space left on device\n"
@@ -34,9 +39,16 @@ def world_of(case):
     if case is SET:
         return World({SET.targets[0]: INI}, {SET.targets[0]: INI.replace("3", "7")},
                      Ran(0, b"", ""), {SET.targets[0]: "\ufeff[Dec]\nPrecision=7\n"}, b"")
+    if case is FIRST:
+        made = {SET.targets[0]: ";--\n; TIME\n[Dec]\nPrecision=7\n"}
+        return World({}, made, Ran(0, b"", ""), made, b"")
     if case is TABLE:
         made = {"work/1.svg": NEW, "work/bad.csv": b"n,t\n"}
         return World({"work/bad.csv": OLD}, made, Ran(0, b"out", ""), made, b"bare")
+    if case is SHEETS:
+        made = {SVG: NEW, "work/bad.csv": b"n,t\n"}
+        return World({SVG: OLD, "work/bad.csv": OLD}, made, Ran(0, b"out", ""), made, b"bare",
+                     ({SVG: b"fewer"}, {SVG: b"others"}))
     return World({SVG: OLD}, {SVG: NEW}, Ran(0, b"out", ""), {SVG: BARE}, b"bare",
                  ({SVG: b"fewer"},) if case is SHEET else ())
 
@@ -69,6 +81,8 @@ WRONG = [
      "false success: settings"),
     ("settings that lost a line", SET, ran(out=b""), {SET.targets[0]: "\ufeff[Dec]\n"},
      "changed: settings"),
+    ("settings without their heading or a line", FIRST, ran(out=b"", **LOOKS), {SET.targets[0]: "[Dec]\n"},
+     "false success: settings"),
     ("half a request", SENT, ran(), {SVG: NEW}, "false success: the server"),
     ("something beside", CASE, ran(), {SVG: NEW, "work/.kerno-1-2.tmp": b""}, "left: work/.kerno"),
     ("something in the temporary folder", CASE, ran(1, err=FULL), {SVG: OLD, "tmp/x": b""},
@@ -82,8 +96,16 @@ WRONG = [
      ran(1, err="kerno: standard output: No space\n", path="/x/b.svg"), {SVG: OLD}, "vague"),
     ("a font that nothing happened to", CASE,
      ran(1, err="kerno: /usr/share/fonts/a.ttf: Input/output error\n"), {SVG: OLD}, "vague"),
-    ("a face that is called absent", CASE, ran(3, err=NO_CONFIGURATION, of="aside", out=b"",
+    ("a face that is called absent", CASE, ran(3, err=NO_CONFIGURATION, of="aside", out=b"", on=True,
                                                path="/usr/share/fonts/a.ttf"), {SVG: OLD}, "status 3"),
+    ("a list without a face", LIST, ran(on=True, path="/usr/share/fonts", out=b"ou"), {SVG: NEW},
+     "false success: standard output"),
+    ("memory of a sign as a failure", SIGN, ran(1, err="kerno: memory: there is not enough\nagain: done\n",
+                                                group="alloc"), {SVG: OLD}, "memory that is told"),
+    ("memory of a sign that is there", SIGN, ran(4, err=FULL + "again: done\n"), {SVG: OLD}, "memory that is not"),
+    ("a sign that stays broken", SIGN, ran(1, err=FULL), {SVG: OLD}, "broken"),
+    ("a sheet with a row that is in the table", SHEETS, ran(1, err="kerno: row 1: no space\n"),
+     {SVG: NEW, "work/bad.csv": b"n,t\n1,a\n"}, "changed: work/bad.csv"),
     ("a torn target without variables of a thread", CASE, ran(127, err=THREAD), {SVG: NEW[:5]},
      "changed: " + SVG),
     ("a torn target without a configuration", CASE,
@@ -99,6 +121,7 @@ WRONG = [
     ("a crash", CASE, ran(-11), {SVG: OLD}, "crash"),
 ]
 RIGHT = [
+    ("settings without their heading", FIRST, ran(out=b"", **LOOKS), {SET.targets[0]: "[Dec]\nPrecision=7\n"}),
     ("the new one", CASE, ran(), {SVG: NEW}),
     ("the old one after a failure", CASE, ran(1, err=FULL), {SVG: OLD}),
     ("the defaults, told", CASE, ran(err=TOLD), {SVG: BARE}),
@@ -106,14 +129,22 @@ RIGHT = [
     ("a place elsewhere", PATH, ran(out=AWAY + NONE_YET), {SVG: NEW}),
     ("a place that cannot be looked at", PATH, ran(out=AWAY, group="look"), {SVG: NEW}),
     ("settings that went elsewhere", SET, ran(out=b"", err=TOLD),
-     {SET.targets[0]: INI, "tmp/___/Quenkit.ini": "\ufeff[Dec]\nPrecision=7\n"}),
+     {SET.targets[0]: INI, "tmp/nobody/Quenkit.ini": "\ufeff[Dec]\nPrecision=7\n"}),
     ("memory", CASE, ran(1, err="kerno: memory: there is not enough\n", what="malloc"), {SVG: OLD}),
     ("standard output", CASE, ran(1, err="kerno: standard output: No space\n", path="pipe:[1]"),
      {SVG: OLD}),
     ("a font of later calls", CASE, ran(1, err="kerno: /usr/share/fonts/a.ttf: Input/output error\n",
                                         of="aside", on=True), {SVG: OLD}),
+    ("a face that Fontconfig passed over", CASE,
+     ran(3, err=NO_CONFIGURATION, of="aside", out=b"", path="/usr/share/fonts/a.ttf"), {SVG: OLD}),
+    ("memory of a sign", SIGN, ran(4, err="kerno: memory: there is not enough\nagain: done\n", what="malloc",
+                                    group="alloc"),
+     {SVG: OLD}),
+    ("a sheet without a row in the table", SHEETS, ran(1, err="kerno: row 1: no space\n"),
+     {SVG: b"fewer", "work/bad.csv": b"n,t\n1,a\n"}),
     ("no configuration", CASE, ran(3, err=NO_CONFIGURATION, of="aside", out=b"",
                                    path=str(campaign.FONTS)), {SVG: OLD}),
+    ("a list of what Fontconfig sees", LIST, ran(of="aside", out=b"ou", **LOOKS), {SVG: NEW}),
     ("no look at the program", CASE, ran(**LOOKS), {SVG: BLIND}),
     ("a row in the table", TABLE, ran(1, err="kerno: row 1: no space\n"),
      {"work/bad.csv": b"n,t\n1,a\n"}),

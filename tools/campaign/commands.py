@@ -130,6 +130,15 @@ def cuts():
                old("a.dxf"), ("work/a.dxf",), ("DejaVuSans.ttf",))
 
 
+    yield Case("cut layers to a plot and a page",
+               ["cut", "--text", "Ab", *FACE, "--layers", "glyph", "--json", "-o", "a.plt", "-o", "b.pdf"],
+               old("a.plt"), ("work/a.plt", "work/b.pdf"), FACE[1:])
+    yield Case("cut columns with a fallback",
+               ["cut", "--text", "A永12", *FACE, "--fallback", "IPAGothic", "--vertical", "--tate-chu-yoko",
+                "2", "-o", "a.svg"],
+               old("a.svg"), ("work/a.svg",), (*FACE[1:], "IPAGothic", "ipag"))
+
+
 def rows_of(*rows):
     return lambda place: write(place, "work/list.csv", b"\n".join([b"name,text", *rows, b""]))
 
@@ -141,7 +150,7 @@ def series():
     yield Case("cut a table", [*words, "--replace", "-o", "{name}.dxf"],
                all_of(rows_of(*rows), old("two.dxf")), tuple(files.values()),
                (*FACE[1:], "list.csv", "row "))
-    yield Case("cut a table, with failures", [*words, "--failed", "bad.csv", "-o", "{name}.dxf"],
+    yield Case("cut a table, with failures", [*words, "--replace", "--failed", "bad.csv", "-o", "{name}.dxf"],
                all_of(rows_of(*rows), old("bad.csv")), (*files.values(), "work/bad.csv"),
                (*FACE[1:], "list.csv", "row "), failed=("work/bad.csv", b"name,text", files))
     two = rows_of(*rows[:2])
@@ -150,6 +159,42 @@ def series():
                all_of(two, old("s-1.svg")), ("work/s-1.svg", "work/s-2.svg"),
                (*FACE[1:], "list.csv", "row ", "sheet"),
                fewer=tuple(all_of(rows_of(row), old("s-1.svg")) for row in rows[:2]))
+
+
+    yield Case("cut the rest of a table", [*words[:-1], "2", "--resume", "-o", "{name}.dxf"],
+               all_of(rows_of(*rows), old("two.dxf")), tuple(files.values()),
+               (*FACE[1:], "list.csv", "row "))
+    yield Case("cut a table of standard input",
+               ["cut", "--data", "-", "--text", "{text}", *FACE, "--jobs", "2", "--replace", "-o",
+                "{name}.svg"],
+               None, ("work/one.svg", "work/two.svg"), (*FACE[1:], "standard input", "row ", ".list"),
+               input=b"name,text\none,Ab\ntwo,g\n")
+    yield Case("cut lines to plots and pages",
+               ["cut", "--lines", "list.txt", *FACE, "--jobs", "1", "--json", "--replace", "-o",
+                "{line}.plt", "-o", "{line}.pdf"],
+               lambda place: write(place, "work/list.txt", b"Ab\ng\n"),
+               tuple(f"work/{name}.{kind}" for name in ("Ab", "g") for kind in ("plt", "pdf")),
+               (*FACE[1:], "list.txt", "row "))
+    yield Case("cut a count into folders",
+               ["cut", "--count", "3", "--text", "No. {n}", *FACE, "--jobs", "2", "--replace", "-o",
+                "new/{n:02}.svg"],
+               None, tuple(f"work/new/0{n}.svg" for n in (1, 2, 3)), (*FACE[1:], "row ", "new"))
+    for more in (["--frame", "50x30mm", "--corner", "2mm", "--marks", "--replace", "-o", "s.pdf"],
+                 ["--pack", "--copies", "2", "--resume", "-o", "s.dxf"]):
+        name = more[-1]
+        yield Case(f"cut on one {name[2:]} sheet, with failures",
+                   ["cut", "--data", "list.csv", "--text", "{text}", *FACE, "--jobs", "1",
+                    "--sheet", "120x60mm", "--numbers", "--failed", "bad.csv", *more],
+                   all_of(two, old("bad.csv")), ("work/" + name, "work/bad.csv"),
+                   (*FACE[1:], "list.csv", "row ", "sheet"),
+                   fewer=tuple(all_of(numbered_rows(n, rows[n - 1]), old("bad.csv")) for n in (2, 1)),
+                   failed=("work/bad.csv", b"name,text,row",
+                           {row.split(b",")[0]: "work/" + name for row in rows[:2]}))
+
+
+def numbered_rows(number, row):
+    """One row, with the number that it has in its table."""
+    return lambda place: write(place, "work/list.csv", b"name,text,row\n%s,%d\n" % (row, number))
 
 
 def settings():
@@ -188,5 +233,26 @@ def others():
     yield Case("measure", ["measure", "--text", "Ab", *FACE, "--ink"], names=(*FACE[1:], "font"))
 
 
+    yield Case("fonts of strokes", ["faces", "--strokes"], names=("font", "hershey", "jhf"))
+
+
+def library():
+    """By its user, kerno_signs."""
+    face = "face=" + FACE[1]
+    names = ("a." + extension for extension in FORMATS)
+    several = tuple(names)
+    yield Case("library over dxf", ["Ab", face, "a.dxf"], old("a.dxf"), ("work/a.dxf",), FACE[1:],
+               library=True)
+    yield Case("library to every format", ["Ag", face, "layers=glyph", *several], old(*several[::2]),
+               tuple("work/" + name for name in several), FACE[1:], library=True)
+    yield Case("library with a font file",
+               ["A永", "font-file=/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf", "fallback=IPAGothic",
+                "fit=40x20mm", "a.svg"],
+               None, ("work/a.svg",), ("DejaVuSans.ttf", "IPAGothic", "ipag"), library=True)
+    yield Case("library with strokes", ["Ab", "stroke-font=" + STROKES, "a.plt"], None, ("work/a.plt",),
+               ("futural.jhf",), library=True)
+    yield Case("library, its lists", [], names=("font", "faces"), library=True)
+
+
 def all_cases():
-    return [*converts(), *cuts(), *series(), *settings(), *others()]
+    return [*converts(), *cuts(), *series(), *settings(), *others(), *library()]

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Ends each command by SIGKILL, and lets several work on the same files at once.
 
-usage: kills.py [--sample RUNS] [--only WORDS] [--jobs N] [--seed N] [--folder FOLDER]
+usage: kills.py [--sample RUNS] [--every K] [--only WORDS] [--jobs N] [--seed N] [--folder FOLDER]
                 PROGRAM INJECTOR
 
 A kill comes before each file call of each command, on a file system with files without a name and
-on one without, and at moments of chance. Afterwards every file is the old or the new one, and the
+on one without (with --every before each Kth, up to the last), and at moments of chance. Afterwards every file is the old or the new one, and the
 next run works and removes what the killed one left. Then several processes set settings in one
 file, and write one output, while some are killed: nothing that was told to be done is lost, and
 whoever reads meanwhile finds whole files.
@@ -13,6 +13,7 @@ whoever reads meanwhile finds whole files.
 import argparse
 import collections
 import concurrent.futures
+import itertools
 import os
 import random
 import signal
@@ -22,7 +23,7 @@ import time
 
 import campaign
 import commands
-from campaign import Fault
+from campaign import Fault, Finding
 from faults import CASES, report
 
 place = None
@@ -47,6 +48,8 @@ def after_kill(name):
         findings.append(f"next run: status {ran.status}: {ran.err.strip()[:150]}")
     else:
         after = campaign.judge(case, world, ran, place.look(), place.server if case.sends else None)
+        if "--resume" in case.words:  # it tells how much was done before
+            after = [f for f in after if not f.startswith("false success: standard output")]
         findings += ["next run: " + f for f in campaign.judge_again(place, case, world, after)]
     return findings
 
@@ -62,14 +65,17 @@ def kill_at(name, at, named):
     place.reset(CASES[name])
     ran = place.run(CASES[name], fault)
     if ran.status != -signal.SIGKILL:
-        return False, [(name, fault, ran, f"not killed: status {ran.status}")] if ran.hit else []
-    return True, [(name, fault, ran, finding) for finding in after_kill(name)]
+        found = [f"not killed: status {ran.status}"] if ran.hit else []
+    else:
+        found = after_kill(name)
+    return ran.status == -signal.SIGKILL, [Finding.of(name, fault, ran, what) for what in found]
 
 
-def kill_everywhere(name, named):
+def kill_everywhere(name, named, every):
     runs, found = 0, []
-    while True:
-        was_killed, more = kill_at(name, runs + 1, named)
+    first = 1 + random.Random(f"{name} {named}").randrange(every)
+    for at in itertools.count(first, every):
+        was_killed, more = kill_at(name, at, named)
         found += more
         runs += 1
         if not was_killed:
@@ -96,8 +102,8 @@ def kill_by_chance(name, seed, count):
         time.sleep(delay)
         process.kill()
         process.wait()
-        found += [(name, Fault("moment", int(delay * 1e6), "kill"), campaign.Ran(0, b"", ""), finding)
-                  for finding in after_kill(name)]
+        found += [Finding(name, f"moment {int(delay * 1e6)}: kill", what)
+                  for what in after_kill(name)]
     return count, found
 
 
@@ -107,13 +113,17 @@ def start(words, **more):
                             stderr=subprocess.PIPE, **more)
 
 
+def together(process, err):
+    return f"together: status {process.returncode}: {err.strip()[:120]}"
+
+
 def settings_together(_, seed, rounds, kills):
     """Processes set a key each in one file, in rounds."""
     name, chance, found = "settings set, beside", random.Random(seed), []
     case = CASES[name]
     place.reset(case)
     file = place.top / "bin" / "Quenkit_Setting" / "Quenkit.ini"
-    sure, fault = {}, Fault("processes", seed, "kill" if kills else "")
+    sure, fault = {}, f"processes {seed}" + (", killed" if kills else "")
     for number in range(rounds):
         keys = [f"Key{i}" for i in range(4)]
         running = [start(["settings", "set", "Together", key, str(number)]) for key in keys]
@@ -127,18 +137,17 @@ def settings_together(_, seed, rounds, kills):
             elif process.returncode == -signal.SIGKILL:
                 sure[key] = sure.get(key, {None}) | {str(number)}
             else:
-                found.append((name, fault, campaign.Ran(process.returncode, b"", err),
-                              f"together: status {process.returncode}: {err.strip()[:120]}"))
+                found.append(Finding(name, fault, together(process, err), process.returncode, err))
         lines = file.read_bytes().decode("utf-16").splitlines()
         for key, values in sure.items():
             value = next((line.split("=")[1] for line in lines if line.startswith(key + "=")), None)
             if value not in values:
-                found.append((name, fault, campaign.Ran(0, b"", ""), "together: a setting was lost"))
+                found.append(Finding(name, fault, "together: a setting was lost"))
         if "Key=永" not in lines or "; a comment" not in lines:
-            found.append((name, fault, campaign.Ran(0, b"", ""), "together: other lines were lost"))
+            found.append(Finding(name, fault, "together: other lines were lost"))
     left = [n for n in os.listdir(file.parent) if n != file.name]
     if left and not kills:
-        found.append((name, fault, campaign.Ran(0, b"", ""), f"together: left {left}"))
+        found.append(Finding(name, fault, f"together: left {left}"))
     return rounds * 4, found
 
 
@@ -149,7 +158,7 @@ def output_together(_, seed, rounds, kills):
     target = place.work / "a.svg"
     texts, whole = ["Ab", "Abgq" * 40], {target.read_bytes()}
     words = [["cut", "--text", text, *commands.FACE, "--quiet", "-o", "a.svg"] for text in texts]
-    fault = Fault("processes", seed, "kill" if kills else "")
+    fault = f"processes {seed}" + (", killed" if kills else "")
     for word in words:
         start(word).communicate(timeout=60)
         whole.add(target.read_bytes())
@@ -158,18 +167,17 @@ def output_together(_, seed, rounds, kills):
         until = time.monotonic() + chance.uniform(0, 0.05)
         while any(process.poll() is None for process in running):
             if target.read_bytes() not in whole:
-                found.append((name, fault, campaign.Ran(0, b"", ""), "together: a torn output"))
+                found.append(Finding(name, fault, "together: a torn output"))
             if kills and time.monotonic() > until:
                 running[0].kill()
         for process in running:
             err = process.communicate()[1].decode()
             if process.returncode not in (0, -signal.SIGKILL):
-                found.append((name, fault, campaign.Ran(process.returncode, b"", err),
-                              f"together: status {process.returncode}: {err.strip()[:120]}"))
+                found.append(Finding(name, fault, together(process, err), process.returncode, err))
     start(words[0]).communicate(timeout=60)
     left = sorted(n for n in os.listdir(place.work) if n != "a.svg")
     if left:
-        found.append((name, fault, campaign.Ran(0, b"", ""), "together: names are left"))
+        found.append(Finding(name, fault, "together: names are left"))
     return rounds * 2, found
 
 
@@ -177,13 +185,13 @@ def run_job(job):
     try:
         return job[0](*job[1:])
     except Exception as error:
-        return 0, [(job[1], Fault("file"), campaign.Ran(0, b"", ""), f"campaign failed: {error!r}")]
+        return 0, [Finding(job[1], "file", f"campaign failed: {error!r}")]
 
 
-def all_jobs(names, seed):
-    jobs = [(kill_everywhere, name, named) for name in names for named in (False, True)]
-    jobs += [(kill_by_chance, name, f"{seed} {name}", 20) for name in names]
-    for number in range(4):
+def all_jobs(names, seed, every):
+    jobs = [(kill_everywhere, name, named, every) for name in names for named in (False, True)]
+    jobs += [(kill_by_chance, name, f"{seed} {name}", max(1, 20 // every)) for name in names]
+    for number in range(4 if every == 1 else 1):
         jobs += [(settings_together, "", seed + number, 60, kills) for kills in (False, True)]
         jobs += [(output_together, "", seed + number, 40, kills) for kills in (False, True)]
     return jobs
@@ -201,6 +209,7 @@ def sample_jobs(names, seed, count):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--sample", type=int, default=0)
+    parser.add_argument("--every", type=int, default=1)
     parser.add_argument("--only", default="")
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--seed", type=int, default=15)
@@ -213,7 +222,7 @@ def main():
     setting = (os.path.abspath(options.program), os.path.abspath(options.injector))
     open_place(*setting)
     # What only reads is killed as often in the campaign of faults, which ends it in other ways.
-    names = [name for name in CASES if options.only in name]
+    names = [name for name in CASES if any(part in name for part in options.only.split("|"))]
     for name in list(names):
         try:
             worlds[name] = campaign.world_of(place, CASES[name])
@@ -221,7 +230,7 @@ def main():
             print(f"left out: {problem}", flush=True)
             names.remove(name)
     jobs = (sample_jobs(names, options.seed, options.sample) if options.sample
-            else all_jobs(names, options.seed))
+            else all_jobs(names, options.seed, options.every))
     runs, found, kinds = collections.Counter(), [], 0
     with concurrent.futures.ProcessPoolExecutor(options.jobs, initializer=open_place,
                                                 initargs=setting) as pool:

@@ -50,6 +50,10 @@ std::string KindName(const Values& values) {
       return "face";
     case Values::Kind::kStyle:
       return "style";
+    case Values::Kind::kFeatures:
+      return "features";
+    case Values::Kind::kAxes:
+      return "axes";
     case Values::Kind::kStrokeFont:
       return "strokes";
     case Values::Kind::kSection:

@@ -42,6 +42,15 @@ std::vector<std::string> CodingWords() {
   return words;
 }
 
+// Those for which fonts hold letters of their own, and some that are asked for often: others do,
+// too.
+std::vector<std::string> LanguageWords() {
+  return {"ar", "az", "bg", "ca", "cs", "de",      "el",      "en", "es", "fa",
+          "fr", "he", "hi", "hu", "it", "ja",      "ko",      "lt", "mk", "mr",
+          "nl", "pl", "ro", "ru", "sk", "sr",      "sr-Latn", "sv", "th", "tr",
+          "uk", "ur", "vi", "yi", "zh", "zh-Hans", "zh-Hant"};
+}
+
 template <class... Tables>
 void AddChoices(Table* table, const Tables&... choices) {
   (table->emplace(choices.option, Values{Kind::kWords, ToldWords(choices)}), ...);
@@ -52,6 +61,9 @@ Table MakeTable() {
       {"--face", {Kind::kFace, {}}},
       {"--fallback", {Kind::kFace, {}}},
       {"--style", {Kind::kStyle, {}}},
+      {"--features", {Kind::kFeatures, {}}},
+      {"--variation", {Kind::kAxes, {}}},
+      {"--language", {Kind::kWords, LanguageWords()}},
       {"--font-file", {Kind::kFile, {"ttf", "otf", "ttc", "otc"}}},
       {"--stroke-font", {Kind::kStrokeFont, StrokeFontWords()}},
       {"--encoding", {Kind::kWords, CodingWords()}},

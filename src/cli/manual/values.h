@@ -16,6 +16,8 @@ struct Values {
     kOutput,      // a file to write, whose ending, one of `words`, chooses the format
     kFace,        // a family that is installed
     kStyle,       // a style of the family, or of the file, that another option names
+    kFeatures,    // of that face, several by commas
+    kAxes,        // the same, with a place on each
     kStrokeFont,  // the name of a font of strokes, or a file with one of the endings in `words`
     kSection,     // of a setting
     kKey,         // of a setting in the section that stands before it

@@ -1,9 +1,23 @@
+#include <dirent.h>
+
+#include <cerrno>
+#include <memory>
+#include <string_view>
+
 #include "platform/folder_path.h"
 #include "platform/posix/system_error.h"
 
 namespace kerno {
 
 namespace fs = std::filesystem;
+
+namespace {
+
+struct CloseFolder {
+  void operator()(DIR* folder) const noexcept { closedir(folder); }
+};
+
+}  // namespace
 
 bool IsWholePath(const fs::path& path) {
   return path.is_absolute();
@@ -67,10 +81,17 @@ PathFacts FactsOfPath(const fs::path& path) {
 }
 
 Status ListFolder(const fs::path& folder, const std::function<void(const fs::path&)>& take) {
-  std::error_code error;
-  fs::directory_iterator at(folder.empty() ? fs::path(".") : folder, error);
-  for (; !error && at != fs::directory_iterator(); at.increment(error)) take(at->path());
-  return error ? SystemError(folder, error.value()) : Status::Ok();
+  // The C++ library's iterator of folders ends the process where it gets no memory.
+  const fs::path place = folder.empty() ? fs::path(".") : folder;
+  const std::unique_ptr<DIR, CloseFolder> opened(opendir(place.c_str()));
+  if (!opened) return SystemError(folder, errno);
+  while (true) {
+    errno = 0;
+    const dirent* const entry = readdir(opened.get());
+    if (!entry) return errno == 0 ? Status::Ok() : SystemError(folder, errno);
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") take(place / name);
+  }
 }
 
 Status RemoveFile(const fs::path& file) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <new>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -197,9 +198,7 @@ std::vector<std::string>& FontCatalog::AddedFiles() {
 }
 
 FontCatalog::FontCatalog() : config_(FcInitLoadConfigAndFonts()) {
-  if (config_ == nullptr) {
-    return;
-  }
+  if (config_ == nullptr) throw std::bad_alloc();  // nothing else stops Fontconfig
   for (const std::string& file : AddedFiles()) {
     FcConfigAppFontAddFile(config_, reinterpret_cast<const FcChar8*>(file.c_str()));
   }
@@ -229,13 +228,11 @@ FontCatalog::FontCatalog() : config_(FcInitLoadConfigAndFonts()) {
 }
 
 FontCatalog::~FontCatalog() {
-  if (config_ != nullptr) {
-    FcConfigDestroy(config_);
-  }
+  FcConfigDestroy(config_);
 }
 
 bool FontCatalog::IsUpToDate() const {
-  return config_ == nullptr || FcConfigUptoDate(config_) == FcTrue;
+  return FcConfigUptoDate(config_) == FcTrue;
 }
 
 std::vector<const CatalogFace*> FontCatalog::FindFamily(std::u16string_view name,
@@ -281,7 +278,7 @@ std::vector<const CatalogFace*> FontCatalog::FindSubstitutes(const std::u16strin
                                                              const FaceWish& wish) const {
   std::vector<const CatalogFace*> found;
   FcPattern* pattern = FcPatternCreate();
-  if (config_ == nullptr || pattern == nullptr) {
+  if (pattern == nullptr) {
     return found;
   }
   const std::string family = ToFontconfigText(name);
@@ -320,7 +317,7 @@ const SfntFacts& FontCatalog::FactsOf(const CatalogFace& face) const {
 
 std::vector<std::string> FontCatalog::Folders() const {
   std::vector<std::string> folders;
-  FcStrList* list = config_ != nullptr ? FcConfigGetFontDirs(config_) : nullptr;
+  FcStrList* list = FcConfigGetFontDirs(config_);
   if (list == nullptr) {
     return folders;
   }

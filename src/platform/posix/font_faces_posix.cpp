@@ -3,10 +3,14 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <new>
 #include <set>
+#include <string>
 #include <tuple>
+#include <vector>
 
 #include "platform/device_context.h"
+#include "platform/folder_path.h"
 #include "platform/font_faces.h"
 #include "platform/posix/font_catalog.h"
 #include "platform/posix/free_type.h"
@@ -105,23 +109,22 @@ bool LooksLikeFontFile(const fs::path& path) {
   return kExtensions.contains(extension);
 }
 
-// Font files that Fontconfig passes over because nothing can be had of them, and why: a failure of
-// reading, or ok for a damaged file.
+// Folders and files of fonts that Fontconfig passes over because nothing can be had of them, and
+// why: a failure of reading, or ok for a damaged file.
 std::map<std::string, Status> PassedOverFiles(const FontCatalog& catalog) {
   std::map<std::string, Status> passed_over;
   std::set<std::string> listed;
   for (const CatalogFace& face : catalog.faces()) listed.insert(face.path);
   for (const std::string& folder : catalog.Folders()) {
-    std::error_code error;
-    for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
-      const std::string path = at->path().string();
+    const Status read = ListFolder(folder, [&](const fs::path& path) {
       std::error_code no_file;
       Status opened;  // FreeType's own reason may be an older one
-      if (LooksLikeFontFile(at->path()) && !listed.contains(path) && at->is_regular_file(no_file) &&
+      if (LooksLikeFontFile(path) && !listed.contains(path) && fs::is_regular_file(path, no_file) &&
           !OpenFace(path, 0, &opened)) {
         passed_over.emplace(path, ReadSfntFacts(path, 0).reading);
       }
-    }
+    });
+    if (!read.ok() && read.failure != Failure::kNotFound) passed_over.emplace(folder, read);
   }
   return passed_over;
 }
@@ -173,7 +176,8 @@ std::vector<std::u16string> ListFamilies(FamilyForm form) {
   const std::unique_ptr<FcConfig, decltype(&FcConfigDestroy)> config(FcInitLoadConfigAndFonts(),
                                                                      &FcConfigDestroy);
   std::map<std::string, std::u16string> families;
-  const FcFontSet* set = config ? FcConfigGetFonts(config.get(), FcSetSystem) : nullptr;
+  if (!config) throw std::bad_alloc();
+  const FcFontSet* set = FcConfigGetFonts(config.get(), FcSetSystem);
   for (int i = 0; set != nullptr && i < set->nfont; ++i) {
     FcPattern* face = set->fonts[i];
     FcBool outlines = FcFalse;

@@ -5,6 +5,8 @@
 #include <locale>
 #include <system_error>
 
+#include "platform/no_memory.h"
+
 namespace kerno {
 namespace {
 
@@ -28,6 +30,7 @@ constexpr Reason kReasons[] = {
     {EFBIG, Failure::kNoSpace, u"the file would be larger than is allowed"},
     {EBUSY, Failure::kSharingViolation, u"the system holds it (a mount point, for instance)"},
     {ETXTBSY, Failure::kSharingViolation, u"it is a program that is running"},
+    {ENOMEM, Failure::kOther, kNoMemoryReason},
     {EPIPE, Failure::kOther, u"the reader of the pipe has gone"},
     {ENXIO, Failure::kOther, u"nothing answers behind this name"},
 };
