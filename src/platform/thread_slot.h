@@ -1,6 +1,5 @@
 // A pointer of each thread, for which the system asks no memory: a variable of a thread with a
-// destructor ends the process where there is none for the note of it (the C library's rule).
-// Linux only, as the library is.
+// destructor ends the process where there is none for the note of it (a rule of Linux' C library).
 #pragma once
 
 namespace kerno {

@@ -35,6 +35,7 @@ kerno_room(platform
     win32/system_error.cpp
     win32/system_facts_win32.cpp
     win32/system_win32.cpp
+    win32/thread_slot_win32.cpp
     win32/turned_glyphs.cpp
     win32/wide_text.cpp
   LIBRARIES gdi32 user32 wininet shell32 advapi32 ole32)
