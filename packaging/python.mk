@@ -10,11 +10,14 @@ python: setup
 PYTHONS ?= python3.8 python3.9 python3.10 python3.11 python3.12 python3.13
 try-pythons: python
 	@cmake --build build/release -j $(JOBS) --target kerno
-	@failed=0; \
+	@failed=0 tried=; \
 	export PYTHONPATH='$(CURDIR)/python' KERNO_LIBRARY='$(CURDIR)/build/python/kerno/libkerno.so.1' \
 	  FONTCONFIG_FILE='$(CURDIR)/tests/fonts.conf'; \
 	for python in $(PYTHONS); do \
-	  $$python -V || { echo "$$python is not here: not tried"; continue; }; \
-	  (cd build/python && KERNO_LIBRARY= PYTHONPATH=. $$python -B -W error '$(CURDIR)/examples/python/sign.py') && \
-	  $$python -B tests/api/bindings_test.py --bare build/release/src/cli/kerno || failed=1; \
-	done; exit $$failed
+	  path=$$(command -v "$$python") && "$$path" -V || { echo "$$python is not here: not tried"; continue; }; \
+	  path=$$(realpath -s "$$path") tried=1 folder=$$(mktemp -d); \
+	  (cd "$$folder" && KERNO_LIBRARY= PYTHONPATH='$(CURDIR)/build/python' \
+	    "$$path" -B -W error '$(CURDIR)/examples/python/sign.py') && \
+	  "$$path" -B tests/api/bindings_test.py --bare build/release/src/cli/kerno || failed=1; \
+	  rm -r "$$folder"; \
+	done; [ -n "$$tried" ] || { echo "no Python was tried"; failed=1; }; exit $$failed

@@ -42,9 +42,9 @@ Status ListBytes::Open(const std::filesystem::path& path, const std::u16string& 
     return status;
   };
   Status opened = if_held == IfHeld::kWait ? WaitForFile(path, FileWait::kRead, open) : open();
-  if (!opened.ok()) return opened;
-  std::unique_ptr<ListBytes> made(
-      new ListBytes(std::move(file), name.empty() ? PathText(path) : name));
+  const std::u16string told = name.empty() ? PathText(path) : name;
+  if (!opened.ok()) return Status::Error(opened.failure, told, opened.why);
+  std::unique_ptr<ListBytes> made(new ListBytes(std::move(file), told));
   if (Status read = made->Read(&made->first_); !read.ok()) return read;
   std::string& first = made->first_;
   const TextCoding marked = first.starts_with("\xFF\xFE")   ? TextCoding::kUtf16Le
@@ -64,6 +64,7 @@ Status ListBytes::Read(std::string* bytes) {
   bytes->clear();
   Status read = file_->ReadPiece(offset_, kPiece, bytes);
   offset_ += bytes->size();
+  if (!read.ok()) read.what = name_;
   return read;
 }
 

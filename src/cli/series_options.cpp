@@ -176,13 +176,16 @@ bool SeriesOptions::KeepInput(RowList* list) {
   const bool is_standard = PathBytes(list->file) == "-";
   if (!is_standard && FactsOfPath(list->file).kind != PathKind::kOther) return true;
   kept_ = std::make_unique<ScratchPath>("list");
-  const Status kept =
+  Status kept =
       kept_->status().ok()
           ? ReplaceFile(kept_->path(),
                         [&](FileReplacement* out) { return CopyInput(*list, is_standard, out); })
           : kept_->status();
-  if (!kept.ok()) ReportError(kept);
   list->name = is_standard ? u"standard input" : PathText(list->file);
+  if (!kept.ok()) {
+    if (kept.what != list->name) kept.what = list->name + u": " + kept.what;  // the copy's place
+    ReportError(kept);
+  }
   list->file = kept_->ReadPath();
   return kept.ok();
 }

@@ -35,11 +35,15 @@ static DWORD WINAPI Draw(void* place) {
     const KernoSign sign = SignOf("切 Open Öffnung", i % 2 ? "IPAGothic" : "DejaVu Sans");
     if (set(sign, "fallback", "IPAGothic") || facts_of(sign, &facts)) return (DWORD)Fails("draw");
     length[i] = facts.length;
-    if (free_sign(sign) || facts_of(sign, &facts) != KERNO_BAD_CALL) return 1;
+    if (free_sign(sign) || facts_of(sign, &facts) != KERNO_BAD_CALL) {
+      return fprintf(stderr, "a freed sign answers\n"), 1;
+    }
   }
   ReleaseSemaphore(drawn, 1, NULL);
   WaitForSingleObject(let_go, INFINITE);
-  return strstr(message(), " was freed") == NULL; /* the text is this thread's, and still there */
+  /* The text is this thread's, and still there. */
+  if (!strstr(message(), " was freed")) return fprintf(stderr, "\"%s\"\n", message()), 1;
+  return 0;
 }
 
 int wmain(int count, wchar_t** words) {
@@ -67,8 +71,12 @@ int wmain(int count, wchar_t** words) {
   SetEvent(let_go);
   for (int i = 0; i < kThreads; ++i) {
     WaitForSingleObject(threads[i], INFINITE);
-    if (!GetExitCodeThread(threads[i], &status) || status != 0) return 4;
-    if (memcmp(lengths[i], lengths[0], sizeof lengths[0]) != 0) return 5;
+    if (!GetExitCodeThread(threads[i], &status) || status != 0) {
+      return fprintf(stderr, "thread %d failed\n", i), 4;
+    }
+    if (memcmp(lengths[i], lengths[0], sizeof lengths[0]) != 0) {
+      return fprintf(stderr, "thread %d draws otherwise\n", i), 5;
+    }
   }
   for (int i = 0; i < 2; ++i) {
     char file[1024];

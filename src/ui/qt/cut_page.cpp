@@ -311,6 +311,8 @@ void CutPage::ShowCaption(const CutControlRow& row) {
   if (!is_hint || row.kind == ControlKind::kFigure) control->setAccessibleDescription(hint);
   if (row.kind == ControlKind::kSearch) static_cast<Field*>(control)->setPlaceholderText(hint);
   if (row.kind == ControlKind::kTextBox) text_->setPlaceholderText(hint);
+  if (row.kind == ControlKind::kSearch || row.kind == ControlKind::kTextBox)
+    InkHint(control, *this);
   if (row.kind == ControlKind::kFigure && TakesWholeLine(row)) {
     static_cast<Figure*>(control)->SetPlaceholder(hint);
   }

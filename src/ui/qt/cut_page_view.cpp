@@ -179,6 +179,8 @@ void CutPage::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
   if (event->type() != QEvent::PaletteChange || !status_) return;
   for (const PanelLine& line : lines_) ShowInk(line.fault, StatusKind::kFailure);
+  for (QWidget* const field : {controls_.at(ControlId::kFaceSearch), static_cast<QWidget*>(text_)})
+    InkHint(field, *this);
   ShowInk(status_, status_shown_.kind);
   status_->Show(status_shown_.text, status_shown_.links);
   // Nor does what has a style sheet.

@@ -57,9 +57,12 @@ void LeaveWheelAlone(QWidget* control) {
 // The toolkit scrolls for the Tab key alone, and only between two controls of the area.
 void ScrollToFocus(QScrollArea* scroller) {
   QObject::connect(qApp, &QApplication::focusChanged, scroller,
-                   [scroller](const QWidget*, QWidget* now) {
+                   [scroller](const QWidget* before, QWidget* now) {
+                     // A window that becomes the active one gives the keyboard back, and moves
+                     // nothing under the pointer that made it so.
+                     const bool goes_on = before && now && before->window() == now->window();
                      const bool by_pointer = QGuiApplication::mouseButtons() != Qt::NoButton;
-                     if (by_pointer || !now || !scroller->isAncestorOf(now)) return;
+                     if (!goes_on || by_pointer || !scroller->isAncestorOf(now)) return;
                      scroller->ensureWidgetVisible(now);
                    });
 }
@@ -71,6 +74,14 @@ void TakeNumbersAsTyped(QWidget* field) {
   if (QGuiApplication::platformName() == QLatin1String("xcb")) {
     field->installEventFilter(new InputMethodGuard(field));
   }
+}
+
+void InkHint(QWidget* field, const QWidget& page) {
+  QColor ink = page.palette().color(QPalette::Text);
+  ink.setAlphaF(0.5F);
+  QPalette colors;
+  colors.setColor(QPalette::PlaceholderText, ink);
+  field->setPalette(colors);
 }
 
 void PaintFault(QWidget* control) {

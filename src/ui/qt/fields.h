@@ -26,6 +26,9 @@ void TakeNumbersAsTyped(QWidget* field);
 
 // A red frame along the edge of a control.
 void PaintFault(QWidget* control);
+// Shows a field's hint in half of the ink of `page`: some themes have no colour of their own for
+// it.
+void InkHint(QWidget* field, const QWidget& page);
 
 // An edit of one line, with a red frame while its text cannot be used.
 class Field final : public QLineEdit {

@@ -159,8 +159,9 @@ std::optional<size_t> AskForDecision(HWND owner, std::u16string_view text,
   config.nDefaultButton = IDCANCEL;
   int pressed = IDCANCEL;
   if (FAILED(TaskDialogIndirect(&config, &pressed, nullptr, nullptr))) {
-    // Boxes with buttons of any name are not there: OK stands for the first one.
-    pressed = MessageBoxW(owner, question.c_str(), L"Kerno", MB_OKCANCEL | MB_DEFBUTTON2);
+    // Boxes with buttons of any name are not there: OK stands for the first one, and says so.
+    const std::wstring said = question + L"\n\nOK: " + captions.front();
+    pressed = MessageBoxW(owner, said.c_str(), L"Kerno", MB_OKCANCEL | MB_DEFBUTTON2);
     if (pressed == IDOK) pressed = kFirst;
   }
   if (pressed < kFirst) return std::nullopt;

@@ -21,6 +21,20 @@ class WindowsViewTest : public testing::Test {
   WindowsViewTest() { open_folder_on_first_save = false; }
   void Show() { view = std::make_unique<ViewDriver>(services, cut_services); }
 
+  // Copies the drawing of the Cut page, once it is made, and waits until it can be pasted.
+  [[nodiscard]] bool CopySvg() const {
+    CutPage& page = view->main.cut_page();
+    for (int i = 0; i < kMostWaits && page.presenter().drawing() == nullptr; ++i) view->Wait();
+    if (OpenClipboard(view->window)) {
+      EmptyClipboard();
+      CloseClipboard();
+    }
+    page.Command(static_cast<int>(ControlId::kCopySvg), BN_CLICKED);
+    const UINT kind = RegisterClipboardFormatW(L"image/svg+xml");
+    for (int i = 0; i < kMostWaits && !IsClipboardFormatAvailable(kind); ++i) view->Wait();
+    return IsClipboardFormatAvailable(kind);
+  }
+
   // Every shown control stands whole in the window, clear of the others, and its caption fits.
   void ExpectTidyLayout(const std::string& when) const {
     RECT client{};
@@ -142,6 +156,7 @@ TEST_F(WindowsViewTest, TheCutPageKeepsItsControlsApartInEveryLanguage) {
 
 TEST_F(WindowsViewTest, TheCutPageMarksAFieldAndFollowsItsKeys) {
   Show();
+  view->cut_presenter().patience = 60000;
   view->Click(ControlId::kModeCut);
   CutPage& page = view->main.cut_page();
   const auto type = [&](ControlId id, const wchar_t* text) {
@@ -159,8 +174,7 @@ TEST_F(WindowsViewTest, TheCutPageMarksAFieldAndFollowsItsKeys) {
   EXPECT_NE(before, TextOfWindow(page.control(ControlId::kZoomFigure)));
   const TemporaryFolder folder;
   cut_services.folder = folder.path();
-  page.Command(static_cast<int>(ControlId::kCopySvg), BN_CLICKED);
-  EXPECT_TRUE(IsClipboardFormatAvailable(RegisterClipboardFormatW(L"image/svg+xml")));
+  EXPECT_TRUE(CopySvg());
   view->Click(ControlId::kModeClassic);
   EXPECT_EQ(u"Plate", view->TextOf(ControlId::kText)) << "the text goes along";
   EXPECT_EQ(ControlId::kText, view->Focused());
@@ -261,13 +275,22 @@ TEST_F(WindowsViewTest, ASecondWindowIsAsLargeAsTheFirstAndStandsBesideIt) {
   }
 }
 
-// Says that the user wants programs dark, or light, as the system's settings do.
-void ChooseTheme(HWND window, DWORD light) {
-  RegSetKeyValueW(HKEY_CURRENT_USER,
-                  L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize",
-                  L"AppsUseLightTheme", REG_DWORD, &light, sizeof light);
-  SendMessageW(window, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"ImmersiveColorSet"));
-}
+// What the user chose, as the system's settings keep it; no choice is left over.
+struct ThemeChoice {
+  static constexpr wchar_t kKey[] =
+      L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize";
+  static constexpr wchar_t kValue[] = L"AppsUseLightTheme";
+
+  ThemeChoice() = default;
+  ~ThemeChoice() { RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, kValue); }
+  ThemeChoice(const ThemeChoice&) = delete;
+  ThemeChoice& operator=(const ThemeChoice&) = delete;
+
+  static void Choose(HWND window, DWORD light) {
+    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, kValue, REG_DWORD, &light, sizeof light);
+    SendMessageW(window, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"ImmersiveColorSet"));
+  }
+};
 
 TEST_F(WindowsViewTest, AnotherThemeColorsTheWindowItsHintsAndItsDialogsAtOnce) {
   Show();
@@ -294,8 +317,9 @@ TEST_F(WindowsViewTest, AnotherThemeColorsTheWindowItsHintsAndItsDialogsAtOnce) 
     return found;
   };
   const auto is_dark = [](COLORREF color) { return GetGValue(color) < 100; };
+  const ThemeChoice choice;
   for (const bool dark : {false, true, false}) {
-    ChooseTheme(view->window, dark ? 0 : 1);
+    choice.Choose(view->window, dark ? 0 : 1);
     const std::vector<COLORREF> found = grounds();
     EXPECT_EQ(4u, found.size()) << "of the window, the hints of both pages, a dialog";
     for (const COLORREF color : found) EXPECT_EQ(dark, is_dark(color)) << std::hex << color;
@@ -344,6 +368,7 @@ TEST_F(WindowsViewTest, AListAndAFontAreDroppedOnTheCutPageAndItsSlidersChangeTh
   const TemporaryFolder folder;
   cut_services.folder = folder.path();
   Show();
+  view->cut_presenter().patience = 60000;  // each drawing is there before the call ends
   view->Click(ControlId::kModeCut);
   CutPage& page = view->main.cut_page();
   const auto width = [&] {
@@ -372,12 +397,18 @@ TEST_F(WindowsViewTest, WhatIsCopiedAsSvgIsTheFile) {
   const TemporaryFolder folder;
   cut_services.folder = folder.path();
   Show();
+  view->cut_presenter().patience = 60000;
   view->Click(ControlId::kModeCut);
   CutPage& page = view->main.cut_page();
   SetWindowTextW(page.control(ControlId::kCutText), L"Plate");
   view->Pump();
-  page.Command(static_cast<int>(ControlId::kCopySvg), BN_CLICKED);
-  ASSERT_TRUE(OpenClipboard(view->window));
+  ASSERT_TRUE(CopySvg());
+  bool is_open = false;  // others look at each change of the clipboard, too
+  for (int i = 0; i < kMostWaits && !is_open; ++i) {
+    is_open = OpenClipboard(view->window);
+    if (!is_open) view->Wait();
+  }
+  ASSERT_TRUE(is_open);
   const HANDLE picture = GetClipboardData(RegisterClipboardFormatW(L"image/svg+xml"));
   ASSERT_NE(nullptr, picture);
   const std::string svg(static_cast<const char*>(GlobalLock(picture)), GlobalSize(picture));
