@@ -214,6 +214,7 @@ class CutPresenter {
     std::shared_future<Status> written;
   };
   LateDrag late_drag_;
+  static bool HasFailed(const std::shared_future<Status>& written);
   Language said_in_ = Language::kEnglish;
 
   CutWorkshop workshop_;              // used by maker_ alone

@@ -391,6 +391,12 @@ void CutPresenter::CopySvg() {
   });
 }
 
+bool CutPresenter::HasFailed(const std::shared_future<Status>& written) {
+  return written.valid() &&
+         written.wait_for(std::chrono::seconds(0)) == std::future_status::ready &&
+         !written.get().ok();
+}
+
 // A drag waits for its file no longer than the eye does. A file that takes longer is there for the
 // next drag of the same drawing.
 fs::path CutPresenter::FileToDrag() {
@@ -400,12 +406,13 @@ fs::path CutPresenter::FileToDrag() {
   const Format& format = FormatOfSave();
   fs::path file = folder / TextPath(NameOfFile());
   file += "." + std::string(format.extension);
-  const bool is_on_its_way = late_drag_.file == file && late_drag_.made == made_;
+  const bool is_on_its_way =
+      late_drag_.file == file && late_drag_.made == made_ && !HasFailed(late_drag_.written);
   LateDrag drag = is_on_its_way ? std::exchange(late_drag_, {}) : LateDrag{file, made_, {}};
   if (!is_on_its_way) {
-    drag.written = WriteBeside(format, file, [this, file](const Status& written) {
+    drag.written = WriteBeside(format, file, [this, file, made = made_](const Status& written) {
       if (!written.ok()) return Tell(SayStatus(written), StatusKind::kFailure);
-      if (late_drag_.file != file) return;  // it is dragged already
+      if (late_drag_.file != file || late_drag_.made != made) return;  // it is dragged already
       Tell(Say(u"The file can be dragged now"), StatusKind::kNormal);
     });
   }

@@ -378,7 +378,11 @@ std::u16string DialogPresenter::DescribeLicenceOf(const std::u16string& face) {
 
 void DialogPresenter::LookAtLicence() {
   if (licence_.forbids || licence_.face.empty()) return;
-  licence_.forbids = LicenceForbids(licence_.face, {});
+  try {
+    licence_.forbids = LicenceForbids(licence_.face, {});
+  } catch (const std::bad_alloc&) {
+    licence_.forbids = false;  // the drawing itself tells of missing memory
+  }
   if (!*licence_.forbids || text_.empty() || !dropped_.empty()) return;
   warnings_ += DescribeLicence(licence_.face);
   ShowStatusAgain();

@@ -35,14 +35,16 @@ std::unique_ptr<HeldFile> Hold(const fs::path& folder) {
 void Remove(const fs::path& folder, std::unique_ptr<HeldFile> mark) {
   std::error_code error;
   fs::remove_all(PathToOpen(folder), error);
+  // Before it is let go, or it may be the next holder's already; Windows removes none that is held.
+  const bool is_gone = RemoveFile(MarkOf(folder)).ok();
   mark.reset();
-  (void)RemoveFile(MarkOf(folder));
+  if (!is_gone) (void)RemoveFile(MarkOf(folder));
 }
 
 void RemoveLeftFolders(const fs::path& all) {
   std::vector<fs::path> left;
   const Status listed = ListFolder(all, [&](const fs::path& path) {
-    if (path.extension() != kMarkEnd) left.push_back(path);
+    left.push_back(path.extension() == kMarkEnd ? all / path.stem() : path);
   });
   if (!listed.ok()) return;  // nobody has made any
   for (const fs::path& folder : left) {
@@ -55,8 +57,10 @@ void RemoveLeftFolders(const fs::path& all) {
 }  // namespace
 
 OwnScratch::~OwnScratch() {
-  if (mark_) Remove(folder_, std::move(mark_));
-  if (const fs::path all = AllScratch(); !all.empty()) RemoveLeftFolders(all);
+  if (!mark_) return;
+  const fs::path all = folder_.parent_path();
+  Remove(folder_, std::move(mark_));
+  RemoveLeftFolders(all);
 }
 
 fs::path OwnScratch::Folder() {

@@ -80,8 +80,8 @@ class SeriesRun {
 
   SeriesEnd Run();
 
-  // Ends it soon: rows at hand are given up, their files are whole or not there. May be called by any
-  // thread.
+  // Ends it soon: rows at hand are given up, their files are whole or not there. May be called by
+  // any thread.
   void Stop() { is_stopped_ = stops_ = true; }
 
   const SeriesCounts& counts() const { return counts_; }

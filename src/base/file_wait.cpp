@@ -56,7 +56,12 @@ Status WaitForFile(const std::filesystem::path& path, FileWait wait,
                    const std::function<Status()>& attempt, WaitOut what, Patience* patience) {
   Patience own;
   if (!patience) patience = &own;
-  bool shown = false;
+  struct Shown {  // taken away also where the work is stopped
+    ~Shown() {
+      if (is) CurrentNotices().ClearWait();
+    }
+    bool is = false;
+  } shown;
   Status status;
   int attempts = 0;
   do {
@@ -64,18 +69,17 @@ Status WaitForFile(const std::filesystem::path& path, FileWait wait,
     ++attempts;
     if (!MayPass(status, what)) break;
     if (wait == FileWait::kNothing) continue;
-    if (!shown) {
+    if (!shown.is) {
       CurrentNotices().ShowWait(
           (wait == FileWait::kRead ? u"FileWait OpenRead  " : u"FileWait OpenWrite ") +
           PathText(path));
-      shown = true;
+      shown.is = true;
     }
     if (what == WaitOut::kAskedHolder &&
         CurrentNotices().KeepWaiting(PathText(path), attempts) == Continue::kNo) {
       break;
     }
   } while (patience->Pause());
-  if (shown) CurrentNotices().ClearWait();
   return status;
 }
 
@@ -84,6 +88,7 @@ Status ReplaceWhenFree(const std::filesystem::path& target, const FileFiller& fi
   Status status = WaitForFile(
       target, FileWait::kWrite,
       [&] {
+        StopIfAsked();
         Status opened;
         if (FactsOfPath(target).kind == PathKind::kFile) {
           HeldFile::Open(target, Deny::kAll, &opened);

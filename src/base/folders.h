@@ -28,7 +28,7 @@ std::filesystem::path ProgramFolder();
 
 // The day's folder for scratch files, "Quenkit.tmp/YYYYMMDD/" in OwnTempFolder, created when
 // missing; when that fails, the same under "Temp" beside the program or in the cache folder. With a
-// separator at the end.
+// separator at the end; empty where none of them can be had.
 std::filesystem::path WorkFolder();
 
 inline constexpr uint32_t kCreateSpecialFolder = 0x8000;  // CSIDL_FLAG_CREATE

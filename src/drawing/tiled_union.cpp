@@ -227,7 +227,7 @@ void Divide(Tile tile, size_t most_corners, std::vector<Tile>* tiles) {
 }
 
 // A tile's outlines, within its box. The library now and then loses or adds a part of a tangle;
-// seen from another side, it does not: a tile is looked at until two sides agree on its area.
+// seen from another side, it rarely does: a tile is looked at until two sides agree on its area.
 class TileUnion {
  public:
   TileUnion(const Tile& tile, const TilingRule& rule) : tile_(tile), rule_(rule) {}
@@ -258,9 +258,9 @@ class TileUnion {
     double area = 0, slack = 0;  // what rounding makes of it
   };
 
-  // No more than a third of the corners' number can be undone by the polygons.
+  // No more than half of the corners' number can be undone by the polygons.
   std::vector<Polygon> Framed() const {
-    const int most = static_cast<int>(CornerCount(tile_.polygons) / 3) + 1;
+    const int most = static_cast<int>(CornerCount(tile_.polygons) / 2);
     return WithFrames(tile_.polygons, tile_.box, std::clamp(tile_.around, -most, most));
   }
 
@@ -428,9 +428,13 @@ class Stitcher {
 
 }  // namespace
 
+bool NeedsTiles(const std::vector<Polygon>& polygons, const TilingRule& rule) {
+  return CornerCount(polygons) > rule.most_at_once;
+}
+
 std::vector<Polygon> TiledUnion(const std::vector<Polygon>& polygons, const GridBox& box,
                                 const TilingRule& rule) {
-  if (CornerCount(polygons) <= rule.most_at_once) {
+  if (!NeedsTiles(polygons, rule)) {
     return UnionFrom(rule.side, WithFrames(polygons, box, rule.around), rule.fill);
   }
   const GridBox all = Grown(box, kApart);

@@ -20,6 +20,9 @@ struct TilingRule {
   size_t most_in_tile = 600;
 };
 
+// Whether there are more corners than go to the library at once.
+bool NeedsTiles(const std::vector<Polygon>& polygons, const TilingRule& rule);
+
 // The outlines of what is inside, as UnionOf gives them, of polygons within `box`; where `around`
 // fills the plane, an outline outside of the box comes with them. Outlines that go from a tile into
 // another one have a corner more on the way, within a unit of the polygons' edges.

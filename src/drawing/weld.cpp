@@ -1,6 +1,7 @@
 #include "drawing/weld.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 #include "base/stop.h"
@@ -128,23 +129,35 @@ class Welder {
     }
   }
 
-  // The library now and then loses or adds a part of a tangle; seen from another side, it does not.
-  // It goes through the plane from bottom to top, with all at hand that it meets on the way: a line
-  // of text is looked at from its end.
+  // The library now and then loses or adds a part of a tangle; seen from another side, it rarely
+  // does. It goes through the plane from bottom to top, with all at hand that it meets on the way:
+  // a line of text is looked at from its end. Of very many letters the slack of the area could hide
+  // such a part: they have to fit closer, and go to the library in one piece if they do not.
   std::vector<Polygon> CheckedUnion(const std::vector<Polygon>& polygons, const GridBox& box,
                                     int around, std::span<const ChordContact> contacts) const {
     const FilledArea wanted = FilledAreas(grid_, rule_).Of(contacts);
     constexpr int kSides = 4;
-    std::vector<Polygon> first;
-    for (int i = 0; i < kSides; ++i) {
-      StopIfAsked();  // the library itself cannot be stopped
-      const int side = (i + (box.IsWide() ? 1 : 0)) % kSides;
-      std::vector<Polygon> outlines = TiledUnion(polygons, box, {rule_.fill, around, side});
-      std::erase_if(outlines, [&](const Polygon& outline) { return !IsInside(outline, box); });
-      if (std::fabs(AreaOf(outlines) - wanted.area) <= wanted.slack) return outlines;
-      if (i == 0) first = std::move(outlines);
+    constexpr double kShareOfTiles = 1.0 / 256;
+    TilingRule tiling = {rule_.fill, around};
+    std::vector<Polygon> nearest;
+    double least = std::numeric_limits<double>::infinity();
+    for (const bool in_tiles : {true, false}) {
+      if (in_tiles && !NeedsTiles(polygons, tiling)) continue;
+      if (!in_tiles) tiling.most_at_once = std::numeric_limits<size_t>::max();
+      const double slack = wanted.slack * (in_tiles ? kShareOfTiles : 1);
+      for (int i = 0; i < kSides; ++i) {
+        StopIfAsked();  // the library itself cannot be stopped
+        tiling.side = (i + (box.IsWide() ? 1 : 0)) % kSides;
+        std::vector<Polygon> outlines = TiledUnion(polygons, box, tiling);
+        std::erase_if(outlines, [&](const Polygon& outline) { return !IsInside(outline, box); });
+        const double off = std::fabs(AreaOf(outlines) - wanted.area);
+        if (off <= slack) return outlines;
+        if (off >= least) continue;
+        least = off;
+        nearest = std::move(outlines);
+      }
     }
-    return first;
+    return nearest;
   }
 
   bool IsThin(const Path& path) const {

@@ -1,5 +1,5 @@
 // Failures of the system for want of memory: their reason begins with these words, which alone tell
-// them from others: all but the library, which has a number for them, treat them alike.
+// them from others.
 #pragma once
 
 #include "platform/status.h"

@@ -63,7 +63,8 @@ int wmain(int count, wchar_t** words) {
   let_go = CreateEventW(NULL, TRUE, FALSE, NULL);
   for (int i = 0; i < kThreads; ++i) threads[i] = CreateThread(NULL, 0, Draw, lengths[i], 0, NULL);
   for (int i = 0; i < kThreads; ++i) {
-    if (WaitForSingleObject(drawn, 60000) != WAIT_OBJECT_0) return Fails("threads");
+    const HANDLE either[] = {drawn, threads[i]}; /* a thread that fails ends */
+    if (WaitForMultipleObjects(2, either, FALSE, INFINITE) != WAIT_OBJECT_0) return Fails("threads");
   }
   if (!FreeLibrary(library) || GetModuleHandleW(L"kerno.dll") != library) {
     return fprintf(stderr, "the library is gone\n"), 3;

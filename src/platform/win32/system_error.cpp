@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "platform/no_memory.h"
 #include "platform/win32/wide_text.h"
 #include "platform/win32/windows_api.h"
 
@@ -37,6 +38,9 @@ constexpr Reason kReasons[] = {
     {ERROR_HANDLE_DISK_FULL, Failure::kNoSpace, u"the disk is full"},
     {kDiskQuotaExceeded, Failure::kNoSpace, u"the quota of the disk is used up"},
     {ERROR_FILE_TOO_LARGE, Failure::kNoSpace, u"the file would be larger than is allowed"},
+    {ERROR_NOT_ENOUGH_MEMORY, Failure::kOther, kNoMemoryReason},
+    {ERROR_OUTOFMEMORY, Failure::kOther, kNoMemoryReason},
+    {ERROR_COMMITMENT_LIMIT, Failure::kOther, kNoMemoryReason},
     {ERROR_NO_DATA, Failure::kOther, u"the reader of the pipe has gone"},
     {ERROR_BROKEN_PIPE, Failure::kOther, u"the reader of the pipe has gone"},
 };
