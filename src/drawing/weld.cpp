@@ -132,17 +132,19 @@ class Welder {
   // The library now and then loses or adds a part of a tangle; seen from another side, it rarely
   // does. It goes through the plane from bottom to top, with all at hand that it meets on the way:
   // a line of text is looked at from its end. Of very many letters the slack of the area could hide
-  // such a part: they have to fit closer, and go to the library in one piece if they do not.
+  // such a part: what is joined in tiles is taken from the side that fits the area best, unless one
+  // fits closely. Where none fits at all, it goes to the library in one piece.
   std::vector<Polygon> CheckedUnion(const std::vector<Polygon>& polygons, const GridBox& box,
                                     int around, std::span<const ChordContact> contacts) const {
     const FilledArea wanted = FilledAreas(grid_, rule_).Of(contacts);
     constexpr int kSides = 4;
-    constexpr double kShareOfTiles = 1.0 / 256;
+    constexpr double kShareOfTiles = 1.0 / 64;
     TilingRule tiling = {rule_.fill, around};
     std::vector<Polygon> nearest;
     double least = std::numeric_limits<double>::infinity();
     for (const bool in_tiles : {true, false}) {
       if (in_tiles && !NeedsTiles(polygons, tiling)) continue;
+      if (least <= wanted.slack) break;
       if (!in_tiles) tiling.most_at_once = std::numeric_limits<size_t>::max();
       const double slack = wanted.slack * (in_tiles ? kShareOfTiles : 1);
       for (int i = 0; i < kSides; ++i) {
